@@ -1,0 +1,140 @@
+// The root of every operator: inputs, life cycle, identity of results, knobs.
+//
+// Who calls what, and on which thread:
+//
+//   validation thread   constructor, set_input, knobs, knob_changed, validate, request, invalidate, open,
+//                       close, destructor. One thread at a time for a graph, never while it renders.
+//   render threads      engine (of Iop), many at once, for different rows. It may read the operator and
+//                       its inputs' info, and write only the row it was given and what a Lock guards.
+//
+// validate brings an operator up to date once; it does nothing until something invalidates the operator.
+// An operator's hash names the state that its results depend on; equal hash, equal pixels.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ZoImage/Hash.h"
+
+namespace Zo::Image {
+
+class Knob;
+class Knob_Closure;
+class Op;
+
+// What a host hands to the constructor of the operators that it creates. Internal operators get the one
+// of the node that owns them.
+struct NodeContext {
+    std::string node_name;  // the node's name in messages; may be empty
+};
+
+class Op {
+  public:
+    // Registers a kind of operator under its class name. Plug-in modules hold one as a static object, so
+    // loading a module registers its operators and unloading it takes them back.
+    class Description {
+      public:
+        using Constructor = Op* (*)(const NodeContext&);  // returns null when it cannot allocate
+
+        Description(const char* class_name, const char* menu_path, Constructor constructor);
+        ~Description();
+        Description(const Description&) = delete;
+        Description& operator=(const Description&) = delete;
+
+        const char* class_name() const { return class_name_; }
+        const char* menu_path() const { return menu_path_; }
+        Op* construct(const NodeContext& context) const { return constructor_(context); }
+
+        // The registered operator of this class name; null when there is none. Any thread.
+        static const Description* find(std::string_view class_name);
+
+      private:
+        const char* class_name_;
+        const char* menu_path_;
+        Constructor constructor_;
+    };
+
+    explicit Op(const NodeContext& context) : context_(context) {}
+    virtual ~Op();
+    Op(const Op&) = delete;
+    Op& operator=(const Op&) = delete;
+
+    const NodeContext& context() const { return context_; }
+
+    virtual const char* class_name() const = 0;
+    virtual const char* help_text() const { return ""; }
+
+    // Inputs. An input that is not connected is null here; Iop::input gives black in its place.
+    int inputs() const { return static_cast<int>(inputs_.size()); }
+    void inputs(int count) { inputs_.resize(static_cast<std::size_t>(count), nullptr); }
+    Op* input_op(int n) const { return n >= 0 && n < inputs() ? inputs_[static_cast<std::size_t>(n)] : nullptr; }
+    bool connected(int n) const { return input_op(n) != nullptr; }
+    // Connects an input (null disconnects). Connecting another operator than before invalidates this one.
+    // The operator does not own its inputs; they must outlive its last use.
+    void set_input(int n, Op* op);
+    // What a host connects to an input that the user left open; null for nothing.
+    virtual Op* default_input(int n);
+    // A short name for an input; `buffer` has room for 64 characters and may be filled and returned.
+    virtual const char* input_label(int n, char* buffer) const;
+
+    // Internal operators: makes `owner` the parent of this one, under the name of its member.
+    void parent(Op* owner, std::string_view member_name);
+    Op* parent() const { return parent_; }
+    const std::string& member_name() const { return member_name_; }
+    const std::vector<Op*>& children() const { return children_; }
+    // The internal operator of this name, null when there is none.
+    Op* child(std::string_view member_name) const;
+
+    // Brings the operator up to date: calls _validate unless it is already valid (a validation that was
+    // not for real does not count for one that is).
+    void validate(bool for_real);
+    // Drops what was computed; the next validate calls _validate. The hash changes too, so operators that
+    // append it to theirs follow.
+    void invalidate();
+    // As above, but only when `hash` differs from the one given last.
+    void invalidate(const Hash& hash);
+    // Names the state that the results depend on.
+    Hash hash() const;
+    bool valid() const { return state_ == State::kReal; }
+
+    // Users of the operator's output: open counts one more, close one less, after _close.
+    void open();
+    void close();
+    int users() const { return users_; }
+
+    // Errors found while validating, for the host to show; cleared by the next validation.
+    void error(std::string message) { error_ = std::move(message); }
+    const std::string& error() const { return error_; }
+
+    // True when the render that the calling thread works for was aborted.
+    bool aborted() const;
+
+    // Describes the panel to a visitor; see Knob.h. The order of calls is the order in the panel.
+    virtual void knobs(Knob_Closure&) {}
+    // Called after the user changed a knob. Returns non-zero when the change was handled.
+    virtual int knob_changed(Knob*) { return 0; }
+
+  protected:
+    virtual void _invalidate() {}
+    virtual void _validate(bool for_real) = 0;
+    virtual void _open() {}
+    virtual void _close() {}
+
+  private:
+    enum class State { kInvalid, kNotForReal, kReal };
+
+    NodeContext context_;
+    std::vector<Op*> inputs_;
+    Op* parent_ = nullptr;
+    std::vector<Op*> children_;
+    std::string member_name_;
+    State state_ = State::kInvalid;
+    Hash setup_hash_;
+    std::uint64_t changes_ = 0;  // plain invalidations so far
+    int users_ = 0;
+    std::string error_;
+};
+
+}  // namespace Zo::Image

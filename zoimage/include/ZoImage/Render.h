@@ -1,0 +1,68 @@
+// Renders an operator: cuts the frame into bands of rows and lets worker threads walk them.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "ZoImage/Box.h"
+#include "ZoImage/ChannelSet.h"
+
+namespace Zo::Image {
+
+class Iop;
+class Row;
+
+// Stops renders. raise() may be called from any thread and from a signal handler; it stays raised until
+// cleared.
+class AbortFlag {
+  public:
+    void raise() noexcept { raised_.store(true, std::memory_order_relaxed); }
+    void clear() noexcept { raised_.store(false, std::memory_order_relaxed); }
+    bool raised() const noexcept { return raised_.load(std::memory_order_relaxed); }
+
+  private:
+    std::atomic<bool> raised_{false};
+    static_assert(std::atomic<bool>::is_always_lock_free);
+};
+
+// What one operator did in one render.
+struct OpStats {
+    const Iop* op = nullptr;
+    std::int64_t rows = 0;               // engine calls
+    std::chrono::nanoseconds time{0};    // in engine, without the operators that it called; all threads added
+};
+
+class Renderer {
+  public:
+    // Receives every finished row of the region, from the worker threads, in no particular order.
+    using Sink = std::function<void(int y, const Row& row)>;
+
+    // `threads` of 0 takes one per processor. The flag, if given, must outlive the renderer.
+    explicit Renderer(int threads = 0, const AbortFlag* abort = nullptr);
+    ~Renderer();
+    Renderer(const Renderer&) = delete;
+    Renderer& operator=(const Renderer&) = delete;
+
+    int threads() const;
+    // Measures time per operator from the next render on; counting rows is always on.
+    void measure_time(bool on);
+
+    // Validates and requests `root`, then computes every row of the region. Returns false when it was
+    // aborted, after all workers stopped. An exception from an engine or the sink stops the render and is
+    // thrown here. One render at a time per renderer, and per graph.
+    bool render(Iop& root, const Box& region, ChannelSet channels, const Sink& sink);
+
+    // The last render's operators, in the order they were first requested, the root first.
+    const std::vector<OpStats>& stats() const;
+
+  private:
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace Zo::Image
