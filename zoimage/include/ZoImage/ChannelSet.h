@@ -36,7 +36,9 @@ class ChannelSet {
     constexpr ChannelSet& operator&=(ChannelSet other) { return *this = *this & other; }
 
     friend constexpr ChannelSet operator+(ChannelSet a, ChannelSet b) { return from_bits(a.bits_ | b.bits_); }
-    friend constexpr ChannelSet operator-(ChannelSet a, ChannelSet b) { return from_bits(a.bits_ & ~b.bits_); }
+    friend constexpr ChannelSet operator-(ChannelSet a, ChannelSet b) {
+        return from_bits(a.bits_ & ~b.bits_);
+    }
     friend constexpr ChannelSet operator&(ChannelSet a, ChannelSet b) { return from_bits(a.bits_ & b.bits_); }
     friend constexpr bool operator==(ChannelSet, ChannelSet) = default;
 

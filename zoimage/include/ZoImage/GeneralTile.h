@@ -6,8 +6,9 @@
 // Beyond the source's box both repeat its nearest edge pixel.
 #pragma once
 
+#include <array>
 #include <cstddef>
-#include <memory>
+#include <utility>
 #include <vector>
 
 #include "ZoImage/Box.h"

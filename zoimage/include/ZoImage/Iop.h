@@ -19,6 +19,8 @@ class Iop : public Op {
   public:
     explicit Iop(const NodeContext& context) : Op(context) {}
 
+    Iop* as_iop() final { return this; }
+
     // Valid after validate.
     const Info& info() const { return info_; }
     // The channels that this operator changes. A fetch with none of them goes straight to input 0.
@@ -67,12 +69,11 @@ class Iop : public Op {
     friend class RequestPass;
     friend class RowPath;
 
-    void compute(int y, int x, int r, ChannelSet channels, Row& row);
-
     ChannelSet out_channels_ = kMaskAll;
     Requested requested_;
     std::uint64_t pass_ = 0;  // the request pass that requested_ and slot_ belong to
     int slot_ = -1;           // this operator's place in that pass
+    int rows_in_use_ = 1;     // rows of this operator that the making of one output row can touch
 };
 
 }  // namespace Zo::Image

@@ -20,6 +20,7 @@
 
 namespace Zo::Image {
 
+class Iop;
 class Knob;
 class Knob_Closure;
 class Op;
@@ -63,13 +64,18 @@ class Op {
 
     const NodeContext& context() const { return context_; }
 
+    // This operator as an image; null when it makes none.
+    virtual Iop* as_iop() { return nullptr; }
+
     virtual const char* class_name() const = 0;
     virtual const char* help_text() const { return ""; }
 
     // Inputs. An input that is not connected is null here; Iop::input gives black in its place.
     int inputs() const { return static_cast<int>(inputs_.size()); }
-    void inputs(int count) { inputs_.resize(static_cast<std::size_t>(count), nullptr); }
-    Op* input_op(int n) const { return n >= 0 && n < inputs() ? inputs_[static_cast<std::size_t>(n)] : nullptr; }
+    void inputs(int count);
+    Op* input_op(int n) const {
+        return n >= 0 && n < inputs() ? inputs_[static_cast<std::size_t>(n)] : nullptr;
+    }
     bool connected(int n) const { return input_op(n) != nullptr; }
     // Connects an input (null disconnects). Connecting another operator than before invalidates this one.
     // The operator does not own its inputs; they must outlive its last use.
@@ -90,12 +96,13 @@ class Op {
     // Brings the operator up to date: calls _validate unless it is already valid (a validation that was
     // not for real does not count for one that is).
     void validate(bool for_real);
-    // Drops what was computed; the next validate calls _validate. The hash changes too, so operators that
-    // append it to theirs follow.
+    // Drops what was computed; the next validate calls _validate, here and in everything downstream. The
+    // hash changes too.
     void invalidate();
     // As above, but only when `hash` differs from the one given last.
     void invalidate(const Hash& hash);
-    // Names the state that the results depend on.
+    // Names the state that the results depend on: the hash given last and the invalidations since. An
+    // operator that was never given one takes its inputs' hashes in.
     Hash hash() const;
     bool valid() const { return state_ == State::kReal; }
 
@@ -125,13 +132,18 @@ class Op {
   private:
     enum class State { kInvalid, kNotForReal, kReal };
 
+    void unlink_input(std::size_t n);
+    void mark_invalid();
+
     NodeContext context_;
     std::vector<Op*> inputs_;
+    std::vector<Op*> outputs_;  // operators that have this one as an input, once per input
     Op* parent_ = nullptr;
     std::vector<Op*> children_;
     std::string member_name_;
     State state_ = State::kInvalid;
     Hash setup_hash_;
+    bool has_setup_hash_ = false;
     std::uint64_t changes_ = 0;  // plain invalidations so far
     int users_ = 0;
     std::string error_;

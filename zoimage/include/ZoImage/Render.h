@@ -33,8 +33,8 @@ class AbortFlag {
 // What one operator did in one render.
 struct OpStats {
     const Iop* op = nullptr;
-    std::int64_t rows = 0;               // engine calls
-    std::chrono::nanoseconds time{0};    // in engine, without the operators that it called; all threads added
+    std::int64_t rows = 0;             // engine calls
+    std::chrono::nanoseconds time{0};  // in engine, without the operators that it called; all threads added
 };
 
 class Renderer {

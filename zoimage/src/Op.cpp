@@ -1,0 +1,121 @@
+#include "ZoImage/Op.h"
+
+#include <algorithm>
+#include <cassert>
+
+#include "RowPath.h"
+
+namespace Zo::Image {
+
+Op::~Op() {
+    for (std::size_t n = 0; n < inputs_.size(); ++n) unlink_input(n);
+    for (Op* output : outputs_)
+        std::replace(output->inputs_.begin(), output->inputs_.end(), this, static_cast<Op*>(nullptr));
+    for (Op* child : children_) child->parent_ = nullptr;
+    if (parent_ != nullptr) std::erase(parent_->children_, this);
+}
+
+void Op::inputs(int count) {
+    for (auto n = static_cast<std::size_t>(count); n < inputs_.size(); ++n) unlink_input(n);
+    inputs_.resize(static_cast<std::size_t>(count), nullptr);
+}
+
+void Op::unlink_input(std::size_t n) {
+    if (inputs_[n] == nullptr) return;
+    auto& outputs = inputs_[n]->outputs_;
+    outputs.erase(std::find(outputs.begin(), outputs.end(), this));
+    inputs_[n] = nullptr;
+}
+
+void Op::set_input(int n, Op* op) {
+    assert(n >= 0 && n < inputs());
+    const auto slot = static_cast<std::size_t>(n);
+    if (inputs_[slot] == op) return;
+    unlink_input(slot);
+    inputs_[slot] = op;
+    if (op != nullptr) op->outputs_.push_back(this);
+    invalidate();
+}
+
+Op* Op::default_input(int /*n*/) {
+    return nullptr;
+}
+
+const char* Op::input_label(int /*n*/, char* buffer) const {
+    return buffer;
+}
+
+void Op::parent(Op* owner, std::string_view member_name) {
+    if (parent_ != nullptr) std::erase(parent_->children_, this);
+    parent_ = owner;
+    member_name_ = member_name;
+    if (owner != nullptr) owner->children_.push_back(this);
+}
+
+Op* Op::child(std::string_view member_name) const {
+    for (Op* op : children_) {
+        if (op->member_name_ == member_name) return op;
+    }
+    return nullptr;
+}
+
+void Op::validate(bool for_real) {
+    if (state_ == State::kReal || (state_ == State::kNotForReal && !for_real)) return;
+    error_.clear();
+    state_ = for_real ? State::kReal : State::kNotForReal;
+    try {
+        _validate(for_real);
+    } catch (...) {
+        state_ = State::kInvalid;
+        throw;
+    }
+}
+
+void Op::mark_invalid() {
+    if (state_ == State::kInvalid) return;
+    state_ = State::kInvalid;
+    for (Op* output : outputs_) output->mark_invalid();
+}
+
+void Op::invalidate() {
+    ++changes_;
+    _invalidate();
+    state_ = State::kReal;  // so that the mark reaches everything downstream
+    mark_invalid();
+}
+
+void Op::invalidate(const Hash& hash) {
+    if (has_setup_hash_ && setup_hash_ == hash) return;
+    has_setup_hash_ = true;
+    setup_hash_ = hash;
+    _invalidate();
+    state_ = State::kReal;
+    mark_invalid();
+}
+
+Hash Op::hash() const {
+    Hash hash = setup_hash_;
+    if (changes_ != 0) hash.append(changes_);
+    if (has_setup_hash_) return hash;
+    for (const Op* input : inputs_) {
+        if (input != nullptr) hash.append(input->hash());
+    }
+    return hash;
+}
+
+void Op::open() {
+    ++users_;
+    _open();
+}
+
+void Op::close() {
+    _close();
+    users_ = std::max(0, users_ - 1);
+}
+
+bool Op::aborted() const {
+    const RowPath* path = RowPath::current();
+    return path != nullptr && path->aborted();
+}
+
+}  // namespace Zo::Image

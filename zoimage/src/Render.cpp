@@ -1,0 +1,128 @@
+#include "ZoImage/Render.h"
+
+#include <algorithm>
+#include <exception>
+#include <mutex>
+#include <thread>
+
+#include "RequestPass.h"
+#include "RowPath.h"
+#include "RowRanges.h"
+#include "WorkerPool.h"
+#include "ZoImage/Iop.h"
+
+namespace Zo::Image {
+
+namespace {
+
+constexpr int kBandRows = 16;
+
+// At the seam of two ranges the rows that an operator looks up and down are made twice. Ranges this many
+// times taller than that keep it to a few per cent.
+constexpr int kRowsPerSeam = 8;
+constexpr int kLeastRange = 8;
+constexpr int kMostSeparation = 128;
+
+int least_rows_of_a_range(const RequestPass& pass) {
+    int tallest = 1;
+    for (const Iop* op : pass.ops()) tallest = std::max(tallest, RequestPass::rows_in_use(*op));
+    return std::clamp((tallest - 1) * kRowsPerSeam, kLeastRange, kMostSeparation);
+}
+
+// Plans the rendering of a region: the whole frame tells how many rows are in use at once, the region
+// which spans and channels are wanted.
+RequestPass plan(Iop& root, const Box& region, ChannelSet channels) {
+    root.validate(true);
+    const Box frame = root.info().box.empty() ? region : root.info().box;
+    RequestPass whole(root, frame, channels);
+    whole.note_rows_in_use(frame);
+    if (region == frame) return whole;
+    return {root, region, channels};
+}
+
+}  // namespace
+
+struct Renderer::Impl {
+    Impl(int threads, const AbortFlag* flag) : pool(threads), abort(flag) {}
+
+    WorkerPool pool;
+    const AbortFlag* abort;
+    bool measure_time = false;
+    std::vector<OpStats> stats;
+};
+
+Renderer::Renderer(int threads, const AbortFlag* abort) {
+    const int processors = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+    impl_ = std::make_unique<Impl>(threads > 0 ? threads : processors, abort);
+}
+
+Renderer::~Renderer() = default;
+
+int Renderer::threads() const {
+    return impl_->pool.threads();
+}
+
+void Renderer::measure_time(bool on) {
+    impl_->measure_time = on;
+}
+
+const std::vector<OpStats>& Renderer::stats() const {
+    return impl_->stats;
+}
+
+bool Renderer::render(Iop& root, const Box& region, ChannelSet channels, const Sink& sink) {
+    impl_->stats.clear();
+    if (region.empty()) return true;
+    const RequestPass pass = plan(root, region, channels);
+
+    RenderState state;
+    state.abort = impl_->abort;
+    state.measure_time = impl_->measure_time;
+
+    const int least = least_rows_of_a_range(pass);
+    const int workers = std::clamp(region.height() / least, 1, threads());
+    RowRanges ranges(region.y, region.t, workers, 2 * least);
+
+    std::mutex mutex;  // guards the results below, which each worker adds to once
+    std::vector<OpStats> stats(pass.ops().size());
+    std::exception_ptr failure;
+    bool complete = true;
+
+    const auto work = [&](int worker) {
+        std::exception_ptr thrown;
+        RowPath path(pass, state);
+        bool finished = true;
+        try {
+            const RowPath::Use use(path);
+            for (Band band = ranges.take(worker, kBandRows); finished && !band.empty();
+                 band = ranges.take(worker, kBandRows)) {
+                for (int y = band.y; y < band.t; ++y) {
+                    Row row(region.x, region.r);
+                    row.get(root, y, channels);
+                    finished = !path.aborted();
+                    if (!finished) break;
+                    sink(y, row);
+                }
+            }
+        } catch (...) {
+            thrown = std::current_exception();
+            state.stop = true;
+            finished = false;
+        }
+        const std::lock_guard hold(mutex);
+        complete = complete && finished;
+        if (thrown && !failure) failure = thrown;
+        for (std::size_t slot = 0; slot < stats.size(); ++slot) {
+            stats[slot].rows += path.work(slot).rows;
+            stats[slot].time += path.work(slot).time;
+        }
+    };
+    impl_->pool.run(workers, work);
+
+    for (std::size_t slot = 0; slot < stats.size(); ++slot) stats[slot].op = pass.ops()[slot];
+    impl_->stats = std::move(stats);
+    if (failure) std::rethrow_exception(failure);
+    return complete;
+}
+
+}  // namespace Zo::Image

@@ -1,0 +1,55 @@
+#include "RequestPass.h"
+
+#include <algorithm>
+#include <atomic>
+
+#include "ZoImage/Iop.h"
+
+namespace Zo::Image {
+
+namespace {
+
+thread_local RequestPass* current_pass = nullptr;
+std::atomic<std::uint64_t> last_id{0};
+
+struct CurrentPass {
+    explicit CurrentPass(RequestPass* pass) { current_pass = pass; }
+    ~CurrentPass() { current_pass = nullptr; }
+};
+
+}  // namespace
+
+RequestPass::RequestPass(Iop& root, const Box& box, ChannelSet channels) : id_(++last_id) {
+    const CurrentPass scope(this);
+    root.request(box.x, box.y, box.r, box.t, channels, 1);
+}
+
+RequestPass* RequestPass::current() {
+    return current_pass;
+}
+
+bool RequestPass::enter(Iop& op) {
+    if (op.pass_ == id_) return false;
+    op.pass_ = id_;
+    op.slot_ = static_cast<int>(ops_.size());
+    op.requested_ = {};
+    ops_.push_back(&op);
+    return true;
+}
+
+void RequestPass::note_rows_in_use(const Box& root_box) {
+    for (Iop* op : ops_) {
+        const Box& box = op->requested_.box;
+        // Rows beyond the operator's box are its edge rows again, so never more than it has.
+        const std::int64_t below = std::int64_t{root_box.y} - box.y;
+        const std::int64_t above = std::int64_t{box.t} - root_box.t;
+        const std::int64_t height = std::max(1, op->info().box.height());
+        op->rows_in_use_ = static_cast<int>(std::clamp<std::int64_t>(below + above + 1, 1, height));
+    }
+}
+
+int RequestPass::rows_in_use(const Iop& op) {
+    return op.rows_in_use_;
+}
+
+}  // namespace Zo::Image

@@ -1,0 +1,39 @@
+// One walk of requests over a graph: which operators take part, and how much of each is wanted.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "ZoImage/Box.h"
+#include "ZoImage/ChannelSet.h"
+
+namespace Zo::Image {
+
+class Iop;
+
+class RequestPass {
+  public:
+    // Requests the box from `root`, and so from everything upstream.
+    RequestPass(Iop& root, const Box& box, ChannelSet channels);
+
+    // The pass that the calling thread is in, null when it is in none.
+    static RequestPass* current();
+
+    // Called by Iop::request: takes the operator into the pass. True when it is its first request.
+    bool enter(Iop& op);
+
+    std::uint64_t id() const { return id_; }
+    // The operators that were requested; an operator's slot is its index here.
+    const std::vector<Iop*>& ops() const { return ops_; }
+
+    // Notes for every operator how many of its rows the making of one output row can touch: the height
+    // by which its requested box exceeds the root's. Only right when the root's whole box was requested.
+    void note_rows_in_use(const Box& root_box);
+    static int rows_in_use(const Iop& op);
+
+  private:
+    std::uint64_t id_;
+    std::vector<Iop*> ops_;
+};
+
+}  // namespace Zo::Image
