@@ -1,0 +1,149 @@
+// The node's inner graph: which operator reads which, for the present inputs and panel.
+#include "keyer/KnobCopy.h"
+#include "keyer/VeloxaKeyer.h"
+
+using namespace Zo::Image;
+
+namespace {
+
+template <class Pair>
+bool any_above_zero(const Pair& size) {
+    return size[0] > 0.0 || size[1] > 0.0;
+}
+
+}  // namespace
+
+// In the order of wiring: an operator comes after those that it reads.
+template <class Visit>
+void VeloxaKeyer::for_each_operator(Visit&& visit) {
+    visit(normFg, "normFg");
+    visit(normCp, "normCp");
+    visit(normGm, "normGm");
+    visit(normHm, "normHm");
+    visit(subRegion, "subRegion");
+    visit(shrinkS, "shrinkS");
+    visit(filmCorrection, "filmCorrection");
+    visit(clearRegionCP, "clearRegionCP");
+    visit(shrinkCP, "shrinkCP");
+    visit(clearRegion, "clearRegion");
+    visit(computeIsland, "computeIsland");
+    visit(shrinkScreen, "shrinkScreen");
+    visit(computeMatte, "computeMatte");
+    visit(matteCorrectRaw, "matteCorrectRaw");
+    visit(computePFG, "computePFG");
+    visit(matteCorrectPFG, "matteCorrectPFG");
+    visit(outputMatte, "outputMatte");
+    visit(spillSuppression, "spillSuppression");
+    visit(colorCorrection, "colorCorrection");
+    visit(shrinkCU, "shrinkCU");
+    visit(blurCU, "blurCU");
+    visit(cleanup, "cleanup");
+    visit(smartInterpol, "smartInterpol");
+    visit(computeShadow, "computeShadow");
+    visit(clearFrame, "clearFrame");
+    visit(shadowBlur, "shadowBlur");
+    visit(combineShadow, "combineShadow");
+}
+
+void VeloxaKeyer::adopt_operators() {
+    for_each_operator([this](Op& op, const char* name) { op.parent(this, name); });
+}
+
+void VeloxaKeyer::_close() {
+    if (users() < 2) {
+        for_each_operator([](auto& op, const char*) {
+            op.setup();
+            op.close();
+        });
+    }
+    Iop::_close();
+}
+
+// "ColorIndex" and "ScreenCorrect" are in no operator's hash, so a change of them is told to their readers
+// here; whoever reads those follows through their hashes.
+void VeloxaKeyer::refresh_controls() {
+    const auto color_index = controls_.get(controls::kColorIndex);
+    const auto screen_correct = controls_.get(controls::kScreenCorrect);
+    copy_knobs(knobs_, inputFlags_, controls_);
+    if (controls_.get(controls::kColorIndex) != color_index) {
+        for (Op* op : std::initializer_list<Op*>{&subRegion, &clearRegionCP, &clearRegion, &computeMatte,
+                                                 &computePFG, &spillSuppression, &colorCorrection,
+                                                 &smartInterpol, &computeShadow, &clearFrame, &combineShadow}) {
+            op->invalidate();
+        }
+    }
+    if (controls_.get(controls::kScreenCorrect) != screen_correct) computePFG.invalidate();
+}
+
+Iop& VeloxaKeyer::screen_region() {
+    if (any_above_zero(knobs_.screen_shrink)) return shrinkScreen;
+    if (knobs_.screen_orphans > 0) return computeIsland;
+    return clearRegion;
+}
+
+// What the shadow combination takes its colour from.
+Iop& VeloxaKeyer::keyed_colour() {
+    if (knobs_.color_conformance) return colorCorrection;
+    if (knobs_.spill_suppression) return spillSuppression;
+    return outputMatte;
+}
+
+// What the composite path takes its colour from: with both stages off the foreground as it is, where the
+// shadow path takes the processed one.
+Iop& VeloxaKeyer::colour_source() {
+    if (knobs_.color_conformance) return colorCorrection;
+    if (knobs_.spill_suppression) return spillSuppression;
+    return normFg;
+}
+
+Iop& VeloxaKeyer::final_matte() {
+    if (knobs_.cleanup) return cleanup;
+    return outputMatte;
+}
+
+void VeloxaKeyer::wire_graph() {
+    const auto wire = [](auto& op, std::initializer_list<Op*> sources) {
+        int n = 0;
+        for (Op* source : sources) op.set_input(n++, source);
+        op.setup();
+    };
+    const bool cp = flag(kCpUsable);
+    const bool film_shrink = any_above_zero(knobs_.film_shrink);
+    const bool cleanup_shrink = any_above_zero(knobs_.cleanup_shrink);
+    const bool cleanup_blur = any_above_zero(knobs_.cleanup_blur);
+    const bool orphans = knobs_.screen_orphans > 0;
+    const bool edge_kernel = knobs_.edge_kernel >= 1.0f;
+    const bool correct = knobs_.screen_correct;
+    Op* const region = &screen_region();
+    const auto either = [](bool first, Op& a, Op& b) { return first ? &a : &b; };
+    Op& choked = *either(cleanup_shrink, shrinkCU, outputMatte);
+
+    wire(normFg, {input_op(0)});
+    wire(normCp, {input_op(1)});
+    wire(normGm, {input_op(3)});
+    wire(normHm, {input_op(4)});
+    wire(subRegion, {&normFg});
+    wire(shrinkS, {&subRegion});
+    wire(filmCorrection, {&normFg, either(film_shrink, shrinkS, subRegion)});
+    wire(clearRegionCP, {&normFg, either(cp, normCp, normFg)});
+    wire(shrinkCP, {&clearRegionCP});
+    wire(clearRegion, {either(cp, shrinkCP, normFg), &normCp, &normGm, &normHm});
+    wire(computeIsland, {&clearRegion});
+    wire(shrinkScreen, {either(orphans, computeIsland, clearRegion)});
+    wire(computeMatte, {&normFg, &normCp});
+    wire(matteCorrectRaw, {&computeMatte, correct ? region : &computeMatte});
+    wire(computePFG, {either(knobs_.film, filmCorrection, normFg), &normCp,
+                      either(edge_kernel, matteCorrectRaw, computeMatte), region});
+    wire(matteCorrectPFG, {&computePFG, correct ? region : &computePFG});
+    wire(outputMatte, {either(edge_kernel, matteCorrectPFG, computePFG)});
+    wire(spillSuppression, {&computePFG, correct ? region : &outputMatte});
+    wire(colorCorrection, {either(knobs_.spill_suppression, spillSuppression, outputMatte)});
+    wire(shrinkCU, {&outputMatte});
+    wire(blurCU, {&choked});
+    wire(cleanup, {either(cleanup_blur, blurCU, choked)});
+    wire(smartInterpol, {either(cp, normCp, normFg), region});
+    wire(computeShadow, {&smartInterpol});
+    wire(clearFrame, {&normFg, &normCp, &smartInterpol});
+    wire(shadowBlur, {either(cp, clearFrame, computeShadow)});
+    wire(combineShadow, {&keyed_colour(), &final_matte(), &shadowBlur});
+}

@@ -1,0 +1,42 @@
+// What the node does with the finished colour and matte of a span: output rule, overlay, holdout.
+//
+// Colour and matte come in on the working scale (0 to 255 with a soft knee above the pivot), background,
+// foreground and holdout as the host delivers them. Everything is single precision.
+// All pointers address n floats. Outputs may be the very array that an input points to, not overlap it.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+enum class OutputMode : std::int32_t { kComposite = 0, kPremultiplied = 1, kUnpremultiplied = 2 };
+enum class OverlayMode : std::int32_t { kOff = 0, kScreen = 1, kSubject = 2 };
+
+// The pivot of the output passes: where the working scale leaves the straight line.
+inline constexpr float kOutputPivot = 0.5f;
+
+// A sample of the working scale as the host's value; 255 and above become infinity.
+float decode(float v, float pivot);
+
+// Foreground opacity, 0 to 1, from the matte (255 on backing); a NaN stays one.
+void opacity(const float* matte, float* k, std::size_t n);
+
+// The output rule for one colour channel.
+void output_colour(OutputMode mode, const float* colour, const float* background, const float* k, float* out,
+                   std::size_t n);
+
+struct OverlayParams {
+    OverlayMode mode;
+    bool mono;                    // grey foreground under the overlay
+    std::array<float, 4> colour;  // red, green, blue; alpha is the overlay's opacity
+    float pivot;                  // of the region's scale
+};
+
+// The foreground with the screen or the subject area tinted; `region` is the screen area's alpha. Channels
+// of `out` that are null are not written.
+void overlay(const OverlayParams& params, const float* region, const std::array<const float*, 3>& fg,
+             const std::array<float*, 3>& out, std::size_t n);
+
+// Puts the foreground back where the holdout matte is; `out` is read and written.
+void holdout_colour(const float* holdout, const float* fg, float* out, std::size_t n);
+void holdout_alpha(const float* holdout, float* out, std::size_t n);

@@ -1,0 +1,113 @@
+#include "keyer/VeloxaKeyer.h"
+
+#include "keyer/HelpText.h"
+#include "keyer/KnobCopy.h"
+
+using namespace Zo::Image;
+
+VeloxaKeyer::VeloxaKeyer(const NodeContext& context)
+    : Iop(context),
+      controls_(control_values_.data(), 1),
+      normFg(context),
+      normCp(context),
+      normGm(context),
+      normHm(context),
+      subRegion(context, &controls_),
+      shrinkS(context, &controls_),
+      filmCorrection(context, &controls_),
+      clearRegionCP(context, &controls_),
+      shrinkCP(context, &controls_, 1),
+      clearRegion(context, &controls_),
+      computeIsland(context, &controls_),
+      shrinkScreen(context, &controls_, 0),
+      computeMatte(context, &controls_),
+      matteCorrectRaw(context, &controls_, 1),
+      computePFG(context, &controls_),
+      matteCorrectPFG(context, &controls_, 0),
+      outputMatte(context, &controls_),
+      spillSuppression(context, &controls_),
+      colorCorrection(context, &controls_),
+      shrinkCU(context, &controls_),
+      blurCU(context, &controls_),
+      cleanup(context, &controls_),
+      smartInterpol(context, &controls_),
+      clearFrame(context, &controls_),
+      shadowBlur(context, &controls_),
+      computeShadow(context, &controls_),
+      combineShadow(context, &controls_) {
+    inputs(5);
+    adopt_operators();
+    set_flag(kNoScreenColor, true);
+}
+
+const char* VeloxaKeyer::help_text() const { return kHelpText; }
+
+const char* VeloxaKeyer::input_label(int input, char* buffer) const {
+    static constexpr std::array<const char*, 5> kLabels{"fg", "cp", "bg", "gm", "hm"};
+    if (input < 0 || input >= static_cast<int>(kLabels.size())) return buffer;
+    return kLabels[static_cast<std::size_t>(input)];
+}
+
+Op* VeloxaKeyer::default_input(int input) {
+    return input == 0 || input == 2 ? Iop::default_input(input) : nullptr;
+}
+
+void VeloxaKeyer::knobs(Knob_Closure& closure) { build_panel(closure, knobs_, panel_); }
+
+int VeloxaKeyer::knob_changed(Knob* knob) { return panel_.knob_changed(knob); }
+
+void VeloxaKeyer::_validate(bool for_real) {
+    input(0).validate(true);
+    input(2).validate(true);
+    copy_info();
+    set_out_channels(kMaskAlpha);
+    info_.channels += kMaskAlpha;
+
+    set_flag(kCpUsable, connected(1) && knobs_.screen_correct);
+    set_flag(kGmConnected, connected(3));
+    set_flag(kHmConnected, connected(4));
+    if (flag(kCpUsable)) input(1).validate(true);
+    // The garbage matte is validated when it is requested; the background twice does no harm.
+    if (flag(kGmConnected)) input(2).validate(true);
+    if (flag(kHmConnected)) input(4).validate(true);
+
+    const auto& colour = knobs_.screen_color;
+    set_flag(kNoScreenColor, colour[0] == 0.0f && colour[1] == 0.0f && colour[2] == 0.0f);
+    refresh_controls();
+    if (for_real) wire_graph();
+}
+
+void VeloxaKeyer::_request(int x, int y, int r, int t, ChannelSet channels, int count) {
+    const auto ask = [&](Iop& source, ChannelSet wanted) { source.request(x, y, r, t, wanted, count); };
+    if (flag(kNoScreenColor)) {
+        ask(input(0), channels);
+        return;
+    }
+    const ChannelSet widened = channels + kMaskRgba;
+    ask(input(2), channels);
+    if (shadows_on()) {
+        ask(combineShadow, widened);
+    } else {
+        ask(final_matte(), widened);
+        if (knobs_.color_conformance || knobs_.spill_suppression) ask(colour_source(), widened);
+    }
+    if (knobs_.overlay_mode > 0) ask(screen_region(), widened);
+    if (flag(kHmConnected)) {
+        ask(input(0), channels);
+        ask(input(4), kMaskAlpha);
+    }
+}
+
+void VeloxaKeyer::engine(int y, int /*x*/, int /*r*/, const ChannelSet& channels, Row& row) {
+    if (flag(kNoScreenColor)) {
+        row.get(input(0), y, channels);
+        return;
+    }
+    if (shadows_on()) {
+        engine_shadow(y, channels, row);
+    } else {
+        engine_composite(y, channels, row);
+    }
+    if (knobs_.overlay_mode > 0) draw_overlay(y, channels, row);
+    if (flag(kHmConnected)) apply_holdout(y, channels, row);
+}

@@ -1,0 +1,123 @@
+// The keyer node: five inputs, one panel, and a fixed graph of internal operators that it owns.
+//
+//   input 0 "fg"  foreground against the backing     input 3 "gm"  garbage matte (alpha)
+//   input 1 "cp"  clean plate, optional              input 4 "hm"  holdout matte (alpha), optional
+//   input 2 "bg"  background
+//
+// Each validation copies the knobs into the controls and, for real, wires the graph: a stage that is off or
+// has nothing to do is left out by connecting its reader to what it would have read. engine takes finished
+// rows of the last operators and forms the output. Until a screen colour is chosen the foreground passes.
+// engine keeps everything in locals, so rows may be asked from many threads.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "ZoImage/Iop.h"
+#include "controls/ControlBlock.h"
+#include "keyer/InputFlags.h"
+#include "keyer/KnobStorage.h"
+#include "keyer/Panel.h"
+#include "screen/VlxBlurCU.h"
+#include "screen/VlxCleanup.h"
+#include "screen/VlxClearFrame.h"
+#include "screen/VlxClearRegion.h"
+#include "screen/VlxClearRegionCP.h"
+#include "screen/VlxCombineShadow.h"
+#include "screen/VlxComputeIsland.h"
+#include "screen/VlxComputeShadow.h"
+#include "screen/VlxShadowBlur.h"
+#include "screen/VlxShrink.h"
+#include "screen/VlxShrinkCU.h"
+#include "screen/VlxShrinkS.h"
+#include "screen/VlxSmartInterpol.h"
+#include "screen/VlxSubRegion.h"
+#include "stages/VlxColorCorrection.h"
+#include "stages/VlxComputeMatte.h"
+#include "stages/VlxComputePFG.h"
+#include "stages/VlxFilmCorrection.h"
+#include "stages/VlxMatteCorrect.h"
+#include "stages/VlxNormalize.h"
+#include "stages/VlxOutputMatte.h"
+#include "stages/VlxSpillSuppression.h"
+
+class VeloxaKeyer final : public Zo::Image::Iop {
+  public:
+    explicit VeloxaKeyer(const Zo::Image::NodeContext& context);
+
+    const char* class_name() const override { return "Veloxa"; }
+    const char* help_text() const override;
+    const char* input_label(int input, char* buffer) const override;
+    Zo::Image::Op* default_input(int input) override;
+
+    void knobs(Zo::Image::Knob_Closure& closure) override;
+    int knob_changed(Zo::Image::Knob* knob) override;
+
+    const KnobStorage& knob_values() const { return knobs_; }
+    KnobStorage& knob_values() { return knobs_; }
+    const ControlBlock& controls() const { return controls_; }
+    std::uint32_t input_flags() const { return inputFlags_; }
+
+  protected:
+    void _validate(bool for_real) override;
+    void _close() override;
+    void _request(int x, int y, int r, int t, Zo::Image::ChannelSet channels, int count) override;
+    void engine(int y, int x, int r, const Zo::Image::ChannelSet& channels, Zo::Image::Row& row) override;
+
+  private:
+    bool flag(std::uint32_t bit) const { return (inputFlags_ & bit) != 0; }
+    void set_flag(std::uint32_t bit, bool on) { inputFlags_ = on ? inputFlags_ | bit : inputFlags_ & ~bit; }
+    bool shadows_on() const { return knobs_.screen_correct && knobs_.shadow; }
+
+    void adopt_operators();
+    void refresh_controls();
+    void wire_graph();
+    template <class Visit>
+    void for_each_operator(Visit&& visit);
+
+    // The operators that the choices of the panel select; see wire_graph.
+    Zo::Image::Iop& screen_region();
+    Zo::Image::Iop& keyed_colour();
+    Zo::Image::Iop& colour_source();
+    Zo::Image::Iop& final_matte();
+
+    void engine_composite(int y, Zo::Image::ChannelSet channels, Zo::Image::Row& row);
+    void engine_shadow(int y, Zo::Image::ChannelSet channels, Zo::Image::Row& row);
+    void draw_overlay(int y, Zo::Image::ChannelSet channels, Zo::Image::Row& row);
+    void apply_holdout(int y, Zo::Image::ChannelSet channels, Zo::Image::Row& row);
+
+    KnobStorage knobs_;
+    std::array<std::int32_t, ControlBlock::kCount> control_values_{};
+    ControlBlock controls_;
+
+    VlxNormalize normFg;
+    VlxNormalize normCp;
+    VlxNormalize normGm;
+    VlxNormalize normHm;
+    VlxSubRegion subRegion;
+    VlxShrinkS shrinkS;
+    VlxFilmCorrection filmCorrection;
+    VlxClearRegionCP clearRegionCP;
+    VlxShrink shrinkCP;
+    VlxClearRegion clearRegion;
+    VlxComputeIsland computeIsland;
+    VlxShrink shrinkScreen;
+    VlxComputeMatte computeMatte;
+    VlxMatteCorrect matteCorrectRaw;
+    VlxComputePFG computePFG;
+    VlxMatteCorrect matteCorrectPFG;
+    VlxOutputMatte outputMatte;
+    VlxSpillSuppression spillSuppression;
+    VlxColorCorrection colorCorrection;
+    VlxShrinkCU shrinkCU;
+    VlxBlurCU blurCU;
+    VlxCleanup cleanup;
+    VlxSmartInterpol smartInterpol;
+    VlxClearFrame clearFrame;
+    VlxShadowBlur shadowBlur;
+    VlxComputeShadow computeShadow;
+    VlxCombineShadow combineShadow;
+
+    std::uint32_t inputFlags_ = 0;
+    PanelKnobs panel_;
+};
