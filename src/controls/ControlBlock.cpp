@@ -25,6 +25,10 @@ void ControlBlock::reset(const ControlGroup& g) {
     reset(g.third);
 }
 
-std::int32_t ControlBlock::dirty() const { return stored(controls::kDirty); }
+std::int32_t ControlBlock::dirty() const {
+    return stored(controls::kDirty);
+}
 
-void ControlBlock::set_dirty(std::int32_t category) { values_[controls::kDirty] = category; }
+void ControlBlock::set_dirty(std::int32_t category) {
+    values_[controls::kDirty] = category;
+}

@@ -66,9 +66,9 @@ void VeloxaKeyer::refresh_controls() {
     const auto screen_correct = controls_.get(controls::kScreenCorrect);
     copy_knobs(knobs_, inputFlags_, controls_);
     if (controls_.get(controls::kColorIndex) != color_index) {
-        for (Op* op : std::initializer_list<Op*>{&subRegion, &clearRegionCP, &clearRegion, &computeMatte,
-                                                 &computePFG, &spillSuppression, &colorCorrection,
-                                                 &smartInterpol, &computeShadow, &clearFrame, &combineShadow}) {
+        for (Op* op : std::initializer_list<Op*>{
+                 &subRegion, &clearRegionCP, &clearRegion, &computeMatte, &computePFG, &spillSuppression,
+                 &colorCorrection, &smartInterpol, &computeShadow, &clearFrame, &combineShadow}) {
             op->invalidate();
         }
     }

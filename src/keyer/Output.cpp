@@ -13,8 +13,8 @@ void apply_rule(std::int32_t output_mode, ChannelSet channels, const Row& colour
     opacity(matte, opaque, row.width());
     for (const Channel c : channels) {
         if (c == kAlpha) continue;
-        output_colour(static_cast<OutputMode>(output_mode), colour[c], background[c], opaque, row.overwrite(c),
-                      row.width());
+        output_colour(static_cast<OutputMode>(output_mode), colour[c], background[c], opaque,
+                      row.overwrite(c), row.width());
     }
     if (channels.has(kAlpha)) row.share(k, kMaskAlpha);
 }
@@ -51,8 +51,8 @@ void VeloxaKeyer::draw_overlay(int y, ChannelSet channels, Row& row) {
         {knobs_.overlay_color[0], knobs_.overlay_color[1], knobs_.overlay_color[2], knobs_.overlay_color[3]},
         knobs_.encodePivot[3]};
     const auto target = [&](Channel c) { return channels.has(c) ? row.overwrite(c) : nullptr; };
-    overlay(params, region[kAlpha], {fg[kRed], fg[kGreen], fg[kBlue]}, {target(kRed), target(kGreen), target(kBlue)},
-            row.width());
+    overlay(params, region[kAlpha], {fg[kRed], fg[kGreen], fg[kBlue]},
+            {target(kRed), target(kGreen), target(kBlue)}, row.width());
 }
 
 // After the overlay, so that held-out areas show the plain foreground there too.

@@ -17,7 +17,9 @@ inline float decode_sample(float v, float pivot) {
 
 }  // namespace
 
-float decode(float v, float pivot) { return decode_sample(v, pivot); }
+float decode(float v, float pivot) {
+    return decode_sample(v, pivot);
+}
 
 void opacity(const float* matte, float* k, std::size_t n) {
     for (std::size_t i = 0; i < n; ++i) {

@@ -40,7 +40,9 @@ VeloxaKeyer::VeloxaKeyer(const NodeContext& context)
     set_flag(kNoScreenColor, true);
 }
 
-const char* VeloxaKeyer::help_text() const { return kHelpText; }
+const char* VeloxaKeyer::help_text() const {
+    return kHelpText;
+}
 
 const char* VeloxaKeyer::input_label(int input, char* buffer) const {
     static constexpr std::array<const char*, 5> kLabels{"fg", "cp", "bg", "gm", "hm"};
@@ -52,9 +54,13 @@ Op* VeloxaKeyer::default_input(int input) {
     return input == 0 || input == 2 ? Iop::default_input(input) : nullptr;
 }
 
-void VeloxaKeyer::knobs(Knob_Closure& closure) { build_panel(closure, knobs_, panel_); }
+void VeloxaKeyer::knobs(Knob_Closure& closure) {
+    build_panel(closure, knobs_, panel_);
+}
 
-int VeloxaKeyer::knob_changed(Knob* knob) { return panel_.knob_changed(knob); }
+int VeloxaKeyer::knob_changed(Knob* knob) {
+    return panel_.knob_changed(knob);
+}
 
 void VeloxaKeyer::_validate(bool for_real) {
     input(0).validate(true);

@@ -17,10 +17,18 @@ using Zo::Image::to_int;
 inline constexpr double kByte = 0.003921568859368563;
 
 // The second operand wins ties and NaN.
-constexpr double max_of(double a, double b) { return a > b ? a : b; }
-constexpr double min_of(double a, double b) { return b > a ? a : b; }
-constexpr std::int32_t max_of(std::int32_t a, std::int32_t b) { return a > b ? a : b; }
-constexpr std::int32_t min_of(std::int32_t a, std::int32_t b) { return a < b ? a : b; }
+constexpr double max_of(double a, double b) {
+    return a > b ? a : b;
+}
+constexpr double min_of(double a, double b) {
+    return b > a ? a : b;
+}
+constexpr std::int32_t max_of(std::int32_t a, std::int32_t b) {
+    return a > b ? a : b;
+}
+constexpr std::int32_t min_of(std::int32_t a, std::int32_t b) {
+    return a < b ? a : b;
+}
 
 // Bounds that let a NaN through.
 template <class T>

@@ -20,7 +20,9 @@ void VlxComputeMatte::setup() {
     invalidate(hash);
 }
 
-void VlxComputeMatte::_validate(bool /*for_real*/) { validate_writing(kMaskAlpha, kMaskAlpha); }
+void VlxComputeMatte::_validate(bool /*for_real*/) {
+    validate_writing(kMaskAlpha, kMaskAlpha);
+}
 
 void VlxComputeMatte::_request(int x, int y, int r, int t, ChannelSet channels, int count) {
     input(0).request(x, y, r, t, channels - kMaskAlpha, count);
