@@ -1,0 +1,109 @@
+// The life of an operator: what validation, invalidation and rewiring call and change.
+#include "ZoImage/Op.h"
+
+#include <gtest/gtest.h>
+
+#include "support/TestImages.h"
+
+using namespace Zo::Image;
+
+namespace {
+
+class Counting : public Iop {
+  public:
+    explicit Counting(Op* source = nullptr) : Iop(NodeContext{}) {
+        inputs(2);
+        set_input(0, source);
+    }
+    const char* class_name() const override { return "Counting"; }
+    int validations = 0;
+    int closes_while_shared = 0;
+
+  protected:
+    void _validate(bool for_real) override {
+        ++validations;
+        Iop::_validate(for_real);
+    }
+    void _close() override { closes_while_shared += users() >= 2 ? 1 : 0; }
+    void engine(int y, int, int, const ChannelSet& channels, Row& row) override {
+        row.get(input(0), y, channels);
+    }
+};
+
+TEST(Op, ValidatesOnceUntilSomethingUpstreamChanges) {
+    test::FunctionSource source({0, 0, 4, 4}, kMaskRgba, [](Channel, int, int) { return 0.0f; });
+    Counting a(&source);
+    Counting b(&a);
+    b.validate(false);
+    b.validate(true);
+    b.validate(true);
+    EXPECT_EQ(b.validations, 2);  // not for real does not count for real
+    EXPECT_EQ(a.validations, 1);
+    const Hash before = b.hash();
+    source.set_pixel([](Channel, int, int) { return 1.0f; });
+    EXPECT_NE(b.hash(), before);
+    b.validate(true);
+    EXPECT_EQ(b.validations, 3);
+    EXPECT_EQ(a.validations, 2);
+}
+
+TEST(Op, InvalidatesOnANewHashOnly) {
+    Counting op;
+    Hash first;
+    first.append(7);
+    op.invalidate(first);
+    op.validate(true);
+    op.invalidate(first);
+    op.validate(true);
+    EXPECT_EQ(op.validations, 1);
+    Hash second;
+    second.append(8);
+    op.invalidate(second);
+    op.validate(true);
+    EXPECT_EQ(op.validations, 2);
+    EXPECT_EQ(op.hash(), second);
+    op.invalidate();
+    EXPECT_NE(op.hash(), second);
+}
+
+TEST(Op, RewiringIsAChangeAndDestructionUnlinks) {
+    Counting reader;
+    {
+        Counting a;
+        Counting b;
+        reader.set_input(0, &a);
+        reader.validate(true);
+        reader.set_input(0, &a);
+        EXPECT_TRUE(reader.valid());
+        reader.set_input(0, &b);
+        EXPECT_FALSE(reader.valid());
+        reader.set_input(1, &a);
+    }
+    EXPECT_FALSE(reader.connected(0));
+    EXPECT_FALSE(reader.connected(1));
+    EXPECT_EQ(&reader.input(0), &Iop::black());
+}
+
+TEST(Op, KnowsItsInternalOperatorsByName) {
+    Counting node;
+    {
+        Counting inner;
+        inner.parent(&node, "inner");
+        EXPECT_EQ(node.child("inner"), &inner);
+        EXPECT_EQ(inner.parent(), &node);
+    }
+    EXPECT_EQ(node.child("inner"), nullptr);
+}
+
+TEST(Op, ClosesSeeWhetherOthersStillUseIt) {
+    Counting op;
+    op.open();
+    op.open();
+    op.close();
+    EXPECT_EQ(op.closes_while_shared, 1);
+    op.close();
+    EXPECT_EQ(op.closes_while_shared, 1);
+    EXPECT_EQ(op.users(), 0);
+}
+
+}  // namespace

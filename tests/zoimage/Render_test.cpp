@@ -1,0 +1,191 @@
+// Rendering: every row once, edges, threads, abort, exceptions.
+#include "ZoImage/Render.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <stdexcept>
+#include <thread>
+
+#include "ZoImage/GeneralTile.h"
+#include "support/TestImages.h"
+
+using namespace Zo::Image;
+
+namespace {
+
+// Sums alpha over a (2 dx + 1) x (2 dy + 1) neighbourhood; colour passes.
+class Neighbours final : public Iop {
+  public:
+    Neighbours(Op* source, int dx, int dy) : Iop(NodeContext{}), dx_(dx), dy_(dy) {
+        inputs(1);
+        set_input(0, source);
+    }
+    const char* class_name() const override { return "Neighbours"; }
+
+  protected:
+    void _validate(bool /*for_real*/) override {
+        copy_info();
+        set_out_channels(kMaskAlpha);
+    }
+    void _request(int x, int y, int r, int t, ChannelSet channels, int count) override {
+        input(0).request(x - dx_, y - dy_, r + dx_, t + dy_, channels, count);
+    }
+    void engine(int y, int x, int r, const ChannelSet& channels, Row& row) override {
+        row.get(input(0), y, channels - kMaskAlpha);
+        const GeneralTile tile(input(0), {x - dx_, y - dy_, r + dx_, y + dy_ + 1}, kMaskAlpha);
+        float* out = row.overwrite(kAlpha);
+        for (int i = x; i < r; ++i) {
+            float sum = 0;
+            for (int v = y - dy_; v <= y + dy_; ++v) {
+                for (int u = i - dx_; u <= i + dx_; ++u) sum += tile.at(kAlpha, u, v);
+            }
+            out[i - x] = sum;
+        }
+    }
+
+  private:
+    int dx_;
+    int dy_;
+};
+
+float pattern(Channel c, int x, int y) {
+    return static_cast<float>((x * 7 + y * 13 + c * 29) % 31);
+}
+
+// The neighbourhood sum worked out from the pattern, with edge pixels repeated.
+float expected_sum(const Box& box, int x, int y, int dx, int dy) {
+    float sum = 0;
+    for (int v = y - dy; v <= y + dy; ++v) {
+        for (int u = x - dx; u <= x + dx; ++u) {
+            sum += pattern(kAlpha, std::clamp(u, box.x, box.r - 1), std::clamp(v, box.y, box.t - 1));
+        }
+    }
+    return sum;
+}
+
+TEST(Render, EdgesRepeatForAnyBoxAndThreads) {
+    const Box boxes[] = {{0, 0, 1, 1}, {-5, 7, -4, 60}, {3, -9, 40, -8}, {-17, -30, 46, 301}};
+    for (const Box& box : boxes) {
+        test::FunctionSource source(box, kMaskRgba, pattern);
+        Neighbours sums(&source, 2, 3);
+        for (const int threads : {1, 2, 5}) {
+            const test::Picture picture = test::render(sums, threads);
+            ASSERT_TRUE(picture.complete);
+            for (int y = box.y; y < box.t; ++y) {
+                for (int x = box.x; x < box.r; ++x) {
+                    ASSERT_EQ(picture.at(kAlpha, x, y), expected_sum(box, x, y, 2, 3)) << x << ',' << y;
+                    ASSERT_EQ(picture.at(kGreen, x, y), pattern(kGreen, x, y));
+                }
+            }
+        }
+    }
+}
+
+TEST(Render, RegionEqualsThatPartOfTheFrame) {
+    const Box box{-8, 4, 52, 90};
+    test::FunctionSource source(box, kMaskRgba, pattern);
+    Neighbours inner(&source, 1, 2);
+    Neighbours sums(&inner, 1, 1);
+    const test::Picture whole = test::render(sums);
+    const Box region{5, 20, 18, 33};
+    const test::Picture part = test::render(sums, region, 2);
+    for (int y = region.y; y < region.t; ++y) {
+        for (int x = region.x; x < region.r; ++x) ASSERT_EQ(part.at(kAlpha, x, y), whole.at(kAlpha, x, y));
+    }
+}
+
+TEST(Render, ComputesEachRowOnceWithinASeam) {
+    const Box box{0, 0, 16, 1080};
+    test::FunctionSource source(box, kMaskRgba, pattern);
+    Neighbours a(&source, 1, 1);
+    Neighbours b(&a, 1, 2);
+    Neighbours c(&source, 0, 4);  // a second reader of the source
+    Neighbours top(&b, 0, 1);
+    for (const int threads : {1, 2}) {
+        Renderer renderer(threads);
+        ASSERT_TRUE(renderer.render(top, box, kMaskRgba, [](int, const Row&) {}));
+        ASSERT_EQ(renderer.stats().size(), 4U);
+        for (const OpStats& op : renderer.stats()) {
+            EXPECT_LE(static_cast<double>(op.rows), threads == 1 ? 1080.0 : 1080.0 * 1.15)
+                << op.op->class_name() << " with " << threads;
+        }
+    }
+    EXPECT_EQ(c.requested().count, 0);  // nobody asked for it
+}
+
+TEST(Render, ChannelsNobodyHasReadAsZero) {
+    test::FunctionSource source({0, 0, 9, 4}, kMaskRgb, pattern);
+    const test::Picture picture = test::render(source);
+    EXPECT_EQ(picture.at(kAlpha, 3, 2), 0.0f);
+    EXPECT_EQ(picture.at(kBlue, 3, 2), pattern(kBlue, 3, 2));
+    Row row(-4, 6);
+    row.get(Iop::black(), 100, kMaskRgba);
+    EXPECT_EQ(row[kRed][9], 0.0f);
+}
+
+TEST(Render, PassThroughSharesPixels) {
+    test::FunctionSource source({0, 0, 64, 2}, kMaskRgba, pattern);
+    Neighbours sums(&source, 0, 1);
+    Renderer renderer(1);
+    bool shared = true;
+    renderer.render(sums, {0, 0, 64, 2}, kMaskRgba, [&](int y, const Row& row) {
+        Row from(0, 64);
+        from.get(source, y, kMaskRgb);
+        for (const Channel c : kMaskRgb) shared = shared && from[c] == row[c];
+    });
+    EXPECT_TRUE(shared);
+}
+
+TEST(Render, WritingARowLeavesItsSourceAlone) {
+    test::FunctionSource source({0, 0, 8, 1}, kMaskRgba, pattern);
+    source.validate(true);
+    Row a(0, 8);
+    a.get(source, 0, kMaskRgba);
+    Row b(2, 6);
+    b.share(a, kMaskRgba);
+    b.writable(kRed)[1] = -1.0f;
+    EXPECT_EQ(b[kRed][0], pattern(kRed, 2, 0));
+    EXPECT_EQ(b[kRed][1], -1.0f);
+    EXPECT_EQ(a[kRed][3], pattern(kRed, 3, 0));
+}
+
+TEST(Render, AbortFromAnotherThreadStopsWithinABand) {
+    AbortFlag abort;
+    std::atomic<int> rows{0};
+    test::FunctionSource source({0, 0, 4, 100000}, kMaskRgba, [&](Channel c, int x, int y) {
+        if (++rows == 1000) abort.raise();
+        return pattern(c, x, y);
+    });
+    Renderer renderer(2, &abort);
+    std::atomic<int> delivered{0};
+    EXPECT_FALSE(
+        renderer.render(source, {0, 0, 4, 100000}, kMaskRgba, [&](int, const Row&) { ++delivered; }));
+    EXPECT_LT(delivered, 200);
+    abort.clear();
+    EXPECT_TRUE(renderer.render(source, {0, 0, 4, 50}, kMaskRgba, [](int, const Row&) {}));
+}
+
+TEST(Render, ExceptionsReachTheCallerAndTheRendererLives) {
+    test::FunctionSource source({0, 0, 4, 500}, kMaskRgba, [](Channel, int, int y) -> float {
+        if (y == 321) throw std::runtime_error("row 321");
+        return 0.0f;
+    });
+    Renderer renderer(3);
+    EXPECT_THROW(renderer.render(source, {0, 0, 4, 500}, kMaskRgba, [](int, const Row&) {}),
+                 std::runtime_error);
+    EXPECT_TRUE(renderer.render(source, {0, 0, 4, 300}, kMaskRgba, [](int, const Row&) {}));
+}
+
+TEST(RawTile, HoldsThePixelsInsideAndOutsideARender) {
+    const Box box{2, 3, 30, 50};
+    test::FunctionSource source(box, kMaskRgba, pattern);
+    Neighbours sums(&source, 1, 1);
+    const RawGeneralTile tile(sums, {0, 0, 10, 10}, kMaskAlpha);
+    ASSERT_TRUE(tile.valid());
+    EXPECT_EQ(tile.line(kRed, 3), nullptr);
+    EXPECT_EQ(tile.line(kAlpha, 5)[4], expected_sum(box, 4, 5, 1, 1));
+    EXPECT_EQ(tile.line(kAlpha, 0)[0], expected_sum(box, 2, 3, 1, 1));  // the corner pixel repeats
+}
+
+}  // namespace
