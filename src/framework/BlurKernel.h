@@ -1,0 +1,16 @@
+// The box blur of a span: 2 * radius + 1 lines summed, then scaled.
+//
+// Sums in single precision, from 0.0, line after line; never a running sum, whose rounding would depend on
+// where it started.
+#pragma once
+
+#include <cstddef>
+#include <span>
+
+// 1 / (2 * radius + 1).
+float blur_scale(int radius);
+
+// sum[i] += lines[0][i], then lines[1][i] and so on, for i < n. Lines must not overlap the sum.
+void blur_add(std::span<const float* const> lines, float* sum, std::size_t n);
+// sum[i] = scale * sum[i].
+void blur_finish(float scale, float* sum, std::size_t n);
