@@ -1,0 +1,13 @@
+// Erosion of a matte's non-zero area along one direction: a value survives unless a value of its window is
+// exactly 0. NaN is not 0, neither as a centre nor as a neighbour.
+#pragma once
+
+#include <cstddef>
+#include <span>
+
+// Along a row: `centre` points at the value of the first of n output pixels and has `radius` values to its
+// left and n + radius from there on. `scratch` has room for n + 2 * radius floats. out overlaps neither.
+void shrink_row(const float* centre, std::size_t radius, float* scratch, float* out, std::size_t n);
+
+// Along columns: out, which holds the centre row at first, becomes 0 wherever one of the lines is 0.
+void shrink_lines(std::span<const float* const> lines, float* out, std::size_t n);
