@@ -1,0 +1,71 @@
+// A plane of floats that repeats its edge pixels, for naive filters to compare against.
+#pragma once
+
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "support/TestImages.h"
+
+namespace test {
+
+struct Plane {
+    Zo::Image::Box box;
+    std::vector<float> values;
+
+    Plane() = default;
+    template <class Pixel>
+    Plane(const Zo::Image::Box& b, Pixel&& pixel) : box(b) {
+        for (int y = b.y; y < b.t; ++y) {
+            for (int x = b.x; x < b.r; ++x) values.push_back(pixel(x, y));
+        }
+    }
+
+    float at(int x, int y) const {
+        x = std::clamp(x, box.x, box.r - 1);
+        y = std::clamp(y, box.y, box.t - 1);
+        return values[static_cast<std::size_t>((y - box.y) * box.width() + x - box.x)];
+    }
+};
+
+// The bits of each value, so that comparing tells -0 from 0 and one NaN equals another.
+inline std::vector<std::uint32_t> bits(const std::vector<float>& values) {
+    std::vector<std::uint32_t> result;
+    for (const float v : values) result.push_back(v != v ? 0x7fc00000U : std::bit_cast<std::uint32_t>(v));
+    return result;
+}
+
+// Values that filters trip over: negatives, far above 255, exact zeros of both signs, infinities, NaN.
+inline Plane awkward_plane(const Zo::Image::Box& box, unsigned seed) {
+    std::mt19937 random(seed);
+    constexpr float kInfinity = std::numeric_limits<float>::infinity();
+    constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+    return Plane(box, [&](int, int) {
+        switch (random() % 40) {
+            case 0:
+                return 0.0f;
+            case 1:
+                return -0.0f;
+            case 2:
+                return kNan;
+            case 3:
+                return random() % 8 == 0 ? kInfinity : 3e7f;
+            default:
+                return static_cast<float>(random() % 100000) / 300.0f - 60.0f;
+        }
+    });
+}
+
+// A source whose alpha is the plane; red, green and blue are the channel number plus a share of the alpha.
+inline FunctionSource::Pixel pixels_of(const Plane& alpha) {
+    return [alpha](Zo::Image::Channel c, int x, int y) {
+        return c == Zo::Image::kAlpha ? alpha.at(x, y)
+                                      : static_cast<float>(c) + 0.01f * static_cast<float>(x);
+    };
+}
+
+}  // namespace test
