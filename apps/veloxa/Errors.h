@@ -33,7 +33,15 @@ class UsageError : public Error {
     explicit UsageError(const std::string& what) : Error(what, kExitUsage) {}
 };
 
-// Prints "veloxa: TEXT" to standard error as one line, also while progress is shown; any thread.
+// Ctrl-C: what was begun is given up.
+class Interrupted : public Error {
+  public:
+    Interrupted() : Error("interrupted", kExitInterrupted) {}
+};
+
+// Prints "veloxa: TEXT" to standard error as one line, clearing the status line; any thread.
 void report(std::string_view text);
+// Shows a line that the next status or report replaces; an empty one clears it. For terminals.
+void show_status(std::string_view line);
 
 }  // namespace veloxa
