@@ -1,0 +1,54 @@
+// Base of the operators that need their whole input before any output row exists.
+//
+// The first row that is asked for computes the frame, once, under a lock; threads that come meanwhile help
+// with its loops and then find it done. Rows are served from the frame without a copy. It covers the
+// operator's box, row-major from its bottom row, and stays as it is until the next validation or close; a
+// computation that fails leaves the row unwritten, and the next row tries again.
+// Channels outside the operator's own ones pass through from input 0.
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <vector>
+
+#include "ZoImage/Lock.h"
+#include "framework/ParallelLoop.h"
+#include "framework/VlxIop.h"
+
+class VlxFilter : public VlxIop {
+  public:
+    VlxFilter(const Zo::Image::NodeContext& context, const ControlBlock* controls,
+              Zo::Image::ChannelSet own_channels)
+        : VlxIop(context, controls), own_channels_(own_channels) {}
+
+  protected:
+    // Empties the frame; its memory is kept for the next one.
+    virtual void release_buffers();
+    // Fills the frame of every own channel. False when it could not (aborted). Called under the lock.
+    virtual bool compute_frame(Zo::Image::Lock& lock) = 0;
+    // False when the controls make the operator an identity.
+    virtual bool is_active() const { return true; }
+
+    Zo::Image::ChannelSet own_channels() const { return own_channels_; }
+    std::vector<float>& frame(Zo::Image::Channel c) {
+        return frame_[static_cast<std::size_t>(c - Zo::Image::kRed)];
+    }
+
+    // Gives a kernel a loop that the waiting threads share and that leaves pieces out once the render is
+    // aborted. False when any was left out.
+    bool run_kernel(Zo::Image::Lock& lock, const std::function<void(const ParallelLoop&)>& kernel) const;
+
+    void _validate(bool for_real) override;
+    void _close() override;
+    void _request(int x, int y, int r, int t, Zo::Image::ChannelSet channels, int count) override;
+    void engine(int y, int x, int r, const Zo::Image::ChannelSet& channels, Zo::Image::Row& row) override;
+
+  private:
+    void forget_frame();
+    bool ensure_frame();
+
+    Zo::Image::Lock lock_;
+    std::atomic<bool> done_{false};
+    std::array<std::vector<float>, 4> frame_;
+    Zo::Image::ChannelSet own_channels_;
+};
