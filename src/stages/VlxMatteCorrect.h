@@ -1,0 +1,29 @@
+// Limits the matte at one end of its range while keeping its local gradients; see MatteCorrectKernel.h.
+//
+// Input 0: alpha = the matte. Input 1 "PreMatte": alpha above 0 where the pixel is certain backing; such
+// pixels keep their matte. Mode 0 limits to 255 from above, mode 1 to 0 from below.
+// Output: alpha corrected, all else as it came. With "Edge Kernel" (pixels) below 1 the input as it is.
+// Reads "Edge Kernel"; hashes it and "KernelHeight". A whole-frame operator.
+#pragma once
+
+#include "framework/VlxFilter.h"
+
+class VlxMatteCorrect final : public VlxFilter {
+  public:
+    VlxMatteCorrect(const Zo::Image::NodeContext& context, const ControlBlock* controls, int mode)
+        : VlxFilter(context, controls, Zo::Image::kMaskAlpha), mode_(mode) {
+        inputs(2);
+    }
+
+    const char* class_name() const override { return "VlxMatteCorrect"; }
+    const char* input_label(int input, char* buffer) const override;
+    void setup() override;
+
+  protected:
+    bool is_active() const override;
+    bool compute_frame(Zo::Image::Lock& lock) override;
+    void _request(int x, int y, int r, int t, Zo::Image::ChannelSet channels, int count) override;
+
+  private:
+    int mode_;
+};

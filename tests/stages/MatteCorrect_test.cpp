@@ -1,0 +1,153 @@
+// The matte correction: worked examples, a literal loop over every window, and the operator.
+#include <gmock/gmock.h>
+
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include "stages/MatteCorrectKernel.h"
+#include "stages/VlxMatteCorrect.h"
+#include "support/Loops.h"
+#include "support/TestImages.h"
+
+using namespace Zo::Image;
+using Plane = std::vector<float>;
+
+namespace {
+
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+constexpr float kInf = std::numeric_limits<float>::infinity();
+
+struct Image {
+    int width, height;
+    Plane matte, pre;
+};
+
+Plane corrected(MatteLimit limit, int radius, const Image& in,
+                const ParallelLoop& loop = test::forward_loop) {
+    Plane result(in.matte.size(), -1.0f);
+    matte_correct(limit, radius, in.width, in.height, in.matte.data(), in.pre.data(), result.data(), loop);
+    return result;
+}
+
+// One direction for one pixel, every pixel of its window looked at.
+float window_value(bool above, long radius, const Image& in, int x, int y, int dx, int dy) {
+    const auto at = [&](long i, long j) { return in.matte[static_cast<std::size_t>(j * in.width + i)]; };
+    const double m = static_cast<double>(at(x, y));
+    double hi = -HUGE_VAL;
+    double lo = HUGE_VAL;
+    for (long k = -std::min(radius, 100L); k <= std::min(radius, 100L); ++k) {
+        const long i = x + k * dx;
+        const long j = y + k * dy;
+        if (i < 0 || j < 0 || i >= in.width || j >= in.height) continue;
+        const double v = static_cast<double>(at(i, j));
+        if (v > hi) hi = v;
+        if (v < lo) lo = v;
+    }
+    const auto limit = [&](double v) { return above ? (v > 255.0 ? 255.0 : v) : (v < 0.0 ? 0.0 : v); };
+    double r = m - lo;
+    const double d = hi - lo;
+    if (d != 0.0) r = r / d;
+    return static_cast<float>(limit(lo) + (limit(hi) - limit(lo)) * r);
+}
+
+Plane naive(bool above, long radius, const Image& in) {
+    Plane result = in.matte;
+    for (int y = 0; y < in.height; ++y) {
+        for (int x = 0; x < in.width; ++x) {
+            const auto at = static_cast<std::size_t>(y * in.width + x);
+            if (!(in.pre[at] <= 0.0f)) continue;
+            const float row = window_value(above, radius, in, x, y, 1, 0);
+            const float column = window_value(above, radius, in, x, y, 0, 1);
+            result[at] = (above ? column > row : row > column) ? row : column;
+        }
+    }
+    return result;
+}
+
+void expect_same_bits(const Plane& got, const Plane& wanted) {
+    ASSERT_EQ(got.size(), wanted.size());
+    for (std::size_t i = 0; i < got.size(); ++i) {
+        if (std::isnan(wanted[i])) {
+            ASSERT_TRUE(std::isnan(got[i])) << i;
+        } else {
+            ASSERT_EQ(std::bit_cast<int>(got[i]), std::bit_cast<int>(wanted[i])) << i << ": " << got[i];
+        }
+    }
+}
+
+TEST(MatteCorrect, WorkedExamples) {
+    // One row, radius 1. At 200 and 300 the window is 100..300, squeezed into 100..255: 100 + 155 * 0.5 and
+    // 255. At 100 it is 50..300: 50 + 205 * 0.2. The last does not see 300.
+    const Plane none(5, 0.0f);
+    const Plane some{0.0f, 0.0f, 1.0f, 0.0f, kNaN};
+    const Plane ramp{100.0f, 200.0f, 300.0f, 100.0f, 50.0f};
+    const Plane under{100.0f, -100.0f, 0.0f, 100.0f, -50.0f};
+    using testing::ElementsAre;
+    EXPECT_THAT(corrected(MatteLimit::kAbove, 1, {5, 1, ramp, none}),
+                ElementsAre(100.0f, 177.5f, 255.0f, 91.0f, 50.0f));
+    EXPECT_THAT(corrected(MatteLimit::kAbove, 1, {5, 1, ramp, some}),
+                ElementsAre(100.0f, 177.5f, 300.0f, 91.0f, 50.0f));
+    // Below, as one column: at 0 the window is -100..100, squeezed into 0..100.
+    EXPECT_THAT(corrected(MatteLimit::kBelow, 1, {1, 5, under, none}),
+                ElementsAre(100.0f, 0.0f, 50.0f, 100.0f, 0.0f));
+    EXPECT_THAT(corrected(MatteLimit::kBelow, 1, {1, 5, under, some}),
+                ElementsAre(100.0f, 0.0f, 0.0f, 100.0f, -50.0f));
+}
+
+TEST(MatteCorrect, EqualsTheLiteralLoopHoweverItIsCut) {
+    std::mt19937 random(7);
+    const float special[] = {kNaN, kInf, -kInf, -0.0f, 0.0f, 255.0f, 3.0e38f, 1.0e-42f};
+    for (const auto& [w, h] : {std::pair{1, 1}, {1, 9}, {9, 1}, {7, 5}, {33, 19}, {70, 37}}) {
+        for (const int radius : {1, 2, 3, 16, std::numeric_limits<int>::max()}) {
+            for (const int rare : {3, 40, 1000000}) {
+                Image in{w, h, Plane(static_cast<std::size_t>(w * h)),
+                         Plane(static_cast<std::size_t>(w * h))};
+                for (float& v : in.matte) {
+                    v = random() % static_cast<unsigned>(rare) == 0
+                            ? special[random() % 8]
+                            : static_cast<float>(random() % 8000) / 10.0f - 300.0f;
+                }
+                for (float& v : in.pre) v = random() % 5 == 0 ? 255.0f : random() % 9 == 0 ? kNaN : -0.0f;
+                for (const bool above : {true, false}) {
+                    const MatteLimit limit = above ? MatteLimit::kAbove : MatteLimit::kBelow;
+                    const Plane wanted = naive(above, radius, in);
+                    expect_same_bits(corrected(limit, radius, in), wanted);
+                    expect_same_bits(corrected(limit, radius, in, test::backward_loop), wanted);
+                    if (HasFatalFailure()) FAIL() << w << " x " << h << " radius " << radius << above;
+                }
+            }
+        }
+    }
+}
+
+TEST(MatteCorrect, Operator) {
+    std::array<std::int32_t, ControlBlock::kCount> values{};
+    ControlBlock controls(values.data(), 1);
+    // Off the origin: 400 at (11, 21) stands alone, everything else is 0 but one clear pixel of 300.
+    const Box box{10, 20, 13, 23};
+    test::FunctionSource matte(box, kMaskRgba, [](Channel c, int x, int y) {
+        if (c != kAlpha) return static_cast<float>(c * 100 + x);
+        return x == 11 && y == 21 ? 400.0f : x == 12 && y == 22 ? 300.0f : 0.0f;
+    });
+    test::FunctionSource pre(box, kMaskAlpha,
+                             [](Channel, int x, int y) { return x == 12 && y == 22 ? 1.0f : 0.0f; });
+    VlxMatteCorrect op(NodeContext{}, &controls, 0);
+    op.set_input(0, &matte);
+    op.set_input(1, &pre);
+    controls.set(controls::kEdgeKernel, 1);
+    op.setup();
+    for (const int threads : {1, 2}) {
+        const test::Picture picture = test::render(op, threads);
+        EXPECT_THAT(picture.planes[kAlpha], testing::ElementsAre(0, 0, 0, 0, 255, 0, 0, 0, 300));
+        EXPECT_EQ(picture.at(kBlue, 12, 21), 312.0f);
+    }
+    EXPECT_EQ(pre.rows(), 3);
+    controls.set(controls::kEdgeKernel, 0);
+    op.setup();
+    EXPECT_EQ(test::render(op).at(kAlpha, 11, 21), 400.0f);
+    EXPECT_EQ(pre.rows(), 3);
+}
+
+}  // namespace
