@@ -1,0 +1,16 @@
+// For every pixel of a frame the nearest clear pixel; the first half of the smart interpolation, whose
+// header says what is clear and which of equally near pixels is taken.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "framework/ParallelLoop.h"
+
+struct NearestClear {
+    bool any = false;                    // false: no pixel is clear, and sources mean nothing
+    std::vector<std::int32_t> distance;  // steps; width + height when no pixel is clear
+    std::vector<std::uint32_t> source;   // index of the pixel in the frame
+};
+
+NearestClear find_nearest_clear(int width, int height, const float* clear, const ParallelLoop& loop);

@@ -1,0 +1,25 @@
+// A clean plate made from the shot itself; see SmartInterpolKernel.h.
+//
+// Input 0: the clean plate or the foreground, red, green, blue on the working scale. Input 1 "PreMatte":
+// alpha not 0 where the backing is clear. Output: red, green, blue as if the subject were not there; all
+// else as it came from input 0.
+// Reads "Backing Color", "ColorIndex"; hashes the first. A whole-frame operator.
+#pragma once
+
+#include "framework/VlxFilter.h"
+
+class VlxSmartInterpol final : public VlxFilter {
+  public:
+    VlxSmartInterpol(const Zo::Image::NodeContext& context, const ControlBlock* controls)
+        : VlxFilter(context, controls, Zo::Image::kMaskRgb) {
+        inputs(2);
+    }
+
+    const char* class_name() const override { return "VlxSmartInterpol"; }
+    const char* input_label(int input, char* buffer) const override;
+    void setup() override;
+
+  protected:
+    bool compute_frame(Zo::Image::Lock& lock) override;
+    void _request(int x, int y, int r, int t, Zo::Image::ChannelSet channels, int count) override;
+};

@@ -1,0 +1,187 @@
+// The smart interpolation against a loop that follows its description pixel by pixel, and the operator.
+#include <gmock/gmock.h>
+
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include "screen/SmartInterpolKernel.h"
+#include "screen/VlxSmartInterpol.h"
+#include "support/Loops.h"
+#include "support/TestImages.h"
+
+using namespace Zo::Image;
+using Plane = std::vector<float>;
+using Planes = std::array<Plane, 3>;
+
+namespace {
+
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+constexpr std::array<float, 3> kBacking{10.0f, 200.0f, 31.0f};
+
+struct Frame {
+    int width, height;
+    Plane clear;
+    Planes colour;
+
+    std::size_t at(int x, int y) const { return static_cast<std::size_t>(y * width + x); }
+    std::array<float, 3> pixel(std::size_t i) const { return {colour[0][i], colour[1][i], colour[2][i]}; }
+    std::array<const float*, 3> image() const {
+        return {colour[0].data(), colour[1].data(), colour[2].data()};
+    }
+};
+
+Planes interpolated(const Frame& in, const ParallelLoop& loop = test::forward_loop) {
+    Planes out;
+    for (Plane& plane : out) plane.assign(in.clear.size(), -1.0f);
+    smart_interpol({kBacking}, in.width, in.height, in.clear.data(), in.image(),
+                   {out[0].data(), out[1].data(), out[2].data()}, loop);
+    return out;
+}
+
+// Sweep by sweep over every row, with the run's colour carried from sweep to sweep.
+struct Naive {
+    const Frame& in;
+    float far = static_cast<float>(in.width + in.height);
+    Frame out = in;
+    Plane map = Plane(in.clear.size(), 0.0f);
+    Plane best = Plane(static_cast<std::size_t>(in.width), far);
+    std::vector<std::array<float, 3>> colour{static_cast<std::size_t>(in.width), kBacking};
+    std::array<float, 3> run_colour = kBacking;
+
+    void row(int y, bool down) {
+        for (const bool right_to_left : {false, true}) {
+            float run = far;
+            for (int i = 0; i < in.width; ++i) {
+                const int x = right_to_left ? in.width - 1 - i : i;
+                const std::size_t p = in.at(x, y);
+                const auto c = static_cast<std::size_t>(x);
+                run += 1.0f;
+                if (in.clear[p] != 0.0f) {
+                    run = 0.0f;
+                    run_colour = in.pixel(p);
+                }
+                if (!right_to_left) best[c] += 1.0f;
+                if (run < best[c]) {
+                    best[c] = run;
+                    colour[c] = run_colour;
+                }
+                if (!right_to_left) continue;
+                if (!down && map[p] < best[c]) {
+                    best[c] = map[p];
+                    colour[c] = out.pixel(p);
+                }
+                map[p] = std::min(best[c], far);
+                for (std::size_t k = 0; k < 3; ++k) out.colour[k][p] = colour[c][k];
+            }
+        }
+    }
+
+    // Walks a line whose pixels are `step` apart, from far enough before it that the window fills.
+    void smooth(std::size_t first, std::size_t step, int n) {
+        const auto at = [&](int i) { return first + static_cast<std::size_t>(i) * step; };
+        const auto distance = [&](int i) { return static_cast<int>(map[at(std::max(i, 0))]); };
+        for (Plane& plane : out.colour) {
+            const Plane before = plane;
+            float sum = 0.0f;
+            int count = 0;
+            const auto pass = [&](int i, int sign) {
+                if (i < 0 || i >= n) return;
+                sum = sign > 0 ? sum + before[at(i)] : sum - before[at(i)];
+                count += sign;
+            };
+            for (int i = -distance(0); i < n; ++i) {
+                const int d = distance(i);
+                const int held = distance(i - 1);
+                ASSERT_LE(std::abs(d - held), 1);
+                for (int k = i + held; k <= i + d; ++k) pass(k, 1);
+                for (int k = i - 1 - held; k < i - d; ++k) pass(k, -1);
+                if (i < 0) continue;
+                plane[at(i)] =
+                    count == 0 ? 0.0f : (sum + static_cast<float>(count / 2)) / static_cast<float>(count);
+            }
+        }
+    }
+
+    Planes run() {
+        for (int y = 0; y < in.height; ++y) row(y, true);
+        for (int y = in.height - 1; y >= 0; --y) row(y, false);
+        for (int y = 0; y < in.height; ++y) smooth(in.at(0, y), 1, in.width);
+        for (int x = 0; x < in.width; ++x) smooth(in.at(x, 0), static_cast<std::size_t>(in.width), in.height);
+        return out.colour;
+    }
+};
+
+TEST(SmartInterpol, WorkedExamples) {
+    // A row of five, the second clear: the fill gives 50 everywhere, distances 1 0 1 2 3. The first window
+    // holds 2 pixels: (100 + 1) / 2; then (50 + 0) / 1; 3: (150 + 1) / 3; 4: (200 + 2) / 4; 4 again. Its
+    // columns have one pixel, which keeps its value.
+    Frame row{5, 1, {0, 1, 0, 0, 0}, {}};
+    row.colour.fill({7, 50, 7, 7, 7});
+    EXPECT_THAT(interpolated(row)[0], testing::ElementsAre(50.5f, 50.0f, 151.0f / 3.0f, 50.5f, 50.5f));
+    // Nothing clear: the backing, and a window over the whole row of two: (2 * 10 + 1) / 2.
+    EXPECT_THAT(interpolated({2, 1, {0, 0}, {Plane{1, 2}, {3, 4}, {5, 6}}})[0],
+                testing::ElementsAre(10.5f, 10.5f));
+}
+
+TEST(SmartInterpol, EqualsTheDescriptionHoweverItIsCut) {
+    std::mt19937 random(11);
+    for (const auto& [w, h] : {std::pair{1, 1}, {1, 9}, {9, 1}, {2, 2}, {7, 5}, {21, 40}, {150, 37}}) {
+        for (const unsigned sparse : {1U, 3U, 30U, 200U, 100000U}) {
+            for (const bool with_nan : {false, true}) {
+                const auto n = static_cast<std::size_t>(w * h);
+                Frame in{w, h, Plane(n), {Plane(n), Plane(n), Plane(n)}};
+                for (float& v : in.clear) {
+                    v = random() % sparse != 0 ? -0.0f : with_nan && random() % 2 != 0 ? kNaN : -3.0f;
+                }
+                for (Plane& plane : in.colour) {
+                    for (float& v : plane) v = static_cast<float>(random() % 25500) / 99.0f;
+                    if (with_nan) plane[random() % n] = random() % 2 != 0 ? kNaN : HUGE_VALF;
+                }
+                const Planes wanted = Naive{in}.run();
+                const Planes whole = interpolated(in);
+                const Planes cut = interpolated(in, test::backward_loop);
+                for (std::size_t i = 0; i < 3 * n; ++i) {
+                    const float value = wanted[i / n][i % n];
+                    for (const float got : {whole[i / n][i % n], cut[i / n][i % n]}) {
+                        if (std::isnan(value) && std::isnan(got)) continue;
+                        ASSERT_EQ(std::bit_cast<int>(got), std::bit_cast<int>(value))
+                            << w << " x " << h << " sparse " << sparse << " at " << i << ": " << got;
+                    }
+                }
+            }
+        }
+    }
+}
+
+TEST(SmartInterpol, Operator) {
+    std::array<std::int32_t, ControlBlock::kCount> values{};
+    ControlBlock controls(values.data(), 1);
+    // Role order of a green screen is red, blue, green.
+    controls.set(controls::kColorIndex, 1);
+    controls.set(controls::kBackingColor, 11, 33, 22);
+    EXPECT_THAT(smart_interpol_params(controls).backing, testing::ElementsAre(11.0f, 22.0f, 33.0f));
+
+    // Only the pixel (-4, 6) is clear, so all others take its colour. Above it the row's mean is over 3
+    // pixels, (270 + 1) / 3, the column's then over 2, of which the clear pixel is one.
+    const Box box{-5, 6, -2, 8};
+    test::FunctionSource image(box, kMaskRgba, [](Channel c, int x, int) {
+        return x == -4 || c == kAlpha ? static_cast<float>(c) * 30.0f : 99.0f;
+    });
+    test::FunctionSource clear(box, kMaskAlpha,
+                               [](Channel, int x, int y) { return x == -4 && y == 6 ? 255.0f : 0.0f; });
+    VlxSmartInterpol op(NodeContext{}, &controls);
+    op.set_input(0, &image);
+    op.set_input(1, &clear);
+    op.setup();
+    for (const int threads : {1, 2}) {
+        const test::Picture picture = test::render(op, threads);
+        EXPECT_EQ(picture.at(kBlue, -4, 6), 90.0f);
+        EXPECT_EQ(picture.at(kBlue, -4, 7), (90.0f + 271.0f / 3.0f + 1.0f) / 2.0f);
+        EXPECT_EQ(picture.at(kAlpha, -3, 7), 120.0f);
+    }
+    EXPECT_EQ(clear.rows(), 2);
+}
+
+}  // namespace
