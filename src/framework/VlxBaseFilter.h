@@ -26,8 +26,8 @@ class VlxBaseFilter : public Zo::Image::Iop {
 
     // The box, grown by the radius along the direction; at most to the farthest coordinate.
     Zo::Image::Box grown(Zo::Image::Box box) const;
-    // The radius as far as it can matter to columns x to r - 1: a wider window of a horizontal pass only
-    // repeats edge pixels of the input once more.
+    // The radius of a horizontal pass as far as it can matter to columns x to r - 1: at most one more than
+    // the distance of the input's farthest pixel. A wider window only repeats edge pixels once more.
     int reach(int x, int r) const;
     // The rows of the input that hold everything within `radius` of row y, over columns x to r - 1. Rows
     // beyond the input's box are its edge rows again and are left out.

@@ -18,8 +18,7 @@ void VlxShrinkCUBase::set_radius(float radius) {
 void VlxShrinkCUH::engine(int y, int x, int r, const ChannelSet& channels, Row& row) {
     row.get(input(0), y, channels - kMaskAlpha);
     if (!channels.has(kAlpha)) return;
-    // One more than the values of weight 1 can reach, so that beyond the box the ends stay ends.
-    const int half_width = std::min(radius(), reach(x, r) + 1);
+    const int half_width = reach(x, r);
     Row wide(x - half_width, r + half_width);
     wide.get(input(0), y, kMaskAlpha);
     shrink_cu_row(wide[kAlpha] + half_width, static_cast<std::size_t>(half_width), fraction(),

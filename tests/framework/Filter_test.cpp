@@ -76,6 +76,16 @@ TEST(BaseFilter, GrowsItsBoxAlongItsDirectionOnly) {
     }
 }
 
+TEST(BaseFilter, NothingGrowsToNothing) {
+    MarkPass<true> h(NodeContext{});
+    MarkPass<false> v(NodeContext{});
+    h.set_radius(2);
+    v.set_radius(2);
+    v.set_input(0, &h);
+    v.validate(true);
+    EXPECT_TRUE(v.info().box.empty());
+}
+
 TEST(BaseFilter, NamesItsRunTimeType) {
     MarkPass<true> pass(NodeContext{});
     EXPECT_EQ(std::string(pass.class_name()), typeid(MarkPass<true>).name());

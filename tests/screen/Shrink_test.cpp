@@ -66,6 +66,9 @@ void expect_equal(Operator& op, const Plane& alpha, const Naive& naive, int h, i
         op.setup();
         const test::Picture out = test::render(op, threads);
         EXPECT_EQ(out.box, alpha.box);
+        if (threads == 1) {
+            EXPECT_EQ(source.rows(), alpha.box.height());
+        }
         EXPECT_EQ(test::bits(out.planes[kAlpha]), test::bits(expected.values)) << h << ' ' << v;
         EXPECT_EQ(out.at(kGreen, alpha.box.x, alpha.box.y), 2.0f + 0.01f * static_cast<float>(alpha.box.x));
     }
