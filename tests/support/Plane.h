@@ -17,14 +17,12 @@ struct Plane {
     Zo::Image::Box box;
     std::vector<float> values;
 
-    Plane() = default;
     template <class Pixel>
     Plane(const Zo::Image::Box& b, Pixel&& pixel) : box(b) {
         for (int y = b.y; y < b.t; ++y) {
             for (int x = b.x; x < b.r; ++x) values.push_back(pixel(x, y));
         }
     }
-
     float at(int x, int y) const {
         x = std::clamp(x, box.x, box.r - 1);
         y = std::clamp(y, box.y, box.t - 1);
@@ -32,7 +30,7 @@ struct Plane {
     }
 };
 
-// The bits of each value, so that comparing tells -0 from 0 and one NaN equals another.
+// Comparing these tells -0 from 0, and one NaN equals another.
 inline std::vector<std::uint32_t> bits(const std::vector<float>& values) {
     std::vector<std::uint32_t> result;
     for (const float v : values) result.push_back(v != v ? 0x7fc00000U : std::bit_cast<std::uint32_t>(v));
@@ -41,30 +39,19 @@ inline std::vector<std::uint32_t> bits(const std::vector<float>& values) {
 
 // Values that filters trip over: negatives, far above 255, exact zeros of both signs, infinities, NaN.
 inline Plane awkward_plane(const Zo::Image::Box& box, unsigned seed) {
+    using Limits = std::numeric_limits<float>;
+    const float special[] = {0.0f, -0.0f, Limits::quiet_NaN(), 3e7f, Limits::infinity()};
     std::mt19937 random(seed);
-    constexpr float kInfinity = std::numeric_limits<float>::infinity();
-    constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
     return Plane(box, [&](int, int) {
-        switch (random() % 40) {
-            case 0:
-                return 0.0f;
-            case 1:
-                return -0.0f;
-            case 2:
-                return kNan;
-            case 3:
-                return random() % 8 == 0 ? kInfinity : 3e7f;
-            default:
-                return static_cast<float>(random() % 100000) / 300.0f - 60.0f;
-        }
+        const auto pick = random() % 50;
+        return pick < 5 ? special[pick] : static_cast<float>(random() % 100000) / 300.0f - 60.0f;
     });
 }
 
-// A source whose alpha is the plane; red, green and blue are the channel number plus a share of the alpha.
+// A source whose alpha is the plane and whose other channels are their number.
 inline FunctionSource::Pixel pixels_of(const Plane& alpha) {
     return [alpha](Zo::Image::Channel c, int x, int y) {
-        return c == Zo::Image::kAlpha ? alpha.at(x, y)
-                                      : static_cast<float>(c) + 0.01f * static_cast<float>(x);
+        return c == Zo::Image::kAlpha ? alpha.at(x, y) : static_cast<float>(c);
     };
 }
 
