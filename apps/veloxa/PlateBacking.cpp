@@ -23,7 +23,7 @@ float Backing::light(Vec2 p) const {
     const float fold = std::sin(lean * look_.fold_count + look_.fold_phase + 2.0f * wobble);
     const float crease = std::sin(lean * look_.fold_count * 2.7f + p.y * 1.5f + 3.0f * wobble);
     const float depth = 0.6f + 0.4f * noise(key_of(look_.seed, 11), p.x * 1.7f, p.y * 1.1f);
-    return 0.93f + 0.115f * spot + depth * (0.030f * fold + 0.018f * crease * std::abs(crease)) -
+    return 0.90f + 0.165f * spot + depth * (0.034f * fold + 0.020f * crease * std::abs(crease)) -
            0.03f * smooth(0.5f, 1.0f, p.y);
 }
 
@@ -57,7 +57,7 @@ Background::Background(const Look& look) : look_(look) {
     for (Lamp& lamp : lamps_) {
         const float depth = draw();
         lamp.at = {draw.between(-1.25f, 1.25f), 0.99f - 0.30f * depth - 0.06f * draw()};
-        lamp.radius = draw.between(0.012f, 0.030f) * (1.35f - 0.8f * depth);
+        lamp.radius = (0.010f + 0.024f * square(draw())) * (1.3f - 0.7f * depth);
         lamp.strength = draw.between(0.18f, 0.75f);
         const float hue = draw();
         lamp.colour = hue < 0.55f   ? Vec3{1.10f, 0.72f, 0.36f}
@@ -71,7 +71,7 @@ Background::Background(const Look& look) : look_(look) {
 float Background::ridge(int n, float u) const {
     const std::uint64_t key = key_of(look_.seed, 21 + static_cast<std::uint64_t>(n));
     const float f = 1.5f + 0.6f * static_cast<float>(n);
-    const float base = 0.56f + 0.085f * static_cast<float>(n);
+    const float base = 0.57f + 0.095f * static_cast<float>(n);
     return base - 0.070f * noise(key, u * f, 0.0f) - 0.025f * noise(key, u * f * 3.1f, 5.0f) -
            0.006f * noise(key, u * f * 11.0f, 9.0f);
 }

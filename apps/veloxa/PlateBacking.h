@@ -36,7 +36,7 @@ class Background {
         float radius, strength;
         Vec3 colour;
     };
-    static constexpr int kLamps = 46;
+    static constexpr int kLamps = 90;
 
     float ridge(int n, float u) const;
 

@@ -7,6 +7,11 @@ namespace plate {
 namespace {
 
 constexpr float kPi = 3.14159265f;
+// The neck of the shirt, a rounded V.
+float opening(Vec2 p) {
+    return std::max(capsule(p, {0.0f, 0.590f}, {0.0f, 0.705f}, 0.069f, 0.008f), 0.560f - p.y);
+}
+
 // The far shoulder is behind the plane of focus.
 float softness(Vec2 p, float pixel) {
     return 0.6f * pixel + 0.020f * square(smooth(0.14f, 0.36f, p.x));
@@ -75,13 +80,14 @@ void Body::torso(Vec2 p, Stack& stack) const {
     // The head and hair shade the chest; so does the arm's side of the body.
     const float occlusion = 1.0f - 0.50f * bell(p.x, p.y - 0.61f, 0.17f, 0.075f) -
                             0.22f * bell(x - 0.205f, 0.022f) * smooth(0.82f, 0.95f, p.y);
-    const float turn = 0.02f * n.x;
+    const float turn = 0.006f * n.x;
     Shade shade = matt(cloth(p, {p.x + turn, p.y + 0.5f * turn}), n, occlusion);
 
     // Shirt in the opening, then the lapels beside it.
     const float open = 0.098f * smooth(1.06f, 0.60f, p.y) + 0.004f;
     const float fine = 0.8f * pixel_;
     const float shirt = coverage(x - open, fine);
+    const float collar = opening(p) - 0.016f;
     if (shirt > 0.0f) {
         const float fold = 0.10f * noise(key_of(look_.seed, 32), p.x * 30.0f, p.y * 7.0f);
         const float placket = 0.16f * bell(x - 0.013f, 0.0012f) * smooth(1.0f, 3.0f, 0.004f / pixel_);
@@ -90,14 +96,16 @@ void Body::torso(Vec2 p, Stack& stack) const {
             matt(look_.shirt * (1.0f - placket), normalize({0.5f * p.x / 0.1f + fold, -0.12f, 1.0f}),
                  occlusion * (1.0f - 0.35f * smooth(open - 0.03f, open, x)));
         linen.colour = mix(linen.colour, look_.accent * 0.75f, coverage(button, fine));
+        // The collar lies on it, and throws a line of shadow.
+        linen.colour = linen.colour *
+                       (1.0f - 0.35f * bell(std::max(collar, 0.0f), 0.005f) + 0.10f * coverage(collar, fine));
         shade.colour = mix(shade.colour, linen.colour, shirt);
         shade.spill = mix(shade.spill, linen.spill * 1.3f, shirt);
     }
-    const float notch = p.y - 0.755f + 0.55f * (x - open);
-    const float width = 0.058f * smooth(1.04f, 0.78f, p.y) + 0.010f * smooth(0.015f, -0.015f, notch);
+    const float notch = p.y - 0.762f + 0.45f * (x - open);
+    const float width = 0.060f * smooth(1.05f, 0.76f, p.y);
     const float rolled = x - open - width;
-    const float lapel =
-        std::max(std::max(-(x - open), rolled), std::abs(notch) < 0.004f && rolled > -0.03f ? 0.004f : -1.0f);
+    const float lapel = std::max(std::max(-(x - open), rolled), 0.13f * (rolled + 0.030f) - std::abs(notch));
     const float on_lapel = coverage(lapel, fine) * smooth(1.05f, 1.0f, p.y);
     shade.colour = shade.colour * (1.0f - 0.33f * bell(std::max(rolled, 0.0f), 0.011f) *
                                               coverage(-(x - open), fine) * (1.0f - on_lapel));
@@ -110,9 +118,9 @@ void Body::torso(Vec2 p, Stack& stack) const {
 
 void Body::neck(Vec2 p, Stack& stack) const {
     if (p.y < 0.40f || p.y > 0.76f || std::abs(p.x) > 0.2f) return;
-    const float throat = capsule(p, {0.0f, 0.44f}, {0.0f, 0.60f}, 0.060f, 0.064f);
+    const float throat = capsule(p, {0.0f, 0.44f}, {0.0f, 0.60f}, 0.056f, 0.061f);
     // The opening of the collar.
-    const float chest = std::max(capsule(p, {0.0f, 0.60f}, {0.0f, 0.695f}, 0.082f, 0.010f), 0.585f - p.y);
+    const float chest = opening(p);
     const float d = blend_union(throat, chest, 0.035f);
     const float cover = coverage(d, 0.7f * pixel_);
     if (cover <= 0.0f) return;
@@ -131,19 +139,19 @@ void Body::neck(Vec2 p, Stack& stack) const {
 }
 
 void Body::veil(Vec2 p, Stack& stack) const {
-    constexpr float kStart = 0.02f, kEnd = 0.60f;
+    constexpr float kStart = 0.03f, kEnd = 0.60f;
     const float s = (p.x - kStart) / (kEnd - kStart);
     if (s < -0.02f || s > 1.15f || p.y < 0.40f) return;
     const float t = pose_.time * 0.21f;
     const float phase = look_.fold_phase;
-    const float middle = 0.668f + 0.105f * smooth(0.05f, 0.42f, s) -
+    const float middle = 0.628f + 0.145f * smooth(0.0f, 0.42f, s) -
                          0.20f * square(std::max(s - 0.40f, 0.0f)) +
                          0.022f * s * std::sin(7.0f * s - t + phase);
     const float half =
         0.030f + 0.105f * std::pow(saturate(s), 0.8f) + 0.010f * std::sin(11.0f * s - 1.3f * t + phase);
     const float v = (p.y - middle) / half;
     const float end = kEnd + 0.030f * std::sin(5.0f * v + t) + 0.035f * v - p.x;
-    const float edge = smooth(1.0f, 0.90f, std::abs(v)) * smooth(0.0f, 0.022f, end) * smooth(0.0f, 0.25f, s);
+    const float edge = smooth(1.0f, 0.90f, std::abs(v)) * smooth(0.0f, 0.022f, end) * smooth(0.0f, 0.16f, s);
     if (edge <= 0.0f) return;
     const float ripple =
         4.2f * v + 2.6f * s + 0.9f * noise(key_of(look_.seed, 33), 5.0f * s - 0.6f * t, 1.6f * v);

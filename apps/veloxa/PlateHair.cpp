@@ -38,20 +38,21 @@ struct Grower {
         Strand strand;
         const float ex =
             behind ? draw.between(0.30f, 1.16f) : mix(0.93f, 1.17f, layer) + draw.between(-0.03f, 0.03f);
-        const float ey = behind ? 1.12f : mix(0.56f, 1.13f, layer) + draw.between(-0.03f, 0.03f);
+        const float ey = behind ? 1.12f : mix(0.62f, 1.13f, layer) + draw.between(-0.03f, 0.03f);
+        const float droop = behind ? 0.0f : 0.20f * (1.0f - layer);
         const float parting = look.parting + 0.04f * draw.between(-1.0f, 1.0f);
         const float turn = 0.50f + 0.06f * draw.between(-1.0f, 1.0f);  // share of the length above the ear
         const float end = look.hair_length + draw.between(-0.22f, 0.12f) - (behind ? 0.0f : 0.10f);
-        const float flare = (behind ? 0.10f : 0.05f) + draw.between(-0.10f, 0.16f);
-        const float wave = look.curl * draw.between(0.5f, 1.3f), waves = draw.between(3.2f, 4.6f);
-        const float phase = look.fold_phase + 0.9f * draw() + (side > 0.0f ? 1.5f : 0.0f);
+        const float flare = (behind ? 0.16f : 0.10f) + draw.between(-0.14f, 0.22f);
+        const float wave = look.curl * draw.between(0.5f, 1.3f), waves = draw.between(4.0f, 5.2f);
+        const float phase = look.fold_phase + 0.6f * draw() + (side > 0.0f ? 1.5f : 0.0f);
         for (std::size_t k = 0; k < Strand::kPoints; ++k) {
             const float t = static_cast<float>(k) / static_cast<float>(Strand::kPoints - 1);
             Vec2 q;
             if (t < turn) {
                 const float angle = kQuarter * t / turn;
                 q = {parting + (side * ex - parting) * std::sin(angle),
-                     0.06f - (ey + 0.06f) * std::cos(angle)};
+                     0.06f - (ey + 0.06f) * std::cos(angle) + droop * std::sin(2.0f * angle)};
             } else {
                 const float fall = (t - turn) / (1.0f - turn);
                 q = {side * (ex + flare * fall * fall), 0.06f + (end - 0.06f) * fall};
@@ -60,8 +61,8 @@ struct Grower {
             q.x += wave * grown * std::sin(waves * 3.0f * t + phase) + swing(grown, phase);
             strand.points[k] = place.from_head(q);
         }
-        const bool thick = draw() < 0.55f;
-        strand.root_width = unit * (thick ? draw.between(2.6f, 6.0f) : draw.between(0.7f, 1.9f));
+        const bool thick = draw() < 0.40f;
+        strand.root_width = unit * (thick ? draw.between(1.8f, 4.6f) : draw.between(0.6f, 1.7f));
         strand.tip_width = unit * draw.between(0.2f, 0.9f);
         strand.taper_from = draw.between(0.45f, 0.75f);
         colour(strand, draw, behind ? 0.75f : 0.45f * (1.0f - layer) * draw());
@@ -73,23 +74,24 @@ struct Grower {
     Strand stray(Draw& draw, bool bold) const {
         Strand strand;
         const float side = draw.sign();
-        const bool crown = draw() < 0.45f;
+        const bool crown = draw() < 0.36f;
         Vec2 q;
         float heading;  // radians from straight down, positive outward
         if (crown) {
             const float angle = draw.between(0.1f, 1.5f);
-            q = {side * 1.08f * std::sin(angle), 0.06f - 1.10f * std::cos(angle)};
-            heading = kQuarter + (kQuarter - angle) * 0.9f + draw.between(-0.9f, 0.5f);
+            q = {side * 1.05f * std::sin(angle), 0.06f - 1.07f * std::cos(angle)};
+            heading = kQuarter - angle + 0.02f + (bold ? 0.5f : 0.85f) * square(draw());
         } else {
             const float down = draw();
-            q = {side * (1.04f + 0.10f * down), mix(0.0f, look.hair_length - 0.25f, down)};
-            heading = draw.between(0.15f, 1.0f);
+            q = {side * (draw.between(0.92f, 1.10f) + 0.08f * down),
+                 mix(-0.1f, look.hair_length - 0.30f, down)};
+            heading = 0.75f * square(draw());
         }
         const float reach =
-            (bold ? draw.between(0.45f, 1.0f) : draw.between(0.25f, 0.85f)) * (crown ? 0.62f : 1.0f);
+            (bold ? draw.between(0.6f, 1.25f) : draw.between(0.3f, 1.1f)) * (crown ? 0.75f : 1.0f);
         const float step = reach / static_cast<float>(Strand::kPoints - 1);
-        const float bend = draw.between(-2.6f, 0.6f) / static_cast<float>(Strand::kPoints);
-        const float curl = draw.between(0.0f, 0.32f), phase = draw.between(0.0f, 6.28f);
+        const float bend = draw.between(-1.2f, 0.8f) / static_cast<float>(Strand::kPoints);
+        const float curl = 0.26f * square(draw()), phase = draw.between(0.0f, 6.28f);
         const float frequency = draw.between(0.25f, 0.60f);
         for (std::size_t k = 0; k < Strand::kPoints; ++k) {
             const float n = static_cast<float>(k), t = n / static_cast<float>(Strand::kPoints - 1);
@@ -103,7 +105,7 @@ struct Grower {
         strand.taper_from = 0.2f;
         colour(strand, draw, 0.0f);
         strand.tip = strand.tip * 1.15f + look.hair_light * 0.10f;  // the rim light catches them
-        strand.spill = 0.06f + 0.08f * draw();
+        strand.spill = 0.025f + 0.03f * draw();
         strand.shine_at = draw.between(0.2f, 2.0f);
         return strand;
     }
@@ -119,7 +121,7 @@ Hair grow_hair(const Look& look, const Pose& pose, const Placement& placement) {
     const Grower grower(look, pose, placement);
     Draw draw(key_of(look.seed, 50));
     Hair hair;
-    constexpr int kBack = 170, kFront = 330, kBold = 70, kFine = 190;
+    constexpr int kBack = 200, kFront = 480, kBold = 70, kFine = 200;
     for (int i = 0; i < kBack; ++i) hair.back.push_back(grower.lock(draw, draw.sign(), draw(), true));
     for (int i = 0; i < kFront; ++i) {
         // Mostly from the inside out, so that the outer ones lie on top.

@@ -1,4 +1,4 @@
-// The hair: tapering curved strands with exact coverage of a pixel's width, however thin they are.
+// The hair: tapering curved strands whose coverage is worked out, not sampled, however thin they are.
 #pragma once
 
 #include <array>
@@ -56,7 +56,7 @@ class StrandPainter {
 
   private:
     struct Hit {
-        float t, across;
+        float distance, t, across;
     };
     std::vector<float> cover_;
     std::vector<Hit> hit_;

@@ -19,7 +19,7 @@ struct Bump {
     float x, y, width, height, amount;
 };
 constexpr Bump kBumps[] = {
-    {0.0f, 0.13f, 0.085f, 0.26f, 0.15f},                                               // bridge of the nose
+    {0.0f, 0.13f, 0.10f, 0.24f, 0.125f},                                               // bridge of the nose
     {0.0f, 0.315f, 0.115f, 0.085f, 0.15f},                                             // its tip
     {0.115f, 0.345f, 0.060f, 0.055f, 0.055f}, {0.37f, -0.15f, 0.26f, 0.075f, 0.045f},  // brow
     {0.37f, 0.00f, 0.22f, 0.100f, -0.080f},                                            // socket
@@ -57,7 +57,7 @@ Shade Head::surface(Vec2 q) const {
                             0.40f * smooth(-0.30f, -0.72f, q.y) - 0.30f * smooth(0.74f, 1.0f, ax);
     Vec3 albedo = look_.skin * (1.0f + 0.025f * noise(key_of(look_.seed, 41), q.x * 11.0f, q.y * 15.0f));
     const float flush =
-        0.5f * bell(ax - 0.52f, q.y - 0.32f, 0.24f, 0.17f) + 0.4f * bell(q.x, q.y - 0.33f, 0.12f, 0.10f);
+        0.36f * bell(ax - 0.52f, q.y - 0.32f, 0.24f, 0.17f) + 0.4f * bell(q.x, q.y - 0.33f, 0.12f, 0.10f);
     albedo = albedo * mix(Vec3{1.0f, 1.0f, 1.0f}, Vec3{1.02f, 0.84f, 0.83f}, flush);
     return skin(albedo, n, occlusion);
 }
@@ -87,8 +87,7 @@ void Head::eye(Vec2 q, Shade& shade) const {
         c = mix(c, iris, coverage(r - 0.074f, fine));
         c = mix(c, Vec3{0.02f, 0.018f, 0.02f}, coverage(r - 0.033f, fine));
         c = c * (1.0f - 0.55f * smooth(0.060f, 0.0f, e.y - upper));
-        const float glint =
-            length({gaze.x + 0.026f * 1.0f - (side < 0.0f ? 0.0f : 0.0f), gaze.y + 0.028f}) - 0.013f;
+        const float glint = length({gaze.x + 0.026f * side, gaze.y + 0.028f}) - 0.013f;
         c = mix(c, Vec3{1.30f, 1.28f, 1.25f}, coverage(glint, fine));
         shade.colour = mix(shade.colour, c, inside);
         shade.spill = mix(shade.spill, 0.02f, inside);
@@ -104,8 +103,9 @@ void Head::eye(Vec2 q, Shade& shade) const {
         const float rise = -0.165f - 0.050f * std::sin(2.4f * saturate(b)) + 0.055f * square(b);
         const float thick = 0.030f * smooth(1.08f, 0.35f, b) * smooth(-0.08f, 0.12f, b) + 0.002f;
         const float streak =
-            noise(key_of(look_.seed, 43), (q.x - 0.55f * side * (q.y - rise)) * 62.0f, q.y * 12.0f);
-        const float body = smooth(1.25f, 0.35f, std::abs(q.y - rise) / (thick * (1.0f + 0.30f * streak)));
+            noise(key_of(look_.seed, 43), (q.x - 0.55f * side * (q.y - rise)) * 85.0f, q.y * 30.0f);
+        const float body = smooth(1.08f, 0.92f, b) *
+                           smooth(1.25f, 0.35f, std::abs(q.y - rise) / (thick * (1.0f + 0.16f * streak)));
         shade.colour = mix(shade.colour, look_.hair * 0.75f, 0.86f * body * (0.80f + 0.20f * streak));
     }
 }

@@ -66,7 +66,7 @@ Look look_of(std::uint64_t seed, Screen screen) {
     look.tilt = draw.between(-0.06f, 0.06f);
     look.parting = draw.between(0.12f, 0.34f) * draw.sign();
     look.hair_length = draw.between(1.35f, 2.1f);
-    look.curl = draw.between(0.03f, 0.10f);
+    look.curl = draw.between(0.06f, 0.17f);
     look.hot_spot = {draw.between(-0.45f, 0.45f), draw.between(0.2f, 0.5f)};
     look.fold_count = draw.between(5.0f, 9.0f);
     look.fold_phase = draw.between(0.0f, 6.28f);
@@ -85,8 +85,8 @@ Pose pose_of(const Look& look, int frame) {
     // One wave a second at 24 frames; a still shows the arm at speed. The shutter is open half a frame.
     const float rate = 0.262f, reach = 0.42f;
     const float wave = 0.35f * draw.between(-1.0f, 1.0f) + rate * time;
-    pose.arm = 0.02f + 0.6f * reach * std::sin(wave);
-    pose.arm_speed = 1.9f * 0.5f * rate * reach * std::cos(wave);
+    pose.arm = -0.13f + 0.6f * reach * std::sin(wave);
+    pose.arm_speed = 1.2f * 0.5f * rate * reach * std::cos(wave);
     return pose;
 }
 
@@ -101,7 +101,7 @@ Light light_on(Vec3 n) {
 Shade matt(Vec3 albedo, Vec3 n, float occlusion) {
     const Light light = light_on(n);
     const Vec3 sum =
-        Vec3{1.02f, 0.97f, 0.90f} * (0.80f * light.key) + Vec3{0.86f, 0.90f, 1.0f} * (0.34f * light.fill);
+        Vec3{1.02f, 0.97f, 0.90f} * (0.84f * light.key) + Vec3{0.86f, 0.90f, 1.0f} * (0.37f * light.fill);
     const float edge = 1.0f - saturate(n.z);
     Shade shade;
     shade.colour = albedo * (sum * occlusion) + Vec3{1.0f, 0.96f, 0.92f} * (0.22f * light.rim);

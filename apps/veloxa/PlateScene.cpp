@@ -8,7 +8,7 @@ namespace {
 
 Placement place(const Options& options, const Look& look, const Pose& pose) {
     const auto width = static_cast<float>(options.width), height = static_cast<float>(options.height);
-    const Vec2 head = Vec2{look.centre, 0.385f} + pose.sway;
+    const Vec2 head = Vec2{look.centre, 0.395f} + pose.sway;
     return {width, height, look.mirror, head, look.tilt + 1.5f * pose.sway.x};
 }
 
@@ -75,9 +75,9 @@ void Scene::render_row(int y, StrandPainter& painter, std::vector<Stack>& stacks
     for (std::size_t i = 0; i < pixels.size(); ++i) mass(hair_behind(look_, head_at(i)), 0.42f)(stacks[i]);
     painter.paint(hair_.back, y, stacks);
     for (std::size_t i = 0; i < pixels.size(); ++i) {
-        body_.neck(body_at(i), stacks[i]);
         body_.torso(body_at(i), stacks[i]);
         body_.veil(body_at(i), stacks[i]);
+        body_.neck(body_at(i), stacks[i]);
         head_.face(head_at(i), stacks[i]);
         head_.glasses(head_at(i), stacks[i]);
         mass(hair_cap(look_, head_at(i)), 0.55f)(stacks[i]);

@@ -2,6 +2,16 @@
 
 namespace plate {
 
+namespace {
+
+// The share of a tent two pixels wide that lies below x. A box would leave thin slanting hairs beaded.
+float tent_below(float x) {
+    const float t = std::clamp(x, -1.0f, 1.0f);
+    return t < 0.0f ? 0.5f * square(1.0f + t) : 1.0f - 0.5f * square(1.0f - t);
+}
+
+}  // namespace
+
 void Strand::measure() {
     top = bottom = points[0].y;
     for (const Vec2 p : points) {
@@ -34,7 +44,7 @@ void StrandPainter::paint(const std::vector<Strand>& strands, int row, std::vect
     const float last = static_cast<float>(pixels.size()) - 1.0f;
     for (const Strand& strand : strands) {
         if (y < strand.top || y > strand.bottom) continue;
-        const float reach = std::max(strand.root_width, strand.tip_width) + 0.5f;
+        const float reach = std::max(strand.root_width, strand.tip_width) + 1.0f;
         int low = static_cast<int>(pixels.size()), high = -1;
         for (std::size_t k = 0; k + 1 < Strand::kPoints; ++k) {
             const Vec2 a = strand.points[k], b = strand.points[k + 1];
@@ -48,13 +58,12 @@ void StrandPainter::paint(const std::vector<Strand>& strands, int row, std::vect
                 const Vec2 off = p - a - (b - a) * s;
                 const float t = (static_cast<float>(k) + s) / static_cast<float>(Strand::kPoints - 1);
                 const float d = length(off), half = strand.half_width(t);
-                // The overlap of a pixel's width with the strand's.
-                const float cover = std::min(d + 0.5f, half) - std::max(d - 0.5f, -half);
                 const auto i = static_cast<std::size_t>(x);
-                if (cover <= cover_[i]) continue;
-                cover_[i] = std::min(cover, 1.0f);
+                if (d - half >= 1.0f || (cover_[i] > 0.0f && d - half >= hit_[i].distance)) continue;
+                cover_[i] = tent_below(half - d) - tent_below(-half - d);
                 const float turn = (b.x - a.x) * off.y - (b.y - a.y) * off.x;
-                hit_[i] = {t, std::clamp((turn < 0.0f ? -d : d) / std::max(half, 0.5f), -1.0f, 1.0f)};
+                hit_[i] = {d - half, t,
+                           std::clamp((turn < 0.0f ? -d : d) / std::max(half, 0.5f), -1.0f, 1.0f)};
                 low = std::min(low, x);
                 high = std::max(high, x);
             }
