@@ -1,6 +1,7 @@
 // How a kernel over whole frames asks for its loops to be run: for consecutive pieces of [begin, end), each
 // at most `grain` long, on whatever threads there are. Pieces must not depend on each other. A plain loop
 // will do; a kernel's result does not depend on how a range is cut or by whom its pieces are run.
+// A loop may leave pieces out when nobody wants the result any more, if it then runs none of the later ones.
 #pragma once
 
 #include <functional>

@@ -52,7 +52,7 @@ bool VlxFilter::run_kernel(Lock& lock, const std::function<void(const ParallelLo
     std::atomic<bool> skipped{false};
     kernel([&](int begin, int end, int grain, const Lock::Body& body) {
         lock.parallel_for(begin, end, grain, [&](int from, int to) {
-            if (aborted()) {
+            if (skipped.load(std::memory_order_relaxed) || aborted()) {
                 skipped.store(true, std::memory_order_relaxed);
             } else {
                 body(from, to);

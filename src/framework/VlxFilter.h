@@ -34,8 +34,8 @@ class VlxFilter : public VlxIop {
         return frame_[static_cast<std::size_t>(c - Zo::Image::kRed)];
     }
 
-    // Gives a kernel a loop that the waiting threads share and that leaves pieces out once the render is
-    // aborted. False when any was left out.
+    // Gives a kernel a loop that the waiting threads share and that leaves out all pieces once the
+    // render is aborted, so that none reads what an earlier one did not write. False when any was.
     bool run_kernel(Zo::Image::Lock& lock, const std::function<void(const ParallelLoop&)>& kernel) const;
 
     void _validate(bool for_real) override;

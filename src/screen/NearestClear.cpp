@@ -73,25 +73,25 @@ NearestClear find_nearest_clear(int width, int height, const float* clear, const
         throw std::length_error("frame too large for the smart interpolation");
     }
     NearestClear found;
-    found.distance.resize(pixels);
-    found.source.resize(pixels);
-    std::vector<std::int32_t> nearest(pixels);
+    found.distance = std::make_unique_for_overwrite<std::int32_t[]>(pixels);
+    const auto nearest = std::make_unique_for_overwrite<std::int32_t[]>(pixels);
 
     std::atomic<bool> any{false};
     loop(0, height, kRowGrain, [&](int begin, int end) {
         bool here = false;
         for (int y = begin; y < end; ++y) {
             const std::size_t at = static_cast<std::size_t>(y) * stride;
-            here |= find_in_row(clear + at, width, nearest.data() + at);
+            here |= find_in_row(clear + at, width, nearest.get() + at);
         }
         if (here) any.store(true, std::memory_order_relaxed);
     });
     found.any = any.load(std::memory_order_relaxed);
     const std::int32_t farthest = width + height;
     if (!found.any) {
-        std::fill(found.distance.begin(), found.distance.end(), farthest);
+        std::fill_n(found.distance.get(), pixels, farthest);
         return found;
     }
+    found.source = std::make_unique_for_overwrite<std::uint32_t[]>(pixels);
 
     loop(0, width, kColumns, [&](int begin, int end) {
         const int count = end - begin;
@@ -105,17 +105,17 @@ NearestClear find_nearest_clear(int width, int height, const float* clear, const
             return static_cast<std::uint32_t>(static_cast<std::size_t>(y) * stride);
         };
         for (int y = 0; y < height; ++y) {
-            meet_row(best, nearest.data() + at(y), begin, count, row(y));
+            meet_row(best, nearest.get() + at(y), begin, count, row(y));
             for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
                 found.distance[at(y) + i] = std::min(best.distance[i], farthest);
                 found.source[at(y) + i] = best.source[i];
             }
         }
         for (int y = height - 1; y >= 0; --y) {
-            meet_row(best, nearest.data() + at(y), begin, count, row(y));
-            meet_map(best, found.distance.data() + at(y), found.source.data() + at(y), count);
-            std::copy_n(best.distance.data(), count, found.distance.data() + at(y));
-            std::copy_n(best.source.data(), count, found.source.data() + at(y));
+            meet_row(best, nearest.get() + at(y), begin, count, row(y));
+            meet_map(best, found.distance.get() + at(y), found.source.get() + at(y), count);
+            std::copy_n(best.distance.data(), count, found.distance.get() + at(y));
+            std::copy_n(best.source.data(), count, found.source.get() + at(y));
         }
     });
     return found;

@@ -3,14 +3,14 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
+#include <memory>
 
 #include "framework/ParallelLoop.h"
 
 struct NearestClear {
-    bool any = false;                    // false: no pixel is clear, and sources mean nothing
-    std::vector<std::int32_t> distance;  // steps; width + height when no pixel is clear
-    std::vector<std::uint32_t> source;   // index of the pixel in the frame
+    bool any = false;                          // false: no pixel is clear, and there are no sources
+    std::unique_ptr<std::int32_t[]> distance;  // steps; width + height when no pixel is clear
+    std::unique_ptr<std::uint32_t[]> source;   // index of the pixel in the frame
 };
 
 NearestClear find_nearest_clear(int width, int height, const float* clear, const ParallelLoop& loop);
