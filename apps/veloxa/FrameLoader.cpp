@@ -1,0 +1,68 @@
+#include "FrameLoader.h"
+
+#include <sys/stat.h>
+
+namespace veloxa {
+
+using namespace Zo::Image;
+
+namespace {
+
+Hash identity_of(const std::string& path, bool matte) {
+    Hash hash;
+    hash.append(std::string_view(path));
+    hash.append(std::int32_t{matte});
+    struct stat status {};
+    if (::stat(path.c_str(), &status) == 0) {
+        hash.append(static_cast<std::uint64_t>(status.st_size));
+        hash.append(static_cast<std::uint64_t>(status.st_mtim.tv_sec));
+        hash.append(static_cast<std::uint64_t>(status.st_mtim.tv_nsec));
+    }
+    return hash;
+}
+
+}  // namespace
+
+LoadedInput FrameLoader::read(Input input, int frame) const {
+    const std::string path = names_[input].at(frame);
+    const bool matte = input == kGm || input == kHm;
+    const Hash identity = identity_of(path, matte);
+    Image image = matte ? read_matte(path, abort_) : read_image(path, abort_);
+    return {std::make_shared<const Image>(std::move(image)), identity};
+}
+
+LoadedInput FrameLoader::fitted_to(const LoadedInput& loaded, const Format& format,
+                                   const std::string& file) const {
+    LoadedInput result{fitted(loaded.image, format, fit_, file), loaded.identity};
+    result.identity.append(std::int32_t{format.box.r});
+    result.identity.append(std::int32_t{format.box.t});
+    return result;
+}
+
+void FrameLoader::load_stills() {
+    for (std::size_t n = 0; n < kInputCount; ++n) {
+        if (names_[n].empty() || names_[n].has_frame()) continue;
+        stills_[n] = read(static_cast<Input>(n), 0);
+    }
+}
+
+FrameInputs FrameLoader::load(int frame) {
+    FrameInputs inputs;
+    inputs[kFg] = stills_[kFg].image ? stills_[kFg] : read(kFg, frame);
+    const Format& format = inputs[kFg].image->info.format;
+    if (format != fitted_format_) fitted_stills_ = {};
+    fitted_format_ = format;
+    for (std::size_t n = kCp; n < kInputCount; ++n) {
+        if (names_[n].empty()) continue;
+        const std::string file = names_[n].at(frame);
+        if (names_[n].has_frame()) {
+            inputs[n] = fitted_to(read(static_cast<Input>(n), frame), format, file);
+            continue;
+        }
+        if (!fitted_stills_[n].image) fitted_stills_[n] = fitted_to(stills_[n], format, file);
+        inputs[n] = fitted_stills_[n];
+    }
+    return inputs;
+}
+
+}  // namespace veloxa

@@ -1,0 +1,51 @@
+// Loads the node's inputs for one frame after another.
+#pragma once
+
+#include <array>
+#include <memory>
+
+#include "Fit.h"
+#include "FramePattern.h"
+#include "ImageFile.h"
+#include "ZoImage/Hash.h"
+#include "ZoImage/Render.h"
+
+namespace veloxa {
+
+// The node's inputs by number.
+enum Input : std::size_t { kFg, kCp, kBg, kGm, kHm, kInputCount };
+inline constexpr std::array<const char*, kInputCount> kInputNames{"fg", "cp", "bg", "gm", "hm"};
+
+struct LoadedInput {
+    std::shared_ptr<const Image> image;  // null for an input that is not used
+    Zo::Image::Hash identity;            // names the pixels
+};
+using FrameInputs = std::array<LoadedInput, kInputCount>;
+
+// Inputs without a frame number in their name are loaded once. One thread at a time.
+class FrameLoader {
+  public:
+    using Names = std::array<FramePattern, kInputCount>;  // empty for inputs that are not used
+
+    FrameLoader(Names names, Fit fit, const Zo::Image::AbortFlag* abort)
+        : names_(std::move(names)), fit_(fit), abort_(abort) {}
+
+    // Loads what all frames share, so that a mistake there shows before any frame.
+    void load_stills();
+    // Throws Error when any input of the frame cannot be used.
+    FrameInputs load(int frame);
+
+  private:
+    LoadedInput read(Input input, int frame) const;
+    LoadedInput fitted_to(const LoadedInput& loaded, const Zo::Image::Format& format,
+                          const std::string& file) const;
+
+    Names names_;
+    Fit fit_;
+    const Zo::Image::AbortFlag* abort_;
+    FrameInputs stills_;         // as read
+    FrameInputs fitted_stills_;  // for the format below
+    Zo::Image::Format fitted_format_;
+};
+
+}  // namespace veloxa

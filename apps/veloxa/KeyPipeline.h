@@ -1,0 +1,86 @@
+// Renders frames: while one is keyed, the next is decoded and the last encoded.
+//
+// Three threads hand frames on; at most kFramesInFlight are in memory. A frame that cannot be read, keyed or
+// written is reported, and the others go on. When the flag is raised everything in flight is given up, and
+// no unfinished file is left.
+#pragma once
+
+#include <memory>
+#include <semaphore>
+#include <string>
+#include <vector>
+
+#include "FrameLoader.h"
+#include "FramePattern.h"
+#include "ImageFile.h"
+#include "ImageSource.h"
+#include "KeyStats.h"
+#include "Progress.h"
+#include "Queue.h"
+#include "ZoImage/Render.h"
+
+namespace veloxa {
+
+struct KeyPlan {
+    FrameRange frames;  // one frame, of any number, for a still
+    FramePattern output;
+    WriteOptions write;
+    bool resume = false;  // leave out frames whose output is whole
+    int threads = 0;
+};
+
+class KeyPipeline {
+  public:
+    // Feeds the node through `sources`, one per input (unused ones are not fed), and renders `root`, which is
+    // the node or one of its operators, over the node's box.
+    KeyPipeline(KeyPlan plan, FrameLoader& loader, Zo::Image::Iop& node, Zo::Image::Iop& root,
+                std::array<std::unique_ptr<ImageSource>, kInputCount>& sources, Progress& progress);
+
+    void measure_time() { renderer_.measure_time(true); }
+    // Renders all frames; false when one could not be done. Throws Interrupted.
+    bool run();
+    const KeyStats& stats() const { return stats_; }
+
+  private:
+    static constexpr int kFramesInFlight = 3;
+    using Slots = std::counting_semaphore<kFramesInFlight>;
+    struct GiveBack {
+        void operator()(Slots* slots) const { slots->release(); }
+    };
+    using Slot = std::unique_ptr<Slots, GiveBack>;  // the right to hold a frame
+
+    struct Decoded {
+        int frame;
+        FrameInputs inputs;
+        Slot slot;
+    };
+    struct Keyed {
+        int frame;
+        Image image;
+        Slot slot;
+    };
+
+    void decode();
+    void key();
+    void encode();
+    Image render(const FrameInputs& inputs);
+    bool stopped() const { return plan_.write.abort && plan_.write.abort->raised(); }
+    // Runs one stage's work for a frame; false, with a report, when it fails.
+    template <class Work>
+    bool attempt(int frame, const Work& work);
+
+    KeyPlan plan_;
+    FrameLoader& loader_;
+    Zo::Image::Iop& node_;
+    Zo::Image::Iop& root_;
+    std::array<std::unique_ptr<ImageSource>, kInputCount>& sources_;
+    Progress& progress_;
+    Zo::Image::Renderer renderer_;
+    KeyStats stats_;
+    std::atomic<bool> failed_{false};
+    Slots slots_{kFramesInFlight};
+    Queue<Decoded> decoded_;
+    Queue<Keyed> keyed_;
+};
+
+}  // namespace veloxa

@@ -1,0 +1,57 @@
+#include "KeyStats.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "ZoImage/Iop.h"
+
+namespace veloxa {
+
+using namespace Zo::Image;
+
+namespace {
+
+double milliseconds(std::chrono::nanoseconds time, int frames) {
+    return std::chrono::duration<double, std::milli>(time).count() / std::max(frames, 1);
+}
+
+// Operators outside the node and the node itself have no member name.
+std::string name_of(const Iop& op) {
+    if (!op.member_name().empty()) return op.member_name();
+    return op.context().node_name;
+}
+
+}  // namespace
+
+void KeyStats::add(const std::vector<OpStats>& frame) {
+    for (const OpStats& one : frame) {
+        const auto same =
+            std::find_if(ops.begin(), ops.end(), [&](const OpStats& o) { return o.op == one.op; });
+        if (same == ops.end()) {
+            ops.push_back(one);
+        } else {
+            same->rows += one.rows;
+            same->time += one.time;
+        }
+    }
+}
+
+std::string KeyStats::text() const {
+    char line[160];
+    std::snprintf(line, sizeof line, "%-18s %-22s %10s %7s %10s\n", "operator", "class", "rows", "ratio",
+                  "ms/frame");
+    std::string table = line;
+    for (const OpStats& one : ops) {
+        const double ratio =
+            frame_rows > 0 ? static_cast<double>(one.rows) / static_cast<double>(frame_rows) : 0.0;
+        std::snprintf(line, sizeof line, "%-18s %-22s %10lld %7.3f %10.2f\n", name_of(*one.op).c_str(),
+                      one.op->class_name(), static_cast<long long>(one.rows), ratio,
+                      milliseconds(one.time, frames));
+        table += line;
+    }
+    std::snprintf(line, sizeof line, "%d frames: read %.2f ms, key %.2f ms, write %.2f ms a frame\n", frames,
+                  milliseconds(read, frames), milliseconds(key, frames), milliseconds(write, frames));
+    return table + line;
+}
+
+}  // namespace veloxa

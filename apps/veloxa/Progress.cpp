@@ -1,0 +1,89 @@
+#include "Progress.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include "Errors.h"
+
+namespace veloxa {
+
+namespace {
+
+using Seconds = std::chrono::duration<double>;
+
+constexpr int kBarWidth = 30;
+// A still that is done at once shows nothing.
+constexpr Seconds kBarAfter{0.5};
+constexpr Seconds kBarEvery{0.2};
+constexpr Seconds kLineEvery{5.0};
+
+std::string clock_text(double seconds) {
+    const auto whole = static_cast<long long>(std::clamp(std::ceil(seconds), 0.0, 359999.0));
+    char text[32];
+    if (whole >= 3600) {
+        std::snprintf(text, sizeof text, "%lld:%02lld:%02lld", whole / 3600, whole / 60 % 60, whole % 60);
+    } else {
+        std::snprintf(text, sizeof text, "%lld:%02lld", whole / 60, whole % 60);
+    }
+    return text;
+}
+
+}  // namespace
+
+std::string progress_text(double done, int total, double elapsed, bool bar) {
+    done = std::clamp(done, 0.0, static_cast<double>(total));
+    const double fps = elapsed > 0.0 ? done / elapsed : 0.0;
+    const std::string left = done > 0.0 ? clock_text(elapsed * (total - done) / done) : "?";
+    std::string line;
+    if (bar) {
+        const auto filled = static_cast<std::size_t>(kBarWidth * done / total);
+        line = "[" + std::string(filled, '#') + std::string(kBarWidth - filled, '.') + "] ";
+    }
+    char text[96];
+    std::snprintf(text, sizeof text, "%d of %d frames, %.2f fps, %s left", static_cast<int>(done), total, fps,
+                  left.c_str());
+    return line + text;
+}
+
+Progress::Progress(int frames, bool quiet) : frames_(frames), terminal_(::isatty(STDERR_FILENO) == 1) {
+    if (!quiet && frames_ > 0) {
+        ticker_ = std::jthread([this](const std::stop_token& stop) { tick(stop); });
+    }
+}
+
+Progress::~Progress() {
+    if (!ticker_.joinable()) return;
+    ticker_.request_stop();
+    ticker_.join();
+    if (terminal_) show_status("");
+}
+
+void Progress::frame_done() {
+    done_.fetch_add(1, std::memory_order_relaxed);
+}
+
+void Progress::show(double elapsed) const {
+    // Rows run ahead of finished frames by what is still being encoded; frames that failed have no rows.
+    const double rows = static_cast<double>(parts_.load(std::memory_order_relaxed)) / kPartsPerFrame;
+    const double done = std::max(rows, static_cast<double>(done_.load(std::memory_order_relaxed)));
+    const std::string text = progress_text(done, frames_, elapsed, terminal_);
+    if (terminal_) {
+        show_status(text);
+    } else {
+        report(text);
+    }
+}
+
+void Progress::tick(const std::stop_token& stop) {
+    std::unique_lock hold(mutex_);
+    Seconds wait = terminal_ ? kBarAfter : kLineEvery;
+    while (!woken_.wait_for(hold, stop, wait, [] { return false; }) && !stop.stop_requested()) {
+        show(Seconds(std::chrono::steady_clock::now() - start_).count());
+        wait = terminal_ ? kBarEvery : kLineEvery;
+    }
+}
+
+}  // namespace veloxa
