@@ -82,8 +82,10 @@ class VlxFilterTest : public testing::Test {
 
 TEST_F(VlxFilterTest, ComputesOnceForAllThreadsAndRenders) {
     expect_rendered(1000.0f, 3);
-    expect_rendered(1000.0f, 2);
+    const int rows = source.rows();
+    expect_rendered(1000.0f, 2, kOwn);
     EXPECT_EQ(op.computed, 1);
+    EXPECT_EQ(source.rows(), rows) << "served from the frame alone";
     op.invalidate();
     expect_rendered(1000.0f, 1);
     EXPECT_EQ(op.computed, 2);
@@ -112,6 +114,9 @@ TEST_F(VlxFilterTest, AbortLeavesPiecesOutAndNothingIsKept) {
     op.raise = nullptr;
     expect_rendered(1000.0f, 1);
     EXPECT_EQ(op.computed, 2);
+    const int rows = source.rows();
+    EXPECT_FALSE(renderer.render(op, kBox, kMaskRgba, sink));  // the flag is still up
+    EXPECT_EQ(source.rows(), rows);
 }
 
 TEST_F(VlxFilterTest, InactivePassesThroughAndAsksForTheAskedAreaAlone) {
