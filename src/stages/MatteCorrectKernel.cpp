@@ -86,7 +86,7 @@ void correct_lines(const float* matte, const float* pre_matte, float* result, st
         extremes.clear();
         const std::ptrdiff_t end = std::min<std::ptrdiff_t>(start + group, length);
         for (std::ptrdiff_t i = start; i < end; ++i) {
-            if (i > start && i + radius < length) fold(i + radius, extremes);
+            if (i + radius < length) fold(i + radius, extremes);
             const auto tail_start = std::max<std::ptrdiff_t>(i - radius, first);
             const Extremes<kMost>& tail = tails[static_cast<std::size_t>(tail_start - first)];
             const std::size_t at = static_cast<std::size_t>(i) * step;
