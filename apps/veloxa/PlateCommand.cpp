@@ -1,0 +1,106 @@
+// veloxa plate: writes a procedural plate set whose true matte, colour and composite are known.
+#include <charconv>
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+#include "Commands.h"
+#include "Errors.h"
+#include "FramePattern.h"
+#include "Interrupt.h"
+#include "PlateSet.h"
+#include "Progress.h"
+
+namespace veloxa {
+
+namespace {
+
+constexpr int kLargest = 32768;  // pixels to a side
+
+struct PlateOptions {
+    std::string folder;
+    std::string size = "1920x1080";
+    std::string screen = "green";
+    std::string frames;
+    plate::Options scene;
+    bool overwrite = false;
+};
+
+// WxH.
+void read_size(const std::string& text, plate::Options& scene) {
+    const char* const end = text.data() + text.size();
+    const auto [cross, error] = std::from_chars(text.data(), end, scene.width);
+    if (error == std::errc{} && cross != end && (*cross == 'x' || *cross == 'X')) {
+        const auto [last, wrong] = std::from_chars(cross + 1, end, scene.height);
+        const auto fits = [](int n) { return n >= 1 && n <= kLargest; };
+        if (wrong == std::errc{} && last == end && fits(scene.width) && fits(scene.height)) return;
+    }
+    throw UsageError("--size " + text + ": expected WxH, each from 1 to " + std::to_string(kLargest));
+}
+
+int make_plates(PlateOptions options) {
+    read_size(options.size, options.scene);
+    if (options.screen != "green" && options.screen != "blue") {
+        throw UsageError("--screen " + options.screen + ": expected green or blue");
+    }
+    options.scene.screen = options.screen == "blue" ? plate::Screen::kBlue : plate::Screen::kGreen;
+    const bool sequence = !options.frames.empty();
+    const FrameRange range = sequence ? parse_frames(options.frames) : FrameRange{};
+
+    std::error_code error;
+    std::filesystem::create_directories(options.folder, error);
+    if (error) throw Error(options.folder, error.message());
+    const auto path_of = [&](std::size_t picture, int frame) {
+        const std::string name = plate::kPictureNames[picture];
+        const FramePattern pattern(sequence ? name + ".%04d.exr" : name + ".exr");
+        return (std::filesystem::path(options.folder) / pattern.at(frame)).string();
+    };
+    const WriteOptions how{.depth = Depth::kHalf, .overwrite = options.overwrite, .abort = &interrupt_flag()};
+    for (int n = 0; n < range.count(); ++n) {
+        for (std::size_t i = 0; i < plate::kPictureNames.size(); ++i)
+            check_writable(path_of(i, range.at(n)), how);
+    }
+    catch_interrupts();
+    Progress progress(range.count(), !sequence);
+    for (int n = 0; n < range.count(); ++n) {
+        const plate::Set set = plate::render_set(options.scene, range.at(n), 0, how.abort);
+        if (how.abort->raised()) throw Interrupted();
+        for (std::size_t i = 0; i < set.size(); ++i) write_image(path_of(i, range.at(n)), set[i], how);
+    }
+    progress.frame_done();
+    return kExitOk;
+}
+
+}  // namespace
+
+CLI::App* add_plate_command(CLI::App& app, Run& run) {
+    CLI::App* command = app.add_subcommand("plate", "Make a test plate set whose true matte is known.");
+    command->footer(
+        "Writes half-float OpenEXR files, with --frames as fg.0001.exr and so on:\n"
+        "  fg          a figure before an uneven screen, with spill, contact shadow and grain\n"
+        "  cp          the same set without the figure and its shadow, with less grain\n"
+        "  bg          a background to put it over\n"
+        "  gm          garbage matte, alpha only: 1 over the strip with the light stand\n"
+        "  alpha_true  the figure's coverage, alpha only; the shadow is no part of it\n"
+        "  fgcol_true  the figure's colour without spill, premultiplied by alpha_true\n"
+        "  comp_true   fgcol_true + (1 - alpha_true) * bg * shadow\n"
+        "One seed gives one layout, the same bytes each time; another seed another figure, cloth and light. "
+        "A frame moves the figure, its hair and the veil.");
+    auto options = std::make_shared<PlateOptions>();
+    command->add_option("-o,--output", options->folder, "Folder to write to; made if it is missing")
+        ->type_name("DIR")
+        ->required();
+    command->add_option("--size", options->size, "Width and height in pixels")
+        ->type_name("WxH")
+        ->capture_default_str();
+    command->add_option("--seed", options->scene.seed, "Which plate")->type_name("N")->capture_default_str();
+    command->add_option("--screen", options->screen, "Colour of the screen: green or blue")
+        ->type_name("COLOUR")
+        ->capture_default_str();
+    command->add_option("--frames", options->frames, "Frames of a sequence")->type_name("A-B");
+    command->add_flag("--overwrite", options->overwrite, "Replace files that exist");
+    command->callback([options, &run] { run = [options] { return make_plates(*options); }; });
+    return command;
+}
+
+}  // namespace veloxa
