@@ -35,8 +35,9 @@ Vec3 Body::normal_at(Vec2 p, float depth) const {
     constexpr float kStep = 0.002f;
     const float d = outline(p);
     const Vec2 g{outline({p.x + kStep, p.y}) - d, outline({p.x, p.y + kStep}) - d};
-    const float flat = saturate(-d / depth);
-    const float tilt = (1.0f - flat) / std::max(length(g), 1e-6f);
+    // It flattens before the shape's middle, where the outline's slope jumps from side to side.
+    const float steep = square(1.0f - saturate(-d / depth));
+    const float tilt = steep / std::max(length(g), 1e-6f);
     const float x = std::abs(p.x);
     // Wrinkles: long ones down the sleeve and chest, and a crease where the arm meets the body.
     const std::uint64_t key = key_of(look_.seed, 30);
@@ -47,7 +48,7 @@ Vec3 Body::normal_at(Vec2 p, float depth) const {
     const float side = p.x < 0.0f ? -1.0f : 1.0f;
     return normalize({g.x * tilt + 0.17f * wrinkle - 0.5f * side * crease,
                       g.y * tilt + 0.09f * wrinkle - 0.05f,
-                      std::sqrt(std::max(1.0f - square(1.0f - flat), 0.02f))});
+                      std::sqrt(std::max(1.0f - steep * steep, 0.02f))});
 }
 
 // Woven colour at a point; `t` runs across and down the cloth. Fine patterns fade before they alias.
@@ -76,7 +77,7 @@ void Body::torso(Vec2 p, Stack& stack) const {
     const float cover = coverage(d, softness(p, pixel_));
     if (cover <= 0.0f) return;
     const float x = std::abs(p.x);
-    const Vec3 n = normal_at(p, 0.12f);
+    const Vec3 n = normal_at(p, 0.09f);
     // The head and hair shade the chest; so does the arm's side of the body.
     const float occlusion = 1.0f - 0.50f * bell(p.x, p.y - 0.61f, 0.17f, 0.075f) -
                             0.22f * bell(x - 0.205f, 0.022f) * smooth(0.82f, 0.95f, p.y);
@@ -184,19 +185,20 @@ float Body::arm_at(Vec2 p, float angle, float soft, Shade& shade) const {
                                      {{0.0095f, -0.086f}, {0.013f, -0.156f}, 0.0107f, 0.0082f},
                                      {{0.030f, -0.080f}, {0.041f, -0.143f}, 0.0103f, 0.0080f},
                                      {{0.026f, -0.030f}, {0.062f, -0.080f}, 0.0128f, 0.0090f}};
-    float hand = 1.0f, blended = 1.0f;
+    float blended = 1.0f, weights = 1e-12f;
     Vec2 bulge;
     for (const Bone& bone : kHand) {
         const float t = along(q, bone.a, bone.b);
         const Vec2 off = q - bone.a - (bone.b - bone.a) * t;
         const float radius = mix(bone.ra, bone.rb, t);
         const float d = length(off) - radius;
-        if (d < hand) {
-            hand = d;
-            bulge = off * (1.0f / radius);
-        }
+        // Bones share the surface where they meet, so that no joint shows.
+        const float reach = std::max(0.012f - d, 0.0f), weight = reach * reach * reach;
+        bulge = bulge + off * (weight / radius);
+        weights += weight;
         blended = blended > 0.5f ? d : blend_union(blended, d, 0.012f);
     }
+    bulge = bulge * (1.0f / weights);
     const float sleeve = capsule(q, {0.0f, 0.42f}, {0.0f, 0.062f}, 0.074f, 0.045f);
     const float cut = std::max(sleeve, 0.030f - 0.12f * std::abs(q.x) - q.y);
     const float hand_cover = coverage(blended, soft), sleeve_cover = coverage(cut, soft);
@@ -209,10 +211,9 @@ float Body::arm_at(Vec2 p, float angle, float soft, Shade& shade) const {
     };
     Stack layers;
     if (hand_cover > 0.0f) {
-        const float crease = bell(std::min(hand, 0.0f), 0.004f) * smooth(-0.004f, -0.012f, blended);
         const float tips = smooth(-0.115f, -0.150f, q.y);
         const Vec3 albedo = look_.skin * mix(Vec3{1.0f, 0.97f, 0.96f}, Vec3{1.03f, 0.88f, 0.87f}, tips);
-        layers.over(skin(albedo, turned(bulge, 0.75f), 1.0f - 0.30f * crease), hand_cover);
+        layers.over(skin(albedo, turned(bulge, 0.75f), 0.97f), hand_cover);
     }
     if (sleeve_cover > 0.0f) {
         const float w = 0.045f + 0.08f * std::max(q.y - 0.062f, 0.0f);

@@ -26,6 +26,8 @@ Set render_set(const Options& options, int frame, int threads, const AbortFlag* 
     for (std::size_t i = 0; i < set.size(); ++i) {
         info.channels = i == kGarbage || i == kAlphaTrue ? kMaskAlpha : kMaskRgb;
         set[i] = veloxa::Image(info);
+        // Else the file would be stamped with the time and differ from run to run.
+        set[i].header.attribute("DateTime", "1970:01:01 00:00:00");
     }
 
     const Scene scene(options, frame);
