@@ -1,0 +1,40 @@
+# A thin wrapper over the CMake presets. `make demo` and `make test` work on a fresh Debian 12 system: they
+# install the packages that are missing first. SKIP_DEPS=1 leaves the system's packages alone.
+
+.PHONY: build deps demo test asan tsan debug format format-check tidy check-house clean
+
+build: deps
+	cmake --preset release
+	cmake --build --preset release
+
+deps:
+	@[ -n "$(SKIP_DEPS)" ] || tools/deps.sh
+
+demo: build
+	tools/demo.sh
+
+test: build
+	tools/run_tests.sh release
+
+debug asan tsan: deps
+	cmake --preset $@
+	cmake --build --preset $@
+	tools/run_tests.sh $@
+
+format:
+	@[ -n "$(SKIP_DEPS)" ] || tools/deps.sh dev
+	tools/format.sh
+
+format-check:
+	@[ -n "$(SKIP_DEPS)" ] || tools/deps.sh dev
+	tools/format.sh --check
+
+tidy: build
+	@[ -n "$(SKIP_DEPS)" ] || tools/deps.sh dev
+	tools/tidy.sh
+
+check-house:
+	tools/check_house.sh
+
+clean:
+	rm -rf build demo

@@ -1,0 +1,51 @@
+#!/usr/bin/env bash
+# Installs the Debian 12 packages that are missing; does nothing when all are there.
+#
+#   tools/deps.sh          what building, the demo and the tests need
+#   tools/deps.sh dev      also what formatting and linting need
+set -euo pipefail
+
+packages=(
+    g++ cmake ninja-build ccache
+    libopenimageio-dev
+    openimageio-tools # libopenimageio-dev's CMake files insist on the tools being there
+    libcli11-dev nlohmann-json3-dev libgtest-dev libgmock-dev
+)
+case "${1-}" in
+    "") ;;
+    dev) packages+=(clang-format clang-tidy) ;;
+    *)
+        echo "usage: tools/deps.sh [dev]" >&2
+        exit 2
+        ;;
+esac
+
+installed() {
+    [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
+}
+
+if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
+    echo "tools/deps.sh: this is no Debian system (apt-get is missing). Install these, then build with" >&2
+    echo "'make build SKIP_DEPS=1': ${packages[*]}" >&2
+    exit 1
+fi
+
+missing=()
+for package in "${packages[@]}"; do
+    installed "$package" || missing+=("$package")
+done
+[ ${#missing[@]} -gt 0 ] || exit 0
+
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+    if ! command -v sudo >/dev/null; then
+        echo "tools/deps.sh: not root and no sudo. As root, run: apt-get install ${missing[*]}" >&2
+        exit 1
+    fi
+    as_root=(sudo)
+fi
+
+echo "Installing ${missing[*]}"
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -y update </dev/null
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -y install --no-install-recommends \
+    "${missing[@]}" </dev/null
