@@ -2,6 +2,8 @@
 
 #include <sys/stat.h>
 
+#include <utility>
+
 namespace veloxa {
 
 using namespace Zo::Image;
@@ -46,9 +48,22 @@ void FrameLoader::load_stills() {
     }
 }
 
+std::shared_ptr<const Image> FrameLoader::foreground(int frame) {
+    if (stills_[kFg].image) return stills_[kFg].image;
+    ahead_ = read(kFg, frame);
+    ahead_frame_ = frame;
+    return ahead_.image;
+}
+
 FrameInputs FrameLoader::load(int frame) {
     FrameInputs inputs;
-    inputs[kFg] = stills_[kFg].image ? stills_[kFg] : read(kFg, frame);
+    if (stills_[kFg].image) {
+        inputs[kFg] = stills_[kFg];
+    } else if (ahead_.image && ahead_frame_ == frame) {
+        inputs[kFg] = std::exchange(ahead_, {});
+    } else {
+        inputs[kFg] = read(kFg, frame);
+    }
     const Format& format = inputs[kFg].image->info.format;
     if (format != fitted_format_) fitted_stills_ = {};
     fitted_format_ = format;

@@ -32,6 +32,8 @@ class FrameLoader {
 
     // Loads what all frames share, so that a mistake there shows before any frame.
     void load_stills();
+    // The foreground of a frame, kept for when that frame is loaded.
+    std::shared_ptr<const Image> foreground(int frame);
     // Throws Error when any input of the frame cannot be used.
     FrameInputs load(int frame);
 
@@ -43,6 +45,8 @@ class FrameLoader {
     Names names_;
     Fit fit_;
     const Zo::Image::AbortFlag* abort_;
+    LoadedInput ahead_;  // a foreground that was read before its turn, and its frame
+    int ahead_frame_ = 0;
     FrameInputs stills_;         // as read
     FrameInputs fitted_stills_;  // for the format below
     Zo::Image::Format fitted_format_;

@@ -182,6 +182,7 @@ bool write_pixels(OIIO::ImageOutput& output, OIIO::TypeDesc type, const Image& i
 
 void check_writable(const std::string& path, const WriteOptions& options) {
     AtomicFile::check(path, options.overwrite);
+    OIIO::Filesystem::IOVecOutput memory;  // outlives the writer, which writes once more when it goes
     const auto output = writer_for(path);
     if (!options.depth || !output->supports("ioproxy")) return;
     // What a writer makes of a sample type shows only when it opens a file; this one stays in memory.
@@ -190,7 +191,6 @@ void check_writable(const std::string& path, const WriteOptions& options) {
     info.channels = kMaskRgba;
     Image image(info);
     for (const Plane& plane : image.planes) std::fill_n(plane.get(), 16 * 16, 0.0f);
-    OIIO::Filesystem::IOVecOutput memory;
     output->set_ioproxy(&memory);
     if (!output->open(path, spec_for(image, *output, options.depth))) return;
     write_pixels(*output, output->spec().format, image, nullptr);
@@ -200,8 +200,8 @@ void check_writable(const std::string& path, const WriteOptions& options) {
 
 void write_image(const std::string& path, const Image& image, const WriteOptions& options) {
     AtomicFile file(path, options.overwrite);
+    std::unique_ptr<CheckedFile> bytes;  // outlives the writer, which writes once more when it goes
     const auto output = writer_for(path);
-    std::unique_ptr<CheckedFile> bytes;
     if (output->supports("ioproxy")) {
         bytes = std::make_unique<CheckedFile>(file.temporary());
         if (!bytes->failure().empty()) throw Error(path, bytes->failure());

@@ -1,0 +1,115 @@
+// veloxa knobs: what the node's panel holds, as a table or as JSON.
+#include <charconv>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "Commands.h"
+#include "Errors.h"
+#include "Node.h"
+
+namespace veloxa {
+
+using namespace Zo::Image;
+using nlohmann::ordered_json;
+
+namespace {
+
+// A float's own shortest digits, so that 0.51f shows as 0.51 and not as the double it widens to.
+double plain_number(double value) {
+    const auto single = static_cast<float>(value);
+    if (static_cast<double>(single) != value) return value;
+    char digits[32];
+    const auto end = std::to_chars(digits, digits + sizeof digits, single).ptr;
+    std::from_chars(digits, end, value);
+    return value;
+}
+
+ordered_json default_of(const Knob& knob) {
+    if (knob.kind() == Knob::Kind::kBool) return knob.default_value() != 0.0;
+    if (knob.kind() == Knob::Kind::kMenu) {
+        const auto item = static_cast<std::size_t>(knob.default_value());
+        return item < knob.items().size() ? ordered_json(knob.items()[item]) : ordered_json(item);
+    }
+    if (knob.value_count() == 1) return plain_number(knob.default_value());
+    ordered_json values = ordered_json::array();
+    for (int i = 0; i < knob.value_count(); ++i) values.push_back(plain_number(knob.default_value(i)));
+    return values;
+}
+
+ordered_json describe(const Knob& knob) {
+    const Knob& target = knob.target();
+    ordered_json entry;
+    entry["name"] = knob.name();
+    entry["label"] = knob.label();
+    entry["kind"] = kind_name(knob.kind());
+    if (!knob.tab().empty()) entry["tab"] = knob.tab();
+    if (knob.takes_value() && target.value_count() > 0) entry["default"] = default_of(target);
+    if (target.range()) {
+        entry["min"] = plain_number(target.range()->low);
+        entry["max"] = plain_number(target.range()->high);
+    }
+    if (!target.items().empty()) entry["items"] = target.items();
+    if (!knob.tooltip().empty()) entry["tooltip"] = knob.tooltip();
+    return entry;
+}
+
+// Spacers, captions and separators have no name.
+ordered_json describe_all(const KnobPanel& panel) {
+    ordered_json list = ordered_json::array();
+    for (const auto& knob : panel.knobs()) {
+        if (!knob->name().empty()) list.push_back(describe(*knob));
+    }
+    return list;
+}
+
+std::string joined(const ordered_json& value) {
+    if (value.is_string()) return value.get<std::string>();
+    if (!value.is_array()) return value.dump();
+    std::string text;
+    for (const ordered_json& part : value) text += (text.empty() ? "" : ",") + joined(part);
+    return text;
+}
+
+void print_table(const ordered_json& list) {
+    for (const ordered_json& knob : list) {
+        std::string line = knob["name"].get<std::string>() + "  \"" + knob["label"].get<std::string>() +
+                           "\"  " + knob["kind"].get<std::string>();
+        if (knob.contains("items")) line += " " + joined(knob["items"]);
+        if (knob.contains("min")) line += "  " + joined(knob["min"]) + " to " + joined(knob["max"]);
+        if (knob.contains("default")) line += "  default " + joined(knob["default"]);
+        if (knob.contains("tab")) line += "  [" + knob["tab"].get<std::string>() + "]";
+        std::printf("%s\n", line.c_str());
+        if (!knob.contains("tooltip")) continue;
+        std::string tooltip = "    " + knob["tooltip"].get<std::string>();
+        for (std::size_t at = tooltip.find('\n'); at != std::string::npos; at = tooltip.find('\n', at + 1)) {
+            tooltip.insert(at + 1, "    ");
+        }
+        std::printf("%s\n", tooltip.c_str());
+    }
+}
+
+int list_knobs(bool json) {
+    Node node;
+    const ordered_json list = describe_all(node.panel());
+    if (json) {
+        std::printf("%s\n", list.dump(2).c_str());
+    } else {
+        print_table(list);
+    }
+    if (std::fflush(stdout) != 0) throw Error("standard output could not be written");
+    return kExitOk;
+}
+
+}  // namespace
+
+CLI::App* add_knobs_command(CLI::App& app, Run& run) {
+    CLI::App* command =
+        app.add_subcommand("knobs", "List every knob: name, label, kind, range, default, tooltip.");
+    auto json = std::make_shared<bool>(false);
+    command->add_flag("--json", *json, "As a JSON array in panel order");
+    command->callback([json, &run] { run = [json] { return list_knobs(*json); }; });
+    return command;
+}
+
+}  // namespace veloxa

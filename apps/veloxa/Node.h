@@ -1,0 +1,39 @@
+// The keyer node, found through its plug-in, with its panel and the settings that the command line gives it.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "ZoImage/Iop.h"
+#include "ZoImage/KnobPanel.h"
+
+namespace veloxa {
+
+struct KnobSettings {
+    std::string script;             // a file; empty for none
+    std::vector<std::string> sets;  // KNOB=VALUE, after the script
+};
+
+class Node {
+  public:
+    Node();
+
+    Zo::Image::Iop& image() const { return *image_; }
+    Zo::Image::KnobPanel& panel() { return *panel_; }
+
+    // Throws Error for a script that does not fit, UsageError for a bad KNOB=VALUE.
+    void apply(const KnobSettings& settings);
+    // Writes the knobs that differ from their defaults.
+    void save_script(const std::string& path, bool overwrite) const;
+
+    // The internal operator of this name. Throws UsageError with the names that there are.
+    Zo::Image::Iop& member(const std::string& name) const;
+
+  private:
+    std::unique_ptr<Zo::Image::Op> op_;
+    Zo::Image::Iop* image_;
+    std::unique_ptr<Zo::Image::KnobPanel> panel_;
+};
+
+}  // namespace veloxa
