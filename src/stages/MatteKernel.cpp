@@ -25,9 +25,9 @@ Backing backing_of(float p, float s0, float s1, double darks) {
 
 // With a primary below 255 the quotient is not positive, so the floor normally stands.
 double lifted_floor(float p, float s, double floor) {
-    if (!(255.0f > p)) return floor;
     const double d = static_cast<double>(p - s);
-    return max_of(d * 255.0 / static_cast<double>(p - 255.0f), floor);
+    const double lifted = max_of(d * 255.0 / static_cast<double>(p - 255.0f), floor);
+    return 255.0f > p ? lifted : floor;
 }
 
 // What a secondary channel holds of the subject once the backing's share is taken away.

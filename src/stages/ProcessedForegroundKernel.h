@@ -1,0 +1,32 @@
+// Takes the backing's share out of a span of foreground, and makes its opacity.
+//
+// Colour in role order and matte on the working scale 0 to 255; the matte is 255 on pure backing. Results
+// are clamped to 0..255. A pixel whose pre-matte is not 0 is certain backing and becomes 0 throughout; one
+// whose matte is 0, negative or NaN keeps its colour and is opaque.
+// All pointers address n floats; outputs overlap no input.
+#pragma once
+
+#include <cstddef>
+
+#include "controls/ControlBlock.h"
+#include "stages/ChannelRoles.h"
+
+struct VeilParams {
+    double share0, share1, shareP;  // part of the backing to take out where the matte is full; 1.0 is all
+    double backing0, backing1, backingP;  // its level; constant backing only
+    bool use_pre_matte;                   // constant backing only: a clean plate always uses it
+};
+
+VeilParams veil_params(const ControlBlock& controls);
+
+struct VeilMattes {
+    const float* matte;
+    const float* pre_matte;
+};
+
+// Against one backing colour for the whole frame.
+void unveil_constant(const VeilParams& params, const RolePixels& fg, const VeilMattes& mattes,
+                     const RoleOutput& out, float* alpha, std::size_t n);
+// Against a clean plate, pixel by pixel.
+void unveil_clean_plate(const VeilParams& params, const RolePixels& fg, const RolePixels& plate,
+                        const VeilMattes& mattes, const RoleOutput& out, float* alpha, std::size_t n);
