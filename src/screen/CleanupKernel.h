@@ -1,0 +1,23 @@
+// Clean-up of a span: a matte that is nearly full backing is pushed the rest of the way, and the colour left
+// there fades in proportion.
+//
+// Colour and matte on the working scale (matte 255 = full backing); n pixels; outputs must not overlap
+// inputs.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "controls/ControlBlock.h"
+
+struct CleanupParams {
+    float threshold;  // mattes up to here stay as they are
+    double strength;  // 1.0 is 100 per cent
+};
+
+CleanupParams cleanup_params(const ControlBlock& controls);
+
+void cleanup_colour(const CleanupParams& params, const float* matte, const float* colour, float* out,
+                    std::size_t n);
+void cleanup_matte(const CleanupParams& params, const float* matte, float* out, std::size_t n);

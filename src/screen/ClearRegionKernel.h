@@ -1,0 +1,32 @@
+// The clear-region decision of a span: 255 where a pixel shows nothing but backing, else 0.
+//
+// A pixel passes when both secondary channels pass: below the backing's primary level each must stay under
+// a line from its dark threshold to its backing level, from that level up the primary must still dominate.
+// Colour in role order on the working scale; n pixels; the output must not overlap the inputs.
+#pragma once
+
+#include <cstddef>
+
+#include "controls/ControlBlock.h"
+#include "stages/ChannelRoles.h"
+
+struct ClearRegionParams {
+    ControlTriple backing;    // role 0, role 1, primary
+    ControlTriple tolerance;  // likewise
+    double brights1, darks1;  // role 1; 1.0 is 100 per cent
+    double brights0, darks0;  // role 0
+};
+
+ClearRegionParams clear_region_params(const ControlBlock& controls);
+
+// Mattes that decide before the colours do; null for those that are not in use. In this order: a holdout
+// that is not 0 gives 0, a crude matte or a garbage matte that is not 0 gives 255.
+struct ClearRegionMattes {
+    const float* holdout;
+    const float* crude;
+    const float* garbage;
+};
+
+// `plate` is the backing pixel by pixel, null for the constant backing of the parameters.
+void clear_region(const ClearRegionParams& params, const RolePixels& fg, const RolePixels* plate,
+                  const ClearRegionMattes& mattes, float* alpha, std::size_t n);

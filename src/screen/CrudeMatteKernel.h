@@ -1,0 +1,20 @@
+// The crude matte of a span: 255 where the backing dominates at least as much as in the clean plate, lowered
+// by a tolerance.
+//
+// Colour in role order on the working scale; n pixels; the output must not overlap the inputs. A NaN ratio
+// counts as backing.
+#pragma once
+
+#include <cstddef>
+
+#include "controls/ControlBlock.h"
+#include "stages/ChannelRoles.h"
+
+struct CrudeMatteParams {
+    float tolerance;  // of the primary, 0 to 1
+};
+
+CrudeMatteParams crude_matte_params(const ControlBlock& controls);
+
+void crude_matte(const CrudeMatteParams& params, const RolePixels& fg, const RolePixels& plate, float* alpha,
+                 std::size_t n);
