@@ -1,0 +1,377 @@
+// The node as a whole: wiring alternatives, requests, what a change recomputes, independence of threads.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "keyer/VeloxaKeyer.h"
+#include "support/TestImages.h"
+
+using namespace Zo::Image;
+
+namespace {
+
+float green_screen(Channel c, int x, int y) {
+    const auto wave = static_cast<float>((x * 37 + y * 101 + static_cast<int>(c) * 17) % 23) / 460.0f;
+    const int dx = x - 20;
+    const int dy = y - 15;
+    const bool subject = dx * dx + dy * dy < 90;
+    const float backing[] = {0.0f, 0.2f, 0.65f, 0.3f, 0.0f};
+    const float skin[] = {0.0f, 0.8f, 0.5f, 0.4f, 0.0f};
+    const float edge = subject && dx * dx + dy * dy > 60 ? 0.5f : subject ? 1.0f : 0.0f;
+    const auto i = static_cast<std::size_t>(c);
+    return skin[i] * edge + backing[i] * (1.0f - edge) + wave;
+}
+
+// A node with five inputs that can be connected at will.
+struct Rig {
+    explicit Rig(const Box& frame = {0, 0, 41, 31}) : Rig(frame, green_screen) {}
+    Rig(const Box& frame, const test::FunctionSource::Pixel& pixel)
+        : fg(frame, kMaskRgb, pixel),
+          cp(frame, kMaskRgb,
+             [](Channel c, int x, int) {
+                 return c == kGreen ? 0.66f : 0.2f + 0.001f * static_cast<float>(x);
+             }),
+          bg(frame, kMaskRgba, [](Channel, int x, int y) { return static_cast<float>((x + y) % 9) * 0.1f; }),
+          gm(frame, kMaskAlpha, [](Channel, int x, int) { return x < 3 ? 1.0f : 0.0f; }),
+          hm(frame, kMaskAlpha, [](Channel, int x, int y) { return x > 30 && y < 5 ? 0.5f : 0.0f; }),
+          node(NodeContext{}) {
+        node.set_input(0, &fg);
+        knobs().screen_color = {0.2f, 0.65f, 0.3f};
+    }
+    KnobStorage& knobs() { return node.knob_values(); }
+    // As a host does after knobs changed.
+    void update() {
+        node.invalidate();
+        node.validate(true);
+    }
+    void connect_all() {
+        node.set_input(1, &cp);
+        node.set_input(2, &bg);
+        node.set_input(3, &gm);
+        node.set_input(4, &hm);
+    }
+    Iop& member(const char* name) { return *node.child(name)->as_iop(); }
+    std::string reads(const char* name, int n) {
+        const Op* op = node.child(name)->input_op(n);
+        return op == nullptr ? "" : op->member_name();
+    }
+
+    test::FunctionSource fg, cp, bg, gm, hm;
+    VeloxaKeyer node;
+};
+
+const std::vector<const char*> kMembers{
+    "normFg",          "normCp",         "normGm",           "normHm",          "subRegion",
+    "shrinkS",         "filmCorrection", "clearRegionCP",    "shrinkCP",        "clearRegion",
+    "computeIsland",   "shrinkScreen",   "computeMatte",     "matteCorrectRaw", "computePFG",
+    "matteCorrectPFG", "outputMatte",    "spillSuppression", "colorCorrection", "shrinkCU",
+    "blurCU",          "cleanup",        "smartInterpol",    "computeShadow",   "clearFrame",
+    "shadowBlur",      "combineShadow"};
+
+void everything_on(KnobStorage& k) {
+    k.film = k.shadow = k.cleanup = k.color_conformance = true;
+    k.edge_kernel = 3.0f;
+    k.cleanup_shrink = {15.0, 5.0};
+    k.cleanup_blur = {2.0, 1.0};
+    k.shadows_blur = {2.0, 3.0};
+    k.film_strength = 50.0f;
+    k.color_hue = 20.0f;
+    k.overlay_mode = 1;
+}
+
+TEST(Graph, AlternativesOfTheWiring) {
+    struct Case {
+        const char* what;
+        bool clean_plate;
+        void (*change)(KnobStorage&);
+        std::vector<std::pair<std::pair<const char*, int>, const char*>> expected;
+    };
+    const Case cases[] = {
+        {"defaults",
+         false,
+         [](KnobStorage&) {},
+         {{{"filmCorrection", 1}, "shrinkS"},
+          {{"clearRegionCP", 1}, "normFg"},
+          {{"clearRegion", 0}, "normFg"},
+          {{"clearRegion", 1}, "normCp"},
+          {{"shrinkScreen", 0}, "computeIsland"},
+          {{"computePFG", 0}, "normFg"},
+          {{"computePFG", 2}, "computeMatte"},
+          {{"computePFG", 3}, "shrinkScreen"},
+          {{"matteCorrectRaw", 1}, "shrinkScreen"},
+          {{"outputMatte", 0}, "computePFG"},
+          {{"spillSuppression", 1}, "shrinkScreen"},
+          {{"colorCorrection", 0}, "spillSuppression"},
+          {{"blurCU", 0}, "outputMatte"},
+          {{"cleanup", 0}, "outputMatte"},
+          {{"smartInterpol", 0}, "normFg"},
+          {{"shadowBlur", 0}, "computeShadow"},
+          {{"combineShadow", 0}, "spillSuppression"},
+          {{"combineShadow", 1}, "outputMatte"}}},
+        {"clean plate",
+         true,
+         [](KnobStorage&) {},
+         {{{"clearRegionCP", 1}, "normCp"},
+          {{"clearRegion", 0}, "shrinkCP"},
+          {{"smartInterpol", 0}, "normCp"},
+          {{"shadowBlur", 0}, "clearFrame"}}},
+        {"clean plate without screen correction",
+         true,
+         [](KnobStorage& k) { k.screen_correct = false; },
+         {{{"clearRegion", 0}, "normFg"},
+          {{"matteCorrectRaw", 1}, "computeMatte"},
+          {{"matteCorrectPFG", 1}, "computePFG"},
+          {{"spillSuppression", 1}, "outputMatte"},
+          {{"computePFG", 3}, "shrinkScreen"},
+          {{"shadowBlur", 0}, "computeShadow"}}},
+        {"no shrink",
+         false,
+         [](KnobStorage& k) {
+             k.screen_shrink = {0.0, -3.0};
+             k.film_shrink = {0.0, 0.0};
+         },
+         {{{"computePFG", 3}, "computeIsland"}, {{"filmCorrection", 1}, "subRegion"}}},
+        {"no shrink, no orphans",
+         false,
+         [](KnobStorage& k) {
+             k.screen_shrink = {0.0, 0.0};
+             k.screen_orphans = 0;
+         },
+         {{{"computePFG", 3}, "clearRegion"},
+          {{"shrinkScreen", 0}, "clearRegion"},
+          {{"smartInterpol", 1}, "clearRegion"}}},
+        {"edge kernel just short",
+         false,
+         [](KnobStorage& k) { k.edge_kernel = 0.99f; },
+         {{{"computePFG", 2}, "computeMatte"}, {{"outputMatte", 0}, "computePFG"}}},
+        {"edge kernel and film",
+         false,
+         [](KnobStorage& k) {
+             k.edge_kernel = 1.0f;
+             k.film = true;
+         },
+         {{{"computePFG", 2}, "matteCorrectRaw"},
+          {{"outputMatte", 0}, "matteCorrectPFG"},
+          {{"computePFG", 0}, "filmCorrection"}}},
+        {"clean-up with one shrink and blur",
+         false,
+         [](KnobStorage& k) {
+             k.cleanup = true;
+             k.cleanup_shrink = {0.0, 1.0};
+             k.cleanup_blur = {1.0, 0.0};
+         },
+         {{{"blurCU", 0}, "shrinkCU"}, {{"cleanup", 0}, "blurCU"}, {{"combineShadow", 1}, "cleanup"}}},
+        {"conformance without spill",
+         false,
+         [](KnobStorage& k) {
+             k.color_conformance = true;
+             k.spill_suppression = false;
+         },
+         {{{"colorCorrection", 0}, "outputMatte"}, {{"combineShadow", 0}, "colorCorrection"}}},
+        {"neither",
+         false,
+         [](KnobStorage& k) { k.spill_suppression = false; },
+         {{{"combineShadow", 0}, "outputMatte"}}},
+    };
+    for (const Case& c : cases) {
+        Rig rig;
+        if (c.clean_plate) rig.node.set_input(1, &rig.cp);
+        c.change(rig.knobs());
+        rig.update();
+        for (const auto& [slot, source] : c.expected) {
+            EXPECT_EQ(rig.reads(slot.first, slot.second), source)
+                << c.what << ": " << slot.first << ' ' << slot.second;
+        }
+    }
+}
+
+TEST(Graph, WithoutAScreenColourTheForegroundPasses) {
+    Rig rig;
+    rig.connect_all();
+    rig.knobs().screen_color = {0.0f, 0.0f, 0.0f};
+    rig.update();
+    const test::Picture out = test::render(rig.node, 2);
+    for (const Channel c : kMaskRgb) EXPECT_EQ(out.at(c, 7, 9), green_screen(c, 7, 9));
+    EXPECT_EQ(out.at(kAlpha, 7, 9), 0.0f);
+    EXPECT_EQ(rig.bg.rows() + rig.cp.rows() + rig.gm.rows() + rig.hm.rows(), 0);
+    EXPECT_EQ(rig.gm.validations(), 0);
+}
+
+TEST(Graph, OptionalInputsThatAreOffAreNotTouched) {
+    Rig rig;
+    rig.node.set_input(1, &rig.cp);
+    rig.node.set_input(3, &rig.gm);
+    rig.knobs().screen_correct = false;
+    rig.update();
+    EXPECT_EQ(rig.node.input_flags(), kGmConnected);
+    EXPECT_EQ(rig.cp.validations(), 0);
+    EXPECT_EQ(rig.gm.validations(), 0);
+    test::render(rig.node);
+    EXPECT_EQ(rig.cp.rows(), 0);
+    char buffer[64] = "mine";
+    EXPECT_EQ(rig.node.input_label(5, buffer), buffer);
+    EXPECT_STREQ(rig.node.input_label(4, buffer), "hm");
+    EXPECT_EQ(rig.node.default_input(1), nullptr);
+    EXPECT_NE(rig.node.default_input(2), nullptr);
+}
+
+TEST(Graph, DefaultKeyComputesRowsOnceAndNothingElse) {
+    const Box frame{0, 0, 40, 400};
+    Rig rig(frame);
+    rig.update();
+    Renderer renderer(2);
+    ASSERT_TRUE(renderer.render(rig.node, frame, kMaskRgba, [](int, const Row&) {}));
+    for (const OpStats& op : renderer.stats()) {
+        EXPECT_LE(op.rows, 460) << op.op->class_name() << ' ' << op.op->member_name();
+    }
+    for (const char* idle :
+         {"filmCorrection", "smartInterpol", "combineShadow", "cleanup", "matteCorrectRaw"}) {
+        for (const OpStats& op : renderer.stats()) EXPECT_NE(op.op->member_name(), idle);
+    }
+}
+
+TEST(Graph, ASpillKnobLeavesEverythingUpstreamAsItIs) {
+    Rig rig;
+    rig.connect_all();
+    everything_on(rig.knobs());
+    rig.update();
+    Renderer renderer(2);
+    const Box frame = rig.node.info().box;
+    const auto render = [&] {
+        ASSERT_TRUE(renderer.render(rig.node, frame, kMaskRgba, [](int, const Row&) {}));
+    };
+    render();
+    const auto rows_of = [&](const char* name) {
+        for (const OpStats& op : renderer.stats()) {
+            if (op.op->member_name() == name) return op.rows;
+        }
+        return std::int64_t{-1};
+    };
+    EXPECT_GT(rows_of("computeMatte"), 0);
+    const int fg_validations = rig.fg.validations();
+    rig.knobs().spill_cool = 71.0f;
+    rig.update();
+    const std::vector<std::string> downstream{"spillSuppression", "colorCorrection", "combineShadow"};
+    for (const char* name : kMembers) {
+        const bool touched = std::find(downstream.begin(), downstream.end(), name) != downstream.end();
+        // A member that nobody requested has never been validated; the others keep what they have.
+        if (rig.member(name).requested().count > 0) {
+            EXPECT_EQ(rig.member(name).valid(), !touched) << name;
+        }
+    }
+    render();
+    EXPECT_EQ(rig.fg.validations(), fg_validations);
+    // Only the raw matte correction reads the raw matte, and its frame is still there.
+    EXPECT_EQ(rows_of("computeMatte"), 0);
+}
+
+bool same_bits(const test::Picture& a, const test::Picture& b) {
+    for (std::size_t c = 1; c < a.planes.size(); ++c) {
+        if (std::memcmp(a.planes[c].data(), b.planes[c].data(), a.planes[c].size() * sizeof(float)) != 0)
+            return false;
+    }
+    return true;
+}
+
+TEST(Graph, AnySeriesOfChangesEqualsAFreshNode) {
+    using Change = void (*)(KnobStorage&);
+    const Change changes[] = {
+        [](KnobStorage& k) {
+            k.screen_color = {0.2f, 0.3f, 0.7f};
+        },
+        [](KnobStorage& k) {
+            k.screen_color = {0.7f, 0.2f, 0.3f};
+        },
+        [](KnobStorage& k) {
+            k.screen_color = {0.2f, 0.65f, 0.3f};
+        },
+        [](KnobStorage& k) { k.screen_correct = !k.screen_correct; },
+        [](KnobStorage& k) { k.overlay_mode = (k.overlay_mode + 1) % 3; },
+        [](KnobStorage& k) { k.edge_kernel = k.edge_kernel > 0.0f ? 0.0f : 4.0f; },
+        [](KnobStorage& k) { k.shadow = !k.shadow; },
+        [](KnobStorage& k) { k.film = !k.film; },
+        [](KnobStorage& k) { k.cleanup = !k.cleanup; },
+        [](KnobStorage& k) {
+            k.cleanup_shrink = {k.cleanup_shrink[0] + 7.0, 0.0};
+        },
+        [](KnobStorage& k) {
+            k.cleanup_blur = {0.0, k.cleanup_blur[1] > 0 ? 0.0 : 2.0};
+        },
+        [](KnobStorage& k) { k.screen_orphans = (k.screen_orphans + 1) % 4; },
+        [](KnobStorage& k) {
+            k.screen_shrink = {k.screen_shrink[0] > 0 ? 0.0 : 1.0, k.screen_shrink[1]};
+        },
+        [](KnobStorage& k) {
+            k.screen_tolerance = {0.6f, 0.55f, 0.7f};
+        },
+        [](KnobStorage& k) { k.brights += 10.0f; },
+        [](KnobStorage& k) { k.spill_suppression = !k.spill_suppression; },
+        [](KnobStorage& k) { k.output_mode = (k.output_mode + 1) % 3; },
+    };
+    std::mt19937 random(11);
+    for (const bool inputs : {false, true}) {
+        Rig worked;
+        if (inputs) worked.connect_all();
+        KnobStorage last = worked.knobs();
+        for (int step = 0; step < 60; ++step) {
+            changes[random() % std::size(changes)](worked.knobs());
+            worked.update();
+            const test::Picture now = test::render(worked.node, 2);
+            // Controls of sections that are off keep their last values, which no pixel depends on.
+            Rig fresh;
+            if (inputs) fresh.connect_all();
+            fresh.knobs() = worked.knobs();
+            fresh.update();
+            ASSERT_TRUE(same_bits(now, test::render(fresh.node, 1))) << "step " << step;
+        }
+    }
+}
+
+TEST(Graph, MembersDoNotDependOnThreadsWindowsOrSize) {
+    const Box frames[] = {{0, 0, 1, 1}, {-3, 5, 0, 6}, {7, -20, 8, 21}, {-11, -7, 52, 60}};
+    const float odd[] = {0.0f,
+                         -1.0f,
+                         150.0f,
+                         std::numeric_limits<float>::infinity(),
+                         -std::numeric_limits<float>::infinity(),
+                         std::numeric_limits<float>::quiet_NaN(),
+                         1e30f};
+    for (const Box& frame : frames) {
+        const auto pixel = [&](Channel c, int x, int y) {
+            const unsigned pick = static_cast<unsigned>(x * 73 + y * 151 + static_cast<int>(c) * 31) % 97U;
+            return pick < std::size(odd) ? odd[pick] : green_screen(c, x, y);
+        };
+        for (const bool full : {false, true}) {
+            Rig rig(frame, pixel);
+            if (full) {
+                rig.connect_all();
+                everything_on(rig.knobs());
+            }
+            rig.update();
+            std::vector<const char*> names(kMembers);
+            for (const char* name : names) {
+                const test::Picture one = test::render(rig.member(name), frame, 1);
+                rig.node.close();  // forgets whole frames
+                rig.update();
+                const test::Picture three = test::render(rig.member(name), frame, 3);
+                EXPECT_TRUE(same_bits(one, three)) << name;
+                // One column alone, as a host asks for tiles.
+                const Box tile{frame.x + frame.width() / 2, frame.y, frame.x + frame.width() / 2 + 1,
+                               frame.t};
+                const test::Picture column = test::render(rig.member(name), tile, 2);
+                for (int y = tile.y; y < tile.t; ++y) {
+                    for (const Channel c : kMaskRgba) {
+                        const float a = column.at(c, tile.x, y);
+                        const float b = one.at(c, tile.x, y);
+                        ASSERT_EQ(std::memcmp(&a, &b, sizeof a), 0) << name << ' ' << c << " at " << y;
+                    }
+                }
+            }
+        }
+    }
+}
+
+}  // namespace
