@@ -22,9 +22,9 @@ constexpr const char* kExists = "exists; use --overwrite";
 // One process may write several files of one name at a time, so the process id alone is not enough.
 std::string temporary_name(const fs::path& path) {
     static std::atomic<unsigned> count{0};
-    const std::string unique = std::to_string(::getpid()) + "-" + std::to_string(count++);
-    fs::path name = "." + path.stem().string() + "." + unique;
-    name += path.extension();
+    std::string name(1, '.');
+    name += path.stem().string() + '.' + std::to_string(::getpid()) + '-' + std::to_string(count++);
+    name += path.extension().string();
     return (path.parent_path() / name).string();
 }
 

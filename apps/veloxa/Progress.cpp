@@ -40,7 +40,9 @@ std::string progress_text(double done, int total, double elapsed, bool bar) {
     std::string line;
     if (bar) {
         const auto filled = static_cast<std::size_t>(kBarWidth * done / total);
-        line = "[" + std::string(filled, '#') + std::string(kBarWidth - filled, '.') + "] ";
+        line += '[';
+        line.append(filled, '#').append(kBarWidth - filled, '.');
+        line += "] ";
     }
     char text[96];
     std::snprintf(text, sizeof text, "%d of %d frames, %.2f fps, %s left", static_cast<int>(done), total, fps,
