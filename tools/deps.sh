@@ -6,10 +6,10 @@
 set -euo pipefail
 
 packages=(
-    g++ cmake ninja-build ccache
-    libopenimageio-dev
-    openimageio-tools # libopenimageio-dev's CMake files insist on the tools being there
-    libcli11-dev nlohmann-json3-dev libgtest-dev libgmock-dev
+    g++ cmake ninja-build ccache pkgconf
+    libopenimageio-dev libcli11-dev nlohmann-json3-dev
+    libgtest-dev libgmock-dev
+    openimageio-tools fonts-dejavu-core # the demo's contact sheet and its labels
 )
 case "${1-}" in
     "") ;;

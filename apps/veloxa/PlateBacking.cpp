@@ -46,7 +46,7 @@ Vec3 Backing::colour(Vec2 p) const {
 }
 
 float Backing::garbage(Vec2 p) const {
-    if (half_width_ < kRoomForStand) return 0.0f;
+    if (!stand_) return 0.0f;
     const float side = half_width_ - look_.mirror * p.x;   // from the edge with the stand
     const float other = half_width_ + look_.mirror * p.x;  // from the edge without
     return std::max(smooth(kStripWidth, kStripWidth - 0.02f, side), smooth(0.03f, 0.005f, other));

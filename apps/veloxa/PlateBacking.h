@@ -13,7 +13,8 @@ class Backing {
     // The empty set: light falling off from a hot spot, soft folds, a light stand wrapped in screen tape.
     // u is that of the frame, never mirrored.
     Vec3 colour(Vec2 p) const;
-    // 1 over the strip where the stand is, a soft border elsewhere, 0 around the figure.
+    // 1 over the strip where the stand is, a soft border across from it, 0 around the figure and in narrow
+    // frames.
     float garbage(Vec2 p) const;
 
   private:

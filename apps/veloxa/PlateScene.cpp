@@ -65,14 +65,13 @@ void Scene::render_row(int y, StrandPainter& painter, std::vector<Stack>& stacks
         return Vec2{q.x / kHeadWidth, q.y / kHeadHeight};
     };
     const float head_pixel = pixel / kHeadWidth;
-    const auto mass = [&](float d, float level) {
-        return [=, this](Stack& stack) {
-            stack.over({look_.hair * level, 0.015f}, coverage(d, 0.7f * head_pixel));
-        };
+    const auto hair_mass = [&](Stack& stack, float distance, float level) {
+        stack.over({look_.hair * level, 0.015f}, coverage(distance, 0.7f * head_pixel));
     };
 
     stacks.assign(pixels.size(), Stack{});
-    for (std::size_t i = 0; i < pixels.size(); ++i) mass(hair_behind(look_, head_at(i)), 0.42f)(stacks[i]);
+    for (std::size_t i = 0; i < pixels.size(); ++i)
+        hair_mass(stacks[i], hair_behind(look_, head_at(i)), 0.42f);
     painter.paint(hair_.back, y, stacks);
     for (std::size_t i = 0; i < pixels.size(); ++i) {
         body_.torso(body_at(i), stacks[i]);
@@ -80,7 +79,7 @@ void Scene::render_row(int y, StrandPainter& painter, std::vector<Stack>& stacks
         body_.neck(body_at(i), stacks[i]);
         head_.face(head_at(i), stacks[i]);
         head_.glasses(head_at(i), stacks[i]);
-        mass(hair_cap(look_, head_at(i)), 0.55f)(stacks[i]);
+        hair_mass(stacks[i], hair_cap(look_, head_at(i)), 0.55f);
     }
     painter.paint(hair_.front, y, stacks);
     painter.paint(hair_.loose, y, stacks);

@@ -5,6 +5,8 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
+
 #include <vector>
 
 #include "PlateBacking.h"
@@ -50,7 +52,7 @@ class Scene {
         std::vector<Pixel> pixels(static_cast<std::size_t>(options_.width));
         for (int y = y0; y < y1; ++y) {
             render_row(y, painter, stacks, pixels);
-            use(y, const_cast<const std::vector<Pixel>&>(pixels));
+            use(y, std::as_const(pixels));
         }
     }
 

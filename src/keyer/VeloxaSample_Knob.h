@@ -13,6 +13,7 @@ class VeloxaSample_Knob final : public VeloxaSample, public Zo::Image::Knob {
     void to_script(std::ostream& out, bool quote) const override;
     bool accepts_script(std::string_view text) const override;
     bool differs_from_default() const override { return count() > 0; }
+    void restore_default() override { clear(); }
 
   protected:
     void begin_change() override { new_undo(); }

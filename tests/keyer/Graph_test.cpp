@@ -315,7 +315,6 @@ TEST(Graph, AnySeriesOfChangesEqualsAFreshNode) {
     for (const bool inputs : {false, true}) {
         Rig worked;
         if (inputs) worked.connect_all();
-        KnobStorage last = worked.knobs();
         for (int step = 0; step < 60; ++step) {
             changes[random() % std::size(changes)](worked.knobs());
             worked.update();

@@ -48,7 +48,7 @@ struct KnobRange {
 // Flags of a knob, to be combined.
 inline constexpr unsigned kKnobHidden = 1;
 inline constexpr unsigned kKnobDisabled = 2;
-inline constexpr unsigned kKnobNotSaved = 4;  // scripts neither write nor read it
+inline constexpr unsigned kKnobNotSaved = 4;  // left out of the scripts that are written
 
 class Knob : public ValueStuffI {
   public:
@@ -124,7 +124,7 @@ class Knob : public ValueStuffI {
     bool takes_value() const;
     double default_value(int i = 0) const;
     void set_default(std::span<const double> values);
-    void restore_default();  // and tells nobody
+    virtual void restore_default();  // and tells nobody
     virtual bool differs_from_default() const;
 
     // Tells the panel, which tells the operator, that the value changed.
@@ -140,7 +140,8 @@ class Knob : public ValueStuffI {
     virtual void to_script(std::ostream& out, bool quote) const;
     virtual bool accepts_script(std::string_view text) const;
 
-    // Reads text as this knob's values. Returns what is wrong with it, empty when nothing is.
+    // Reads text as this knob's values: numbers separated by commas or blanks, 0, 1, true or false, a menu
+    // item by name or index; braces around it do not matter. Returns what is wrong, empty when nothing is.
     std::string parse_text(std::string_view text, std::vector<double>& values) const;
 
     // Splits saved text into words at blanks and braces; quotes hold a word with blanks together.
@@ -149,7 +150,11 @@ class Knob : public ValueStuffI {
     static bool to_double(std::string_view word, double& value);
 
   private:
-    bool write_field(double value, std::size_t i);
+    void write_field(double value, std::size_t i);
+    bool in_range_of_field(double value) const;
+    std::string parse_bool(std::string_view text, std::vector<double>& values) const;
+    std::string parse_menu(std::string_view text, std::vector<double>& values) const;
+    std::string parse_numbers(std::string_view text, std::vector<double>& values) const;
 
     Kind kind_;
     std::string name_;

@@ -50,8 +50,9 @@ class KnobPanel final : public Knob_Closure, private KnobHost {
     // Presses a button: tells the operator, or runs the command of a script button.
     void press(Knob& knob);
 
-    // Undoes the latest step that a knob opened; false when there is none.
+    // Undoes the latest step that a knob opened; false when there is none. undo_name is its name for a menu.
     bool undo();
+    std::string undo_name() const { return undo_.empty() ? std::string() : undo_.back().name; }
 
     bool making() const override { return making_; }
     Op& op() const override { return op_; }
