@@ -1,0 +1,223 @@
+// What the stages' plumbing has in common: channels that pass, channels that are made, and the hash.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <set>
+
+#include "stages/ColorConformKernel.h"
+#include "stages/SpillKernel.h"
+#include "stages/VlxColorCorrection.h"
+#include "stages/VlxComputeMatte.h"
+#include "stages/VlxComputePFG.h"
+#include "stages/VlxNormalize.h"
+#include "stages/VlxOutputMatte.h"
+#include "stages/VlxSpillSuppression.h"
+#include "support/StageControls.h"
+#include "support/TestImages.h"
+
+using namespace Zo::Image;
+using test::StageControls;
+
+namespace {
+
+constexpr Box kBox{-2, 1, 5, 4};
+constexpr auto kDepth = static_cast<Channel>(7);
+using Pixel = std::array<float, 4>;  // role order, alpha
+
+constexpr Pixel kForeground{60, 90, 120, 30};
+constexpr Pixel kPlate{12, 24, 36, 5};
+constexpr Pixel kMatte{1, 2, 3, 102};
+constexpr Pixel kPreMatte{4, 5, 6, 0};
+constexpr Channel kRoles[3][4]{
+    {kRed, kGreen, kBlue, kAlpha}, {kRed, kBlue, kGreen, kAlpha}, {kBlue, kGreen, kRed, kAlpha}};
+
+StageControls asymmetric_controls() {
+    return {{75, 10},   {76, 20},   {77, 200}, {173, 100}, {174, 50},  {175, 25}, {115, 10}, {116, 60},
+            {117, 200}, {105, 20},  {106, 70}, {110, 30},  {202, -10}, {207, 10}, {203, 90}, {208, 120},
+            {213, 80},  {204, -20}, {209, 10}, {214, 5},   {234, 33},  {235, 10}, {236, 5}};
+}
+
+struct Operator {
+    std::unique_ptr<Iop> op;
+    std::function<void()> setup;
+};
+
+template <class T>
+Operator make(const ControlBlock& controls) {
+    std::unique_ptr<T> op;
+    if constexpr (std::is_base_of_v<VlxIop, T>) {
+        op = std::make_unique<T>(NodeContext{}, &controls);
+    } else {
+        op = std::make_unique<T>(NodeContext{});
+    }
+    return {std::move(op), [raw = op.get()] { raw->setup(); }};
+}
+
+// What a kernel makes of the foreground. The kernels have tests of their own.
+template <class Kernel>
+Pixel by_kernel(Kernel kernel) {
+    Pixel out = kForeground;
+    const RolePixels in{&kForeground[0], &kForeground[1], &kForeground[2]};
+    kernel(asymmetric_controls().block, in, RoleOutput{&out[0], &out[1], &out[2]});
+    return out;
+}
+
+struct Stage {
+    const char* name;
+    Operator (*make)(const ControlBlock&);
+    std::vector<Pixel> inputs;
+    ChannelSet made;
+    std::set<int> hashed;
+    Pixel expected;             // in role order
+    Pixel expected_with_plate;  // while "CleanPlate" is set; the hash then follows input 1
+};
+
+std::vector<Stage> stages() {
+    const Pixel spill =
+        by_kernel([](const ControlBlock& controls, const RolePixels& in, const RoleOutput& out) {
+            suppress_spill(spill_params(controls), in, &kForeground[3], &kPreMatte[3], out, 1);
+        });
+    const Pixel colour =
+        by_kernel([](const ControlBlock& controls, const RolePixels& in, const RoleOutput& out) {
+            conform_colour(conform_params(controls), in, &kForeground[3], out, 1);
+        });
+    const Pixel turned{60, 90, 120, 225};
+    // (59.5 / 2 / 60.5 + 0.5) 255 and so on.
+    const Pixel normal{252.89256f, 253.59116f, 253.94191f, 250.81967f};
+    return {
+        // m1 = (200 * 90 - 120 * 20) / 180; 255 (120 - m1) / 200. Plate: (36 * 90 - 120 * 24) / (36 - 24).
+        {"VlxComputeMatte",
+         make<VlxComputeMatte>,
+         {kForeground, kPlate},
+         kMaskAlpha,
+         {75, 76, 77, 79, 80, 81, 82, 122},
+         {60, 90, 120, 42.5f},
+         {60, 90, 120, 637.5f}},
+        // Two fifths of the veils 10, 10, 50; of 12, 12, 9.
+        {"VlxComputePFG",
+         make<VlxComputePFG>,
+         {kForeground, kPlate, kMatte, kPreMatte},
+         kMaskRgba,
+         {75, 76, 77, 122, 173, 174, 175},
+         {56, 86, 100, 153},
+         {55.2f, 85.2f, 116.4f, 153}},
+        {"VlxSpillSuppression",
+         make<VlxSpillSuppression>,
+         {kForeground, kPreMatte},
+         kMaskRgb,
+         {75, 76, 77, 105, 106, 107, 110, 111, 115, 116, 117, 118},
+         spill,
+         spill},
+        {"VlxColorCorrection",
+         make<VlxColorCorrection>,
+         {kForeground},
+         kMaskRgb,
+         {200, 201, 202, 203, 204, 205, 206, 207, 208, 209, 210, 211, 212, 213, 214, 234, 235, 236},
+         colour,
+         colour},
+        {"VlxOutputMatte", make<VlxOutputMatte>, {kForeground}, kMaskAlpha, {}, turned, turned},
+        {"VlxNormalize", make<VlxNormalize>, {kForeground}, kMaskAll, {}, normal, normal},
+    };
+}
+
+// A stage with its controls and inputs; the colours of the inputs lie where the screen has its roles.
+struct Wired {
+    explicit Wired(const Stage& stage, int color_index = 0, int clean_plate = 0)
+        : made(stage.make(controls.block)) {
+        controls.block.set(120, color_index);
+        controls.block.set(122, clean_plate);
+        for (const Pixel& pixel : stage.inputs) {
+            const auto value = [pixel, color_index](Channel c, int, int) {
+                const auto* role = std::find(kRoles[color_index], kRoles[color_index] + 4, c);
+                return c == kDepth ? 77.0f : pixel[static_cast<std::size_t>(role - kRoles[color_index])];
+            };
+            sources.push_back(std::make_unique<test::FunctionSource>(kBox, kMaskRgba + kDepth, value));
+            op().set_input(static_cast<int>(sources.size()) - 1, sources.back().get());
+        }
+    }
+    Iop& op() { return *made.op; }
+    Hash hash() {
+        made.setup();
+        return op().hash();
+    }
+
+    StageControls controls = asymmetric_controls();
+    std::vector<std::unique_ptr<test::FunctionSource>> sources;
+    Operator made;
+};
+
+Row fetch(Iop& op, ChannelSet channels) {
+    op.request(kBox.x, 2, kBox.r, 3, channels, 1);
+    Row row(kBox.x, kBox.r);
+    row.get(op, 2, channels);
+    return row;
+}
+
+}  // namespace
+
+TEST(StageOperators, MakeTheirChannelsForEveryScreen) {
+    for (const Stage& stage : stages()) {
+        for (const int plate : {0, 1}) {
+            for (const int screen : {0, 1, 2}) {
+                Wired wired(stage, screen, plate);
+                const Row row = fetch(wired.op(), kMaskRgba + kDepth);
+                const Pixel& expected = plate != 0 ? stage.expected_with_plate : stage.expected;
+                for (std::size_t i = 0; i < 4; ++i) {
+                    EXPECT_NEAR(row[kRoles[screen][i]][6], expected[i], 1e-3f) << stage.name << screen << i;
+                }
+                EXPECT_EQ(row[kDepth][0] == 77.0f, !stage.made.has(kDepth)) << stage.name;
+            }
+        }
+    }
+}
+
+TEST(StageOperators, PassOtherChannelsAndReadNothingForThem) {
+    for (const Stage& stage : stages()) {
+        Wired wired(stage, 0, 1);
+        const ChannelSet others = kMaskRgba + kDepth - stage.made;
+        const Row row = fetch(wired.op(), others);
+        for (const Channel c : others) {
+            EXPECT_EQ(row[c][0], fetch(*wired.sources[0], c)[c][0]) << stage.name;
+        }
+        for (std::size_t i = 1; i < wired.sources.size(); ++i) EXPECT_EQ(wired.sources[i]->rows(), 0);
+    }
+}
+
+TEST(StageOperators, HashListedControlsAndInputs) {
+    for (const Stage& stage : stages()) {
+        Wired wired(stage);
+        for (int i = 0; i < ControlBlock::kCount; ++i) {
+            const Hash before = wired.hash();
+            std::int32_t& value = wired.controls.values[static_cast<std::size_t>(i)];
+            value += 1;
+            EXPECT_EQ(wired.hash() != before, stage.hashed.contains(i)) << stage.name << ' ' << i;
+            value -= 1;
+        }
+        for (const int plate : {0, 1}) {
+            wired.controls.block.set(122, plate);
+            for (std::size_t n = 0; n < wired.sources.size(); ++n) {
+                const Hash before = wired.hash();
+                wired.sources[n]->invalidate();
+                const bool is_unused_plate = n == 1 && plate == 0 && stage.hashed.contains(122);
+                EXPECT_EQ(wired.hash() != before, !is_unused_plate) << stage.name << ' ' << n;
+            }
+        }
+    }
+}
+
+TEST(StageOperators, TellTheirNames) {
+    for (const Stage& stage : stages()) {
+        Wired wired(stage);
+        EXPECT_STREQ(wired.op().class_name(), stage.name);
+        const bool is_normaliser = stage.made == kMaskAll;
+        EXPECT_STREQ(wired.op().help_text(),
+                     is_normaliser ? "Veloxa Internal Operator" : "Veloxa Internal Operator.");
+        char buffer[64] = "";
+        const std::vector<const char*> labels{"Foreground", "Cleanplate", "ClippedMatte", "PreMatte"};
+        const bool labelled = stage.hashed.contains(122);
+        for (int n = 0; labelled && n < wired.op().inputs(); ++n) {
+            EXPECT_STREQ(wired.op().input_label(n, buffer), labels[static_cast<std::size_t>(n)]);
+        }
+    }
+}
