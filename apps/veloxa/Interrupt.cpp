@@ -23,7 +23,10 @@ void catch_interrupts() {
     action.sa_handler = raise_flag;
     action.sa_flags = SA_RESTART;  // reads and writes go on; the flag is looked at between them
     sigemptyset(&action.sa_mask);
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) sigaction(number, &action, nullptr);
+    for (const int number : {SIGINT, SIGTERM}) sigaction(number, &action, nullptr);
+    struct sigaction present {};
+    sigaction(SIGHUP, nullptr, &present);
+    if (present.sa_handler != SIG_IGN) sigaction(SIGHUP, &action, nullptr);  // nohup means to go on
 }
 
 }  // namespace veloxa

@@ -65,6 +65,10 @@ ordered_json describe_all(const KnobPanel& panel) {
 
 std::string joined(const ordered_json& value) {
     if (value.is_string()) return value.get<std::string>();
+    if (value.is_number_float()) {
+        char digits[32];
+        return {digits, std::to_chars(digits, digits + sizeof digits, value.get<double>()).ptr};
+    }
     if (!value.is_array()) return value.dump();
     std::string text;
     for (const ordered_json& part : value) text += (text.empty() ? "" : ",") + joined(part);

@@ -6,6 +6,25 @@
 #include "Commands.h"
 #include "Errors.h"
 
+namespace {
+
+// The parser's own message, but for a command that is missing or unknown.
+std::string usage_message(const CLI::App& app, const CLI::ParseError& error, const std::string& first) {
+    const auto chosen = app.get_subcommands();
+    if (!chosen.empty()) {
+        return std::string(error.what()) + "; see veloxa " + chosen.front()->get_name() + " --help";
+    }
+    if (first.starts_with("-")) return std::string(error.what()) + "; see veloxa --help";
+    std::string names;
+    for (const CLI::App* command : app.get_subcommands({})) {
+        names += (names.empty() ? "" : ", ") + command->get_name();
+    }
+    if (first.empty()) return "a command is needed: " + names + "; see veloxa --help";
+    return first + ": there is no such command; there are " + names;
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
     CLI::App app("Colour-difference keyer for stills and image sequences.", "veloxa");
     app.set_version_flag("--version", "veloxa " VELOXA_VERSION);
@@ -21,7 +40,7 @@ int main(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         // --help and --version arrive here too, as errors of status 0.
         if (error.get_exit_code() == 0) return app.exit(error);
-        veloxa::report(error.what());
+        veloxa::report(usage_message(app, error, argc > 1 ? argv[1] : ""));
         return veloxa::kExitUsage;
     } catch (const veloxa::Interrupted&) {
         return veloxa::kExitInterrupted;

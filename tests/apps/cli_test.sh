@@ -1,0 +1,154 @@
+#!/bin/bash
+# Runs the program as a user does: exit statuses, messages, and what is left on the disk.
+# usage: cli_test.sh VELOXA
+set -u
+veloxa=$(realpath "$1")
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+cd "$folder" || exit 1
+failures=0
+
+fail() {
+    echo "FAILED: $*"
+    failures=$((failures + 1))
+}
+
+# expect STATUS TEXT ARGUMENT...: the program ends with the status, and its messages hold the text.
+expect() {
+    local status=$1 text=$2
+    shift 2
+    "$veloxa" "$@" >out.txt 2>err.txt
+    local got=$?
+    [ $got -eq "$status" ] || fail "status $got, not $status: veloxa $* ($(head -c 300 err.txt))"
+    [ -z "$text" ] || grep -qF -- "$text" out.txt err.txt || fail "no '$text': veloxa $* ($(head -c 300 err.txt))"
+    [ "$status" -eq 0 ] || [ "${1-}" = compare ] || grep -q '^veloxa: ' err.txt || fail "no 'veloxa: ': veloxa $*"
+}
+
+expect_files() {
+    local found
+    found=$(ls -A "$1" | tr '\n' ' ')
+    [ "$found" = "$2" ] || fail "$1 holds $found, not $2"
+}
+
+pick=(--pick 0,40,8,48)
+
+expect 0 "veloxa " --version
+expect 0 "--save-script" key --help
+expect 0 "" plate -o shot --size 64x48 --frames 1-5
+for n in 1 2 3 4 5; do [ -s "shot/fg.000$n.exr" ] || fail "no plate $n"; done
+mkdir out
+
+# Bad usage. The outputs must not come into being.
+while IFS='|' read -r status text arguments; do
+    # shellcheck disable=SC2086
+    expect "$status" "$text" $arguments
+done <<'TABLE'
+2|key, knobs, plate, compare|
+2|nonsense: there is no such command|nonsense
+2|--nonsense|--nonsense
+2|--fg|key -o out/a.exr
+2|--output|key --fg shot/fg.0001.exr
+2|--nonsense|key --fg shot/fg.0001.exr -o out/a.exr --nonsense
+2|--threads|key --fg shot/fg.0001.exr -o out/a.exr --threads 0
+2|--threads|key --fg shot/fg.0001.exr -o out/a.exr --threads two
+2|--depth|key --fg shot/fg.0001.exr -o out/a.exr --depth 8
+2|--fit|key --fg shot/fg.0001.exr -o out/a.exr --fit stretch
+2|--frames|key --fg shot/fg.%04d.exr -o out/a.%04d.exr
+2|--frames|key --fg shot/fg.%04d.exr -o out/a.%04d.exr --frames 5-1
+2|frame pattern|key --fg shot/fg.%04d.exr -o out/a.exr --frames 1-5
+2|frame pattern|key --fg shot/fg.0001.exr -o out/a.%04d.exr --frames 1-5
+2|--pick|key --fg shot/fg.0001.exr -o out/a.exr --pick 1,2,3
+2|64x48|key --fg shot/fg.0001.exr -o out/a.exr --pick 0,0,65,48
+2|no_such_knob|key --fg shot/fg.0001.exr -o out/a.exr --set no_such_knob=1
+2|overlay_mode|key --fg shot/fg.0001.exr -o out/a.exr --set overlay_mode=nothing
+2|screen_color|key --fg shot/fg.0001.exr -o out/a.exr --set screen_color=1,2
+2|brights|key --fg shot/fg.0001.exr -o out/a.exr --set brights=bright
+2|KNOB=VALUE|key --fg shot/fg.0001.exr -o out/a.exr --set brights
+2|computeMatte|key --fg shot/fg.0001.exr -o out/a.exr --stage nothing
+1|out/none.exr: does not exist|key --fg out/none.exr -o out/a.exr
+1|shot: is a folder|key --fg shot -o out/a.exr
+1|nowhere|key --fg shot/fg.0001.exr -o nowhere/a.exr
+1|out: is a folder|key --fg shot/fg.0001.exr -o out
+1|out/a.xyz|key --fg shot/fg.0001.exr -o out/a.xyz
+1|uint8|key --fg shot/fg.0001.exr -o out/a.exr --depth uint8
+1|none.script|key --fg shot/fg.0001.exr -o out/a.exr --script none.script
+1|shot/fg.0001.exr: exists; use --overwrite|key --fg shot/fg.0002.exr -o shot/fg.0001.exr
+2|is an input too|key --fg shot/fg.0001.exr -o shot/fg.0001.exr --overwrite
+2|--max-diff|compare shot/fg.0001.exr shot/fg.0001.exr --max-diff x
+1|does not exist|compare shot/fg.0001.exr out/none.exr
+TABLE
+expect_files out ""
+
+# Stills: knobs by hand equal knobs by script, whatever the number of threads.
+expect 0 "passes through" key --fg shot/fg.0001.exr -o out/plain.exr --depth float
+expect 0 "" compare shot/fg.0001.exr out/plain.exr --channel G --max-diff 0
+inputs=(--fg shot/fg.0001.exr --cp shot/cp.0001.exr --bg shot/bg.0001.exr)
+expect 0 "" key "${inputs[@]}" -o out/a.exr "${pick[@]}" --set brights=120 --save-script out/a.script --quiet
+[ -s err.txt ] && fail "messages in spite of --quiet: $(cat err.txt)"
+grep -q 'brights 120' out/a.script || fail "script without brights: $(cat out/a.script)"
+expect 0 "" key "${inputs[@]}" -o out/b.exr --script out/a.script --threads 1
+expect 0 "" compare out/a.exr out/b.exr --max-diff 0
+expect 0 "" key "${inputs[@]}" -o out/c.exr --script out/a.script --set brights=20
+expect 1 "overall" compare out/a.exr out/c.exr --max-diff 0.001
+expect 0 "computeMatte" key "${inputs[@]}" -o out/stage.exr --script out/a.script --stage computeMatte --stats
+expect 1 "" compare out/stage.exr out/a.exr --max-diff 100
+expect 0 '"name": "screen_color"' knobs --json
+printf 'Veloxa {\n  brights 5\n  nonsense 1\n}\n' >bad.script
+expect 1 "bad.script:3: " key "${inputs[@]}" -o out/d.exr --script bad.script
+
+# Another size.
+expect 0 "" plate -o small --size 32x24
+expect 1 "small/bg.exr: is 32x24, but the foreground is 64x48" key --fg shot/fg.0001.exr --bg small/bg.exr -o out/d.exr
+for fit in resize crop none; do
+    expect 0 "" key --fg shot/fg.0001.exr --bg small/bg.exr -o out/$fit.exr --fit $fit "${pick[@]}"
+done
+
+# A sequence with a broken frame, mended and resumed.
+cp shot/fg.0003.exr whole.exr
+truncate -s 1000 shot/fg.0003.exr
+mkdir seq
+sequence=(--fg shot/fg.%04d.exr --bg shot/bg.####.exr -o seq/f.####.exr --frames 1-5)
+expect 1 "shot/fg.0003.exr: " key "${sequence[@]}" "${pick[@]}"
+expect_files seq "f.0001.exr f.0002.exr f.0004.exr f.0005.exr "
+expect 1 "seq/f.0001.exr: exists; use --overwrite" key "${sequence[@]}" "${pick[@]}"
+cp whole.exr shot/fg.0003.exr
+truncate -s -10 seq/f.0005.exr
+touch -d '2001-01-01' seq/*.exr
+expect 0 "" key "${sequence[@]}" "${pick[@]}" --resume
+expect_files seq "f.0001.exr f.0002.exr f.0003.exr f.0004.exr f.0005.exr "
+[ "$(find seq -newermt 2002-01-01 | grep -c exr)" -eq 2 ] || fail "--resume rendered more than frames 3 and 5"
+expect 0 "" key "${sequence[@]}" "${pick[@]}" --overwrite
+
+# Ctrl-C in the middle of 400 frames.
+mkdir many cut
+cp shot/fg.*.exr many
+for n in $(seq 400); do ln -s fg.000$((n % 5 + 1)).exr many/fg.$n.exr; done
+for signal in INT TERM; do
+    "$veloxa" key --fg many/fg.%d.exr -o cut/f.%d.exr --frames 1-400 "${pick[@]}" --overwrite 2>err.txt &
+    program=$!
+    for _ in $(seq 200); do [ -e cut/f.2.exr ] && break || sleep 0.02; done
+    kill -$signal $program
+    wait $program
+    status=$?
+    [ $status -eq 130 ] || fail "status $status after SIG$signal"
+    [ -e cut/f.400.exr ] && fail "SIG$signal came too late to show anything"
+    [ -z "$(find cut -name '.*' -type f)" ] || fail "temporary files are left: $(ls -A cut)"
+    for file in $(ls -t cut | head -n 5); do expect 0 "" compare "cut/$file" "cut/$file"; done
+    rm -f cut/*
+done
+
+# A disk that fills up: a limit on the size of files everywhere, a small file system where one can be mounted.
+mkdir full
+(trap '' XFSZ; ulimit -f 4; "$veloxa" key "${inputs[@]}" -o full/a.exr "${pick[@]}" --depth float 2>err.txt)
+[ $? -eq 1 ] && grep -q 'full/a.exr: File too large' err.txt || fail "file size limit: $(cat err.txt)"
+expect_files full ""
+if [ "$(id -u)" -eq 0 ] && mount -t tmpfs -o size=16k tmpfs full 2>/dev/null; then
+    expect 0 "" plate -o big --size 256x192
+    for type in exr png tif jpg dpx tga sgi; do
+        expect 1 "full/a.$type: " key --fg big/fg.exr -o full/a.$type
+        expect_files full ""
+    done
+    umount full
+fi
+
+[ $failures -eq 0 ] || exit 1
