@@ -1,4 +1,6 @@
 // A bounded list of colour samples: what a viewer tool's strokes collected, newest last.
+//
+// Validation thread only; sampling an image renders the box asked for.
 #pragma once
 
 #include <array>
@@ -8,7 +10,7 @@
 #include <vector>
 
 #include "ZoImage/ChannelSet.h"
-#include "ZoImage/Op.h"
+#include "ZoImage/Iop.h"
 
 class VeloxaSample {
   public:
@@ -17,21 +19,18 @@ class VeloxaSample {
     static constexpr std::size_t kCapacity = 100;
 
     explicit VeloxaSample(Zo::Image::Op* owner) : owner_(owner) {}
+    virtual ~VeloxaSample() = default;
     VeloxaSample(const VeloxaSample&) = delete;
     VeloxaSample& operator=(const VeloxaSample&) = delete;
-
-  protected:
-    virtual void begin_change() {}
-    virtual void end_change() {}
-
-  public:
-    virtual ~VeloxaSample() = default;
 
     // A full list drops its oldest sample first.
     void append(const Sample& sample);
     // The sample once for each pixel of the box, so at most kCapacity copies stay. Returns 0, and nothing
     // happens, when the box is empty, else 1.
     int add_point(const Sample& sample, int x, int y, int r, int t);
+    // The mean of the box of the image. Returns 0, and nothing happens, when the box is empty or the render
+    // was aborted, else 1.
+    int add_area(Zo::Image::Iop& source, int x, int y, int r, int t);
     void clear() { samples_.clear(); }
 
     int count() const { return static_cast<int>(samples_.size()); }
@@ -45,12 +44,19 @@ class VeloxaSample {
     // number (the samples before it stay).
     bool read(std::string_view text);
 
-    // The keyer node, and the channels that sampling an image asks for.
-    Zo::Image::Op* owner() const { return owner_; }
-    const Zo::Image::ChannelSet& channels() const { return channels_; }
+    Zo::Image::Op* owner() const { return owner_; }  // the keyer node
+
+  protected:
+    // Called before and after samples are added.
+    virtual void begin_change() {}
+    virtual void end_change() {}
 
   private:
     std::vector<Sample> samples_;
-    Zo::Image::ChannelSet channels_{Zo::Image::kMaskRgba};
+    Zo::Image::ChannelSet channels_{Zo::Image::kMaskRgba};  // asked for when an image is sampled
     Zo::Image::Op* owner_;
 };
+
+// Steps that thin a large box out to fewer than 16386 positions. Returns the pixel count when the box is
+// small enough as it is, else the count along the axis that was thinned last: callers use the steps.
+int decimate(int x, int y, int r, int t, int& step_x, int& step_y);
