@@ -31,11 +31,12 @@ picture() {
 picture "$out/composite.exr" R,G,B "$out/composite.png"
 picture "$out/composite.exr" A "$out/matte.png"
 
+font=/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf
 panels=()
 # panel FILE CHANNELS LABEL: adds a panel to the contact sheet.
 panel() {
     panels+=("$1" --ch "$2" --resize:filter=box 960x540
-        "--text:x=16:y=524:size=26:color=1,1,1:shadow=2" "$3")
+        "--text:x=16:y=524:size=26:font=$font:color=1,1,1:shadow=2" "$3")
 }
 panel "$plates/fg.exr" R,G,B "plate"
 panel "$plates/alpha_true.exr" A,A,A "true matte"
