@@ -127,9 +127,13 @@ int key(const Options& options) {
     check_outputs(plan, names);
 
     FrameLoader loader(names, fit_named(options.fit).value_or(Fit::kRefuse), plan.write.abort);
-    loader.load_stills();
-    if (!options.pick.empty()) {
-        pick_screen_color(node.panel(), *first_foreground(loader, plan.frames), options.pick);
+    std::chrono::nanoseconds read_ahead{0};
+    {
+        const Stopwatch watch(read_ahead);
+        loader.load_stills();
+        if (!options.pick.empty()) {
+            pick_screen_color(node.panel(), *first_foreground(loader, plan.frames), options.pick);
+        }
     }
     warn_without_screen_color(node.panel());
     if (!options.save_script.empty()) node.save_script(options.save_script, plan.write.overwrite);
@@ -151,6 +155,7 @@ int key(const Options& options) {
         if (options.stats) pipeline.measure_time();
         good = pipeline.run();
         stats = pipeline.stats();
+        stats.read += read_ahead;
     }
     if (options.stats) std::fputs(stats.text().c_str(), stderr);
     return good ? kExitOk : kExitFailure;

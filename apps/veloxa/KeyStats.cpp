@@ -15,10 +15,12 @@ double milliseconds(std::chrono::nanoseconds time, int frames) {
     return std::chrono::duration<double, std::milli>(time).count() / std::max(frames, 1);
 }
 
-// Operators outside the node and the node itself have no member name.
+// Member names down from the node's own operators; the node and its inputs have none.
 std::string name_of(const Iop& op) {
-    if (!op.member_name().empty()) return op.member_name();
-    return op.context().node_name;
+    if (op.member_name().empty()) return op.context().node_name;
+    const Op* owner = op.parent();
+    const bool nested = owner && !owner->member_name().empty();
+    return (nested ? owner->member_name() + "." : std::string()) + op.member_name();
 }
 
 }  // namespace
@@ -38,13 +40,13 @@ void KeyStats::add(const std::vector<OpStats>& frame) {
 
 std::string KeyStats::text() const {
     char line[160];
-    std::snprintf(line, sizeof line, "%-18s %-22s %10s %7s %10s\n", "operator", "class", "rows", "ratio",
+    std::snprintf(line, sizeof line, "%-24s %-22s %10s %7s %10s\n", "operator", "class", "rows", "ratio",
                   "ms/frame");
     std::string table = line;
     for (const OpStats& one : ops) {
         const double ratio =
             frame_rows > 0 ? static_cast<double>(one.rows) / static_cast<double>(frame_rows) : 0.0;
-        std::snprintf(line, sizeof line, "%-18s %-22s %10lld %7.3f %10.2f\n", name_of(*one.op).c_str(),
+        std::snprintf(line, sizeof line, "%-24s %-22s %10lld %7.3f %10.2f\n", name_of(*one.op).c_str(),
                       one.op->class_name(), static_cast<long long>(one.rows), ratio,
                       milliseconds(one.time, frames));
         table += line;

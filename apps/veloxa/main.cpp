@@ -14,11 +14,11 @@ std::string usage_message(const CLI::App& app, const CLI::ParseError& error, con
     if (!chosen.empty()) {
         return std::string(error.what()) + "; see veloxa " + chosen.front()->get_name() + " --help";
     }
-    if (first.starts_with("-")) return std::string(error.what()) + "; see veloxa --help";
     std::string names;
     for (const CLI::App* command : app.get_subcommands({})) {
         names += (names.empty() ? "" : ", ") + command->get_name();
     }
+    if (first.starts_with("-")) return first + ": a command comes first: " + names + "; see veloxa --help";
     if (first.empty()) return "a command is needed: " + names + "; see veloxa --help";
     return first + ": there is no such command; there are " + names;
 }
