@@ -17,6 +17,10 @@ double wide(float v) {
     return static_cast<double>(v);
 }
 
+double rounded(double v) {
+    return wide(static_cast<float>(v));
+}
+
 double bent(double bend, double x) {
     return ((1.0 - x) * bend + x) * x;
 }
@@ -35,16 +39,18 @@ ToneCurve tone_curve(std::int32_t darks, std::int32_t brights, std::int32_t mid_
     return {low, width, bend, bent(bend, (0.5 - low) / width)};
 }
 
+// Role 0, role 1, primary. Single-precision values, held as doubles: selections by comparisons of one width
+// vectorise.
 struct Colour {
-    float r, g, b;  // role 0, role 1, primary
+    double r, g, b;
 };
 
 // `t` is the pixel's transparency, 0 to 1.
-float toned(const ToneCurve& curve, double t, float c) {
+double toned(const ToneCurve& curve, double t, float c) {
     const double x = (wide(c / 255.0f) + 0.5 * t - curve.low) / curve.width;
     const double y = bent(curve.bend, x) - curve.grey * t;
     const double limited = floor_at(-kCurveLimit, cap_at(kCurveLimit, y));
-    return clamp_to(0.0f, 255.0f, static_cast<float>(limited * 255.0));
+    return clamp_to(0.0, 255.0, rounded(limited * 255.0));
 }
 
 // A hue of any turn, brought into 0 to 6 without a step of rounding more than adding or taking away 6 one
@@ -56,17 +62,17 @@ double one_turn(double hue) {
 }
 
 Colour adjusted(const ConformParams& p, const Colour& c) {
-    const float low01 = c.r > c.g ? c.g : c.r;
-    const float high01 = c.r > c.g ? c.r : c.g;
-    const float middle = high01 > c.b ? c.b : high01;
-    const float max = high01 > c.b ? high01 : c.b;
-    const float min = low01 > middle ? middle : low01;
-    const float mid = low01 > middle ? low01 : middle;
+    const double low01 = c.r > c.g ? c.g : c.r;
+    const double high01 = c.r > c.g ? c.r : c.g;
+    const double middle = high01 > c.b ? c.b : high01;
+    const double max = high01 > c.b ? high01 : c.b;
+    const double min = low01 > middle ? middle : low01;
+    const double mid = low01 > middle ? low01 : middle;
 
-    const double log_min = log_of(wide(min) + 1.0);
-    const double log_max = log_of(wide(max) + 1.0);
+    const double log_min = log_of(min + 1.0);
+    const double log_max = log_of(max + 1.0);
     const double range = log_max - log_min;
-    const double f = (log_of(wide(mid) + 1.0) - log_min) / range;
+    const double f = (log_of(mid + 1.0) - log_min) / range;
     // On a tie the later order counts.
     double hue = 0.0;
     hue = (c.r >= c.g) & (c.g >= c.b) ? f : hue;
@@ -88,20 +94,20 @@ Colour adjusted(const ConformParams& p, const Colour& c) {
     way = turned >= 4.0 ? turned - 4.0 : way;
     way = turned >= 5.0 ? 6.0 - turned : way;
     const auto level = [](double logarithm) {
-        return clamp_to(0.0f, 255.0f, static_cast<float>(exp_of(logarithm) - 1.0));
+        return clamp_to(0.0, 255.0, rounded(exp_of(logarithm) - 1.0));
     };
-    const float lo = level(bottom);
-    const float hi = level(top);
-    const float between = level((top - bottom) * way + bottom);
+    const double lo = level(bottom);
+    const double hi = level(top);
+    const double between = level((top - bottom) * way + bottom);
 
     const bool first = turned < 1.0;
     const bool second = turned < 2.0;
     const bool third = turned < 3.0;
     const bool fourth = turned < 4.0;
     const bool fifth = turned < 5.0;
-    const float r = first ? hi : second ? between : fourth ? lo : fifth ? between : hi;
-    const float g = first ? between : third ? hi : fourth ? between : lo;
-    const float b = second ? lo : third ? between : fifth ? hi : between;
+    const double r = first ? hi : second ? between : fourth ? lo : fifth ? between : hi;
+    const double g = first ? between : third ? hi : fourth ? between : lo;
+    const double b = second ? lo : third ? between : fifth ? hi : between;
     return {r, g, b};
 }
 
@@ -109,17 +115,21 @@ template <bool kAdjust>
 void conform(const ConformParams& params, const RolePixels& in, const float* alpha, const RoleOutput& out,
              std::size_t n) {
     const ConformParams p = params;
-    float* __restrict out0 = out.role0;
-    float* __restrict out1 = out.role1;
-    float* __restrict outP = out.primary;
+    const float* in0 = in.role0;
+    const float* in1 = in.role1;
+    const float* inP = in.primary;
+    const float* inA = alpha;
+    float* out0 = out.role0;
+    float* out1 = out.role1;
+    float* outP = out.primary;
+#pragma GCC ivdep
     for (std::size_t i = 0; i < n; ++i) {
-        const double t = wide((255.0f - alpha[i]) / 255.0f);
-        Colour c{toned(p.curves[0], t, in.role0[i]), toned(p.curves[1], t, in.role1[i]),
-                 toned(p.curves[2], t, in.primary[i])};
+        const double t = wide((255.0f - inA[i]) / 255.0f);
+        Colour c{toned(p.curves[0], t, in0[i]), toned(p.curves[1], t, in1[i]), toned(p.curves[2], t, inP[i])};
         if constexpr (kAdjust) c = adjusted(p, c);
-        out0[i] = c.r;
-        out1[i] = c.g;
-        outP[i] = c.b;
+        out0[i] = static_cast<float>(c.r);
+        out1[i] = static_cast<float>(c.g);
+        outP[i] = static_cast<float>(c.b);
     }
 }
 

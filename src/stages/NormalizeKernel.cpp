@@ -3,7 +3,8 @@
 #include <limits>
 
 void normalize(const float* in, float* out, std::size_t n) {
-    float* __restrict to = out;
+    float* to = out;
+#pragma GCC ivdep
     for (std::size_t i = 0; i < n; ++i) {
         const float v = in[i];
         const float above = v - 0.5f;

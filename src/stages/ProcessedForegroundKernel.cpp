@@ -10,17 +10,62 @@ double wide(float v) {
     return static_cast<double>(v);
 }
 
-// One channel of a pixel: `c` as it came, `cut` with the backing's share taken out.
-float unveiled(bool blackout, float matte, float c, double cut) {
-    const float clamped = clamp_to(0.0f, 255.0f, static_cast<float>(cut));
-    const float colour = matte > 0.0f ? clamped : c;
-    return blackout ? 0.0f : colour;
+double rounded(double v) {
+    return wide(static_cast<float>(v));
 }
 
-float opacity(bool blackout, float matte) {
-    const float through = 255.0f - cap_at(255.0f, matte);
-    const float alpha = matte > 0.0f ? through : 255.0f;
-    return blackout ? 0.0f : alpha;
+// One channel of a pixel: `c` as it came, `cut` with the backing's share taken out. Like all comparisons of
+// the loops in double: selections by comparisons of one width vectorise.
+float unveiled(double pre_matte, double matte, double c, double cut) {
+    const double clamped = clamp_to(0.0, 255.0, rounded(cut));
+    const double colour = matte > 0.0 ? clamped : c;
+    return static_cast<float>(pre_matte != 0.0 ? 0.0 : colour);
+}
+
+float opacity(double pre_matte, double matte) {
+    const double through = 255.0 - cap_at(255.0, matte);
+    const double alpha = matte > 0.0 ? through : 255.0;
+    return static_cast<float>(pre_matte != 0.0 ? 0.0 : alpha);
+}
+
+enum class Backing { kConstant, kPlate };
+
+template <Backing kBacking, bool kBlackout>
+void unveil(const VeilParams& params, const RolePixels& fg, const RolePixels& plate, const VeilMattes& mattes,
+            const RoleOutput& out, float* alpha, std::size_t n) {
+    const VeilParams p = params;
+    const double veil0 = p.share0 * p.backing0;
+    const double veil1 = p.share1 * p.backing1;
+    const double veilP = p.shareP * p.backingP;
+    // `k` is the matte as a fraction. The products round in the order that they have here.
+    const auto veil = [](double k, float backing, double share, double constant) {
+        return kBacking == Backing::kPlate ? wide(backing) * k * share : k * constant;
+    };
+    const float* in0 = fg.role0;
+    const float* in1 = fg.role1;
+    const float* inP = fg.primary;
+    const float* b0 = plate.role0;
+    const float* b1 = plate.role1;
+    const float* bP = plate.primary;
+    const float* matte = mattes.matte;
+    const float* pre_matte = mattes.pre_matte;
+    float* out0 = out.role0;
+    float* out1 = out.role1;
+    float* outP = out.primary;
+    float* outA = alpha;
+#pragma GCC ivdep
+    for (std::size_t i = 0; i < n; ++i) {
+        const double m = wide(matte[i]);
+        const double pre = kBlackout ? wide(pre_matte[i]) : 0.0;
+        const double k = m * kByte;
+        const double c0 = wide(in0[i]);
+        const double c1 = wide(in1[i]);
+        const double cP = wide(inP[i]);
+        out0[i] = unveiled(pre, m, c0, c0 - veil(k, b0[i], p.share0, veil0));
+        out1[i] = unveiled(pre, m, c1, c1 - veil(k, b1[i], p.share1, veil1));
+        outP[i] = unveiled(pre, m, cP, cP - veil(k, bP[i], p.shareP, veilP));
+        outA[i] = opacity(pre, m);
+    }
 }
 
 }  // namespace
@@ -40,43 +85,14 @@ VeilParams veil_params(const ControlBlock& controls) {
 
 void unveil_constant(const VeilParams& params, const RolePixels& fg, const VeilMattes& mattes,
                      const RoleOutput& out, float* alpha, std::size_t n) {
-    const double veil0 = params.share0 * params.backing0;
-    const double veil1 = params.share1 * params.backing1;
-    const double veilP = params.shareP * params.backingP;
-    float* __restrict out0 = out.role0;
-    float* __restrict out1 = out.role1;
-    float* __restrict outP = out.primary;
-    float* __restrict outA = alpha;
-    const bool use_pre_matte = params.use_pre_matte;
-    for (std::size_t i = 0; i < n; ++i) {
-        const float m = mattes.matte[i];
-        const bool blackout = use_pre_matte & (mattes.pre_matte[i] != 0.0f);
-        const double k = wide(m) * kByte;
-        out0[i] = unveiled(blackout, m, fg.role0[i], wide(fg.role0[i]) - k * veil0);
-        out1[i] = unveiled(blackout, m, fg.role1[i], wide(fg.role1[i]) - k * veil1);
-        outP[i] = unveiled(blackout, m, fg.primary[i], wide(fg.primary[i]) - k * veilP);
-        outA[i] = opacity(blackout, m);
+    if (params.use_pre_matte) {
+        unveil<Backing::kConstant, true>(params, fg, fg, mattes, out, alpha, n);
+    } else {
+        unveil<Backing::kConstant, false>(params, fg, fg, mattes, out, alpha, n);
     }
 }
 
 void unveil_clean_plate(const VeilParams& params, const RolePixels& fg, const RolePixels& plate,
                         const VeilMattes& mattes, const RoleOutput& out, float* alpha, std::size_t n) {
-    // Not share times plate first: the two products round in this order.
-    const auto cut = [](float c, float backing, double k, double share) {
-        return wide(c) - wide(backing) * k * share;
-    };
-    float* __restrict out0 = out.role0;
-    float* __restrict out1 = out.role1;
-    float* __restrict outP = out.primary;
-    float* __restrict outA = alpha;
-    for (std::size_t i = 0; i < n; ++i) {
-        const float m = mattes.matte[i];
-        const bool blackout = mattes.pre_matte[i] != 0.0f;
-        const double k = wide(m) * kByte;
-        out0[i] = unveiled(blackout, m, fg.role0[i], cut(fg.role0[i], plate.role0[i], k, params.share0));
-        out1[i] = unveiled(blackout, m, fg.role1[i], cut(fg.role1[i], plate.role1[i], k, params.share1));
-        outP[i] =
-            unveiled(blackout, m, fg.primary[i], cut(fg.primary[i], plate.primary[i], k, params.shareP));
-        outA[i] = opacity(blackout, m);
-    }
+    unveil<Backing::kPlate, true>(params, fg, plate, mattes, out, alpha, n);
 }

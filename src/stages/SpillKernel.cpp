@@ -10,6 +10,10 @@ double wide(float v) {
     return static_cast<double>(v);
 }
 
+double rounded(double v) {
+    return wide(static_cast<float>(v));
+}
+
 float narrow(std::int32_t v) {
     return static_cast<float>(v);
 }
@@ -19,9 +23,14 @@ std::int32_t minus(std::int32_t a, std::int32_t b) {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) - static_cast<std::uint32_t>(b));
 }
 
+// The integer part, a double again: selections by comparisons of one width vectorise.
+double whole(double v) {
+    return to_int(v);
+}
+
 // The smaller distance of a level to the ends of the scale: large in the mid-tones.
-std::int32_t mid_tone(float level) {
-    return min_of(to_int(level), to_int(255.0f - level));
+double mid_tone(float level) {
+    return min_of(whole(wide(level)), whole(wide(255.0f - level)));
 }
 
 // The spill that a secondary channel `c` speaks for; `total` is the primary's weighed level, `z` the
@@ -31,19 +40,20 @@ double spill_share(const SpillParams& p, float c, std::int32_t backing, double l
     const double floor = minus(backing, lift);
     const double n = (wide(c - narrow(lift)) * p.weight - floor * total) /
                      (wide(255.0f - narrow(lift)) * p.weight_per_level - floor);
-    const std::int32_t subject = max_of(to_int(n), 0);
+    const double subject = max_of(whole(n), 0.0);
     return (total - subject) * p.inverse_weight;
 }
 
 // A channel without its spill; `level` is the spilled backing, `amends` what replaces it.
-float relit(double amends, double level, double most, float c) {
-    const double whole = level + most;
-    const double v = (amends + most) * wide(c) / whole;
-    return static_cast<float>(whole == 0.0 ? 0.0 : v);
+double relit(double amends, double level, double most, float c) {
+    const double all = level + most;
+    const double v = (amends + most) * wide(c) / all;
+    return rounded(all == 0.0 ? 0.0 : v);
 }
 
+// Single-precision values, held as doubles.
 struct Colour {
-    float role0, role1, primary;
+    double role0, role1, primary;
 };
 
 Colour suppressed(const SpillParams& p, float c0, float c1, float cP, float alpha) {
@@ -55,9 +65,9 @@ Colour suppressed(const SpillParams& p, float c0, float c1, float cP, float alph
     const double least = min_of(share1, share0);
     const double weighed =
         least + p.cool * max_of(share0 - share1, 0.0) + p.warm * max_of(share1 - share0, 0.0);
-    const std::int32_t plain = max_of(to_int(least * 255.0), 0);
-    const std::int32_t full = clamp_to(0, 255, to_int(255.0 * clamp_to(-127.5, 127.5, weighed)));
-    const std::int32_t blend = to_int(p.rest * plain + p.strength * full);
+    const double plain = max_of(whole(least * 255.0), 0.0);
+    const double full = clamp_to(0.0, 255.0, whole(255.0 * clamp_to(-127.5, 127.5, weighed)));
+    const double blend = whole(p.rest * plain + p.strength * full);
 
     // What the spill leaves of the brightest channel.
     const double spilled0 = p.level0 * plain;
@@ -67,18 +77,17 @@ Colour suppressed(const SpillParams& p, float c0, float c1, float cP, float alph
     const double leftP = (wide(cP * 255.0f) - p.levelP * plain) * kByte;
     const double most = max_of(leftP, max_of(left1, max_of(left0, 0.0))) * 255.0;
 
-    const float out0 = relit(p.ambiance0 * blend, spilled0, most, c0);
-    const float out1 = relit(p.ambiance1 * blend, spilled1, most, c1);
+    const double out0 = relit(p.ambiance0 * blend, spilled0, most, c0);
+    const double out1 = relit(p.ambiance1 * blend, spilled1, most, c1);
     // The primary's own spill is the weighed estimate, not the plain one.
-    const float outP = relit(p.ambianceP * blend, p.levelP * full, most, cP);
+    const double outP = relit(p.ambianceP * blend, p.levelP * full, most, cP);
 
-    const std::int32_t level1 = to_int(out1);
-    const std::int32_t level = wide(out0) > level1 ? to_int(out0) : level1;
-    const double limit = minus(level, min_of(minus(full, plain), 0)) + p.allowance;
-    const float limited = wide(outP) > limit ? static_cast<float>(limit) : outP;
-
-    const auto clamped = [](float v) { return clamp_to(0.0f, 255.0f, v); };
-    return {clamped(out0), clamped(out1), clamped(limited)};
+    const double whole1 = whole(out1);
+    const double level = out0 > whole1 ? whole(out0) : whole1;
+    const double lack = min_of(full - plain, 0.0);
+    const double limit = minus(to_int(level), to_int(lack)) + p.allowance;
+    const double limited = outP > limit ? rounded(limit) : outP;
+    return {clamp_to(0.0, 255.0, out0), clamp_to(0.0, 255.0, out1), clamp_to(0.0, 255.0, limited)};
 }
 
 }  // namespace
@@ -118,17 +127,20 @@ SpillParams spill_params(const ControlBlock& controls) {
 void suppress_spill(const SpillParams& params, const RolePixels& in, const float* alpha,
                     const float* pre_matte, const RoleOutput& out, std::size_t n) {
     const SpillParams p = params;
-    float* __restrict out0 = out.role0;
-    float* __restrict out1 = out.role1;
-    float* __restrict outP = out.primary;
+    const float* in0 = in.role0;
+    const float* in1 = in.role1;
+    const float* inP = in.primary;
+    const float* inA = alpha;
+    const float* pre = pre_matte;
+    float* out0 = out.role0;
+    float* out1 = out.role1;
+    float* outP = out.primary;
+#pragma GCC ivdep
     for (std::size_t i = 0; i < n; ++i) {
-        const float c0 = in.role0[i];
-        const float c1 = in.role1[i];
-        const float cP = in.primary[i];
-        const Colour c = suppressed(p, c0, c1, cP, alpha[i]);
-        const bool keep = pre_matte[i] != 0.0f;
-        out0[i] = keep ? c0 : c.role0;
-        out1[i] = keep ? c1 : c.role1;
-        outP[i] = keep ? cP : c.primary;
+        const Colour c = suppressed(p, in0[i], in1[i], inP[i], inA[i]);
+        const bool keep = wide(pre[i]) != 0.0;
+        out0[i] = static_cast<float>(keep ? wide(in0[i]) : c.role0);
+        out1[i] = static_cast<float>(keep ? wide(in1[i]) : c.role1);
+        outP[i] = static_cast<float>(keep ? wide(inP[i]) : c.primary);
     }
 }

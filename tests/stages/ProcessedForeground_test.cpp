@@ -6,46 +6,6 @@
 using test::Span;
 using test::StageControls;
 
-// Backing 40, 80, 200, half of it veils; a matte of 102 is 0.4 of 255.
-TEST(ProcessedForegroundKernel, WorkedExamples) {
-    constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-    struct Case {
-        bool clean_plate;
-        int screen_correct;
-        float matte, pre_matte;
-        std::array<float, 4> expected;
-    };
-    const std::array<float, 3> pixel{100, 10, 240};
-    const std::array<float, 3> plate{20, 40, 100};
-    for (const Case& c : {
-             Case{false, 1, 102, 0, {92, 0, 200, 153}},   // 10 - 16 is below 0
-             Case{false, 1, 510, -0.0f, {60, 0, 40, 0}},  // twice the veil of 20, 40, 100
-             Case{false, 1, 102, 1e-30f, {0, 0, 0, 0}},
-             Case{false, 1, 102, kNaN, {0, 0, 0, 0}},
-             Case{false, 0, 102, 1, {92, 0, 200, 153}},
-             Case{false, 1, 0, 0, {100, 10, 240, 255}},
-             Case{false, 1, -7, 0, {100, 10, 240, 255}},
-             Case{false, 1, kNaN, 0, {100, 10, 240, 255}},
-             Case{true, 0, 102, 0, {96, 2, 220, 153}},
-             Case{true, 0, 102, 1, {0, 0, 0, 0}},
-             Case{true, 1, -0.0f, 0, {100, 10, 240, 255}},
-         }) {
-        const StageControls controls{{75, 40},  {76, 80},  {77, 200}, {123, c.screen_correct},
-                                     {173, 50}, {174, 50}, {175, 50}};
-        const VeilParams params = veil_params(controls.block);
-        const RolePixels fg{&pixel[0], &pixel[1], &pixel[2]};
-        const VeilMattes mattes{&c.matte, &c.pre_matte};
-        std::array<float, 4> out;
-        const RoleOutput colour{&out[0], &out[1], &out[2]};
-        if (c.clean_plate) {
-            unveil_clean_plate(params, fg, {&plate[0], &plate[1], &plate[2]}, mattes, colour, &out[3], 1);
-        } else {
-            unveil_constant(params, fg, mattes, colour, &out[3], 1);
-        }
-        for (std::size_t i = 0; i < 4; ++i) EXPECT_NEAR(out[i], c.expected[i], 1e-4f) << i << ' ' << c.matte;
-    }
-}
-
 TEST(ProcessedForegroundKernel, EqualsTheNaiveLoop) {
     constexpr int kCount = 6001;
     const Span fg(kCount, 11), plate(kCount, 15);
