@@ -1,6 +1,7 @@
 // Reading of image files; see ImageFile.h.
 #include <algorithm>
 #include <cctype>
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <new>
@@ -70,6 +71,20 @@ Info info_of(const OIIO::ImageSpec& spec, const std::string& path) {
     return info;
 }
 
+// DPX keeps its frame rate under names of its own; give it the common one, as a fraction: 23.976 stands for
+// 24000/1001.
+void name_frame_rate(OIIO::ImageSpec& spec) {
+    if (spec.find_attribute("FramesPerSecond")) return;
+    const float film = spec.get_float_attribute("dpx:FrameRate");
+    const float rate = film > 0.0f ? film : spec.get_float_attribute("dpx:TemporalFrameRate");
+    if (!(rate > 0.0f && rate < 1000.0f)) return;
+    const float whole = std::round(rate);
+    std::array<int, 2> fraction{static_cast<int>(std::round(rate * 1000.0f)), 1000};
+    if (std::abs(rate - whole) < 0.001f) fraction = {static_cast<int>(whole), 1};
+    if (std::abs(rate - whole / 1.001f) < 0.001f) fraction = {static_cast<int>(whole) * 1000, 1001};
+    spec.attribute("FramesPerSecond", OIIO::TypeRational, fraction.data());
+}
+
 // Pixels of one channel out of interleaved rows of the file, which count downward.
 void take_channel(const float* interleaved, int stride, std::size_t width, float* line) {
     for (std::size_t x = 0; x < width; ++x) line[x] = interleaved[x * static_cast<std::size_t>(stride)];
@@ -97,7 +112,8 @@ void Reader::open() {
     const fs::file_status status = fs::status(path_, failed);
     if (!fs::exists(status)) throw Error(path_, "does not exist");
     if (fs::is_directory(status)) throw Error(path_, "is a folder");
-    if (fs::is_regular_file(status) && fs::file_size(path_, failed) == 0) throw Error(path_, "is empty");
+    if (!fs::is_regular_file(status)) throw Error(path_, "is not a regular file");
+    if (fs::file_size(path_, failed) == 0) throw Error(path_, "is empty");
 
     if (!png_is_whole(path_)) throw Error(path_, "is cut off");
 
@@ -137,6 +153,7 @@ Image Reader::read(const Sources& from) {
     Image image;
     image.info = info;
     image.header = spec();
+    name_frame_rate(image.header);
     std::array<int, 4> made_by{-1, -1, -1, -1};
     for (std::size_t c = 0; c < from.size(); ++c) {
         if (from[c] < 0) continue;

@@ -101,6 +101,10 @@ OIIO::ImageSpec spec_for(const Image& image, const OIIO::ImageOutput& output, st
     spec.nchannels = static_cast<int>(spec.channelnames.size());
     spec.set_format(type_of(depth.value_or(windows ? Depth::kHalf : Depth::kUint16)));
 
+    if (const float rate = spec.get_float_attribute("FramesPerSecond"); format == "dpx" && rate > 0.0f) {
+        spec.attribute("dpx:FrameRate", rate);
+        spec.attribute("dpx:TemporalFrameRate", rate);
+    }
     if (windows || format == "tiff") {
         spec.attribute("compression", "zip");
     } else {

@@ -1,5 +1,7 @@
 #include "OiioError.h"
 
+#include <algorithm>
+
 namespace veloxa {
 
 namespace {
@@ -23,15 +25,10 @@ std::string tidy_message(std::string_view message, std::string_view path, std::s
     for (const char* before : {" for \"", " (\"", " \"", "\"", ""}) {
         for (const char* after : {"\")", "\": ", "\"", ": "}) erase_all(text, before + name + after);
     }
-    std::string line;
-    for (const char c : text) {
-        if (c == '\n' || c == '\r') {
-            if (!line.ends_with("; ")) line += "; ";
-        } else {
-            line += c;
-        }
-    }
-    while (!line.empty() && (line.back() == ' ' || line.back() == ';' || line.back() == '.')) line.pop_back();
+    // One cause often gives many lines, one for each block of rows.
+    const std::size_t start = std::min(text.find_first_not_of("\r\n "), text.size());
+    std::string line = text.substr(start, text.find_first_of("\r\n", start) - start);
+    while (!line.empty() && (line.back() == ' ' || line.back() == '.')) line.pop_back();
     return line.empty() ? std::string(otherwise) : line;
 }
 

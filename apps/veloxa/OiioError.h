@@ -1,4 +1,4 @@
-// Messages of the image library as one line.
+// Messages of the image library for people.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 namespace veloxa {
 
-// Joins lines, and takes out the file's name, which the program's own message already has. `otherwise` stands
+// The first line, without the file's name, which the program's own message already has. `otherwise` stands
 // in for an empty message.
 std::string tidy_message(std::string_view message, std::string_view path, std::string_view otherwise);
 
