@@ -47,28 +47,6 @@ float naive(const Density& k, const std::array<float, 3>& backing, const std::ar
 
 }  // namespace
 
-// Over a backing of 30, 60, 240: with no darks m1 = (240 c1 - 60 cP) / 180, m0 = (240 c0 - 30 cP) / 210.
-TEST(MatteKernel, WorkedExamples) {
-    struct Case {
-        ControlTriple backing;
-        Density density;
-        std::array<float, 3> pixel;
-        float expected;
-    };
-    for (const Case& c : {
-             Case{{30, 60, 240}, {100, 0, 0, 0}, {30, 60, 240}, 255.0f},
-             Case{{30, 60, 240}, {100, 0, 0, 0}, {100, 150, 90}, -85.0f},        // m1 170, m0 101.4
-             Case{{30, 60, 240}, {100, 0, 50, 0}, {100, 150, 90}, -121.65625f},  // less (170 - 101) / 2
-             Case{{30, 60, 240}, {100, 10, 0, 0}, {100, 150, 90}, -67.0497f},    // floors 22.3125, 19.125
-             Case{{0, 0, 1}, {1000000, 0, 0, 0}, {255, 255, 0}, -32512.5f},
-         }) {
-        const StageControls controls = controls_for(c.backing, c.density);
-        float matte;
-        matte_constant(matte_params(controls.block), {&c.pixel[0], &c.pixel[1], &c.pixel[2]}, &matte, 1);
-        EXPECT_NEAR(matte, c.expected, 1e-4f) << c.pixel[0] << ' ' << c.density.cool;
-    }
-}
-
 TEST(MatteKernel, EqualsTheNaiveLoop) {
     constexpr int kCount = 6001;
     const Span fg(kCount, 1), plate(kCount, 5);

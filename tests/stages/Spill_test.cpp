@@ -81,43 +81,37 @@ std::array<float, 3> naive(const Setting& k, const std::array<float, 3>& c, floa
     return out;
 }
 
-std::array<float, 3> suppressed(const Setting& s, const std::array<float, 3>& c, float alpha, float pre) {
-    const StageControls controls = controls_for(s);
-    std::array<float, 3> out;
-    suppress_spill(spill_params(controls.block), {&c[0], &c[1], &c[2]}, &alpha, &pre,
-                   {&out[0], &out[1], &out[2]}, 1);
-    return out;
-}
-
 }  // namespace
 
-// Backing 0, 0, 255 and brights alone: total = cP, subject = trunc(c), spill = (cP - subject) / 255.
+// Backing 0, 0, 255 and brights alone: total = cP, subject = trunc(c), spill = (cP - subject) / 255. Here
+// that is (150 - 100) / 255, 50 levels, and the most that it leaves is 100.5.
 TEST(SpillKernel, WorkedExamples) {
-    const Setting plain{{0, 0, 255}, {0, 0, 0}, 0, 0, 0, 0, 100, 50};
-    const auto expect = [](const std::array<float, 3>& out, std::array<float, 3> expected) {
-        for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(out[i], expected[i], 1e-3f) << i;
+    struct Case {
+        ControlTriple ambiance;
+        float pre_matte;
+        std::array<float, 3> expected;
     };
-    // Spill (150 - 100) / 255 is 50 levels; the most left is 100.5. The primary becomes
-    // 150 * 100.5 / (50 + 100.5) = 100.17, held to the integer part of role 0.
-    expect(suppressed(plain, {100.5f, 60, 150}, 255, 0), {100.5f, 60, 100});
-    // Ambiance in the primary gives it 150 * (51 * 50 / 255 + 100.5) / 150.5, and lets it stand out.
-    Setting lit = plain;
-    lit.ambiance = {0, 0, 51};
-    expect(suppressed(lit, {100.5f, 60, 150}, 255, 0), {100.5f, 60, 110.1329f});
-    // In role 1: 60 * (255 * 50 / 255 + 100.5) / 100.5.
-    lit.ambiance = {0, 255, 0};
-    expect(suppressed(lit, {100.5f, 60, 150}, 255, 0), {100.5f, 89.8507f, 100});
-    // No spill: unchanged but for the limit, trunc of the larger secondary.
-    expect(suppressed(plain, {100.5f, 60, 100.25f}, 255, 0), {100.5f, 60, 100});
-    expect(suppressed(plain, {0, 0, 0}, 255, 0), {0, 0, 0});
-    expect(suppressed(plain, {300, -5, 400}, 255, 1), {300, -5, 400});
-    expect(suppressed(plain, {300, -5, 400}, 255, std::numeric_limits<float>::quiet_NaN()), {300, -5, 400});
+    const std::array<float, 3> in{100.5f, 60, 150};
+    const float alpha = 255;
+    for (const Case& c : {
+             Case{{0, 0, 0}, 0, {100.5f, 60, 100}},          // 150 * 100.5 / 150.5, held to trunc of role 0
+             Case{{0, 0, 51}, 0, {100.5f, 60, 110.1329f}},   // 150 * (50 / 5 + 100.5) / 150.5, held to 151
+             Case{{0, 255, 0}, 0, {100.5f, 89.8507f, 100}},  // role 1: 60 * (50 + 100.5) / 100.5
+             Case{{0, 255, 0}, -1, in},
+         }) {
+        const StageControls controls = controls_for({{0, 0, 255}, c.ambiance, 0, 0, 0, 0, 100, 50});
+        std::array<float, 3> out;
+        suppress_spill(spill_params(controls.block), {&in[0], &in[1], &in[2]}, &alpha, &c.pre_matte,
+                       {&out[0], &out[1], &out[2]}, 1);
+        for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(out[i], c.expected[i], 1e-3f) << i;
+    }
 }
 
 TEST(SpillKernel, EqualsTheNaiveLoop) {
     constexpr int kCount = 6001, kMax = 2147483647, kMin = -kMax - 1;
     const Span in(kCount, 21);
-    const std::vector<float> nothing(kCount);
+    std::vector<float> pre(kCount);
+    pre[5] = std::numeric_limits<float>::quiet_NaN();
     for (const Setting& s : {
              Setting{{30, 80, 200}, {128, 128, 128}, 0, 50, 100, 0, 100, 50},
              Setting{{90, 20, 140}, {10, 60, 250}, 70, -30, 160, 45, 80, 20},
@@ -129,10 +123,10 @@ TEST(SpillKernel, EqualsTheNaiveLoop) {
          }) {
         const StageControls controls = controls_for(s);
         Span out(kCount), expected(kCount);
-        suppress_spill(spill_params(controls.block), in.in(), in.alpha(), nothing.data(), out.out(), kCount);
+        suppress_spill(spill_params(controls.block), in.in(), in.alpha(), pre.data(), out.out(), kCount);
         for (std::size_t i = 0; i < kCount; ++i) {
             const auto v = naive(s, {in.planes[0][i], in.planes[1][i], in.planes[2][i]}, in.planes[3][i]);
-            for (std::size_t c = 0; c < 3; ++c) expected.planes[c][i] = v[c];
+            for (std::size_t c = 0; c < 3; ++c) expected.planes[c][i] = i == 5 ? in.planes[c][i] : v[c];
         }
         for (std::size_t c = 0; c < 3; ++c) {
             EXPECT_EQ(test::bits(out.planes[c]), test::bits(expected.planes[c])) << s.backing[0] << ' ' << c;
