@@ -53,12 +53,11 @@ double toned(const ToneCurve& curve, double t, float c) {
     return clamp_to(0.0, 255.0, rounded(limited * 255.0));
 }
 
-// A hue of any turn, brought into 0 to 6 without a step of rounding more than adding or taking away 6 one
-// turn at a time would make; 6 stays 6.
+// A hue of any turn, brought into 0 to 6 with no other rounding than adding or taking away 6 a turn at a time
+// would make.
 double one_turn(double hue) {
     const double rest = hue - 6.0 * to_int(hue / 6.0);
-    const double from0 = 0.0 > rest ? rest + 6.0 : rest;
-    return (hue >= 6.0) & (from0 == 0.0) ? 6.0 : from0;
+    return 0.0 > rest ? rest + 6.0 : rest;
 }
 
 Colour adjusted(const ConformParams& p, const Colour& c) {

@@ -163,11 +163,13 @@ TEST(StageOperators, MakeTheirChannelsForEveryScreenAndPassTheOthers) {
                 for (std::size_t i = 1; i < wired.sources.size(); ++i) {
                     EXPECT_EQ(wired.sources[i]->rows(), 0) << stage.name;
                 }
+                const Row made = fetch(*wired.op, stage.made);
                 const Row row = fetch(*wired.op, kMaskRgba + kDepth);
                 const Pixel& expected = plate != 0 ? stage.expected_with_plate : stage.expected;
                 for (std::size_t i = 0; i < 4; ++i) {
                     EXPECT_NEAR(row[kRoles[screen][i]][6], expected[i], 1e-3f) << stage.name << screen << i;
                 }
+                for (const Channel c : stage.made) EXPECT_EQ(made[c][6], row[c][6]) << stage.name;
                 for (const Channel c : others) EXPECT_EQ(passed[c][6], row[c][6]) << stage.name;
                 EXPECT_EQ(row[kDepth][6] == 77.0f, others.has(kDepth)) << stage.name;
             }
