@@ -2,7 +2,6 @@
 //
 // Colour in role order on the working scale 0 to 255; the matte is 255 on pure backing, 0 and below on
 // solid subject, down to -32512.5. All pointers address n floats; the output must not overlap the inputs.
-// After Vlahos' colour-difference method, with the two secondary channels weighed one by one.
 #pragma once
 
 #include <cstddef>
