@@ -38,7 +38,7 @@ bool CheckedFile::seek(int64_t offset) {
 }
 
 size_t CheckedFile::write(const void* bytes, size_t size) {
-    if (!file_) return 0;
+    if (!file_ || size == 0) return 0;  // with no bytes their address may be null
     const size_t written = std::fwrite(bytes, 1, size, file_);
     if (written != size) note_failure();
     m_pos += static_cast<int64_t>(written);
