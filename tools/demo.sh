@@ -10,9 +10,7 @@ mkdir -p "$out"
 
 # Shows a command before running it.
 run() {
-    printf '$'
-    printf ' %q' "$@"
-    printf '\n'
+    echo "\$ $*"
     "$@"
 }
 
@@ -20,9 +18,9 @@ run "$veloxa" plate -o "$plates" --size 1920x1080 --seed 7 --overwrite
 run "$veloxa" key --fg "$plates/fg.exr" --cp "$plates/cp.exr" --bg "$plates/bg.exr" --gm "$plates/gm.exr" \
     --pick 100,700,400,1000 -o "$out/composite.exr" --overwrite --stats
 echo
-echo "The matte against the true one (alpha), and the composite against the true one:"
+echo "The matte against the true one, and the composite's green, where spill would show:"
 run "$veloxa" compare --channel A "$out/composite.exr" "$plates/alpha_true.exr"
-run "$veloxa" compare "$out/composite.exr" "$plates/comp_true.exr"
+run "$veloxa" compare --channel G "$out/composite.exr" "$plates/comp_true.exr"
 
 # picture FILE CHANNELS PNG: the channels as an 8-bit picture.
 picture() {
