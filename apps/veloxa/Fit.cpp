@@ -24,9 +24,18 @@ int scaled_up(int v, int to, int from) {
     return static_cast<int>(std::ceil(static_cast<double>(v) * to / from));
 }
 
+// The box of the image and its whole frame: beyond the box its edge pixels repeat, where the library's
+// filters would take the rest of the frame as black.
+Box filled_box(const Image& image) {
+    Box box = image.info.box;
+    box.merge(image.info.format.box);
+    return box;
+}
+
 // The library works on interleaved pixels, rows in the order in which they are given; ours go upward.
 OIIO::ImageBuf interleaved(const Image& image, const std::vector<Channel>& channels) {
-    const Box& box = image.info.box;
+    const Box box = filled_box(image);
+    const Box& data = image.info.box;
     OIIO::ImageSpec spec(box.width(), box.height(), static_cast<int>(channels.size()), OIIO::TypeDesc::FLOAT);
     spec.x = box.x;
     spec.y = box.y;
@@ -34,10 +43,12 @@ OIIO::ImageBuf interleaved(const Image& image, const std::vector<Channel>& chann
     spec.full_height = image.info.format.box.height();
     OIIO::ImageBuf buffer(spec);
     auto* out = static_cast<float*>(buffer.localpixels());
-    for (std::size_t n = 0; n < channels.size(); ++n) {
-        const float* plane = image.plane(channels[n]).get();
-        const std::size_t count = image.width() * image.height();
-        for (std::size_t i = 0; i < count; ++i) out[i * channels.size() + n] = plane[i];
+    for (int y = box.y; y < box.t; ++y) {
+        for (int x = box.x; x < box.r; ++x) {
+            const int column = std::clamp(x, data.x, data.r - 1) - data.x;
+            for (const Channel c : channels)
+                *out++ = image.line(c, std::clamp(y, data.y, data.t - 1))[column];
+        }
     }
     return buffer;
 }
@@ -47,10 +58,11 @@ std::shared_ptr<const Image> resized(const Image& image, const Format& format, c
     const Box& to = format.box;
     Info info = image.info;
     info.format = format;
-    info.box.x = scaled_down(image.info.box.x, to.width(), from.width());
-    info.box.r = scaled_up(image.info.box.r, to.width(), from.width());
-    info.box.y = scaled_down(image.info.box.y, to.height(), from.height());
-    info.box.t = scaled_up(image.info.box.t, to.height(), from.height());
+    const Box box = filled_box(image);
+    info.box.x = scaled_down(box.x, to.width(), from.width());
+    info.box.r = scaled_up(box.r, to.width(), from.width());
+    info.box.y = scaled_down(box.y, to.height(), from.height());
+    info.box.t = scaled_up(box.t, to.height(), from.height());
 
     std::vector<Channel> channels;
     for (const Channel c : info.channels) channels.push_back(c);

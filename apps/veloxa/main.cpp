@@ -42,8 +42,6 @@ int main(int argc, char** argv) {
         if (error.get_exit_code() == 0) return app.exit(error);
         veloxa::report(usage_message(app, error, argc > 1 ? argv[1] : ""));
         return veloxa::kExitUsage;
-    } catch (const veloxa::Interrupted&) {
-        return veloxa::kExitInterrupted;
     } catch (const veloxa::Error& error) {
         veloxa::report(error.what());
         return error.status();
