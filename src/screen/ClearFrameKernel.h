@@ -9,13 +9,15 @@
 
 #include "stages/ChannelRoles.h"
 
-// Whether the first pixel has no ratio of its own.
+// Whether the first pixel's clear frame is black, so that it has no coverage of its own.
 bool clear_frame_is_black(const RolePixels& clear);
 
-// The brightness ratio of the last pixel whose clear frame is not black; `before` when there is none. A
-// pixel whose clear frame is black takes the ratio of the one before it.
-double clear_frame_last_ratio(const RolePixels& fg, const RolePixels& clear, std::size_t n, double before);
+// The coverage of a pixel whose clear frame is black and that has no pixel before it: its ratio counts as 0.
+inline constexpr float kFirstCoverage = 255.0f;
 
-// `before` is the ratio that the pixel left of the span had, 0 at the frame's edge.
-void clear_frame(const RolePixels& fg, const RolePixels& plate, const RolePixels& clear, double before,
+// The coverage that a span's last pixel gets when the span begins at the frame's edge.
+float clear_frame_last_coverage(const RolePixels& fg, const RolePixels& clear, std::size_t n);
+
+// A pixel whose clear frame is black takes the coverage of the pixel before it, the first one `before`.
+void clear_frame(const RolePixels& fg, const RolePixels& plate, const RolePixels& clear, float before,
                  const RoleOutput& out, float* coverage, std::size_t n);

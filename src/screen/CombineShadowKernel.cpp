@@ -45,17 +45,20 @@ void combine_shadow(const CombineShadowParams& params, const RolePixels& fg, con
     const double tint0 = params.tint[0];
     const double tint1 = params.tint[1];
     const double tintP = params.tint[2];
-    float* __restrict role0 = out.role0;
-    float* __restrict role1 = out.role1;
-    float* __restrict primary = out.primary;
-    float* __restrict result = alpha;
+    const float* c0 = fg.role0;
+    const float* c1 = fg.role1;
+    const float* cP = fg.primary;
+    float* out0 = out.role0;
+    float* out1 = out.role1;
+    float* outP = out.primary;
+#pragma GCC ivdep
     for (std::size_t i = 0; i < n; ++i) {
         const double u = light(levels, shadow[i]);
         const auto m = static_cast<double>(matte[i]);
-        result[i] = static_cast<float>(m * u);
+        alpha[i] = static_cast<float>(m * u);
         const double w = (1.0 - u) * m * kByteDouble;
-        role0[i] = tinted(tint0, w, fg.role0[i]);
-        role1[i] = tinted(tint1, w, fg.role1[i]);
-        primary[i] = tinted(tintP, w, fg.primary[i]);
+        out0[i] = tinted(tint0, w, c0[i]);
+        out1[i] = tinted(tint1, w, c1[i]);
+        outP[i] = tinted(tintP, w, cP[i]);
     }
 }

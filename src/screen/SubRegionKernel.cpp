@@ -22,10 +22,15 @@ Minor minor_of(std::int32_t primary, std::int32_t backing, double darks) {
     return {t, b, b - t, (1.0 - threshold / 255.0) * p - (static_cast<double>(backing) - threshold)};
 }
 
-double excess(const Minor& minor, float primary, float c, float cp) {
+struct Excess {
+    double value, whole;  // whole: its integer part
+};
+
+Excess excess(const Minor& minor, float primary, float c, float cp) {
     const float numerator = (c - minor.threshold) * primary - cp * minor.rest;
     const double v = static_cast<double>(numerator) / minor.divisor;
-    return v > 0.0 ? v : 0.0;  // a NaN becomes 0 too
+    const double whole = to_int(v);
+    return {v > 0.0 ? v : 0.0, v > 0.0 ? whole : 0.0};  // a NaN becomes 0 too
 }
 
 }  // namespace
@@ -42,13 +47,18 @@ void sub_region(const SubRegionParams& params, const RolePixels& fg, float* alph
     const Minor minor1 = minor_of(params.backing[2], params.backing[1], params.darks);
     const auto primary = static_cast<float>(params.backing[2]);
     const double p = params.backing[2];
+    const SubRegionParams k = params;
+    const float* c0 = fg.role0;
+    const float* c1 = fg.role1;
+    const float* cP = fg.primary;
+#pragma GCC ivdep
     for (std::size_t i = 0; i < n; ++i) {
-        const float cp = fg.primary[i];
-        const double v1 = excess(minor1, primary, fg.role1[i], cp);
-        const double v0 = excess(minor0, primary, fg.role0[i], cp);
-        const double m = min_of(to_int(v1), to_int(v0));
-        const double x1 = (static_cast<double>(cp) - v1 * params.brights - (v1 - m) * params.cool) / p;
-        const double x0 = (static_cast<double>(cp) - v0 * params.brights - (v0 - m) * params.warm) / p;
-        alpha[i] = min_of(x1, x0) < 0.0 ? 255.0f : 0.0f;
+        const float cp = cP[i];
+        const Excess v1 = excess(minor1, primary, c1[i], cp);
+        const Excess v0 = excess(minor0, primary, c0[i], cp);
+        const double m = min_of(v1.whole, v0.whole);
+        const double x1 = (static_cast<double>(cp) - v1.value * k.brights - (v1.value - m) * k.cool) / p;
+        const double x0 = (static_cast<double>(cp) - v0.value * k.brights - (v0.value - m) * k.warm) / p;
+        alpha[i] = static_cast<float>(min_of(x1, x0) < 0.0 ? 255.0 : 0.0);
     }
 }

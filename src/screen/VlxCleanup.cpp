@@ -24,7 +24,8 @@ void VlxCleanup::engine(int y, int x, int r, const ChannelSet& channels, Row& ro
     in.get(input(0), y, channels + kMaskAlpha);
     row.share(in, channels - kMaskRgba);
     const CleanupParams params = cleanup_params(controls());
-    for (const Channel c : channels& kMaskRgb) {
+    const ChannelSet colours = channels & kMaskRgb;
+    for (const Channel c : colours) {
         cleanup_colour(params, in[kAlpha], in[c], row.overwrite(c), row.width());
     }
     if (channels.has(kAlpha)) cleanup_matte(params, in[kAlpha], row.overwrite(kAlpha), row.width());

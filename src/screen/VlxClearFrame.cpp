@@ -40,15 +40,14 @@ void VlxClearFrame::engine(int y, int x, int r, const ChannelSet& channels, Row&
     clear.get(input(2), y, kMaskRgb);
     const auto roles = role_channels(controls());
 
-    double before = 0.0;
-    const int left = info_.box.x;
-    if (x > left && clear_frame_is_black(role_pixels(clear, roles))) {
-        Row fg_left(left, x);
+    float before = kFirstCoverage;
+    if (x > info_.box.x && clear_frame_is_black(role_pixels(clear, roles))) {
+        Row fg_left(info_.box.x, x);
         fg_left.get(input(0), y, kMaskRgb);
-        Row clear_left(left, x);
+        Row clear_left(info_.box.x, x);
         clear_left.get(input(2), y, kMaskRgb);
-        before = clear_frame_last_ratio(role_pixels(fg_left, roles), role_pixels(clear_left, roles),
-                                        fg_left.width(), 0.0);
+        before = clear_frame_last_coverage(role_pixels(fg_left, roles), role_pixels(clear_left, roles),
+                                           fg_left.width());
     }
     row.share(fg, channels - kMaskRgba);
     clear_frame(role_pixels(fg, roles), role_pixels(plate, roles), role_pixels(clear, roles), before,
