@@ -128,7 +128,7 @@ void Knob::new_undo(const char* name) {
 }
 
 const char* kind_name(Knob::Kind kind) {
-    constexpr std::array<const char*, 16> kNames{"bool",          "float",
+    constexpr std::array<const char*, 16> kNames{"boolean",       "float",
                                                  "menu",          "color",
                                                  "color_alpha",   "width_height",
                                                  "link",          "tab",
