@@ -48,7 +48,7 @@ TEST(ClearRegion, BothSecondariesMustPass) {
         {60, 80, kNaN, 0, 29, 100},    {kNaN, 80, 200, 0, 29, 100},       {75, 95, 220, 255, 29, 100},
         {90, 80, 220, 0, 29, 100},     {90, 80, 220, 255, 31, 50},        {60, 103.5f, 220, 255, 29, 100},
         {60, 103.5f, 220, 0, 29, 120}, {30, 49.8f, 100, 255, 30, 10},     {30, 49.9f, 100, 0, 30, 10},
-        {41.0f, 40, 100, 255, 32, 10}, {41.2f, 40, 100, 0, 32, 10}};
+        {41.0f, 40, 100, 255, 32, 10}, {41.2f, 40, 100, 0, 32, 10},       {67, 80, 200, 255, 37, 8}};
     for (const auto& c : cases) {
         EXPECT_EQ(clear({c.role0, c.role1, c.primary}, c.control, c.value), c.expected) << &c - cases;
     }
@@ -59,6 +59,10 @@ TEST(ClearRegion, PlateAndMattesComeBeforeTheConstantBacking) {
     const RolePixels plate = pixels(dim);
     EXPECT_EQ(clear({34, 44, 100}), 0.0f);
     EXPECT_EQ(clear({34, 44, 100}, 29, 100, &plate), 255.0f);  // within 5 of the dim plate
+    EXPECT_EQ(clear({37, 44, 100}, 37, 8, &plate), 255.0f);
+    // Exactly as bright as the plate: the test for brighter pixels decides, or the one for darker pixels.
+    EXPECT_EQ(clear({30, 90, 100}, 29, 0, &plate), 255.0f);
+    EXPECT_EQ(clear({30, 40, 100}, 29, -100, &plate), 255.0f);
     const float no = 0;
     const float yes = 0.25f;
     const struct {
@@ -133,6 +137,12 @@ TEST(Islands, CountDisagreeingNeighbours) {
         EXPECT_EQ(out.at(kAlpha, c.x, c.y), c.expected) << c.threshold << " at " << c.x << ',' << c.y;
         EXPECT_EQ(out.at(kRed, 1, 1), 7.0f);
     }
+    StageControls controls{{232, 3}};
+    VlxComputeIsland op(NodeContext{}, &controls.block);
+    test::FunctionSource unread({0, 0, 5, 4}, kMaskRgba, [](Channel, int, int) { return 0.0f; });
+    op.set_input(0, &unread);
+    op.request(2, 1, 3, 2, kMaskAlpha, 1);
+    EXPECT_EQ(unread.requested().box, (Box{1, 0, 4, 3}));
 }
 
 }  // namespace

@@ -92,7 +92,7 @@ TEST(Shadow, CombinesByLevelsDensityAndTint) {
         {0, 255, 0, 255, 255, 255, 0},                    // off
         {0, 128, 100, 255, 127, 255, 0},                  // light 128 is the new white
         {55, 155, 100, 255, 150, 155, 100.0f / 255.0f},   // 50 * 200 / 100 + 55
-        {100, 200, 100, 255, 155, 100, 155.0f / 255.0f},  // at the low end unchanged
+        {100, 100, 100, 255, 155, 100, 155.0f / 255.0f},  // at the low end unchanged
         {100, 100, 100, 255, 100, 255, 0},                // no range: above low is white
         {0, 255, 100, 0, 255, 0, 0},                      // a matte of 0 takes no tint
     };
