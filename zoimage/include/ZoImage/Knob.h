@@ -175,7 +175,7 @@ class Knob : public ValueStuffI {
     KnobHost* host_ = nullptr;
 };
 
-// "bool", "float", "menu", "color", "color_alpha", "width_height", "link", "tab", "text", "button",
+// "boolean", "float", "menu", "color", "color_alpha", "width_height", "link", "tab", "text", "button",
 // "script_button", "begin_toolbar", "end_toolbar", "toolbar_separator", "tool_button", "custom".
 const char* kind_name(Knob::Kind kind);
 
