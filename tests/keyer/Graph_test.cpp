@@ -1,7 +1,9 @@
 // The node as a whole: wiring alternatives, requests, what a change recomputes, independence of threads.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstring>
+#include <limits>
 #include <random>
 #include <string>
 #include <vector>
@@ -350,8 +352,7 @@ TEST(Graph, MembersDoNotDependOnThreadsWindowsOrSize) {
                 everything_on(rig.knobs());
             }
             rig.update();
-            std::vector<const char*> names(kMembers);
-            for (const char* name : names) {
+            for (const char* name : kMembers) {
                 const test::Picture one = test::render(rig.member(name), frame, 1);
                 rig.node.close();  // forgets whole frames
                 rig.update();
@@ -365,7 +366,9 @@ TEST(Graph, MembersDoNotDependOnThreadsWindowsOrSize) {
                     for (const Channel c : kMaskRgba) {
                         const float a = column.at(c, tile.x, y);
                         const float b = one.at(c, tile.x, y);
-                        ASSERT_EQ(std::memcmp(&a, &b, sizeof a), 0) << name << ' ' << c << " at " << y;
+                        // Which of two NaNs a sum passes on is the compiler's choice.
+                        ASSERT_TRUE(a == b || (std::isnan(a) && std::isnan(b)))
+                            << name << ' ' << c << " at " << y;
                     }
                 }
             }

@@ -1,6 +1,7 @@
 #include "ZoImage/PluginLoader.h"
 
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <fstream>
@@ -33,7 +34,7 @@ class PluginLoader : public testing::Test {
         return "loaded";
     }
 
-    fs::path root_ = fs::path(testing::TempDir()) / "plugin_loader_test";
+    fs::path root_ = fs::path(testing::TempDir()) / ("plugin_loader_test." + std::to_string(getpid()));
     fs::path first_ = root_ / "first";
     fs::path second_ = root_ / "second";
 };
