@@ -1,5 +1,6 @@
 #include "screen/ClearFrameKernel.h"
 
+#include "screen/OneNaN.h"
 #include "stages/KernelMath.h"
 
 using namespace kernel;
@@ -18,13 +19,13 @@ float brightness(const RolePixels& pixels, std::size_t i) {
 float coverage_of(float f, float s) {
     const double q =
         (static_cast<double>(f) * 255.0 + static_cast<double>(s * 0.5f)) / static_cast<double>(s);
-    return static_cast<float>(255.0 - cap_at(255.0, q));
+    return one_nan(static_cast<float>(255.0 - cap_at(255.0, q)));
 }
 
 void correct(const float* fg, const float* plate, const float* clear, float* __restrict out, std::size_t n) {
     for (std::size_t i = 0; i < n; ++i) {
         const float v = (plate[i] * fg[i] + clear[i] * 0.5f) / clear[i];
-        out[i] = cap_at(255.0f, v);
+        out[i] = one_nan(cap_at(255.0f, v));
     }
 }
 

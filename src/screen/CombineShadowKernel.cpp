@@ -1,5 +1,6 @@
 #include "screen/CombineShadowKernel.h"
 
+#include "screen/OneNaN.h"
 #include "stages/KernelMath.h"
 
 using namespace kernel;
@@ -29,7 +30,7 @@ double light(const Levels& k, float shadow) {
 }
 
 float tinted(double tint, double weight, float c) {
-    return static_cast<float>(cap_at(255.0, tint * weight + static_cast<double>(c)));
+    return one_nan(static_cast<float>(cap_at(255.0, tint * weight + static_cast<double>(c))));
 }
 
 }  // namespace
@@ -55,7 +56,7 @@ void combine_shadow(const CombineShadowParams& params, const RolePixels& fg, con
     for (std::size_t i = 0; i < n; ++i) {
         const double u = light(levels, shadow[i]);
         const auto m = static_cast<double>(matte[i]);
-        alpha[i] = static_cast<float>(m * u);
+        alpha[i] = one_nan(static_cast<float>(m * u));
         const double w = (1.0 - u) * m * kByteDouble;
         out0[i] = tinted(tint0, w, c0[i]);
         out1[i] = tinted(tint1, w, c1[i]);

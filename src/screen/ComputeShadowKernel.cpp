@@ -1,5 +1,6 @@
 #include "screen/ComputeShadowKernel.h"
 
+#include "screen/OneNaN.h"
 #include "stages/KernelMath.h"
 
 using namespace kernel;
@@ -15,6 +16,6 @@ void compute_shadow(const ComputeShadowParams& params, const RolePixels& backing
     for (std::size_t i = 0; i < n; ++i) {
         const float s = (backing.role1[i] + backing.role0[i]) + backing.primary[i];
         const double v = clamp_to(0.0, 255.0, static_cast<double>(s) * params.gain);
-        density[i] = static_cast<float>(255.0 - v);
+        density[i] = one_nan(static_cast<float>(255.0 - v));
     }
 }
