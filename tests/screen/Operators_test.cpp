@@ -16,18 +16,17 @@
 #include "screen/VlxComputeIsland.h"
 #include "screen/VlxComputeShadow.h"
 #include "screen/VlxSubRegion.h"
+#include "support/RoleInputs.h"
 #include "support/StageControls.h"
-#include "support/TestImages.h"
 
 using namespace Zo::Image;
+using test::fetch_row;
+using test::kDepth;
+using test::kRoles;
 
 namespace {
 
-constexpr Box kBox{-2, 1, 5, 4};
-constexpr auto kDepth = static_cast<Channel>(7);
-using Pixel = std::array<float, 4>;  // role order, alpha
-constexpr Channel kRoles[3][4]{
-    {kRed, kGreen, kBlue, kAlpha}, {kRed, kBlue, kGreen, kAlpha}, {kBlue, kGreen, kRed, kAlpha}};
+using Pixel = test::RolePixel;
 
 template <class T>
 std::unique_ptr<VlxIop> make(const ControlBlock& controls) {
@@ -81,21 +80,9 @@ struct Wired {
     explicit Wired(const Operator& o, int color_index = 0, int clean_plate = 0) : op(o.make(controls.block)) {
         controls.block.set(120, color_index);
         controls.block.set(122, clean_plate);
-        for (const Pixel& pixel : o.inputs) {
-            const auto value = [pixel, color_index](Channel c, int, int) {
-                const auto* role = std::find(kRoles[color_index], kRoles[color_index] + 4, c);
-                return c == kDepth ? 77.0f : pixel[static_cast<std::size_t>(role - kRoles[color_index])];
-            };
-            sources.push_back(std::make_unique<test::FunctionSource>(kBox, kMaskRgba + kDepth, value));
-            op->set_input(static_cast<int>(sources.size()) - 1, sources.back().get());
-        }
+        sources = test::connect_role_inputs(*op, o.inputs, color_index);
     }
-    Row fetch(ChannelSet channels) {
-        op->request(kBox.x, 2, kBox.r, 3, channels, 1);
-        Row row(kBox.x, kBox.r);
-        row.get(*op, 2, channels);
-        return row;
-    }
+    Row fetch(ChannelSet channels) { return fetch_row(*op, channels); }
     std::string name() const { return op->class_name(); }
     // Whether the hash changes from one setup to the next when `change` is made in between.
     bool hash_follows(const std::function<void()>& change) {
@@ -108,7 +95,7 @@ struct Wired {
 
     test::StageControls controls{{75, 60}, {76, 80},  {77, 200}, {4, 200},   {5, 0},  {62, 10},
                                  {63, 50}, {161, 10}, {162, 20}, {163, 100}, {232, 1}};
-    std::vector<std::unique_ptr<test::FunctionSource>> sources;
+    test::RoleInputs sources;
     std::unique_ptr<VlxIop> op;
 };
 

@@ -13,24 +13,23 @@
 #include "stages/VlxNormalize.h"
 #include "stages/VlxOutputMatte.h"
 #include "stages/VlxSpillSuppression.h"
+#include "support/RoleInputs.h"
 #include "support/StageControls.h"
-#include "support/TestImages.h"
 
 using namespace Zo::Image;
+using test::fetch_row;
+using test::kDepth;
+using test::kRoles;
 using test::StageControls;
 
 namespace {
 
-constexpr Box kBox{-2, 1, 5, 4};
-constexpr auto kDepth = static_cast<Channel>(7);
-using Pixel = std::array<float, 4>;  // role order, alpha
+using Pixel = test::RolePixel;
 
 constexpr Pixel kForeground{60, 90, 120, 30};
 constexpr Pixel kPlate{12, 24, 36, 5};
 constexpr Pixel kMatte{1, 2, 3, 102};
 constexpr Pixel kPreMatte{4, 5, 6, 0};
-constexpr Channel kRoles[3][4]{
-    {kRed, kGreen, kBlue, kAlpha}, {kRed, kBlue, kGreen, kAlpha}, {kBlue, kGreen, kRed, kAlpha}};
 
 StageControls asymmetric_controls() {
     return {{75, 10},   {76, 20},   {77, 200}, {173, 100}, {174, 50},  {175, 25}, {115, 10}, {116, 60},
@@ -120,14 +119,7 @@ struct Wired {
         : op(stage.make(controls.block)) {
         controls.block.set(120, color_index);
         controls.block.set(122, clean_plate);
-        for (const Pixel& pixel : stage.inputs) {
-            const auto value = [pixel, color_index](Channel c, int, int) {
-                const auto* role = std::find(kRoles[color_index], kRoles[color_index] + 4, c);
-                return c == kDepth ? 77.0f : pixel[static_cast<std::size_t>(role - kRoles[color_index])];
-            };
-            sources.push_back(std::make_unique<test::FunctionSource>(kBox, kMaskRgba + kDepth, value));
-            op->set_input(static_cast<int>(sources.size()) - 1, sources.back().get());
-        }
+        sources = test::connect_role_inputs(*op, stage.inputs, color_index);
     }
     Hash hash() {
         if (auto* const stage = dynamic_cast<VlxIop*>(op.get())) {
@@ -139,16 +131,9 @@ struct Wired {
     }
 
     StageControls controls = asymmetric_controls();
-    std::vector<std::unique_ptr<test::FunctionSource>> sources;
+    test::RoleInputs sources;
     std::unique_ptr<Iop> op;
 };
-
-Row fetch(Iop& op, ChannelSet channels) {
-    op.request(kBox.x, 2, kBox.r, 3, channels, 1);
-    Row row(kBox.x, kBox.r);
-    row.get(op, 2, channels);
-    return row;
-}
 
 }  // namespace
 
@@ -159,12 +144,12 @@ TEST(StageOperators, MakeTheirChannelsForEveryScreenAndPassTheOthers) {
                 Wired wired(stage, screen, plate);
                 EXPECT_STREQ(wired.op->class_name(), stage.name);
                 const ChannelSet others = kMaskRgba + kDepth - stage.made;
-                const Row passed = fetch(*wired.op, others);
+                const Row passed = fetch_row(*wired.op, others);
                 for (std::size_t i = 1; i < wired.sources.size(); ++i) {
                     EXPECT_EQ(wired.sources[i]->rows(), 0) << stage.name;
                 }
-                const Row made = fetch(*wired.op, stage.made);
-                const Row row = fetch(*wired.op, kMaskRgba + kDepth);
+                const Row made = fetch_row(*wired.op, stage.made);
+                const Row row = fetch_row(*wired.op, kMaskRgba + kDepth);
                 const Pixel& expected = plate != 0 ? stage.expected_with_plate : stage.expected;
                 for (std::size_t i = 0; i < 4; ++i) {
                     EXPECT_NEAR(row[kRoles[screen][i]][6], expected[i], 1e-3f) << stage.name << screen << i;
