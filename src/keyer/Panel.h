@@ -50,9 +50,6 @@ class PanelKnobs {
         return samples_[static_cast<std::size_t>(action)];
     }
     Zo::Image::Knob* tool(Tool tool) const { return tools_[static_cast<std::size_t>(tool)]; }
-    Zo::Image::Knob* screen_color() const { return screen_color_; }
-    Zo::Image::Knob* overlay_mode() const { return overlay_mode_; }
-    Zo::Image::Knob* shadows_tint() const { return shadows_tint_; }
 
   private:
     friend class PanelBuilder;
