@@ -1,7 +1,9 @@
 # A thin wrapper over the CMake presets. `make demo` and `make test` work on a fresh Debian 12 system: they
 # install the packages that are missing first. SKIP_DEPS=1 leaves the system's packages alone.
+#
+# make bench BENCH_ARGS=--benchmark_filter=REGEX runs some of the benchmarks.
 
-.PHONY: build deps demo test asan tsan debug format format-check tidy check-house clean
+.PHONY: build deps demo test bench asan tsan debug format format-check tidy check-house clean
 
 build: deps
 	cmake --preset release
@@ -15,6 +17,12 @@ demo: build
 
 test: build
 	tools/run_tests.sh release
+
+bench:
+	@[ -n "$(SKIP_DEPS)" ] || tools/deps.sh bench
+	cmake --preset bench
+	cmake --build --preset bench
+	tools/bench.sh $(BENCH_ARGS)
 
 debug asan tsan: deps
 	cmake --preset $@

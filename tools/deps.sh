@@ -3,6 +3,7 @@
 #
 #   tools/deps.sh          what building, the demo and the tests need
 #   tools/deps.sh dev      also what formatting and linting need
+#   tools/deps.sh bench    also what the benchmarks need
 set -euo pipefail
 
 packages=(
@@ -14,8 +15,9 @@ packages=(
 case "${1-}" in
     "") ;;
     dev) packages+=(clang-format clang-tidy) ;;
+    bench) packages+=(libbenchmark-dev) ;;
     *)
-        echo "usage: tools/deps.sh [dev]" >&2
+        echo "usage: tools/deps.sh [dev|bench]" >&2
         exit 2
         ;;
 esac
