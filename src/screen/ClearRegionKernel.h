@@ -8,11 +8,12 @@
 #include <cstddef>
 
 #include "controls/ControlBlock.h"
+#include "lanes/LaneKernel.h"
 #include "stages/ChannelRoles.h"
 
 struct ClearRegionParams {
-    ControlTriple backing;    // role 0, role 1, primary
-    ControlTriple tolerance;  // likewise
+    std::int32_t backing0, backing1, backingP;  // role 0, role 1, primary
+    std::int32_t tolerance0, tolerance1;
     double brights1, darks1;  // role 1; 1.0 is 100 per cent
     double brights0, darks0;  // role 0
 };
@@ -28,5 +29,6 @@ struct ClearRegionMattes {
 };
 
 // `plate` is the backing pixel by pixel, null for the constant backing of the parameters.
-void clear_region(const ClearRegionParams& params, const RolePixels& fg, const RolePixels* plate,
-                  const ClearRegionMattes& mattes, float* alpha, std::size_t n);
+using ClearRegion = void(const ClearRegionParams& params, const RolePixels& fg, const RolePixels* plate,
+                         const ClearRegionMattes& mattes, float* alpha, std::size_t n);
+extern const LaneKernel<ClearRegion> clear_region;

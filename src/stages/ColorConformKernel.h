@@ -6,10 +6,10 @@
 // Arithmetic in double. All pointers address n floats; the outputs overlap no input.
 #pragma once
 
-#include <array>
 #include <cstddef>
 
 #include "controls/ControlBlock.h"
+#include "lanes/LaneKernel.h"
 #include "stages/ChannelRoles.h"
 
 struct ToneCurve {
@@ -20,14 +20,15 @@ struct ToneCurve {
 };
 
 struct ConformParams {
-    std::array<ToneCurve, 3> curves;  // role 0, role 1, primary
-    bool adjust;                      // whether any of the three below says something
-    double hue;                       // sextants of the hue circle to turn by
-    double saturation;                // factor
-    double value;                     // logarithmic levels to add, 0 to 1
+    ToneCurve curve0, curve1, curveP;  // role 0, role 1, primary
+    bool adjust;                       // whether any of the three below says something
+    double hue;                        // sextants of the hue circle to turn by
+    double saturation;                 // factor
+    double value;                      // logarithmic levels to add, 0 to 1
 };
 
 ConformParams conform_params(const ControlBlock& controls);
 
-void conform_colour(const ConformParams& params, const RolePixels& in, const float* alpha,
-                    const RoleOutput& out, std::size_t n);
+using ConformColour = void(const ConformParams& params, const RolePixels& in, const float* alpha,
+                           const RoleOutput& out, std::size_t n);
+extern const LaneKernel<ConformColour> conform_colour;

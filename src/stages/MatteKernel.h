@@ -7,6 +7,7 @@
 #include <cstddef>
 
 #include "controls/ControlBlock.h"
+#include "lanes/LaneKernel.h"
 #include "stages/ChannelRoles.h"
 
 struct MatteParams {
@@ -17,7 +18,10 @@ struct MatteParams {
 MatteParams matte_params(const ControlBlock& controls);
 
 // Against one backing colour for the whole frame.
-void matte_constant(const MatteParams& params, const RolePixels& fg, float* matte, std::size_t n);
+using MatteConstant = void(const MatteParams& params, const RolePixels& fg, float* matte, std::size_t n);
+extern const LaneKernel<MatteConstant> matte_constant;
+
 // Against a clean plate, pixel by pixel; the backing levels of the parameters are not used.
-void matte_clean_plate(const MatteParams& params, const RolePixels& fg, const RolePixels& plate, float* matte,
-                       std::size_t n);
+using MatteCleanPlate = void(const MatteParams& params, const RolePixels& fg, const RolePixels& plate,
+                             float* matte, std::size_t n);
+extern const LaneKernel<MatteCleanPlate> matte_clean_plate;

@@ -9,6 +9,7 @@
 #include <cstddef>
 
 #include "controls/ControlBlock.h"
+#include "lanes/LaneKernel.h"
 #include "stages/ChannelRoles.h"
 
 struct VeilParams {
@@ -25,8 +26,11 @@ struct VeilMattes {
 };
 
 // Against one backing colour for the whole frame.
-void unveil_constant(const VeilParams& params, const RolePixels& fg, const VeilMattes& mattes,
-                     const RoleOutput& out, float* alpha, std::size_t n);
+using UnveilConstant = void(const VeilParams& params, const RolePixels& fg, const VeilMattes& mattes,
+                            const RoleOutput& out, float* alpha, std::size_t n);
+extern const LaneKernel<UnveilConstant> unveil_constant;
+
 // Against a clean plate, pixel by pixel.
-void unveil_clean_plate(const VeilParams& params, const RolePixels& fg, const RolePixels& plate,
-                        const VeilMattes& mattes, const RoleOutput& out, float* alpha, std::size_t n);
+using UnveilCleanPlate = void(const VeilParams& params, const RolePixels& fg, const RolePixels& plate,
+                              const VeilMattes& mattes, const RoleOutput& out, float* alpha, std::size_t n);
+extern const LaneKernel<UnveilCleanPlate> unveil_clean_plate;

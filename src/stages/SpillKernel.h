@@ -8,6 +8,7 @@
 #include <cstddef>
 
 #include "controls/ControlBlock.h"
+#include "lanes/LaneKernel.h"
 #include "stages/ChannelRoles.h"
 
 struct SpillParams {
@@ -25,5 +26,6 @@ struct SpillParams {
 
 SpillParams spill_params(const ControlBlock& controls);
 
-void suppress_spill(const SpillParams& params, const RolePixels& in, const float* alpha,
-                    const float* pre_matte, const RoleOutput& out, std::size_t n);
+using SuppressSpill = void(const SpillParams& params, const RolePixels& in, const float* alpha,
+                           const float* pre_matte, const RoleOutput& out, std::size_t n);
+extern const LaneKernel<SuppressSpill> suppress_spill;

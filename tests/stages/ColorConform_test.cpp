@@ -111,7 +111,7 @@ TEST(LogExp, StaysWithinOneUnitOfTheLastPlace) {
     EXPECT_EQ(kernel::exp_of(0.0), 1.0);
     EXPECT_EQ(kernel::exp_of(-1e300), kernel::exp_of(-700.0));
     EXPECT_EQ(kernel::exp_of(HUGE_VAL), kernel::exp_of(700.0));
-    EXPECT_TRUE(std::isnan(kernel::log_of(NAN)) && std::isnan(kernel::exp_of(NAN)));
+    EXPECT_TRUE(std::isnan(kernel::log_of(double{NAN})) && std::isnan(kernel::exp_of(double{NAN})));
 }
 
 TEST(ColorConformKernel, WorkedExamples) {

@@ -11,11 +11,11 @@ namespace Zo::Image {
 
 inline constexpr std::int32_t kIntIndefinite = std::numeric_limits<std::int32_t>::min();
 
-inline std::int32_t to_int(double v) {
+[[gnu::always_inline]] constexpr std::int32_t to_int(double v) {
     return v > -2147483649.0 && v < 2147483648.0 ? static_cast<std::int32_t>(v) : kIntIndefinite;
 }
 
-inline std::int32_t to_int(float v) {
+[[gnu::always_inline]] constexpr std::int32_t to_int(float v) {
     return v >= -2147483648.0f && v < 2147483648.0f ? static_cast<std::int32_t>(v) : kIntIndefinite;
 }
 
