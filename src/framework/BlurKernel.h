@@ -7,10 +7,14 @@
 #include <cstddef>
 #include <span>
 
+#include "lanes/LaneKernel.h"
+
 // 1 / (2 * radius + 1).
 float blur_scale(int radius);
 
 // sum[i] += lines[0][i], then lines[1][i] and so on, for i < n. Lines must not overlap the sum.
-void blur_add(std::span<const float* const> lines, float* sum, std::size_t n);
+using BlurAdd = void(std::span<const float* const> lines, float* sum, std::size_t n);
+extern const LaneKernel<BlurAdd> blur_add;
 // sum[i] = scale * sum[i].
-void blur_finish(float scale, float* sum, std::size_t n);
+using BlurFinish = void(float scale, float* sum, std::size_t n);
+extern const LaneKernel<BlurFinish> blur_finish;

@@ -4,7 +4,7 @@
 
 #include "ZoImage/GeneralTile.h"
 #include "framework/BlurKernel.h"
-#include "framework/FoldLines.h"
+#include "framework/LineGroups.h"
 
 using namespace Zo::Image;
 

@@ -8,6 +8,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
+
+#include "lanes/LaneKernel.h"
 
 enum class OutputMode : std::int32_t { kComposite = 0, kPremultiplied = 1, kUnpremultiplied = 2 };
 enum class OverlayMode : std::int32_t { kOff = 0, kScreen = 1, kSubject = 2 };
@@ -15,15 +18,24 @@ enum class OverlayMode : std::int32_t { kOff = 0, kScreen = 1, kSubject = 2 };
 // The pivot of the output passes: where the working scale leaves the straight line.
 inline constexpr float kOutputPivot = 0.5f;
 
-// A sample of the working scale as the host's value; 255 and above become infinity.
-float decode(float v, float pivot);
+// A sample of the working scale as the host's value; 255 and above become infinity, a NaN stays as it is.
+[[gnu::always_inline]] inline float decode(float v, float pivot) {
+    constexpr float kByte = 0.003921569f;
+    const float s = v * kByte;
+    const float t = (s - pivot) / (1.0f - pivot);
+    const float bent = t / (1.0f - t) + pivot;
+    const float above = s >= 1.0f ? std::numeric_limits<float>::infinity() : bent;
+    return s > pivot ? above : s;
+}
 
 // Foreground opacity, 0 to 1, from the matte (255 on backing); a NaN stays one.
-void opacity(const float* matte, float* k, std::size_t n);
+using Opacity = void(const float* matte, float* k, std::size_t n);
+extern const LaneKernel<Opacity> opacity;
 
 // The output rule for one colour channel.
-void output_colour(OutputMode mode, const float* colour, const float* background, const float* k, float* out,
-                   std::size_t n);
+using OutputColour = void(OutputMode mode, const float* colour, const float* background, const float* k,
+                          float* out, std::size_t n);
+extern const LaneKernel<OutputColour> output_colour;
 
 struct OverlayParams {
     OverlayMode mode;
@@ -34,9 +46,12 @@ struct OverlayParams {
 
 // The foreground with the screen or the subject area tinted; `region` is the screen area's alpha. Channels
 // of `out` that are null are not written.
-void overlay(const OverlayParams& params, const float* region, const std::array<const float*, 3>& fg,
-             const std::array<float*, 3>& out, std::size_t n);
+using Overlay = void(const OverlayParams& params, const float* region, const std::array<const float*, 3>& fg,
+                     const std::array<float*, 3>& out, std::size_t n);
+extern const LaneKernel<Overlay> overlay;
 
 // Puts the foreground back where the holdout matte is; `out` is read and written.
-void holdout_colour(const float* holdout, const float* fg, float* out, std::size_t n);
-void holdout_alpha(const float* holdout, float* out, std::size_t n);
+using HoldoutColour = void(const float* holdout, const float* fg, float* out, std::size_t n);
+extern const LaneKernel<HoldoutColour> holdout_colour;
+using HoldoutAlpha = void(const float* holdout, float* out, std::size_t n);
+extern const LaneKernel<HoldoutAlpha> holdout_alpha;

@@ -10,6 +10,7 @@
 #include <cstdint>
 
 #include "controls/ControlBlock.h"
+#include "lanes/LaneKernel.h"
 
 struct CleanupParams {
     float threshold;  // mattes up to here stay as they are
@@ -18,6 +19,8 @@ struct CleanupParams {
 
 CleanupParams cleanup_params(const ControlBlock& controls);
 
-void cleanup_colour(const CleanupParams& params, const float* matte, const float* colour, float* out,
-                    std::size_t n);
-void cleanup_matte(const CleanupParams& params, const float* matte, float* out, std::size_t n);
+using CleanupColour = void(const CleanupParams& params, const float* matte, const float* colour, float* out,
+                           std::size_t n);
+extern const LaneKernel<CleanupColour> cleanup_colour;
+using CleanupMatte = void(const CleanupParams& params, const float* matte, float* out, std::size_t n);
+extern const LaneKernel<CleanupMatte> cleanup_matte;

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 
+#include "lanes/LaneKernel.h"
 #include "stages/ChannelRoles.h"
 
 // Whether the first pixel's clear frame is black, so that it has no coverage of its own.
@@ -16,8 +17,10 @@ bool clear_frame_is_black(const RolePixels& clear);
 inline constexpr float kFirstCoverage = 255.0f;
 
 // The coverage that a span's last pixel gets when the span begins at the frame's edge.
-float clear_frame_last_coverage(const RolePixels& fg, const RolePixels& clear, std::size_t n);
+using ClearFrameLastCoverage = float(const RolePixels& fg, const RolePixels& clear, std::size_t n);
+extern const LaneKernel<ClearFrameLastCoverage> clear_frame_last_coverage;
 
 // A pixel whose clear frame is black takes the coverage of the pixel before it, the first one `before`.
-void clear_frame(const RolePixels& fg, const RolePixels& plate, const RolePixels& clear, float before,
-                 const RoleOutput& out, float* coverage, std::size_t n);
+using ClearFrame = void(const RolePixels& fg, const RolePixels& plate, const RolePixels& clear, float before,
+                        const RoleOutput& out, float* coverage, std::size_t n);
+extern const LaneKernel<ClearFrame> clear_frame;

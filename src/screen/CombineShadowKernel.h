@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "controls/ControlBlock.h"
+#include "lanes/LaneKernel.h"
 #include "stages/ChannelRoles.h"
 
 struct CombineShadowParams {
@@ -18,5 +19,6 @@ struct CombineShadowParams {
 
 CombineShadowParams combine_shadow_params(const ControlBlock& controls);
 
-void combine_shadow(const CombineShadowParams& params, const RolePixels& fg, const float* matte,
-                    const float* shadow, const RoleOutput& out, float* alpha, std::size_t n);
+using CombineShadow = void(const CombineShadowParams& params, const RolePixels& fg, const float* matte,
+                           const float* shadow, const RoleOutput& out, float* alpha, std::size_t n);
+extern const LaneKernel<CombineShadow> combine_shadow;

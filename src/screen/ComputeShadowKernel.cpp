@@ -1,9 +1,6 @@
 #include "screen/ComputeShadowKernel.h"
 
-#include "screen/OneNaN.h"
-#include "stages/KernelMath.h"
-
-using namespace kernel;
+#include <cstdint>
 
 ComputeShadowParams compute_shadow_params(const ControlBlock& controls) {
     const ControlTriple backing = controls.get(controls::kBackingColor);
@@ -11,11 +8,4 @@ ComputeShadowParams compute_shadow_params(const ControlBlock& controls) {
     return {255.0 / static_cast<double>(sum)};
 }
 
-void compute_shadow(const ComputeShadowParams& params, const RolePixels& backing, float* __restrict density,
-                    std::size_t n) {
-    for (std::size_t i = 0; i < n; ++i) {
-        const float s = (backing.role1[i] + backing.role0[i]) + backing.primary[i];
-        const double v = clamp_to(0.0, 255.0, static_cast<double>(s) * params.gain);
-        density[i] = one_nan(static_cast<float>(255.0 - v));
-    }
-}
+LANE_KERNEL(ComputeShadow, compute_shadow);

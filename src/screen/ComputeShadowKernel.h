@@ -7,6 +7,7 @@
 #include <cstddef>
 
 #include "controls/ControlBlock.h"
+#include "lanes/LaneKernel.h"
 #include "stages/ChannelRoles.h"
 
 struct ComputeShadowParams {
@@ -15,5 +16,6 @@ struct ComputeShadowParams {
 
 ComputeShadowParams compute_shadow_params(const ControlBlock& controls);
 
-void compute_shadow(const ComputeShadowParams& params, const RolePixels& backing, float* density,
-                    std::size_t n);
+using ComputeShadow = void(const ComputeShadowParams& params, const RolePixels& backing, float* density,
+                           std::size_t n);
+extern const LaneKernel<ComputeShadow> compute_shadow;

@@ -8,6 +8,7 @@
 #include <cstddef>
 
 #include "controls/ControlBlock.h"
+#include "lanes/LaneKernel.h"
 #include "stages/ChannelRoles.h"
 
 struct CrudeMatteParams {
@@ -16,5 +17,6 @@ struct CrudeMatteParams {
 
 CrudeMatteParams crude_matte_params(const ControlBlock& controls);
 
-void crude_matte(const CrudeMatteParams& params, const RolePixels& fg, const RolePixels& plate, float* alpha,
-                 std::size_t n);
+using CrudeMatte = void(const CrudeMatteParams& params, const RolePixels& fg, const RolePixels& plate,
+                        float* alpha, std::size_t n);
+extern const LaneKernel<CrudeMatte> crude_matte;

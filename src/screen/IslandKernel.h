@@ -8,5 +8,8 @@
 #include <cstddef>
 #include <cstdint>
 
-void remove_islands(std::int32_t threshold, const float* below, const float* here, const float* above,
-                    float* out, std::size_t n);
+#include "lanes/LaneKernel.h"
+
+using RemoveIslands = void(std::int32_t threshold, const float* below, const float* here, const float* above,
+                           float* out, std::size_t n);
+extern const LaneKernel<RemoveIslands> remove_islands;

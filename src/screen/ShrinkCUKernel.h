@@ -8,13 +8,18 @@
 #include <cstddef>
 #include <span>
 
+#include "lanes/LaneKernel.h"
+
 // Along a row: `centre` points at the value of the first of n output pixels and has `half_width` values to
 // its left and n + half_width from there on. `scratch` has room for n + 2 * half_width floats. out overlaps
 // neither. half_width >= 1.
-void shrink_cu_row(const float* centre, std::size_t half_width, float fraction, float* scratch, float* out,
-                   std::size_t n);
+using ShrinkCURow = void(const float* centre, std::size_t half_width, float fraction, float* scratch,
+                         float* out, std::size_t n);
+extern const LaneKernel<ShrinkCURow> shrink_cu_row;
 
 // Along columns: raises out, which is 0 at first, to the values of lines that weigh 1, and of one that does
 // not.
-void shrink_cu_lines(std::span<const float* const> lines, float* out, std::size_t n);
-void shrink_cu_end(const float* line, float fraction, float* out, std::size_t n);
+using ShrinkCULines = void(std::span<const float* const> lines, float* out, std::size_t n);
+extern const LaneKernel<ShrinkCULines> shrink_cu_lines;
+using ShrinkCUEnd = void(const float* line, float fraction, float* out, std::size_t n);
+extern const LaneKernel<ShrinkCUEnd> shrink_cu_end;

@@ -5,9 +5,13 @@
 #include <cstddef>
 #include <span>
 
+#include "lanes/LaneKernel.h"
+
 // Along a row: `centre` points at the value of the first of n output pixels and has `radius` values to its
 // left and n + radius from there on. `scratch` has room for n + 2 * radius floats. out overlaps neither.
-void shrink_row(const float* centre, std::size_t radius, float* scratch, float* out, std::size_t n);
+using ShrinkRow = void(const float* centre, std::size_t radius, float* scratch, float* out, std::size_t n);
+extern const LaneKernel<ShrinkRow> shrink_row;
 
 // Along columns: out, which holds the centre row at first, becomes 0 wherever one of the lines is 0.
-void shrink_lines(std::span<const float* const> lines, float* out, std::size_t n);
+using ShrinkLines = void(std::span<const float* const> lines, float* out, std::size_t n);
+extern const LaneKernel<ShrinkLines> shrink_lines;

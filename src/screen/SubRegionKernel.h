@@ -6,6 +6,7 @@
 #include <cstddef>
 
 #include "controls/ControlBlock.h"
+#include "lanes/LaneKernel.h"
 #include "stages/ChannelRoles.h"
 
 struct SubRegionParams {
@@ -15,4 +16,5 @@ struct SubRegionParams {
 
 SubRegionParams sub_region_params(const ControlBlock& controls);
 
-void sub_region(const SubRegionParams& params, const RolePixels& fg, float* alpha, std::size_t n);
+using SubRegion = void(const SubRegionParams& params, const RolePixels& fg, float* alpha, std::size_t n);
+extern const LaneKernel<SubRegion> sub_region;

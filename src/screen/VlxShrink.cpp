@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "ZoImage/GeneralTile.h"
-#include "framework/FoldLines.h"
+#include "framework/LineGroups.h"
 #include "screen/ShrinkKernel.h"
 
 using namespace Zo::Image;

@@ -4,7 +4,7 @@
 
 #include "ZoImage/Convert.h"
 #include "ZoImage/GeneralTile.h"
-#include "framework/FoldLines.h"
+#include "framework/LineGroups.h"
 #include "screen/ShrinkCUKernel.h"
 
 using namespace Zo::Image;

@@ -8,6 +8,7 @@
 #include <span>
 
 #include "controls/ControlBlock.h"
+#include "lanes/LaneKernel.h"
 
 struct FilmParams {
     double strength = 0.0;  // 0 takes the distance to the nearer extreme, 1 to the farther one
@@ -20,8 +21,9 @@ FilmParams film_params(const ControlBlock& controls);
 
 // Running extremes of the lines' columns. They start from the first sample, so a NaN there stays; one that
 // comes later never replaces a value.
-void film_lowest(std::span<const float* const> lines, float* lowest, std::size_t n);
-void film_highest(std::span<const float* const> lines, float* highest, std::size_t n);
+using FilmExtreme = void(std::span<const float* const> lines, float* extreme, std::size_t n);
+extern const LaneKernel<FilmExtreme> film_lowest;
+extern const LaneKernel<FilmExtreme> film_highest;
 
 struct FilmSource {
     const float* red;
@@ -36,5 +38,7 @@ struct FilmResult {
 };
 
 // Corrects the pixels whose matte is exactly 0; every other keeps its colour.
-void film_correct(const FilmParams& params, const float* lowest, const float* highest, const float* matte,
-                  const FilmSource& image, const FilmResult& result, std::size_t n);
+using FilmCorrect = void(const FilmParams& params, const float* lowest, const float* highest,
+                         const float* matte, const FilmSource& image, const FilmResult& result,
+                         std::size_t n);
+extern const LaneKernel<FilmCorrect> film_correct;

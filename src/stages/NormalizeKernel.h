@@ -7,4 +7,7 @@
 
 #include <cstddef>
 
-void normalize(const float* in, float* out, std::size_t n);
+#include "lanes/LaneKernel.h"
+
+using Normalize = void(const float* in, float* out, std::size_t n);
+extern const LaneKernel<Normalize> normalize;

@@ -5,4 +5,7 @@
 
 #include <cstddef>
 
-void output_matte(const float* matte, float* out, std::size_t n);
+#include "lanes/LaneKernel.h"
+
+using OutputMatte = void(const float* matte, float* out, std::size_t n);
+extern const LaneKernel<OutputMatte> output_matte;

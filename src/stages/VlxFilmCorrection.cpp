@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "ZoImage/GeneralTile.h"
-#include "framework/FoldLines.h"
+#include "framework/LineGroups.h"
 
 using namespace Zo::Image;
 

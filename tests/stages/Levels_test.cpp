@@ -9,7 +9,7 @@ TEST(Levels, WorkedExamples) {
     constexpr float kInf = std::numeric_limits<float>::infinity();
     constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
     struct Case {
-        void (*kernel)(const float*, float*, std::size_t);
+        const LaneKernel<Normalize>& kernel;
         std::vector<float> in, expected;
     };
     for (const Case& c : {
