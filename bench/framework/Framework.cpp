@@ -1,0 +1,17 @@
+#include "framework/BlurKernel.h"
+#include "support/Kernel.h"
+#include "support/PlainCounts.h"
+
+namespace bench {
+
+std::vector<Kernel> framework_kernels() {
+    Material& m = material();
+    static const std::array<const float*, 5> lines{m.matte.data() - 2, m.matte.data() - 1, m.matte.data(),
+                                                   m.matte.data() + 1, m.matte.data() + 2};
+    return {{"blur_add, 5 lines", plain::fold(5, plain::kSum) + plain::floats(0, plain::kOneNan, 0),
+             [&m] { blur_add(lines, m.out[0].data(), kSpan); }},
+            // A scale that leaves the values what they are, run after run.
+            {"blur_finish", plain::kBlurFinish, [&m] { blur_finish(1.0f, m.out[0].data(), kSpan); }}};
+}
+
+}  // namespace bench
