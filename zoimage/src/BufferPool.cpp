@@ -38,7 +38,7 @@ RowBuffer* BufferPool::take(std::size_t floats) {
 }
 
 void BufferPool::release(RowBuffer* buffer) {
-    if (--buffer->references != 0) return;
+    if (--buffer->references != 0 || buffer->capacity == 0) return;
     for (FreeList& list : free_) {
         if (list.capacity != buffer->capacity) continue;
         buffer->next = list.head;

@@ -10,7 +10,7 @@ namespace Zo::Image {
 // Floats behind a reference count. The count is not atomic: a buffer never leaves its thread.
 struct RowBuffer {
     std::size_t references;
-    std::size_t capacity;  // floats
+    std::size_t capacity;  // floats; 0 in memory that is not a pool's
     RowBuffer* next;       // in the pool's free list
 
     float* data() { return reinterpret_cast<float*>(reinterpret_cast<std::byte*>(this) + kHeader); }
@@ -28,6 +28,7 @@ class BufferPool {
 
     // A buffer of at least `floats` floats, contents undefined, one reference.
     RowBuffer* take(std::size_t floats);
+    // Takes one reference away; the last one gives the buffer back.
     void release(RowBuffer* buffer);
     // Gives the unused buffers back to the system.
     void trim();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "CachedRender.h"
 #include "ZoImage/Iop.h"
 #include "ZoImage/Render.h"
 
@@ -43,12 +44,24 @@ void deliver(const Row& from, ChannelSet channels, Row& out) {
     }
 }
 
+bool within(const KeptRows& kept, const Span& span) {
+    return span.x >= kept.area().x && span.r <= kept.area().r;
+}
+
+// Hands channels of a kept row to a row that lies within it.
+void refer_to(const KeptRows& kept, int y, ChannelSet channels, Row& row) {
+    const int offset = row.x() - kept.area().x;
+    for (const Channel c : channels) row.refer(c, kept.pixels(c, y) + offset);
+}
+
 }  // namespace
 
-RowPath::RowPath(const RequestPass& pass, const RenderState& state) : state_(state), pass_(pass.id()) {
+RowPath::RowPath(const RequestPass& pass, const CachedRender& cached, RenderState& state)
+    : state_(state), pass_(pass.id()) {
     windows_.resize(pass.ops().size());
     for (std::size_t slot = 0; slot < windows_.size(); ++slot) {
         windows_[slot].ring.resize(static_cast<std::size_t>(RequestPass::rows_in_use(*pass.ops()[slot])));
+        windows_[slot].kept = cached.rows(slot);
     }
 }
 
@@ -63,7 +76,10 @@ RowPath::Use::~Use() {
 }
 
 bool RowPath::aborted() const {
-    return state_.stop.load(std::memory_order_relaxed) || (state_.abort != nullptr && state_.abort->raised());
+    if (state_.stop.load(std::memory_order_relaxed)) return true;
+    if (state_.abort == nullptr || !state_.abort->raised()) return false;
+    state_.stop.store(true, std::memory_order_relaxed);
+    return true;
 }
 
 void RowPath::compute(Iop& op, Window& window, int y, ChannelSet channels, Row& row) {
@@ -79,6 +95,41 @@ void RowPath::compute(Iop& op, Window& window, int y, ChannelSet channels, Row& 
     const auto spent = std::chrono::steady_clock::now() - start;
     window.work.time += spent - inner_time_;
     inner_time_ = outer_inner_time + spent;
+}
+
+// The same, writing straight to where rows are kept what is to be kept.
+void RowPath::compute_and_keep(Iop& op, Window& window, int y, ChannelSet channels, Row& row) {
+    KeptRows& kept = *window.kept;
+    // Only whole rows are taken in.
+    const bool whole = row.x() == kept.area().x && row.r() == kept.area().r;
+    const ChannelSet claimed = whole ? kept.claim(y, channels) : kMaskNone;
+    Row::Places places{};
+    for (const Channel c : claimed) places[static_cast<std::size_t>(c)] = kept.buffer(c, y);
+    row.places_ = &places;
+    compute(op, window, y, channels, row);
+    row.places_ = nullptr;
+
+    ChannelSet handed_on;
+    for (const Channel c : (channels & row.channels()) - op.out_channels()) {
+        if (!row.sole(c)) handed_on += c;
+    }
+    kept.note_handed_on(handed_on);
+
+    ChannelSet finished;
+    for (const Channel c : claimed& row.channels()) {
+        // Pixels that were only referred to stay in memory by themselves.
+        if (!row.counted(c)) continue;
+        RowBuffer* place = kept.buffer(c, y);
+        if (row[c] != place->data()) {
+            if (place->references != 0) continue;
+            std::copy_n(row[c], row.width(), place->data());
+        } else if (place->references != 1) {
+            continue;
+        }
+        row.refer(c, place->data());
+        finished += c;
+    }
+    if (!aborted()) kept.finish(y, finished);
 }
 
 void RowPath::fetch(Iop& op, int y, ChannelSet channels, Row& out) {
@@ -98,6 +149,18 @@ void RowPath::fetch(Iop& op, int y, ChannelSet channels, Row& out) {
         deliver(entry.row, channels, out);
         return;
     }
+    // Asked once, for another thread may finish the row meanwhile.
+    ChannelSet kept = window.kept == nullptr ? kMaskNone : window.kept->finished(y);
+    if (window.kept != nullptr && within(*window.kept, span)) {
+        const ChannelSet rest = channels - kept;
+        if (rest.empty() || (window.kept->handed_on().contains(rest) && op.connected(0))) {
+            Row row(span.x, span.r);
+            refer_to(*window.kept, y, channels & kept, row);
+            if (!rest.empty()) row.get(op.input(0), y, rest);
+            deliver(row, channels, out);
+            return;
+        }
+    }
 
     // The first time, everything is made that anyone requested, so that nobody asks twice.
     const Box& wanted = op.requested().box;
@@ -109,12 +172,20 @@ void RowPath::fetch(Iop& op, int y, ChannelSet channels, Row& out) {
         const Span requested = inside(box, wanted.x, wanted.r);
         span = {std::min(span.x, requested.x), std::max(span.r, requested.r)};
     }
+    const bool keep = window.kept != nullptr && within(*window.kept, span);
+    kept = keep ? kept & make : kMaskNone;
+    make -= kept;
     Row fresh(span.x, span.r);
-    compute(op, window, y, make, fresh);
-    if (covered) {
-        entry.row.share(fresh, make & fresh.channels());
+    if (keep) {
+        compute_and_keep(op, window, y, make, fresh);
     } else {
-        fresh.clear(kMaskAll - make);  // side products of engine are not promised to be right
+        compute(op, window, y, make, fresh);
+    }
+    fresh.clear(kMaskAll - make);  // side products of engine are not promised to be right
+    if (!kept.empty()) refer_to(*window.kept, y, kept, fresh);
+    if (covered) {
+        entry.row.share(fresh, fresh.channels());
+    } else {
         entry = {true, y, std::move(fresh)};
     }
     deliver(entry.row, channels, out);
