@@ -1,8 +1,7 @@
-// The node as a whole: wiring alternatives, requests, what a change recomputes, independence of threads and forms.
+// The node as a whole: wiring, requests, what a change recomputes, independence of threads and forms.
 #include <gtest/gtest.h>
 
 #include <bit>
-#include <cmath>
 #include <cstring>
 #include <limits>
 #include <random>
