@@ -6,8 +6,7 @@ namespace bench {
 
 std::vector<Kernel> framework_kernels() {
     Material& m = material();
-    static const std::array<const float*, 5> lines{m.matte.data() - 2, m.matte.data() - 1, m.matte.data(),
-                                                   m.matte.data() + 1, m.matte.data() + 2};
+    static const auto lines = m.column_lines();
     return {{"blur_add, 5 lines", plain::fold(5, plain::kSum) + plain::floats(0, plain::kOneNan, 0),
              [&m] { blur_add(lines, m.out[0].data(), kSpan); }},
             // A scale that leaves the values what they are, run after run.

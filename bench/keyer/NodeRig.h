@@ -56,6 +56,8 @@ class NodeRig {
     KnobStorage& knobs() { return node_.knob_values(); }
     Zo::Image::Renderer& renderer() { return renderer_; }
     double pixels() const { return static_cast<double>(output_.width() * output_.height()); }
+    // The share of the frame that is certain backing.
+    double backing_share();
     // Of every bit of the last frame.
     std::uint64_t checksum() const;
 

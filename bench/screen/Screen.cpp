@@ -54,15 +54,11 @@ std::vector<Kernel> screen_kernels() {
     add("sub_region", 4, sub_region, counted_form::sub_region,
         [&m, film](const auto& f) { f(film, m.fg_pixels(), m.out[0].data(), kSpan); });
 
-    plain("remove_islands", plain::kIslands, [&m] {
-        const float* here = m.region.data();
-        remove_islands(4, here - 41, here - 1, here + 31, m.out[0].data(), kSpan);
-    });
+    static const auto lines = m.column_lines();
+    plain("remove_islands", plain::kIslands,
+          [&m] { remove_islands(4, lines[0] - 1, lines[1] - 1, lines[2] - 1, m.out[0].data(), kSpan); });
     plain("shrink_row, radius 2", plain::kShrinkRow,
           [&m] { shrink_row(m.region.data(), 2, m.out[1].data(), m.out[0].data(), kSpan); });
-    static const std::array<const float*, 5> lines{m.region.data() - 32, m.region.data() - 16,
-                                                   m.region.data(), m.region.data() + 16,
-                                                   m.region.data() + 32};
     plain("shrink_lines, 5 lines", plain::fold(5, plain::kZeroStays),
           [&m] { shrink_lines(lines, m.out[0].data(), kSpan); });
     plain("shrink_cu_row, radius 2", plain::kShrinkCuRow,

@@ -32,6 +32,9 @@ Material make_material() {
         m.matte.all()[i] = std::clamp(255.0f * (1.0f - show) + 60.0f * (unit(random) - 0.5f), -30.0f, 280.0f);
         m.alpha.all()[i] = 255.0f * show;
         m.region.all()[i] = kind == 0 ? 255.0f : 0.0f;
+        for (std::size_t k = 0; k < m.lines.size(); ++k) {
+            m.lines[k].all()[i] = (i + 9 * k) / 48 % 3 == 0 ? 255.0f : 0.0f;
+        }
     }
     return m;
 }

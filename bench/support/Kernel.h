@@ -45,11 +45,15 @@ struct Material {
     Plane matte, alpha;                   // -30 to 280; 0 to 255
     Plane region;                         // 0 or 255
     Plane none;                           // 0: no certain backing, so that no pixel is left out
+    std::array<Plane, 5> lines;           // regions, for kernels that look along columns
     std::array<Plane, 4> out;
 
     RolePixels fg_pixels() const { return {fg[0].data(), fg[1].data(), fg[2].data()}; }
     RolePixels plate_pixels() const { return {plate[0].data(), plate[1].data(), plate[2].data()}; }
     RolePixels lit_pixels() const { return {lit[0].data(), lit[1].data(), lit[2].data()}; }
+    std::array<const float*, 5> column_lines() const {
+        return {lines[0].data(), lines[1].data(), lines[2].data(), lines[3].data(), lines[4].data()};
+    }
     RoleOutput colour() { return {out[0].data(), out[1].data(), out[2].data()}; }
 };
 
