@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 status=0
-for name in ceilings kernels zoimage node; do
+for name in ceilings kernels zoimage node edit shape; do
     program=build/bin/bench_$name
     [ ! -x "$program" ] || "$program" "$@" || status=1
 done

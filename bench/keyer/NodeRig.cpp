@@ -137,6 +137,11 @@ void NodeRig::key_again() {
     });
 }
 
+void NodeRig::use_cache(std::size_t budget) {
+    cache_ = std::make_unique<RowCache>(budget);
+    renderer_.use_cache(cache_.get());
+}
+
 double NodeRig::backing_share() {
     std::atomic<std::int64_t> certain{0};
     renderer_.render(
