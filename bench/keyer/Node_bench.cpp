@@ -50,9 +50,13 @@ void key(benchmark::State& state, const Configuration& configuration, const Size
             state.counters["ms" + suffix] = time.median * kMilli;
             state.counters["least" + suffix] = time.least * kMilli;
             state.counters["floor" + suffix] = floor * kMilli;
-            state.counters["ratio" + suffix] = time.median / floor;
-            if (threads == 1) alone = time.median;
-            if (threads == 2) state.counters["gain"] = alone / time.median;
+            state.counters["ratio" + suffix] = time.least / floor;
+            if (threads == 1) {
+                alone = time.median;
+                state.counters["processor ms"] = time.processor * kMilli;
+            } else {
+                state.counters["gain"] = alone / time.median;
+            }
         }
     }
 }
@@ -73,7 +77,7 @@ void register_benchmarks() {
 
 int main(int argc, char** argv) {
     bench::register_benchmarks();
-    std::vector<bench::Column> columns;
+    std::vector<bench::Column> columns{{"processor ms", 1}};
     for (const char* suffix : {", 1 thread", ", 2 threads"}) {
         for (const char* counter : {"ms", "least", "floor"}) {
             columns.push_back({std::string(counter) + suffix, 1});
