@@ -33,14 +33,15 @@ const float* Row::zeros() const {
 }
 
 void Row::set(Channel c, RowBuffer* buffer, const float* pixels) {
-    clear(c);
-    slot(c) = {buffer, pixels};
+    Slot& s = slot(c);
+    if (present_.has(c) && s.buffer != nullptr) BufferPool::release(s.buffer);
+    s = {buffer, pixels};
     present_ += c;
 }
 
 void Row::clear(ChannelSet channels) {
     for (const Channel c : channels& present_) {
-        if (slot(c).buffer != nullptr) BufferPool::of_this_thread().release(slot(c).buffer);
+        if (slot(c).buffer != nullptr) BufferPool::release(slot(c).buffer);
     }
     present_ -= channels;
 }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "CachedRender.h"
+#include "ThreadLocal.h"
 #include "ZoImage/Iop.h"
 #include "ZoImage/Render.h"
 
@@ -11,7 +12,7 @@ namespace Zo::Image {
 
 namespace {
 
-thread_local RowPath* current_path = nullptr;
+ZO_FAST_THREAD_LOCAL RowPath* current_path = nullptr;
 
 struct Span {
     int x;
@@ -138,9 +139,7 @@ void RowPath::fetch(Iop& op, int y, ChannelSet channels, Row& out) {
         return;
     }
     Window& window = windows_[static_cast<std::size_t>(op.slot_)];
-    const int size = static_cast<int>(window.ring.size());
-    const int place = y % size;
-    Entry& entry = window.ring[static_cast<std::size_t>(place < 0 ? place + size : place)];
+    Entry& entry = window.entry_for(y);
 
     const Box& box = op.info().box;
     Span span = inside(box, out.x(), out.r());
@@ -186,7 +185,9 @@ void RowPath::fetch(Iop& op, int y, ChannelSet channels, Row& out) {
     if (covered) {
         entry.row.share(fresh, fresh.channels());
     } else {
-        entry = {true, y, std::move(fresh)};
+        entry.used = true;
+        entry.y = y;
+        entry.row = std::move(fresh);
     }
     deliver(entry.row, channels, out);
     // An aborted engine may leave rows half made.

@@ -69,6 +69,14 @@ class RowPath {
     };
     struct Window {
         std::vector<Entry> ring;
+
+        Entry& entry_for(int y) {
+            const int size = static_cast<int>(ring.size());
+            if (size == 1) return ring.front();
+            const int place = y % size;
+            return ring[static_cast<std::size_t>(place < 0 ? place + size : place)];
+        }
+
         KeptRows* kept = nullptr;  // null when none are kept of this operator
         Work work;
     };
