@@ -88,9 +88,13 @@ std::vector<Kernel> screen_kernels() {
 
     const SmartInterpolParams interpol = smart_interpol_params(special);
     plain("smart_interpol", plain::kSmartInterpol, [&m, interpol] {
-        smart_interpol(interpol, kFrameWidth, kFrameHeight, m.region.data(),
-                       {m.fg[0].data(), m.fg[1].data(), m.fg[2].data()},
-                       {m.out[0].data(), m.out[1].data(), m.out[2].data()}, run_loop);
+        SmartInterpol frame(kFrameWidth, kFrameHeight);
+        run_loop(0, kFrameHeight, 16, [&](int begin, int end) {
+            for (int y = begin; y < end; ++y) {
+                frame.add_row(y, m.region.data() + static_cast<std::size_t>(y) * kFrameWidth);
+            }
+        });
+        frame.run(interpol, {m.out[0].data(), m.out[1].data(), m.out[2].data()}, run_loop);
     });
     return list;
 }
