@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
 #include <cstdlib>
 #include <functional>
@@ -16,6 +17,7 @@
 #include "screen/ComputeShadowKernel.h"
 #include "screen/CrudeMatteKernel.h"
 #include "screen/IslandKernel.h"
+#include "screen/NearestClear.h"
 #include "screen/ShrinkCUKernel.h"
 #include "screen/ShrinkKernel.h"
 #include "screen/SmartInterpolKernel.h"
@@ -42,9 +44,10 @@ std::vector<float> plane(std::size_t size, std::mt19937& random) {
     static constexpr std::uint32_t kAwkward[] = {
         0x00000000, 0x80000000, 0x00000001, 0x807fffff, 0xc1200000, 0x437f0000, 0x477fffff, 0xff7fffff,
         0x7f800000, 0xff800000, 0x7fc00000, 0x7fc12345, 0xffc00001, 0x7fa00001, 0xff812345, 0x4f000000};
+    const bool mostly_zero = random() % 4 == 0;
     std::vector<float> values;
     while (values.size() < size) {
-        const auto kind = random() % 8;
+        const auto kind = mostly_zero && random() % 8 != 0 ? 4 : random() % 8;
         for (auto left = 1 + random() % 40; left > 0; --left) {
             const float level = static_cast<float>(random() % 30000) / 100.0f;
             const auto awkward = std::bit_cast<float>(kAwkward[random() % std::size(kAwkward)]);
@@ -96,6 +99,24 @@ void clear_region_of(const Job& j, bool plate) {
 void matte_correct_of(const Job& j, MatteLimit limit) {
     matte_correct(limit, static_cast<std::int32_t>(j.radius()), j.width(), static_cast<int>(kRows), j.in[0],
                   j.in[1], j.out[0], test::forward_loop);
+}
+
+template <class Steps>
+void nearest_clear_of(const Job& j) {
+    if (j.n == 0) return;
+    NearestClear<Steps> nearest(j.width(), static_cast<int>(kRows));
+    for (std::size_t y = 0; y < kRows; ++y) nearest.add_row(static_cast<int>(y), j.in[0] + y * j.n);
+    nearest.fill({j.out[0], j.out[1], j.out[2]}, {60.0f, 80.0f, 200.0f}, test::forward_loop);
+    std::copy_n(nearest.distance(), j.n * kRows, j.out[3]);
+}
+
+void smart_interpol_of(const Job& j) {
+    if (j.n == 0) return;
+    SmartInterpol interpolation(j.width(), static_cast<int>(kRows));
+    for (std::size_t y = 0; y < kRows; ++y) {
+        interpolation.add_row(static_cast<int>(y), j.in[0] + y * j.n);
+    }
+    interpolation.run(smart_interpol_params(j.controls), {j.out[0], j.out[1], j.out[2]}, test::forward_loop);
 }
 
 const std::vector<Case> kCases{
@@ -177,12 +198,9 @@ const std::vector<Case> kCases{
      [](auto& j) { conform_colour(conform_params(j.controls), j.pixels(0), j.in[3], j.pixels_out(), j.n); }},
     {"matte correct above", [](auto& j) { matte_correct_of(j, MatteLimit::kAbove); }, kRows},
     {"matte correct below", [](auto& j) { matte_correct_of(j, MatteLimit::kBelow); }, kRows},
-    {"smart interpolation",
-     [](auto& j) {
-         smart_interpol(smart_interpol_params(j.controls), j.width(), static_cast<int>(kRows), j.in[0],
-                        {j.in[1], j.in[2], j.in[3]}, {j.out[0], j.out[1], j.out[2]}, test::forward_loop);
-     },
-     kRows},
+    {"nearest clear", nearest_clear_of<std::int16_t>, kRows},
+    {"nearest clear of a huge frame", nearest_clear_of<std::int32_t>, kRows},
+    {"smart interpolation", smart_interpol_of, kRows},
 };
 
 // The defaults, controls of everyday size, and any integers at all.
