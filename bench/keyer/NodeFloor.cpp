@@ -50,9 +50,8 @@ const Part kCleanUp{{{"shrink_cu_row, radius 2", 1},
                     0};
 const Part kFilm{
     {{"sub_region", 1}, {"film_lowest, 4 lines", 1}, {"film_highest, 4 lines", 1}, {"film_correct", 1}}, 0};
-// The region and three colours are written and read; distances and sources written twice and read twice,
-// smoothed colours likewise.
-const Part kShadow{{{"smart_interpol", 1}, {"combine_shadow", 1}}, 2 * (1 + 3) + 4 * (1 + 1 + 3)};
+// Three colours are written, smoothed in place twice and read; distances take half a plane.
+const Part kShadow{{{"smart_interpol", 1}, {"combine_shadow", 1}}, 3 * (1 + 2 + 2 + 1) + 0.5 * 6};
 const Part kPlainShadow{{{"compute_shadow", 1}}, 0};
 const Part kPlateShadow{{{"clear_frame", 1}}, 0};
 const Part kShadowBlur{{{"blur_add, 5 lines", 2}, {"blur_finish", 2}}, 0};

@@ -15,9 +15,6 @@
 
 COUNTED_FORM(ClearRegion, clear_region)
 COUNTED_FORM(SubRegion, sub_region)
-COUNTED_FORM(CleanupColour, cleanup_colour)
-COUNTED_FORM(CleanupMatte, cleanup_matte)
-COUNTED_FORM(ClearFrame, clear_frame)
 COUNTED_FORM(ComputeShadow, compute_shadow)
 COUNTED_FORM(CombineShadow, combine_shadow)
 
@@ -69,18 +66,18 @@ std::vector<Kernel> screen_kernels() {
           [&m] { shrink_cu_end(m.matte.data(), 0.5f, m.out[0].data(), kSpan); });
 
     const CleanupParams cleanup = cleanup_params(special);
-    add("cleanup_colour", 3, cleanup_colour, counted_form::cleanup_colour,
-        [&m, cleanup](const auto& f) { f(cleanup, m.matte.data(), m.fg[0].data(), m.out[0].data(), kSpan); });
-    add("cleanup_matte", 2, cleanup_matte, counted_form::cleanup_matte,
-        [&m, cleanup](const auto& f) { f(cleanup, m.matte.data(), m.out[0].data(), kSpan); });
+    plain("cleanup_colour", plain::kCleanupColour,
+          [&m, cleanup] { cleanup_colour(cleanup, m.matte.data(), m.fg[0].data(), m.out[0].data(), kSpan); });
+    plain("cleanup_matte", plain::kCleanupMatte,
+          [&m, cleanup] { cleanup_matte(cleanup, m.matte.data(), m.out[0].data(), kSpan); });
 
     const ComputeShadowParams density = compute_shadow_params(special);
     add("compute_shadow", 4, compute_shadow, counted_form::compute_shadow,
         [&m, density](const auto& f) { f(density, m.plate_pixels(), m.out[0].data(), kSpan); });
-    add("clear_frame", 13, clear_frame, counted_form::clear_frame, [&m](const auto& f) {
-        f(m.fg_pixels(), m.plate_pixels(), m.lit_pixels(), 0.0f, m.colour(), m.out[3].data(), kSpan);
+    plain("clear_frame", plain::kClearFrame, [&m] {
+        clear_frame(m.fg_pixels(), m.plate_pixels(), m.lit_pixels(), 0.0f, m.colour(), m.out[3].data(),
+                    kSpan);
     });
-    list.back().pixel = list.back().pixel + plain::kEvenOut;
     const CombineShadowParams shadow = combine_shadow_params(special);
     add("combine_shadow", 9, combine_shadow, counted_form::combine_shadow, [&m, shadow](const auto& f) {
         f(shadow, m.fg_pixels(), m.matte.data(), m.alpha.data(), m.colour(), m.out[3].data(), kSpan);

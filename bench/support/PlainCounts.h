@@ -48,8 +48,24 @@ inline constexpr Counts kShrinkRow = floats(0, 2 + 3 + 2, 2);
 inline constexpr Counts kShrinkCuRow = floats(0, 1 + 3 + 4, 2);
 inline constexpr Counts kShrinkCuEnd = floats(0, 2, 3);
 inline constexpr Counts kBlurFinish = floats(0, 1, 2);
-// The three colours of the clear frame: * plate, * 0.5, +, bound
-inline constexpr Counts kEvenOut = 3 * floats(1, 4 + kOneNan, 0);
+
+// What clean-up pushes: - threshold, into an integer and back, from 0 up; in double * strength, bound.
+inline constexpr Counts kPush{.float_operations = 2, .double_operations = 2, .conversions = 2};
+// 255 - push, * colour, / 255; into double and back
+inline constexpr Counts kCleanupColour =
+    kPush + Counts{.double_divisions = 1, .double_operations = 2, .conversions = 2, .bytes = 4 * 3};
+// 255 - a, * push, / 255, + a; into double and back
+inline constexpr Counts kCleanupMatte =
+    kPush + Counts{.double_divisions = 1, .double_operations = 3, .conversions = 2, .bytes = 4 * 2};
+
+// Three colours: * plate, * 0.5, +, bound. Their brightness: 2 + of two colours; * 0.5; is it black: compare,
+// +; in double * 255, +, bound, 255 - v; into double thrice and back
+inline constexpr Counts kClearFrame =
+    3 * floats(1, 4 + kOneNan, 0) + Counts{.double_divisions = 1,
+                                           .float_operations = 4 + 1 + 2 + kOneNan,
+                                           .double_operations = 4,
+                                           .conversions = 4,
+                                           .bytes = 4 * 13};
 
 // Radius 3, each along rows and along columns: two extremes of 7 (3 each), is it backing: compare, choose;
 // in double: two ends, range, - low, range 0: compare, choose; -, *, +. Planes once a direction.
