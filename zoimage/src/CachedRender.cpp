@@ -1,6 +1,7 @@
 #include "CachedRender.h"
 
 #include <algorithm>
+#include <new>
 #include <optional>
 
 #include "KeepChoice.h"
@@ -121,7 +122,11 @@ CachedRender::CachedRender(RowCache* cache, const RequestPass& pass)
         }
     }
     choose(plan);
-    allocate(plan);
+    try {
+        allocate(plan);
+    } catch (const std::bad_alloc&) {
+        // Then less is kept. A cache is no reason for a render to fail.
+    }
 }
 
 void CachedRender::choose(Plan& plan) {
