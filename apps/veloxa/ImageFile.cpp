@@ -1,6 +1,6 @@
 #include "ImageFile.h"
 
-#include "Errors.h"
+#include <algorithm>
 
 namespace veloxa {
 
@@ -8,17 +8,15 @@ using namespace Zo::Image;
 
 Image::Image(const Info& of) : info(of) {
     for (const Channel c : info.channels& kMaskRgba) {
-        plane(c) = std::make_shared_for_overwrite<float[]>(width() * height());
+        plane(c) = make_plane(width() * height());
     }
 }
 
-bool is_whole_image(const std::string& path) {
-    try {
-        read_image(path);
-        return true;
-    } catch (const Error&) {
-        return false;
-    }
+int rows_at_once(std::size_t row_bytes) {
+    constexpr std::size_t kBytes = std::size_t{4} << 20;
+    constexpr std::size_t kBlock = 32;
+    const std::size_t blocks = kBytes / kBlock / std::max<std::size_t>(row_bytes, 1);
+    return static_cast<int>(kBlock * std::clamp<std::size_t>(blocks, 1, 8));
 }
 
 std::optional<Depth> depth_named(std::string_view name) {

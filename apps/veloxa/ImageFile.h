@@ -15,13 +15,11 @@
 #include <string>
 #include <string_view>
 
+#include "Plane.h"
 #include "ZoImage/Info.h"
 #include "ZoImage/Render.h"
 
 namespace veloxa {
-
-// Planes are shared: a grey file has one plane for red, green and blue.
-using Plane = std::shared_ptr<float[]>;
 
 struct Image {
     Image() = default;
@@ -56,7 +54,11 @@ Image read_image(const std::string& path, const Zo::Image::AbortFlag* abort = nu
 Image read_matte(const std::string& path, const Zo::Image::AbortFlag* abort = nullptr);
 
 // Whether the file is there and every pixel of it can be read.
-bool is_whole_image(const std::string& path);
+bool is_whole_image(const std::string& path, const Zo::Image::AbortFlag* abort = nullptr);
+
+// How many rows of so many bytes to decode or encode at a time: whole blocks of the usual compressions,
+// enough to keep every thread of the library busy, in a few megabytes.
+int rows_at_once(std::size_t row_bytes);
 
 enum class Depth { kHalf, kFloat, kUint8, kUint16 };
 std::optional<Depth> depth_named(std::string_view name);

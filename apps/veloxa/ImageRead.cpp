@@ -4,10 +4,13 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
+#include <limits>
 #include <new>
+#include <type_traits>
 #include <vector>
 
 #include "Errors.h"
+#include "HalfFloat.h"
 #include "ImageFile.h"
 #include "OiioError.h"
 #include "PngEnd.h"
@@ -19,8 +22,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Enough rows at a time to keep every thread of a decoder busy, few enough to see an abort soon.
-constexpr int kRowsAtOnce = 256;
 // Windows beyond this are taken for a damaged header.
 constexpr int kLargestCoordinate = 1 << 20;
 
@@ -85,9 +86,25 @@ void name_frame_rate(OIIO::ImageSpec& spec) {
     spec.attribute("FramesPerSecond", OIIO::TypeRational, fraction.data());
 }
 
-// Pixels of one channel out of interleaved rows of the file, which count downward.
-void take_channel(const float* interleaved, int stride, std::size_t width, float* line) {
-    for (std::size_t x = 0; x < width; ++x) line[x] = interleaved[x * static_cast<std::size_t>(stride)];
+// Which of red, green, blue and alpha is the first that the file's channel feeds; the others share its plane.
+std::size_t maker_of(const Sources& from, std::size_t c) {
+    return static_cast<std::size_t>(std::find(from.begin(), from.end(), from[c]) - from.begin());
+}
+
+// Interleaved samples of a row, as floats: themselves or through `floats`.
+const float* as_floats(const float* row, std::vector<float>& /*floats*/) {
+    return row;
+}
+
+const float* as_floats(const Half* row, std::vector<float>& floats) {
+    from_half(row, floats.data(), floats.size());
+    return floats.data();
+}
+
+// The channel at `first` out of interleaved pixels.
+void take_channel(const float* interleaved, std::size_t first, std::size_t stride, std::size_t width,
+                  float* line) {
+    for (std::size_t x = 0; x < width; ++x) line[x] = interleaved[x * stride + first];
 }
 
 class Reader {
@@ -96,10 +113,25 @@ class Reader {
 
     const OIIO::ImageSpec& spec() const { return input_->spec(); }
     Image read(const Sources& from);
+    // Decodes these channels and keeps nothing.
+    void check(const Sources& from);
 
   private:
+    // The file's channels that hold all sources.
+    struct Span {
+        int first = 0;
+        int last = 0;
+    };
+
     void open();
-    void read_rows(int from_row, int to_row, int first, int last, float* into);
+    bool is_half(const Span& span) const;
+    void read_rows(int from_row, int to_row, const Span& span, OIIO::TypeDesc type, void* into);
+    // Calls take(row of the file from its first, samples of the span) for every row.
+    template <class Sample, class Take>
+    void each_row(const Span& span, const Take& take);
+    template <class Sample>
+    void fill(Image& image, const Sources& from, const Span& span);
+    static Span span_of(const Sources& from);
     [[noreturn]] void fail();
 
     const std::string& path_;
@@ -131,69 +163,102 @@ void Reader::fail() {
     throw Error(path_, tidy_message(input_->geterror(), path_, "is damaged or not whole"));
 }
 
-void Reader::read_rows(int from_row, int to_row, int first, int last, float* into) {
-    const auto type = OIIO::TypeDesc::FLOAT;
-    const bool ok = spec().tile_width > 0
-                        ? input_->read_tiles(0, 0, spec().x, spec().x + spec().width, from_row, to_row, 0, 1,
-                                             first, last, type, into)
-                        : input_->read_scanlines(0, 0, from_row, to_row, 0, first, last, type, into);
+Reader::Span Reader::span_of(const Sources& from) {
+    Span span{std::numeric_limits<int>::max(), 0};
+    for (const int n : from) {
+        if (n < 0) continue;
+        span = {std::min(span.first, n), std::max(span.last, n + 1)};
+    }
+    return span;
+}
+
+// Halves are read as they are: the library would convert them sample by sample.
+bool Reader::is_half(const Span& span) const {
+    for (int n = span.first; n < span.last; ++n) {
+        if (spec().channelformat(n) != OIIO::TypeDesc::HALF) return false;
+    }
+    return true;
+}
+
+void Reader::read_rows(int from_row, int to_row, const Span& span, OIIO::TypeDesc type, void* into) {
+    const bool ok =
+        spec().tile_width > 0
+            ? input_->read_tiles(0, 0, spec().x, spec().x + spec().width, from_row, to_row, 0, 1, span.first,
+                                 span.last, type, into)
+            : input_->read_scanlines(0, 0, from_row, to_row, 0, span.first, span.last, type, into);
     if (!ok || input_->has_error()) fail();
 }
 
-Image Reader::read(const Sources& from) {
-    Info info = info_of(spec(), path_);
-    int first = spec().nchannels;
-    int last = 0;
-    for (std::size_t c = 0; c < from.size(); ++c) {
-        if (from[c] < 0) continue;
-        info.channels += static_cast<Channel>(kRed + static_cast<int>(c));
-        first = std::min(first, from[c]);
-        last = std::max(last, from[c] + 1);
-    }
-    Image image;
-    image.info = info;
-    image.header = spec();
-    name_frame_rate(image.header);
-    std::array<int, 4> made_by{-1, -1, -1, -1};
-    for (std::size_t c = 0; c < from.size(); ++c) {
-        if (from[c] < 0) continue;
-        const auto same = std::find(from.begin(), from.begin() + static_cast<std::ptrdiff_t>(c), from[c]);
-        const auto maker = static_cast<std::size_t>(same - from.begin());
-        made_by[c] = static_cast<int>(maker);
-        image.planes[c] = maker < c ? image.planes[maker]
-                                    : std::make_shared_for_overwrite<float[]>(image.width() * image.height());
-    }
-
-    const int step = spec().tile_height > 0
-                         ? std::max(1, kRowsAtOnce / spec().tile_height) * spec().tile_height
-                         : kRowsAtOnce;
-    const int stride = last - first;
-    const std::size_t pitch = image.width() * static_cast<std::size_t>(stride);
-    const auto rows = std::make_unique_for_overwrite<float[]>(
-        pitch * static_cast<std::size_t>(std::min(step, spec().height)));
+template <class Sample, class Take>
+void Reader::each_row(const Span& span, const Take& take) {
+    const auto type = std::is_same_v<Sample, Half> ? OIIO::TypeDesc::HALF : OIIO::TypeDesc::FLOAT;
+    const std::size_t pitch =
+        static_cast<std::size_t>(spec().width) * static_cast<std::size_t>(span.last - span.first);
+    int step = rows_at_once(pitch * sizeof(Sample));
+    if (spec().tile_height > 0) step = std::max(1, step / spec().tile_height) * spec().tile_height;
+    step = std::min(step, spec().height);
+    const auto rows = std::make_unique_for_overwrite<Sample[]>(pitch * static_cast<std::size_t>(step));
     for (int done = 0; done < spec().height; done += step) {
         if (abort_ && abort_->raised()) throw Interrupted();
         const int count = std::min(step, spec().height - done);
-        read_rows(spec().y + done, spec().y + done + count, first, last, rows.get());
-        for (int n = 0; n < count; ++n) {
-            const float* row = rows.get() + pitch * static_cast<std::size_t>(n);
-            const int y = info.box.t - 1 - (done + n);
-            for (std::size_t c = 0; c < from.size(); ++c) {
-                if (made_by[c] != static_cast<int>(c)) continue;
-                const auto channel = static_cast<Channel>(kRed + static_cast<int>(c));
-                take_channel(row + (from[c] - first), stride, image.width(), image.line(channel, y));
-            }
-        }
+        read_rows(spec().y + done, spec().y + done + count, span, type, rows.get());
+        for (int n = 0; n < count; ++n) take(done + n, rows.get() + pitch * static_cast<std::size_t>(n));
     }
     if (!input_->close()) fail();
+}
+
+template <class Sample>
+void Reader::fill(Image& image, const Sources& from, const Span& span) {
+    const auto stride = static_cast<std::size_t>(span.last - span.first);
+    std::vector<float> floats(std::is_same_v<Sample, Half> ? image.width() * stride : 0);
+    each_row<Sample>(span, [&](int row, const Sample* samples) {
+        const float* pixels = as_floats(samples, floats);
+        const int y = image.info.box.t - 1 - row;
+        for (std::size_t c = 0; c < from.size(); ++c) {
+            if (from[c] < 0 || maker_of(from, c) != c) continue;
+            const auto channel = static_cast<Channel>(kRed + static_cast<int>(c));
+            const auto first = static_cast<std::size_t>(from[c] - span.first);
+            take_channel(pixels, first, stride, image.width(), image.line(channel, y));
+        }
+    });
+}
+
+Image Reader::read(const Sources& from) {
+    Image image;
+    image.info = info_of(spec(), path_);
+    image.header = spec();
+    name_frame_rate(image.header);
+    for (std::size_t c = 0; c < from.size(); ++c) {
+        if (from[c] < 0) continue;
+        image.info.channels += static_cast<Channel>(kRed + static_cast<int>(c));
+        const std::size_t maker = maker_of(from, c);
+        image.planes[c] = maker < c ? image.planes[maker] : make_plane(image.width() * image.height());
+    }
+    const Span span = span_of(from);
+    if (is_half(span)) {
+        fill<Half>(image, from, span);
+    } else {
+        fill<float>(image, from, span);
+    }
     return image;
 }
 
-Image read_file(const std::string& path, const AbortFlag* abort, bool matte) try {
+void Reader::check(const Sources& from) {
+    info_of(spec(), path_);
+    const Span span = span_of(from);
+    const auto ignore = [](int, const auto*) {};
+    if (is_half(span)) {
+        each_row<Half>(span, ignore);
+    } else {
+        each_row<float>(span, ignore);
+    }
+}
+
+// Opens a file and calls work(reader, sources of all its channels).
+template <class Work>
+auto with_reader(const std::string& path, const AbortFlag* abort, const Work& work) try {
     Reader reader(path, abort);
-    Sources from = find_channels(reader.spec());
-    if (matte) from = {-1, -1, -1, from[3] >= 0 ? from[3] : 0};
-    return reader.read(from);
+    return work(reader, find_channels(reader.spec()));
 } catch (const std::bad_alloc&) {
     throw Error(path, "needs more memory than there is");
 } catch (const std::length_error&) {
@@ -203,11 +268,22 @@ Image read_file(const std::string& path, const AbortFlag* abort, bool matte) try
 }  // namespace
 
 Image read_image(const std::string& path, const AbortFlag* abort) {
-    return read_file(path, abort, false);
+    return with_reader(path, abort, [](Reader& reader, const Sources& from) { return reader.read(from); });
 }
 
 Image read_matte(const std::string& path, const AbortFlag* abort) {
-    return read_file(path, abort, true);
+    return with_reader(path, abort, [](Reader& reader, const Sources& from) {
+        return reader.read({-1, -1, -1, from[3] >= 0 ? from[3] : 0});
+    });
+}
+
+bool is_whole_image(const std::string& path, const AbortFlag* abort) try {
+    with_reader(path, abort, [](Reader& reader, const Sources& from) { reader.check(from); });
+    return true;
+} catch (const Interrupted&) {
+    throw;
+} catch (const Error&) {
+    return false;
 }
 
 }  // namespace veloxa

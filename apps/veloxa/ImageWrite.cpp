@@ -1,12 +1,14 @@
 // Writing of image files; see ImageFile.h.
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <vector>
 
 #include "AtomicFile.h"
 #include "CheckedFile.h"
 #include "Errors.h"
+#include "HalfFloat.h"
 #include "ImageFile.h"
 #include "OiioError.h"
 
@@ -15,8 +17,6 @@ namespace veloxa {
 using namespace Zo::Image;
 
 namespace {
-
-constexpr int kRowsAtOnce = 256;
 
 // Attributes that describe how the input was stored, not what it shows.
 bool describes_storage(std::string_view name) {
@@ -124,52 +124,60 @@ OIIO::TypeDesc opened_type(const std::string& path, const OIIO::ImageOutput& out
     return type;
 }
 
+void convert(const float* in, float* out, std::size_t count) {
+    std::copy_n(in, count, out);
+}
+
+void convert(const float* in, Half* out, std::size_t count) {
+    to_half(in, out, count);
+}
+
 // NaN fails both comparisons' first side and becomes 0.
 template <class T>
-void convert(float v, T& out) {
-    if constexpr (std::is_same_v<T, float>) {
-        out = v;
-    } else {
-        constexpr auto kMax = static_cast<float>(std::numeric_limits<T>::max());
-        const float low = v > 0.0f ? v : 0.0f;
+void convert(const float* in, T* out, std::size_t count) {
+    constexpr auto kMax = static_cast<float>(std::numeric_limits<T>::max());
+    for (std::size_t n = 0; n < count; ++n) {
+        const float low = in[n] > 0.0f ? in[n] : 0.0f;
         const float clamped = low < 1.0f ? low : 1.0f;
-        out = static_cast<T>(clamped * kMax + 0.5f);
+        out[n] = static_cast<T>(clamped * kMax + 0.5f);
     }
 }
 
-// One interleaved row of the file from row y of the image; black where the image has no pixel.
+// One interleaved row of the file from row y of the image; black where the image has no pixel. `samples` has
+// room for a channel's.
 template <class T>
-void fill_row(const Image& image, const std::vector<Channel>& channels, const Box& box, int y, T* row) {
+void fill_row(const Image& image, const std::vector<Channel>& channels, const Box& box, int y, T* row,
+              T* samples) {
     const Box& from = image.info.box;
     const std::size_t stride = channels.size();
     if (!from.contains(box)) std::fill_n(row, stride * static_cast<std::size_t>(box.width()), T{});
     const int x0 = std::max(box.x, from.x);
     const int x1 = std::min(box.r, from.r);
     if (y < from.y || y >= from.t || x0 >= x1) return;
+    const auto count = static_cast<std::size_t>(x1 - x0);
     for (std::size_t n = 0; n < stride; ++n) {
-        const float* line = image.line(channels[n], y) + (x0 - from.x);
+        convert(image.line(channels[n], y) + (x0 - from.x), samples, count);
         T* out = row + static_cast<std::size_t>(x0 - box.x) * stride + n;
-        const auto count = static_cast<std::size_t>(x1 - x0);
-        for (std::size_t x = 0; x < count; ++x) convert(line[x], out[x * stride]);
+        for (std::size_t x = 0; x < count; ++x) out[x * stride] = samples[x];
     }
 }
 
 template <class T>
-bool write_rows(OIIO::ImageOutput& output, const Image& image, const AbortFlag* abort) {
+bool write_rows(OIIO::ImageOutput& output, OIIO::TypeDesc type, const Image& image, const AbortFlag* abort) {
     const Box box = written_box(image, output);
     const std::vector<Channel> channels = written_channels(image, output);
     const std::size_t pitch = channels.size() * static_cast<std::size_t>(box.width());
-    const auto rows = std::make_unique_for_overwrite<T[]>(
-        pitch * static_cast<std::size_t>(std::min(kRowsAtOnce, box.height())));
+    const int step = std::min(rows_at_once(pitch * sizeof(T)), box.height());
+    const auto rows = std::make_unique_for_overwrite<T[]>(pitch * static_cast<std::size_t>(step));
+    const auto samples = std::make_unique_for_overwrite<T[]>(static_cast<std::size_t>(box.width()));
     const int top = output.spec().y;
-    for (int done = 0; done < box.height(); done += kRowsAtOnce) {
+    for (int done = 0; done < box.height(); done += step) {
         if (abort && abort->raised()) throw Interrupted();
-        const int count = std::min(kRowsAtOnce, box.height() - done);
+        const int count = std::min(step, box.height() - done);
         for (int n = 0; n < count; ++n) {
-            fill_row(image, channels, box, box.t - 1 - (done + n),
-                     rows.get() + pitch * static_cast<std::size_t>(n));
+            T* row = rows.get() + pitch * static_cast<std::size_t>(n);
+            fill_row(image, channels, box, box.t - 1 - (done + n), row, samples.get());
         }
-        const auto type = OIIO::BaseTypeFromC<T>::value;
         if (!output.write_scanlines(top + done, top + done + count, 0, type, rows.get())) return false;
     }
     return true;
@@ -177,9 +185,10 @@ bool write_rows(OIIO::ImageOutput& output, const Image& image, const AbortFlag* 
 
 bool write_pixels(OIIO::ImageOutput& output, OIIO::TypeDesc type, const Image& image,
                   const AbortFlag* abort) {
-    if (type == OIIO::TypeDesc::UINT8) return write_rows<std::uint8_t>(output, image, abort);
-    if (type == OIIO::TypeDesc::UINT16) return write_rows<std::uint16_t>(output, image, abort);
-    return write_rows<float>(output, image, abort);
+    if (type == OIIO::TypeDesc::UINT8) return write_rows<std::uint8_t>(output, type, image, abort);
+    if (type == OIIO::TypeDesc::UINT16) return write_rows<std::uint16_t>(output, type, image, abort);
+    if (type == OIIO::TypeDesc::HALF) return write_rows<Half>(output, type, image, abort);
+    return write_rows<float>(output, OIIO::TypeDesc::FLOAT, image, abort);
 }
 
 }  // namespace

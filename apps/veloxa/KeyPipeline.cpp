@@ -42,9 +42,13 @@ bool KeyPipeline::attempt(int frame, const Work& work) {
 void KeyPipeline::decode() {
     for (int n = 0; n < plan_.frames.count() && !stopped(); ++n) {
         const int frame = plan_.frames.at(n);
-        if (plan_.resume && is_whole_image(plan_.output.at(frame))) {
-            progress_.frame_done();
-            continue;
+        try {
+            if (plan_.resume && is_whole_image(plan_.output.at(frame), plan_.write.abort)) {
+                progress_.frame_done();
+                continue;
+            }
+        } catch (const Interrupted&) {
+            break;
         }
         slots_.acquire();
         Decoded next{frame, {}, Slot(&slots_)};
