@@ -1,5 +1,7 @@
 #include "KeyStats.h"
 
+#include <sys/resource.h>
+
 #include <algorithm>
 #include <cstdio>
 
@@ -53,6 +55,10 @@ std::string KeyStats::text() const {
     }
     std::snprintf(line, sizeof line, "%d frames: read %.2f ms, key %.2f ms, write %.2f ms a frame\n", frames,
                   milliseconds(read, frames), milliseconds(key, frames), milliseconds(write, frames));
+    table += line;
+    struct rusage usage {};
+    ::getrusage(RUSAGE_SELF, &usage);
+    std::snprintf(line, sizeof line, "peak memory %ld MB\n", usage.ru_maxrss / 1024);
     return table + line;
 }
 

@@ -21,7 +21,8 @@ struct KeyStats {
 
     void add(const std::vector<Zo::Image::OpStats>& frame);
     // One line an operator: name, class, rows, rows over the frames' rows, milliseconds a frame (of all
-    // threads); then milliseconds a frame of reading, keying and writing.
+    // threads); then milliseconds a frame of reading, keying and writing, and the most memory
+    // that the program has had at a time.
     std::string text() const;
 };
 
