@@ -66,8 +66,8 @@ int make_plates(PlateOptions options) {
         const plate::Set set = plate::render_set(options.scene, range.at(n), 0, how.abort);
         if (how.abort->raised()) throw Interrupted();
         for (std::size_t i = 0; i < set.size(); ++i) write_image(path_of(i, range.at(n)), set[i], how);
+        progress.frame_done();
     }
-    progress.frame_done();
     return kExitOk;
 }
 
