@@ -127,13 +127,38 @@ struct Columns {
 
 // One row further away; then what the row itself has, if that is strictly nearer.
 template <class Steps>
-[[gnu::always_inline]] inline void meet_row(Columns<Steps>& met, const Steps* row, int n) {
+[[gnu::noinline]] void meet_row(Columns<Steps>& met, const Steps* __restrict row, int n) {
     for (int i = 0; i < n; ++i) {
-        const Steps own = size_of(row[i]);
+        const Steps offset = row[i];
+        const Steps held_offset = met.offset[i];
+        const Steps own = size_of(offset);
         const Steps held = static_cast<Steps>(met.distance[i] + 1);
         met.distance[i] = own < held ? own : held;
-        met.offset[i] = own < held ? row[i] : met.offset[i];
+        met.offset[i] = own < held ? offset : held_offset;
     }
+}
+
+// What both walks have met, the walk down's unless the other's is strictly nearer, and how many rows up it
+// is. Returns whether any is not here.
+template <class Steps>
+[[gnu::noinline]] bool take_nearer(const Columns<Steps>& below, const Columns<Steps>& above,
+                                   Columns<Steps>& nearest, Steps* __restrict rows, int n) {
+    Steps any = 0;
+    for (int i = 0; i < n; ++i) {
+        const Steps up = below.distance[i];
+        const Steps down = above.distance[i];
+        const Steps up_offset = below.offset[i];
+        const Steps down_offset = above.offset[i];
+        const Steps distance = up < down ? up : down;
+        const Steps offset = up < down ? up_offset : down_offset;
+        const int is_below = up < down ? 1 : 0;
+        // Negated where it is below.
+        rows[i] = static_cast<Steps>(((distance - size_of(offset)) ^ -is_below) + is_below);
+        nearest.distance[i] = distance;
+        nearest.offset[i] = offset;
+        any = static_cast<Steps>(any | distance);
+    }
+    return any != 0;
 }
 
 template <class Steps>
@@ -159,22 +184,16 @@ void walk(const WalkTile<Steps>& tile) {
     for (int y = tile.rows - 1; y >= 0; --y) {
         Steps* const row = tile.steps + y * tile.width;
         meet_row(met, row, n);
-        Steps across[kWalkColumns];
-        Steps up[kWalkColumns];
-        for (int i = 0; i < n; ++i) {
-            const bool is_below = below[y].distance[i] < met.distance[i];
-            const Steps distance = is_below ? below[y].distance[i] : met.distance[i];
-            const Steps offset = is_below ? below[y].offset[i] : met.offset[i];
-            const Steps rows = static_cast<Steps>(distance - size_of(offset));
-            row[i] = distance;
-            across[i] = offset;
-            up[i] = static_cast<Steps>(is_below ? -rows : rows);
-        }
+        Columns<Steps> nearest;
+        Steps rows[kWalkColumns];
+        const bool any = take_nearer(below[y], met, nearest, rows, n);
+        for (int i = 0; i < n; ++i) row[i] = nearest.distance[i];
+        if (!any) continue;
         // Clear pixels are not written, not even with what they hold: other threads may read them.
         for (int i = 0; i < n; ++i) {
-            if (row[i] == 0) continue;
+            if (nearest.distance[i] == 0) continue;
             const std::ptrdiff_t at = y * tile.width + i;
-            const std::ptrdiff_t from = at + up[i] * tile.width + across[i];
+            const std::ptrdiff_t from = at + rows[i] * tile.width + nearest.offset[i];
             for (int k = 0; k < 3; ++k) tile.planes[k][at] = tile.planes[k][from];
         }
     }

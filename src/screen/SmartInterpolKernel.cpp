@@ -58,16 +58,23 @@ template <class Steps>
 struct Window {
     const float* line;
     const Steps* distance;  // the line's pixels' distances
-    std::int32_t begin = 0;
-    std::int32_t end = 0;
+    const float* end;
+    const float* begin;
     Quad sum{};
 
-    // To [centre - reach, centre + reach]; pixels enter before others leave.
-    [[gnu::always_inline]] void move(std::int32_t length, std::int32_t centre, std::int32_t reach) {
+    Window() = default;
+    Window(const float* first, const Steps* distances)
+        : line(first), distance(distances), end(first), begin(first) {}
+
+    // To [centre - reach, centre + reach]; pixels enter before others leave. Returns how many it holds.
+    [[gnu::always_inline]] std::int32_t move(std::int32_t length, std::int32_t centre, std::int32_t reach) {
         const std::int32_t new_end = std::min(centre + reach + 1, length);
         const std::int32_t new_begin = std::max(centre - reach, 0);
-        for (; end < new_end; ++end) sum += load(line + std::ptrdiff_t{end} * kPixel);
-        for (; begin < new_begin; ++begin) sum -= load(line + std::ptrdiff_t{begin} * kPixel);
+        const float* const enter_until = line + std::ptrdiff_t{new_end} * kPixel;
+        for (; end != enter_until; end += kPixel) sum += load(end);
+        const float* const leave_until = line + std::ptrdiff_t{new_begin} * kPixel;
+        for (; begin != leave_until; begin += kPixel) sum -= load(begin);
+        return new_end - new_begin;
     }
 };
 
@@ -87,16 +94,14 @@ void advance(Window<Steps>* windows, std::int32_t length, std::ptrdiff_t step, s
     for (int l = 0; l < kLines; l += 2) {
         Window<Steps> one = windows[l];
         Window<Steps> other = windows[l + 1];
-        const auto note = [&](const Window<Steps>& window, std::int32_t i, int line) {
-            sums.sum[i - begin][line] = window.sum;
+        const auto move = [&](Window<Steps>& window, std::int32_t i, int line) {
             sums.count[kAreColumns ? (i - begin) * kLines + line : line * kChunk + (i - begin)] =
-                window.end - window.begin;
+                window.move(length, i, window.distance[i * step]);
+            sums.sum[i - begin][line] = window.sum;
         };
         for (std::int32_t i = begin; i < end; ++i) {
-            one.move(length, i, one.distance[i * step]);
-            other.move(length, i, other.distance[i * step]);
-            note(one, i, l);
-            note(other, i, l + 1);
+            move(one, i, l);
+            move(other, i, l + 1);
         }
         windows[l] = one;
         windows[l + 1] = other;
@@ -105,38 +110,49 @@ void advance(Window<Steps>* windows, std::int32_t length, std::ptrdiff_t step, s
 
 using Planes = std::array<float*, 3>;
 
-// Four neighbours of a plane, or the last n < 4 and zeros.
-Quad load_some(const float* from, int n) {
-    if (n == 4) return load(from);
-    Quad result{};
-    for (int k = 0; k < n; ++k) result[k] = from[k];
-    return result;
-}
-void store_some(float* to, Quad v, int n) {
-    if (n == 4) {
-        store(to, v);
-    } else {
-        for (int k = 0; k < n; ++k) to[k] = v[k];
-    }
-}
-
-void get_pixels(const Planes& planes, std::size_t at, int n, Quad (&pixels)[4]) {
-    for (std::size_t k = 0; k < 3; ++k) pixels[k] = load_some(planes[k] + at, n);
+// The pixels' red, green and blue and four zeros.
+[[gnu::always_inline]] inline void get_four(const Planes& planes, std::size_t at, Quad (&pixels)[4]) {
+    for (std::size_t k = 0; k < 3; ++k) pixels[k] = load(planes[k] + at);
     pixels[3] = Quad{};
     transpose(pixels);
 }
 
-// The means of windows whose sums are `spacing` apart, half a count added to a sum before it is divided.
-void put_means(const Quad* sum, const std::int32_t* count, int spacing, const Planes& planes, std::size_t at,
-               int n) {
-    Quad v[4];
-    for (int k = 0; k < 4; ++k) v[k] = sum[k * spacing];
-    transpose(v);
+// As get_four, but of the last n pixels of a row, and zeros.
+void get_last(const Planes& planes, std::size_t at, int n, Quad (&pixels)[4]) {
+    for (int i = 0; i < 4; ++i) {
+        pixels[i] = Quad{};
+        if (i >= n) continue;
+        for (int k = 0; k < 3; ++k)
+            pixels[i][k] = planes[static_cast<std::size_t>(k)][at + static_cast<std::size_t>(i)];
+    }
+}
+
+// The means of four windows whose sums are `spacing` apart, half a count added to a sum before it is divided.
+[[gnu::always_inline]] inline void means(const Quad* sum, const std::int32_t* count, int spacing,
+                                         Quad (&result)[4]) {
+    for (int k = 0; k < 4; ++k) result[k] = sum[k * spacing];
+    transpose(result);
     IntQuad counts;
     __builtin_memcpy(&counts, count, sizeof counts);
     const Quad half = __builtin_convertvector(counts / 2, Quad);
     const Quad divisor = __builtin_convertvector(counts, Quad);
-    for (std::size_t k = 0; k < 3; ++k) store_some(planes[k] + at, (v[k] + half) / divisor, n);
+    for (int k = 0; k < 3; ++k) result[k] = (result[k] + half) / divisor;
+}
+
+[[gnu::always_inline]] inline void put_four(const Quad* sum, const std::int32_t* count, int spacing,
+                                            const Planes& planes, std::size_t at) {
+    Quad result[4];
+    means(sum, count, spacing, result);
+    for (std::size_t k = 0; k < 3; ++k) store(planes[k] + at, result[k]);
+}
+
+void put_last(const Quad* sum, const std::int32_t* count, int spacing, const Planes& planes, std::size_t at,
+              int n) {
+    Quad result[4];
+    means(sum, count, spacing, result);
+    for (std::size_t k = 0; k < 3; ++k) {
+        for (int i = 0; i < n; ++i) planes[k][at + static_cast<std::size_t>(i)] = result[k][i];
+    }
 }
 
 template <class Steps>
@@ -154,12 +170,14 @@ void smooth_rows(int width, int begin, int end, const Steps* distance, const Pla
     for (int l = 0; l < rows; ++l) {
         float* to = copy.get() + static_cast<std::size_t>(l) * pitch(width);
         const std::size_t at = first + static_cast<std::size_t>(l) * stride;
-        for (int x = 0; x < width; x += 4) {
-            Quad pixels[4];
-            const int n = std::min(4, width - x);
-            get_pixels(planes, at + static_cast<std::size_t>(x), n, pixels);
-            for (int k = 0; k < n; ++k, to += kPixel) store(to, pixels[k]);
+        Quad pixels[4];
+        int x = 0;
+        for (; x + 4 <= width; x += 4, to += std::ptrdiff_t{4} * kPixel) {
+            get_four(planes, at + static_cast<std::size_t>(x), pixels);
+            for (int k = 0; k < 4; ++k) store(to + k * kPixel, pixels[k]);
         }
+        get_last(planes, at + static_cast<std::size_t>(x), width - x, pixels);
+        for (int k = 0; k < width - x; ++k) store(to + k * kPixel, pixels[k]);
     }
     Sums sums{};
     for (int x = 0; x < width; x += kChunk) {
@@ -167,9 +185,14 @@ void smooth_rows(int width, int begin, int end, const Steps* distance, const Pla
         advance<false>(windows, width, 1, x, x + chunk, sums);
         for (int l = 0; l < rows; ++l) {
             const std::size_t at = first + static_cast<std::size_t>(l) * stride + static_cast<std::size_t>(x);
-            for (int i = 0; i < chunk; i += 4) {
-                put_means(&sums.sum[i][l], &sums.count[l * kChunk + i], kLines, planes,
-                          at + static_cast<std::size_t>(i), std::min(4, chunk - i));
+            int i = 0;
+            for (; i + 4 <= chunk; i += 4) {
+                put_four(&sums.sum[i][l], &sums.count[l * kChunk + i], kLines, planes,
+                         at + static_cast<std::size_t>(i));
+            }
+            if (i < chunk) {
+                put_last(&sums.sum[i][l], &sums.count[l * kChunk + i], kLines, planes,
+                         at + static_cast<std::size_t>(i), chunk - i);
             }
         }
     }
@@ -196,10 +219,14 @@ void smooth_columns(int width, int height, int begin, int end, const Steps* dist
             }
         }
         float* const to = copy.get() + std::ptrdiff_t{y} * kPixel;
+        Quad pixels[4];
         for (int x = 0; x < columns; x += 4) {
-            Quad pixels[4];
             const int n = std::min(4, columns - x);
-            get_pixels(planes, at(x, y), n, pixels);
+            if (n == 4) {
+                get_four(planes, at(x, y), pixels);
+            } else {
+                get_last(planes, at(x, y), n, pixels);
+            }
             for (int k = 0; k < n; ++k)
                 store(to + static_cast<std::size_t>(x + k) * pitch(height), pixels[k]);
         }
@@ -210,8 +237,11 @@ void smooth_columns(int width, int height, int begin, int end, const Steps* dist
         for (int x = 0; x < columns; x += kLines) {
             advance<true>(windows + x, height, width, y, y + chunk, sums);
             for (int i = 0; i < chunk; ++i) {
-                put_means(sums.sum[i], &sums.count[i * kLines], 1, planes, at(x, y + i),
-                          std::min(4, columns - x));
+                if (columns - x >= 4) {
+                    put_four(sums.sum[i], &sums.count[i * kLines], 1, planes, at(x, y + i));
+                } else {
+                    put_last(sums.sum[i], &sums.count[i * kLines], 1, planes, at(x, y + i), columns - x);
+                }
             }
         }
     }
