@@ -10,18 +10,19 @@ namespace LANES {
 // As many columns as one vector holds; arithmetic, comparisons and selections work on it as on a float.
 #if LANE_BITS == 0
 using Columns = float;
+inline constexpr std::size_t kColumns = 1;
 #else
 using Columns [[gnu::vector_size(LANE_BITS / 8)]] = float;
+inline constexpr std::size_t kColumns = LANE_BITS / 32;
 #endif
 
 // Enough of them to keep the processor busy while each waits for its own last operation.
-constexpr std::size_t kVectorsAtOnce = 8;
+inline constexpr std::size_t kVectorsAtOnce = 8;
 
 // The vectors stay in registers while all lines pass.
 template <std::size_t kVectors, class Op, class End>
 [[gnu::always_inline]] inline void fold_columns(const float* const* lines, std::size_t count, float* result,
                                                 std::size_t at, Op op, End end) {
-    constexpr std::size_t kWidth = sizeof(Columns) / sizeof(float);
     const auto load = [](const float* from) {
         Columns v;
         __builtin_memcpy(&v, from, sizeof(v));
@@ -29,16 +30,16 @@ template <std::size_t kVectors, class Op, class End>
     };
     Columns folded[kVectors];
 #pragma GCC unroll 8
-    for (std::size_t j = 0; j < kVectors; ++j) folded[j] = load(result + at + j * kWidth);
+    for (std::size_t j = 0; j < kVectors; ++j) folded[j] = load(result + at + j * kColumns);
     for (std::size_t k = 0; k < count; ++k) {
         const float* line = lines[k] + at;
 #pragma GCC unroll 8
-        for (std::size_t j = 0; j < kVectors; ++j) folded[j] = op(folded[j], load(line + j * kWidth));
+        for (std::size_t j = 0; j < kVectors; ++j) folded[j] = op(folded[j], load(line + j * kColumns));
     }
 #pragma GCC unroll 8
     for (std::size_t j = 0; j < kVectors; ++j) {
         const Columns v = end(folded[j]);
-        __builtin_memcpy(result + at + j * kWidth, &v, sizeof(Columns));
+        __builtin_memcpy(result + at + j * kColumns, &v, sizeof(Columns));
     }
 }
 
@@ -48,14 +49,13 @@ template <std::size_t kVectors, class Op, class End>
 template <class Op, class End>
 [[gnu::always_inline]] inline void fold_lines(std::span<const float* const> lines, float* result,
                                               std::size_t n, Op op, End end) {
-    constexpr std::size_t kWidth = sizeof(Columns) / sizeof(float);
     const float* const* first = lines.data();
     const std::size_t count = lines.size();
     std::size_t i = 0;
-    for (; i + kVectorsAtOnce * kWidth <= n; i += kVectorsAtOnce * kWidth) {
+    for (; i + kVectorsAtOnce * kColumns <= n; i += kVectorsAtOnce * kColumns) {
         fold_columns<kVectorsAtOnce>(first, count, result, i, op, end);
     }
-    for (; i + kWidth <= n; i += kWidth) fold_columns<1>(first, count, result, i, op, end);
+    for (; i + kColumns <= n; i += kColumns) fold_columns<1>(first, count, result, i, op, end);
     for (; i < n; ++i) {
         float folded = result[i];
         for (std::size_t k = 0; k < count; ++k) folded = op(folded, first[k][i]);
