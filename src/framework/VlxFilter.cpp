@@ -22,7 +22,9 @@ void VlxFilter::_close() {
 }
 
 void VlxFilter::_request(int x, int y, int r, int t, ChannelSet channels, int count) {
-    const Box area = is_active() ? info_.box : Box{x, y, r, t};
+    // Channels that pass through are read as far as the reader looks, beyond the frame's edges too.
+    Box area{x, y, r, t};
+    if (is_active()) area.merge(info_.box);
     input(0).request(area.x, area.y, area.r, area.t, channels + own_channels_, count);
 }
 
