@@ -12,14 +12,13 @@ namespace {
 
 constexpr int kMostSide = 1 << 28;
 
-// Lines worked on side by side, so that none waits for its own last sum.
-constexpr int kLines = 4;
-// Columns copied at once: their pixels of a row fill a cache line.
+// Lines worked on at once. Columns' pixels of a row fill a cache line.
+constexpr int kRows = 4;
 constexpr int kColumns = 16;
 // Pixels of a line whose sums are kept before they are divided.
-constexpr int kChunk = 64;
+constexpr int kChunk = 32;
 // Rows that are asked for ahead; no two pixels of a column share a page, so nobody else does it.
-constexpr int kAhead = 16;
+constexpr int kAhead = 8;
 
 using Quad = float __attribute__((vector_size(16)));
 using IntQuad = std::int32_t __attribute__((vector_size(16)));
@@ -54,17 +53,14 @@ std::size_t pitch(int length) {
 
 // A window over a copied line that only moves forward. Positions outside the line are not counted. The sums
 // are not formed afresh for each window, so their rounding, and a NaN that entered, goes along.
-template <class Steps>
 struct Window {
     const float* line;
-    const Steps* distance;  // the line's pixels' distances
     const float* end;
     const float* begin;
     Quad sum{};
 
     Window() = default;
-    Window(const float* first, const Steps* distances)
-        : line(first), distance(distances), end(first), begin(first) {}
+    explicit Window(const float* first) : line(first), end(first), begin(first) {}
 
     // To [centre - reach, centre + reach]; pixels enter before others leave. Returns how many it holds.
     [[gnu::always_inline]] std::int32_t move(std::int32_t length, std::int32_t centre, std::int32_t reach) {
@@ -78,30 +74,35 @@ struct Window {
     }
 };
 
-// What windows hold at the pixels of a chunk.
+// What the windows of kMost lines hold at the pixels of a chunk.
+template <int kMost>
 struct Sums {
-    Quad sum[kChunk][kLines];
-    std::int32_t count[kChunk * kLines];  // those of four neighbours in the frame side by side
+    Quad sum[kChunk][kMost];
+    std::int32_t count[kChunk * kMost];  // those of neighbours in the frame side by side
 };
 
-// Moves two windows at a time, so that neither waits for its own last sum, over pixels [begin, end) of their
-// lines, whose distances are `step` apart. Distances of neighbours differ by one at most, so a window never
-// moves back and always holds its centre.
-template <bool kAreColumns, class Steps>
-void advance(Window<Steps>* windows, std::int32_t length, std::ptrdiff_t step, std::int32_t begin,
-             std::int32_t end, Sums& sums) {
-    static_assert(kLines % 2 == 0);
-    for (int l = 0; l < kLines; l += 2) {
-        Window<Steps> one = windows[l];
-        Window<Steps> other = windows[l + 1];
-        const auto move = [&](Window<Steps>& window, std::int32_t i, int line) {
-            sums.count[kAreColumns ? (i - begin) * kLines + line : line * kChunk + (i - begin)] =
-                window.move(length, i, window.distance[i * step]);
+// Moves the windows of `lines` lines over pixels [begin, end), two at a time so that neither waits for its
+// own last sum. Distances, of the lines' pixels from `begin` on, are `step` apart along a line and `spacing`
+// from line to line. Those of neighbours differ by one at most, so a window never moves back and always holds
+// its centre.
+template <bool kAreColumns, int kMost, class Steps>
+void advance(Window* windows, int lines, std::int32_t length, const Steps* distance, std::ptrdiff_t step,
+             std::ptrdiff_t spacing, std::int32_t begin, std::int32_t end, Sums<kMost>& sums) {
+    static_assert(kMost % 2 == 0);
+    for (int l = 0; l < lines; l += 2) {
+        // An odd line out goes twice.
+        const Steps* const one_distance = distance + l * spacing;
+        const Steps* const other_distance = l + 1 < lines ? one_distance + spacing : one_distance;
+        Window one = windows[l];
+        Window other = l + 1 < lines ? windows[l + 1] : one;
+        const auto move = [&](Window& window, std::int32_t i, Steps reach, int line) {
+            sums.count[kAreColumns ? (i - begin) * kMost + line : line * kChunk + (i - begin)] =
+                window.move(length, i, reach);
             sums.sum[i - begin][line] = window.sum;
         };
         for (std::int32_t i = begin; i < end; ++i) {
-            move(one, i, l);
-            move(other, i, l + 1);
+            move(one, i, one_distance[(i - begin) * step], l);
+            move(other, i, other_distance[(i - begin) * step], l + 1);
         }
         windows[l] = one;
         windows[l + 1] = other;
@@ -159,14 +160,11 @@ template <class Steps>
 void smooth_rows(int width, int begin, int end, const Steps* distance, const Planes& planes) {
     const auto stride = static_cast<std::size_t>(width);
     const auto first = static_cast<std::size_t>(begin) * stride;
-    const auto copy = std::make_unique_for_overwrite<float[]>(pitch(width) * kLines);
+    const auto copy = std::make_unique_for_overwrite<float[]>(pitch(width) * kRows);
     const int rows = end - begin;
-    Window<Steps> windows[kLines];
-    for (int l = 0; l < kLines; ++l) {
-        // Lines that are not there do what the first does.
-        const std::size_t row = l < rows ? static_cast<std::size_t>(l) : 0;
-        windows[l] = {copy.get() + row * pitch(width), distance + first + row * stride};
-    }
+    Window windows[kRows];
+    for (int l = 0; l < rows; ++l)
+        windows[l] = Window(copy.get() + static_cast<std::size_t>(l) * pitch(width));
     for (int l = 0; l < rows; ++l) {
         float* to = copy.get() + static_cast<std::size_t>(l) * pitch(width);
         const std::size_t at = first + static_cast<std::size_t>(l) * stride;
@@ -179,19 +177,20 @@ void smooth_rows(int width, int begin, int end, const Steps* distance, const Pla
         get_last(planes, at + static_cast<std::size_t>(x), width - x, pixels);
         for (int k = 0; k < width - x; ++k) store(to + k * kPixel, pixels[k]);
     }
-    Sums sums{};
+    Sums<kRows> sums{};
     for (int x = 0; x < width; x += kChunk) {
         const int chunk = std::min(kChunk, width - x);
-        advance<false>(windows, width, 1, x, x + chunk, sums);
+        advance<false>(windows, rows, width, distance + first + static_cast<std::size_t>(x), 1, width, x,
+                       x + chunk, sums);
         for (int l = 0; l < rows; ++l) {
             const std::size_t at = first + static_cast<std::size_t>(l) * stride + static_cast<std::size_t>(x);
             int i = 0;
             for (; i + 4 <= chunk; i += 4) {
-                put_four(&sums.sum[i][l], &sums.count[l * kChunk + i], kLines, planes,
+                put_four(&sums.sum[i][l], &sums.count[l * kChunk + i], kRows, planes,
                          at + static_cast<std::size_t>(i));
             }
             if (i < chunk) {
-                put_last(&sums.sum[i][l], &sums.count[l * kChunk + i], kLines, planes,
+                put_last(&sums.sum[i][l], &sums.count[l * kChunk + i], kRows, planes,
                          at + static_cast<std::size_t>(i), chunk - i);
             }
         }
@@ -206,10 +205,9 @@ void smooth_columns(int width, int height, int begin, int end, const Steps* dist
         return static_cast<std::size_t>(y) * stride + static_cast<std::size_t>(begin + x);
     };
     const int columns = end - begin;
-    Window<Steps> windows[kColumns];
-    for (int l = 0; l < kColumns; ++l) {
-        const auto column = static_cast<std::size_t>(l < columns ? l : 0);
-        windows[l] = {copy.get() + column * pitch(height), distance + at(0, 0) + column};
+    Window windows[kColumns];
+    for (int l = 0; l < columns; ++l) {
+        windows[l] = Window(copy.get() + static_cast<std::size_t>(l) * pitch(height));
     }
     for (int y = 0; y < height; ++y) {
         if (y + kAhead < height) {
@@ -231,16 +229,21 @@ void smooth_columns(int width, int height, int begin, int end, const Steps* dist
                 store(to + static_cast<std::size_t>(x + k) * pitch(height), pixels[k]);
         }
     }
-    Sums sums{};
+    Sums<kColumns> sums{};
     for (int y = 0; y < height; y += kChunk) {
         const int chunk = std::min(kChunk, height - y);
-        for (int x = 0; x < columns; x += kLines) {
-            advance<true>(windows + x, height, width, y, y + chunk, sums);
-            for (int i = 0; i < chunk; ++i) {
+        // Rows of some widths share a set of the cache, so each is touched once: for all its columns.
+        Steps near[kChunk * kColumns];
+        for (int i = 0; i < chunk; ++i) std::copy_n(distance + at(0, y + i), columns, near + i * kColumns);
+        advance<true>(windows, columns, height, near, kColumns, 1, y, y + chunk, sums);
+        for (int i = 0; i < chunk; ++i) {
+            for (int x = 0; x < columns; x += 4) {
+                const Quad* const sum = &sums.sum[i][x];
+                const std::int32_t* const count = &sums.count[i * kColumns + x];
                 if (columns - x >= 4) {
-                    put_four(sums.sum[i], &sums.count[i * kLines], 1, planes, at(x, y + i));
+                    put_four(sum, count, 1, planes, at(x, y + i));
                 } else {
-                    put_last(sums.sum[i], &sums.count[i * kLines], 1, planes, at(x, y + i), columns - x);
+                    put_last(sum, count, 1, planes, at(x, y + i), columns - x);
                 }
             }
         }
@@ -266,7 +269,7 @@ class SmartInterpol::FrameOf final : public Frame {
     void run(const SmartInterpolParams& params, const Planes& planes, const ParallelLoop& loop) override {
         nearest_.fill(planes, params.backing, loop);
         const Steps* const distance = nearest_.distance();
-        loop(0, height_, kLines,
+        loop(0, height_, kRows,
              [&](int begin, int end) { smooth_rows(width_, begin, end, distance, planes); });
         loop(0, width_, kColumns,
              [&](int begin, int end) { smooth_columns(width_, height_, begin, end, distance, planes); });
