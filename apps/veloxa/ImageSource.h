@@ -21,6 +21,7 @@ class ImageSource final : public Zo::Image::Iop {
     void clear() { image_.reset(); }
 
     const char* class_name() const override { return "ImageSource"; }
+    Zo::Image::ChannelSet kept_channels() const override { return Zo::Image::kMaskNone; }
 
   protected:
     void _validate(bool for_real) override;

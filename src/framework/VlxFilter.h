@@ -21,6 +21,9 @@ class VlxFilter : public VlxIop {
               Zo::Image::ChannelSet own_channels)
         : VlxIop(context, controls), own_channels_(own_channels) {}
 
+    // The frame is kept as it is.
+    Zo::Image::ChannelSet kept_channels() const override { return Zo::Image::kMaskNone; }
+
   protected:
     // Empties the frame; its memory is kept for the next one.
     virtual void release_buffers();

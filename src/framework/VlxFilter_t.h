@@ -23,6 +23,7 @@ class VlxFilter_t : public VlxIop {
     }
 
     virtual void configure() = 0;
+    Zo::Image::ChannelSet kept_channels() const override { return Zo::Image::kMaskAlpha; }
 
   protected:
     void _validate(bool for_real) override {

@@ -18,6 +18,7 @@ class VlxCombineShadow final : public VlxIop {
     const char* class_name() const override { return "VlxCombineShadow"; }
     const char* input_label(int input, char* buffer) const override;
     void setup() override;
+    Zo::Image::ChannelSet kept_channels() const override { return Zo::Image::kMaskRgba; }
 
   protected:
     void _validate(bool for_real) override;

@@ -24,6 +24,7 @@ void VlxSmartInterpol::_request(int x, int y, int r, int t, ChannelSet channels,
     VlxFilter::_request(x, y, r, t, channels, count);
     const Box& box = info_.box;
     input(1).request(box.x, box.y, box.r, box.t, kMaskAlpha, count);
+    input(1).read_ahead(kMaskAlpha);
 }
 
 bool VlxSmartInterpol::compute_frame(Lock& lock) {

@@ -48,6 +48,7 @@ class VlxFilmCorrection final : public VlxFilter_t<VlxFilmCorrectionH, VlxFilmCo
     const char* class_name() const override { return "VlxFilmCorrection"; }
     void setup() override;
     void configure() override;
+    Zo::Image::ChannelSet kept_channels() const override { return Zo::Image::kMaskRgb; }
 
   protected:
     void _validate(bool for_real) override;

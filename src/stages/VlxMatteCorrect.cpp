@@ -28,7 +28,9 @@ bool VlxMatteCorrect::is_active() const {
 void VlxMatteCorrect::_request(int x, int y, int r, int t, ChannelSet channels, int count) {
     VlxFilter::_request(x, y, r, t, channels, count);
     const Box& box = info_.box;
-    if (is_active()) input(1).request(box.x, box.y, box.r, box.t, kMaskAlpha, count);
+    if (!is_active()) return;
+    input(1).request(box.x, box.y, box.r, box.t, kMaskAlpha, count);
+    input(1).read_ahead(kMaskAlpha);
 }
 
 bool VlxMatteCorrect::compute_frame(Lock& lock) {

@@ -79,9 +79,16 @@ struct CachedRender::Plan {
     std::vector<bool> half;
 };
 
-CachedRender::CachedRender(RowCache* cache, const RequestPass& pass)
+CachedRender::CachedRender(RowCache* cache, PlaneStore& own, const RequestPass& pass)
     : cache_(cache == nullptr ? nullptr : cache->impl_.get()), pass_(pass) {
-    if (cache_ == nullptr) return;
+    if (cache_ == nullptr) {
+        try {
+            keep_what_is_read_ahead(own);
+        } catch (const std::bad_alloc&) {
+            rows_.clear();  // then it is made again
+        }
+        return;
+    }
     ++cache_->renders;
     std::erase_if(cache_->entries, [&](const auto& item) {
         const RowCache::Impl::Entry& entry = item.second;
@@ -167,6 +174,23 @@ void CachedRender::allocate(const Plan& plan) {
             rows->add(c, cache_->store.take(bytes));
         }
         rows_[slot] = rows.get();
+    }
+}
+
+void CachedRender::keep_what_is_read_ahead(PlaneStore& own) {
+    std::vector<int> readers(pass_.ops().size());
+    for (std::size_t reader = 0; reader < readers.size(); ++reader) {
+        for (const std::size_t source : pass_.reads(reader)) ++readers[source];
+    }
+    rows_.resize(readers.size());
+    for (std::size_t slot = 0; slot < readers.size(); ++slot) {
+        const Iop& op = *pass_.ops()[slot];
+        const ChannelSet channels = op.requested().ahead & op.info().channels;
+        if (channels.empty() || readers[slot] < 2 || op.info().box.empty()) continue;
+        own_.push_back(std::make_unique<KeptRows>(wanted_area(op)));
+        rows_[slot] = own_.back().get();
+        const std::size_t bytes = KeptRows::plane_bytes(wanted_area(op));
+        for (const Channel c : channels) rows_[slot]->add(c, own.take(bytes));
     }
 }
 

@@ -1,4 +1,5 @@
-// What one render takes from a cache and leaves in it.
+// What one render takes from a cache and leaves in it, and what it keeps for itself: rows that are read ahead
+// of their turn and then again.
 #pragma once
 
 #include <cstddef>
@@ -35,9 +36,9 @@ struct RowCache::Impl {
 
 class CachedRender {
   public:
-    // Drops what no longer holds and makes room for what this render will compute. Without a cache there are
-    // no rows.
-    CachedRender(RowCache* cache, const RequestPass& pass);
+    // Drops what no longer holds and makes room for what this render will compute. Without a cache the only
+    // rows are those read ahead, in planes of `own`, which outlives this.
+    CachedRender(RowCache* cache, PlaneStore& own, const RequestPass& pass);
 
     // Kept rows of the operator in this slot of the pass; null when there are none.
     KeptRows* rows(std::size_t slot) const { return rows_.empty() ? nullptr : rows_[slot]; }
@@ -51,11 +52,13 @@ class CachedRender {
     void choose(Plan& plan);
     void make_room(std::size_t bytes);
     void allocate(const Plan& plan);
+    void keep_what_is_read_ahead(PlaneStore& own);
 
     RowCache::Impl* cache_;
     const RequestPass& pass_;
     std::vector<RowCache::Impl::Entry*> entries_;
     std::vector<KeptRows*> rows_;
+    std::vector<std::unique_ptr<KeptRows>> own_;
     bool wants_times_ = false;
 };
 

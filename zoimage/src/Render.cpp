@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <limits>
 #include <mutex>
 #include <thread>
 
@@ -50,6 +51,7 @@ struct Renderer::Impl {
     const AbortFlag* abort;
     bool measure_time = false;
     RowCache* cache = nullptr;
+    PlaneStore planes{std::numeric_limits<std::size_t>::max()};
     std::vector<OpStats> stats;
 };
 
@@ -80,7 +82,7 @@ bool Renderer::render(Iop& root, const Box& region, ChannelSet channels, const S
     impl_->stats.clear();
     if (region.empty()) return true;
     const RequestPass pass = plan(root, region, channels);
-    CachedRender cached(impl_->cache, pass);
+    CachedRender cached(impl_->cache, impl_->planes, pass);
 
     RenderState state;
     state.abort = impl_->abort;

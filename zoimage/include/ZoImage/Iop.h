@@ -41,6 +41,11 @@ class Iop : public Op {
     // Validates for real first. May be called many times; the areas add up.
     void request(int x, int y, int r, int t, ChannelSet channels, int count);
 
+    // Announces, after a request, that rows of these channels will be read ahead of their turn, by one that
+    // needs the whole frame before it makes its first row. Where others read the operator too, the render
+    // keeps those channels, so that nothing is made twice.
+    void read_ahead(ChannelSet channels) { requested_.ahead += channels; }
+
     // Fills the row's whole span with channels of row y. Beyond the box the nearest edge pixel repeats.
     // Any thread during a render. Outside a render it works too, without keeping rows.
     void get(int y, int x, int r, ChannelSet channels, Row& row);
@@ -49,6 +54,7 @@ class Iop : public Op {
     struct Requested {
         Box box;
         ChannelSet channels;
+        ChannelSet ahead;  // of those, what is read ahead of its turn
         int count = 0;
     };
     const Requested& requested() const { return requested_; }
