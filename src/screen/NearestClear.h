@@ -2,7 +2,7 @@
 // header says what is clear and which of equally near pixels is taken.
 //
 // Distances are kept in as few bytes as the frame's size allows: Steps is std::int16_t, or std::int32_t for
-// frames with a longer side than kMostSteps.
+// frames whose width + height is beyond kMostSteps.
 //
 // The walk up and the walk down each give a pixel the nearest of what they met; where both are equally far
 // the walk down's stands. So they are independent, and either can begin anywhere once it is known what it

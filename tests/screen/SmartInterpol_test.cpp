@@ -80,12 +80,14 @@ struct Naive {
         const auto at = [&](int i) { return first + static_cast<std::size_t>(i) * step; };
         const auto distance = [&](int i) { return static_cast<int>(map[at(std::max(i, 0))]); };
         for (Plane& plane : out.colour) {
-            const Plane before = plane;
+            Plane before;
+            for (int i = 0; i < n; ++i) before.push_back(plane[at(i)]);
             float sum = 0.0f;
             int count = 0;
             const auto pass = [&](int i, int sign) {
                 if (i < 0 || i >= n) return;
-                sum = sign > 0 ? sum + before[at(i)] : sum - before[at(i)];
+                const float value = before[static_cast<std::size_t>(i)];
+                sum = sign > 0 ? sum + value : sum - value;
                 count += sign;
             };
             for (int i = -distance(0); i < n; ++i) {
