@@ -50,7 +50,7 @@ void key(benchmark::State& state, const Configuration& configuration, const Size
             state.counters["ms" + suffix] = time.median * kMilli;
             state.counters["least" + suffix] = time.least * kMilli;
             state.counters["floor" + suffix] = floor * kMilli;
-            state.counters["ratio" + suffix] = time.least / floor;
+            state.counters["ratio" + suffix] = time.median / floor;
             if (threads == 1) {
                 alone = time.median;
                 state.counters["processor ms"] = time.processor * kMilli;
