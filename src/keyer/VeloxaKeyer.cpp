@@ -1,5 +1,7 @@
 #include "keyer/VeloxaKeyer.h"
 
+#include "controls/ControlListing.h"
+#include "controls/ControlTrace.h"
 #include "keyer/HelpText.h"
 #include "keyer/KnobCopy.h"
 
@@ -60,6 +62,15 @@ void VeloxaKeyer::knobs(Knob_Closure& closure) {
 
 int VeloxaKeyer::knob_changed(Knob* knob) {
     return panel_.knob_changed(knob);
+}
+
+std::string VeloxaKeyer::diagnostic(std::string_view what) const {
+    if (what == "controls") return control_listing(controls_);
+    if (what != "trace") return {};
+    std::string text(trace_capacity(), '\0');
+    write_trace(controls_, text.data(), text.size());
+    text.resize(text.find('\0'));
+    return text;
 }
 
 void VeloxaKeyer::_validate(bool for_real) {
