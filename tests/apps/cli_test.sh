@@ -3,6 +3,7 @@
 # usage: cli_test.sh VELOXA
 set -u
 veloxa=$(realpath "$1")
+data=$(realpath "$(dirname "$0")/../controls/data")
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 cd "$folder" || exit 1
@@ -43,7 +44,7 @@ while IFS='|' read -r status text arguments; do
     # shellcheck disable=SC2086
     expect "$status" "$text" $arguments
 done <<'TABLE'
-2|key, knobs, plate, compare|
+2|key, knobs, controls, plate, compare|
 2|nonsense: there is no such command|nonsense
 2|--nonsense|--nonsense
 2|--fg|key -o out/a.exr
@@ -74,6 +75,10 @@ done <<'TABLE'
 1|none.script|key --fg shot/fg.0001.exr -o out/a.exr --script none.script
 1|shot/fg.0001.exr: exists; use --overwrite|key --fg shot/fg.0002.exr -o shot/fg.0001.exr
 2|is an input too|key --fg shot/fg.0001.exr -o shot/fg.0001.exr --overwrite
+2|no_such_knob|controls --set no_such_knob=1
+1|none.script|controls --script none.script -o out/controls.txt
+1|nowhere|controls -o nowhere/controls.txt
+1|shot/fg.0001.exr: exists; use --overwrite|controls -o shot/fg.0001.exr
 2|--max-diff|compare shot/fg.0001.exr shot/fg.0001.exr --max-diff x
 1|does not exist|compare shot/fg.0001.exr out/none.exr
 TABLE
@@ -95,6 +100,15 @@ expect 1 "" compare out/stage.exr out/a.exr --max-diff 100
 expect 0 '"name": "screen_color"' knobs --json
 printf 'Veloxa {\n  brights 5\n  nonsense 1\n}\n' >bad.script
 expect 1 "bad.script:3: " key "${inputs[@]}" -o out/d.exr --script bad.script
+
+# The controls: of a new node, and of one with knobs.
+expect 0 "" controls
+cmp -s out.txt "$data/fresh_listing.txt" || fail "the listing of a new node"
+expect 0 "" controls --trace -o out/trace.txt
+cmp -s out/trace.txt "$data/fresh_trace.txt" || fail "the trace of a new node"
+expect 0 "setMatteDensity 120" controls --trace --script out/a.script
+expect 0 "" controls --set darks=7 -o out/trace.txt --overwrite
+grep -q -P '^-7\tMatte Density Darks $' out/trace.txt || fail "no darks in the listing"
 
 # Another size.
 expect 0 "" plate -o small --size 32x24
