@@ -1,12 +1,35 @@
 #!/usr/bin/env bash
 # Runs the benchmarks that are built, one table each; fails when one of them does.
-# Arguments go to every program: tools/bench.sh --benchmark_filter=spill
+#
+#   tools/bench.sh [ARGUMENTS]             arguments go to every program: --benchmark_filter=spill
+#   tools/bench.sh --update [ARGUMENTS]    also puts the tables under "Figures" in docs/performance.md
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-status=0
-for name in ceilings stages screen framework zoimage node; do
-    program=build/bin/bench_$name
-    [ ! -x "$program" ] || "$program" "$@" || status=1
-done
-exit "$status"
+page=docs/performance.md
+
+run_all() {
+    local status=0 name program
+    for name in ceilings kernels zoimage node edit shape; do
+        program=${BENCH_DIR:-build/bin}/bench_$name
+        [ ! -x "$program" ] || "$program" "$@" || status=1
+    done
+    return "$status"
+}
+
+if [ "${1-}" != --update ]; then
+    run_all "$@"
+    exit
+fi
+shift
+tables=$(mktemp)
+trap 'rm -f "$tables" "$tables.page"' EXIT
+run_all "$@" | tee "$tables"
+{
+    sed '/^## Figures$/q' "$page"
+    echo
+    echo "$(sed -n 's/^model name[^:]*: *//p' /proc/cpuinfo | head -1), $(nproc) threads," \
+        "commit $(git rev-parse --short HEAD)."
+    cat "$tables"
+} >"$tables.page"
+cp "$tables.page" "$page"

@@ -1,6 +1,7 @@
 #include "keyer/NodeRig.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 
 #include "PlateSet.h"
@@ -134,6 +135,21 @@ void NodeRig::key_again() {
     renderer_.render(node_, output_.info.box, kMaskRgba, [&](int y, const Row& row) {
         for (const Channel c : kMaskRgba) std::copy_n(row[c], row.width(), output_.line(c, y));
     });
+}
+
+void NodeRig::use_cache(std::size_t budget) {
+    cache_ = std::make_unique<RowCache>(budget);
+    renderer_.use_cache(cache_.get());
+}
+
+double NodeRig::backing_share() {
+    std::atomic<std::int64_t> certain{0};
+    renderer_.render(
+        *node_.child("shrinkScreen")->as_iop(), output_.info.box, kMaskAlpha, [&](int /*y*/, const Row& row) {
+            const float* region = row[kAlpha];
+            certain += std::count_if(region, region + row.width(), [](float v) { return v != 0.0f; });
+        });
+    return static_cast<double>(certain) / pixels();
 }
 
 std::uint64_t NodeRig::checksum() const {

@@ -7,6 +7,7 @@
 
 #include "ImageFile.h"
 #include "ZoImage/Render.h"
+#include "ZoImage/RowCache.h"
 #include "keyer/VeloxaKeyer.h"
 
 namespace bench {
@@ -56,12 +57,17 @@ class NodeRig {
     KnobStorage& knobs() { return node_.knob_values(); }
     Zo::Image::Renderer& renderer() { return renderer_; }
     double pixels() const { return static_cast<double>(output_.width() * output_.height()); }
+    // Keeps what is computed, up to so many bytes.
+    void use_cache(std::size_t budget);
+    // The share of the frame that is certain backing.
+    double backing_share();
     // Of every bit of the last frame.
     std::uint64_t checksum() const;
 
   private:
     RowSource fg_, cp_, bg_;
     VeloxaKeyer node_;
+    std::unique_ptr<Zo::Image::RowCache> cache_;
     Zo::Image::Renderer renderer_;
     veloxa::Image output_;
 };

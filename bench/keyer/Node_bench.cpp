@@ -2,7 +2,9 @@
 #include <map>
 #include <string>
 
+#include "keyer/NodeFloor.h"
 #include "keyer/NodeRig.h"
+#include "lanes/Lanes.h"
 #include "support/Table.h"
 
 namespace bench {
@@ -13,11 +15,8 @@ struct Size {
     int width, height;
 };
 constexpr Size kSizes[]{{1920, 1080}, {4096, 2160}};
+constexpr Size kSmall{480, 270};
 constexpr double kMilli = 1e3;
-
-std::string text_of(const Size& size) {
-    return std::to_string(size.width) + " x " + std::to_string(size.height);
-}
 
 const Plate& plate_of(const Size& size) {
     static std::map<int, Plate> plates;
@@ -26,17 +25,38 @@ const Plate& plate_of(const Size& size) {
     return at->second;
 }
 
+std::uint64_t checksum_of(const Configuration& configuration, Lanes form, int threads) {
+    const Lanes in_use = lanes_in_use();
+    use_lanes(form);
+    NodeRig rig(plate_of(kSmall), configuration, threads);
+    rig.key_next_frame();
+    use_lanes(in_use);
+    return rig.checksum();
+}
+
 void key(benchmark::State& state, const Configuration& configuration, const Size& size) {
     for (auto _ : state) {
+        if (checksum_of(configuration, lanes_in_use(), 2) != checksum_of(configuration, Lanes::kScalar, 1)) {
+            state.SkipWithError("differs from the scalar form on one thread");
+            return;
+        }
         double alone = 0.0;
         for (const int threads : {1, 2}) {
             NodeRig rig(plate_of(size), configuration, threads);
-            const Timing time = time_calls([&] { rig.key_next_frame(); }, 5, 1.0);
+            const Timing time = time_calls([&] { rig.key_next_frame(); }, 5, 0.5);
+            const double floor =
+                node_floor(configuration.name, rig.backing_share(), threads) * rig.pixels() * 1e-9;
             const std::string suffix = threads == 1 ? ", 1 thread" : ", 2 threads";
             state.counters["ms" + suffix] = time.median * kMilli;
             state.counters["least" + suffix] = time.least * kMilli;
-            if (threads == 1) alone = time.median;
-            if (threads == 2) state.counters["gain"] = alone / time.median;
+            state.counters["floor" + suffix] = floor * kMilli;
+            state.counters["ratio" + suffix] = time.least / floor;
+            if (threads == 1) {
+                alone = time.median;
+                state.counters["processor ms"] = time.processor * kMilli;
+            } else {
+                state.counters["gain"] = alone / time.median;
+            }
         }
     }
 }
@@ -44,7 +64,8 @@ void key(benchmark::State& state, const Configuration& configuration, const Size
 void register_benchmarks() {
     for (const Size& size : kSizes) {
         for (const Configuration& configuration : kConfigurations) {
-            const std::string name = std::string(configuration.name) + ", " + text_of(size);
+            const std::string name = std::string(configuration.name) + ", " + std::to_string(size.width) +
+                                     " x " + std::to_string(size.height);
             benchmark::RegisterBenchmark(name.c_str(), key, configuration, size)->Iterations(1);
         }
     }
@@ -56,10 +77,13 @@ void register_benchmarks() {
 
 int main(int argc, char** argv) {
     bench::register_benchmarks();
-    return bench::run_table(argc, argv, "one frame",
-                            {{"ms, 1 thread", 1},
-                             {"least, 1 thread", 1},
-                             {"ms, 2 threads", 1},
-                             {"least, 2 threads", 1},
-                             {"gain", 2}});
+    std::vector<bench::Column> columns{{"processor ms", 1}};
+    for (const char* suffix : {", 1 thread", ", 2 threads"}) {
+        for (const char* counter : {"ms", "least", "floor"}) {
+            columns.push_back({std::string(counter) + suffix, 1});
+        }
+        columns.push_back({std::string("ratio") + suffix, 2});
+    }
+    columns.push_back({"gain", 2});
+    return bench::run_table(argc, argv, "one frame", columns);
 }

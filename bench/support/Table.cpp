@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <ctime>
 
 namespace bench {
 
@@ -78,14 +79,16 @@ Timing time_calls(const std::function<void()>& work, int calls, double seconds) 
     work();
     std::vector<double> times;
     double total = 0.0;
+    const std::clock_t used = std::clock();
     while (static_cast<int>(times.size()) < calls || total < seconds) {
         const auto start = Clock::now();
         work();
         times.push_back(std::chrono::duration<double>(Clock::now() - start).count());
         total += times.back();
     }
+    const double processor = static_cast<double>(std::clock() - used) / static_cast<double>(CLOCKS_PER_SEC);
     std::sort(times.begin(), times.end());
-    return {times[times.size() / 2], times.front()};
+    return {times[times.size() / 2], times.front(), processor / static_cast<double>(times.size())};
 }
 
 }  // namespace bench

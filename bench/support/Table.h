@@ -19,9 +19,10 @@ struct Column {
 // program's exit status: 1 when a benchmark reported an error.
 int run_table(int argc, char** argv, const std::string& title, const std::vector<Column>& columns);
 
-struct Timing {
-    double median;  // seconds
+struct Timing {  // seconds
+    double median;
     double least;
+    double processor;  // a call's mean share of processor time, all threads: other programs do not count
 };
 
 // Times calls of `work` after one that is not counted, until both the count and the seconds are reached.

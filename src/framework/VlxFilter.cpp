@@ -3,7 +3,7 @@
 using namespace Zo::Image;
 
 void VlxFilter::release_buffers() {
-    for (std::vector<float>& plane : frame_) plane.clear();
+    for (FramePlane<float>& plane : frame_) plane.clear();
 }
 
 void VlxFilter::forget_frame() {

@@ -9,8 +9,8 @@
 
 #include <array>
 #include <atomic>
-#include <vector>
 
+#include "ZoImage/FramePlane.h"
 #include "ZoImage/Lock.h"
 #include "framework/ParallelLoop.h"
 #include "framework/VlxIop.h"
@@ -30,7 +30,7 @@ class VlxFilter : public VlxIop {
     virtual bool is_active() const { return true; }
 
     Zo::Image::ChannelSet own_channels() const { return own_channels_; }
-    std::vector<float>& frame(Zo::Image::Channel c) {
+    Zo::Image::FramePlane<float>& frame(Zo::Image::Channel c) {
         return frame_[static_cast<std::size_t>(c - Zo::Image::kRed)];
     }
 
@@ -49,6 +49,6 @@ class VlxFilter : public VlxIop {
 
     Zo::Image::Lock lock_;
     std::atomic<bool> done_{false};
-    std::array<std::vector<float>, 4> frame_;
+    std::array<Zo::Image::FramePlane<float>, 4> frame_;
     Zo::Image::ChannelSet own_channels_;
 };

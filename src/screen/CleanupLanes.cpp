@@ -1,4 +1,3 @@
-#include "lanes/ForPacks.h"
 #include "screen/CleanupKernel.h"
 #include "stages/KernelMath.h"
 
@@ -9,27 +8,27 @@ namespace LANES {
 namespace {
 
 // How far a pixel is pushed, 0 to 255.
-[[gnu::always_inline]] inline Doubles push(const CleanupParams& p, Floats a) {
-    const Doubles k = max_of(whole(wide(a - p.threshold)), 0.0);
-    return cap_at(255.0, k * p.strength);
+[[gnu::always_inline]] inline double push(const CleanupParams& params, float a) {
+    const double k = max_of(to_int(a - params.threshold), 0);
+    return cap_at(255.0, k * params.strength);
 }
 
 }  // namespace
 
-void cleanup_colour(const CleanupParams& params, const float* matte, const float* colour, float* out,
-                    std::size_t n) {
+void cleanup_colour(const CleanupParams& params, const float* matte, const float* colour,
+                    float* __restrict out, std::size_t n) {
     const CleanupParams p = params;
-    for_packs({matte, colour}, {out}, n, [p](const Inputs& from, const Outputs& to) {
-        to.put(0, narrow(wide(from[1]) * (255.0 - push(p, from[0])) / 255.0));
-    });
+    for (std::size_t i = 0; i < n; ++i) {
+        out[i] = narrow(wide(colour[i]) * (255.0 - push(p, matte[i])) / 255.0);
+    }
 }
 
-void cleanup_matte(const CleanupParams& params, const float* matte, float* out, std::size_t n) {
+void cleanup_matte(const CleanupParams& params, const float* matte, float* __restrict out, std::size_t n) {
     const CleanupParams p = params;
-    for_packs({matte}, {out}, n, [p](const Inputs& from, const Outputs& to) {
-        const Doubles a = wide(from[0]);
-        to.put(0, narrow(((255.0 - a) * push(p, from[0])) / 255.0 + a));
-    });
+    for (std::size_t i = 0; i < n; ++i) {
+        const double a = wide(matte[i]);
+        out[i] = narrow(((255.0 - a) * push(p, matte[i])) / 255.0 + a);
+    }
 }
 
 }  // namespace LANES

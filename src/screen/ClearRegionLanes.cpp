@@ -15,9 +15,16 @@ void decide_constant(const ClearRegionParams& params, const RolePixels& fg, floa
     const double backing = k.backingP * kByte;
     const Minor<double> minor1 = minor_of(backing, level(k.backing1, k.tolerance1), k.darks1);
     const Minor<double> minor0 = minor_of(backing, level(k.backing0, k.tolerance0), k.darks0);
-    for_packs({fg.role0, fg.role1, fg.primary}, {alpha}, n, [=](const Inputs& from, const Outputs& to) {
-        to.put(0, clear_of(k, backing, minor0, minor1, from[0], from[1], from[2]));
-    });
+    const auto decide = [&]<BackingLevel kLevel>() {
+        for_packs({fg.role0, fg.role1, fg.primary}, {alpha}, n, [=](const Inputs& from, const Outputs& to) {
+            to.put(0, clear_of<kLevel>(k, backing, minor0, minor1, from[0], from[1], from[2]));
+        });
+    };
+    if (backing > 0.0) {
+        decide.operator()<BackingLevel::kPositive>();
+    } else {
+        decide.operator()<BackingLevel::kAny>();
+    }
 }
 
 void decide_against_plate(const ClearRegionParams& params, const RolePixels& fg, const RolePixels& plate,
@@ -30,7 +37,8 @@ void decide_against_plate(const ClearRegionParams& params, const RolePixels& fg,
                   const Doubles backing = wide(from[5] * kByteSingle);
                   const auto minor1 = minor_of(backing, wide((from[4] + t1) * kByteSingle), k.darks1);
                   const auto minor0 = minor_of(backing, wide((from[3] + t0) * kByteSingle), k.darks0);
-                  to.put(0, clear_of(k, backing, minor0, minor1, from[0], from[1], from[2]));
+                  to.put(0,
+                         clear_of<BackingLevel::kAny>(k, backing, minor0, minor1, from[0], from[1], from[2]));
               });
 }
 

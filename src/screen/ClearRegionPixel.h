@@ -29,16 +29,25 @@ template <class Doubles, class Level>
     return c < ((backing - primary) * minor.dark) / backing + (primary * minor.level) / backing;
 }
 
-template <class Doubles, class Level>
+// What the backing's primary level is known to be. For a positive, finite b the quotient x / b, correctly
+// rounded, reaches 1 exactly when x reaches b.
+enum class BackingLevel { kPositive, kAny };
+
+template <BackingLevel kLevel, class Doubles, class Level>
 [[gnu::always_inline]] inline auto brighter_passes(const Minor<Level>& minor, Level backing, Doubles primary,
                                                    Doubles c, double brights) {
     const Doubles content =
         ((c - minor.dark) * backing - primary * minor.rest) / ((1.0 - minor.dark) * backing - minor.rest);
-    return (primary - content * brights) / backing >= 1.0;
+    const Doubles left = primary - content * brights;
+    if constexpr (kLevel == BackingLevel::kPositive) {
+        return left >= backing;
+    } else {
+        return left / backing >= 1.0;
+    }
 }
 
 // Where the primary is exactly the backing's, both tests are made and either may decide.
-template <class Floats, class Level>
+template <BackingLevel kLevel, class Floats, class Level>
 [[gnu::always_inline]] inline Floats clear_of(const ClearRegionParams& k, Level backing,
                                               const Minor<Level>& minor0, const Minor<Level>& minor1,
                                               Floats c0, Floats c1, Floats cp) {
@@ -47,8 +56,8 @@ template <class Floats, class Level>
     const auto d0 = wide(c0 * kByteSingle);
     const auto darker =
         (p <= backing) & darker_passes(minor1, backing, p, d1) & darker_passes(minor0, backing, p, d0);
-    const auto brighter = (p >= backing) & brighter_passes(minor1, backing, p, d1, k.brights1) &
-                          brighter_passes(minor0, backing, p, d0, k.brights0);
+    const auto brighter = (p >= backing) & brighter_passes<kLevel>(minor1, backing, p, d1, k.brights1) &
+                          brighter_passes<kLevel>(minor0, backing, p, d0, k.brights0);
     return narrow(choose(darker | brighter, 255.0, decltype(p)(0.0)));
 }
 

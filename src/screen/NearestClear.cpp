@@ -1,122 +1,148 @@
 #include "screen/NearestClear.h"
 
 #include <algorithm>
-#include <array>
-#include <atomic>
-#include <cstddef>
-#include <cstdlib>
-#include <stdexcept>
+#include <memory>
+
+LANE_KERNEL(FindInRow<std::int16_t>, find_in_row_16);
+LANE_KERNEL(FindInRow<std::int32_t>, find_in_row_32);
+LANE_KERNEL(SumUpWalks<std::int16_t>, sum_up_walks_16);
+LANE_KERNEL(SumUpWalks<std::int32_t>, sum_up_walks_32);
+LANE_KERNEL(WalkAndFill<std::int16_t>, walk_and_fill_16);
+LANE_KERNEL(WalkAndFill<std::int32_t>, walk_and_fill_32);
 
 namespace {
 
-constexpr int kRowGrain = 16;
-constexpr int kColumns = 64;
+constexpr int kTilesAtOnce = 16;
 
-constexpr int kMostSide = 1 << 28;
-// Stands for the column of a clear pixel where a row has none: further than any distance can grow.
-constexpr std::int32_t kNowhere = -(1 << 30);
-
-// Per pixel of a row the column of the nearest clear pixel of that row; from equally near ones the left.
-bool find_in_row(const float* clear, int width, std::int32_t* nearest) {
-    std::int32_t last = kNowhere;
-    for (std::int32_t x = 0; x < width; ++x) {
-        last = clear[x] != 0.0f ? x : last;
-        nearest[x] = last;
-    }
-    if (last == kNowhere) return false;
-    std::int32_t next = last;  // right of the last clear pixel nothing changes
-    for (std::int32_t x = last; x >= 0; --x) {
-        const std::int32_t left = nearest[x];
-        next = left == x ? x : next;
-        nearest[x] = next - x < x - left ? next : left;
-    }
-    return true;
-}
-
-// The best that some neighbouring columns met so far on the walk up or down.
-struct Columns {
-    std::array<std::int32_t, kColumns> distance;
-    std::array<std::uint32_t, kColumns> source;
+template <class Steps>
+struct Kernels {
+    static constexpr const auto& find_in_row = find_in_row_16;
+    static constexpr const auto& sum_up_walks = sum_up_walks_16;
+    static constexpr const auto& walk_and_fill = walk_and_fill_16;
+};
+template <>
+struct Kernels<std::int32_t> {
+    static constexpr const auto& find_in_row = find_in_row_32;
+    static constexpr const auto& sum_up_walks = sum_up_walks_32;
+    static constexpr const auto& walk_and_fill = walk_and_fill_32;
 };
 
-// One row further away; then what the row itself has, if that is strictly nearer.
-void meet_row(Columns& best, const std::int32_t* nearest, std::int32_t x, int count, std::uint32_t row) {
-    for (int i = 0; i < count; ++i) {
-        const std::int32_t distance = std::abs(x + i - nearest[i]);
-        const std::int32_t held = best.distance[static_cast<std::size_t>(i)] + 1;
-        const std::uint32_t source = row + static_cast<std::uint32_t>(nearest[i]);
-        const std::uint32_t held_source = best.source[static_cast<std::size_t>(i)];
-        best.distance[static_cast<std::size_t>(i)] = distance < held ? distance : held;
-        best.source[static_cast<std::size_t>(i)] = distance < held ? source : held_source;
-    }
+std::size_t product(int a, int b) {
+    return static_cast<std::size_t>(a) * static_cast<std::size_t>(b);
 }
 
-// What the walk up found for the row, if that is strictly nearer.
-void meet_map(Columns& best, const std::int32_t* distance, const std::uint32_t* source, int count) {
-    for (int i = 0; i < count; ++i) {
-        const auto at = static_cast<std::size_t>(i);
-        const bool nearer = distance[i] < best.distance[at];
-        best.distance[at] = nearer ? distance[i] : best.distance[at];
-        best.source[at] = nearer ? source[i] : best.source[at];
-    }
+int rounded_up(int a, int b) {
+    return a / b + (a % b != 0 ? 1 : 0);
 }
 
 }  // namespace
 
-// A row's runs from the left and from the right depend on that row alone: before its first clear pixel a
-// run is longer than width + height, which a column that has met any clear pixel never exceeds. So runs
-// are found for all rows at once, and the walks then need columns only.
-NearestClear find_nearest_clear(int width, int height, const float* clear, const ParallelLoop& loop) {
-    const auto stride = static_cast<std::size_t>(width);
-    const std::size_t pixels = stride * static_cast<std::size_t>(height);
-    if (width > kMostSide || height > kMostSide || pixels > std::size_t{1} << 32U) {
-        throw std::length_error("frame too large for the smart interpolation");
-    }
-    NearestClear found;
-    found.distance = std::make_unique_for_overwrite<std::int32_t[]>(pixels);
-    const auto nearest = std::make_unique_for_overwrite<std::int32_t[]>(pixels);
+// Per band and column what the two walks have met.
+template <class Steps>
+struct NearestClear<Steps>::Carried {
+    explicit Carried(std::size_t count)
+        : steps(std::make_unique_for_overwrite<Steps[]>(4 * count)),
+          up{steps.get(), steps.get() + count},
+          down{steps.get() + 2 * count, steps.get() + 3 * count} {}
 
-    std::atomic<bool> any{false};
-    loop(0, height, kRowGrain, [&](int begin, int end) {
-        bool here = false;
-        for (int y = begin; y < end; ++y) {
-            const std::size_t at = static_cast<std::size_t>(y) * stride;
-            here |= find_in_row(clear + at, width, nearest.get() + at);
-        }
-        if (here) any.store(true, std::memory_order_relaxed);
-    });
-    found.any = any.load(std::memory_order_relaxed);
-    const std::int32_t farthest = width + height;
-    if (!found.any) {
-        std::fill_n(found.distance.get(), pixels, farthest);
-        return found;
-    }
-    found.source = std::make_unique_for_overwrite<std::uint32_t[]>(pixels);
+    std::unique_ptr<Steps[]> steps;
+    Met<Steps> up;
+    Met<Steps> down;
+};
 
-    loop(0, width, kColumns, [&](int begin, int end) {
-        const int count = end - begin;
-        Columns best;
-        best.distance.fill(farthest);
-        best.source.fill(0);
-        const auto at = [&](int y) {
-            return static_cast<std::size_t>(y) * stride + static_cast<std::size_t>(begin);
-        };
-        const auto row = [&](int y) {
-            return static_cast<std::uint32_t>(static_cast<std::size_t>(y) * stride);
-        };
-        for (int y = 0; y < height; ++y) {
-            meet_row(best, nearest.get() + at(y), begin, count, row(y));
-            for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
-                found.distance[at(y) + i] = std::min(best.distance[i], farthest);
-                found.source[at(y) + i] = best.source[i];
-            }
-        }
-        for (int y = height - 1; y >= 0; --y) {
-            meet_row(best, nearest.get() + at(y), begin, count, row(y));
-            meet_map(best, found.distance.get() + at(y), found.source.get() + at(y), count);
-            std::copy_n(best.distance.data(), count, found.distance.get() + at(y));
-            std::copy_n(best.source.data(), count, found.source.get() + at(y));
-        }
-    });
-    return found;
+namespace {
+
+// Exchanges what a walk meets in a band for what it brings there, and takes the band's share along; what it
+// holds wins ties.
+template <class Steps>
+void carry_over(Met<Steps>& carried, std::size_t at, int rows, Steps farthest, Steps& distance,
+                Steps& offset) {
+    const auto held = static_cast<Steps>(std::min(distance + rows, int{farthest}));
+    const bool nearer = carried.distance[at] < held;
+    const Steps next_distance = nearer ? carried.distance[at] : held;
+    const Steps next_offset = nearer ? carried.offset[at] : offset;
+    carried.distance[at] = distance;
+    carried.offset[at] = offset;
+    distance = next_distance;
+    offset = next_offset;
 }
+
+}  // namespace
+
+template <class Steps>
+NearestClear<Steps>::NearestClear(int width, int height)
+    : width_(width), height_(height), steps_(product(width, height)) {}
+
+template <class Steps>
+void NearestClear<Steps>::add_row(int y, const float* clear) {
+    if (Kernels<Steps>::find_in_row(clear, width_, steps_.data() + product(y, width_))) {
+        any_.store(true, std::memory_order_relaxed);
+    }
+}
+
+template <class Steps>
+void NearestClear<Steps>::fill_backing(const std::array<float*, 3>& planes,
+                                       const std::array<float, 3>& backing, const ParallelLoop& loop) {
+    loop(0, height_, kWalkRows, [&](int begin, int end) {
+        const std::size_t at = product(begin, width_);
+        const std::size_t count = product(end - begin, width_);
+        std::fill_n(steps_.data() + at, count, static_cast<Steps>(width_ + height_));
+        for (std::size_t k = 0; k < 3; ++k) std::fill_n(planes[k] + at, count, backing[k]);
+    });
+}
+
+template <class Steps>
+void NearestClear<Steps>::fill(const std::array<float*, 3>& planes, const std::array<float, 3>& backing,
+                               const ParallelLoop& loop) {
+    if (!any_.load(std::memory_order_relaxed)) {
+        fill_backing(planes, backing, loop);
+        return;
+    }
+    const int bands = rounded_up(height_, kWalkRows);
+    const int strips = rounded_up(width_, kWalkColumns);
+    const auto farthest = static_cast<Steps>(width_ + height_);
+    Carried carried(product(bands, width_));
+
+    const auto for_tiles = [&](const auto& kernel) {
+        loop(0, bands * strips, kTilesAtOnce, [&](int begin, int end) {
+            for (int t = begin; t < end; ++t) {
+                const int band = t / strips;
+                const int x = t % strips * kWalkColumns;
+                const int y = band * kWalkRows;
+                const std::size_t at = product(y, width_) + static_cast<std::size_t>(x);
+                const std::size_t at_carried = product(band, width_) + static_cast<std::size_t>(x);
+                kernel(WalkTile<Steps>{
+                    std::min(kWalkColumns, width_ - x),
+                    std::min(kWalkRows, height_ - y),
+                    width_,
+                    farthest,
+                    steps_.data() + at,
+                    {carried.up.distance + at_carried, carried.up.offset + at_carried},
+                    {carried.down.distance + at_carried, carried.down.offset + at_carried},
+                    {planes[0] + at, planes[1] + at, planes[2] + at},
+                });
+            }
+        });
+    };
+    for_tiles(Kernels<Steps>::sum_up_walks);
+    loop(0, width_, kWalkColumns, [&](int begin, int end) {
+        for (int x = begin; x < end; ++x) {
+            const auto column = [&](bool up) {
+                Steps distance = farthest;
+                Steps offset = 0;
+                for (int i = 0; i < bands; ++i) {
+                    const int band = up ? i : bands - 1 - i;
+                    carry_over(up ? carried.up : carried.down,
+                               product(band, width_) + static_cast<std::size_t>(x),
+                               std::min(kWalkRows, height_ - band * kWalkRows), farthest, distance, offset);
+                }
+            };
+            column(true);
+            column(false);
+        }
+    });
+    for_tiles(Kernels<Steps>::walk_and_fill);
+}
+
+template class NearestClear<std::int16_t>;
+template class NearestClear<std::int32_t>;

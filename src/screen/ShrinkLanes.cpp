@@ -1,14 +1,23 @@
+#include <cstdint>
+
 #include "lanes/FoldLines.h"
-#include "lanes/SlidingMax.h"
+#include "lanes/SlidingJoin.h"
 
 namespace LANES {
 
 void shrink_row(const float* centre, std::size_t radius, float* __restrict scratch, float* __restrict out,
                 std::size_t n) {
+    using Mark = std::uint8_t;  // narrow, so that a vector holds many
+    auto* zeros = reinterpret_cast<Mark*>(scratch);
     const float* first = centre - radius;
-    sliding_max(
-        2 * radius + 1, n, [first](std::size_t i) { return first[i] == 0.0f ? 1.0f : 0.0f; }, scratch,
-        [centre, out](std::size_t i, float zero) { out[i] = zero > 0.0f ? 0.0f : centre[i]; });
+    for (std::size_t i = 0; i < n + 2 * radius; ++i) zeros[i] = first[i] == 0.0f ? Mark{1} : Mark{0};
+    const auto either = [](Mark a, Mark b) { return static_cast<Mark>(a | b); };
+    // All bits of the centre stay, or none.
+    const auto put = [centre, out](std::size_t i, Mark zeroed) {
+        const auto bits = __builtin_bit_cast(std::int32_t, centre[i]);
+        out[i] = __builtin_bit_cast(float, bits&(std::int32_t{zeroed} - 1));
+    };
+    sliding_join(zeros, 2 * radius + 1, n, either, put);
 }
 
 void shrink_lines(std::span<const float* const> lines, float* out, std::size_t n) {

@@ -6,12 +6,12 @@
 // row from the left and then from the right, meets first is kept. The averages run first along rows, then
 // along columns, with sums in single precision that are carried along the whole line. Without any clear
 // pixel the frame has the backing colour.
-// Planes are width x height, row-major from the bottom row; `out` must not overlap the others. The cost of
-// a pixel does not depend on distances. Throws std::length_error for frames beyond 2^28 columns and rows
-// or 2^32 pixels.
+// Planes are width x height, row-major from the bottom row, and are worked on in place; beside them a pixel
+// needs two to four bytes. The cost of a pixel does not depend on distances.
 #pragma once
 
 #include <array>
+#include <memory>
 
 #include "controls/ControlBlock.h"
 #include "framework/ParallelLoop.h"
@@ -22,6 +22,21 @@ struct SmartInterpolParams {
 
 SmartInterpolParams smart_interpol_params(const ControlBlock& controls);
 
-void smart_interpol(const SmartInterpolParams& params, int width, int height, const float* clear,
-                    const std::array<const float*, 3>& image, const std::array<float*, 3>& out,
-                    const ParallelLoop& loop);
+class SmartInterpol {
+  public:
+    // Throws std::length_error for frames beyond 2^28 columns and rows or 2^32 pixels.
+    SmartInterpol(int width, int height);
+    ~SmartInterpol();
+
+    // Takes in the `clear` values of row y, counted from the bottom. Any thread; every row once, before run.
+    void add_row(int y, const float* clear);
+    // Once.
+    void run(const SmartInterpolParams& params, const std::array<float*, 3>& planes,
+             const ParallelLoop& loop);
+
+  private:
+    class Frame;
+    template <class Steps>
+    class FrameOf;
+    std::unique_ptr<Frame> frame_;
+};

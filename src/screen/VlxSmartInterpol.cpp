@@ -1,5 +1,7 @@
 #include "screen/VlxSmartInterpol.h"
 
+#include <algorithm>
+
 #include "ZoImage/GeneralTile.h"
 #include "screen/SmartInterpolKernel.h"
 
@@ -26,21 +28,25 @@ void VlxSmartInterpol::_request(int x, int y, int r, int t, ChannelSet channels,
 
 bool VlxSmartInterpol::compute_frame(Lock& lock) {
     const Box& box = info_.box;
-    const RawGeneralTile clear(input(1), box, kMaskAlpha, &lock);
-    if (!clear.valid() || aborted()) return false;
-    const RawGeneralTile image(input(0), box, kMaskRgb, &lock);
-    if (!image.valid() || aborted()) return false;
-
-    std::array<float*, 3> out{};
-    for (std::size_t k = 0; k < 3; ++k) {
-        std::vector<float>& plane = frame(static_cast<Channel>(kRed + static_cast<int>(k)));
-        plane.resize(clear.plane(kAlpha).size());
-        out[k] = plane.data();
+    const auto width = static_cast<std::size_t>(box.width());
+    const std::array channels{kRed, kGreen, kBlue};
+    std::array<float*, 3> planes{};
+    for (std::size_t k = 0; k < channels.size(); ++k) {
+        frame(channels[k]).resize(width * static_cast<std::size_t>(box.height()));
+        planes[k] = frame(channels[k]).data();
     }
+    SmartInterpol interpol(box.width(), box.height());
+    const std::array<RowSource, 2> sources{{{&input(1), kMaskAlpha}, {&input(0), kMaskRgb}}};
+    const auto keep = [&](std::size_t source, int y, const Row& row) {
+        if (source == 0) {
+            interpol.add_row(y - box.y, row[kAlpha]);
+            return;
+        }
+        const std::size_t at = static_cast<std::size_t>(y - box.y) * width;
+        for (std::size_t k = 0; k < channels.size(); ++k)
+            std::copy_n(row[channels[k]], width, planes[k] + at);
+    };
+    if (!fetch_rows(sources, box, &lock, keep)) return false;
     const SmartInterpolParams params = smart_interpol_params(controls());
-    return run_kernel(lock, [&](const ParallelLoop& loop) {
-        smart_interpol(params, box.width(), box.height(), clear.plane(kAlpha).data(),
-                       {image.plane(kRed).data(), image.plane(kGreen).data(), image.plane(kBlue).data()}, out,
-                       loop);
-    });
+    return run_kernel(lock, [&](const ParallelLoop& loop) { interpol.run(params, planes, loop); });
 }

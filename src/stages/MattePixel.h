@@ -4,6 +4,9 @@
 // packs for a clean plate.
 #pragma once
 
+#include <limits>
+#include <type_traits>
+
 #include "stages/KernelMath.h"
 #include "stages/MatteKernel.h"
 
@@ -47,6 +50,16 @@ template <class Floats, class Level, class Floor>
     return floor_at(0.0, m);
 }
 
+// The smaller of x1 / p and x0 / p, the second on ties and NaN. Division by a positive, finite level keeps
+// the order, so one quotient will do.
+template <class Doubles, class Level>
+[[gnu::always_inline]] inline Doubles smaller_quotient(Doubles x1, Doubles x0, Level p) {
+    if constexpr (std::is_same_v<Level, float>) {
+        if (p > 0.0f && p < std::numeric_limits<float>::infinity()) return min_of(x1, x0) / wide(p);
+    }
+    return min_of(x1 / wide(p), x0 / wide(p));
+}
+
 template <class Floats, class Level, class Floor>
 [[gnu::always_inline]] inline Floats matte_of(const MatteParams& k, const Backing<Level, Floor>& b, Floats c0,
                                               Floats c1, Floats cp) {
@@ -54,9 +67,9 @@ template <class Floats, class Level, class Floor>
     const auto m0 = content(c0, cp, b.p, b.s0, b.floor0);
     const auto least = min_of(whole(m1), whole(m0));
     const auto cpd = wide(cp);
-    const auto t1 = (cpd - k.brights * m1 - k.cool * (m1 - least)) / wide(b.p);
-    const auto t0 = (cpd - k.brights * m0 - k.warm * (m0 - least)) / wide(b.p);
-    return narrow(clamp_to(-127.5, 127.5, min_of(t1, t0)) * 255.0);
+    const auto x1 = cpd - k.brights * m1 - k.cool * (m1 - least);
+    const auto x0 = cpd - k.brights * m0 - k.warm * (m0 - least);
+    return narrow(clamp_to(-127.5, 127.5, smaller_quotient(x1, x0, b.p)) * 255.0);
 }
 
 }  // namespace kernel

@@ -26,8 +26,8 @@ struct Image {
 
 Plane corrected(MatteLimit limit, int radius, const Image& in,
                 const ParallelLoop& loop = test::forward_loop) {
-    Plane result(in.matte.size(), -1.0f);
-    matte_correct(limit, radius, in.width, in.height, in.matte.data(), in.pre.data(), result.data(), loop);
+    Plane result = in.pre;
+    matte_correct(limit, radius, in.width, in.height, in.matte.data(), result.data(), result.data(), loop);
     return result;
 }
 
@@ -37,7 +37,8 @@ float window_value(bool above, long radius, const Image& in, int x, int y, int d
     const double m = static_cast<double>(at(x, y));
     double hi = -HUGE_VAL;
     double lo = HUGE_VAL;
-    for (long k = -std::min(radius, 100L); k <= std::min(radius, 100L); ++k) {
+    const long reach = std::min<long>(radius, in.width + in.height);
+    for (long k = -reach; k <= reach; ++k) {
         const long i = x + k * dx;
         const long j = y + k * dy;
         if (i < 0 || j < 0 || i >= in.width || j >= in.height) continue;
@@ -99,7 +100,8 @@ TEST(MatteCorrect, WorkedExamples) {
 TEST(MatteCorrect, EqualsTheLiteralLoopHoweverItIsCut) {
     std::mt19937 random(7);
     const float special[] = {kNaN, kInf, -kInf, -0.0f, 0.0f, 255.0f, 3.0e38f, 1.0e-42f};
-    for (const auto& [w, h] : {std::pair{1, 1}, {1, 9}, {9, 1}, {7, 5}, {33, 19}, {70, 37}}) {
+    for (const auto& [w, h] :
+         {std::pair{1, 1}, {1, 9}, {9, 1}, {7, 5}, {33, 19}, {70, 37}, {2100, 2}, {3, 530}}) {
         for (const int radius : {1, 2, 3, 16, std::numeric_limits<int>::max()}) {
             for (const int rare : {3, 40, 1000000}) {
                 Image in{w, h, Plane(static_cast<std::size_t>(w * h)),

@@ -69,7 +69,7 @@ TEST(Render, EdgesRepeatForAnyBoxAndThreads) {
     for (const Box& box : boxes) {
         test::FunctionSource source(box, kMaskRgba, pattern);
         Neighbours sums(&source, 2, 3);
-        for (const int threads : {1, 2, 5}) {
+        for (const int threads : {1, 2, 3, 8}) {
             const test::Picture picture = test::render(sums, threads);
             ASSERT_TRUE(picture.complete);
             for (int y = box.y; y < box.t; ++y) {

@@ -4,11 +4,15 @@
 #include <bit>
 #include <new>
 
+#include "ThreadLocal.h"
+
 namespace Zo::Image {
 
 namespace {
 
 constexpr std::align_val_t kAlignment{64};
+
+ZO_FAST_THREAD_LOCAL BufferPool* this_thread = nullptr;
 
 // Few distinct sizes, so that a buffer freed for one span serves the next. The odd remainder keeps rows
 // of a power of two from starting in the same cache sets.
@@ -20,8 +24,11 @@ std::size_t size_class(std::size_t floats) {
 }  // namespace
 
 BufferPool& BufferPool::of_this_thread() {
-    thread_local BufferPool pool;
-    return pool;
+    if (this_thread == nullptr) {
+        thread_local BufferPool pool;
+        this_thread = &pool;
+    }
+    return *this_thread;
 }
 
 RowBuffer* BufferPool::take(std::size_t floats) {
@@ -37,8 +44,7 @@ RowBuffer* BufferPool::take(std::size_t floats) {
     return new (memory) RowBuffer{1, capacity, nullptr};
 }
 
-void BufferPool::release(RowBuffer* buffer) {
-    if (--buffer->references != 0) return;
+void BufferPool::put_back(RowBuffer* buffer) {
     for (FreeList& list : free_) {
         if (list.capacity != buffer->capacity) continue;
         buffer->next = list.head;

@@ -10,7 +10,7 @@ namespace Zo::Image {
 // Floats behind a reference count. The count is not atomic: a buffer never leaves its thread.
 struct RowBuffer {
     std::size_t references;
-    std::size_t capacity;  // floats
+    std::size_t capacity;  // floats; 0 in memory that is not a pool's
     RowBuffer* next;       // in the pool's free list
 
     float* data() { return reinterpret_cast<float*>(reinterpret_cast<std::byte*>(this) + kHeader); }
@@ -20,6 +20,10 @@ struct RowBuffer {
 class BufferPool {
   public:
     static BufferPool& of_this_thread();
+    // Takes one reference away; the last one gives the buffer back to this thread's pool.
+    static void release(RowBuffer* buffer) {
+        if (--buffer->references == 0 && buffer->capacity != 0) of_this_thread().put_back(buffer);
+    }
 
     BufferPool() = default;
     BufferPool(const BufferPool&) = delete;
@@ -28,7 +32,6 @@ class BufferPool {
 
     // A buffer of at least `floats` floats, contents undefined, one reference.
     RowBuffer* take(std::size_t floats);
-    void release(RowBuffer* buffer);
     // Gives the unused buffers back to the system.
     void trim();
 
@@ -36,6 +39,8 @@ class BufferPool {
     const float* zeros(std::size_t floats);
 
   private:
+    void put_back(RowBuffer* buffer);
+
     struct FreeList {
         std::size_t capacity;
         RowBuffer* head;

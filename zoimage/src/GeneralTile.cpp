@@ -1,8 +1,10 @@
 #include "ZoImage/GeneralTile.h"
 
 #include <algorithm>
+#include <thread>
 
 #include "RowPath.h"
+#include "RowRanges.h"
 #include "ZoImage/Iop.h"
 #include "ZoImage/Lock.h"
 #include "ZoImage/Render.h"
@@ -11,7 +13,9 @@ namespace Zo::Image {
 
 namespace {
 
-constexpr int kGrain = 16;  // rows that a helping thread takes at a time
+// As in a render, threads keep to ranges of rows: at a seam of two, rows upstream are made twice.
+constexpr int kBandRows = 16;
+constexpr int kLeastRange = 64;
 
 // Row lists that tiles of this thread use again, so that a tile allocates nothing.
 std::vector<std::vector<Row>>& spare_rows() {
@@ -39,39 +43,60 @@ GeneralTile::~GeneralTile() {
     spare_rows().push_back(std::move(rows_));
 }
 
+bool fetch_rows(std::span<const RowSource> sources, const Box& box, Lock* helpers, const RowSink& sink) {
+    if (box.empty() || sources.empty()) return true;
+    if (RowPath::current() == nullptr) {
+        Renderer renderer(1);
+        for (std::size_t i = 0; i < sources.size(); ++i) {
+            const auto keep = [&](int y, const Row& row) { sink(i, y, row); };
+            if (!renderer.render(*sources[i].image, box, sources[i].channels, keep)) return false;
+        }
+        return true;
+    }
+    const Iop& any = *sources[0].image;
+    const int processors = helpers == nullptr ? 1 : static_cast<int>(std::thread::hardware_concurrency());
+    const int workers = std::clamp(processors, 1, std::max(1, box.height() / kLeastRange));
+    RowRanges ranges(box.y, box.t, workers, kLeastRange);
+    const auto fetch = [&](int begin, int end) {
+        for (int worker = begin; worker < end; ++worker) {
+            for (Band band = ranges.take(worker, kBandRows); !band.empty();
+                 band = ranges.take(worker, kBandRows)) {
+                for (int y = band.y; y < band.t; ++y) {
+                    for (std::size_t i = 0; i < sources.size(); ++i) {
+                        if (any.aborted()) return;
+                        Row row(box.x, box.r);
+                        row.get(*sources[i].image, y, sources[i].channels);
+                        sink(i, y, row);
+                    }
+                }
+            }
+        }
+    };
+    if (helpers != nullptr) {
+        helpers->parallel_for(0, workers, 1, fetch);
+    } else {
+        fetch(0, workers);
+    }
+    return !any.aborted();
+}
+
 RawGeneralTile::RawGeneralTile(Iop& source, const Box& box, ChannelSet channels, Lock* helpers) : box_(box) {
     if (box.empty()) return;
     const auto width = static_cast<std::size_t>(box.width());
     for (const Channel c : channels) {
         planes_[static_cast<std::size_t>(c)].resize(width * static_cast<std::size_t>(box.height()));
     }
-    const auto keep = [&](int y, const Row& row) {
+    const RowSource from{&source, channels};
+    valid_ = fetch_rows({&from, 1}, box, helpers, [&](std::size_t, int y, const Row& row) {
         for (const Channel c : channels) {
-            float* line =
-                planes_[static_cast<std::size_t>(c)].data() + static_cast<std::size_t>(y - box.y) * width;
-            std::copy_n(row[c], width, line);
+            FramePlane<float>& plane = planes_[static_cast<std::size_t>(c)];
+            std::copy_n(row[c], width, plane.data() + static_cast<std::size_t>(y - box.y) * width);
         }
-    };
-    const auto fetch = [&](int begin, int end) {
-        for (int y = begin; y < end && !source.aborted(); ++y) {
-            Row row(box.x, box.r);
-            row.get(source, y, channels);
-            keep(y, row);
-        }
-    };
-    if (RowPath::current() == nullptr) {
-        valid_ = Renderer(1).render(source, box, channels, keep);
-    } else if (helpers != nullptr) {
-        helpers->parallel_for(box.y, box.t, kGrain, fetch);
-        valid_ = !source.aborted();
-    } else {
-        fetch(box.y, box.t);
-        valid_ = !source.aborted();
-    }
+    });
 }
 
 const float* RawGeneralTile::line(Channel c, int y) const {
-    const std::vector<float>& plane = planes_[static_cast<std::size_t>(c)];
+    const FramePlane<float>& plane = planes_[static_cast<std::size_t>(c)];
     if (plane.empty()) return nullptr;
     return plane.data() + static_cast<std::size_t>(y - box_.y) * static_cast<std::size_t>(box_.width());
 }

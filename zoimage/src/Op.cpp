@@ -1,16 +1,28 @@
 #include "ZoImage/Op.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cassert>
 
 #include "RowPath.h"
 
 namespace Zo::Image {
 
+namespace {
+
+std::atomic<std::uint64_t> last_serial{0};
+
+}  // namespace
+
+Op::Op(const NodeContext& context) : context_(context), serial_(++last_serial) {}
+
 Op::~Op() {
     for (std::size_t n = 0; n < inputs_.size(); ++n) unlink_input(n);
-    for (Op* output : outputs_)
+    for (Op* output : outputs_) {
         std::replace(output->inputs_.begin(), output->inputs_.end(), this, static_cast<Op*>(nullptr));
+        ++output->changes_;
+        output->mark_invalid();
+    }
     for (Op* child : children_) child->parent_ = nullptr;
     if (parent_ != nullptr) std::erase(parent_->children_, this);
 }

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <thread>
 
+#include "CachedRender.h"
 #include "RequestPass.h"
 #include "RowPath.h"
 #include "RowRanges.h"
@@ -48,6 +49,7 @@ struct Renderer::Impl {
     WorkerPool pool;
     const AbortFlag* abort;
     bool measure_time = false;
+    RowCache* cache = nullptr;
     std::vector<OpStats> stats;
 };
 
@@ -66,6 +68,10 @@ void Renderer::measure_time(bool on) {
     impl_->measure_time = on;
 }
 
+void Renderer::use_cache(RowCache* cache) {
+    impl_->cache = cache;
+}
+
 const std::vector<OpStats>& Renderer::stats() const {
     return impl_->stats;
 }
@@ -74,10 +80,11 @@ bool Renderer::render(Iop& root, const Box& region, ChannelSet channels, const S
     impl_->stats.clear();
     if (region.empty()) return true;
     const RequestPass pass = plan(root, region, channels);
+    CachedRender cached(impl_->cache, pass);
 
     RenderState state;
     state.abort = impl_->abort;
-    state.measure_time = impl_->measure_time;
+    state.measure_time = impl_->measure_time || cached.wants_times();
 
     const int least = least_rows_of_a_range(pass);
     const int workers = std::clamp(region.height() / least, 1, threads());
@@ -90,7 +97,7 @@ bool Renderer::render(Iop& root, const Box& region, ChannelSet channels, const S
 
     const auto work = [&](int worker) {
         std::exception_ptr thrown;
-        RowPath path(pass, state);
+        RowPath path(pass, cached, state);
         bool finished = true;
         try {
             const RowPath::Use use(path);
@@ -120,6 +127,7 @@ bool Renderer::render(Iop& root, const Box& region, ChannelSet channels, const S
     impl_->pool.run(workers, work);
 
     for (std::size_t slot = 0; slot < stats.size(); ++slot) stats[slot].op = pass.ops()[slot];
+    cached.learn(stats, complete);
     impl_->stats = std::move(stats);
     if (failure) std::rethrow_exception(failure);
     return complete;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <utility>
 
 #include "ZoImage/Iop.h"
 
@@ -29,13 +30,28 @@ RequestPass* RequestPass::current() {
 }
 
 bool RequestPass::enter(Iop& op) {
-    if (op.pass_ == id_) return false;
-    op.pass_ = id_;
-    op.slot_ = static_cast<int>(ops_.size());
-    op.requested_ = {};
-    ops_.push_back(&op);
-    return true;
+    const bool first = op.pass_ != id_;
+    if (first) {
+        op.pass_ = id_;
+        op.slot_ = static_cast<int>(ops_.size());
+        op.requested_ = {};
+        ops_.push_back(&op);
+        reads_.emplace_back();
+    }
+    if (reader_ != kNobody) {
+        std::vector<std::size_t>& reads = reads_[reader_];
+        const std::size_t slot = slot_of(op);
+        if (std::find(reads.begin(), reads.end(), slot) == reads.end()) reads.push_back(slot);
+    }
+    return first;
 }
+
+std::size_t RequestPass::slot_of(const Iop& op) {
+    return static_cast<std::size_t>(op.slot_);
+}
+
+RequestPass::Reader::Reader(RequestPass& pass, const Iop& op)
+    : pass_(pass), before_(std::exchange(pass.reader_, slot_of(op))) {}
 
 void RequestPass::note_rows_in_use(const Box& root_box) {
     for (Iop* op : ops_) {

@@ -33,16 +33,32 @@ const float* Row::zeros() const {
 }
 
 void Row::set(Channel c, RowBuffer* buffer, const float* pixels) {
-    clear(c);
-    slot(c) = {buffer, pixels};
+    Slot& s = slot(c);
+    if (present_.has(c) && s.buffer != nullptr) BufferPool::release(s.buffer);
+    s = {buffer, pixels};
     present_ += c;
 }
 
 void Row::clear(ChannelSet channels) {
     for (const Channel c : channels& present_) {
-        if (slot(c).buffer != nullptr) BufferPool::of_this_thread().release(slot(c).buffer);
+        if (slot(c).buffer != nullptr) BufferPool::release(slot(c).buffer);
     }
     present_ -= channels;
+}
+
+RowBuffer* Row::storage_for(Channel c) {
+    if (places_ != nullptr) {
+        RowBuffer* place = (*places_)[static_cast<std::size_t>(c)];
+        if (place != nullptr && place->references == 0) {
+            place->references = 1;
+            return place;
+        }
+    }
+    return BufferPool::of_this_thread().take(width());
+}
+
+bool Row::sole(Channel c) const {
+    return counted(c) && slot(c).buffer->references == 1;
 }
 
 float* Row::overwrite(Channel c) {
@@ -52,14 +68,14 @@ float* Row::overwrite(Channel c) {
             return s.buffer->data() + (s.pixels - s.buffer->data());
         }
     }
-    RowBuffer* buffer = BufferPool::of_this_thread().take(width());
+    RowBuffer* buffer = storage_for(c);
     set(c, buffer, buffer->data());
     return buffer->data();
 }
 
 float* Row::writable(Channel c) {
     if (present_.has(c) && slot(c).buffer != nullptr && slot(c).buffer->references == 1) return overwrite(c);
-    RowBuffer* buffer = BufferPool::of_this_thread().take(width());
+    RowBuffer* buffer = storage_for(c);
     std::copy_n((*this)[c], width(), buffer->data());
     set(c, buffer, buffer->data());
     return buffer->data();

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "CachedRender.h"
+#include "ThreadLocal.h"
 #include "ZoImage/Iop.h"
 #include "ZoImage/Render.h"
 
@@ -10,7 +12,7 @@ namespace Zo::Image {
 
 namespace {
 
-thread_local RowPath* current_path = nullptr;
+ZO_FAST_THREAD_LOCAL RowPath* current_path = nullptr;
 
 struct Span {
     int x;
@@ -43,12 +45,24 @@ void deliver(const Row& from, ChannelSet channels, Row& out) {
     }
 }
 
+bool within(const KeptRows& kept, const Span& span) {
+    return span.x >= kept.area().x && span.r <= kept.area().r;
+}
+
+// Hands channels of a kept row to a row that lies within it.
+void refer_to(const KeptRows& kept, int y, ChannelSet channels, Row& row) {
+    const int offset = row.x() - kept.area().x;
+    for (const Channel c : channels) row.refer(c, kept.pixels(c, y) + offset);
+}
+
 }  // namespace
 
-RowPath::RowPath(const RequestPass& pass, const RenderState& state) : state_(state), pass_(pass.id()) {
+RowPath::RowPath(const RequestPass& pass, const CachedRender& cached, RenderState& state)
+    : state_(state), pass_(pass.id()) {
     windows_.resize(pass.ops().size());
     for (std::size_t slot = 0; slot < windows_.size(); ++slot) {
         windows_[slot].ring.resize(static_cast<std::size_t>(RequestPass::rows_in_use(*pass.ops()[slot])));
+        windows_[slot].kept = cached.rows(slot);
     }
 }
 
@@ -63,7 +77,10 @@ RowPath::Use::~Use() {
 }
 
 bool RowPath::aborted() const {
-    return state_.stop.load(std::memory_order_relaxed) || (state_.abort != nullptr && state_.abort->raised());
+    if (state_.stop.load(std::memory_order_relaxed)) return true;
+    if (state_.abort == nullptr || !state_.abort->raised()) return false;
+    state_.stop.store(true, std::memory_order_relaxed);
+    return true;
 }
 
 void RowPath::compute(Iop& op, Window& window, int y, ChannelSet channels, Row& row) {
@@ -81,15 +98,48 @@ void RowPath::compute(Iop& op, Window& window, int y, ChannelSet channels, Row& 
     inner_time_ = outer_inner_time + spent;
 }
 
+// The same, writing straight to where rows are kept what is to be kept.
+void RowPath::compute_and_keep(Iop& op, Window& window, int y, ChannelSet channels, Row& row) {
+    KeptRows& kept = *window.kept;
+    // Only whole rows are taken in.
+    const bool whole = row.x() == kept.area().x && row.r() == kept.area().r;
+    const ChannelSet claimed = whole ? kept.claim(y, channels) : kMaskNone;
+    Row::Places places{};
+    for (const Channel c : claimed) places[static_cast<std::size_t>(c)] = kept.buffer(c, y);
+    row.places_ = &places;
+    compute(op, window, y, channels, row);
+    row.places_ = nullptr;
+
+    ChannelSet handed_on;
+    for (const Channel c : (channels & row.channels()) - op.out_channels()) {
+        if (!row.sole(c)) handed_on += c;
+    }
+    kept.note_handed_on(handed_on);
+
+    ChannelSet finished;
+    for (const Channel c : claimed& row.channels()) {
+        // Pixels that were only referred to stay in memory by themselves.
+        if (!row.counted(c)) continue;
+        RowBuffer* place = kept.buffer(c, y);
+        if (row[c] != place->data()) {
+            if (place->references != 0) continue;
+            std::copy_n(row[c], row.width(), place->data());
+        } else if (place->references != 1) {
+            continue;
+        }
+        row.refer(c, place->data());
+        finished += c;
+    }
+    if (!aborted()) kept.finish(y, finished);
+}
+
 void RowPath::fetch(Iop& op, int y, ChannelSet channels, Row& out) {
     if (op.pass_ != pass_) {
         fetch_alone(op, y, channels, out);
         return;
     }
     Window& window = windows_[static_cast<std::size_t>(op.slot_)];
-    const int size = static_cast<int>(window.ring.size());
-    const int place = y % size;
-    Entry& entry = window.ring[static_cast<std::size_t>(place < 0 ? place + size : place)];
+    Entry& entry = window.entry_for(y);
 
     const Box& box = op.info().box;
     Span span = inside(box, out.x(), out.r());
@@ -97,6 +147,18 @@ void RowPath::fetch(Iop& op, int y, ChannelSet channels, Row& out) {
     if (covered && entry.row.channels().contains(channels)) {
         deliver(entry.row, channels, out);
         return;
+    }
+    // Asked once, for another thread may finish the row meanwhile.
+    ChannelSet kept = window.kept == nullptr ? kMaskNone : window.kept->finished(y);
+    if (window.kept != nullptr && within(*window.kept, span)) {
+        const ChannelSet rest = channels - kept;
+        if (rest.empty() || (window.kept->handed_on().contains(rest) && op.connected(0))) {
+            Row row(span.x, span.r);
+            refer_to(*window.kept, y, channels & kept, row);
+            if (!rest.empty()) row.get(op.input(0), y, rest);
+            deliver(row, channels, out);
+            return;
+        }
     }
 
     // The first time, everything is made that anyone requested, so that nobody asks twice.
@@ -109,13 +171,23 @@ void RowPath::fetch(Iop& op, int y, ChannelSet channels, Row& out) {
         const Span requested = inside(box, wanted.x, wanted.r);
         span = {std::min(span.x, requested.x), std::max(span.r, requested.r)};
     }
+    const bool keep = window.kept != nullptr && within(*window.kept, span);
+    kept = keep ? kept & make : kMaskNone;
+    make -= kept;
     Row fresh(span.x, span.r);
-    compute(op, window, y, make, fresh);
-    if (covered) {
-        entry.row.share(fresh, make & fresh.channels());
+    if (keep) {
+        compute_and_keep(op, window, y, make, fresh);
     } else {
-        fresh.clear(kMaskAll - make);  // side products of engine are not promised to be right
-        entry = {true, y, std::move(fresh)};
+        compute(op, window, y, make, fresh);
+    }
+    fresh.clear(kMaskAll - make);  // side products of engine are not promised to be right
+    if (!kept.empty()) refer_to(*window.kept, y, kept, fresh);
+    if (covered) {
+        entry.row.share(fresh, fresh.channels());
+    } else {
+        entry.used = true;
+        entry.y = y;
+        entry.row = std::move(fresh);
     }
     deliver(entry.row, channels, out);
     // An aborted engine may leave rows half made.

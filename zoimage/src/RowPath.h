@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "KeptRows.h"
 #include "RequestPass.h"
 #include "ZoImage/Row.h"
 
@@ -17,17 +18,18 @@ namespace Zo::Image {
 
 class Iop;
 class AbortFlag;
+class CachedRender;
 
 // What all the threads of one render share.
 struct RenderState {
     const AbortFlag* abort = nullptr;
-    std::atomic<bool> stop{false};  // an exception ended the render
+    std::atomic<bool> stop{false};  // an exception or the flag ended the render
     bool measure_time = false;
 };
 
 class RowPath {
   public:
-    RowPath(const RequestPass& pass, const RenderState& state);
+    RowPath(const RequestPass& pass, const CachedRender& cached, RenderState& state);
 
     // The calling thread's; null outside a render.
     static RowPath* current();
@@ -44,6 +46,7 @@ class RowPath {
         RowPath* before_;
     };
 
+    // Once true it stays so, whatever becomes of the flag: what was left undone then must not pass for done.
     bool aborted() const;
 
     // Fills `out` over its whole span with channels of row y of op, all inside info().channels, y inside
@@ -66,12 +69,22 @@ class RowPath {
     };
     struct Window {
         std::vector<Entry> ring;
+
+        Entry& entry_for(int y) {
+            const int size = static_cast<int>(ring.size());
+            if (size == 1) return ring.front();
+            const int place = y % size;
+            return ring[static_cast<std::size_t>(place < 0 ? place + size : place)];
+        }
+
+        KeptRows* kept = nullptr;  // null when none are kept of this operator
         Work work;
     };
 
     void compute(Iop& op, Window& window, int y, ChannelSet channels, Row& row);
+    void compute_and_keep(Iop& op, Window& window, int y, ChannelSet channels, Row& row);
 
-    const RenderState& state_;
+    RenderState& state_;
     std::uint64_t pass_;
     std::vector<Window> windows_;
     std::chrono::nanoseconds inner_time_{0};  // spent in operators called by the one that is measured

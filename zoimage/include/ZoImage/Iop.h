@@ -33,6 +33,10 @@ class Iop : public Op {
     // The host's default for an image input: black.
     Op* default_input(int n) override;
 
+    // The channels whose rows are worth keeping until the next render: those that the operator computes.
+    // None where the pixels lie in memory anyway, or cost no more to make than to read back.
+    virtual ChannelSet kept_channels() const { return out_channels_; }
+
     // Announces that rows y to t - 1, columns x to r - 1 of these channels will be read `count` times.
     // Validates for real first. May be called many times; the areas add up.
     void request(int x, int y, int r, int t, ChannelSet channels, int count);

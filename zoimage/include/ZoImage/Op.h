@@ -57,12 +57,14 @@ class Op {
         Constructor constructor_;
     };
 
-    explicit Op(const NodeContext& context) : context_(context) {}
+    explicit Op(const NodeContext& context);
     virtual ~Op();
     Op(const Op&) = delete;
     Op& operator=(const Op&) = delete;
 
     const NodeContext& context() const { return context_; }
+    // Tells operators of this process apart, past ones too, where an address may come again.
+    std::uint64_t serial() const { return serial_; }
 
     // This operator as an image; null when it makes none.
     virtual Iop* as_iop() { return nullptr; }
@@ -140,6 +142,7 @@ class Op {
     void mark_invalid();
 
     NodeContext context_;
+    std::uint64_t serial_;
     std::vector<Op*> inputs_;
     std::vector<Op*> outputs_;  // operators that have this one as an input, once per input
     Op* parent_ = nullptr;

@@ -16,6 +16,7 @@ namespace Zo::Image {
 
 class Iop;
 class Row;
+class RowCache;
 
 // Stops renders. raise() may be called from any thread and from a signal handler; it stays raised until
 // cleared.
@@ -33,7 +34,7 @@ class AbortFlag {
 // What one operator did in one render.
 struct OpStats {
     const Iop* op = nullptr;
-    std::int64_t rows = 0;             // engine calls
+    std::int64_t rows = 0;             // engine calls; rows from a cache are not counted
     std::chrono::nanoseconds time{0};  // in engine, without the operators that it called; all threads added
 };
 
@@ -51,6 +52,9 @@ class Renderer {
     int threads() const;
     // Measures time per operator from the next render on; counting rows is always on.
     void measure_time(bool on);
+    // Keeps rows in a cache from the next render on, and takes from it what still holds; null for none. The
+    // cache outlives the renderer, or its use of it.
+    void use_cache(RowCache* cache);
 
     // Validates and requests `root`, then computes every row of the region. Returns false when it was
     // aborted, after all workers stopped. An exception from an engine or the sink stops the render and is

@@ -58,6 +58,17 @@ class Row {
     void clear(ChannelSet channels);
 
   private:
+    friend class RowPath;
+
+    // Memory to write a channel to, by channel number, null for the pool's: rows that are kept are written
+    // where they stay.
+    using Places = std::array<RowBuffer*, kChannelLimit>;
+    RowBuffer* storage_for(Channel c);
+    // Whether the pixels of a present channel are in a pool's or a kept row's memory, which goes when the
+    // rows that use it go; and whether this row alone uses them.
+    bool counted(Channel c) const { return slot(c).buffer != nullptr; }
+    bool sole(Channel c) const;
+
     struct Slot {
         RowBuffer* buffer;  // null for pixels that the row only refers to
         const float* pixels;
@@ -70,6 +81,7 @@ class Row {
     int x_ = 0;
     int r_ = 0;
     ChannelSet present_;
+    const Places* places_ = nullptr;
     std::array<Slot, kChannelLimit> slots_;  // only the present ones are initialised
 };
 

@@ -1,0 +1,275 @@
+// Rows kept between renders: what is computed again after a change, budgets, aborts, threads.
+#include "ZoImage/RowCache.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+#include <stdexcept>
+
+#include "support/TestImages.h"
+
+using namespace Zo::Image;
+
+namespace {
+
+// Alpha: the sum over the row and its two neighbours, of all inputs, plus an offset. Colour passes, except
+// red, which gets the offset added in place.
+class Sum final : public Iop {
+  public:
+    Sum(const char* name, std::initializer_list<Op*> sources) : Iop(NodeContext{name}) {
+        inputs(static_cast<int>(sources.size()));
+        int n = 0;
+        for (Op* source : sources) set_input(n++, source);
+    }
+    const char* class_name() const override { return "Sum"; }
+    void set_offset(float offset) {
+        offset_ = offset;
+        invalidate();
+    }
+    float offset() const { return offset_; }
+    AbortFlag* lost_flag = nullptr;  // cleared as soon as an abort is seen, and a wrong row given
+
+  protected:
+    void _validate(bool /*for_real*/) override {
+        copy_info();
+        set_out_channels(ChannelSet(kRed) + kAlpha);
+    }
+    void _request(int x, int y, int r, int t, ChannelSet channels, int count) override {
+        input(0).request(x, y, r, t, channels - kMaskAlpha, count);
+        for (int n = 0; n < inputs(); ++n) input(n).request(x, y - 1, r, t + 1, kMaskAlpha, count);
+    }
+    void engine(int y, int x, int r, const ChannelSet& channels, Row& row) override {
+        row.get(input(0), y, channels - kMaskAlpha);
+        if (channels.has(kRed)) {
+            float* red = row.writable(kRed);
+            for (int i = 0; i < r - x; ++i) red[i] += offset_;
+        }
+        if (!channels.has(kAlpha)) return;
+        float* out = row.overwrite(kAlpha);
+        std::fill_n(out, r - x, offset_);
+        for (int n = 0; n < inputs(); ++n) {
+            for (int v = y - 1; v <= y + 1; ++v) {
+                Row in(x, r);
+                in.get(input(n), v, kMaskAlpha);
+                for (int i = 0; i < r - x; ++i) out[i] += in[kAlpha][i];
+            }
+        }
+        if (lost_flag != nullptr && aborted()) {
+            lost_flag->clear();
+            std::fill_n(out, r - x, -1e9f);
+        }
+    }
+
+  private:
+    float offset_ = 0.0f;
+};
+
+float pattern(Channel c, int x, int y) {
+    return static_cast<float>((x * 7 + y * 13 + c * 29) % 31);
+}
+
+// source -> a -> b -> root and source, a -> c -> root
+struct Graph {
+    explicit Graph(const Box& frame = {-3, 2, 30, 203})
+        : box(frame),
+          source(frame, kMaskRgba, pattern),
+          a("a", {&source}),
+          b("b", {&a}),
+          c("c", {&source, &a}),
+          root("r", {&b, &c}) {}
+    Sum& op(char name) { return name == 'a' ? a : name == 'b' ? b : name == 'c' ? c : root; }
+
+    Box box;
+    test::FunctionSource source;
+    Sum a, b, c, root;
+};
+
+// A renderer with a cache, and what it computed last: one letter an operator, s for the source.
+struct Cached {
+    explicit Cached(std::size_t budget, int threads = 2, AbortFlag* abort = nullptr)
+        : cache(budget), renderer(threads, abort) {
+        renderer.use_cache(&cache);
+    }
+    test::Picture render(Graph& graph, const Box& region) {
+        test::Picture picture;
+        picture.box = region;
+        const auto width = static_cast<std::size_t>(region.width());
+        for (auto& plane : picture.planes) plane.resize(width * static_cast<std::size_t>(region.height()));
+        picture.complete = renderer.render(graph.root, region, kMaskRgba, [&](int y, const Row& row) {
+            EXPECT_LE(cache.bytes(), cache.budget());
+            const std::size_t at = static_cast<std::size_t>(y - region.y) * width;
+            for (const Channel c : kMaskRgba) {
+                std::copy_n(row[c], width, picture.planes[static_cast<std::size_t>(c)].data() + at);
+            }
+        });
+        computed.clear();
+        rows = 0;
+        for (const OpStats& op : renderer.stats()) {
+            if (op.rows == 0) continue;
+            computed += op.op == &graph.source ? "s" : op.op->context().node_name;
+            rows += op.rows;
+        }
+        std::sort(computed.begin(), computed.end());
+        return picture;
+    }
+    test::Picture render(Graph& graph) { return render(graph, graph.box); }
+
+    RowCache cache;
+    Renderer renderer;
+    std::string computed;
+    std::int64_t rows = 0;
+};
+
+// The same graph with the same offsets, made for this, without a cache.
+test::Picture fresh(Graph& graph, const Box& region) {
+    Graph other(graph.box);
+    for (const char name : {'a', 'b', 'c', 'r'}) other.op(name).set_offset(graph.op(name).offset());
+    return test::render(other.root, region, 1);
+}
+
+constexpr std::size_t kAmple = std::size_t{1} << 26U;
+
+TEST(RowCache, OnlyWhatDependsOnAChangeIsComputedAgain) {
+    struct Step {
+        const char* changed;
+        const char* computed;
+    };
+    // A source that computes its rows is kept like any other operator; the root never is.
+    const Step steps[] = {{"", "abcrs"},
+                          {"", "r"},
+                          {"r", "r"},
+                          {"b", "br"},
+                          {"c", "cr"},
+                          {"", "r"},
+                          {"bc", "bcr"},
+                          {"", "r"},
+                          {"a", "abcr"},
+                          {"", "r"},
+                          {"s", "abcrs"},
+                          {"", "r"},
+                          // From the second change in a row on rows are not kept, until one comes without.
+                          {"b", "br"},
+                          {"b", "br"},
+                          {"r", "br"},
+                          {"r", "r"},
+                          {"a", "abcr"}};
+    for (const int threads : {1, 2, 5}) {
+        Graph graph;
+        Cached cached(kAmple, threads);
+        float offset = 1.0f;
+        for (const Step& step : steps) {
+            for (const char* name = step.changed; *name != 0; ++name) {
+                if (*name == 's') {
+                    graph.source.set_pixel(pattern);
+                } else {
+                    graph.op(*name).set_offset(offset += 1.0f);
+                }
+            }
+            const test::Picture now = cached.render(graph);
+            EXPECT_EQ(cached.computed, step.computed) << "after " << step.changed << ", threads " << threads;
+            ASSERT_EQ(now.planes, fresh(graph, graph.box).planes) << "after " << step.changed;
+        }
+    }
+}
+
+TEST(RowCache, RegionsUseWhatTheFrameLeft) {
+    Graph graph;
+    Cached cached(kAmple);
+    cached.render(graph);
+    const Box part{0, 50, 20, 70};
+    EXPECT_EQ(cached.render(graph, part).planes, fresh(graph, part).planes);
+    EXPECT_EQ(cached.computed, "r");
+    cached.cache.clear();
+    EXPECT_EQ(cached.cache.bytes(), 0U);
+    // Now the part alone is kept, which does not do for the frame.
+    cached.render(graph, part);
+    cached.render(graph, part);
+    EXPECT_EQ(cached.computed, "r");
+    EXPECT_EQ(cached.render(graph).planes, fresh(graph, graph.box).planes);
+    EXPECT_EQ(cached.computed, "abcrs");
+}
+
+TEST(RowCache, AnotherInputAnotherNodeAndADeletedInputAreNoticed) {
+    Graph graph;
+    Cached cached(kAmple);
+    cached.render(graph);
+    auto other = std::make_unique<test::FunctionSource>(
+        graph.box, kMaskRgba, [](Channel, int x, int) { return static_cast<float>(x); });
+    graph.c.set_input(1, other.get());
+    cached.render(graph);
+    EXPECT_EQ(cached.computed, "cr");
+    other.reset();
+    Graph without;
+    without.c.set_input(1, nullptr);
+    EXPECT_EQ(cached.render(graph).planes, test::render(without.root, without.box).planes);
+    EXPECT_EQ(cached.computed, "cr");
+    // A new graph, possibly at the old one's addresses and with equal hashes.
+    std::optional<Graph> again(std::in_place);
+    cached.render(*again);
+    again.emplace();
+    again->source.set_pixel([](Channel, int, int y) { return static_cast<float>(y); });
+    const test::Picture picture = cached.render(*again);
+    EXPECT_EQ(picture.at(kBlue, 0, 7), 7.0f);
+}
+
+TEST(RowCache, AnyBudgetGivesTheSamePixelsAndASettledChoice) {
+    const std::size_t plane = std::size_t{203} * 256 + 8192;  // about one of the graph's
+    for (const std::size_t budget : {std::size_t{0}, plane, 2 * plane, 4 * plane, 6 * plane, kAmple}) {
+        std::mt19937 random(5);
+        Graph graph;
+        Cached cached(budget);
+        for (int step = 0; step < 30; ++step) {
+            graph.op("abcr"[random() % 4]).set_offset(static_cast<float>(random() % 50));
+            const Box region = random() % 4 == 0 ? Box{0, 20, 11, 90} : graph.box;
+            ASSERT_EQ(cached.render(graph, region).planes, fresh(graph, region).planes) << "step " << step;
+        }
+        // While one knob moves, each render finds kept what the one before left.
+        std::string settled;
+        for (int step = 0; step < 8; ++step) {
+            graph.b.set_offset(static_cast<float>(step));
+            cached.render(graph);
+            if (step == 4) settled = cached.computed;
+            if (step > 4) {
+                EXPECT_EQ(cached.computed, settled) << "budget " << budget;
+            }
+        }
+        if (budget == 0) {
+            EXPECT_EQ(settled, "abcrs");
+        } else if (budget >= 4 * plane) {
+            // Room for what b is made from and what stands beside it, and for the source only with more.
+            EXPECT_EQ(settled, budget == kAmple ? "br" : "brs");
+        }
+    }
+}
+
+TEST(RowCache, NothingHalfMadeIsKept) {
+    for (const int threads : {1, 3}) {
+        for (const bool lost : {false, true}) {
+            AbortFlag abort;
+            std::atomic<bool> armed{true};
+            std::atomic<bool> throws{false};
+            const auto pixel = [&](Channel c, int x, int y) {
+                if (y == 120 && armed && throws) throw std::runtime_error("row 120");
+                if (y == 120 && armed) abort.raise();
+                return pattern(c, x, y);
+            };
+            Graph graph;
+            graph.source.set_pixel(pixel);
+            if (lost) graph.a.lost_flag = &abort;
+            Cached cached(kAmple, threads, &abort);
+            EXPECT_FALSE(cached.render(graph).complete);
+            abort.clear();
+            throws = true;
+            graph.b.set_offset(1.0f);
+            EXPECT_THROW(cached.render(graph), std::runtime_error);
+            armed = false;
+            graph.a.lost_flag = nullptr;
+            EXPECT_EQ(cached.render(graph).planes, fresh(graph, graph.box).planes);
+            // What was whole before serves: without it the five operators make about 1000 rows.
+            EXPECT_LT(cached.rows, 950);
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,183 @@
+#include "CachedRender.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "KeepChoice.h"
+#include "ZoImage/Iop.h"
+
+namespace Zo::Image {
+
+namespace {
+
+constexpr std::uint64_t kRendersRemembered = 256;
+// From this many changes in a row on, as while a knob is dragged or frames play, the next is expected to
+// follow, and writing rows for it to throw away would only cost time.
+constexpr int kMoving = 2;
+constexpr double kGuessedCost = 1.0;  // nanoseconds a pixel and channel
+
+// Names what an operator's rows are made from: its own state and, whatever that says of them, the states of
+// all it reads. An operator whose hash its owner has yet to bring up to date is told apart by this too.
+class States {
+  public:
+    explicit States(const RequestPass& pass) : pass_(pass), states_(pass.ops().size()) {}
+
+    const Hash& of(std::size_t slot) {
+        if (states_[slot]) return *states_[slot];
+        const Iop& op = *pass_.ops()[slot];
+        const Box& box = op.info().box;
+        Hash hash = op.hash();
+        for (const int side : {box.x, box.y, box.r, box.t}) hash.append(side);
+        for (const std::size_t source : pass_.reads(slot)) {
+            hash.append(pass_.ops()[source]->serial());
+            hash.append(of(source));
+        }
+        return states_[slot].emplace(hash);
+    }
+
+  private:
+    const RequestPass& pass_;
+    std::vector<std::optional<Hash>> states_;
+};
+
+Box wanted_area(const Iop& op) {
+    Box area = op.requested().box;
+    area.intersect(op.info().box);
+    return area;
+}
+
+ChannelSet wanted_channels(const Iop& op) {
+    return op.requested().channels & op.info().channels & op.kept_channels();
+}
+
+}  // namespace
+
+struct CachedRender::Plan {
+    explicit Plan(const RequestPass& p) : pass(p), options(p.ops().size()) { find_halves(); }
+
+    // An operator inside one that is itself internal, such as a pass of a filter, and read by nobody else:
+    // the outer one's rows stand for its own.
+    void find_halves() {
+        half.resize(options.size());
+        for (std::size_t slot = 0; slot < options.size(); ++slot) {
+            const Op* outer = pass.ops()[slot]->parent();
+            half[slot] =
+                slot != 0 && outer != nullptr && outer->parent() != nullptr && outer != pass.ops()[0];
+        }
+        for (std::size_t reader = 0; reader < options.size(); ++reader) {
+            const Op* op = pass.ops()[reader];
+            for (const std::size_t source : pass.reads(reader)) {
+                const Op* outer = pass.ops()[source]->parent();
+                if (op != outer && op->parent() != outer) half[source] = false;
+            }
+        }
+    }
+
+    const RequestPass& pass;
+    std::vector<KeepOption> options;
+    std::vector<bool> half;
+};
+
+CachedRender::CachedRender(RowCache* cache, const RequestPass& pass)
+    : cache_(cache == nullptr ? nullptr : cache->impl_.get()), pass_(pass) {
+    if (cache_ == nullptr) return;
+    ++cache_->renders;
+    std::erase_if(cache_->entries, [&](const auto& item) {
+        const RowCache::Impl::Entry& entry = item.second;
+        return !entry.rows && entry.last_render + kRendersRemembered < cache_->renders;
+    });
+    const std::size_t count = pass.ops().size();
+    for (const Iop* op : pass.ops()) entries_.push_back(&cache_->entries[op->serial()]);
+    rows_.resize(count);
+
+    Plan plan(pass);
+    States states(pass);
+    for (std::size_t slot = 0; slot < count; ++slot) {
+        const Iop& op = *pass.ops()[slot];
+        RowCache::Impl::Entry& entry = *entries_[slot];
+        KeepOption& option = plan.options[slot];
+        const Hash& state = states.of(slot);
+        option.reads = &pass.reads(slot);
+        const bool known = entry.last_render != 0;
+        option.changed = !known || entry.state != state;
+        entry.changes = known && option.changed ? entry.changes + 1 : 0;
+        entry.state = state;
+        entry.last_render = cache_->renders;
+
+        const Box area = wanted_area(op);
+        const ChannelSet channels = wanted_channels(op);
+        const bool keep = slot != 0 && !plan.half[slot] && !entry.elsewhere && entry.changes < kMoving &&
+                          !channels.empty() && !area.empty();
+        if (entry.rows && (option.changed || !keep || !entry.rows->area().contains(area))) entry.rows.reset();
+        option.ready = entry.rows != nullptr;
+        const Box& held = entry.rows ? entry.rows->area() : area;
+        const auto planes =
+            static_cast<std::size_t>((entry.rows ? channels + entry.rows->channels() : channels).size());
+        if (keep) option.bytes = KeptRows::plane_bytes(held) * planes;
+        option.cost = entry.row_cost * area.height();
+        if (entry.row_cost == 0.0) {
+            wants_times_ = wants_times_ || keep;
+            option.cost = kGuessedCost * area.width() * area.height() * channels.size();
+        }
+    }
+    choose(plan);
+    allocate(plan);
+}
+
+void CachedRender::choose(Plan& plan) {
+    std::size_t all = 0;
+    for (const KeepOption& option : plan.options) all += option.bytes;
+    if (all <= cache_->store.budget()) return;
+    const std::vector<bool> kept = choose_kept(plan.options, cache_->store.budget());
+    for (std::size_t slot = 0; slot < kept.size(); ++slot) {
+        if (kept[slot]) continue;
+        plan.options[slot].bytes = 0;
+        entries_[slot]->rows.reset();
+    }
+}
+
+// Lets go of what other graphs left, what was not used for longest first.
+void CachedRender::make_room(std::size_t bytes) {
+    while (cache_->store.used() + bytes > cache_->store.budget()) {
+        RowCache::Impl::Entry* oldest = nullptr;
+        for (auto& [serial, entry] : cache_->entries) {
+            if (!entry.rows || entry.last_render == cache_->renders) continue;
+            if (oldest == nullptr || entry.last_render < oldest->last_render) oldest = &entry;
+        }
+        if (oldest == nullptr) return;
+        oldest->rows.reset();
+    }
+}
+
+void CachedRender::allocate(const Plan& plan) {
+    for (std::size_t slot = 0; slot < plan.options.size(); ++slot) {
+        if (plan.options[slot].bytes == 0) continue;
+        const Iop& op = *pass_.ops()[slot];
+        std::unique_ptr<KeptRows>& rows = entries_[slot]->rows;
+        if (!rows) rows = std::make_unique<KeptRows>(wanted_area(op));
+        rows->reopen();
+        for (const Channel c : wanted_channels(op) - rows->channels()) {
+            const std::size_t bytes = KeptRows::plane_bytes(rows->area());
+            make_room(bytes);
+            rows->add(c, cache_->store.take(bytes));
+        }
+        rows_[slot] = rows.get();
+    }
+}
+
+void CachedRender::learn(const std::vector<OpStats>& stats, bool complete) {
+    if (cache_ == nullptr) return;
+    for (std::size_t slot = 0; slot < stats.size(); ++slot) {
+        RowCache::Impl::Entry& entry = *entries_[slot];
+        const OpStats& work = stats[slot];
+        if (work.rows > 0 && work.time.count() > 0) {
+            entry.row_cost = static_cast<double>(work.time.count()) / static_cast<double>(work.rows);
+        }
+        if (complete && entry.rows && entry.rows->useless()) {
+            entry.elsewhere = true;
+            entry.rows.reset();
+        }
+    }
+}
+
+}  // namespace Zo::Image

@@ -1,0 +1,24 @@
+#include "ZoImage/RowCache.h"
+
+#include "CachedRender.h"
+
+namespace Zo::Image {
+
+RowCache::RowCache(std::size_t budget) : impl_(std::make_unique<Impl>(budget)) {}
+
+RowCache::~RowCache() = default;
+
+std::size_t RowCache::budget() const {
+    return impl_->store.budget();
+}
+
+std::size_t RowCache::bytes() const {
+    return impl_->store.bytes();
+}
+
+void RowCache::clear() {
+    impl_->entries.clear();
+    impl_->store.trim();
+}
+
+}  // namespace Zo::Image
