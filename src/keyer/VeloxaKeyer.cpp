@@ -106,7 +106,7 @@ void VeloxaKeyer::_request(int x, int y, int r, int t, ChannelSet channels, int 
         ask(combineShadow, widened);
     } else {
         ask(final_matte(), widened);
-        if (knobs_.color_conformance || knobs_.spill_suppression) ask(colour_source(), widened);
+        if (&colour_source() != &normFg) ask(colour_source(), widened);
     }
     if (knobs_.overlay_mode > 0) ask(screen_region(), widened);
     if (flag(kHmConnected)) {
