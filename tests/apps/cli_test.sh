@@ -59,6 +59,10 @@ done <<'TABLE'
 2|frame pattern|key --fg shot/fg.%04d.exr -o out/a.exr --frames 1-5
 2|frame pattern|key --fg shot/fg.0001.exr -o out/a.%04d.exr --frames 1-5
 2|--pick|key --fg shot/fg.0001.exr -o out/a.exr --pick 1,2,3
+2|--screen|key --fg shot/fg.0001.exr -o out/a.exr --screen purple
+2|--screen|key --fg shot/fg.0001.exr -o out/a.exr --screen green --pick 0,40,8,48
+1|shot/bg.0001.exr: no backing stands out|key --fg shot/bg.0001.exr -o out/a.exr
+1|--pick X,Y,R,T|key --fg shot/fg.0001.exr -o out/a.exr --screen blue
 2|64x48|key --fg shot/fg.0001.exr -o out/a.exr --pick 0,0,65,48
 2|no_such_knob|key --fg shot/fg.0001.exr -o out/a.exr --set no_such_knob=1
 2|overlay_mode|key --fg shot/fg.0001.exr -o out/a.exr --set overlay_mode=nothing
@@ -85,7 +89,7 @@ TABLE
 expect_files out ""
 
 # Stills: knobs by hand equal knobs by script, whatever the number of threads.
-expect 0 "passes through" key --fg shot/fg.0001.exr -o out/plain.exr --depth float
+expect 0 "passes through" key --fg shot/fg.0001.exr -o out/plain.exr --depth float --set screen_color=0,0,0
 expect 0 "" compare shot/fg.0001.exr out/plain.exr --channel G --max-diff 0
 inputs=(--fg shot/fg.0001.exr --cp shot/cp.0001.exr --bg shot/bg.0001.exr)
 expect 0 "" key "${inputs[@]}" -o out/a.exr "${pick[@]}" --set brights=120 --save-script out/a.script --quiet
@@ -100,6 +104,17 @@ expect 1 "" compare out/stage.exr out/a.exr --max-diff 100
 expect 0 '"name": "screen_color"' knobs --json
 printf 'Veloxa {\n  brights 5\n  nonsense 1\n}\n' >bad.script
 expect 1 "bad.script:3: " key "${inputs[@]}" -o out/d.exr --script bad.script
+
+# The backing by itself, on the first frame that can be read.
+expect 0 "shot/fg.0001.exr: green screen, screen_color " key --fg shot/fg.%04d.exr -o out/auto.%04d.exr \
+    --frames 1-2 --save-script out/auto.script
+grep -q 'screen_color {0.1' out/auto.script || fail "no estimate in $(cat out/auto.script)"
+expect 0 "" key --fg shot/fg.0001.exr -o out/again.exr --script out/auto.script
+expect 0 "" compare out/auto.0001.exr out/again.exr --max-diff 0
+expect 0 "" plate -o blue --size 64x48 --screen blue
+expect 0 "" key --fg blue/fg.exr -o out/blue.exr --screen auto --quiet
+[ -s err.txt ] && fail "messages in spite of --quiet: $(cat err.txt)"
+
 
 # The controls: of a new node, and of one with knobs.
 expect 0 "" controls
@@ -159,7 +174,7 @@ expect_files full ""
 if [ "$(id -u)" -eq 0 ] && mount -t tmpfs -o size=16k tmpfs full 2>/dev/null; then
     expect 0 "" plate -o big --size 256x192
     for type in exr png tif jpg dpx tga sgi; do
-        expect 1 "full/a.$type: " key --fg big/fg.exr -o full/a.$type
+        expect 1 "full/a.$type: " key --fg big/fg.exr -o full/a.$type --set screen_color=0,0,0
         expect_files full ""
     done
     umount full
