@@ -44,7 +44,7 @@ while IFS='|' read -r status text arguments; do
     # shellcheck disable=SC2086
     expect "$status" "$text" $arguments
 done <<'TABLE'
-2|key, knobs, controls, plate, compare|
+2|key, knobs, controls, cleanplate, plate, compare|
 2|nonsense: there is no such command|nonsense
 2|--nonsense|--nonsense
 2|--fg|key -o out/a.exr
@@ -63,6 +63,9 @@ done <<'TABLE'
 2|--screen|key --fg shot/fg.0001.exr -o out/a.exr --screen green --pick 0,40,8,48
 1|shot/bg.0001.exr: no backing stands out|key --fg shot/bg.0001.exr -o out/a.exr
 1|--pick X,Y,R,T|key --fg shot/fg.0001.exr -o out/a.exr --screen blue
+2|--frames|cleanplate --fg shot/fg.%04d.exr -o out/a.exr
+2|frame pattern|cleanplate --fg shot/fg.0001.exr -o out/a.exr --frames 1-5
+1|does not exist|cleanplate --fg out/none.%d.exr -o out/a.exr --frames 1-2
 2|64x48|key --fg shot/fg.0001.exr -o out/a.exr --pick 0,0,65,48
 2|no_such_knob|key --fg shot/fg.0001.exr -o out/a.exr --set no_such_knob=1
 2|overlay_mode|key --fg shot/fg.0001.exr -o out/a.exr --set overlay_mode=nothing
@@ -115,6 +118,10 @@ expect 0 "" plate -o blue --size 64x48 --screen blue
 expect 0 "" key --fg blue/fg.exr -o out/blue.exr --screen auto --quiet
 [ -s err.txt ] && fail "messages in spite of --quiet: $(cat err.txt)"
 
+# A clean plate, near the true one.
+expect 0 "truly seen" cleanplate --fg shot/fg.%04d.exr --frames 1-5 -o out/clean.exr
+expect 0 "" compare out/clean.exr shot/cp.0001.exr --channel R --max-diff 0.1
+expect 1 "out/clean.exr: exists; use --overwrite" cleanplate --fg shot/fg.%04d.exr --frames 1-5 -o out/clean.exr
 
 # The controls: of a new node, and of one with knobs.
 expect 0 "" controls
