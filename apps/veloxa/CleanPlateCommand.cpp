@@ -1,5 +1,6 @@
 // veloxa cleanplate: a clean plate from the clear backing of a locked-off shot.
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 
 #include "AtomicFile.h"
@@ -40,6 +41,18 @@ FrameRange frames_of(const Options& options, const FramePattern& name) {
     return options.frames.empty() ? FrameRange{} : parse_frames(options.frames);
 }
 
+void check_output(const Options& options, const FramePattern& name, const FrameRange& frames,
+                  const WriteOptions& write) {
+    AtomicFile::check(options.output, write.overwrite);
+    check_writable(options.output, write);
+    for (int n = 0; n < frames.count(); ++n) {
+        std::error_code missing;
+        if (std::filesystem::equivalent(options.output, name.at(frames.at(n)), missing)) {
+            throw UsageError(options.output + ": is an input too");
+        }
+    }
+}
+
 void choose_screen_color(KnobPanel& panel, const Options& options, const CleanPlateMaker& maker) {
     if (!options.pick.empty()) {
         set_screen_color(panel, mean_color(maker.first_image(), parse_box(options.pick)));
@@ -67,8 +80,7 @@ int make_clean_plate(const Options& options) {
     const FrameRange frames = frames_of(options, name);
     if (!options.pick.empty()) parse_box(options.pick);
     const WriteOptions write{depth_named(options.depth), options.overwrite, &interrupt_flag()};
-    AtomicFile::check(options.output, write.overwrite);
-    check_writable(options.output, write);
+    check_output(options, name, frames, write);
     catch_interrupts();
 
     const auto budget = static_cast<std::size_t>(options.memory) << 20;

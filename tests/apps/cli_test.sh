@@ -65,6 +65,7 @@ done <<'TABLE'
 1|--pick X,Y,R,T|key --fg shot/fg.0001.exr -o out/a.exr --screen blue
 2|--frames|cleanplate --fg shot/fg.%04d.exr -o out/a.exr
 2|frame pattern|cleanplate --fg shot/fg.0001.exr -o out/a.exr --frames 1-5
+2|is an input too|cleanplate --fg shot/fg.%04d.exr -o shot/fg.0002.exr --frames 1-5 --overwrite
 1|does not exist|cleanplate --fg out/none.%d.exr -o out/a.exr --frames 1-2
 2|64x48|key --fg shot/fg.0001.exr -o out/a.exr --pick 0,0,65,48
 2|no_such_knob|key --fg shot/fg.0001.exr -o out/a.exr --set no_such_knob=1
