@@ -148,6 +148,8 @@ sequence=(--fg shot/fg.%04d.exr --bg shot/bg.####.exr -o seq/f.####.exr --frames
 expect 1 "shot/fg.0003.exr: " key "${sequence[@]}" "${pick[@]}"
 expect_files seq "f.0001.exr f.0002.exr f.0004.exr f.0005.exr "
 expect 1 "seq/f.0001.exr: exists; use --overwrite" key "${sequence[@]}" "${pick[@]}"
+expect 1 "shot/fg.0004.exr: green screen" key --fg shot/fg.%04d.exr -o out/late.%04d.exr --frames 3-4
+expect 1 "frames       4" cleanplate --fg shot/fg.%04d.exr -o out/late.exr --frames 1-5
 cp whole.exr shot/fg.0003.exr
 truncate -s -10 seq/f.0005.exr
 touch -d '2001-01-01' seq/*.exr
