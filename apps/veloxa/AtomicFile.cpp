@@ -9,6 +9,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "CheckedFile.h"
 #include "Errors.h"
 
 namespace veloxa {
@@ -63,6 +64,15 @@ void AtomicFile::commit() {
     }
     if (failed != 0) throw Error(path_, errno == EEXIST ? kExists : std::strerror(errno));
     committed_ = true;
+}
+
+void write_text(const std::string& path, std::string_view text, bool overwrite) {
+    AtomicFile file(path, overwrite);
+    CheckedFile bytes(file.temporary());
+    bytes.write(text.data(), text.size());
+    bytes.close();
+    if (!bytes.failure().empty()) throw Error(path, bytes.failure());
+    file.commit();
 }
 
 }  // namespace veloxa

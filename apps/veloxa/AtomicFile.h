@@ -5,6 +5,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace veloxa {
 
@@ -32,5 +33,8 @@ class AtomicFile {
     bool overwrite_;
     bool committed_ = false;
 };
+
+// Writes a whole file of text. Throws Error as above, and when a byte could not be written.
+void write_text(const std::string& path, std::string_view text, bool overwrite);
 
 }  // namespace veloxa

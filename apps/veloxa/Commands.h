@@ -13,6 +13,8 @@ using Run = std::function<int()>;
 
 CLI::App* add_key_command(CLI::App& app, Run& run);
 CLI::App* add_knobs_command(CLI::App& app, Run& run);
+CLI::App* add_controls_command(CLI::App& app, Run& run);
+CLI::App* add_cleanplate_command(CLI::App& app, Run& run);
 CLI::App* add_plate_command(CLI::App& app, Run& run);
 CLI::App* add_compare_command(CLI::App& app, Run& run);
 

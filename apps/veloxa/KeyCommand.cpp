@@ -12,6 +12,7 @@
 #include "KeyPipeline.h"
 #include "Node.h"
 #include "Pick.h"
+#include "ScreenChoice.h"
 
 namespace veloxa {
 
@@ -26,6 +27,7 @@ struct Options {
     KnobSettings settings;
     std::string save_script;
     std::string pick;
+    std::string screen;
     std::string frames;
     std::string stage;
     std::string depth;
@@ -85,11 +87,12 @@ void check_outputs(const KeyPlan& plan, const FrameLoader::Names& names) {
     check_writable(plan.output.at(plan.frames.first), plan.write);
 }
 
-// The foreground of the first frame that can be read: a broken one is reported when its turn comes.
-std::shared_ptr<const Image> first_foreground(FrameLoader& loader, const FrameRange& frames) {
+// The foreground of the first frame that can be read, and its number: a broken one is reported when its turn
+// comes.
+std::pair<std::shared_ptr<const Image>, int> first_foreground(FrameLoader& loader, const FrameRange& frames) {
     for (int n = 0;; ++n) {
         try {
-            return loader.foreground(frames.at(n));
+            return {loader.foreground(frames.at(n)), frames.at(n)};
         } catch (const Interrupted&) {
             throw;
         } catch (const Error&) {
@@ -98,18 +101,19 @@ std::shared_ptr<const Image> first_foreground(FrameLoader& loader, const FrameRa
     }
 }
 
-void pick_screen_color(KnobPanel& panel, const Image& foreground, const std::string& text) {
-    Knob& knob = panel.get("screen_color");
-    const std::array<double, 3> color = mean_color(foreground, parse_box(text));
-    for (int i = 0; i < 3; ++i) knob.set_value(color[static_cast<std::size_t>(i)], i);
-    knob.changed();
-}
-
-void warn_without_screen_color(const KnobPanel& panel) {
-    const Knob& knob = panel.get("screen_color");
-    if (knob.get_value(0) != 0.0 || knob.get_value(1) != 0.0 || knob.get_value(2) != 0.0) return;
-    report(
-        "warning: no screen_color is set, so the foreground passes through; sample one with --pick X,Y,R,T");
+void choose_screen_color(Node& node, FrameLoader& loader, const FrameRange& frames, const Options& options) {
+    KnobPanel& panel = node.panel();
+    if (!options.pick.empty()) {
+        const Box box = parse_box(options.pick);
+        set_screen_color(panel, mean_color(*first_foreground(loader, frames).first, box));
+    } else if (!options.screen.empty() || !has_screen_color(panel, options.settings.sets)) {
+        const auto [image, frame] = first_foreground(loader, frames);
+        const std::string file = FramePattern(options.inputs[kFg]).at(frame);
+        estimate_screen_color(panel, *image, file, options.screen, options.quiet);
+    }
+    if (!has_screen_color(panel, {})) {
+        report("warning: screen_color is 0,0,0, so the foreground passes through");
+    }
 }
 
 int key(const Options& options) {
@@ -131,11 +135,8 @@ int key(const Options& options) {
     {
         const Stopwatch watch(read_ahead);
         loader.load_stills();
-        if (!options.pick.empty()) {
-            pick_screen_color(node.panel(), *first_foreground(loader, plan.frames), options.pick);
-        }
+        choose_screen_color(node, loader, plan.frames, options);
     }
-    warn_without_screen_color(node.panel());
     if (!options.save_script.empty()) node.save_script(options.save_script, plan.write.overwrite);
 
     for (std::size_t n = 0; n < kInputCount; ++n) {
@@ -163,7 +164,7 @@ int key(const Options& options) {
 
 constexpr const char* kFooter =
     "Paths with a frame number, as %04d or ####, need --frames; inputs without one are the same in every "
-    "frame. Knobs are set in this order: --script, --set, --pick. `veloxa knobs` lists them.\n"
+    "frame. Knobs are set in this order: --script, --set, --pick or --screen. `veloxa knobs` lists them.\n"
     "Boxes and rows count from the bottom left pixel of the foreground's display window.\n"
     "Exit status: 0 when every frame was written, 1 when not, 2 for bad usage, 130 when interrupted.";
 
@@ -188,10 +189,17 @@ void add_settings(CLI::App& command, Options& options) {
     command
         .add_option("--save-script", options.save_script, "Save the knobs that differ from their defaults")
         ->type_name("FILE");
+    CLI::Option* const pick =
+        command
+            .add_option("--pick", options.pick,
+                        "Set screen_color to the mean of a box of the first foreground that can be read")
+            ->type_name("X,Y,R,T");
     command
-        .add_option("--pick", options.pick,
-                    "Set screen_color to the mean of a box of the first foreground that can be read")
-        ->type_name("X,Y,R,T");
+        .add_option("--screen", options.screen,
+                    "Find the backing in the first foreground that can be read: of whatever colour (auto, as "
+                    "when nothing sets screen_color) or of this one")
+        ->check(CLI::IsMember(kScreenChoices))
+        ->excludes(pick);
 }
 
 void add_rendering(CLI::App& command, Options& options) {

@@ -6,7 +6,6 @@
 #include <iterator>
 
 #include "AtomicFile.h"
-#include "CheckedFile.h"
 #include "Errors.h"
 #include "ZoImage/PluginLoader.h"
 #include "ZoImage/Script.h"
@@ -68,13 +67,7 @@ void Node::apply(const KnobSettings& settings) {
 }
 
 void Node::save_script(const std::string& path, bool overwrite) const {
-    const std::string text = write_script(*panel_);
-    AtomicFile file(path, overwrite);
-    CheckedFile bytes(file.temporary());
-    bytes.write(text.data(), text.size());
-    bytes.close();
-    if (!bytes.failure().empty()) throw Error(path, bytes.failure());
-    file.commit();
+    write_text(path, write_script(*panel_), overwrite);
 }
 
 Iop& Node::member(const std::string& name) const {

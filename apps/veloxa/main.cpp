@@ -32,6 +32,8 @@ int main(int argc, char** argv) {
     veloxa::Run run;
     veloxa::add_key_command(app, run);
     veloxa::add_knobs_command(app, run);
+    veloxa::add_controls_command(app, run);
+    veloxa::add_cleanplate_command(app, run);
     veloxa::add_plate_command(app, run);
     veloxa::add_compare_command(app, run);
     try {

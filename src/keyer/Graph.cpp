@@ -89,10 +89,9 @@ Iop& VeloxaKeyer::keyed_colour() {
 }
 
 // What the composite path takes its colour from: with both stages off the foreground as it is, where the
-// shadow path takes the processed one.
+// shadow path takes the processed one. What is added must be processed: its backing stays in otherwise.
 Iop& VeloxaKeyer::colour_source() {
-    if (knobs_.color_conformance) return colorCorrection;
-    if (knobs_.spill_suppression) return spillSuppression;
+    if (knobs_.color_conformance || knobs_.spill_suppression || knobs_.adds()) return keyed_colour();
     return normFg;
 }
 

@@ -79,6 +79,13 @@ struct KnobStorage {
     float film_brights = 200.0f;
     float film_darks = 5.0f;
 
+    // Output
+    std::int32_t matte_scale = 0;  // knee, linear
+    std::int32_t merge = 0;        // multiply, add
+
+    bool linear_matte() const { return matte_scale == 1; }
+    bool adds() const { return merge == 1; }
+
     std::int32_t active_tool = 0;  // the toolbar's: number of the tool in hand
 
     // No knob shows these. Where the encoding of colours leaves the straight line, per channel.

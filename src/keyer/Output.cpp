@@ -6,15 +6,17 @@ using namespace Zo::Image;
 
 namespace {
 
-void apply_rule(std::int32_t output_mode, ChannelSet channels, const Row& colour, const Row& background,
+void apply_rule(const KnobStorage& knobs, ChannelSet channels, const Row& colour, const Row& background,
                 const float* matte, Row& row) {
+    const auto& to_opacity = knobs.linear_matte() ? linear_opacity : opacity;
+    const auto& merged = knobs.adds() ? added_colour : output_colour;
     Row k(row.x(), row.r());
     float* const opaque = k.overwrite(kAlpha);
-    opacity(matte, opaque, row.width());
+    to_opacity(matte, opaque, row.width());
     for (const Channel c : channels) {
         if (c == kAlpha) continue;
-        output_colour(static_cast<OutputMode>(output_mode), colour[c], background[c], opaque,
-                      row.overwrite(c), row.width());
+        merged(static_cast<OutputMode>(knobs.output_mode), colour[c], background[c], opaque, row.overwrite(c),
+               row.width());
     }
     if (channels.has(kAlpha)) row.share(k, kMaskAlpha);
 }
@@ -28,7 +30,7 @@ void VeloxaKeyer::engine_composite(int y, ChannelSet channels, Row& row) {
     matte.get(final_matte(), y, kMaskAlpha);
     Row background(row.x(), row.r());
     background.get(input(2), y, channels - kMaskAlpha);
-    apply_rule(knobs_.output_mode, channels, colour, background, matte[kAlpha], row);
+    apply_rule(knobs_, channels, colour, background, matte[kAlpha], row);
 }
 
 void VeloxaKeyer::engine_shadow(int y, ChannelSet channels, Row& row) {
@@ -36,7 +38,7 @@ void VeloxaKeyer::engine_shadow(int y, ChannelSet channels, Row& row) {
     colour.get(combineShadow, y, channels + kMaskAlpha);
     Row background(row.x(), row.r());
     background.get(input(2), y, channels - kMaskAlpha);
-    apply_rule(knobs_.output_mode, channels, colour, background, colour[kAlpha], row);
+    apply_rule(knobs_, channels, colour, background, colour[kAlpha], row);
 }
 
 // Shows the foreground as it arrived, tinted where the screen or the subject is; alpha stays the key's.

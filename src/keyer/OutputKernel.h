@@ -32,10 +32,18 @@ inline constexpr float kOutputPivot = 0.5f;
 using Opacity = void(const float* matte, float* k, std::size_t n);
 extern const LaneKernel<Opacity> opacity;
 
+// The same where the matte counts over its whole range: 1 - matte / 255.
+extern const LaneKernel<Opacity> linear_opacity;
+
 // The output rule for one colour channel.
 using OutputColour = void(OutputMode mode, const float* colour, const float* background, const float* k,
                           float* out, std::size_t n);
 extern const LaneKernel<OutputColour> output_colour;
+
+// The output rule where the colour counts as premultiplied: it is added to what k leaves of the background,
+// and divided by k for the unpremultiplied output, which is 0 where k is 0. Colours beyond the largest half
+// float become that one: there is nothing left that could take an infinity out of the picture.
+extern const LaneKernel<OutputColour> added_colour;
 
 struct OverlayParams {
     OverlayMode mode;

@@ -15,6 +15,11 @@ void opacity(const float* matte, float* k, std::size_t n) {
     }
 }
 
+void linear_opacity(const float* matte, float* k, std::size_t n) {
+#pragma GCC ivdep
+    for (std::size_t i = 0; i < n; ++i) k[i] = kernel::clamp_to(0.0f, 1.0f, 1.0f - matte[i] / 255.0f);
+}
+
 void output_colour(OutputMode mode, const float* colour, const float* background, const float* k, float* out,
                    std::size_t n) {
     if (mode == OutputMode::kPremultiplied) {
@@ -28,6 +33,35 @@ void output_colour(OutputMode mode, const float* colour, const float* background
         for (std::size_t i = 0; i < n; ++i) {
             const float v = decode(colour[i], kOutputPivot) * k[i] + (1.0f - k[i]) * background[i];
             out[i] = one_nan(v);
+        }
+    }
+}
+
+namespace {
+
+constexpr float kLargestHalf = 65504.0f;
+
+[[gnu::always_inline]] inline float finite_colour(float v) {
+    return kernel::cap_at(kLargestHalf, decode(v, kOutputPivot));
+}
+
+}  // namespace
+
+void added_colour(OutputMode mode, const float* colour, const float* background, const float* k, float* out,
+                  std::size_t n) {
+    if (mode == OutputMode::kPremultiplied) {
+#pragma GCC ivdep
+        for (std::size_t i = 0; i < n; ++i) out[i] = finite_colour(colour[i]);
+    } else if (mode == OutputMode::kUnpremultiplied) {
+#pragma GCC ivdep
+        for (std::size_t i = 0; i < n; ++i) {
+            const float v = one_nan(finite_colour(colour[i]) / k[i]);
+            out[i] = k[i] == 0.0f ? 0.0f : v;
+        }
+    } else {
+#pragma GCC ivdep
+        for (std::size_t i = 0; i < n; ++i) {
+            out[i] = one_nan(finite_colour(colour[i]) + (1.0f - k[i]) * background[i]);
         }
     }
 }

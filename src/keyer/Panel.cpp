@@ -165,6 +165,19 @@ void PanelBuilder::film_tab() {
            "Adjust to include or eliminate dark areas from the subject overlay.");
 }
 
+void PanelBuilder::output_tab() {
+    tab("Output", "", nullptr);
+    menu(&K::matte_scale, {"knee", "linear"}, "matte_scale", "matte scale",
+         "How the matte becomes transparency:<ul><li><b>knee</b>: two thirds of its range count as fully "
+         "transparent already.</li>"
+         "<li><b>linear</b>: over its whole range, which keeps thin hair.</li></ul>");
+    menu(&K::merge, {"multiply", "add"}, "merge", "merge",
+         "How the foreground joins the background:<ul><li><b>multiply</b>: the colour is multiplied by its "
+         "opacity.</li>"
+         "<li><b>add</b>: the processed foreground, whose backing is taken out already, is added as it is, "
+         "which keeps soft edges from going dark.</li></ul>");
+}
+
 void PanelBuilder::toolbar() {
     begin_toolbar(closure_, "veloxa_toolbar");
     tool(Tool::kScreen, "toolbar_screen", "@VlxColorPicker; screen ", "Backing color.");
@@ -221,6 +234,7 @@ void build_panel(Knob_Closure& closure, KnobStorage& storage, PanelKnobs& refs) 
     panel.cleanup_tab();
     panel.color_tab();
     panel.film_tab();
+    panel.output_tab();
     panel.toolbar();
     panel.sample_lists();
     panel.finish();

@@ -24,6 +24,7 @@ class PanelBuilder {
     void cleanup_tab();
     void color_tab();
     void film_tab();
+    void output_tab();
     void toolbar();
     void sample_lists();
     void finish();

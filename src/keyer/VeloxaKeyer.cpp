@@ -1,5 +1,7 @@
 #include "keyer/VeloxaKeyer.h"
 
+#include "controls/ControlListing.h"
+#include "controls/ControlTrace.h"
 #include "keyer/HelpText.h"
 #include "keyer/KnobCopy.h"
 
@@ -62,6 +64,15 @@ int VeloxaKeyer::knob_changed(Knob* knob) {
     return panel_.knob_changed(knob);
 }
 
+std::string VeloxaKeyer::diagnostic(std::string_view what) const {
+    if (what == "controls") return control_listing(controls_);
+    if (what != "trace") return {};
+    std::string text(trace_capacity(), '\0');
+    write_trace(controls_, text.data(), text.size());
+    text.resize(text.find('\0'));
+    return text;
+}
+
 void VeloxaKeyer::_validate(bool for_real) {
     input(0).validate(true);
     input(2).validate(true);
@@ -95,7 +106,7 @@ void VeloxaKeyer::_request(int x, int y, int r, int t, ChannelSet channels, int 
         ask(combineShadow, widened);
     } else {
         ask(final_matte(), widened);
-        if (knobs_.color_conformance || knobs_.spill_suppression) ask(colour_source(), widened);
+        if (&colour_source() != &normFg) ask(colour_source(), widened);
     }
     if (knobs_.overlay_mode > 0) ask(screen_region(), widened);
     if (flag(kHmConnected)) {

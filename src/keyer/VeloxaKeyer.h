@@ -52,6 +52,8 @@ class VeloxaKeyer final : public Zo::Image::Iop {
 
     void knobs(Zo::Image::Knob_Closure& closure) override;
     int knob_changed(Zo::Image::Knob* knob) override;
+    // "controls" lists the controls, "trace" gives them as a script of commands.
+    std::string diagnostic(std::string_view what) const override;
 
     const KnobStorage& knob_values() const { return knobs_; }
     KnobStorage& knob_values() { return knobs_; }

@@ -3,6 +3,7 @@
 # usage: cli_test.sh VELOXA
 set -u
 veloxa=$(realpath "$1")
+data=$(realpath "$(dirname "$0")/../controls/data")
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 cd "$folder" || exit 1
@@ -43,7 +44,7 @@ while IFS='|' read -r status text arguments; do
     # shellcheck disable=SC2086
     expect "$status" "$text" $arguments
 done <<'TABLE'
-2|key, knobs, plate, compare|
+2|key, knobs, controls, cleanplate, plate, compare|
 2|nonsense: there is no such command|nonsense
 2|--nonsense|--nonsense
 2|--fg|key -o out/a.exr
@@ -58,6 +59,14 @@ done <<'TABLE'
 2|frame pattern|key --fg shot/fg.%04d.exr -o out/a.exr --frames 1-5
 2|frame pattern|key --fg shot/fg.0001.exr -o out/a.%04d.exr --frames 1-5
 2|--pick|key --fg shot/fg.0001.exr -o out/a.exr --pick 1,2,3
+2|--screen|key --fg shot/fg.0001.exr -o out/a.exr --screen purple
+2|--screen|key --fg shot/fg.0001.exr -o out/a.exr --screen green --pick 0,40,8,48
+1|shot/bg.0001.exr: no backing stands out|key --fg shot/bg.0001.exr -o out/a.exr
+1|--pick X,Y,R,T|key --fg shot/fg.0001.exr -o out/a.exr --screen blue
+2|--frames|cleanplate --fg shot/fg.%04d.exr -o out/a.exr
+2|frame pattern|cleanplate --fg shot/fg.0001.exr -o out/a.exr --frames 1-5
+2|is an input too|cleanplate --fg shot/fg.%04d.exr -o shot/fg.0002.exr --frames 1-5 --overwrite
+1|does not exist|cleanplate --fg out/none.%d.exr -o out/a.exr --frames 1-2
 2|64x48|key --fg shot/fg.0001.exr -o out/a.exr --pick 0,0,65,48
 2|no_such_knob|key --fg shot/fg.0001.exr -o out/a.exr --set no_such_knob=1
 2|overlay_mode|key --fg shot/fg.0001.exr -o out/a.exr --set overlay_mode=nothing
@@ -74,13 +83,17 @@ done <<'TABLE'
 1|none.script|key --fg shot/fg.0001.exr -o out/a.exr --script none.script
 1|shot/fg.0001.exr: exists; use --overwrite|key --fg shot/fg.0002.exr -o shot/fg.0001.exr
 2|is an input too|key --fg shot/fg.0001.exr -o shot/fg.0001.exr --overwrite
+2|no_such_knob|controls --set no_such_knob=1
+1|none.script|controls --script none.script -o out/controls.txt
+1|nowhere|controls -o nowhere/controls.txt
+1|shot/fg.0001.exr: exists; use --overwrite|controls -o shot/fg.0001.exr
 2|--max-diff|compare shot/fg.0001.exr shot/fg.0001.exr --max-diff x
 1|does not exist|compare shot/fg.0001.exr out/none.exr
 TABLE
 expect_files out ""
 
 # Stills: knobs by hand equal knobs by script, whatever the number of threads.
-expect 0 "passes through" key --fg shot/fg.0001.exr -o out/plain.exr --depth float
+expect 0 "passes through" key --fg shot/fg.0001.exr -o out/plain.exr --depth float --set screen_color=0,0,0
 expect 0 "" compare shot/fg.0001.exr out/plain.exr --channel G --max-diff 0
 inputs=(--fg shot/fg.0001.exr --cp shot/cp.0001.exr --bg shot/bg.0001.exr)
 expect 0 "" key "${inputs[@]}" -o out/a.exr "${pick[@]}" --set brights=120 --save-script out/a.script --quiet
@@ -95,6 +108,30 @@ expect 1 "" compare out/stage.exr out/a.exr --max-diff 100
 expect 0 '"name": "screen_color"' knobs --json
 printf 'Veloxa {\n  brights 5\n  nonsense 1\n}\n' >bad.script
 expect 1 "bad.script:3: " key "${inputs[@]}" -o out/d.exr --script bad.script
+
+# The backing by itself, on the first frame that can be read.
+expect 0 "shot/fg.0001.exr: green screen, screen_color " key --fg shot/fg.%04d.exr -o out/auto.%04d.exr \
+    --frames 1-2 --save-script out/auto.script
+grep -q 'screen_color {0.1' out/auto.script || fail "no estimate in $(cat out/auto.script)"
+expect 0 "" key --fg shot/fg.0001.exr -o out/again.exr --script out/auto.script
+expect 0 "" compare out/auto.0001.exr out/again.exr --max-diff 0
+expect 0 "" plate -o blue --size 64x48 --screen blue
+expect 0 "" key --fg blue/fg.exr -o out/blue.exr --screen auto --quiet
+[ -s err.txt ] && fail "messages in spite of --quiet: $(cat err.txt)"
+
+# A clean plate, near the true one.
+expect 0 "truly seen" cleanplate --fg shot/fg.%04d.exr --frames 1-5 -o out/clean.exr
+expect 0 "" compare out/clean.exr shot/cp.0001.exr --channel R --max-diff 0.1
+expect 1 "out/clean.exr: exists; use --overwrite" cleanplate --fg shot/fg.%04d.exr --frames 1-5 -o out/clean.exr
+
+# The controls: of a new node, and of one with knobs.
+expect 0 "" controls
+cmp -s out.txt "$data/fresh_listing.txt" || fail "the listing of a new node"
+expect 0 "" controls --trace -o out/trace.txt
+cmp -s out/trace.txt "$data/fresh_trace.txt" || fail "the trace of a new node"
+expect 0 "setMatteDensity 120" controls --trace --script out/a.script
+expect 0 "" controls --set darks=7 -o out/trace.txt --overwrite
+grep -q -P '^-7\tMatte Density Darks $' out/trace.txt || fail "no darks in the listing"
 
 # Another size.
 expect 0 "" plate -o small --size 32x24
@@ -111,6 +148,8 @@ sequence=(--fg shot/fg.%04d.exr --bg shot/bg.####.exr -o seq/f.####.exr --frames
 expect 1 "shot/fg.0003.exr: " key "${sequence[@]}" "${pick[@]}"
 expect_files seq "f.0001.exr f.0002.exr f.0004.exr f.0005.exr "
 expect 1 "seq/f.0001.exr: exists; use --overwrite" key "${sequence[@]}" "${pick[@]}"
+expect 1 "shot/fg.0004.exr: green screen" key --fg shot/fg.%04d.exr -o out/late.%04d.exr --frames 3-4
+expect 1 "frames       4" cleanplate --fg shot/fg.%04d.exr -o out/late.exr --frames 1-5
 cp whole.exr shot/fg.0003.exr
 truncate -s -10 seq/f.0005.exr
 touch -d '2001-01-01' seq/*.exr
@@ -145,7 +184,7 @@ expect_files full ""
 if [ "$(id -u)" -eq 0 ] && mount -t tmpfs -o size=16k tmpfs full 2>/dev/null; then
     expect 0 "" plate -o big --size 256x192
     for type in exr png tif jpg dpx tga sgi; do
-        expect 1 "full/a.$type: " key --fg big/fg.exr -o full/a.$type
+        expect 1 "full/a.$type: " key --fg big/fg.exr -o full/a.$type --set screen_color=0,0,0
         expect_files full ""
     done
     umount full

@@ -203,6 +203,47 @@ TEST(Graph, WithoutAScreenColourTheForegroundPasses) {
     EXPECT_EQ(rig.gm.validations(), 0);
 }
 
+// The linear matte scale and the added foreground, with the colour of the operator that must supply it.
+TEST(Graph, OutputTabActsOnBothPaths) {
+    struct Case {
+        bool shadow, spill, conform;
+        const char* colour;
+        const char* matte;
+    };
+    const Case cases[] = {{false, false, false, "outputMatte", "outputMatte"},
+                          {false, true, false, "spillSuppression", "outputMatte"},
+                          {false, false, true, "colorCorrection", "outputMatte"},
+                          {true, false, false, "combineShadow", "combineShadow"},
+                          {true, true, false, "combineShadow", "combineShadow"}};
+    for (const Case& c : cases) {
+        Rig rig;
+        rig.connect_all();
+        rig.node.set_input(4, nullptr);
+        KnobStorage& k = rig.knobs();
+        k.shadow = c.shadow;
+        k.spill_suppression = c.spill;
+        k.color_conformance = c.conform;
+        k.matte_scale = k.merge = 1;
+        rig.update();
+        const test::Picture out = test::render(rig.node, 2);
+        const test::Picture colour = test::render(rig.member(c.colour));
+        const test::Picture matte = test::render(rig.member(c.matte));
+        int mixed = 0;
+        for (int y = 0; y < 31; ++y) {
+            for (int x = 0; x < 41; ++x) {
+                const double opaque = std::clamp(1.0 - double{matte.at(kAlpha, x, y)} / 255.0, 0.0, 1.0);
+                ASSERT_NEAR(double{out.at(kAlpha, x, y)}, opaque, 1e-6) << c.colour << x << ' ' << y;
+                mixed += opaque > 0.1 && opaque < 0.9 ? 1 : 0;
+                const double s = double{colour.at(kRed, x, y)} / 255.0;  // straight up to the pivot
+                const double added = s > 0.5 ? (2.0 * s - 1.0) / (2.0 - 2.0 * s) + 0.5 : s;
+                const double expected = added + (1.0 - opaque) * ((x + y) % 9) * 0.1;
+                ASSERT_NEAR(double{out.at(kRed, x, y)}, expected, 1e-5) << c.colour << x << ' ' << y;
+            }
+        }
+        EXPECT_GT(mixed, 10) << c.colour;
+    }
+}
+
 TEST(Graph, OptionalInputsThatAreOffAreNotTouched) {
     Rig rig;
     rig.node.set_input(1, &rig.cp);
@@ -313,6 +354,8 @@ TEST(Graph, AnySeriesOfChangesEqualsAFreshNode) {
         [](KnobStorage& k) { k.brights += 10.0f; },
         [](KnobStorage& k) { k.spill_suppression = !k.spill_suppression; },
         [](KnobStorage& k) { k.output_mode = (k.output_mode + 1) % 3; },
+        [](KnobStorage& k) { k.matte_scale = 1 - k.matte_scale; },
+        [](KnobStorage& k) { k.merge = 1 - k.merge; },
     };
     std::mt19937 random(11);
     for (const bool inputs : {false, true}) {
@@ -356,6 +399,11 @@ const Configuration kConfigurations[] = {
          k.color_hue = 20.0f;
      }},
     {"everything", true, everything_on},
+    {"linear and added", true,
+     [](KnobStorage& k) {
+         k.matte_scale = k.merge = 1;
+         k.spill_suppression = false;
+     }},
 };
 
 const Box kFrames[] = {{0, 0, 1, 1}, {-3, 5, 0, 6}, {7, -20, 8, 21}, {-11, -7, 52, 60}};

@@ -62,6 +62,36 @@ TEST(OutputKernel, RulesForEveryMode) {
     EXPECT_EQ(out[5], kInf);
 }
 
+TEST(OutputKernel, LinearScaleAndAddedColour) {
+    // Opaque, the knee's end, nearly and fully transparent, beyond both ends, NaN.
+    const float matte[] = {0.0f, 170.0f, 204.0f, 255.0f, 400.0f, -30.0f, kNaN};
+    const float expected_k[] = {1.0f, 1.0f / 3.0f, 0.2f, 0.0f, 0.0f, 1.0f};
+    constexpr std::size_t n = std::size(matte);
+    float k[n];
+    linear_opacity(matte, k, n);
+    for (std::size_t i = 0; i + 1 < n; ++i) EXPECT_NEAR(k[i], expected_k[i], 1e-6f) << i;
+    EXPECT_TRUE(std::isnan(k[n - 1]));
+
+    // Colours that decode to 0.1, 1.5, what no half float holds, and NaN.
+    const float colour[] = {25.5f, 191.25f, 25.5f, 25.5f, 255.0f, 300.0f, kNaN};
+    const float opaque[] = {1.0f, 0.25f, 0.2f, 0.0f, 0.5f, 0.0f, 1.0f};
+    const float background[] = {0.5f, 0.8f, 0.5f, 0.75f, 1.0f, 0.0f, 0.5f};
+    const struct {
+        OutputMode mode;
+        float expected[n - 1];
+    } cases[] = {
+        {OutputMode::kComposite, {0.1f, 2.1f, 0.5f, 0.85f, 65504.5f, 65504.0f}},
+        {OutputMode::kPremultiplied, {0.1f, 1.5f, 0.1f, 0.1f, 65504.0f, 65504.0f}},
+        {OutputMode::kUnpremultiplied, {0.1f, 6.0f, 0.5f, 0.0f, 131008.0f, 0.0f}},
+    };
+    for (const auto& c : cases) {
+        float out[n];
+        added_colour(c.mode, colour, background, opaque, out, n);
+        for (std::size_t i = 0; i + 1 < n; ++i) EXPECT_FLOAT_EQ(out[i], c.expected[i]) << i;
+        EXPECT_TRUE(std::isnan(out[n - 1]));
+    }
+}
+
 TEST(OutputKernel, OverlayCoversScreenOrSubject) {
     const float region[] = {0.0f, 255.0f, 127.5f, kNaN, -1.0f};
     const float r[] = {1, 1, 1, 1, 1};

@@ -42,6 +42,7 @@ TEST(Panel, KnobsInOrder) {
         "color_saturation color_brightness "
         "[Film] film_enable film_transparency film_correction film_strength film_shrink film_brights "
         "film_darks "
+        "[Output] matte_scale merge "
         "veloxa_toolbar toolbar_screen | 'overlay' toolbar_addoverlay toolbar_removeoverlay "
         "overlay_toolbar | 'matte' toolbar_addmatte toolbar_removenoise | 'spill' toolbar_restorespill "
         "toolbar_removespill | 'match' toolbar_matchcolor toolbar_matchshadow | toolbar_holdShadow "

@@ -123,10 +123,16 @@ const std::vector<Case> kCases{
     {"normalize", [](auto& j) { normalize(j.in[0], j.out[0], j.n); }},
     {"output matte", [](auto& j) { output_matte(j.in[0], j.out[0], j.n); }},
     {"opacity", [](auto& j) { opacity(j.in[0], j.out[0], j.n); }},
+    {"linear opacity", [](auto& j) { linear_opacity(j.in[0], j.out[0], j.n); }},
     {"output colour",
      [](auto& j) {
          const auto mode = static_cast<OutputMode>(j.variant % 3);
          output_colour(mode, j.in[0], j.in[1], j.in[2], j.out[0], j.n);
+     }},
+    {"added colour",
+     [](auto& j) {
+         const auto mode = static_cast<OutputMode>(j.variant % 3);
+         added_colour(mode, j.in[0], j.in[1], j.in[2], j.out[0], j.n);
      }},
     {"overlay of the screen", [](auto& j) { overlay_of(j, OverlayMode::kScreen); }},
     {"overlay of the subject", [](auto& j) { overlay_of(j, OverlayMode::kSubject); }},

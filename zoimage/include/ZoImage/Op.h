@@ -125,6 +125,10 @@ class Op {
     // Called after the user changed a knob. Returns non-zero when the change was handled.
     virtual int knob_changed(Knob*) { return 0; }
 
+    // A report in plain text about the operator as it stands, for people and front ends; which there are is up
+    // to the operator. Empty for one that it does not know.
+    virtual std::string diagnostic(std::string_view /*what*/) const { return {}; }
+
   protected:
     virtual void _invalidate() {}
     virtual void _validate(bool for_real) = 0;

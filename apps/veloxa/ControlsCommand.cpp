@@ -1,0 +1,57 @@
+// veloxa controls: the controls that a node's knobs lead to, as a listing or as a script of commands.
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "AtomicFile.h"
+#include "Commands.h"
+#include "Errors.h"
+#include "Node.h"
+
+namespace veloxa {
+
+namespace {
+
+struct Options {
+    KnobSettings settings;
+    std::string output;
+    bool trace = false;
+    bool overwrite = false;
+};
+
+int list_controls(const Options& options) {
+    Node node;
+    node.apply(options.settings);
+    // The node copies its knobs when it validates; without it the controls are those that it was made with.
+    if (!options.settings.script.empty() || !options.settings.sets.empty()) node.image().validate(true);
+    const std::string text = node.image().diagnostic(options.trace ? "trace" : "controls");
+    if (!options.output.empty()) {
+        write_text(options.output, text, options.overwrite);
+    } else if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0) {
+        throw Error("standard output could not be written");
+    }
+    return kExitOk;
+}
+
+}  // namespace
+
+CLI::App* add_controls_command(CLI::App& app, Run& run) {
+    CLI::App* command = app.add_subcommand("controls", "List the 250 controls, or trace them as commands.");
+    command->footer(
+        "The listing has a line a control: its stored value, a tab, its name. With --script or --set the "
+        "knobs are copied into the controls first, as for keying; without them the controls are those of a "
+        "new node, before its first frame.");
+    auto options = std::make_shared<Options>();
+    command->add_option("--script", options->settings.script, "Set knobs from a script")->type_name("FILE");
+    command->add_option("--set", options->settings.sets, "Set a knob: numbers by commas, menu items by name")
+        ->type_name("KNOB=VALUE")
+        ->allow_extra_args(false);
+    command->add_flag("--trace", options->trace, "As a script of set commands instead");
+    command->add_option("-o,--output", options->output, "Where to write; standard output without it")
+        ->type_name("FILE");
+    command->add_flag("--overwrite", options->overwrite, "Replace a file that exists");
+    command->callback([options, &run] { run = [options] { return list_controls(*options); }; });
+    return command;
+}
+
+}  // namespace veloxa
