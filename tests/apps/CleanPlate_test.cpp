@@ -118,7 +118,10 @@ class CleanPlateTest : public testing::Test {
         return maker.make();
     }
 
-    const fs::path folder_ = fs::path(testing::TempDir()) / "veloxa_clean_plate";
+    // Tests run side by side.
+    const fs::path folder_ =
+        fs::path(testing::TempDir()) /
+        (std::string("clean_plate_") + testing::UnitTest::GetInstance()->current_test_info()->name());
 };
 
 TEST_F(CleanPlateTest, MediansWhereSeenAndInterpolatedElsewhere) {

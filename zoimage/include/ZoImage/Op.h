@@ -125,8 +125,8 @@ class Op {
     // Called after the user changed a knob. Returns non-zero when the change was handled.
     virtual int knob_changed(Knob*) { return 0; }
 
-    // A report in plain text about the operator as it stands, for people and front ends; which there are is up
-    // to the operator. Empty for one that it does not know.
+    // A report in plain text about the operator as it stands, for people and front ends; which there are is
+    // up to the operator. Empty for one that it does not know.
     virtual std::string diagnostic(std::string_view /*what*/) const { return {}; }
 
   protected:
