@@ -5,19 +5,57 @@
 
 using K = KnobStorage;
 
-Tuning analyse_overlay(const Setting& setting, std::span<const OverlaySample> samples) {
-    const std::size_t n = samples.size();
-    const std::int32_t color_index = setting.color_index();
-    Planes fg(n, color_index);
-    Planes plate(n, color_index);
-    for (std::size_t i = 0; i < n; ++i) {
-        fg.put(i, samples[i].fg);
-        plate.put(i, samples[i].plate);
-    }
-    fg.normalise();
-    plate.normalise();
+namespace {
 
-    const bool clean_plate = setting.clean_plate();
+class Regions {
+  public:
+    Regions(const Setting& setting, std::span<const OverlaySample> samples)
+        : samples_(samples),
+          fg_(samples.size(), setting.color_index()),
+          plate_(samples.size(), setting.color_index()),
+          crude_(samples.size()),
+          region_(samples.size()),
+          trial_(setting),
+          clean_plate_(setting.clean_plate()) {
+        for (std::size_t i = 0; i < samples.size(); ++i) {
+            fg_.put(i, samples[i].fg);
+            plate_.put(i, samples[i].plate);
+        }
+        fg_.normalise();
+        plate_.normalise();
+    }
+
+    void decide(const KnobStorage& knobs) {
+        const ControlBlock& controls = trial_.with(knobs);
+        const RolePixels fg = fg_.pixels();
+        const RolePixels plate = plate_.pixels();
+        const std::size_t n = samples_.size();
+        if (clean_plate_) crude_matte(crude_matte_params(controls), fg, plate, crude_.data(), n);
+        clear_region(clear_region_params(controls), fg, clean_plate_ ? &plate : nullptr,
+                     {nullptr, clean_plate_ ? crude_.data() : nullptr, nullptr}, region_.data(), n);
+    }
+    bool agrees(std::size_t i) const { return (region_[i] != 0.0f) == samples_[i].screen; }
+
+  private:
+    std::span<const OverlaySample> samples_;
+    Planes fg_, plate_;
+    std::vector<float> crude_, region_;
+    TrialControls trial_;
+    bool clean_plate_;
+};
+
+}  // namespace
+
+std::vector<bool> overlay_agrees(const Setting& setting, std::span<const OverlaySample> samples) {
+    Regions regions(setting, samples);
+    regions.decide(setting.knobs);
+    std::vector<bool> agrees(samples.size());
+    for (std::size_t i = 0; i < samples.size(); ++i) agrees[i] = regions.agrees(i);
+    return agrees;
+}
+
+Tuning analyse_overlay(const Setting& setting, std::span<const OverlaySample> samples) {
+    const std::int32_t color_index = setting.color_index();
     std::vector<Dial> dials;
     const auto tolerance = [&](int role) {
         dials.push_back(Dial::component(&K::screen_tolerance, ChannelForRole(color_index, role), 0.0, 1.0,
@@ -32,21 +70,15 @@ Tuning analyse_overlay(const Setting& setting, std::span<const OverlaySample> sa
     std::vector<Ray> rays{{1, 1, 0, 0, 0, 0},  {0, 0, 1, 1, 0, 0},  {0, 0, 0, 0, 1, 1},   {1, 0, 0, 1, 0, 0},
                           {0, 1, 1, 0, 0, 0},  {1, 1, 1, 1, 0, 0},  {1, 1, 0, 0, -1, -1}, {1, 0, 0, 0, 0, -1},
                           {0, 1, 0, 0, -1, 0}, {1, 1, 1, 1, -1, -1}};
-    if (clean_plate) {
+    if (setting.clean_plate()) {
         tolerance(2);
         for (Ray& ray : rays) ray.push_back(0.0);
     }
 
-    TrialControls trial(setting);
-    std::vector<float> crude(n);
-    std::vector<float> region(n);
+    Regions regions(setting, samples);
     const auto misses = [&](const KnobStorage& knobs, std::span<double> out) {
-        const ControlBlock& controls = trial.with(knobs);
-        const RolePixels backing = plate.pixels();
-        if (clean_plate) crude_matte(crude_matte_params(controls), fg.pixels(), backing, crude.data(), n);
-        clear_region(clear_region_params(controls), fg.pixels(), clean_plate ? &backing : nullptr,
-                     {nullptr, clean_plate ? crude.data() : nullptr, nullptr}, region.data(), n);
-        for (std::size_t i = 0; i < n; ++i) out[i] = (region[i] != 0.0f) == samples[i].screen ? 0.0 : 1.0;
+        regions.decide(knobs);
+        for (std::size_t i = 0; i < out.size(); ++i) out[i] = regions.agrees(i) ? 0.0 : 1.0;
     };
-    return tune(setting.knobs, dials, rays, n, misses);
+    return tune(setting.knobs, dials, rays, samples.size(), misses);
 }

@@ -13,4 +13,7 @@ struct OverlaySample {
     bool screen;                 // what the user says that it is
 };
 
+// Whether the decision on each sample is what it should be, as the present knobs make it.
+std::vector<bool> overlay_agrees(const Setting& setting, std::span<const OverlaySample> samples);
+
 Tuning analyse_overlay(const Setting& setting, std::span<const OverlaySample> samples);

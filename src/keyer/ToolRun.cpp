@@ -18,6 +18,10 @@ namespace {
 constexpr std::int64_t kLargestSide = 1 << 16;
 constexpr std::int64_t kLargestArea = 1 << 26;
 
+// Few at a time, or one stroke would push the others out of the lists.
+constexpr int kMostRefinements = 8;
+constexpr std::size_t kRefinement = 3;
+
 constexpr std::size_t kBackingPixels = VeloxaSample::kCapacity;
 
 std::vector<PlatedSample> spread_over(const std::vector<StrokePixel>& pixels) {
@@ -99,13 +103,27 @@ ToolRun::Sample ToolRun::mean(Iop& source) const {
 }
 
 std::vector<StrokePixel> ToolRun::pixels(Iop& first, Iop* second) {
-    std::vector<StrokePixel> chosen = extremes(read_pixels(first, second, nullptr, box_));
-    if (chosen.empty()) ++unusable_;
-    return chosen;
+    stroke_ = read_pixels(first, second, nullptr, box_);
+    if (stroke_.empty()) ++unusable_;
+    return extremes(stroke_);
 }
 
-Setting ToolRun::setting() const {
-    return {node_.knobs_, node_.controls_, node_.inputFlags_};
+template <class Analyse, class Left, class Take>
+Tuning ToolRun::refine(const Analyse& analyse, const Left& left, const Take& take) {
+    for (int round = 0;; ++round) {
+        Tuning tuning = analyse();
+        const bool all =
+            std::all_of(tuning.misses.begin(), tuning.misses.end(), [](double m) { return m == 0.0; });
+        if (!all || round == kMostRefinements) return tuning;
+        std::vector<StrokePixel> missed = extremes(left(setting(tuning.knobs)));
+        if (missed.empty()) return tuning;
+        if (missed.size() > kRefinement) missed.resize(kRefinement);
+        for (const StrokePixel& p : missed) take(p);
+    }
+}
+
+Setting ToolRun::setting(const KnobStorage& knobs) const {
+    return {knobs, node_.controls_, node_.inputFlags_};
 }
 
 Iop* ToolRun::plate() const {
@@ -136,9 +154,9 @@ void ToolRun::pick_color(Iop& source, KnobStorage::Color KnobStorage::*field, bo
 }
 
 // The lists' means, the newest stroke's last; the other tool's samples are taken to be older.
-void ToolRun::overlay(bool add) {
-    gather_overlay(add);
+std::vector<OverlaySample> ToolRun::overlay_samples(bool add) {
     std::vector<OverlaySample> samples;
+    unusable_ = 0;
     const auto append = [&](const OverlaySample& sample) {
         if (usable(sample.fg) && usable(sample.plate)) {
             samples.push_back(sample);
@@ -163,7 +181,30 @@ void ToolRun::overlay(bool add) {
             append({as_saved(fg->samples()[i]), as_saved(plated), mode});
         }
     }
-    adopt(analyse_overlay(setting(), samples), samples.size());
+    return samples;
+}
+
+void ToolRun::overlay(bool add) {
+    gather_overlay(add);
+    const KnobStorage::Color& screen = node_.knobs_.screen_color;
+    const bool plated = plate() != nullptr;
+    const auto sample = [&](const StrokePixel& p) {
+        return OverlaySample{p.first, plated ? p.second : Sample{screen[0], screen[1], screen[2], 0.0f}, add};
+    };
+    const auto left = [&](const Setting& tuned) {
+        std::vector<OverlaySample> asked;
+        for (const StrokePixel& p : stroke_) asked.push_back(sample(p));
+        const std::vector<bool> agrees = overlay_agrees(tuned, asked);
+        std::vector<StrokePixel> pixels;
+        for (std::size_t i = 0; i < agrees.size(); ++i) {
+            if (!agrees[i]) pixels.push_back(stroke_[i]);
+        }
+        return pixels;
+    };
+    const Tuning tuning =
+        refine([&] { return analyse_overlay(setting(), overlay_samples(add)); }, left,
+               [&](const StrokePixel& p) { remember(node_.session_.overlay[add ? 1 : 0], sample(p)); });
+    adopt(tuning, tuning.misses.size());
 }
 
 void ToolRun::gather_overlay(bool add) {
@@ -191,8 +232,22 @@ void ToolRun::add_matte() {
         remember(session.opaque, {p.first, p.second});
     }
     gather_backing();
-    const Tuning tuning =
-        analyse_add_matte(setting(), session.opaque, session.backing, session.backing_mattes);
+    const auto left = [&](const Setting& tuned) {
+        std::vector<PlatedSample> asked;
+        for (const StrokePixel& p : stroke_) asked.push_back({p.first, p.second});
+        const std::vector<float> mattes = sample_mattes(tuned, asked);
+        std::vector<StrokePixel> pixels;
+        for (std::size_t i = 0; i < mattes.size(); ++i) {
+            if (mattes[i] > 0.0f) pixels.push_back(stroke_[i]);
+        }
+        return pixels;
+    };
+    const auto analyse = [&] {
+        return analyse_add_matte(setting(), session.opaque, session.backing, session.backing_mattes);
+    };
+    const Tuning tuning = refine(analyse, left, [&](const StrokePixel& p) {
+        remember(session.opaque, {p.first, p.second});
+    });
     adopt(tuning, session.opaque.size());
 }
 

@@ -28,16 +28,21 @@ class ToolRun {
     bool take_box(const Zo::Image::Knob& tool);
     Sample mean(Zo::Image::Iop& source) const;
     std::vector<StrokePixel> pixels(Zo::Image::Iop& first, Zo::Image::Iop* second);
+    // Analyses, and takes in pixels of the stroke that the answer leaves out, until it leaves out none.
+    template <class Analyse, class Left, class Take>
+    Tuning refine(const Analyse& analyse, const Left& left, const Take& take);
     void pick_color(Zo::Image::Iop& source, KnobStorage::Color KnobStorage::*field, bool darken);
     void overlay(bool add);
     void gather_overlay(bool add);
+    std::vector<OverlaySample> overlay_samples(bool add);
     void add_matte();
     void gather_backing();
     void matte_samples(Tool tool);
     void spill(bool restore);
     void match_color();
 
-    Setting setting() const;
+    Setting setting() const { return setting(node_.knobs_); }
+    Setting setting(const KnobStorage& knobs) const;
     Zo::Image::Iop* plate() const;
     void adopt(const Tuning& tuning, std::size_t counted);
     void set_knobs(const KnobStorage& values);
@@ -45,6 +50,7 @@ class ToolRun {
 
     VeloxaKeyer& node_;
     Zo::Image::Box box_{};
+    std::vector<StrokePixel> stroke_;  // what pixels() read last
     int unusable_ = 0;
     std::string report_;
 };
