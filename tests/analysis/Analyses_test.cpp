@@ -79,7 +79,7 @@ std::vector<double> settle(const char* name, Node& node, const Analyse& analyse)
     const auto begin = std::chrono::steady_clock::now();
     const Tuning tuned = analyse(node.setting());
     const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - begin;
-    std::printf("%-28s %3zu samples %7.2f ms\n", name, tuned.misses.size(), taken.count());
+    testing::Test::RecordProperty(name, std::to_string(taken.count()) + " ms");
     const Tuning once_more = analyse(node.setting());
     EXPECT_EQ(copy_of(once_more.knobs), copy_of(tuned.knobs)) << name << ": not the same twice";
     node.knobs = tuned.knobs;
