@@ -112,16 +112,6 @@ void copy_color(const KnobStorage& k, ControlBlock& out) {
     out.set(controls::kBrightness, k.color_brightness);
 }
 
-// The knob overrides what the spill tools found while it is not at its default, where it would stand for 100.
-// Both ways the group is written, so that nothing is left of an override that was taken back.
-void copy_veiling(const KnobStorage& k, ControlBlock& out) {
-    if (k.spill_backgroundveiling == KnobStorage{}.spill_backgroundveiling) {
-        out.set(controls::kBgVeiling, k.tool_veiling[0], k.tool_veiling[1], k.tool_veiling[2]);
-    } else {
-        set_color(out, controls::kBgVeiling, scaled(k.spill_backgroundveiling, 250.0f, 0.0f));
-    }
-}
-
 }  // namespace
 
 float encode(float value, float pivot) {
@@ -149,5 +139,6 @@ void copy_knobs(const KnobStorage& knobs, std::uint32_t input_flags, ControlBloc
     if (knobs.cleanup) copy_cleanup(knobs, controls);
     if (knobs.film) copy_film(knobs, controls);
     if (knobs.color_conformance) copy_color(knobs, controls);
-    copy_veiling(knobs, controls);
+    // The knob's default, 0.4, stands for all of the backing.
+    set_color(controls, controls::kBgVeiling, scaled(knobs.spill_backgroundveiling, 250.0f, 0.0f));
 }

@@ -90,7 +90,4 @@ struct KnobStorage {
 
     // No knob shows these. Where the encoding of colours leaves the straight line, per channel.
     ColorAlpha encodePivot{0.5f, 0.5f, 0.5f, 0.5f};
-    // The veiling controls while "spill_backgroundveiling" is at its default, in role order: what the spill
-    // tools found.
-    std::array<std::int32_t, 3> tool_veiling{100, 100, 100};
 };

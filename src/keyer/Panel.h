@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <vector>
 
 #include "ZoImage/KnobClosure.h"
@@ -50,6 +51,10 @@ class PanelKnobs {
         return samples_[static_cast<std::size_t>(action)];
     }
     Zo::Image::Knob* tool(Tool tool) const { return tools_[static_cast<std::size_t>(tool)]; }
+    // The tool whose button this is.
+    std::optional<Tool> tool_of(const Zo::Image::Knob* knob) const;
+    // The knobs that hold the settings, in panel order.
+    const std::vector<Zo::Image::Knob*>& settings() const { return settings_; }
 
   private:
     friend class PanelBuilder;
@@ -65,6 +70,7 @@ class PanelKnobs {
     void clear_samples(SampleAction first, SampleAction last);
 
     std::vector<Dependency> dependencies_;
+    std::vector<Zo::Image::Knob*> settings_;
     std::vector<Zo::Image::Knob*> screen_correct_knobs_;  // what the tab's "reset" restores
     std::vector<Zo::Image::Knob*> spill_knobs_;
     std::array<VeloxaSample_Knob*, 6> samples_{};

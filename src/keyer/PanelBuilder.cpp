@@ -107,6 +107,7 @@ void PanelBuilder::tab(Text label, Text link, Knob* enable, Knob* second_enable,
 
 Knob* PanelBuilder::note(Knob* knob) {
     if (knob == nullptr) return knob;
+    if (knob->takes_value()) refs_.settings_.push_back(knob);
     if (enable_ != nullptr) refs_.dependencies_.push_back({knob, enable_, second_enable_});
     if (resets_ != nullptr) resets_->push_back(knob);
     return knob;

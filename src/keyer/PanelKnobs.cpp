@@ -36,7 +36,13 @@ int PanelKnobs::knob_changed(Knob* knob) {
         reset_spill();
         return 1;
     }
-    return std::find(tools_.begin(), tools_.end(), knob) != tools_.end() ? 1 : 0;
+    return tool_of(knob) ? 1 : 0;
+}
+
+std::optional<Tool> PanelKnobs::tool_of(const Knob* knob) const {
+    const auto found = std::find(tools_.begin(), tools_.end(), knob);
+    if (knob == nullptr || found == tools_.end()) return std::nullopt;
+    return static_cast<Tool>(found - tools_.begin());
 }
 
 int PanelKnobs::handle(Knob* knob) {

@@ -4,6 +4,7 @@
 #include "controls/ControlTrace.h"
 #include "keyer/HelpText.h"
 #include "keyer/KnobCopy.h"
+#include "keyer/ToolRun.h"
 
 using namespace Zo::Image;
 
@@ -61,11 +62,14 @@ void VeloxaKeyer::knobs(Knob_Closure& closure) {
 }
 
 int VeloxaKeyer::knob_changed(Knob* knob) {
-    return panel_.knob_changed(knob);
+    const int handled = panel_.knob_changed(knob);
+    if (const auto tool = panel_.tool_of(knob)) ToolRun(*this).run(*tool);
+    return handled;
 }
 
 std::string VeloxaKeyer::diagnostic(std::string_view what) const {
     if (what == "controls") return control_listing(controls_);
+    if (what == "tool") return session_.report;
     if (what != "trace") return {};
     std::string text(trace_capacity(), '\0');
     write_trace(controls_, text.data(), text.size());

@@ -18,6 +18,7 @@
 #include "keyer/InputFlags.h"
 #include "keyer/KnobStorage.h"
 #include "keyer/Panel.h"
+#include "keyer/ToolSession.h"
 #include "screen/VlxBlurCU.h"
 #include "screen/VlxCleanup.h"
 #include "screen/VlxClearFrame.h"
@@ -52,7 +53,8 @@ class VeloxaKeyer final : public Zo::Image::Iop {
 
     void knobs(Zo::Image::Knob_Closure& closure) override;
     int knob_changed(Zo::Image::Knob* knob) override;
-    // "controls" lists the controls, "trace" gives them as a script of commands.
+    // "controls" lists the controls, "trace" gives them as a script of commands, "tool" tells what the latest
+    // tool did (see ToolRun.h).
     std::string diagnostic(std::string_view what) const override;
 
     const KnobStorage& knob_values() const { return knobs_; }
@@ -67,6 +69,8 @@ class VeloxaKeyer final : public Zo::Image::Iop {
     void engine(int y, int x, int r, const Zo::Image::ChannelSet& channels, Zo::Image::Row& row) override;
 
   private:
+    friend class ToolRun;
+
     bool flag(std::uint32_t bit) const { return (inputFlags_ & bit) != 0; }
     void set_flag(std::uint32_t bit, bool on) { inputFlags_ = on ? inputFlags_ | bit : inputFlags_ & ~bit; }
     bool shadows_on() const { return knobs_.screen_correct && knobs_.shadow; }
@@ -122,4 +126,5 @@ class VeloxaKeyer final : public Zo::Image::Iop {
 
     std::uint32_t inputFlags_ = 0;
     PanelKnobs panel_;
+    ToolSession session_;
 };

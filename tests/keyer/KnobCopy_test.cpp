@@ -149,15 +149,14 @@ TEST(KnobCopy, StatesOfInputsAndScreenCorrection) {
     }
 }
 
-TEST(KnobCopy, VeilingReturnsToWhatTheToolsFound) {
+TEST(KnobCopy, VeilingFollowsItsKnobBothWays) {
     Copy copy;
-    copy.op.storage.tool_veiling = {90, 80, 70};
     copy.op.storage.spill_backgroundveiling = {0.4f, 0.4f, 0.5f};
     copy();
     EXPECT_EQ(copy.controls.get(controls::kBgVeiling), (ControlTriple{100, 100, 125}));
     copy.op.storage.spill_backgroundveiling = {0.4f, 0.4f, 0.4f};
     copy();
-    EXPECT_EQ(copy.controls.get(controls::kBgVeiling), (ControlTriple{90, 80, 70}));
+    EXPECT_EQ(copy.controls.get(controls::kBgVeiling), (ControlTriple{100, 100, 100}));
 }
 
 TEST(KnobCopy, ValuesOutsideTheIntegersAreDefined) {

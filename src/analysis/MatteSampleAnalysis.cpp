@@ -1,0 +1,45 @@
+#include "analysis/MatteSampleAnalysis.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "screen/CleanupKernel.h"
+
+using K = KnobStorage;
+
+namespace {
+
+// Recover's control ends at 254, where no matte is left to clean.
+constexpr double kHighestRecover = 200.0;
+
+}  // namespace
+
+Tuning analyse_matte_samples(const Setting& setting, bool remove_noise,
+                             std::span<const MatteSample> samples) {
+    const std::size_t n = samples.size();
+    std::vector<float> matte(n);
+    for (std::size_t i = 0; i < n; ++i) matte[i] = samples[i].matte;
+
+    KnobStorage base = setting.knobs;
+    base.cleanup = base.cleanup || remove_noise;
+    const double held = static_cast<double>(base.cleanup_recover);
+    std::vector<Dial> dials{Dial::level(&K::cleanup_recover, remove_noise ? 0.0 : held, kHighestRecover)};
+    std::vector<Ray> rays;
+    if (remove_noise) {
+        dials.push_back(Dial::number(&K::cleanup_cleanup, 0.0, 500.0));
+        // Strength to its end for clear-cut thresholds: what keeps detail needs recover close below noise.
+        rays = {{1, 1}, {0.5, 1}, {0.25, 1}, {-1, 1}};
+    }
+
+    TrialControls trial(setting);
+    std::vector<float> cleaned(n);
+    const auto misses = [&](const KnobStorage& knobs, std::span<double> out) {
+        cleaned = matte;
+        if (knobs.cleanup) cleanup_matte(cleanup_params(trial.with(knobs)), matte.data(), cleaned.data(), n);
+        for (std::size_t i = 0; i < n; ++i) {
+            const float wanted = samples[i].noise ? 255.0f : samples[i].matte;
+            out[i] = cleaned[i] == wanted ? 0.0 : static_cast<double>(std::abs(cleaned[i] - wanted)) / 255.0;
+        }
+    };
+    return tune(base, dials, rays, n, misses);
+}

@@ -1,0 +1,370 @@
+#include "keyer/ToolRun.h"
+
+#include <algorithm>
+#include <cmath>
+#include <locale>
+#include <sstream>
+
+#include "ZoImage/Convert.h"
+#include "analysis/ColorMatchAnalysis.h"
+#include "analysis/SpillAnalysis.h"
+#include "keyer/OutputKernel.h"
+
+using namespace Zo::Image;
+
+namespace {
+
+// A stroke beyond this is a slip of the hand, and its pixels would not fit.
+constexpr std::int64_t kLargestSide = 1 << 16;
+constexpr std::int64_t kLargestArea = 1 << 26;
+
+// Few at a time, or one stroke would push the others out of the lists.
+constexpr int kMostRefinements = 8;
+constexpr std::size_t kRefinement = 3;
+
+constexpr std::size_t kBackingPixels = VeloxaSample::kCapacity;
+
+std::vector<PlatedSample> spread_over(const std::vector<StrokePixel>& pixels) {
+    std::vector<PlatedSample> chosen;
+    for (const StrokePixel& p : extremes(pixels)) chosen.push_back({p.first, p.second});
+    const std::size_t rest = std::min(kBackingPixels - chosen.size(), pixels.size());
+    for (std::size_t i = 0; i < rest; ++i) {
+        const StrokePixel& p = pixels[i * pixels.size() / rest];
+        chosen.push_back({p.first, p.second});
+    }
+    return chosen;
+}
+
+}  // namespace
+
+void ToolRun::run(Tool tool) {
+    const Knob& button = *node_.panel_.tool(tool);
+    report_ = "tool\t" + button.name() + "\n";
+    if (take_box(button)) {
+        node_.validate(true);
+        const bool subject = node_.knobs_.overlay_mode == static_cast<std::int32_t>(OverlayMode::kSubject);
+        switch (tool) {
+            case Tool::kScreen:
+                pick_color(node_.input(0), &KnobStorage::screen_color, false);
+                break;
+            case Tool::kMatchShadow:
+                pick_color(node_.input(2), &KnobStorage::shadows_tint, true);
+                break;
+            case Tool::kAddOverlay:
+                overlay(!subject);
+                break;
+            case Tool::kRemoveOverlay:
+                overlay(subject);
+                break;
+            case Tool::kAddMatte:
+                add_matte();
+                break;
+            case Tool::kRemoveNoise:
+            case Tool::kHoldShadow:
+            case Tool::kRestoreDetail:
+                matte_samples(tool);
+                break;
+            case Tool::kRestoreSpill:
+            case Tool::kRemoveSpill:
+                spill(tool == Tool::kRestoreSpill);
+                break;
+            case Tool::kMatchColor:
+                match_color();
+                break;
+        }
+    }
+    node_.session_.report = std::move(report_);
+}
+
+bool ToolRun::take_box(const Knob& tool) {
+    const auto down = [&](int i) { return to_int(std::floor(tool.get_value(i))); };
+    const auto up = [&](int i) { return to_int(std::ceil(tool.get_value(i))); };
+    box_ = {down(4), down(5), up(6), up(7)};
+    report_ += "box";
+    for (const int v : {box_.x, box_.y, box_.r, box_.t}) report_ += '\t' + std::to_string(v);
+    report_ += '\n';
+    const std::int64_t width = std::int64_t{box_.r} - box_.x;
+    const std::int64_t height = std::int64_t{box_.t} - box_.y;
+    if (width <= 0 || height <= 0) {
+        note("the stroke is empty");
+        return false;
+    }
+    if (width > kLargestSide || height > kLargestSide || width * height > kLargestArea) {
+        note("the stroke is too large");
+        return false;
+    }
+    return true;
+}
+
+ToolRun::Sample ToolRun::mean(Iop& source) const {
+    VeloxaSample stroke(&node_);
+    stroke.add_area(source, box_.x, box_.y, box_.r, box_.t);
+    return stroke.count() == 0 ? Sample{} : stroke.samples().front();
+}
+
+std::vector<StrokePixel> ToolRun::pixels(Iop& first, Iop* second) {
+    stroke_ = read_pixels(first, second, nullptr, box_);
+    if (stroke_.empty()) ++unusable_;
+    return extremes(stroke_);
+}
+
+template <class Analyse, class Left, class Take>
+Tuning ToolRun::refine(const Analyse& analyse, const Left& left, const Take& take) {
+    for (int round = 0;; ++round) {
+        Tuning tuning = analyse();
+        const bool all =
+            std::all_of(tuning.misses.begin(), tuning.misses.end(), [](double m) { return m == 0.0; });
+        if (!all || round == kMostRefinements) return tuning;
+        std::vector<StrokePixel> missed = extremes(left(setting(tuning.knobs)));
+        if (missed.empty()) return tuning;
+        if (missed.size() > kRefinement) missed.resize(kRefinement);
+        for (const StrokePixel& p : missed) take(p);
+    }
+}
+
+Setting ToolRun::setting(const KnobStorage& knobs) const {
+    return {knobs, node_.controls_, node_.inputFlags_};
+}
+
+Iop* ToolRun::plate() const {
+    return node_.flag(kCpUsable) ? &node_.input(1) : nullptr;
+}
+
+void ToolRun::note(std::string_view text) {
+    report_ += "note\t" + std::string(text) + '\n';
+}
+
+// A bright background would make the shadow's tint no shadow.
+void ToolRun::pick_color(Iop& source, KnobStorage::Color KnobStorage::*field, bool darken) {
+    VeloxaSample stroke(&node_);
+    stroke.add_area(source, box_.x, box_.y, box_.r, box_.t);
+    Sample color = stroke.average();
+    if (!usable(color)) {
+        note("the stroke's colour is not finite");
+        report_ += "samples\t0\t0\t1\n";
+        return;
+    }
+    while (darken && color[0] + color[1] + color[2] > 0.5f) {
+        for (std::size_t i = 0; i < 3; ++i) color[i] *= 0.85f;
+    }
+    KnobStorage values = node_.knobs_;
+    values.*field = {color[0], color[1], color[2]};
+    set_knobs(values);
+    report_ += "samples\t1\t0\t0\n";
+}
+
+// The lists' means, the newest stroke's last; the other tool's samples are taken to be older.
+std::vector<OverlaySample> ToolRun::overlay_samples(bool add) {
+    std::vector<OverlaySample> samples;
+    unusable_ = 0;
+    const auto append = [&](const OverlaySample& sample) {
+        if (usable(sample.fg) && usable(sample.plate)) {
+            samples.push_back(sample);
+        } else {
+            ++unusable_;
+        }
+    };
+    const KnobStorage::Color& screen = node_.knobs_.screen_color;
+    for (const bool mode : {!add, add}) {
+        const auto* const fg =
+            node_.panel_.samples(mode ? SampleAction::kAddOverlay : SampleAction::kRemoveOverlay);
+        const auto* const cp =
+            node_.panel_.samples(mode ? SampleAction::kAddOverlayCp : SampleAction::kRemoveOverlayCp);
+        std::vector<OverlaySample>& pixels = node_.session_.overlay[mode ? 1 : 0];
+        if (fg->count() == 0) pixels.clear();
+        std::for_each(pixels.begin(), pixels.end(), append);
+        for (std::size_t i = 0; i < fg->samples().size(); ++i) {
+            const std::size_t back = fg->samples().size() - i;
+            const std::size_t plates = cp->samples().size();
+            const Sample plated =
+                back <= plates ? cp->samples()[plates - back] : Sample{screen[0], screen[1], screen[2], 0.0f};
+            append({as_saved(fg->samples()[i]), as_saved(plated), mode});
+        }
+    }
+    return samples;
+}
+
+void ToolRun::overlay(bool add) {
+    gather_overlay(add);
+    const KnobStorage::Color& screen = node_.knobs_.screen_color;
+    const bool plated = plate() != nullptr;
+    const auto sample = [&](const StrokePixel& p) {
+        return OverlaySample{p.first, plated ? p.second : Sample{screen[0], screen[1], screen[2], 0.0f}, add};
+    };
+    const auto left = [&](const Setting& tuned) {
+        std::vector<OverlaySample> asked;
+        for (const StrokePixel& p : stroke_) asked.push_back(sample(p));
+        const std::vector<bool> agrees = overlay_agrees(tuned, asked);
+        std::vector<StrokePixel> pixels;
+        for (std::size_t i = 0; i < agrees.size(); ++i) {
+            if (!agrees[i]) pixels.push_back(stroke_[i]);
+        }
+        return pixels;
+    };
+    const Tuning tuning =
+        refine([&] { return analyse_overlay(setting(), overlay_samples(add)); }, left,
+               [&](const StrokePixel& p) { remember(node_.session_.overlay[add ? 1 : 0], sample(p)); });
+    adopt(tuning, tuning.misses.size());
+}
+
+void ToolRun::gather_overlay(bool add) {
+    auto* const fg = node_.panel_.samples(add ? SampleAction::kAddOverlay : SampleAction::kRemoveOverlay);
+    auto* const cp = node_.panel_.samples(add ? SampleAction::kAddOverlayCp : SampleAction::kRemoveOverlayCp);
+    const KnobStorage::Color& screen = node_.knobs_.screen_color;
+    const Sample constant{screen[0], screen[1], screen[2], 0.0f};
+    for (const StrokePixel& p : pixels(node_.input(0), plate())) {
+        remember(node_.session_.overlay[add ? 1 : 0],
+                 {p.first, plate() != nullptr ? p.second : constant, add});
+    }
+    fg->add_area(node_.input(0), box_.x, box_.y, box_.r, box_.t);
+    node_.validate(true);
+    if (plate() == nullptr) {
+        cp->add_point(constant, box_.x, box_.y, box_.r, box_.t);
+    } else {
+        cp->add_area(*plate(), box_.x, box_.y, box_.r, box_.t);
+    }
+    node_.validate(true);
+}
+
+void ToolRun::add_matte() {
+    ToolSession& session = node_.session_;
+    for (const StrokePixel& p : pixels(node_.input(0), plate())) {
+        remember(session.opaque, {p.first, p.second});
+    }
+    gather_backing();
+    const auto left = [&](const Setting& tuned) {
+        std::vector<PlatedSample> asked;
+        for (const StrokePixel& p : stroke_) asked.push_back({p.first, p.second});
+        const std::vector<float> mattes = sample_mattes(tuned, asked);
+        std::vector<StrokePixel> pixels;
+        for (std::size_t i = 0; i < mattes.size(); ++i) {
+            if (mattes[i] > 0.0f) pixels.push_back(stroke_[i]);
+        }
+        return pixels;
+    };
+    const auto analyse = [&] {
+        return analyse_add_matte(setting(), session.opaque, session.backing, session.backing_mattes);
+    };
+    const Tuning tuning = refine(analyse, left, [&](const StrokePixel& p) {
+        remember(session.opaque, {p.first, p.second});
+    });
+    adopt(tuning, session.opaque.size());
+}
+
+// The bounds hold from stroke to stroke, or many small steps would be a large one. They are taken anew for
+// another screen colour, and where the density was turned by hand.
+void ToolRun::gather_backing() {
+    ToolSession& session = node_.session_;
+    const auto kept = [&] {
+        const std::vector<float> mattes = sample_mattes(setting(), session.backing);
+        return std::equal(mattes.begin(), mattes.end(), session.backing_mattes.begin(),
+                          [](float a, float b) { return std::abs(a - b) <= 1.0f; });
+    };
+    if (session.backing_color == node_.knobs_.screen_color && !session.backing.empty() && kept()) return;
+    Iop& fg = node_.input(0);
+    const auto pixels = read_pixels(fg, plate(), &node_.screen_region(), fg.info().box);
+    session.backing = spread_over(pixels);
+    session.backing_mattes = sample_mattes(setting(), session.backing);
+    session.backing_color = node_.knobs_.screen_color;
+}
+
+void ToolRun::matte_samples(Tool tool) {
+    const bool noise = tool == Tool::kRemoveNoise;
+    Iop& matte = node_.cleanup.input(0);
+    std::vector<MatteSample>& list = node_.session_.mattes;
+    for (const StrokePixel& p : pixels(matte, nullptr)) {
+        remember(list, {p.first[3], noise});
+    }
+    adopt(analyse_matte_samples(setting(), noise, list), list.size());
+}
+
+// The samples are taken with the backing out in full, whatever the veiling says, or they would mean another
+// foreground after each change of it.
+void ToolRun::spill(bool restore) {
+    auto* const list =
+        node_.panel_.samples(restore ? SampleAction::kRestoreSpill : SampleAction::kRemoveSpill);
+    const KnobStorage::Color veiling = node_.knobs_.spill_backgroundveiling;
+    const auto revalidate = [this] {
+        node_.invalidate();
+        node_.validate(true);
+    };
+    node_.knobs_.spill_backgroundveiling = KnobStorage{}.spill_backgroundveiling;
+    revalidate();
+    list->add_area(node_.outputMatte, box_.x, box_.y, box_.r, box_.t);
+    node_.knobs_.spill_backgroundveiling = veiling;
+    revalidate();
+
+    std::vector<SpillSample> samples;
+    for (const bool mode : {!restore, restore}) {
+        const auto action = mode ? SampleAction::kRestoreSpill : SampleAction::kRemoveSpill;
+        for (const Sample& sample : node_.panel_.samples(action)->samples()) {
+            if (usable(sample)) {
+                samples.push_back({as_saved(sample), mode});
+            } else {
+                ++unusable_;
+            }
+        }
+    }
+    adopt(analyse_spill(setting(), samples), samples.size());
+}
+
+void ToolRun::match_color() {
+    ToolSession& session = node_.session_;
+    const Sample keyed = mean(node_.colorCorrection.input(0));
+    const Sample matte = mean(node_.outputMatte);
+    VlxNormalize normal(node_.context());
+    normal.set_input(0, &node_.input(2));
+    normal.setup();
+    const Sample behind = mean(normal);
+    if (!usable(keyed) || !usable(matte) || !usable(behind)) {
+        ++unusable_;
+    } else if (matte[3] < 127.5f) {
+        remember(session.keyed, keyed);
+        remember(session.behind, behind);
+    } else {
+        remember(session.background, behind);
+    }
+    const bool compared = !session.background.empty();
+    if (!compared) note("no stroke on the background yet: the background behind the subject counts");
+    const ColorMatch match =
+        match_colors(setting(), session.keyed, compared ? session.background : session.behind);
+    node_.controls_.set(controls::kFgSample, match.fg[0], match.fg[1], match.fg[2]);
+    node_.controls_.set(controls::kBgSample, match.bg[0], match.bg[1], match.bg[2]);
+    adopt(match.tuning, match.tuning.misses.size());
+}
+
+// The first `counted` misses are those of the user's samples.
+void ToolRun::adopt(const Tuning& tuning, std::size_t counted) {
+    set_knobs(tuning.knobs);
+    const auto begin = tuning.misses.begin();
+    const auto satisfied = std::count(begin, begin + static_cast<std::ptrdiff_t>(counted), 0.0);
+    report_ += "samples\t" + std::to_string(satisfied) + '\t' +
+               std::to_string(static_cast<std::ptrdiff_t>(counted) - satisfied) + '\t' +
+               std::to_string(unusable_) + '\n';
+}
+
+// By way of the knobs, which read and write the node's fields: what differs is found there.
+void ToolRun::set_knobs(const KnobStorage& values) {
+    const auto text = [](const Knob& knob) {
+        std::ostringstream out;
+        out.imbue(std::locale::classic());
+        knob.to_script(out, false);
+        return out.str();
+    };
+    const KnobStorage present = node_.knobs_;
+    const std::vector<Knob*>& settings = node_.panel_.settings();
+    std::vector<std::string> before;
+    for (const Knob* const knob : settings) before.push_back(text(*knob));
+    node_.knobs_ = values;
+    std::vector<Knob*> changed;
+    for (std::size_t i = 0; i < settings.size(); ++i) {
+        const std::string after = text(*settings[i]);
+        if (after == before[i]) continue;
+        report_ += "knob\t" + settings[i]->name() + '\t' + before[i] + '\t' + after + '\n';
+        changed.push_back(settings[i]);
+    }
+    node_.knobs_ = present;
+    for (Knob* const knob : changed) knob->new_undo(knob->name().c_str());
+    node_.knobs_ = values;
+    for (Knob* const knob : changed) knob->changed();
+}

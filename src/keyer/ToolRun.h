@@ -1,0 +1,56 @@
+// One use of a toolbar tool: gathers the stroke's samples, starts the tool's analysis, and sets the knobs
+// that it found, each with an undo step.
+//
+// The stroke's box comes from the tool's values 4 to 7, rounded outward. Report, one line each, fields
+// separated by tabs:
+//
+//   tool     NAME
+//   box      X Y R T
+//   knob     NAME, value before, value after      one line for each knob that changed
+//   samples  satisfied, unsatisfied, unusable     the last are NaN or infinite
+//   note     what else there is to say
+#pragma once
+
+#include <string>
+
+#include "keyer/StrokePixels.h"
+#include "keyer/VeloxaKeyer.h"
+
+class ToolRun {
+  public:
+    explicit ToolRun(VeloxaKeyer& node) : node_(node) {}
+
+    void run(Tool tool);
+
+  private:
+    using Sample = VeloxaSample::Sample;
+
+    bool take_box(const Zo::Image::Knob& tool);
+    Sample mean(Zo::Image::Iop& source) const;
+    std::vector<StrokePixel> pixels(Zo::Image::Iop& first, Zo::Image::Iop* second);
+    // Analyses, and takes in pixels of the stroke that the answer leaves out, until it leaves out none.
+    template <class Analyse, class Left, class Take>
+    Tuning refine(const Analyse& analyse, const Left& left, const Take& take);
+    void pick_color(Zo::Image::Iop& source, KnobStorage::Color KnobStorage::*field, bool darken);
+    void overlay(bool add);
+    void gather_overlay(bool add);
+    std::vector<OverlaySample> overlay_samples(bool add);
+    void add_matte();
+    void gather_backing();
+    void matte_samples(Tool tool);
+    void spill(bool restore);
+    void match_color();
+
+    Setting setting() const { return setting(node_.knobs_); }
+    Setting setting(const KnobStorage& knobs) const;
+    Zo::Image::Iop* plate() const;
+    void adopt(const Tuning& tuning, std::size_t counted);
+    void set_knobs(const KnobStorage& values);
+    void note(std::string_view text);
+
+    VeloxaKeyer& node_;
+    Zo::Image::Box box_{};
+    std::vector<StrokePixel> stroke_;  // what pixels() read last
+    int unusable_ = 0;
+    std::string report_;
+};

@@ -1,0 +1,43 @@
+// What the node remembers of strokes beside its six saved lists, for as long as it lives; nothing of it is
+// saved. Scripts hold the knob values that the tools found, so they render alike without it.
+//
+//   overlay tools    extreme pixels under each stroke, beside the saved means; dropped with them
+//   add matte        extreme pixels, and the backing's pixels with the mattes that they have to keep
+//   noise, shadow,   extreme mattes, each with what was asked of it
+//   detail
+//   match color      one mean a stroke: of the keyed subject, or of the background where there is no subject
+//
+// Like the saved lists each keeps the latest hundred.
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "analysis/AddMatteAnalysis.h"
+#include "analysis/MatteSampleAnalysis.h"
+#include "analysis/OverlayAnalysis.h"
+
+struct ToolSession {
+    std::array<std::vector<OverlaySample>, 2> overlay;  // remove, add
+
+    std::vector<PlatedSample> opaque;
+    std::vector<PlatedSample> backing;
+    std::vector<float> backing_mattes;
+    KnobStorage::Color backing_color{};  // the screen colour that they were taken for
+
+    std::vector<MatteSample> mattes;
+
+    std::vector<VeloxaSample::Sample> keyed;
+    std::vector<VeloxaSample::Sample> background;
+    std::vector<VeloxaSample::Sample> behind;  // the background under each of `keyed`
+
+    std::string report;  // of the latest tool
+};
+
+// Appends, dropping the oldest beyond the capacity.
+template <class T>
+void remember(std::vector<T>& list, const T& item) {
+    if (list.size() == VeloxaSample::kCapacity) list.erase(list.begin());
+    list.push_back(item);
+}

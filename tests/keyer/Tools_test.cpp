@@ -1,0 +1,337 @@
+// The toolbar's tools on a small picture of patches: after a stroke the stage it is about says, in the
+// picture, what the user asked; once more changes nothing; other tabs stay as they were.
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <set>
+#include <sstream>
+
+#include "ZoImage/KnobPanel.h"
+#include "ZoImage/Script.h"
+#include "keyer/VeloxaKeyer.h"
+#include "support/TestImages.h"
+
+using namespace Zo::Image;
+
+namespace {
+
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+constexpr float kInf = std::numeric_limits<float>::infinity();
+
+using Rgb = std::array<float, 3>;
+
+struct Patch {
+    Box box;
+    Rgb color;
+};
+
+const Box kFrame{0, 0, 96, 64};
+const Box kBacking{4, 4, 20, 20};
+const Box kShade{24, 4, 40, 20};    // backing in half light
+const Box kGrey{44, 4, 60, 20};     // solid, with green in it
+const Box kLeaf{64, 4, 80, 20};     // green of the subject's own
+const Box kNoise{4, 40, 20, 56};    // backing that is not quite
+const Box kWarm{24, 40, 40, 56};    // backing's brightness on skin
+const Box kBroken{44, 40, 60, 56};  // NaN
+const Box kHuge{64, 40, 80, 56};    // infinite
+const std::vector<Patch> kPatches{{kShade, {0.1f, 0.3f, 0.12f}}, {kGrey, {0.3f, 0.42f, 0.31f}},
+                                  {kLeaf, {0.2f, 0.3f, 0.1f}},   {kNoise, {0.2f, 0.56f, 0.24f}},
+                                  {kWarm, {0.45f, 0.5f, 0.35f}}, {kBroken, {kNan, 0.4f, 0.3f}},
+                                  {kHuge, {0.2f, kInf, 0.2f}}};
+
+float plate(Channel c, int x, int y) {
+    Rgb color{0.15f, 0.6f, 0.2f};
+    for (const Patch& p : kPatches) {
+        if (x >= p.box.x && x < p.box.r && y >= p.box.y && y < p.box.t) color = p.color;
+    }
+    const int grain = (x * 7 + y * 13 + static_cast<int>(c) * 5) % 5 - 2;
+    return color[static_cast<std::size_t>(c) - 1] + 0.002f * static_cast<float>(grain);
+}
+
+class Rig {
+  public:
+    Rig()
+        : fg(kFrame, kMaskRgb, plate),
+          bg(kFrame, kMaskRgb, [](Channel c, int, int) { return 0.1f * static_cast<float>(c) + 0.1f; }),
+          node(NodeContext{}),
+          panel(node) {
+        node.set_input(0, &fg);
+        node.set_input(2, &bg);
+        set("screen_color", "0.15,0.6,0.2");
+    }
+
+    void set(const char* knob, const char* text) { panel.set_from_text(knob, text); }
+
+    // A stroke inside the box, so that shrinking at its borders does not matter.
+    void stroke(const char* tool, const Box& box) {
+        Knob& button = panel.get(tool);
+        const double values[] = {box.x + 3.2, box.y + 3.9, box.r - 3.4, box.t - 3.8};
+        for (int i = 0; i < 4; ++i) button.set_value(values[i], 4 + i);
+        button.changed();
+    }
+    static Box under(const Box& box) { return {box.x + 3, box.y + 3, box.r - 3, box.t - 3}; }
+
+    // The least and greatest value of a stage under the stroke.
+    std::pair<float, float> span(const char* stage, Channel c, const Box& box) {
+        node.invalidate();
+        node.validate(true);
+        Iop& op = *stage == '\0' ? node : *node.child(stage)->as_iop();
+        const test::Picture picture = test::render(op, under(box));
+        const auto& plane = picture.planes[static_cast<std::size_t>(c)];
+        const auto [low, high] = std::minmax_element(plane.begin(), plane.end());
+        return {*low, *high};
+    }
+
+    // Knobs that differ from their defaults, without the sample lists.
+    std::set<std::string> turned() const {
+        std::set<std::string> names;
+        for (const auto& knob : panel.knobs()) {
+            if (knob->kind() == Knob::Kind::kCustom || knob->kind() == Knob::Kind::kLink) continue;
+            if (knob->takes_value() && knob->differs_from_default()) {
+                names.insert(knob->name());
+            }
+        }
+        return names;
+    }
+    std::string values() const {
+        std::ostringstream text;
+        for (const auto& knob : panel.knobs()) {
+            if (knob->kind() == Knob::Kind::kCustom || !knob->takes_value()) continue;
+            knob->to_script(text, true);
+            text << '\n';
+        }
+        return text.str();
+    }
+    std::string report() const { return node.diagnostic("tool"); }
+
+    test::FunctionSource fg, bg;
+    VeloxaKeyer node;
+    KnobPanel panel;
+};
+
+using Values = std::pair<float, float>;
+
+const Values kFull{255.0f, 255.0f};
+const Values kNone{0.0f, 0.0f};
+
+TEST(Tools, WhatWasAskedIsInThePicture) {
+    const struct {
+        const char* tool;
+        const Box* box;
+        std::vector<std::pair<const char*, const char*>> knobs;
+        const char* stage;
+        Values before;  // of the stage's alpha; equal to `after` where it does not matter
+        Values after;
+        std::set<std::string> may_turn;
+    } cases[] = {
+        {"toolbar_addoverlay", &kShade, {}, "clearRegion", kNone, kFull, {}},
+        {"toolbar_addoverlay", &kNoise, {}, "clearRegion", kNone, kFull, {}},
+        {"toolbar_removeoverlay", &kBacking, {}, "clearRegion", kFull, kNone, {}},
+        {"toolbar_addoverlay",
+         &kBacking,
+         {{"overlay_mode", "subject"}},
+         "clearRegion",
+         kFull,
+         kNone,
+         {"overlay_mode"}},
+        {"toolbar_removeoverlay",
+         &kShade,
+         {{"overlay_mode", "subject"}},
+         "clearRegion",
+         kNone,
+         kFull,
+         {"overlay_mode"}},
+        {"toolbar_addmatte",
+         &kGrey,
+         {},
+         "outputMatte",
+         {1.0f, 200.0f},
+         kNone,
+         {"brights", "darks", "warm", "cool"}},
+        {"toolbar_removenoise",
+         &kNoise,
+         {},
+         "cleanup",
+         {100.0f, 254.0f},
+         kFull,
+         {"cleanup", "cleanup_cleanup", "cleanup_recover"}},
+    };
+    const std::set<std::string> overlay_knobs{"screen_tolerance", "screen_darks_red_smaller",
+                                              "screen_darks_red_larger", "screen_brights_red_smaller",
+                                              "screen_brights_red_larger"};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.tool) + " at " + std::to_string(c.box->x));
+        Rig rig;
+        for (const auto& [name, text] : c.knobs) rig.set(name, text);
+        const Values before = rig.span(c.stage, kAlpha, *c.box);
+        EXPECT_GE(before.first, c.before.first);
+        EXPECT_LE(before.second, c.before.second);
+        rig.stroke(c.tool, *c.box);
+        EXPECT_EQ(rig.span(c.stage, kAlpha, *c.box), c.after) << rig.report();
+        EXPECT_NE(rig.report().find("\t0\t0\n"), std::string::npos) << rig.report();
+
+        std::set<std::string> may_turn = c.may_turn;
+        may_turn.insert("screen_color");
+        if (c.stage == std::string("clearRegion"))
+            may_turn.insert(overlay_knobs.begin(), overlay_knobs.end());
+        for (const std::string& name : rig.turned()) EXPECT_EQ(may_turn.count(name), 1U) << name;
+
+        const std::string values = rig.values();
+        rig.stroke(c.tool, *c.box);
+        EXPECT_EQ(rig.values(), values) << rig.report();
+    }
+}
+
+// The primary that leaves spill suppression under the box, less what enters it.
+Values primary_gain(Rig& rig, const Box& box) {
+    const Values in = rig.span("outputMatte", kGreen, box);
+    const Values out = rig.span("spillSuppression", kGreen, box);
+    return {out.first - in.first, out.second - in.second};
+}
+
+TEST(Tools, SpillComesBackAndGoes) {
+    Rig rig;
+    EXPECT_LT(primary_gain(rig, kLeaf).second, -5.0f);
+    rig.stroke("toolbar_restorespill", kLeaf);
+    const Values gain = primary_gain(rig, kLeaf);
+    EXPECT_NEAR(gain.first, 0.0f, 4.0f);  // 2 at the mean, 2 for the grain
+    EXPECT_NEAR(gain.second, 0.0f, 4.0f);
+    const std::string values = rig.values();
+    rig.stroke("toolbar_restorespill", kLeaf);
+    EXPECT_EQ(rig.values(), values);
+
+    rig.set("brights", "1000");  // solid, so that the green stays in it
+    rig.set("spill_warm", "-200");
+    rig.set("spill_cool", "-200");
+    const auto excess = [&] {
+        const float red = rig.span("spillSuppression", kRed, kGrey).second;
+        const float blue = rig.span("spillSuppression", kBlue, kGrey).second;
+        return rig.span("spillSuppression", kGreen, kGrey).second - std::max(red, blue);
+    };
+    EXPECT_GT(excess(), 5.0f);
+    rig.stroke("toolbar_removespill", kGrey);
+    EXPECT_LE(excess(), 2.0f) << rig.report();  // 1 at the mean, 1 for the grain
+
+    for (const auto& knob : rig.panel.knobs()) {
+        if (knob->name() == "reset" && knob->tab() == "Spill") rig.panel.press(*knob);
+    }
+    EXPECT_EQ(rig.turned(), (std::set<std::string>{"brights", "screen_color"}));
+    EXPECT_FALSE(rig.panel.get("us_restore_spill").differs_from_default());
+    EXPECT_FALSE(rig.panel.get("us_remove_spill").differs_from_default());
+}
+
+TEST(Tools, HeldShadowStaysWhereNoiseGoes) {
+    for (const char* tool : {"toolbar_holdShadow", "toolbar_restoreDetail"}) {
+        Rig rig;
+        rig.stroke("toolbar_removenoise", kNoise);
+        const Values keyed = rig.span("outputMatte", kAlpha, kShade);
+        EXPECT_NE(rig.span("cleanup", kAlpha, kShade), keyed);
+        rig.stroke(tool, kShade);
+        EXPECT_EQ(rig.span("cleanup", kAlpha, kShade), keyed);
+        rig.stroke("toolbar_removenoise", kNoise);
+        EXPECT_EQ(rig.span("cleanup", kAlpha, kNoise), kFull) << rig.report();
+        EXPECT_EQ(rig.span("cleanup", kAlpha, kShade), keyed) << rig.report();
+        EXPECT_EQ(rig.turned(),
+                  (std::set<std::string>{"screen_color", "cleanup", "cleanup_cleanup", "cleanup_recover"}));
+    }
+}
+
+TEST(Tools, ColoursMatchTheBackground) {
+    Rig rig;
+    rig.stroke("toolbar_matchcolor", kWarm);
+    rig.stroke("toolbar_matchcolor", kWarm);
+    for (const Channel c : {kRed, kGreen, kBlue}) {
+        const float wanted = 255.0f * (0.1f * static_cast<float>(c) + 0.1f);  // below the knee
+        const auto [low, high] = rig.span("colorCorrection", c, kWarm);
+        EXPECT_NEAR(0.5f * (low + high), wanted, 10.0f) << rig.report();
+    }
+    const ControlTriple bg = rig.node.controls().get(controls::kBgSample);
+    EXPECT_EQ(bg, (ControlTriple{51, 102, 76}));  // red, blue, green
+}
+
+TEST(Tools, ColoursArePicked) {
+    Rig rig;
+    rig.set("screen_color", "0,0,0");
+    rig.stroke("toolbar_screen", kBacking);
+    const Rgb wanted{0.15f, 0.6f, 0.2f};
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_NEAR(rig.panel.get("screen_color").get_value(i), wanted[static_cast<std::size_t>(i)], 0.002);
+        EXPECT_EQ(rig.panel.get("toolbar_screen").get_value(i), rig.panel.get("screen_color").get_value(i));
+    }
+    rig.stroke("toolbar_screen", kBroken);
+    EXPECT_NEAR(rig.panel.get("screen_color").get_value(1), 0.6, 0.002);
+
+    rig.stroke("toolbar_matchshadow", kBacking);  // 0.2, 0.3, 0.4: 0.9 needs 0.85 four times
+    double sum = 0.0;
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_NEAR(rig.panel.get("shadows_tint").get_value(i), (0.2 + 0.1 * i) * 0.52200625, 1e-6) << i;
+        sum += rig.panel.get("toolbar_matchshadow").get_value(i);
+    }
+    EXPECT_LE(sum, 0.5);
+}
+
+TEST(Tools, BackingKeepsItsMatteWithoutScreenCorrection) {
+    Rig rig;
+    rig.set("screen_correct", "0");
+    const Values before = rig.span("outputMatte", kAlpha, kBacking);
+    for (const Box* box : {&kGrey, &kLeaf, &kShade, &kNoise, &kBacking}) {
+        rig.stroke("toolbar_addmatte", *box);
+        const Values after = rig.span("outputMatte", kAlpha, kBacking);
+        EXPECT_NEAR(after.first, before.first, 1.0f) << rig.report();
+        EXPECT_NEAR(after.second, before.second, 1.0f) << rig.report();
+    }
+}
+
+TEST(Tools, ContradictionsGoToTheNewerStroke) {
+    Rig rig;
+    rig.stroke("toolbar_addoverlay", kShade);
+    rig.stroke("toolbar_removeoverlay", kShade);
+    EXPECT_EQ(rig.span("clearRegion", kAlpha, kShade), kNone);
+    EXPECT_EQ(rig.report().find("\t0\t0\n"), std::string::npos) << rig.report();
+    const std::string values = rig.values();
+    rig.stroke("toolbar_removeoverlay", kShade);
+    EXPECT_EQ(rig.values(), values);
+    rig.stroke("toolbar_addoverlay", kShade);
+    EXPECT_EQ(rig.span("clearRegion", kAlpha, kShade), kFull);
+
+    for (const auto& knob : rig.panel.knobs()) {
+        if (knob->name() == "reset" && knob->tab() == "Screen Correct") rig.panel.press(*knob);
+    }
+    EXPECT_EQ(rig.turned(), std::set<std::string>{"screen_color"});
+    for (const char* list :
+         {"us_add_overlay", "us_add_overlay_cp", "us_remove_ovelray", "us_remove_ovelray_cp"}) {
+        EXPECT_FALSE(rig.panel.get(list).differs_from_default()) << list;
+    }
+}
+
+// A script brings the means along, not the pixels; the knobs that it sets satisfy them.
+TEST(Tools, ASavedScriptNeedsNoFurtherTuning) {
+    Rig rig;
+    rig.stroke("toolbar_addoverlay", kShade);
+    rig.stroke("toolbar_removeoverlay", kWarm);
+    rig.stroke("toolbar_restorespill", kLeaf);
+    Rig other;
+    apply_script(other.panel, read_script(write_script(rig.panel), "s").at(0), "s");
+    EXPECT_EQ(other.values(), rig.values());
+    other.stroke("toolbar_removeoverlay", kWarm);
+    other.stroke("toolbar_restorespill", kLeaf);
+    EXPECT_EQ(other.values(), rig.values());
+}
+
+TEST(Tools, SurviveWhatIsNoColour) {
+    for (const char* tool :
+         {"toolbar_screen", "toolbar_addoverlay", "toolbar_removeoverlay", "toolbar_addmatte",
+          "toolbar_removenoise", "toolbar_restorespill", "toolbar_removespill", "toolbar_matchcolor",
+          "toolbar_matchshadow", "toolbar_holdShadow", "toolbar_restoreDetail"}) {
+        Rig rig;
+        const std::string values = rig.values();
+        rig.stroke(tool, {9, 9, 5, 5});
+        rig.stroke(tool, {-2000000000, 0, 2000000000, 2000000000});
+        EXPECT_EQ(rig.values(), values) << tool;
+        EXPECT_EQ(rig.report().find("samples"), std::string::npos) << rig.report();
+        for (const Box* box : {&kBroken, &kHuge, &kBacking}) rig.stroke(tool, *box);
+        EXPECT_NE(rig.report().find("samples"), std::string::npos) << rig.report();
+    }
+}
+
+}  // namespace
