@@ -8,6 +8,7 @@
 #include "Commands.h"
 #include "Errors.h"
 #include "Interrupt.h"
+#include "NodeOptions.h"
 #include "Pick.h"
 #include "ScreenChoice.h"
 
@@ -22,8 +23,7 @@ struct Options {
     std::string output;
     std::string frames;
     KnobSettings settings;
-    std::string pick;
-    std::string screen;
+    ScreenOptions screen;
     std::string depth;
     int threads = 0;
     int memory = 1024;
@@ -54,10 +54,11 @@ void check_output(const Options& options, const FramePattern& name, const FrameR
 }
 
 void choose_screen_color(KnobPanel& panel, const Options& options, const CleanPlateMaker& maker) {
-    if (!options.pick.empty()) {
-        set_screen_color(panel, mean_color(maker.first_image(), parse_box(options.pick)));
-    } else if (!options.screen.empty() || !has_screen_color(panel, options.settings.sets)) {
-        estimate_screen_color(panel, maker.first_image(), maker.first_file(), options.screen, options.quiet);
+    const auto& [pick, screen] = options.screen;
+    if (!pick.empty()) {
+        set_screen_color(panel, mean_color(maker.first_image(), parse_box("--pick", pick)));
+    } else if (!screen.empty() || !has_screen_color(panel, options.settings.sets)) {
+        estimate_screen_color(panel, maker.first_image(), maker.first_file(), screen, options.quiet);
     }
 }
 
@@ -78,7 +79,7 @@ void print(const CleanPlateReport& report, const FramePattern& name) {
 int make_clean_plate(const Options& options) {
     const FramePattern name(options.foreground);
     const FrameRange frames = frames_of(options, name);
-    if (!options.pick.empty()) parse_box(options.pick);
+    if (!options.screen.pick.empty()) parse_box("--pick", options.screen.pick);
     const WriteOptions write{depth_named(options.depth), options.overwrite, &interrupt_flag()};
     check_output(options, name, frames, write);
     catch_interrupts();
@@ -115,17 +116,8 @@ CLI::App* add_cleanplate_command(CLI::App& app, Run& run) {
         ->required()
         ->type_name("FILE");
     command->add_option("--frames", options->frames, "Frames A to B, every Nth")->type_name("A-B[xN]");
-    command->add_option("--script", options->settings.script, "Set knobs from a script")->type_name("FILE");
-    command->add_option("--set", options->settings.sets, "Set a knob: numbers by commas, menu items by name")
-        ->type_name("KNOB=VALUE")
-        ->allow_extra_args(false);
-    CLI::Option* const pick =
-        command
-            ->add_option("--pick", options->pick, "Set screen_color to the mean of a box of the first frame")
-            ->type_name("X,Y,R,T");
-    command->add_option("--screen", options->screen, "Find the backing in the first frame")
-        ->check(CLI::IsMember(kScreenChoices))
-        ->excludes(pick);
+    add_knob_options(*command, options->settings);
+    add_screen_options(*command, options->screen, "the first frame");
     command->add_option("--depth", options->depth, "Samples: half in OpenEXR, else up to uint16, without it")
         ->check(CLI::IsMember({"half", "float", "uint8", "uint16"}));
     command->add_option("--memory", options->memory, "MiB that samples may take")

@@ -7,6 +7,7 @@
 #include "Commands.h"
 #include "Errors.h"
 #include "Node.h"
+#include "NodeOptions.h"
 
 namespace veloxa {
 
@@ -42,10 +43,7 @@ CLI::App* add_controls_command(CLI::App& app, Run& run) {
         "knobs are copied into the controls first, as for keying; without them the controls are those of a "
         "new node, before its first frame.");
     auto options = std::make_shared<Options>();
-    command->add_option("--script", options->settings.script, "Set knobs from a script")->type_name("FILE");
-    command->add_option("--set", options->settings.sets, "Set a knob: numbers by commas, menu items by name")
-        ->type_name("KNOB=VALUE")
-        ->allow_extra_args(false);
+    add_knob_options(*command, options->settings);
     command->add_flag("--trace", options->trace, "As a script of set commands instead");
     command->add_option("-o,--output", options->output, "Where to write; standard output without it")
         ->type_name("FILE");

@@ -50,6 +50,7 @@ void FrameLoader::load_stills() {
 
 std::shared_ptr<const Image> FrameLoader::foreground(int frame) {
     if (stills_[kFg].image) return stills_[kFg].image;
+    if (ahead_.image && ahead_frame_ == frame) return ahead_.image;
     ahead_ = read(kFg, frame);
     ahead_frame_ = frame;
     return ahead_.image;

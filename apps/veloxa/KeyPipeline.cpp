@@ -12,13 +12,13 @@ namespace veloxa {
 
 using namespace Zo::Image;
 
-KeyPipeline::KeyPipeline(KeyPlan plan, FrameLoader& loader, Iop& node, Iop& root,
-                         std::array<std::unique_ptr<ImageSource>, kInputCount>& sources, Progress& progress)
+KeyPipeline::KeyPipeline(KeyPlan plan, FrameLoader& loader, Iop& node, Iop& root, NodeInputs& inputs,
+                         Progress& progress)
     : plan_(std::move(plan)),
       loader_(loader),
       node_(node),
       root_(root),
-      sources_(sources),
+      inputs_(inputs),
       progress_(progress),
       renderer_(plan_.threads, plan_.write.abort) {}
 
@@ -63,9 +63,7 @@ void KeyPipeline::decode() {
 
 Image KeyPipeline::render(const FrameInputs& inputs) {
     const Stopwatch watch(stats_.key);
-    for (std::size_t n = 0; n < kInputCount; ++n) {
-        if (inputs[n].image) sources_[n]->set(inputs[n].image, inputs[n].identity);
-    }
+    inputs_.set(inputs);
     node_.validate(true);
     if (!node_.error().empty()) throw Error(node_.error());
 
@@ -79,9 +77,7 @@ Image KeyPipeline::render(const FrameInputs& inputs) {
         for (const Channel c : kMaskRgba) std::copy_n(row[c], row.width(), image.line(c, y));
         progress_.row_done(rows);
     });
-    for (const auto& source : sources_) {
-        if (source) source->clear();
-    }
+    inputs_.clear();
     if (stopped()) throw Interrupted();
     if (!complete) throw Error("the frame could not be rendered");
     stats_.add(renderer_.stats());

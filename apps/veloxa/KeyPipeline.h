@@ -13,8 +13,8 @@
 #include "FrameLoader.h"
 #include "FramePattern.h"
 #include "ImageFile.h"
-#include "ImageSource.h"
 #include "KeyStats.h"
+#include "NodeInputs.h"
 #include "Progress.h"
 #include "Queue.h"
 #include "ZoImage/Render.h"
@@ -31,10 +31,10 @@ struct KeyPlan {
 
 class KeyPipeline {
   public:
-    // Feeds the node through `sources`, one per input (unused ones are not fed), and renders `root`, which is
-    // the node or one of its operators, over the node's box.
+    // Puts each frame on `inputs`, which are the node's, and renders `root`, which is the node or one of its
+    // operators, over the node's box.
     KeyPipeline(KeyPlan plan, FrameLoader& loader, Zo::Image::Iop& node, Zo::Image::Iop& root,
-                std::array<std::unique_ptr<ImageSource>, kInputCount>& sources, Progress& progress);
+                NodeInputs& inputs, Progress& progress);
 
     void measure_time() { renderer_.measure_time(true); }
     // Renders all frames; false when one could not be done. Throws Interrupted.
@@ -73,7 +73,7 @@ class KeyPipeline {
     FrameLoader& loader_;
     Zo::Image::Iop& node_;
     Zo::Image::Iop& root_;
-    std::array<std::unique_ptr<ImageSource>, kInputCount>& sources_;
+    NodeInputs& inputs_;
     Progress& progress_;
     Zo::Image::Renderer renderer_;
     KeyStats stats_;

@@ -11,7 +11,7 @@ namespace veloxa {
 
 using namespace Zo::Image;
 
-Box parse_box(const std::string& text) {
+Box parse_box(const std::string& option, const std::string& text) {
     std::array<int, 4> numbers{};
     const char* at = text.data();
     const char* const end = text.data() + text.size();
@@ -23,17 +23,21 @@ Box parse_box(const std::string& text) {
         at = next;
     }
     const Box box{numbers[0], numbers[1], numbers[2], numbers[3]};
-    if (!good || at != end) throw UsageError("--pick " + text + ": expected X,Y,R,T, as in 10,20,30,40");
+    if (!good || at != end) throw UsageError(option + " " + text + ": expected X,Y,R,T, as in 10,20,30,40");
     if (box.empty())
-        throw UsageError("--pick " + text + ": the box is empty; R must be above X and T above Y");
+        throw UsageError(option + " " + text + ": the box is empty; R must be above X and T above Y");
     return box;
 }
 
-std::array<double, 3> mean_color(const Image& image, const Box& box) {
+void check_inside(const std::string& option, const Image& image, const Box& box) {
     const Box& frame = image.info.format.box;
     if (!frame.contains(box)) {
-        throw UsageError("--pick: the box reaches outside the foreground, which is " + size_text(frame));
+        throw UsageError(option + ": the box reaches outside the foreground, which is " + size_text(frame));
     }
+}
+
+std::array<double, 3> mean_color(const Image& image, const Box& box) {
+    check_inside("--pick", image, box);
     const Box& data = image.info.box;
     std::array<double, 3> mean{};
     for (const Channel c : kMaskRgb) {

@@ -1,4 +1,4 @@
-// Samples a colour from a box of an image.
+// Boxes that the command line gives, and the colour in one.
 #pragma once
 
 #include <array>
@@ -8,11 +8,15 @@
 
 namespace veloxa {
 
-// Reads "X,Y,R,T": columns X to R - 1, rows Y to T - 1 from the bottom. Throws UsageError.
-Zo::Image::Box parse_box(const std::string& text);
+// Reads "X,Y,R,T": columns X to R - 1, rows Y to T - 1 from the bottom. Throws UsageError, which begins with
+// the name of the option.
+Zo::Image::Box parse_box(const std::string& option, const std::string& text);
 
-// The mean red, green and blue over the box, which must lie in the display window (else UsageError); beyond
-// the data window its edge pixels repeat. Throws Error when the mean is not finite.
+// Throws UsageError unless the box lies in the image's display window.
+void check_inside(const std::string& option, const Image& image, const Zo::Image::Box& box);
+
+// The mean red, green and blue over the box of --pick; beyond the data window its edge pixels repeat. Throws
+// UsageError as check_inside does, Error when the mean is not finite.
 std::array<double, 3> mean_color(const Image& image, const Zo::Image::Box& box);
 
 }  // namespace veloxa

@@ -76,10 +76,10 @@ TEST(Pick, MeanOfABoxRepeatsEdgesOfTheData) {
 }
 
 TEST(Pick, ReadsBoxes) {
-    EXPECT_EQ(parse_box("1,2,30,40"), (Box{1, 2, 30, 40}));
+    EXPECT_EQ(parse_box("--pick", "1,2,30,40"), (Box{1, 2, 30, 40}));
     for (const char* text :
          {"", "1,2,3", "1,2,3,4,5", "1 2 3 4", "a,2,3,4", "1,2,3,4 ", "5,0,5,9", "0,9,9,0"}) {
-        EXPECT_THROW(parse_box(text), UsageError) << text;
+        EXPECT_THROW(parse_box("--pick", text), UsageError) << text;
     }
 }
 

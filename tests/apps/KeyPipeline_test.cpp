@@ -49,10 +49,9 @@ class KeyPipelineTest : public testing::Test {
         for (int frame = 1; frame <= kFrames; ++frame)
             write_flat(name("fg", frame), static_cast<float>(frame));
         write_flat(name("cp", 0), 100.0f);
-        for (const std::size_t n : {kFg, kCp}) {
-            sources_[n] = std::make_unique<ImageSource>(NodeContext{kInputNames[n]});
-            node_.set_input(static_cast<int>(n), sources_[n].get());
-        }
+        names_[kFg] = FramePattern((folder_ / "fg.#.exr").string());
+        names_[kCp] = FramePattern(name("cp", 0));
+        inputs_.connect(node_, names_);
     }
     ~KeyPipelineTest() override { fs::remove_all(folder_); }
 
@@ -75,13 +74,10 @@ class KeyPipelineTest : public testing::Test {
         plan.write.overwrite = resume;
         plan.resume = resume;
         plan.threads = 2;
-        FrameLoader::Names names;
-        names[kFg] = FramePattern((folder_ / "fg.#.exr").string());
-        names[kCp] = FramePattern(name("cp", 0));
-        FrameLoader loader(names, Fit::kRefuse, &abort_);
+        FrameLoader loader(names_, Fit::kRefuse, &abort_);
         loader.load_stills();
         Progress progress(kFrames, true);
-        KeyPipeline pipeline(plan, loader, node_, node_, sources_, progress);
+        KeyPipeline pipeline(plan, loader, node_, node_, inputs_, progress);
         const bool good = pipeline.run();
         keyed_ = pipeline.stats().frames;
         return good;
@@ -98,7 +94,8 @@ class KeyPipelineTest : public testing::Test {
         fs::path(testing::TempDir()) /
         (std::string("pipeline_") + testing::UnitTest::GetInstance()->current_test_info()->name());
     AbortFlag abort_;
-    std::array<std::unique_ptr<ImageSource>, kInputCount> sources_;
+    FrameLoader::Names names_;
+    NodeInputs inputs_;
     AddRed node_;
     int keyed_ = 0;
 };

@@ -1,0 +1,69 @@
+// What comes before the first frame, for keying and for tuning alike: files on the node's inputs, its knobs,
+// the screen colour, the strokes.
+#pragma once
+
+#include <array>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "FrameLoader.h"
+#include "FramePattern.h"
+#include "NodeInputs.h"
+#include "NodeOptions.h"
+#include "Stroke.h"
+
+namespace veloxa {
+
+struct SetupOptions {
+    std::array<std::string, kInputCount> inputs;
+    KnobSettings settings;
+    ScreenOptions screen;
+    std::vector<std::string> strokes;
+    std::string frames;
+    std::string fit;
+    bool overwrite = false;
+    bool quiet = false;
+};
+
+// The options but for --overwrite and --quiet, of which each command says what they mean to it.
+void add_setup_options(CLI::App& command, SetupOptions& options);
+
+class KeySetup {
+  public:
+    // Sets the knobs and connects the inputs; reads no image. Throws UsageError, and Error for a script.
+    KeySetup(const SetupOptions& options, const Zo::Image::AbortFlag* abort);
+
+    Node& node() { return node_; }
+    NodeInputs& inputs() { return inputs_; }
+    FrameLoader& loader() { return loader_; }
+    const FrameLoader::Names& names() const { return names_; }
+    // One frame, of any number, for stills.
+    const FrameRange& frames() const { return frames_; }
+
+    // Loads what all frames share, chooses the screen colour and applies the strokes. Throws Error, for
+    // strokes too when their frame cannot be read.
+    void prepare();
+    // What the strokes did, in their order.
+    const std::vector<ToolReport>& strokes() const { return reports_; }
+
+  private:
+    // The foreground of the first frame that can be read, and its number: a broken one is reported when its
+    // turn comes.
+    std::pair<std::shared_ptr<const Image>, int> first_foreground();
+    void choose_screen_color();
+    void apply_strokes();
+
+    SetupOptions options_;
+    FrameLoader::Names names_;
+    FrameRange frames_;
+    FrameLoader loader_;
+    NodeInputs inputs_;  // outlive the node
+    Node node_;
+    std::shared_ptr<const Image> foreground_;  // on the inputs
+    std::vector<Stroke> strokes_;
+    std::vector<ToolReport> reports_;
+};
+
+}  // namespace veloxa

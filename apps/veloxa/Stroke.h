@@ -1,0 +1,43 @@
+// Strokes of the toolbar's sampling tools, given as text.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Node.h"
+#include "ZoImage/Box.h"
+
+namespace veloxa {
+
+struct Stroke {
+    Zo::Image::Knob* tool;     // a tool button of the node's panel
+    Zo::Image::Box box;        // of the foreground's display window, y upward
+    std::optional<int> frame;  // of a sequence; without it the first that can be read
+};
+
+// Reads TOOL=X,Y,R,T or TOOL@FRAME=X,Y,R,T. A tool goes by its knob's name; "toolbar_", capitals and
+// underscores may be left out. Throws UsageError, for a tool that does not exist with those that there are.
+Stroke parse_stroke(const Zo::Image::KnobPanel& panel, const std::string& text);
+
+struct KnobChange {
+    std::string knob;
+    std::string before, after;  // as scripts hold them
+};
+
+// What a tool did. Samples are all that the tool keeps, those of earlier strokes too.
+struct ToolReport {
+    std::string tool;
+    Zo::Image::Box box{};
+    int frame = 0;
+    std::vector<KnobChange> changes;
+    int satisfied = 0;
+    int unsatisfied = 0;
+    int unusable = 0;  // not finite
+    std::vector<std::string> notes;
+};
+
+// Strokes over the images that are on the node's inputs.
+ToolReport apply_stroke(const Node& node, const Stroke& stroke);
+
+}  // namespace veloxa
