@@ -15,6 +15,7 @@ CLI::App* add_key_command(CLI::App& app, Run& run);
 CLI::App* add_knobs_command(CLI::App& app, Run& run);
 CLI::App* add_controls_command(CLI::App& app, Run& run);
 CLI::App* add_cleanplate_command(CLI::App& app, Run& run);
+CLI::App* add_tune_command(CLI::App& app, Run& run);
 CLI::App* add_plate_command(CLI::App& app, Run& run);
 CLI::App* add_compare_command(CLI::App& app, Run& run);
 

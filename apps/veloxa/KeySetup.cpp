@@ -96,8 +96,7 @@ void KeySetup::choose_screen_color() {
     const ScreenOptions& screen = options_.screen;
     const bool picked_by_stroke = !strokes_.empty() && strokes_.front().tool->name() == kScreenTool;
     if (!screen.pick.empty()) {
-        set_screen_color(panel,
-                         mean_color(*first_foreground().first, parse_box("--pick", screen.pick)));
+        set_screen_color(panel, mean_color(*first_foreground().first, parse_box("--pick", screen.pick)));
     } else if (!screen.screen.empty() ||
                (!picked_by_stroke && !has_screen_color(panel, options_.settings.sets))) {
         const auto [image, frame] = first_foreground();

@@ -34,6 +34,7 @@ int main(int argc, char** argv) {
     veloxa::add_knobs_command(app, run);
     veloxa::add_controls_command(app, run);
     veloxa::add_cleanplate_command(app, run);
+    veloxa::add_tune_command(app, run);
     veloxa::add_plate_command(app, run);
     veloxa::add_compare_command(app, run);
     try {

@@ -1,0 +1,62 @@
+// veloxa tune: sets the knobs from strokes and saves them as a script.
+#include <cstdio>
+#include <memory>
+
+#include "AtomicFile.h"
+#include "Commands.h"
+#include "Errors.h"
+#include "Interrupt.h"
+#include "KeySetup.h"
+#include "TuneReport.h"
+
+namespace veloxa {
+
+namespace {
+
+struct Options {
+    SetupOptions setup;
+    std::string output;
+    bool json = false;
+};
+
+int tune(const Options& options) {
+    if (!options.output.empty()) AtomicFile::check(options.output, options.setup.overwrite);
+    catch_interrupts();
+    KeySetup setup(options.setup, &interrupt_flag());
+    const KnobValues before(setup.node().panel());
+    setup.prepare();
+    if (!options.output.empty()) setup.node().save_script(options.output, options.setup.overwrite);
+
+    const TuneReport report{setup.strokes(), KnobValues(setup.node().panel()).since(before)};
+    const std::string text = options.json ? json_of(report) : table_of(report);
+    if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0) {
+        throw Error("standard output could not be written");
+    }
+    return kExitOk;
+}
+
+constexpr const char* kFooter =
+    "Strokes are applied in the order given. Each finds the knob values nearest to the present ones with "
+    "which the pixels under it, and what earlier strokes asked, come out as told; where they contradict each "
+    "other the newest stroke wins, and the table tells how many samples are left out.\n"
+    "veloxa key takes the script with --script.";
+
+}  // namespace
+
+CLI::App* add_tune_command(CLI::App& app, Run& run) {
+    CLI::App* command = app.add_subcommand("tune", "Set the knobs by strokes of the sampling tools.");
+    command->footer(kFooter);
+    auto options = std::make_shared<Options>();
+    add_setup_options(*command, options->setup);
+    command
+        ->add_option("-o,--output,--save-script", options->output,
+                     "Script of the knobs that differ from their defaults; the table alone without it")
+        ->type_name("FILE");
+    command->add_flag("--json", options->json, "The table as JSON");
+    command->add_flag("--overwrite", options->setup.overwrite, "Replace a script that exists");
+    command->add_flag("--quiet", options->setup.quiet, "Do not tell how the screen colour was found");
+    command->callback([options, &run] { run = [options] { return tune(*options); }; });
+    return command;
+}
+
+}  // namespace veloxa

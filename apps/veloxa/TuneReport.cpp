@@ -1,0 +1,125 @@
+#include "TuneReport.h"
+
+#include <algorithm>
+#include <locale>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+namespace veloxa {
+
+using namespace Zo::Image;
+using nlohmann::ordered_json;
+
+namespace {
+
+ordered_json value_of(const std::string& word) {
+    if (word == "true" || word == "false") return word == "true";
+    double number = 0.0;
+    return Knob::to_double(word, number) ? ordered_json(number) : ordered_json(word);
+}
+
+ordered_json values_of(const std::string& text) {
+    std::vector<std::string> words;
+    Knob::Script_List(text, words);
+    if (words.size() == 1) return value_of(words.front());
+    ordered_json list = ordered_json::array();
+    for (const std::string& word : words) list.push_back(value_of(word));
+    return list;
+}
+
+ordered_json changes_of(const std::vector<KnobChange>& changes) {
+    ordered_json list = ordered_json::array();
+    for (const KnobChange& c : changes) {
+        list.push_back({{"name", c.knob}, {"before", values_of(c.before)}, {"after", values_of(c.after)}});
+    }
+    return list;
+}
+
+struct Widths {
+    std::size_t knob = 4;
+    std::size_t before = 6;
+};
+
+std::string padded(std::string text, std::size_t width) {
+    text.resize(std::max(text.size(), width), ' ');
+    return text;
+}
+
+std::string line_of(const KnobChange& change, const Widths& widths) {
+    return "  " + padded(change.knob, widths.knob) + "  " + padded(change.before, widths.before) + "  " +
+           change.after + "\n";
+}
+
+std::string title_of(const ToolReport& stroke) {
+    std::string title = stroke.tool + " @" + std::to_string(stroke.frame) + " ";
+    for (const int edge : {stroke.box.x, stroke.box.y, stroke.box.r, stroke.box.t}) {
+        title += (title.back() == ' ' ? "" : ",") + std::to_string(edge);
+    }
+    title += ": " + std::to_string(stroke.satisfied) + " samples satisfied, " +
+             std::to_string(stroke.unsatisfied) + " not";
+    if (stroke.unusable > 0) title += ", " + std::to_string(stroke.unusable) + " unusable";
+    return title + "\n";
+}
+
+}  // namespace
+
+KnobValues::KnobValues(const KnobPanel& panel) {
+    for (const auto& knob : panel.knobs()) {
+        if (!knob->takes_value() || &knob->target() != knob.get() || knob->kind() == Knob::Kind::kCustom) {
+            continue;
+        }
+        std::ostringstream text;
+        text.imbue(std::locale::classic());
+        knob->to_script(text, false);
+        values_.push_back({knob->name(), text.str()});
+    }
+}
+
+std::vector<KnobChange> KnobValues::since(const KnobValues& before) const {
+    std::vector<KnobChange> changes;
+    for (std::size_t n = 0; n < values_.size(); ++n) {
+        const std::string& old = before.values_[n].text;
+        if (values_[n].text != old) changes.push_back({values_[n].knob, old, values_[n].text});
+    }
+    return changes;
+}
+
+std::string table_of(const TuneReport& report) {
+    Widths widths;
+    const auto widen = [&](const std::vector<KnobChange>& changes) {
+        for (const KnobChange& c : changes) {
+            widths.knob = std::max(widths.knob, c.knob.size());
+            widths.before = std::max(widths.before, c.before.size());
+        }
+    };
+    widen(report.changes);
+    for (const ToolReport& stroke : report.strokes) widen(stroke.changes);
+
+    std::string text;
+    for (const ToolReport& stroke : report.strokes) {
+        text += title_of(stroke);
+        for (const KnobChange& change : stroke.changes) text += line_of(change, widths);
+        for (const std::string& note : stroke.notes) text += "  note: " + note + "\n";
+    }
+    if (report.changes.empty()) return text + "no knob changed\n";
+    text += "all in all\n" + line_of({"knob", "before", "after"}, widths);
+    for (const KnobChange& change : report.changes) text += line_of(change, widths);
+    return text;
+}
+
+std::string json_of(const TuneReport& report) {
+    ordered_json strokes = ordered_json::array();
+    for (const ToolReport& s : report.strokes) {
+        strokes.push_back({{"tool", s.tool},
+                           {"frame", s.frame},
+                           {"box", {s.box.x, s.box.y, s.box.r, s.box.t}},
+                           {"knobs", changes_of(s.changes)},
+                           {"satisfied", s.satisfied},
+                           {"unsatisfied", s.unsatisfied},
+                           {"unusable", s.unusable},
+                           {"notes", s.notes}});
+    }
+    return ordered_json{{"strokes", strokes}, {"knobs", changes_of(report.changes)}}.dump(2) + "\n";
+}
+
+}  // namespace veloxa
