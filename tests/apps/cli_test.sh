@@ -44,7 +44,7 @@ while IFS='|' read -r status text arguments; do
     # shellcheck disable=SC2086
     expect "$status" "$text" $arguments
 done <<'TABLE'
-2|key, knobs, controls, cleanplate, plate, compare|
+2|key, knobs, controls, cleanplate, tune, plate, compare|
 2|nonsense: there is no such command|nonsense
 2|--nonsense|--nonsense
 2|--fg|key -o out/a.exr
@@ -73,6 +73,14 @@ done <<'TABLE'
 2|screen_color|key --fg shot/fg.0001.exr -o out/a.exr --set screen_color=1,2
 2|brights|key --fg shot/fg.0001.exr -o out/a.exr --set brights=bright
 2|KNOB=VALUE|key --fg shot/fg.0001.exr -o out/a.exr --set brights
+2|removeoverlay, addmatte|key --fg shot/fg.0001.exr -o out/a.exr --stroke erase=1,2,3,4
+2|TOOL=X,Y,R,T|tune --fg shot/fg.0001.exr -o out/a.script --stroke screen
+2|X,Y,R,T, as in|tune --fg shot/fg.0001.exr -o out/a.script --stroke screen=1,2,3
+2|64x48|tune --fg shot/fg.0001.exr -o out/a.script --stroke screen=0,0,65,48
+2|@FRAME needs --frames|tune --fg shot/fg.0001.exr -o out/a.script --stroke screen@1=0,0,5,5
+2|number after @|tune --fg shot/fg.%d.exr --frames 1-5 -o out/a.script --stroke screen@one=0,0,5,5
+1|shot/fg.0009.exr: does not exist|tune --fg shot/fg.%04d.exr --frames 1-5 -o out/a.script --stroke screen@9=0,0,5,5
+1|shot/fg.0001.exr: exists; use --overwrite|tune --fg shot/fg.0001.exr -o shot/fg.0001.exr
 2|computeMatte|key --fg shot/fg.0001.exr -o out/a.exr --stage nothing
 1|out/none.exr: does not exist|key --fg out/none.exr -o out/a.exr
 1|shot: is a folder|key --fg shot -o out/a.exr
@@ -118,6 +126,18 @@ expect 0 "" compare out/auto.0001.exr out/again.exr --max-diff 0
 expect 0 "" plate -o blue --size 64x48 --screen blue
 expect 0 "" key --fg blue/fg.exr -o out/blue.exr --screen auto --quiet
 [ -s err.txt ] && fail "messages in spite of --quiet: $(cat err.txt)"
+
+# Strokes: keying and tuning do the same, a second time nothing is left to do.
+strokes=(--stroke screen=0,40,8,48 --stroke add_overlay@3=0,0,20,20 --stroke toolbar_removenoise=50,30,60,40)
+shot=(--fg shot/fg.%04d.exr --frames 2-4)
+expect 0 "toolbar_addoverlay @3 0,0,20,20: " tune "${shot[@]}" "${strokes[@]}" -o out/tuned.script
+[ -s err.txt ] && fail "the screen was estimated in spite of a stroke: $(cat err.txt)"
+expect 0 "" key "${shot[@]}" "${strokes[@]}" -o out/stroked.%04d.exr --save-script out/keyed.script
+cmp out/tuned.script out/keyed.script || fail "scripts of key and tune differ"
+expect 0 "" key "${shot[@]}" --script out/tuned.script -o out/tuned.%04d.exr
+expect 0 "" compare out/stroked.0004.exr out/tuned.0004.exr --max-diff 0
+expect 0 "no knob changed" tune "${shot[@]}" "${strokes[@]}" --script out/tuned.script
+expect 0 '"name": "screen_color"' tune "${shot[@]}" "${strokes[@]}" --json
 
 # A clean plate, near the true one.
 expect 0 "truly seen" cleanplate --fg shot/fg.%04d.exr --frames 1-5 -o out/clean.exr
