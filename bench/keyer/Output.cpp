@@ -8,10 +8,17 @@ std::vector<Kernel> output_kernels() {
     Material& m = material();
     const OverlayParams tint{OverlayMode::kScreen, false, {0.58f, 0.07f, 0.22f, 0.5f}, kOutputPivot};
     return {{"opacity", plain::kOpacity, [&m] { opacity(m.matte.data(), m.out[0].data(), kSpan); }},
+            {"linear_opacity", plain::kLinearOpacity,
+             [&m] { linear_opacity(m.matte.data(), m.out[0].data(), kSpan); }},
             {"output_colour", plain::kComposite,
              [&m] {
                  output_colour(OutputMode::kComposite, m.fg[0].data(), m.background.data(), m.opacity.data(),
                                m.out[0].data(), kSpan);
+             }},
+            {"added_colour", plain::kAddedComposite,
+             [&m] {
+                 added_colour(OutputMode::kComposite, m.fg[0].data(), m.background.data(), m.opacity.data(),
+                              m.out[0].data(), kSpan);
              }},
             {"overlay", plain::kOverlay,
              [&m, tint] {

@@ -21,8 +21,12 @@ inline constexpr Counts kOutputMatte = floats(0, 3, 2);
 inline constexpr double kDecode = 9;  // and a division
 // 1 - v, two bounds
 inline constexpr Counts kOpacity = floats(1, kDecode + 3, 2);
+// / 255, 1 - v, two bounds
+inline constexpr Counts kLinearOpacity = floats(1, 3, 2);
 // * k, 1 - k, * background, +
 inline constexpr Counts kComposite = floats(1, kDecode + 4 + kOneNan, 4);
+// the largest half float: the smaller; 1 - k, * background, +
+inline constexpr Counts kAddedComposite = floats(1, kDecode + 1 + 3 + kOneNan, 4);
 // covered: compare, choose; a channel: * rest, + tint, choose
 inline constexpr Counts kOverlay = floats(1, kDecode + 2 + 3 * (3 + kOneNan), 7);
 // * h, 1 - h, * out, +, compare, choose
