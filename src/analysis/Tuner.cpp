@@ -4,7 +4,10 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <limits>
+#include <numeric>
 #include <optional>
+#include <unordered_map>
 
 namespace {
 
@@ -16,12 +19,58 @@ constexpr int kMostDescents = 12;
 constexpr int kPolished = 4;  // candidates drawn back
 constexpr int kRaySteps = 1024;
 
+// A score below this is 0.
+constexpr double kAny = std::numeric_limits<double>::denorm_min();
+
+// The misses at places that were tried: the search passes most of them again for each sample that it takes
+// in. Once it holds kMost numbers it learns no more.
+class Tried {
+  public:
+    explicit Tried(std::size_t samples) : samples_(samples), spare_(samples) {}
+
+    // `judge` writes the misses of a place that is new.
+    template <class Judge>
+    const double* at(const Cells& cells, const Judge& judge) {
+        if (const auto known = places_.find(cells); known != places_.end()) return known->second;
+        double* misses = spare_.data();
+        if ((places_.size() + 1) * samples_ <= kMost) {
+            const std::size_t on_a_page = std::max(kPage / samples_, std::size_t{1});
+            if (places_.size() % on_a_page == 0) pages_.emplace_back(on_a_page * samples_);
+            misses = pages_.back().data() + places_.size() % on_a_page * samples_;
+            places_.emplace(cells, misses);
+        }
+        judge(std::span(misses, samples_));
+        return misses;
+    }
+
+  private:
+    static constexpr std::size_t kMost = std::size_t{1} << 21U;
+    static constexpr std::size_t kPage = std::size_t{1} << 14U;
+
+    struct Hash {
+        std::size_t operator()(const Cells& cells) const {
+            std::uint64_t sum = 0;
+            for (const int cell : cells) {
+                sum = (sum ^ static_cast<std::uint32_t>(cell)) * 0x9e3779b97f4a7c15U;
+                sum ^= sum >> 32U;
+            }
+            return sum;
+        }
+    };
+
+    std::size_t samples_;
+    std::unordered_map<Cells, const double*, Hash> places_;
+    std::vector<std::vector<double>> pages_;
+    std::vector<double> spare_;
+};
+
 // One search around fixed knobs.
 class Search {
   public:
     Search(const KnobStorage& base, std::span<const Dial> dials, std::span<const Ray> combinations,
            std::size_t samples, const Misses& misses)
-        : base_(base), dials_(dials), misses_(misses), miss_(samples), wanted_(samples, 1) {
+        : base_(base), dials_(dials), misses_(misses), tried_(samples), wanted_(samples) {
+        std::iota(wanted_.begin(), wanted_.end(), std::size_t{0});
         for (std::size_t i = 0; i < dials.size(); ++i) {
             for (const double sign : {1.0, -1.0}) {
                 Ray ray(dials.size(), 0.0);
@@ -40,16 +89,17 @@ class Search {
     KnobStorage run() {
         Cells at(dials_.size(), 0);
         if (const auto all = satisfy(at)) return knobs(*all);
-        std::fill(wanted_.begin(), wanted_.end(), std::uint8_t{0});
+        std::size_t left = wanted_.size();
+        wanted_.clear();
         int refusals = 0;
-        for (std::size_t i = wanted_.size(); i-- > 0;) {
-            wanted_[i] = 1;
-            if (score(at) == 0.0) continue;
+        while (left-- > 0) {
+            wanted_.insert(wanted_.begin(), left);
+            if (score(at, kAny) == 0.0) continue;
             const auto found = refusals < kMostRefusals ? satisfy(at) : std::nullopt;
             if (found) {
                 at = *found;
             } else {
-                wanted_[i] = 0;
+                wanted_.erase(wanted_.begin());
                 ++refusals;
             }
         }
@@ -70,10 +120,15 @@ class Search {
         return result;
     }
 
-    double score(const Cells& cells) {
-        misses_(knobs(cells), miss_);
+    // The sum of what the wanted samples miss; once that is not below `enough`, any such number.
+    double score(const Cells& cells, double enough = std::numeric_limits<double>::infinity()) {
+        const double* const miss =
+            tried_.at(cells, [&](std::span<double> misses) { misses_(knobs(cells), misses); });
         double sum = 0.0;
-        for (std::size_t i = 0; i < miss_.size(); ++i) sum += wanted_[i] != 0 ? miss_[i] : 0.0;
+        for (const std::size_t i : wanted_) {
+            sum += miss[i];
+            if (sum >= enough) break;
+        }
         return sum;
     }
 
@@ -122,7 +177,7 @@ class Search {
         int last = 0;
         int gap = 0;
         for (int s = 1; s <= most; last = s, s = next_probe(s, most)) {
-            const Point probe = point(from, ray, s, most);
+            const Point probe = point(from, ray, s, most, best.score);
             if (probe.score == 0.0) return first(from, ray, most, last, {probe.cells, 0.0}, s);
             if (probe.score < best.score) {
                 best = probe;
@@ -135,7 +190,7 @@ class Search {
         for (gap = (gap + 1) / 2; best_at > 0 && gap > 0; gap = gap > 1 ? (gap + 1) / 2 : 0) {
             for (const int s : {best_at - gap, best_at + gap}) {
                 if (s < 1 || s > most) continue;
-                const Point probe = point(from, ray, s, most);
+                const Point probe = point(from, ray, s, most, best.score);
                 if (probe.score >= best.score) continue;
                 best = probe;
                 best_at = s;
@@ -150,9 +205,9 @@ class Search {
         return s < most ? std::min(next, most) : most + 1;
     }
 
-    Point point(const Cells& from, const Ray& ray, int s, int most) {
+    Point point(const Cells& from, const Ray& ray, int s, int most, double enough) {
         Cells cells = along(from, ray, s, most);
-        const double there = score(cells);
+        const double there = score(cells, enough);
         return {std::move(cells), there};
     }
 
@@ -160,7 +215,7 @@ class Search {
     Point first(const Cells& from, const Ray& ray, int most, int bad, Point good, int good_at) {
         while (good_at - bad > 1) {
             const int middle = bad + (good_at - bad) / 2;
-            Point probe = point(from, ray, middle, most);
+            Point probe = point(from, ray, middle, most, kAny);
             if (probe.score == 0.0) {
                 good = std::move(probe);
                 good_at = middle;
@@ -220,7 +275,7 @@ class Search {
             for (const int end : {dials_[i].highest(present), dials_[i].lowest(present)}) {
                 Cells other = cells;
                 other[i] = end;
-                if (end == cells[i] || score(other) != 0.0) continue;
+                if (end == cells[i] || score(other, kAny) != 0.0) continue;
                 draw_back(other, i);
                 if (distance(other) < distance(cells)) cells = other;
             }
@@ -240,7 +295,7 @@ class Search {
                 const int sign = held < 0 ? -1 : 1;
                 const auto fits = [&](int n) {
                     cells[i] = sign * n;
-                    return score(cells) == 0.0;
+                    return score(cells, kAny) == 0.0;
                 };
                 if (fits(0)) good = 0;
                 while (good - bad > 1) {
@@ -257,8 +312,8 @@ class Search {
     std::span<const Dial> dials_;
     const Misses& misses_;
     std::vector<Ray> rays_;
-    std::vector<double> miss_;
-    std::vector<std::uint8_t> wanted_;
+    Tried tried_;
+    std::vector<std::size_t> wanted_;  // the oldest first, as misses are added up
 };
 
 // Whether a satisfies a newer sample than b where they differ first.
