@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "ZoImage/Render.h"
+
 using namespace Zo::Image;
 
 namespace {
@@ -28,42 +30,45 @@ std::vector<StrokePixel> read_pixels(Iop& first, Iop* second, Iop* keep, const B
     int step_x = 1;
     int step_y = 1;
     if (decimate(box.x, box.y, box.r, box.t, step_x, step_y) == 0) return pixels;
-    const auto ask = [&](Iop* image, ChannelSet channels) {
-        if (image != nullptr) image->request(box.x, box.y, box.r, box.t, channels, 1);
-    };
-    ask(&first, kMaskRgba);
-    ask(second, kMaskRgba);
-    ask(keep, kMaskAlpha);
-    for (int y = box.y; y < box.t; y += step_y) {
-        Row row(box.x, box.r);
-        Row other(box.x, box.r);
-        Row kept(box.x, box.r);
-        row.get(first, y, kMaskRgba);
-        if (second != nullptr) other.get(*second, y, kMaskRgba);
-        if (keep != nullptr) kept.get(*keep, y, kMaskAlpha);
-        for (int i = 0; i < box.r - box.x; i += step_x) {
-            if (keep != nullptr && !(kept[kAlpha][i] != 0.0f)) continue;
-            const StrokePixel pixel{pixel_of(row, i), pixel_of(other, i)};
-            if (finite(pixel.first) && finite(pixel.second)) pixels.push_back(pixel);
+    const auto steps = [](int side, int step) { return static_cast<std::size_t>((side - 1) / step + 1); };
+    const std::size_t columns = steps(box.width(), step_x);
+    // In a render what an operator looks up and down is made once for all that ask for it; where rows are
+    // left out, once a row.
+    Renderer renderer(1);
+    const auto read = [&](Iop* image, ChannelSet channels, const auto& take) {
+        if (image == nullptr) return;
+        const auto every = [&](int y, const Row& row) {
+            const std::size_t begin = static_cast<std::size_t>((y - box.y) / step_y) * columns;
+            for (std::size_t i = 0; i < columns; ++i) take(begin + i, row, static_cast<int>(i) * step_x);
+        };
+        const int height = step_y == 1 ? box.height() : 1;
+        for (int y = 0; y < box.height(); y += step_y * height) {
+            renderer.render(*image, {box.x, box.y + y, box.r, box.y + y + height}, channels, every);
         }
+    };
+    std::vector<StrokePixel> all(columns * steps(box.height(), step_y));
+    std::vector<bool> kept(all.size(), true);
+    read(&first, kMaskRgba, [&](std::size_t at, const Row& row, int i) { all[at].first = pixel_of(row, i); });
+    read(second, kMaskRgba,
+         [&](std::size_t at, const Row& row, int i) { all[at].second = pixel_of(row, i); });
+    read(keep, kMaskAlpha, [&](std::size_t at, const Row& row, int i) { kept[at] = row[kAlpha][i] != 0.0f; });
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        if (kept[i] && finite(all[i].first) && finite(all[i].second)) pixels.push_back(all[i]);
     }
     return pixels;
 }
 
-std::vector<StrokePixel> extremes(const std::vector<StrokePixel>& pixels) {
-    if (pixels.empty()) return {};
-    std::array<std::size_t, 14> picks{};
-    for (std::size_t i = 0; i < pixels.size(); ++i) {
-        const Measures here = measures(pixels[i].first);
+std::vector<std::size_t> extremes(const std::vector<VeloxaSample::Sample>& colors) {
+    if (colors.empty()) return {};
+    std::vector<std::size_t> picks(14);
+    for (std::size_t i = 0; i < colors.size(); ++i) {
+        const Measures here = measures(colors[i]);
         for (std::size_t m = 0; m < here.size(); ++m) {
-            if (here[m] < measures(pixels[picks[2 * m]].first)[m]) picks[2 * m] = i;
-            if (here[m] > measures(pixels[picks[2 * m + 1]].first)[m]) picks[2 * m + 1] = i;
+            if (here[m] < measures(colors[picks[2 * m]])[m]) picks[2 * m] = i;
+            if (here[m] > measures(colors[picks[2 * m + 1]])[m]) picks[2 * m + 1] = i;
         }
     }
     std::sort(picks.begin(), picks.end());
-    std::vector<StrokePixel> result;
-    for (std::size_t i = 0; i < picks.size(); ++i) {
-        if (i == 0 || picks[i] != picks[i - 1]) result.push_back(pixels[picks[i]]);
-    }
-    return result;
+    picks.erase(std::unique(picks.begin(), picks.end()), picks.end());
+    return picks;
 }
