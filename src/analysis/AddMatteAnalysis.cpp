@@ -87,9 +87,9 @@ Tuning analyse_add_matte(const Setting& setting, std::span<const PlatedSample> s
     for (std::size_t i = 0; i < n; ++i) stages.put(i, i < asked ? samples[i] : backing[i - asked]);
     stages.normalise();
 
-    const std::vector<Dial> dials{Dial::number(&K::brights, 0.0, 1000.0), Dial::number(&K::darks, 0.0, 500.0),
-                                  Dial::number(&K::warm, -1000.0, 1000.0),
-                                  Dial::number(&K::cool, -1000.0, 1000.0)};
+    const std::vector<Dial> dials{
+        Dial::number(&K::brights, 0.0, 1000.0), Dial::number(&K::darks, -500.0, 500.0),
+        Dial::number(&K::warm, -1000.0, 1000.0), Dial::number(&K::cool, -1000.0, 1000.0)};
     const std::vector<Ray> rays{{0, 0, 1, 1}, {1, 1, 0, 0}, {1, 0, 1, 0}, {1, 0, 0, 1}, {1, 1, 1, 1}};
     const auto misses = [&](const KnobStorage& knobs, std::span<double> out) {
         const std::vector<float>& matte = stages.matte(knobs);

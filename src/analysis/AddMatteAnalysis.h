@@ -12,6 +12,8 @@
 struct PlatedSample {
     VeloxaSample::Sample fg;     // host's values
     VeloxaSample::Sample plate;  // of the clean plate at the same place
+
+    bool operator==(const PlatedSample&) const = default;
 };
 
 // The matte of samples, 0 to 255, as the present knobs make it.

@@ -11,6 +11,8 @@ struct OverlaySample {
     VeloxaSample::Sample fg;     // host's values
     VeloxaSample::Sample plate;  // of the clean plate at the same place
     bool screen;                 // what the user says that it is
+
+    bool operator==(const OverlaySample&) const = default;
 };
 
 // Whether the decision on each sample is what it should be, as the present knobs make it.

@@ -25,19 +25,76 @@ Planes with_backing(const Planes& keyed, const ControlTriple& backing, std::int3
     return fg;
 }
 
+// The stages from the unveiled colour to the suppressed one for a list of samples.
+class Spills {
+  public:
+    Spills(const Setting& setting, std::span<const SpillSample> samples)
+        : samples_(samples),
+          keyed_(planes_of(samples, setting.color_index())),
+          fg_(with_backing(keyed_, setting.controls.get(controls::kBackingColor), setting.color_index())),
+          unveiled_(samples.size(), setting.color_index()),
+          out_(samples.size(), setting.color_index()),
+          opacity_(samples.size()),
+          no_backing_(samples.size()),
+          trial_(setting),
+          // An ambience that merely allows more would take nothing out.
+          allowance_(spill_params(trial_.with(suppressed(setting.knobs))).allowance) {}
+
+    static KnobStorage suppressed(KnobStorage knobs) {
+        knobs.spill_suppression = true;
+        return knobs;
+    }
+
+    void miss(const KnobStorage& knobs, std::span<double> misses) {
+        const ControlBlock& controls = trial_.with(knobs);
+        const SpillParams spill = spill_params(controls);
+        const std::size_t n = samples_.size();
+        unveil_constant(veil_params(controls), fg_.pixels(), {keyed_.alpha().data(), no_backing_.data()},
+                        unveiled_.output(), opacity_.data(), n);
+        suppress_spill(spill, unveiled_.pixels(), opacity_.data(), no_backing_.data(), out_.output(), n);
+        for (std::size_t i = 0; i < n; ++i) {
+            const auto level = [i](const Planes& planes, std::size_t role) {
+                return static_cast<double>(planes.role(role)[i]);
+            };
+            const double allowed =
+                std::max(level(out_, 0), level(out_, 1)) + std::min(spill.allowance, allowance_);
+            const double over = samples_[i].restore
+                                    ? std::abs(level(out_, 2) - level(keyed_, 2)) - kRestoreBound
+                                    : level(out_, 2) - allowed - kRemoveBound;
+            misses[i] = over <= 0.0 ? 0.0 : std::isfinite(over) ? over / 255.0 : 2.0;
+        }
+    }
+
+  private:
+    static Planes planes_of(std::span<const SpillSample> samples, std::int32_t color_index) {
+        Planes planes(samples.size(), color_index);
+        for (std::size_t i = 0; i < samples.size(); ++i) planes.put(i, samples[i].keyed);
+        return planes;
+    }
+
+    std::span<const SpillSample> samples_;
+    Planes keyed_, fg_, unveiled_, out_;
+    std::vector<float> opacity_, no_backing_;
+    TrialControls trial_;
+    double allowance_;
+};
+
 }  // namespace
 
-Tuning analyse_spill(const Setting& setting, std::span<const SpillSample> samples) {
-    const std::size_t n = samples.size();
-    const std::int32_t color_index = setting.color_index();
-    Planes keyed(n, color_index);
-    bool transparent = false;
-    for (std::size_t i = 0; i < n; ++i) {
-        keyed.put(i, samples[i].keyed);
-        transparent |= samples[i].keyed[3] > 0.0f && samples[i].keyed[3] < 255.0f;
-    }
-    const Planes fg = with_backing(keyed, setting.controls.get(controls::kBackingColor), color_index);
+std::vector<bool> spill_agrees(const Setting& setting, const KnobStorage& knobs,
+                               std::span<const SpillSample> samples) {
+    std::vector<double> misses(samples.size());
+    Spills(setting, samples).miss(knobs, misses);
+    std::vector<bool> agrees(samples.size());
+    std::transform(misses.begin(), misses.end(), agrees.begin(), [](double miss) { return miss == 0.0; });
+    return agrees;
+}
 
+Tuning analyse_spill(const Setting& setting, std::span<const SpillSample> samples) {
+    const std::int32_t color_index = setting.color_index();
+    const bool transparent = std::any_of(samples.begin(), samples.end(), [](const SpillSample& s) {
+        return s.keyed[3] > 0.0f && s.keyed[3] < 255.0f;
+    });
     std::vector<Dial> dials{
         Dial::number(&K::spill_cool, -300.0, 300.0),   Dial::number(&K::spill_warm, -300.0, 300.0),
         Dial::number(&K::spill_brights, 50.0, 200.0),  Dial::number(&K::spill_strength, 0.0, 100.0),
@@ -56,31 +113,7 @@ Tuning analyse_spill(const Setting& setting, std::span<const SpillSample> sample
         for (Ray& ray : rays) ray.push_back(0.0);
     }
 
-    KnobStorage base = setting.knobs;
-    base.spill_suppression = true;
-    TrialControls trial(setting);
-    // An ambience that merely allows more would take nothing out.
-    const double allowance = spill_params(trial.with(base)).allowance;
-    Planes unveiled(n, color_index);
-    Planes out(n, color_index);
-    std::vector<float> opacity(n);
-    const std::vector<float> no_backing(n);
-    const auto misses = [&](const KnobStorage& knobs, std::span<double> miss) {
-        const ControlBlock& controls = trial.with(knobs);
-        const SpillParams spill = spill_params(controls);
-        unveil_constant(veil_params(controls), fg.pixels(), {keyed.alpha().data(), no_backing.data()},
-                        unveiled.output(), opacity.data(), n);
-        suppress_spill(spill, unveiled.pixels(), opacity.data(), no_backing.data(), out.output(), n);
-        for (std::size_t i = 0; i < n; ++i) {
-            const auto level = [i](const Planes& planes, std::size_t role) {
-                return static_cast<double>(planes.role(role)[i]);
-            };
-            const double allowed =
-                std::max(level(out, 0), level(out, 1)) + std::min(spill.allowance, allowance);
-            const double over = samples[i].restore ? std::abs(level(out, 2) - level(keyed, 2)) - kRestoreBound
-                                                   : level(out, 2) - allowed - kRemoveBound;
-            miss[i] = over <= 0.0 ? 0.0 : std::isfinite(over) ? over / 255.0 : 2.0;
-        }
-    };
-    return tune(base, dials, rays, n, misses);
+    Spills spills(setting, samples);
+    const auto misses = [&](const KnobStorage& knobs, std::span<double> out) { spills.miss(knobs, out); };
+    return tune(Spills::suppressed(setting.knobs), dials, rays, samples.size(), misses);
 }

@@ -17,6 +17,12 @@ inline constexpr double kRemoveBound = 1.0;
 struct SpillSample {
     VeloxaSample::Sample keyed;
     bool restore;
+
+    bool operator==(const SpillSample&) const = default;
 };
+
+// Whether `knobs` make of each sample what was asked where the node stands as in `setting`.
+std::vector<bool> spill_agrees(const Setting& setting, const KnobStorage& knobs,
+                               std::span<const SpillSample> samples);
 
 Tuning analyse_spill(const Setting& setting, std::span<const SpillSample> samples);

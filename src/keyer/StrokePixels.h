@@ -19,6 +19,6 @@ struct StrokePixel {
 std::vector<StrokePixel> read_pixels(Zo::Image::Iop& first, Zo::Image::Iop* second, Zo::Image::Iop* keep,
                                      const Zo::Image::Box& box);
 
-// The pixels whose `first` has the least or greatest red, green, blue, alpha, or difference of two colours;
-// in the order of the list, each once.
-std::vector<StrokePixel> extremes(const std::vector<StrokePixel>& pixels);
+// Where in the list the least and greatest red, green, blue, alpha and difference of two colours are;
+// ascending, each place once.
+std::vector<std::size_t> extremes(const std::vector<VeloxaSample::Sample>& colors);

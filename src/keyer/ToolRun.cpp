@@ -18,20 +18,17 @@ namespace {
 constexpr std::int64_t kLargestSide = 1 << 16;
 constexpr std::int64_t kLargestArea = 1 << 26;
 
-// Few at a time, or one stroke would push the others out of the lists.
-constexpr int kMostRefinements = 8;
-constexpr std::size_t kRefinement = 3;
+constexpr int kMostRefinements = 12;
 
 constexpr std::size_t kBackingPixels = VeloxaSample::kCapacity;
 
-std::vector<PlatedSample> spread_over(const std::vector<StrokePixel>& pixels) {
+std::vector<PlatedSample> spread_over(const std::vector<PlatedSample>& pixels) {
+    std::vector<VeloxaSample::Sample> colors;
+    for (const PlatedSample& p : pixels) colors.push_back(p.fg);
     std::vector<PlatedSample> chosen;
-    for (const StrokePixel& p : extremes(pixels)) chosen.push_back({p.first, p.second});
+    for (const std::size_t i : extremes(colors)) chosen.push_back(pixels[i]);
     const std::size_t rest = std::min(kBackingPixels - chosen.size(), pixels.size());
-    for (std::size_t i = 0; i < rest; ++i) {
-        const StrokePixel& p = pixels[i * pixels.size() / rest];
-        chosen.push_back({p.first, p.second});
-    }
+    for (std::size_t i = 0; i < rest; ++i) chosen.push_back(pixels[i * pixels.size() / rest]);
     return chosen;
 }
 
@@ -103,22 +100,20 @@ ToolRun::Sample ToolRun::mean(Iop& source) const {
 }
 
 std::vector<StrokePixel> ToolRun::pixels(Iop& first, Iop* second) {
-    stroke_ = read_pixels(first, second, nullptr, box_);
-    if (stroke_.empty()) ++unusable_;
-    return extremes(stroke_);
+    std::vector<StrokePixel> stroke = read_pixels(first, second, nullptr, box_);
+    if (stroke.empty()) ++unusable_;
+    return stroke;
 }
 
-template <class Analyse, class Left, class Take>
-Tuning ToolRun::refine(const Analyse& analyse, const Left& left, const Take& take) {
+template <class T, class Analyse, class Agrees>
+Tuning ToolRun::refine(Strokes<T>& strokes, const Analyse& analyse, const Agrees& agrees) {
     for (int round = 0;; ++round) {
         Tuning tuning = analyse();
-        const bool all =
-            std::all_of(tuning.misses.begin(), tuning.misses.end(), [](double m) { return m == 0.0; });
-        if (!all || round == kMostRefinements) return tuning;
-        std::vector<StrokePixel> missed = extremes(left(setting(tuning.knobs)));
-        if (missed.empty()) return tuning;
-        if (missed.size() > kRefinement) missed.resize(kRefinement);
-        for (const StrokePixel& p : missed) take(p);
+        const auto satisfied = [&](const std::vector<T>& pixels) { return agrees(tuning.knobs, pixels); };
+        if (round < kMostRefinements && strokes.take_missed(satisfied)) continue;
+        const std::size_t missed = strokes.unsatisfied(satisfied);
+        if (missed > 0) note(std::to_string(missed) + " pixels of the stroke are not as asked");
+        return tuning;
     }
 }
 
@@ -153,7 +148,7 @@ void ToolRun::pick_color(Iop& source, KnobStorage::Color KnobStorage::*field, bo
     report_ += "samples\t1\t0\t0\n";
 }
 
-// The lists' means, the newest stroke's last; the other tool's samples are taken to be older.
+// The lists' means before the pixels, the other tool's before this one's.
 std::vector<OverlaySample> ToolRun::overlay_samples(bool add) {
     std::vector<OverlaySample> samples;
     unusable_ = 0;
@@ -170,9 +165,6 @@ std::vector<OverlaySample> ToolRun::overlay_samples(bool add) {
             node_.panel_.samples(mode ? SampleAction::kAddOverlay : SampleAction::kRemoveOverlay);
         const auto* const cp =
             node_.panel_.samples(mode ? SampleAction::kAddOverlayCp : SampleAction::kRemoveOverlayCp);
-        std::vector<OverlaySample>& pixels = node_.session_.overlay[mode ? 1 : 0];
-        if (fg->count() == 0) pixels.clear();
-        std::for_each(pixels.begin(), pixels.end(), append);
         for (std::size_t i = 0; i < fg->samples().size(); ++i) {
             const std::size_t back = fg->samples().size() - i;
             const std::size_t plates = cp->samples().size();
@@ -181,41 +173,35 @@ std::vector<OverlaySample> ToolRun::overlay_samples(bool add) {
             append({as_saved(fg->samples()[i]), as_saved(plated), mode});
         }
     }
+    for (const OverlaySample& pixel : node_.session_.overlay.samples()) append(pixel);
     return samples;
 }
 
 void ToolRun::overlay(bool add) {
     gather_overlay(add);
-    const KnobStorage::Color& screen = node_.knobs_.screen_color;
-    const bool plated = plate() != nullptr;
-    const auto sample = [&](const StrokePixel& p) {
-        return OverlaySample{p.first, plated ? p.second : Sample{screen[0], screen[1], screen[2], 0.0f}, add};
-    };
-    const auto left = [&](const Setting& tuned) {
-        std::vector<OverlaySample> asked;
-        for (const StrokePixel& p : stroke_) asked.push_back(sample(p));
-        const std::vector<bool> agrees = overlay_agrees(tuned, asked);
-        std::vector<StrokePixel> pixels;
-        for (std::size_t i = 0; i < agrees.size(); ++i) {
-            if (!agrees[i]) pixels.push_back(stroke_[i]);
-        }
-        return pixels;
-    };
-    const Tuning tuning =
-        refine([&] { return analyse_overlay(setting(), overlay_samples(add)); }, left,
-               [&](const StrokePixel& p) { remember(node_.session_.overlay[add ? 1 : 0], sample(p)); });
+    const Tuning tuning = refine(
+        node_.session_.overlay, [&] { return analyse_overlay(setting(), overlay_samples(add)); },
+        [&](const KnobStorage& knobs, const std::vector<OverlaySample>& asked) {
+            return overlay_agrees(setting(knobs), asked);
+        });
     adopt(tuning, tuning.misses.size());
 }
 
 void ToolRun::gather_overlay(bool add) {
-    auto* const fg = node_.panel_.samples(add ? SampleAction::kAddOverlay : SampleAction::kRemoveOverlay);
-    auto* const cp = node_.panel_.samples(add ? SampleAction::kAddOverlayCp : SampleAction::kRemoveOverlayCp);
+    const auto list = [this](SampleAction action) { return node_.panel_.samples(action); };
+    auto* const fg = list(add ? SampleAction::kAddOverlay : SampleAction::kRemoveOverlay);
+    auto* const cp = list(add ? SampleAction::kAddOverlayCp : SampleAction::kRemoveOverlayCp);
     const KnobStorage::Color& screen = node_.knobs_.screen_color;
     const Sample constant{screen[0], screen[1], screen[2], 0.0f};
+    const bool none_added = list(SampleAction::kAddOverlay)->count() == 0;
+    const bool none_removed = list(SampleAction::kRemoveOverlay)->count() == 0;
+    node_.session_.overlay.forget(
+        [&](const OverlaySample& s) { return s.screen ? none_added : none_removed; });
+    std::vector<OverlaySample> asked;
     for (const StrokePixel& p : pixels(node_.input(0), plate())) {
-        remember(node_.session_.overlay[add ? 1 : 0],
-                 {p.first, plate() != nullptr ? p.second : constant, add});
+        asked.push_back({p.first, plate() != nullptr ? p.second : constant, add});
     }
+    node_.session_.overlay.begin(std::move(asked));
     fg->add_area(node_.input(0), box_.x, box_.y, box_.r, box_.t);
     node_.validate(true);
     if (plate() == nullptr) {
@@ -228,27 +214,22 @@ void ToolRun::gather_overlay(bool add) {
 
 void ToolRun::add_matte() {
     ToolSession& session = node_.session_;
-    for (const StrokePixel& p : pixels(node_.input(0), plate())) {
-        remember(session.opaque, {p.first, p.second});
-    }
+    std::vector<PlatedSample> asked;
+    for (const StrokePixel& p : pixels(node_.input(0), plate())) asked.push_back({p.first, p.second});
+    session.opaque.begin(std::move(asked));
     gather_backing();
-    const auto left = [&](const Setting& tuned) {
-        std::vector<PlatedSample> asked;
-        for (const StrokePixel& p : stroke_) asked.push_back({p.first, p.second});
-        const std::vector<float> mattes = sample_mattes(tuned, asked);
-        std::vector<StrokePixel> pixels;
-        for (std::size_t i = 0; i < mattes.size(); ++i) {
-            if (mattes[i] > 0.0f) pixels.push_back(stroke_[i]);
-        }
-        return pixels;
-    };
     const auto analyse = [&] {
-        return analyse_add_matte(setting(), session.opaque, session.backing, session.backing_mattes);
+        return analyse_add_matte(setting(), session.opaque.samples(), session.backing,
+                                 session.backing_mattes);
     };
-    const Tuning tuning = refine(analyse, left, [&](const StrokePixel& p) {
-        remember(session.opaque, {p.first, p.second});
-    });
-    adopt(tuning, session.opaque.size());
+    const auto agrees = [&](const KnobStorage& knobs, const std::vector<PlatedSample>& pixels) {
+        const std::vector<float> mattes = sample_mattes(setting(knobs), pixels);
+        std::vector<bool> solid(mattes.size());
+        std::transform(mattes.begin(), mattes.end(), solid.begin(), [](float m) { return m <= 0.0f; });
+        return solid;
+    };
+    const Tuning tuning = refine(session.opaque, analyse, agrees);
+    adopt(tuning, session.opaque.samples().size());
 }
 
 // The bounds hold from stroke to stroke, or many small steps would be a large one. They are taken anew for
@@ -262,7 +243,16 @@ void ToolRun::gather_backing() {
     };
     if (session.backing_color == node_.knobs_.screen_color && !session.backing.empty() && kept()) return;
     Iop& fg = node_.input(0);
-    const auto pixels = read_pixels(fg, plate(), &node_.screen_region(), fg.info().box);
+    std::vector<OverlaySample> region;
+    for (const StrokePixel& p : read_pixels(fg, plate(), &node_.screen_region(), fg.info().box)) {
+        region.push_back({p.first, p.second, true});
+    }
+    // A pixel that is of the region only by its neighbours would be judged without them.
+    const std::vector<bool> clear = overlay_agrees(setting(), region);
+    std::vector<PlatedSample> pixels;
+    for (std::size_t i = 0; i < region.size(); ++i) {
+        if (clear[i] || !node_.knobs_.screen_correct) pixels.push_back({region[i].fg, region[i].plate});
+    }
     session.backing = spread_over(pixels);
     session.backing_mattes = sample_mattes(setting(), session.backing);
     session.backing_color = node_.knobs_.screen_color;
@@ -272,9 +262,9 @@ void ToolRun::matte_samples(Tool tool) {
     const bool noise = tool == Tool::kRemoveNoise;
     Iop& matte = node_.cleanup.input(0);
     std::vector<MatteSample>& list = node_.session_.mattes;
-    for (const StrokePixel& p : pixels(matte, nullptr)) {
-        remember(list, {p.first[3], noise});
-    }
+    std::vector<Sample> stroke;
+    for (const StrokePixel& p : pixels(matte, nullptr)) stroke.push_back(p.first);
+    for (const std::size_t i : extremes(stroke)) remember(list, {stroke[i][3], noise});
     adopt(analyse_matte_samples(setting(), noise, list), list.size());
 }
 
@@ -290,22 +280,39 @@ void ToolRun::spill(bool restore) {
     };
     node_.knobs_.spill_backgroundveiling = KnobStorage{}.spill_backgroundveiling;
     revalidate();
+    Strokes<SpillSample>& strokes = node_.session_.spill;
+    const bool none_restored = node_.panel_.samples(SampleAction::kRestoreSpill)->count() == 0;
+    const bool none_removed = node_.panel_.samples(SampleAction::kRemoveSpill)->count() == 0;
+    strokes.forget([&](const SpillSample& s) { return s.restore ? none_restored : none_removed; });
+    std::vector<SpillSample> asked;
+    for (const StrokePixel& p : pixels(node_.outputMatte, nullptr)) asked.push_back({p.first, restore});
+    strokes.begin(std::move(asked));
     list->add_area(node_.outputMatte, box_.x, box_.y, box_.r, box_.t);
     node_.knobs_.spill_backgroundveiling = veiling;
     revalidate();
 
-    std::vector<SpillSample> samples;
-    for (const bool mode : {!restore, restore}) {
-        const auto action = mode ? SampleAction::kRestoreSpill : SampleAction::kRemoveSpill;
-        for (const Sample& sample : node_.panel_.samples(action)->samples()) {
-            if (usable(sample)) {
-                samples.push_back({as_saved(sample), mode});
-            } else {
-                ++unusable_;
+    const auto samples = [&] {
+        std::vector<SpillSample> all;
+        unusable_ = 0;
+        for (const bool mode : {!restore, restore}) {
+            const auto action = mode ? SampleAction::kRestoreSpill : SampleAction::kRemoveSpill;
+            for (const Sample& sample : node_.panel_.samples(action)->samples()) {
+                if (usable(sample)) {
+                    all.push_back({as_saved(sample), mode});
+                } else {
+                    ++unusable_;
+                }
             }
         }
-    }
-    adopt(analyse_spill(setting(), samples), samples.size());
+        all.insert(all.end(), strokes.samples().begin(), strokes.samples().end());
+        return all;
+    };
+    const Tuning tuning = refine(
+        strokes, [&] { return analyse_spill(setting(), samples()); },
+        [&](const KnobStorage& knobs, const std::vector<SpillSample>& pixels) {
+            return spill_agrees(setting(), knobs, pixels);
+        });
+    adopt(tuning, tuning.misses.size());
 }
 
 void ToolRun::match_color() {

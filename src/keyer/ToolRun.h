@@ -28,9 +28,9 @@ class ToolRun {
     bool take_box(const Zo::Image::Knob& tool);
     Sample mean(Zo::Image::Iop& source) const;
     std::vector<StrokePixel> pixels(Zo::Image::Iop& first, Zo::Image::Iop* second);
-    // Analyses, and takes in pixels of the stroke that the answer leaves out, until it leaves out none.
-    template <class Analyse, class Left, class Take>
-    Tuning refine(const Analyse& analyse, const Left& left, const Take& take);
+    // Analyses, and takes in pixels of the strokes that the answer leaves out, until it leaves out none.
+    template <class T, class Analyse, class Agrees>
+    Tuning refine(Strokes<T>& strokes, const Analyse& analyse, const Agrees& agrees);
     void pick_color(Zo::Image::Iop& source, KnobStorage::Color KnobStorage::*field, bool darken);
     void overlay(bool add);
     void gather_overlay(bool add);
@@ -50,7 +50,6 @@ class ToolRun {
 
     VeloxaKeyer& node_;
     Zo::Image::Box box_{};
-    std::vector<StrokePixel> stroke_;  // what pixels() read last
     int unusable_ = 0;
     std::string report_;
 };

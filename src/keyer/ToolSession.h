@@ -1,8 +1,9 @@
 // What the node remembers of strokes beside its six saved lists, for as long as it lives; nothing of it is
 // saved. Scripts hold the knob values that the tools found, so they render alike without it.
 //
-//   overlay tools    extreme pixels under each stroke, beside the saved means; dropped with them
-//   add matte        extreme pixels, and the backing's pixels with the mattes that they have to keep
+//   overlay tools    pixels under each stroke, beside the saved means; dropped with them
+//   add matte        pixels, and the backing's pixels with the mattes that they have to keep
+//   spill tools      pixels, like the overlay tools
 //   noise, shadow,   extreme mattes, each with what was asked of it
 //   detail
 //   match color      one mean a stroke: of the keyed subject, or of the background where there is no subject
@@ -10,18 +11,17 @@
 // Like the saved lists each keeps the latest hundred.
 #pragma once
 
-#include <array>
 #include <string>
 #include <vector>
 
-#include "analysis/AddMatteAnalysis.h"
 #include "analysis/MatteSampleAnalysis.h"
-#include "analysis/OverlayAnalysis.h"
+#include "keyer/Strokes.h"
 
 struct ToolSession {
-    std::array<std::vector<OverlaySample>, 2> overlay;  // remove, add
+    Strokes<OverlaySample> overlay;
+    Strokes<SpillSample> spill;
 
-    std::vector<PlatedSample> opaque;
+    Strokes<PlatedSample> opaque;
     std::vector<PlatedSample> backing;
     std::vector<float> backing_mattes;
     KnobStorage::Color backing_color{};  // the screen colour that they were taken for
@@ -34,10 +34,3 @@ struct ToolSession {
 
     std::string report;  // of the latest tool
 };
-
-// Appends, dropping the oldest beyond the capacity.
-template <class T>
-void remember(std::vector<T>& list, const T& item) {
-    if (list.size() == VeloxaSample::kCapacity) list.erase(list.begin());
-    list.push_back(item);
-}
