@@ -1,8 +1,8 @@
 #include "KeySetup.h"
 
 #include <algorithm>
-#include <optional>
 
+#include "AutoSetup.h"
 #include "Errors.h"
 #include "Pick.h"
 #include "ScreenChoice.h"
@@ -55,6 +55,8 @@ void add_setup_options(CLI::App& command, SetupOptions& options) {
     command.add_option("--frames", options.frames, "Frames A to B, every Nth")->type_name("A-B[xN]");
     add_knob_options(command, options.settings);
     add_screen_options(command, options.screen, "the first foreground that can be read");
+    command.add_flag("--auto", options.automatic,
+                     "Set the node up from the first foreground that can be read, before any stroke");
     command
         .add_option("--stroke", options.strokes,
                     "Use a sampling tool on a box, as add_overlay=10,20,30,40; of a sequence's frame N with "
@@ -65,6 +67,7 @@ void add_setup_options(CLI::App& command, SetupOptions& options) {
 
 KeySetup::KeySetup(const SetupOptions& options, const AbortFlag* abort)
     : options_(options),
+      abort_(abort),
       names_(input_names(options)),
       frames_(frames_of(options, names_)),
       loader_(names_, fit_named(options.fit).value_or(Fit::kRefuse), abort) {
@@ -104,29 +107,38 @@ void KeySetup::choose_screen_color() {
     }
 }
 
+void KeySetup::show(int frame) {
+    if (shown_ == frame) return;
+    const FrameInputs images = loader_.load(frame);
+    inputs_.set(images);
+    foreground_ = images[kFg].image;
+    shown_ = frame;
+}
+
+void KeySetup::set_up_automatically() {
+    show(first_foreground().second);
+    reports_ = AutoSetup(node_, 0, abort_).run();
+    for (ToolReport& report : reports_) report.frame = *shown_;
+}
+
 void KeySetup::apply_strokes() {
-    std::optional<int> loaded;
     for (std::size_t n = 0; n < strokes_.size(); ++n) {
         const Stroke& stroke = strokes_[n];
-        const int frame = stroke.frame ? *stroke.frame : first_foreground().second;
-        if (loaded != frame) {
-            const FrameInputs images = loader_.load(frame);
-            inputs_.set(images);
-            loaded = frame;
-            foreground_ = images[kFg].image;
-        }
+        show(stroke.frame ? *stroke.frame : first_foreground().second);
         check_inside("--stroke " + options_.strokes[n], *foreground_, stroke.box);
         reports_.push_back(apply_stroke(node_, stroke));
-        reports_.back().frame = frame;
+        reports_.back().frame = *shown_;
     }
-    inputs_.clear();
-    foreground_ = nullptr;
 }
 
 void KeySetup::prepare() {
     loader_.load_stills();
     choose_screen_color();
+    if (options_.automatic) set_up_automatically();
     apply_strokes();
+    inputs_.clear();
+    foreground_ = nullptr;
+    shown_.reset();
     if (!has_screen_color(node_.panel(), {})) {
         report("warning: screen_color is 0,0,0, so the foreground passes through");
     }

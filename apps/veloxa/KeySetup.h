@@ -4,6 +4,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -20,6 +21,7 @@ struct SetupOptions {
     std::array<std::string, kInputCount> inputs;
     KnobSettings settings;
     ScreenOptions screen;
+    bool automatic = false;  // set up from the foreground before the strokes
     std::vector<std::string> strokes;
     std::string frames;
     std::string fit;
@@ -42,10 +44,10 @@ class KeySetup {
     // One frame, of any number, for stills.
     const FrameRange& frames() const { return frames_; }
 
-    // Loads what all frames share, chooses the screen colour and applies the strokes. Throws Error, for
-    // strokes too when their frame cannot be read.
+    // Loads what all frames share, chooses the screen colour, sets up automatically if asked to, and applies
+    // the strokes. Throws Error, for strokes too when their frame cannot be read.
     void prepare();
-    // What the strokes did, in their order.
+    // What the automatic steps and the strokes did, in their order.
     const std::vector<ToolReport>& strokes() const { return reports_; }
 
   private:
@@ -53,15 +55,20 @@ class KeySetup {
     // turn comes.
     std::pair<std::shared_ptr<const Image>, int> first_foreground();
     void choose_screen_color();
+    // Puts a frame on the node's inputs.
+    void show(int frame);
+    void set_up_automatically();
     void apply_strokes();
 
     SetupOptions options_;
+    const Zo::Image::AbortFlag* abort_;
     FrameLoader::Names names_;
     FrameRange frames_;
     FrameLoader loader_;
     NodeInputs inputs_;  // outlive the node
     Node node_;
-    std::shared_ptr<const Image> foreground_;  // on the inputs
+    std::optional<int> shown_;                 // the frame on the inputs
+    std::shared_ptr<const Image> foreground_;  // its foreground
     std::vector<Stroke> strokes_;
     std::vector<ToolReport> reports_;
 };

@@ -27,16 +27,6 @@ std::string plain_name(std::string_view name) {
     return plain;
 }
 
-Knob& tool_named(const KnobPanel& panel, const std::string& name) {
-    std::string names;
-    for (const auto& knob : panel.knobs()) {
-        if (knob->kind() != Knob::Kind::kToolButton) continue;
-        if (plain_name(knob->name()) == plain_name(name)) return *knob;
-        names += (names.empty() ? "" : ", ") + knob->name().substr(kToolPrefix.size());
-    }
-    throw UsageError("--stroke " + name + ": there is no such tool; there are " + names);
-}
-
 std::vector<std::string> fields_of(const std::string& line) {
     std::vector<std::string> fields(1);
     for (const char c : line) {
@@ -50,6 +40,16 @@ std::vector<std::string> fields_of(const std::string& line) {
 }
 
 }  // namespace
+
+Knob& tool_named(const KnobPanel& panel, const std::string& name) {
+    std::string names;
+    for (const auto& knob : panel.knobs()) {
+        if (knob->kind() != Knob::Kind::kToolButton) continue;
+        if (plain_name(knob->name()) == plain_name(name)) return *knob;
+        names += (names.empty() ? "" : ", ") + knob->name().substr(kToolPrefix.size());
+    }
+    throw UsageError("--stroke " + name + ": there is no such tool; there are " + names);
+}
 
 Stroke parse_stroke(const KnobPanel& panel, const std::string& text) {
     const std::size_t equals = text.find('=');

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "KnobValues.h"
 #include "Node.h"
 #include "ZoImage/Box.h"
 
@@ -19,14 +20,13 @@ struct Stroke {
 // Reads TOOL=X,Y,R,T or TOOL@FRAME=X,Y,R,T. A tool goes by its knob's name; "toolbar_", capitals and
 // underscores may be left out. Throws UsageError, for a tool that does not exist with those that there are.
 Stroke parse_stroke(const Zo::Image::KnobPanel& panel, const std::string& text);
-
-struct KnobChange {
-    std::string knob;
-    std::string before, after;  // as scripts hold them
-};
+// The tool button of a name as above.
+Zo::Image::Knob& tool_named(const Zo::Image::KnobPanel& panel, const std::string& name);
 
 // What a tool did. Samples are all that the tool keeps, those of earlier strokes too.
 struct ToolReport {
+    int samples() const { return satisfied + unsatisfied + unusable; }
+
     std::string tool;
     Zo::Image::Box box{};
     int frame = 0;

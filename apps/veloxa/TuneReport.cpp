@@ -1,9 +1,7 @@
 #include "TuneReport.h"
 
 #include <algorithm>
-#include <locale>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
 namespace veloxa {
 
@@ -55,6 +53,7 @@ std::string title_of(const ToolReport& stroke) {
     for (const int edge : {stroke.box.x, stroke.box.y, stroke.box.r, stroke.box.t}) {
         title += (title.back() == ' ' ? "" : ",") + std::to_string(edge);
     }
+    if (stroke.samples() == 0) return title + "\n";
     title += ": " + std::to_string(stroke.satisfied) + " samples satisfied, " +
              std::to_string(stroke.unsatisfied) + " not";
     if (stroke.unusable > 0) title += ", " + std::to_string(stroke.unusable) + " unusable";
@@ -62,27 +61,6 @@ std::string title_of(const ToolReport& stroke) {
 }
 
 }  // namespace
-
-KnobValues::KnobValues(const KnobPanel& panel) {
-    for (const auto& knob : panel.knobs()) {
-        if (!knob->takes_value() || &knob->target() != knob.get() || knob->kind() == Knob::Kind::kCustom) {
-            continue;
-        }
-        std::ostringstream text;
-        text.imbue(std::locale::classic());
-        knob->to_script(text, false);
-        values_.push_back({knob->name(), text.str()});
-    }
-}
-
-std::vector<KnobChange> KnobValues::since(const KnobValues& before) const {
-    std::vector<KnobChange> changes;
-    for (std::size_t n = 0; n < values_.size(); ++n) {
-        const std::string& old = before.values_[n].text;
-        if (values_[n].text != old) changes.push_back({values_[n].knob, old, values_[n].text});
-    }
-    return changes;
-}
 
 std::string table_of(const TuneReport& report) {
     Widths widths;

@@ -4,23 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "KnobValues.h"
 #include "Stroke.h"
 
 namespace veloxa {
-
-// The panel's values as scripts hold them, one a knob; sample lists are left out.
-class KnobValues {
-  public:
-    explicit KnobValues(const Zo::Image::KnobPanel& panel);
-    // What differs from `before`, in panel order.
-    std::vector<KnobChange> since(const KnobValues& before) const;
-
-  private:
-    struct Value {
-        std::string knob, text;
-    };
-    std::vector<Value> values_;
-};
 
 struct TuneReport {
     std::vector<ToolReport> strokes;
