@@ -16,7 +16,7 @@ run() {
 
 run "$veloxa" plate -o "$plates" --size 1920x1080 --seed 7 --overwrite
 run "$veloxa" key --fg "$plates/fg.exr" --cp "$plates/cp.exr" --bg "$plates/bg.exr" --gm "$plates/gm.exr" \
-    --set matte_scale=linear --set merge=add -o "$out/composite.exr" --overwrite --stats
+    --auto -o "$out/composite.exr" --overwrite --stats
 echo
 echo "The matte against the true one, and the composite's green, where spill would show:"
 run "$veloxa" compare --channel A "$out/composite.exr" "$plates/alpha_true.exr"
