@@ -37,30 +37,31 @@ class Mattes {
         plate_.normalise();
     }
 
-    const std::vector<float>& matte(const KnobStorage& knobs) {
+    // Of n samples from `first` on.
+    const float* matte(const KnobStorage& knobs, std::size_t first, std::size_t n) {
         const ControlBlock& controls = trial_.with(knobs);
-        const std::size_t n = raw_.size();
-        const RolePixels fg = fg_.pixels();
-        const RolePixels plate = plate_.pixels();
-        const VeilMattes mattes{raw_.data(), region_.data()};
+        const RolePixels fg = fg_.pixels(first);
+        const RolePixels plate = plate_.pixels(first);
+        float* const raw = raw_.data() + first;
+        float* const region = region_.data() + first;
+        float* const opacity = opacity_.data() + first;
         if (clean_plate_) {
-            crude_matte(crude_matte_params(controls), fg, plate, raw_.data(), n);
-            clear_region(clear_region_params(controls), fg, &plate, {nullptr, raw_.data(), nullptr},
-                         region_.data(), n);
+            crude_matte(crude_matte_params(controls), fg, plate, raw, n);
+            clear_region(clear_region_params(controls), fg, &plate, {nullptr, raw, nullptr}, region, n);
         } else {
-            clear_region(clear_region_params(controls), fg, nullptr, {}, region_.data(), n);
+            clear_region(clear_region_params(controls), fg, nullptr, {}, region, n);
         }
         const MatteParams density = matte_params(controls);
         const VeilParams veil = veil_params(controls);
         if (clean_plate_) {
-            matte_clean_plate(density, fg, plate, raw_.data(), n);
-            unveil_clean_plate(veil, fg, plate, mattes, colour_.output(), opacity_.data(), n);
+            matte_clean_plate(density, fg, plate, raw, n);
+            unveil_clean_plate(veil, fg, plate, {raw, region}, colour_.output(first), opacity, n);
         } else {
-            matte_constant(density, fg, raw_.data(), n);
-            unveil_constant(veil, fg, mattes, colour_.output(), opacity_.data(), n);
+            matte_constant(density, fg, raw, n);
+            unveil_constant(veil, fg, {raw, region}, colour_.output(first), opacity, n);
         }
-        output_matte(opacity_.data(), matte_.data(), n);
-        return matte_;
+        output_matte(opacity, matte_.data() + first, n);
+        return matte_.data() + first;
     }
 
   private:
@@ -76,7 +77,8 @@ std::vector<float> sample_mattes(const Setting& setting, std::span<const PlatedS
     Mattes stages(setting, samples.size());
     for (std::size_t i = 0; i < samples.size(); ++i) stages.put(i, samples[i]);
     stages.normalise();
-    return stages.matte(setting.knobs);
+    const float* const matte = stages.matte(setting.knobs, 0, samples.size());
+    return {matte, matte + samples.size()};
 }
 
 Tuning analyse_add_matte(const Setting& setting, std::span<const PlatedSample> samples,
@@ -91,12 +93,13 @@ Tuning analyse_add_matte(const Setting& setting, std::span<const PlatedSample> s
         Dial::number(&K::brights, 0.0, 1000.0), Dial::number(&K::darks, -500.0, 500.0),
         Dial::number(&K::warm, -1000.0, 1000.0), Dial::number(&K::cool, -1000.0, 1000.0)};
     const std::vector<Ray> rays{{0, 0, 1, 1}, {1, 1, 0, 0}, {1, 0, 1, 0}, {1, 0, 0, 1}, {1, 1, 1, 1}};
-    const auto misses = [&](const KnobStorage& knobs, std::span<double> out) {
-        const std::vector<float>& matte = stages.matte(knobs);
-        for (std::size_t i = 0; i < n; ++i) {
-            const float off = i < asked ? matte[i] : std::abs(matte[i] - mattes[i - asked]);
+    const auto misses = [&](const KnobStorage& knobs, std::size_t first, std::span<double> out) {
+        const float* const matte = stages.matte(knobs, first, out.size());
+        for (std::size_t i = first; i < first + out.size(); ++i) {
+            const float m = matte[i - first];
+            const float off = i < asked ? m : std::abs(m - mattes[i - asked]);
             const bool right = i < asked ? off <= 0.0f : off <= kBackingBound;
-            out[i] = right ? 0.0 : std::isfinite(off) ? static_cast<double>(off) / 255.0 + 1e-9 : 2.0;
+            out[i - first] = right ? 0.0 : std::isfinite(off) ? static_cast<double>(off) / 255.0 + 1e-9 : 2.0;
         }
     };
     return tune(setting.knobs, dials, rays, n, misses);

@@ -59,12 +59,16 @@ ColorMatch match_colors(const Setting& setting, std::span<const Sample> keyed,
     const std::vector<float> opaque(bands, 255.0f);
     TrialControls trial(setting);
     Planes out(bands, color_index);
-    const auto off = [&](const KnobStorage& knobs, std::size_t role, std::span<double> misses) {
-        conform_colour(conform_params(trial.with(knobs)), fg.pixels(), opaque.data(), out.output(), bands);
-        for (std::size_t i = 0; i < bands; ++i) {
+    const auto off = [&](const KnobStorage& knobs, std::size_t role, std::size_t first,
+                         std::span<double> misses) {
+        conform_colour(conform_params(trial.with(knobs)), fg.pixels(first), opaque.data(), out.output(first),
+                       misses.size());
+        for (std::size_t i = first; i < first + misses.size(); ++i) {
             const double miss =
                 std::abs(static_cast<double>(out.role(role)[i]) - static_cast<double>(bg.role(role)[i]));
-            misses[i] = miss <= kMatchBound ? 0.0 : std::isfinite(miss) ? (miss - kMatchBound) / 255.0 : 2.0;
+            misses[i - first] = miss <= kMatchBound   ? 0.0
+                                : std::isfinite(miss) ? (miss - kMatchBound) / 255.0
+                                                      : 2.0;
         }
     };
     const std::vector<Ray> rays{{1, 1, 1},  {1, 1, 0},  {1, 0, 1}, {0, 1, 1},
@@ -75,14 +79,15 @@ ColorMatch match_colors(const Setting& setting, std::span<const Sample> keyed,
             Dial::component(&K::color_darks, component, 0.0, 1.0, 0.5, 1.0 / 200.0),
             Dial::component(&K::color_midtones, component, 0.0, 1.0, 0.5, 1.0 / 200.0),
             Dial::component(&K::color_brights, component, 0.0, 1.0, 0.0, 1.0 / 200.0)};
-        match.tuning.knobs =
-            tune(match.tuning.knobs, dials, rays, bands,
-                 [&](const KnobStorage& knobs, std::span<double> misses) { off(knobs, role, misses); })
-                .knobs;
+        match.tuning.knobs = tune(match.tuning.knobs, dials, rays, bands,
+                                  [&](const KnobStorage& knobs, std::size_t first, std::span<double> misses) {
+                                      off(knobs, role, first, misses);
+                                  })
+                                 .knobs;
     }
     std::vector<double> misses(bands);
     for (std::size_t role = 0; role < 3; ++role) {
-        off(match.tuning.knobs, role, misses);
+        off(match.tuning.knobs, role, 0, misses);
         for (std::size_t i = 0; i < bands; ++i) {
             match.tuning.misses[i] = std::max(match.tuning.misses[i], misses[i]);
         }

@@ -33,12 +33,17 @@ Tuning analyse_matte_samples(const Setting& setting, bool remove_noise,
 
     TrialControls trial(setting);
     std::vector<float> cleaned(n);
-    const auto misses = [&](const KnobStorage& knobs, std::span<double> out) {
-        cleaned = matte;
-        if (knobs.cleanup) cleanup_matte(cleanup_params(trial.with(knobs)), matte.data(), cleaned.data(), n);
-        for (std::size_t i = 0; i < n; ++i) {
+    const auto misses = [&](const KnobStorage& knobs, std::size_t first, std::span<double> out) {
+        const float* result = matte.data();
+        if (knobs.cleanup) {
+            cleanup_matte(cleanup_params(trial.with(knobs)), matte.data() + first, cleaned.data() + first,
+                          out.size());
+            result = cleaned.data();
+        }
+        for (std::size_t i = first; i < first + out.size(); ++i) {
             const float wanted = samples[i].noise ? 255.0f : samples[i].matte;
-            out[i] = cleaned[i] == wanted ? 0.0 : static_cast<double>(std::abs(cleaned[i] - wanted)) / 255.0;
+            const double off = static_cast<double>(std::abs(result[i] - wanted));
+            out[i - first] = result[i] == wanted ? 0.0 : off / 255.0;
         }
     };
     return tune(base, dials, rays, n, misses);

@@ -25,14 +25,15 @@ class Regions {
         plate_.normalise();
     }
 
-    void decide(const KnobStorage& knobs) {
+    // Of n samples from `first` on.
+    void decide(const KnobStorage& knobs, std::size_t first, std::size_t n) {
         const ControlBlock& controls = trial_.with(knobs);
-        const RolePixels fg = fg_.pixels();
-        const RolePixels plate = plate_.pixels();
-        const std::size_t n = samples_.size();
-        if (clean_plate_) crude_matte(crude_matte_params(controls), fg, plate, crude_.data(), n);
+        const RolePixels fg = fg_.pixels(first);
+        const RolePixels plate = plate_.pixels(first);
+        float* const crude = clean_plate_ ? crude_.data() + first : nullptr;
+        if (clean_plate_) crude_matte(crude_matte_params(controls), fg, plate, crude, n);
         clear_region(clear_region_params(controls), fg, clean_plate_ ? &plate : nullptr,
-                     {nullptr, clean_plate_ ? crude_.data() : nullptr, nullptr}, region_.data(), n);
+                     {nullptr, crude, nullptr}, region_.data() + first, n);
     }
     bool agrees(std::size_t i) const { return (region_[i] != 0.0f) == samples_[i].screen; }
 
@@ -48,7 +49,7 @@ class Regions {
 
 std::vector<bool> overlay_agrees(const Setting& setting, std::span<const OverlaySample> samples) {
     Regions regions(setting, samples);
-    regions.decide(setting.knobs);
+    regions.decide(setting.knobs, 0, samples.size());
     std::vector<bool> agrees(samples.size());
     for (std::size_t i = 0; i < samples.size(); ++i) agrees[i] = regions.agrees(i);
     return agrees;
@@ -76,9 +77,9 @@ Tuning analyse_overlay(const Setting& setting, std::span<const OverlaySample> sa
     }
 
     Regions regions(setting, samples);
-    const auto misses = [&](const KnobStorage& knobs, std::span<double> out) {
-        regions.decide(knobs);
-        for (std::size_t i = 0; i < out.size(); ++i) out[i] = regions.agrees(i) ? 0.0 : 1.0;
+    const auto misses = [&](const KnobStorage& knobs, std::size_t first, std::span<double> out) {
+        regions.decide(knobs, first, out.size());
+        for (std::size_t i = 0; i < out.size(); ++i) out[i] = regions.agrees(first + i) ? 0.0 : 1.0;
     };
     return tune(setting.knobs, dials, rays, samples.size(), misses);
 }

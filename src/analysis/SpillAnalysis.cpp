@@ -45,14 +45,17 @@ class Spills {
         return knobs;
     }
 
-    void miss(const KnobStorage& knobs, std::span<double> misses) {
+    // Of samples from `first` on.
+    void miss(const KnobStorage& knobs, std::size_t first, std::span<double> misses) {
         const ControlBlock& controls = trial_.with(knobs);
         const SpillParams spill = spill_params(controls);
-        const std::size_t n = samples_.size();
-        unveil_constant(veil_params(controls), fg_.pixels(), {keyed_.alpha().data(), no_backing_.data()},
-                        unveiled_.output(), opacity_.data(), n);
-        suppress_spill(spill, unveiled_.pixels(), opacity_.data(), no_backing_.data(), out_.output(), n);
-        for (std::size_t i = 0; i < n; ++i) {
+        const std::size_t n = misses.size();
+        float* const opacity = opacity_.data() + first;
+        unveil_constant(veil_params(controls), fg_.pixels(first),
+                        {keyed_.alpha().data() + first, no_backing_.data()}, unveiled_.output(first), opacity,
+                        n);
+        suppress_spill(spill, unveiled_.pixels(first), opacity, no_backing_.data(), out_.output(first), n);
+        for (std::size_t i = first; i < first + n; ++i) {
             const auto level = [i](const Planes& planes, std::size_t role) {
                 return static_cast<double>(planes.role(role)[i]);
             };
@@ -61,7 +64,7 @@ class Spills {
             const double over = samples_[i].restore
                                     ? std::abs(level(out_, 2) - level(keyed_, 2)) - kRestoreBound
                                     : level(out_, 2) - allowed - kRemoveBound;
-            misses[i] = over <= 0.0 ? 0.0 : std::isfinite(over) ? over / 255.0 : 2.0;
+            misses[i - first] = over <= 0.0 ? 0.0 : std::isfinite(over) ? over / 255.0 : 2.0;
         }
     }
 
@@ -84,7 +87,7 @@ class Spills {
 std::vector<bool> spill_agrees(const Setting& setting, const KnobStorage& knobs,
                                std::span<const SpillSample> samples) {
     std::vector<double> misses(samples.size());
-    Spills(setting, samples).miss(knobs, misses);
+    Spills(setting, samples).miss(knobs, 0, misses);
     std::vector<bool> agrees(samples.size());
     std::transform(misses.begin(), misses.end(), agrees.begin(), [](double miss) { return miss == 0.0; });
     return agrees;
@@ -114,6 +117,8 @@ Tuning analyse_spill(const Setting& setting, std::span<const SpillSample> sample
     }
 
     Spills spills(setting, samples);
-    const auto misses = [&](const KnobStorage& knobs, std::span<double> out) { spills.miss(knobs, out); };
+    const auto misses = [&](const KnobStorage& knobs, std::size_t first, std::span<double> out) {
+        spills.miss(knobs, first, out);
+    };
     return tune(Spills::suppressed(setting.knobs), dials, rays, samples.size(), misses);
 }

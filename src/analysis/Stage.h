@@ -42,8 +42,13 @@ class Planes {
     void put(std::size_t i, const VeloxaSample::Sample& sample);
     // From the host's values to the working scale.
     void normalise();
-    RolePixels pixels() const { return {planes_[0].data(), planes_[1].data(), planes_[2].data()}; }
-    RoleOutput output() { return {planes_[0].data(), planes_[1].data(), planes_[2].data()}; }
+    // From sample `first` on.
+    RolePixels pixels(std::size_t first = 0) const {
+        return {planes_[0].data() + first, planes_[1].data() + first, planes_[2].data() + first};
+    }
+    RoleOutput output(std::size_t first = 0) {
+        return {planes_[0].data() + first, planes_[1].data() + first, planes_[2].data() + first};
+    }
     std::vector<float>& role(std::size_t n) { return planes_[n]; }
     const std::vector<float>& role(std::size_t n) const { return planes_[n]; }
     std::vector<float>& alpha() { return planes_[3]; }

@@ -23,27 +23,32 @@ constexpr int kRaySteps = 1024;
 constexpr double kAny = std::numeric_limits<double>::denorm_min();
 
 // The misses at places that were tried: the search passes most of them again for each sample that it takes
-// in. Once it holds kMost numbers it learns no more.
+// in, and often knows enough after a few samples of a place. Samples are judged a chunk at a time. Once it
+// holds kMost numbers it learns no more.
 class Tried {
   public:
-    explicit Tried(std::size_t samples) : samples_(samples), spare_(samples) {}
+    struct Place {
+        double* misses;
+        std::uint64_t judged;  // a bit for each chunk
+    };
 
-    // `judge` writes the misses of a place that is new.
-    template <class Judge>
-    const double* at(const Cells& cells, const Judge& judge) {
+    explicit Tried(std::size_t samples)
+        : samples_(samples), chunk_(std::max(kLeastChunk, (samples + 63) / 64)), spare_(samples) {}
+
+    std::size_t chunk() const { return chunk_; }
+
+    // Holds until the next call.
+    Place& at(const Cells& cells) {
         if (const auto known = places_.find(cells); known != places_.end()) return known->second;
-        double* misses = spare_.data();
-        if ((places_.size() + 1) * samples_ <= kMost) {
-            const std::size_t on_a_page = std::max(kPage / samples_, std::size_t{1});
-            if (places_.size() % on_a_page == 0) pages_.emplace_back(on_a_page * samples_);
-            misses = pages_.back().data() + places_.size() % on_a_page * samples_;
-            places_.emplace(cells, misses);
-        }
-        judge(std::span(misses, samples_));
-        return misses;
+        if ((places_.size() + 1) * samples_ > kMost) return no_place_ = {spare_.data(), 0};
+        const std::size_t on_a_page = std::max(kPage / samples_, std::size_t{1});
+        const std::size_t slot = places_.size() % on_a_page;
+        if (slot == 0) pages_.emplace_back(on_a_page * samples_);
+        return places_.emplace(cells, Place{pages_.back().data() + slot * samples_, 0}).first->second;
     }
 
   private:
+    static constexpr std::size_t kLeastChunk = 32;
     static constexpr std::size_t kMost = std::size_t{1} << 21U;
     static constexpr std::size_t kPage = std::size_t{1} << 14U;
 
@@ -59,9 +64,11 @@ class Tried {
     };
 
     std::size_t samples_;
-    std::unordered_map<Cells, const double*, Hash> places_;
+    std::size_t chunk_;
+    std::unordered_map<Cells, Place, Hash> places_;
     std::vector<std::vector<double>> pages_;
     std::vector<double> spare_;
+    Place no_place_{};
 };
 
 // One search around fixed knobs.
@@ -69,7 +76,7 @@ class Search {
   public:
     Search(const KnobStorage& base, std::span<const Dial> dials, std::span<const Ray> combinations,
            std::size_t samples, const Misses& misses)
-        : base_(base), dials_(dials), misses_(misses), tried_(samples), wanted_(samples) {
+        : base_(base), dials_(dials), misses_(misses), samples_(samples), tried_(samples), wanted_(samples) {
         std::iota(wanted_.begin(), wanted_.end(), std::size_t{0});
         for (std::size_t i = 0; i < dials.size(); ++i) {
             for (const double sign : {1.0, -1.0}) {
@@ -122,11 +129,19 @@ class Search {
 
     // The sum of what the wanted samples miss; once that is not below `enough`, any such number.
     double score(const Cells& cells, double enough = std::numeric_limits<double>::infinity()) {
-        const double* const miss =
-            tried_.at(cells, [&](std::span<double> misses) { misses_(knobs(cells), misses); });
+        Tried::Place& place = tried_.at(cells);
+        std::optional<KnobStorage> trial;
         double sum = 0.0;
         for (const std::size_t i : wanted_) {
-            sum += miss[i];
+            const std::size_t chunk = i / tried_.chunk();
+            if ((place.judged >> chunk & 1U) == 0) {
+                if (!trial) trial = knobs(cells);
+                const std::size_t begin = chunk * tried_.chunk();
+                const std::size_t count = std::min(tried_.chunk(), samples_ - begin);
+                misses_(*trial, begin, {place.misses + begin, count});
+                place.judged |= std::uint64_t{1} << chunk;
+            }
+            sum += place.misses[i];
             if (sum >= enough) break;
         }
         return sum;
@@ -312,6 +327,7 @@ class Search {
     std::span<const Dial> dials_;
     const Misses& misses_;
     std::vector<Ray> rays_;
+    std::size_t samples_;
     Tried tried_;
     std::vector<std::size_t> wanted_;  // the oldest first, as misses are added up
 };
@@ -329,12 +345,12 @@ bool newer_satisfied(std::span<const double> a, std::span<const double> b) {
 Tuning tune(const KnobStorage& present, std::span<const Dial> dials, std::span<const Ray> combinations,
             std::size_t samples, const Misses& misses) {
     Tuning result{present, std::vector<double>(samples)};
-    misses(present, result.misses);
+    misses(present, 0, result.misses);
     for (int round = 0; round < kMostRounds; ++round) {
         if (std::all_of(result.misses.begin(), result.misses.end(), [](double m) { return m == 0.0; })) break;
         const KnobStorage base = result.knobs;
         Tuning tried{Search(base, dials, combinations, samples, misses).run(), std::vector<double>(samples)};
-        misses(tried.knobs, tried.misses);
+        misses(tried.knobs, 0, tried.misses);
         if (!newer_satisfied(tried.misses, result.misses)) break;
         result = std::move(tried);
     }

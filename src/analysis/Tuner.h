@@ -20,8 +20,9 @@
 
 #include "analysis/Dial.h"
 
-// Writes by how much each sample falls short, oldest first: 0 where it says what was asked, else above 0.
-using Misses = std::function<void(const KnobStorage& knobs, std::span<double> misses)>;
+// Writes by how much samples fall short, from number `first` on, oldest first: 0 where one says what was
+// asked, else above 0.
+using Misses = std::function<void(const KnobStorage& knobs, std::size_t first, std::span<double> misses)>;
 
 // A combination of dials to turn together, each by its share of what is left of its range, from -1 to 1.
 using Ray = std::vector<double>;

@@ -18,11 +18,11 @@ struct Asked {
 };
 
 Misses sums(const std::vector<Asked>& asked) {
-    return [asked](const KnobStorage& k, std::span<double> out) {
+    return [asked](const KnobStorage& k, std::size_t first, std::span<double> out) {
         const double sum =
             std::trunc(static_cast<double>(k.brights)) + std::trunc(static_cast<double>(k.darks));
-        for (std::size_t i = 0; i < asked.size(); ++i) {
-            out[i] = std::max({asked[i].low - sum, sum - asked[i].high, 0.0});
+        for (std::size_t i = 0; i < out.size(); ++i) {
+            out[i] = std::max({asked[first + i].low - sum, sum - asked[first + i].high, 0.0});
         }
     };
 }
@@ -66,7 +66,7 @@ TEST(Tuner, LeavesDialsThatAreNoNumberAlone) {
     KnobStorage present;
     present.brights = std::numeric_limits<float>::quiet_NaN();
     present.darks = std::numeric_limits<float>::infinity();
-    const Misses never = [](const KnobStorage&, std::span<double> out) { out[0] = 1.0; };
+    const Misses never = [](const KnobStorage&, std::size_t, std::span<double> out) { out[0] = 1.0; };
     const Tuning tuned = tune(present, kDials, {}, 1, never);
     EXPECT_TRUE(std::isnan(tuned.knobs.brights));
     EXPECT_TRUE(std::isinf(tuned.knobs.darks));
