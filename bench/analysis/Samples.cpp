@@ -134,27 +134,36 @@ void SampledNode::adopt(const KnobStorage& knobs) {
     copy_knobs(knobs_, flags_, controls_);
 }
 
-std::vector<Solver> solvers(Wish wish, std::size_t samples) {
+std::vector<Solver> solvers(Wish wish) {
     std::vector<Solver> made;
+    const auto add = [&made](const std::string& name, bool plated, std::size_t samples, const auto& run) {
+        made.push_back({name + ", " + std::to_string(samples), plated,
+                        [=](const Setting& setting) { return run(setting, samples); }});
+    };
+    constexpr std::size_t kList = VeloxaSample::kCapacity;
     for (const bool plated : {false, true}) {
         const std::string suffix = plated ? ", clean plate" : "";
-        made.push_back({"overlay" + suffix, plated, [wish, samples](const Setting& setting) {
-                            return analyse_overlay(setting, overlay_list(wish, samples));
-                        }});
-        made.push_back({"add matte" + suffix, plated, [wish, samples](const Setting& setting) {
-                            return add_matte(wish, samples, setting);
-                        }});
+        for (const std::size_t most : {kList, 3 * kList}) {  // two saved lists, one of pixels
+            add("overlay" + suffix, plated, most, [wish](const Setting& setting, std::size_t n) {
+                return analyse_overlay(setting, overlay_list(wish, n));
+            });
+        }
+        // Half of them the backing's.
+        add("add matte" + suffix, plated, 2 * kList,
+            [wish](const Setting& setting, std::size_t n) { return add_matte(wish, n, setting); });
     }
     for (const bool noise : {true, false}) {
-        made.push_back({noise ? "remove noise" : "hold shadow", false, [=](const Setting& setting) {
-                            return analyse_matte_samples(setting, noise, matte_list(wish, samples));
-                        }});
+        add(noise ? "remove noise" : "hold shadow", false, kList, [=](const Setting& setting, std::size_t n) {
+            return analyse_matte_samples(setting, noise, matte_list(wish, n));
+        });
     }
-    made.push_back({"spill", false, [wish, samples](const Setting& setting) {
-                        return analyse_spill(setting, spill_list(wish, samples));
-                    }});
-    made.push_back({"match color", false,
-                    [wish, samples](const Setting& setting) { return color_match(wish, samples, setting); }});
+    for (const std::size_t most : {kList, 3 * kList}) {
+        add("spill", false, most, [wish](const Setting& setting, std::size_t n) {
+            return analyse_spill(setting, spill_list(wish, n));
+        });
+    }
+    add("match color", false, kList,
+        [wish](const Setting& setting, std::size_t n) { return color_match(wish, n, setting); });
     return made;
 }
 

@@ -40,7 +40,7 @@ struct Solver {
     std::function<Tuning(const Setting&)> run;
 };
 
-// Every analysis with `samples` samples, which is all that it counts.
-std::vector<Solver> solvers(Wish wish, std::size_t samples);
+// Every analysis with as many samples as one list holds, and as many as a session can bring together.
+std::vector<Solver> solvers(Wish wish);
 
 }  // namespace bench

@@ -10,9 +10,6 @@ namespace bench {
 
 namespace {
 
-// Two saved lists and two of extreme pixels; no other analysis counts as many.
-constexpr std::size_t kMost = 4 * VeloxaSample::kCapacity;
-
 // As far as pictures can tell them apart.
 bool same(const SampledNode& node, const Tuning& a, const Tuning& b) {
     TrialControls controls(node.setting());
@@ -60,12 +57,10 @@ void register_benchmarks() {
     } wishes[] = {{"agreeable", Wish::kAgreeable},
                   {"contradictory", Wish::kContradictory},
                   {"scattered", Wish::kScattered}};
-    for (const std::size_t samples : {VeloxaSample::kCapacity, kMost}) {
-        for (const auto& [text, wish] : wishes) {
-            for (const Solver& solver : solvers(wish, samples)) {
-                const std::string name = solver.name + ", " + std::to_string(samples) + " " + text;
-                benchmark::RegisterBenchmark(name.c_str(), solve, solver)->Iterations(1);
-            }
+    for (const auto& [text, wish] : wishes) {
+        for (const Solver& solver : solvers(wish)) {
+            const std::string name = solver.name + " " + text;
+            benchmark::RegisterBenchmark(name.c_str(), solve, solver)->Iterations(1);
         }
     }
 }
