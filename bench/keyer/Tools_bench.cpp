@@ -105,7 +105,7 @@ class Session {
     std::mt19937 random_{7};
 };
 
-constexpr int kPairs = 12;
+constexpr int kPairs = 6;
 
 // Milliseconds of processor time that each stroke of the first tool took, ascending. A run keeps to its
 // thread, so that this is what a quiet machine's clock would show.
