@@ -1,6 +1,7 @@
 #include "ZoImage/Render.h"
 
 #include <algorithm>
+#include <atomic>
 #include <exception>
 #include <limits>
 #include <mutex>
@@ -31,6 +32,21 @@ int least_rows_of_a_range(const RequestPass& pass) {
     return std::clamp((tallest - 1) * kRowsPerSeam, kLeastRange, kMostSeparation);
 }
 
+// Runs every job exactly once, whatever the source does.
+void run_all(ThreadSource& source, int count, const std::function<void(int)>& job) {
+    if (count == 1) {
+        job(0);
+        return;
+    }
+    std::vector<std::atomic<bool>> begun(static_cast<std::size_t>(count));
+    const auto once = [&](int index) {
+        if (index < 0 || index >= count || begun[static_cast<std::size_t>(index)].exchange(true)) return;
+        job(index);
+    };
+    source.run(count, once);
+    for (int index = 0; index < count; ++index) once(index);
+}
+
 // Plans the rendering of a region: the whole frame tells how many rows are in use at once, the region
 // which spans and channels are wanted.
 RequestPass plan(Iop& root, const Box& region, ChannelSet channels) {
@@ -45,9 +61,11 @@ RequestPass plan(Iop& root, const Box& region, ChannelSet channels) {
 }  // namespace
 
 struct Renderer::Impl {
-    Impl(int threads, const AbortFlag* flag) : pool(threads), abort(flag) {}
+    Impl(std::unique_ptr<WorkerPool> pool, ThreadSource& threads, const AbortFlag* flag)
+        : own(std::move(pool)), source(threads), abort(flag) {}
 
-    WorkerPool pool;
+    std::unique_ptr<WorkerPool> own;  // null when the threads are somebody else's
+    ThreadSource& source;
     const AbortFlag* abort;
     bool measure_time = false;
     RowCache* cache = nullptr;
@@ -57,13 +75,18 @@ struct Renderer::Impl {
 
 Renderer::Renderer(int threads, const AbortFlag* abort) {
     const int processors = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
-    impl_ = std::make_unique<Impl>(threads > 0 ? threads : processors, abort);
+    auto own = std::make_unique<WorkerPool>(threads > 0 ? threads : processors);
+    ThreadSource& source = *own;
+    impl_ = std::make_unique<Impl>(std::move(own), source, abort);
 }
+
+Renderer::Renderer(ThreadSource& threads, const AbortFlag* abort)
+    : impl_(std::make_unique<Impl>(nullptr, threads, abort)) {}
 
 Renderer::~Renderer() = default;
 
 int Renderer::threads() const {
-    return impl_->pool.threads();
+    return std::max(1, impl_->source.threads());
 }
 
 void Renderer::measure_time(bool on) {
@@ -126,7 +149,7 @@ bool Renderer::render(Iop& root, const Box& region, ChannelSet channels, const S
             stats[slot].time += path.work(slot).time;
         }
     };
-    impl_->pool.run(workers, work);
+    run_all(impl_->source, workers, work);
 
     for (std::size_t slot = 0; slot < stats.size(); ++slot) stats[slot].op = pass.ops()[slot];
     cached.learn(stats, complete);
