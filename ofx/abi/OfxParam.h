@@ -86,6 +86,8 @@ typedef struct OfxParameterSuiteV1 {
 #define kOfxParamPropDimensionLabel "OfxParamPropDimensionLabel"                   /* string x dimensions */
 #define kOfxParamPropDoubleType "OfxParamPropDoubleType"                           /* string */
 #define kOfxParamPropDefaultCoordinateSystem "OfxParamPropDefaultCoordinateSystem" /* string */
+/* bool: the host draws a handle for the point; the string does begin with a k. */
+#define kOfxParamPropUseHostOverlayHandle "kOfxParamPropUseHostOverlayHandle"
 #define kOfxParamCoordinatesCanonical "OfxParamCoordinatesCanonical"
 #define kOfxParamCoordinatesNormalised "OfxParamCoordinatesNormalised"
 #define kOfxParamDoubleTypePlain "OfxParamDoubleTypePlain"
