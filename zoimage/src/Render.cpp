@@ -7,10 +7,12 @@
 #include <mutex>
 #include <thread>
 
+#include "BufferPool.h"
 #include "CachedRender.h"
 #include "RequestPass.h"
 #include "RowPath.h"
 #include "RowRanges.h"
+#include "ThisThread.h"
 #include "WorkerPool.h"
 #include "ZoImage/Iop.h"
 
@@ -69,6 +71,7 @@ struct Renderer::Impl {
     const AbortFlag* abort;
     bool measure_time = false;
     RowCache* cache = nullptr;
+    BufferPools pools;
     PlaneStore planes{std::numeric_limits<std::size_t>::max()};
     std::vector<OpStats> stats;
 };
@@ -120,33 +123,37 @@ bool Renderer::render(Iop& root, const Box& region, ChannelSet channels, const S
     std::exception_ptr failure;
     bool complete = true;
 
-    const auto work = [&](int worker) {
-        std::exception_ptr thrown;
+    const auto walk = [&](int worker) {
+        const BufferPools::Lease buffers(impl_->pools);
         RowPath path(pass, cached, state);
+        const Use use(&ThisThread::path, path);
         bool finished = true;
-        try {
-            const RowPath::Use use(path);
-            for (Band band = ranges.take(worker, kBandRows); finished && !band.empty();
-                 band = ranges.take(worker, kBandRows)) {
-                for (int y = band.y; y < band.t; ++y) {
-                    Row row(region.x, region.r);
-                    row.get(root, y, channels);
-                    finished = !path.aborted();
-                    if (!finished) break;
-                    sink(y, row);
-                }
+        for (Band band = ranges.take(worker, kBandRows); finished && !band.empty();
+             band = ranges.take(worker, kBandRows)) {
+            for (int y = band.y; y < band.t; ++y) {
+                Row row(region.x, region.r);
+                row.get(root, y, channels);
+                finished = !path.aborted();
+                if (!finished) break;
+                sink(y, row);
             }
-        } catch (...) {
-            thrown = std::current_exception();
-            state.stop = true;
-            finished = false;
         }
         const std::lock_guard hold(mutex);
         complete = complete && finished;
-        if (thrown && !failure) failure = thrown;
         for (std::size_t slot = 0; slot < stats.size(); ++slot) {
             stats[slot].rows += path.work(slot).rows;
             stats[slot].time += path.work(slot).time;
+        }
+    };
+    // Not even a lack of memory may leave a job as an exception: the thread may be anybody's.
+    const auto work = [&](int worker) {
+        try {
+            walk(worker);
+        } catch (...) {
+            state.stop = true;
+            const std::lock_guard hold(mutex);
+            complete = false;
+            if (!failure) failure = std::current_exception();
         }
     };
     run_all(impl_->source, workers, work);
