@@ -35,9 +35,10 @@ Sample from_float(float v) {
     if constexpr (std::is_same_v<Sample, float>) {
         return v;
     } else {
-        constexpr float kWhite = static_cast<Sample>(-1);
+        // Exact in double; in float the sum would round once more.
+        constexpr double kWhite = static_cast<Sample>(-1);
         const float clipped = v > 0.0f ? (v < 1.0f ? v : 1.0f) : 0.0f;
-        return static_cast<Sample>(clipped * kWhite + 0.5f);
+        return static_cast<Sample>(static_cast<double>(clipped) * kWhite + 0.5);
     }
 }
 
