@@ -12,11 +12,13 @@ using namespace Zo::Image;
 
 namespace {
 
+// Without properties where the host does not know the type.
 Properties define(OfxParamSetHandle set, const char* type, const std::string& name,
                   const std::string& label) {
     OfxPropertySetHandle properties = nullptr;
-    check(suites().parameter->paramDefine(set, type, name.c_str(), &properties),
-          "a parameter could not be defined");
+    const OfxStatus status = suites().parameter->paramDefine(set, type, name.c_str(), &properties);
+    if (status == kOfxStatErrUnknown || status == kOfxStatErrUnsupported) return Properties(nullptr);
+    check(status, "a parameter could not be defined");
     const Properties p(properties);
     p.set(kOfxPropLabel, label);
     p.set(kOfxParamPropScriptName, name);
