@@ -148,4 +148,25 @@ TEST(ThreadSource, AbortAndExceptionsComeThrough) {
     }
 }
 
+// Threads with graphs of their own have nothing in common but the image that stands in for missing inputs.
+TEST(ThreadSource, GraphsOnSeveralThreads) {
+    std::atomic<int> wrong{0};
+    const auto wire_and_render = [&](int thread) {
+        for (int round = 0; round < 200; ++round) {
+            test::FunctionSource source({0, 0, 8, 4}, kMaskRgba,
+                                        [&](Channel, int, int) { return static_cast<float>(thread); });
+            ColumnSums open(nullptr);
+            open.set_input(0, open.default_input(0));
+            const test::Picture nothing = test::render(open, {0, 0, 8, 4});
+            wrong += nothing.at(kAlpha, 3, 2) != 0.0f;
+            open.set_input(0, &source);
+            const test::Picture sums = test::render(open, {0, 0, 8, 4});
+            // Rows beyond the source's box repeat the nearest.
+            wrong += sums.at(kAlpha, 3, 2) != static_cast<float>(400 * thread);
+        }
+    };
+    new_threads(4, wire_and_render);
+    EXPECT_EQ(wrong, 0);
+}
+
 }  // namespace
