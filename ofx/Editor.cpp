@@ -131,8 +131,8 @@ void Editor::edit(std::size_t n, const Moment& moment, const Work& work) {
     load();
 }
 
-void Editor::press(std::size_t n, const Moment& moment) {
-    edit(n, moment, [&] { node_.panel().press(*list().parameters()[n].knob); });
+void Editor::press(std::size_t n, OfxTime time) {
+    edit(n, {time, kFullSize}, [&] { node_.panel().press(*list().parameters()[n].knob); });
 }
 
 std::string Editor::use_tool(std::size_t n, const Moment& moment, const Pictures& pictures) {

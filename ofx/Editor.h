@@ -19,7 +19,7 @@ using Pictures = std::array<std::optional<Image>, kInputs>;
 
 class Editor {
   public:
-    // The images' scale and the time of an edit.
+    // The time of an edit, and the scale of its images.
     struct Moment {
         OfxTime time;
         RenderScale scale;
@@ -34,9 +34,10 @@ class Editor {
     // Takes over the present values of all parameters, or what became of one.
     void load();
     void follow(std::size_t n);
-    // Presses a button. What the node changes goes to the parameters as one undoable step.
-    void press(std::size_t n, const Moment& moment);
-    // Uses a tool over the sampling rectangle. Returns what the user has to know of it, empty for nothing.
+    // Presses a button that is no tool. What the node changes goes to the parameters as one undoable step.
+    void press(std::size_t n, OfxTime time);
+    // Uses a tool over the sampling rectangle, likewise. Returns what the user has to know of it, empty for
+    // nothing.
     std::string use_tool(std::size_t n, const Moment& moment, const Pictures& pictures);
 
   private:

@@ -97,9 +97,10 @@ void Instance::require_foreground() const {
 Pictures Instance::fetch(OfxTime time, const RenderScale& scale, bool whole) const {
     Pictures pictures;
     for (std::size_t n = 0; n < kInputs; ++n) {
+        if (!connected(n)) continue;
         OfxRectD region;
-        const OfxRectD* const wanted = whole && extent(n, time, region) ? &region : nullptr;
-        if (connected(n)) pictures[n].emplace(inputs_[n].handle, time, wanted, scale);
+        const bool all = whole && extent(n, time, region) && !is_endless(PixelGrid{}.pixels(region));
+        pictures[n].emplace(inputs_[n].handle, time, all ? &region : nullptr, scale);
     }
     return pictures;
 }
@@ -131,7 +132,7 @@ OfxStatus Instance::changed(OfxPropertySetHandle in, OfxPropertySetHandle /*out*
                                 {arguments.number(kOfxImageEffectPropRenderScale, 1.0, 0),
                                  arguments.number(kOfxImageEffectPropRenderScale, 1.0, 1)}};
     if (!editor_.is_tool(*n)) {
-        editor_.press(*n, moment);
+        editor_.press(*n, moment.time);
         return kOfxStatOK;
     }
     require_foreground();

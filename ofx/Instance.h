@@ -49,6 +49,7 @@ class Instance {
     void require_foreground() const;
 
     void render_window(OfxPropertySetHandle in);
+    // The images of what is connected: as much as the render asked for before, or the whole frames.
     Pictures fetch(OfxTime time, const RenderScale& scale, bool whole) const;
 
     OfxImageEffectHandle effect_;
