@@ -154,6 +154,7 @@ OfxStatus set_persistent(void* effect, const char* type, const char*, const char
 
 OfxStatus clear_persistent(void*) {
     begin_call();
+    services().add_message("*cleared");
     return kOfxStatOK;
 }
 
