@@ -152,7 +152,7 @@ TEST(ThreadSource, AbortAndExceptionsComeThrough) {
 TEST(ThreadSource, GraphsOnSeveralThreads) {
     std::atomic<int> wrong{0};
     const auto wire_and_render = [&](int thread) {
-        for (int round = 0; round < 200; ++round) {
+        for (int round = 0; round < 60; ++round) {
             test::FunctionSource source({0, 0, 8, 4}, kMaskRgba,
                                         [&](Channel, int, int) { return static_cast<float>(thread); });
             ColumnSums open(nullptr);
