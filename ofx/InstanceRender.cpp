@@ -39,6 +39,9 @@ void clear_around(const PixelView& output, const Box& window, const Box& inside,
 OfxStatus Instance::render(OfxPropertySetHandle in, OfxPropertySetHandle /*out*/) {
     try {
         render_window(in);
+    } catch (const Failure& failure) {
+        if (failure.what()[0] != '\0') error_shown_ = true;
+        throw;
     } catch (...) {
         error_shown_ = true;
         throw;
