@@ -1,6 +1,7 @@
 #include "ClipImage.h"
 
 #include <algorithm>
+#include <array>
 
 #include "Image.h"
 
@@ -56,6 +57,7 @@ void ClipImage::engine(int y, int x, int r, const ChannelSet& channels, Row& row
     const int from = role_ == Role::kPicture ? x : std::clamp(frame_.x, x, r);
     const int to = role_ == Role::kPicture ? r : std::clamp(frame_.r, from, r);
     const bool below_or_above = role_ != Role::kPicture && (y < frame_.y || y >= frame_.t);
+    std::array<float*, 4> places{};
     for (const Channel c : channels) {
         const int n = kMaskRgba.has(c) ? component(c) : -1;
         if (n < 0 || view_.empty() || below_or_above || from >= to) {
@@ -64,9 +66,10 @@ void ClipImage::engine(int y, int x, int r, const ChannelSet& channels, Row& row
         }
         float* const out = row.overwrite(c);
         std::fill(out, out + (from - x), 0.0f);
-        read_component(view_, n, y, from, to, out + (from - x));
         std::fill(out + (to - x), out + (r - x), 0.0f);
+        places[static_cast<std::size_t>(n)] = out + (from - x);
     }
+    if (places != std::array<float*, 4>{}) read_row(view_, y, from, to, places);
 }
 
 }  // namespace veloxa::ofx

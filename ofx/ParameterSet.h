@@ -1,6 +1,6 @@
 // The parameters of one instance of the effect: reads their values, writes those that the node changed.
 //
-// value_at() from any thread; the rest in the actions that may set parameters.
+// What only reads may be called from any thread; the rest in the actions that may set parameters.
 #pragma once
 
 #include <optional>

@@ -42,61 +42,85 @@ Sample from_float(float v) {
     }
 }
 
-// By copy: nothing is promised of the memory's alignment.
-template <class Sample>
-void read(const std::byte* from, std::size_t stride, float* out, int count) {
+// All components of a pixel at once, which the compiler turns into shuffles of whole vectors.
+template <class Sample, int kComponents>
+void read_all(const Sample* in, const std::array<float*, 4>& out, int count) {
+    float* __restrict const a = out[0];
+    float* __restrict const b = out[1];
+    float* __restrict const c = out[2];
+    float* __restrict const d = out[3];
     for (int i = 0; i < count; ++i) {
-        Sample sample;
-        std::memcpy(&sample, from + static_cast<std::size_t>(i) * stride, sizeof sample);
-        out[i] = to_float(sample);
+        a[i] = to_float(in[kComponents * i]);
+        b[i] = to_float(in[kComponents * i + 1]);
+        c[i] = to_float(in[kComponents * i + 2]);
+        if constexpr (kComponents == 4) d[i] = to_float(in[kComponents * i + 3]);
     }
 }
 
 template <class Sample>
-void write(const float* in, std::byte* to, std::size_t stride, int count) {
-    for (int i = 0; i < count; ++i) {
-        const auto sample = from_float<Sample>(in[i]);
-        std::memcpy(to + static_cast<std::size_t>(i) * stride, &sample, sizeof sample);
+void read(const std::byte* from, int components, const std::array<float*, 4>& out, int count) {
+    const auto* const in = reinterpret_cast<const Sample*>(from);
+    const bool colour = out[0] != nullptr && out[1] != nullptr && out[2] != nullptr;
+    if (components == 4 && colour && out[3] != nullptr) return read_all<Sample, 4>(in, out, count);
+    if (components == 3 && colour) return read_all<Sample, 3>(in, out, count);
+    for (int n = 0; n < components; ++n) {
+        float* const to = out[static_cast<std::size_t>(n)];
+        for (int i = 0; to != nullptr && i < count; ++i) to[i] = to_float(in[components * i + n]);
+    }
+}
+
+template <class Sample>
+void write(const std::array<const float*, 4>& in, std::byte* to, int components, int count) {
+    auto* __restrict const out = reinterpret_cast<Sample*>(to);
+    if (components == 4) {
+        for (int i = 0; i < count; ++i) {
+            out[4 * i] = from_float<Sample>(in[0][i]);
+            out[4 * i + 1] = from_float<Sample>(in[1][i]);
+            out[4 * i + 2] = from_float<Sample>(in[2][i]);
+            out[4 * i + 3] = from_float<Sample>(in[3][i]);
+        }
+        return;
+    }
+    for (int n = 0; n < components; ++n) {
+        const float* const from = in[components == 1 ? 3 : static_cast<std::size_t>(n)];
+        for (int i = 0; i < count; ++i) out[components * i + n] = from_float<Sample>(from[i]);
     }
 }
 
 }  // namespace
 
-void read_component(const PixelView& view, int n, int y, int x, int r, float* out) {
+void read_row(const PixelView& view, int y, int x, int r, const std::array<float*, 4>& out) {
     const Zo::Image::Box& box = view.bounds;
     y = std::clamp(y, box.y, box.t - 1);
     // The part of the span that is there, at least one pixel for the rest to repeat.
     const int from = std::clamp(x, box.x, box.r - 1);
     const int count = std::max(1, std::min(r, box.r) - from);
-    float* const target = out + std::clamp(from - x, 0, r - x - 1);
-    const std::size_t sample = sample_bytes(view.depth);
-    const std::size_t stride = sample * static_cast<std::size_t>(view.components);
-    const std::byte* const at = address(view, y, from) + sample * static_cast<std::size_t>(n);
+    const int before = std::clamp(from - x, 0, r - x - 1);
+    std::array<float*, 4> target = out;
+    for (float*& pixels : target) pixels = pixels != nullptr ? pixels + before : nullptr;
+    const std::byte* const at = address(view, y, from);
     if (view.depth == Depth::kByte) {
-        read<std::uint8_t>(at, stride, target, count);
+        read<std::uint8_t>(at, view.components, target, count);
     } else if (view.depth == Depth::kShort) {
-        read<std::uint16_t>(at, stride, target, count);
+        read<std::uint16_t>(at, view.components, target, count);
     } else {
-        read<float>(at, stride, target, count);
+        read<float>(at, view.components, target, count);
     }
-    std::fill(out, target, target[0]);
-    std::fill(target + count, out + (r - x), target[count - 1]);
+    for (std::size_t n = 0; n < static_cast<std::size_t>(view.components); ++n) {
+        if (out[n] == nullptr) continue;
+        std::fill(out[n], target[n], target[n][0]);
+        std::fill(target[n] + count, out[n] + (r - x), target[n][count - 1]);
+    }
 }
 
 void write_row(const PixelView& view, int y, int x, int r, const std::array<const float*, 4>& rgba) {
-    const std::size_t sample = sample_bytes(view.depth);
-    const std::size_t stride = sample * static_cast<std::size_t>(view.components);
     std::byte* const at = address(view, y, x);
-    for (int n = 0; n < view.components; ++n) {
-        const float* const in = rgba[view.components == 1 ? 3 : static_cast<std::size_t>(n)];
-        std::byte* const to = at + sample * static_cast<std::size_t>(n);
-        if (view.depth == Depth::kByte) {
-            write<std::uint8_t>(in, to, stride, r - x);
-        } else if (view.depth == Depth::kShort) {
-            write<std::uint16_t>(in, to, stride, r - x);
-        } else {
-            write<float>(in, to, stride, r - x);
-        }
+    if (view.depth == Depth::kByte) {
+        write<std::uint8_t>(rgba, at, view.components, r - x);
+    } else if (view.depth == Depth::kShort) {
+        write<std::uint16_t>(rgba, at, view.components, r - x);
+    } else {
+        write<float>(rgba, at, view.components, r - x);
     }
 }
 

@@ -23,9 +23,9 @@ struct PixelView {
     bool empty() const { return data == nullptr || bounds.empty(); }
 };
 
-// Component n of row y, columns x to r - 1, in the order of the pixel's components. Beyond the bounds the
-// nearest pixel repeats. The view must not be empty.
-void read_component(const PixelView& view, int n, int y, int x, int r, float* out);
+// Reads row y, columns x to r - 1: each of the pixel's components, in their order, to the place given for it;
+// null leaves it out. Beyond the bounds the nearest pixel repeats. The view must not be empty.
+void read_row(const PixelView& view, int y, int x, int r, const std::array<float*, 4>& out);
 
 // Writes row y, columns x to r - 1, all inside the bounds. `rgba` points at column x of each channel; a view
 // of three components drops alpha, one of one component takes only that.
