@@ -172,15 +172,18 @@ TEST_F(Hosts, LoadingAHundredTimesLeavesNothing) {
         host_.reset();
     };
     for (int i = 0; i < 10; ++i) once();
-    const std::size_t pages = mapped_pages();
     const std::ptrdiff_t threads = thread_count();
-    const std::size_t heap = mallinfo2().uordblks;
-    for (int i = 0; i < 100; ++i) once();
+    // Which of malloc's arenas a thread takes is chance, and moves a few kilobytes; a leak grows every time.
+    bool steady = false;
+    for (int round = 0; round < 3 && !steady; ++round) {
+        const std::size_t pages = mapped_pages();
+        const std::size_t heap = mallinfo2().uordblks;
+        for (int i = 0; i < 100; ++i) once();
+        steady = !kPlain || (mallinfo2().uordblks <= heap + 4096 && mapped_pages() <= pages + 64);
+    }
+    EXPECT_TRUE(steady);
     EXPECT_FALSE(is_mapped());
     EXPECT_EQ(thread_count(), threads);
-    if (!kPlain) return;
-    EXPECT_LE(mallinfo2().uordblks, heap + 4096);
-    EXPECT_LE(mapped_pages(), pages + 64);
 }
 
 }  // namespace
