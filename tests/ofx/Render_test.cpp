@@ -216,6 +216,24 @@ TEST_F(Render, RegionsHoldWhatIsRead) {
     EXPECT_EQ(rod.y2, kFrame.y2);
 }
 
+TEST_F(Render, ClipsComeAndGo) {
+    const Settings settings = kLooks[3].second;
+    Clips clips = all_clips();
+    const auto effect = instance(clips, settings);
+    for (const char* clip : {"bg", "gm", "cp", "hm"}) {
+        effect->render();
+        effect->connect(clip, nullptr);
+        const Source gone = clips.at(clip);
+        clips.erase(clip);
+        EXPECT_EQ(differences(effect->render(), Reference(clips, settings).render()), 0)
+            << "without " << clip;
+        if (clip == std::string("gm")) continue;
+        effect->connect(clip, &gone);
+        clips[clip] = gone;
+        EXPECT_EQ(differences(effect->render(), Reference(clips, settings).render()), 0) << "with " << clip;
+    }
+}
+
 TEST_F(Render, ImagesWithoutIdentifiersAndOfOtherSizes) {
     Clips clips = all_clips();
     for (auto& [name, source] : clips) source.identified = false;
