@@ -1,5 +1,4 @@
 // Hosts that lack something, frames that fail, and the binary coming and going.
-#include <dlfcn.h>
 #include <malloc.h>
 
 #include <cmath>

@@ -120,7 +120,6 @@ void OfxTest::SetUp() {
     services().threads = 2;
     services().threads_fail = false;
     services().time = 0.0;
-    services().cancel_progress = false;
     take_faults();
     services().take_messages();
 }

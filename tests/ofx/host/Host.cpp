@@ -104,7 +104,7 @@ const void* Host::fetch_suite(OfxPropertySetHandle handle, const char* name, int
         {"OfxMessageSuite 2", &message_suite_2()},        {"OfxProgressSuite 1", &progress_suite_1()},
         {"OfxProgressSuite 2", &progress_suite_2()},      {"OfxTimeLineSuite 1", &time_line_suite()}};
     begin_call();
-    // The set is the first host's member that knows about missing suites.
+    // Of the host only its property set comes along: what it lacks is noted there.
     const PropertySet* props = PropertySet::from(handle);
     if (props == nullptr) return nullptr;
     const std::string key = std::string(name) + ' ' + std::to_string(version);

@@ -45,7 +45,6 @@ class PropertySet {
     const std::string& string_at(const std::string& name, int i = 0) const {
         return std::get<std::string>(at(name, i));
     }
-    void* pointer_at(const std::string& name, int i = 0) const { return std::get<void*>(at(name, i)); }
     std::vector<std::string> strings(const std::string& name) const;
 
     OfxPropertySetHandle handle() { return reinterpret_cast<OfxPropertySetHandle>(this); }

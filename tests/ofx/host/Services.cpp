@@ -167,7 +167,7 @@ OfxStatus progress_start(void*) {
 OfxStatus progress_update(void*, double done) {
     begin_call();
     if (!(done >= 0.0 && done <= 1.0)) note_fault("progress beyond 0 to 1");
-    return services().cancel_progress ? kOfxStatReplyNo : kOfxStatReplyYes;
+    return kOfxStatReplyYes;
 }
 
 OfxStatus progress_end(void*) {

@@ -19,7 +19,6 @@ struct Services {
     int threads = 2;                     // that multiThread runs jobs on; 1 is the calling thread
     bool threads_fail = false;           // multiThread launches none
     double time = 0.0;                   // of the time line
-    bool cancel_progress = false;        // the user says no
     std::atomic<int> parallel_calls{0};  // of multiThread
     std::atomic<long> blocks{0};         // of the memory suite, not freed
     std::atomic<int> mutexes{0};         // not destroyed
