@@ -1,13 +1,25 @@
 # A thin wrapper over the CMake presets. `make demo` and `make test` work on a fresh Debian 12 system: they
 # install the packages that are missing first. SKIP_DEPS=1 leaves the system's packages alone.
 #
+# make install PREFIX=/usr puts the products where the system and OpenFX hosts look; DESTDIR goes before that.
 # make bench BENCH_ARGS=--benchmark_filter=REGEX runs some of the benchmarks.
 
-.PHONY: build deps demo test bench asan tsan debug format format-check tidy check-house clean
+.PHONY: build bundle install deps demo test bench asan tsan debug format format-check tidy check-house clean
 
 build: deps
 	cmake --preset release
 	cmake --build --preset release
+
+PREFIX ?= /usr/local
+
+bundle: deps
+	cmake --preset release
+	cmake --build --preset release --target veloxa_ofx
+
+install: deps
+	cmake --preset release
+	cmake --build --preset release --target veloxa Veloxa veloxa_ofx
+	cmake --install build --prefix "$(PREFIX)"
 
 deps:
 	@[ -n "$(SKIP_DEPS)" ] || tools/deps.sh

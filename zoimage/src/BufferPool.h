@@ -1,9 +1,14 @@
-// Memory for rows: a pool per thread, so that taking and giving back costs neither a lock nor, once warm,
-// an allocation.
+// Memory for rows. Each job of a render has a pool to itself, so that taking and giving back costs neither a
+// lock nor, once warm, an allocation. Outside a render rows take theirs from the heap.
 #pragma once
 
 #include <cstddef>
+#include <memory>
+#include <mutex>
 #include <vector>
+
+#include "ThisThread.h"
+#include "ZoImage/Row.h"
 
 namespace Zo::Image {
 
@@ -19,34 +24,61 @@ struct RowBuffer {
 
 class BufferPool {
   public:
-    static BufferPool& of_this_thread();
-    // Takes one reference away; the last one gives the buffer back to this thread's pool.
-    static void release(RowBuffer* buffer) {
-        if (--buffer->references == 0 && buffer->capacity != 0) of_this_thread().put_back(buffer);
-    }
-
     BufferPool() = default;
     BufferPool(const BufferPool&) = delete;
     BufferPool& operator=(const BufferPool&) = delete;
-    ~BufferPool() { trim(); }
+    ~BufferPool();
 
-    // A buffer of at least `floats` floats, contents undefined, one reference.
-    RowBuffer* take(std::size_t floats);
-    // Gives the unused buffers back to the system.
-    void trim();
+    // A buffer of at least `floats` floats for a row of this thread, contents undefined, one reference.
+    static RowBuffer* take(std::size_t floats);
+    // Takes one reference away; the last one gives the buffer back.
+    static void release(RowBuffer* buffer) {
+        if (--buffer->references == 0 && buffer->capacity != 0) give_back(buffer);
+    }
 
-    // At least `floats` zeros, which stay valid as long as the thread.
-    const float* zeros(std::size_t floats);
+    // Empty lists of rows, which keep their room for the thread's next tile.
+    static std::vector<Row> take_list();
+    static void give_back(std::vector<Row> list);
 
   private:
-    void put_back(RowBuffer* buffer);
+    static void give_back(RowBuffer* buffer);
 
     struct FreeList {
         std::size_t capacity;
         RowBuffer* head;
     };
     std::vector<FreeList> free_;
-    std::vector<std::vector<float>> zeros_;  // growing sizes; old ones stay because rows point at them
+    std::vector<std::vector<Row>> lists_;
 };
+
+// The pools of a renderer's jobs; there are as many as ever worked at once.
+class BufferPools {
+  public:
+    // Gives the calling thread a pool for a scope.
+    class Lease {
+      public:
+        explicit Lease(BufferPools& pools)
+            : pools_(pools), pool_(pools.take()), use_(&ThisThread::buffers, *pool_) {}
+        ~Lease() { pools_.give_back(std::move(pool_)); }
+        Lease(const Lease&) = delete;
+        Lease& operator=(const Lease&) = delete;
+
+      private:
+        BufferPools& pools_;
+        std::unique_ptr<BufferPool> pool_;
+        Use<BufferPool> use_;
+    };
+
+  private:
+    std::unique_ptr<BufferPool> take();
+    void give_back(std::unique_ptr<BufferPool> pool);
+
+    std::mutex mutex_;
+    std::size_t made_ = 0;
+    std::vector<std::unique_ptr<BufferPool>> idle_;
+};
+
+// At least `floats` zeros, which stay as long as the engine. Any thread.
+const float* zeros(std::size_t floats);
 
 }  // namespace Zo::Image

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <thread>
 
+#include "BufferPool.h"
 #include "RowPath.h"
 #include "RowRanges.h"
 #include "ZoImage/Iop.h"
@@ -17,20 +18,10 @@ namespace {
 constexpr int kBandRows = 16;
 constexpr int kLeastRange = 64;
 
-// Row lists that tiles of this thread use again, so that a tile allocates nothing.
-std::vector<std::vector<Row>>& spare_rows() {
-    thread_local std::vector<std::vector<Row>> spare;
-    return spare;
-}
-
 }  // namespace
 
-GeneralTile::GeneralTile(Iop& source, const Box& box, ChannelSet channels) : box_(box) {
-    if (!spare_rows().empty()) {
-        rows_ = std::move(spare_rows().back());
-        spare_rows().pop_back();
-    }
-    rows_.clear();
+GeneralTile::GeneralTile(Iop& source, const Box& box, ChannelSet channels)
+    : box_(box), rows_(BufferPool::take_list()) {
     rows_.reserve(static_cast<std::size_t>(std::max(0, box.height())));
     for (int y = box.y; y < box.t; ++y) {
         rows_.emplace_back(box.x, box.r).get(source, y, channels);
@@ -39,8 +30,7 @@ GeneralTile::GeneralTile(Iop& source, const Box& box, ChannelSet channels) : box
 }
 
 GeneralTile::~GeneralTile() {
-    rows_.clear();
-    spare_rows().push_back(std::move(rows_));
+    BufferPool::give_back(std::move(rows_));
 }
 
 bool fetch_rows(std::span<const RowSource> sources, const Box& box, Lock* helpers, const RowSink& sink) {

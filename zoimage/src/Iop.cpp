@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cstddef>
+#include <new>
 
 #include "RequestPass.h"
 #include "RowPath.h"
@@ -12,7 +14,7 @@ namespace {
 
 class Black final : public Iop {
   public:
-    Black() : Iop(NodeContext{}) {}
+    Black() : Iop(NodeContext{}) { serve_all_graphs(); }
     const char* class_name() const override { return "Black"; }
 
   protected:
@@ -27,7 +29,9 @@ void set_zero(ChannelSet channels, Row& row) {
 }  // namespace
 
 Iop& Iop::black() {
-    static Black black;
+    // Never destroyed, for operators that read it may outlive any static object.
+    alignas(Black) static std::byte memory[sizeof(Black)];
+    static Black& black = *new (memory) Black;
     return black;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cassert>
+#include <utility>
 
 #include "RowPath.h"
 
@@ -33,10 +34,9 @@ void Op::inputs(int count) {
 }
 
 void Op::unlink_input(std::size_t n) {
-    if (inputs_[n] == nullptr) return;
-    auto& outputs = inputs_[n]->outputs_;
-    outputs.erase(std::find(outputs.begin(), outputs.end(), this));
-    inputs_[n] = nullptr;
+    Op* input = std::exchange(inputs_[n], nullptr);
+    if (input == nullptr || input->serves_all_graphs_) return;
+    input->outputs_.erase(std::find(input->outputs_.begin(), input->outputs_.end(), this));
 }
 
 void Op::set_input(int n, Op* op) {
@@ -45,7 +45,7 @@ void Op::set_input(int n, Op* op) {
     if (inputs_[slot] == op) return;
     unlink_input(slot);
     inputs_[slot] = op;
-    if (op != nullptr) op->outputs_.push_back(this);
+    if (op != nullptr && !op->serves_all_graphs_) op->outputs_.push_back(this);
     invalidate();
 }
 
@@ -81,6 +81,11 @@ void Op::validate(bool for_real) {
         state_ = State::kInvalid;
         throw;
     }
+}
+
+void Op::serve_all_graphs() {
+    validate(true);
+    serves_all_graphs_ = true;
 }
 
 void Op::mark_invalid() {

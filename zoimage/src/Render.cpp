@@ -1,15 +1,18 @@
 #include "ZoImage/Render.h"
 
 #include <algorithm>
+#include <atomic>
 #include <exception>
 #include <limits>
 #include <mutex>
 #include <thread>
 
+#include "BufferPool.h"
 #include "CachedRender.h"
 #include "RequestPass.h"
 #include "RowPath.h"
 #include "RowRanges.h"
+#include "ThisThread.h"
 #include "WorkerPool.h"
 #include "ZoImage/Iop.h"
 
@@ -31,6 +34,21 @@ int least_rows_of_a_range(const RequestPass& pass) {
     return std::clamp((tallest - 1) * kRowsPerSeam, kLeastRange, kMostSeparation);
 }
 
+// Runs every job exactly once, whatever the source does.
+void run_all(ThreadSource& source, int count, const std::function<void(int)>& job) {
+    if (count == 1) {
+        job(0);
+        return;
+    }
+    std::vector<std::atomic<bool>> begun(static_cast<std::size_t>(count));
+    const auto once = [&](int index) {
+        if (index < 0 || index >= count || begun[static_cast<std::size_t>(index)].exchange(true)) return;
+        job(index);
+    };
+    source.run(count, once);
+    for (int index = 0; index < count; ++index) once(index);
+}
+
 // Plans the rendering of a region: the whole frame tells how many rows are in use at once, the region
 // which spans and channels are wanted.
 RequestPass plan(Iop& root, const Box& region, ChannelSet channels) {
@@ -45,25 +63,33 @@ RequestPass plan(Iop& root, const Box& region, ChannelSet channels) {
 }  // namespace
 
 struct Renderer::Impl {
-    Impl(int threads, const AbortFlag* flag) : pool(threads), abort(flag) {}
+    Impl(std::unique_ptr<WorkerPool> pool, ThreadSource& threads, const AbortFlag* flag)
+        : own(std::move(pool)), source(threads), abort(flag) {}
 
-    WorkerPool pool;
+    std::unique_ptr<WorkerPool> own;  // null when the threads are somebody else's
+    ThreadSource& source;
     const AbortFlag* abort;
     bool measure_time = false;
     RowCache* cache = nullptr;
+    BufferPools pools;
     PlaneStore planes{std::numeric_limits<std::size_t>::max()};
     std::vector<OpStats> stats;
 };
 
 Renderer::Renderer(int threads, const AbortFlag* abort) {
     const int processors = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
-    impl_ = std::make_unique<Impl>(threads > 0 ? threads : processors, abort);
+    auto own = std::make_unique<WorkerPool>(threads > 0 ? threads : processors);
+    ThreadSource& source = *own;
+    impl_ = std::make_unique<Impl>(std::move(own), source, abort);
 }
+
+Renderer::Renderer(ThreadSource& threads, const AbortFlag* abort)
+    : impl_(std::make_unique<Impl>(nullptr, threads, abort)) {}
 
 Renderer::~Renderer() = default;
 
 int Renderer::threads() const {
-    return impl_->pool.threads();
+    return std::max(1, impl_->source.threads());
 }
 
 void Renderer::measure_time(bool on) {
@@ -97,36 +123,40 @@ bool Renderer::render(Iop& root, const Box& region, ChannelSet channels, const S
     std::exception_ptr failure;
     bool complete = true;
 
-    const auto work = [&](int worker) {
-        std::exception_ptr thrown;
+    const auto walk = [&](int worker) {
+        const BufferPools::Lease buffers(impl_->pools);
         RowPath path(pass, cached, state);
+        const Use use(&ThisThread::path, path);
         bool finished = true;
-        try {
-            const RowPath::Use use(path);
-            for (Band band = ranges.take(worker, kBandRows); finished && !band.empty();
-                 band = ranges.take(worker, kBandRows)) {
-                for (int y = band.y; y < band.t; ++y) {
-                    Row row(region.x, region.r);
-                    row.get(root, y, channels);
-                    finished = !path.aborted();
-                    if (!finished) break;
-                    sink(y, row);
-                }
+        for (Band band = ranges.take(worker, kBandRows); finished && !band.empty();
+             band = ranges.take(worker, kBandRows)) {
+            for (int y = band.y; y < band.t; ++y) {
+                Row row(region.x, region.r);
+                row.get(root, y, channels);
+                finished = !path.aborted();
+                if (!finished) break;
+                sink(y, row);
             }
-        } catch (...) {
-            thrown = std::current_exception();
-            state.stop = true;
-            finished = false;
         }
         const std::lock_guard hold(mutex);
         complete = complete && finished;
-        if (thrown && !failure) failure = thrown;
         for (std::size_t slot = 0; slot < stats.size(); ++slot) {
             stats[slot].rows += path.work(slot).rows;
             stats[slot].time += path.work(slot).time;
         }
     };
-    impl_->pool.run(workers, work);
+    // Not even a lack of memory may leave a job as an exception: the thread may be anybody's.
+    const auto work = [&](int worker) {
+        try {
+            walk(worker);
+        } catch (...) {
+            state.stop = true;
+            const std::lock_guard hold(mutex);
+            complete = false;
+            if (!failure) failure = std::current_exception();
+        }
+    };
+    run_all(impl_->source, workers, work);
 
     for (std::size_t slot = 0; slot < stats.size(); ++slot) stats[slot].op = pass.ops()[slot];
     cached.learn(stats, complete);

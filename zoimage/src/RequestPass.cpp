@@ -4,29 +4,24 @@
 #include <atomic>
 #include <utility>
 
+#include "ThisThread.h"
 #include "ZoImage/Iop.h"
 
 namespace Zo::Image {
 
 namespace {
 
-thread_local RequestPass* current_pass = nullptr;
 std::atomic<std::uint64_t> last_id{0};
-
-struct CurrentPass {
-    explicit CurrentPass(RequestPass* pass) { current_pass = pass; }
-    ~CurrentPass() { current_pass = nullptr; }
-};
 
 }  // namespace
 
 RequestPass::RequestPass(Iop& root, const Box& box, ChannelSet channels) : id_(++last_id) {
-    const CurrentPass scope(this);
+    const Use scope(&ThisThread::requests, *this);
     root.request(box.x, box.y, box.r, box.t, channels, 1);
 }
 
 RequestPass* RequestPass::current() {
-    return current_pass;
+    return this_thread().requests;
 }
 
 bool RequestPass::enter(Iop& op) {

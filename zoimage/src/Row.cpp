@@ -29,7 +29,7 @@ void Row::get(Iop& source, int y, ChannelSet channels) {
 }
 
 const float* Row::zeros() const {
-    return BufferPool::of_this_thread().zeros(width());
+    return Image::zeros(width());
 }
 
 void Row::set(Channel c, RowBuffer* buffer, const float* pixels) {
@@ -54,7 +54,7 @@ RowBuffer* Row::storage_for(Channel c) {
             return place;
         }
     }
-    return BufferPool::of_this_thread().take(width());
+    return BufferPool::take(width());
 }
 
 bool Row::sole(Channel c) const {

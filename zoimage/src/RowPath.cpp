@@ -4,15 +4,13 @@
 #include <utility>
 
 #include "CachedRender.h"
-#include "ThreadLocal.h"
+#include "ThisThread.h"
 #include "ZoImage/Iop.h"
 #include "ZoImage/Render.h"
 
 namespace Zo::Image {
 
 namespace {
-
-ZO_FAST_THREAD_LOCAL RowPath* current_path = nullptr;
 
 struct Span {
     int x;
@@ -67,13 +65,7 @@ RowPath::RowPath(const RequestPass& pass, const CachedRender& cached, RenderStat
 }
 
 RowPath* RowPath::current() {
-    return current_path;
-}
-
-RowPath::Use::Use(RowPath& path) : before_(std::exchange(current_path, &path)) {}
-
-RowPath::Use::~Use() {
-    current_path = before_;
+    return this_thread().path;
 }
 
 bool RowPath::aborted() const {

@@ -34,18 +34,6 @@ class RowPath {
     // The calling thread's; null outside a render.
     static RowPath* current();
 
-    // Makes a path current for a scope.
-    class Use {
-      public:
-        explicit Use(RowPath& path);
-        ~Use();
-        Use(const Use&) = delete;
-        Use& operator=(const Use&) = delete;
-
-      private:
-        RowPath* before_;
-    };
-
     // Once true it stays so, whatever becomes of the flag: what was left undone then must not pass for done.
     bool aborted() const;
 

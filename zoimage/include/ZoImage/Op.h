@@ -55,6 +55,7 @@ class Op {
         const char* class_name_;
         const char* menu_path_;
         Constructor constructor_;
+        mutable const Description* before_;  // registered before this one
     };
 
     explicit Op(const NodeContext& context);
@@ -130,6 +131,10 @@ class Op {
     virtual std::string diagnostic(std::string_view /*what*/) const { return {}; }
 
   protected:
+    // Makes this an operator that graphs on several threads may have as an input at once: it is valid from
+    // now on and stays as it is, so it need not know its readers.
+    void serve_all_graphs();
+
     virtual void _invalidate() {}
     virtual void _validate(bool for_real) = 0;
     virtual void _open() {}
@@ -152,6 +157,7 @@ class Op {
     Hash setup_hash_;
     bool has_setup_hash_ = false;
     std::uint64_t changes_ = 0;  // plain invalidations so far
+    bool serves_all_graphs_ = false;
     int users_ = 0;
     std::string error_;
 };

@@ -38,6 +38,18 @@ struct OpStats {
     std::chrono::nanoseconds time{0};  // in engine, without the operators that it called; all threads added
 };
 
+// Threads that somebody else owns, such as the program that a plug-in runs in.
+class ThreadSource {
+  public:
+    virtual ~ThreadSource() = default;
+    // How many jobs can run at once, the caller of run() counted; taken for 1 when it is less.
+    virtual int threads() const = 0;
+    // Calls job(0) to job(count - 1), each on whatever thread, at once or one after another, and returns when
+    // all that were called have returned. Jobs may be left out when threads lack: the renderer then does them
+    // itself. No job throws, calls run() or waits for one that has not begun. Must not throw.
+    virtual void run(int count, const std::function<void(int)>& job) = 0;
+};
+
 class Renderer {
   public:
     // Receives every finished row of the region, from the worker threads, in no particular order.
@@ -45,6 +57,9 @@ class Renderer {
 
     // `threads` of 0 takes one per processor. The flag, if given, must outlive the renderer.
     explicit Renderer(int threads = 0, const AbortFlag* abort = nullptr);
+    // Starts no threads. The source must outlive the renderer; several renderers may use one, if it allows
+    // its run() from several threads.
+    explicit Renderer(ThreadSource& threads, const AbortFlag* abort = nullptr);
     ~Renderer();
     Renderer(const Renderer&) = delete;
     Renderer& operator=(const Renderer&) = delete;

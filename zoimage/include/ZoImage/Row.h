@@ -4,8 +4,8 @@
 // Channels that were fetched are shared with the operator that produced them, without a copy; channels
 // that are written belong to this row alone. A channel that is not present reads as 0.
 //
-// A row belongs to the thread that made it. Its memory comes from a pool of that thread, so making rows
-// costs no allocation once a render is under way.
+// A row belongs to the thread that made it and, in a render, to the job that it was made in. Its memory comes
+// from a pool that the job has to itself, so making rows costs no allocation once a render is under way.
 #pragma once
 
 #include <array>

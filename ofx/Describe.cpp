@@ -1,0 +1,104 @@
+#include "Describe.h"
+
+#include <array>
+
+#include "Clips.h"
+#include "DescribeParameters.h"
+#include "Host.h"
+#include "Node.h"
+#include "Properties.h"
+
+namespace veloxa::ofx {
+
+namespace {
+
+Properties define_clip(OfxImageEffectHandle effect, const char* name, bool optional) {
+    OfxPropertySetHandle set = nullptr;
+    check(suites().effect->clipDefine(effect, name, &set));
+    const Properties clip(set);
+    clip.set(kOfxPropLabel, name);
+    clip.set(kOfxImageClipPropOptional, optional ? 1 : 0);
+    clip.set(kOfxImageEffectPropSupportsTiles, 1);
+    clip.set(kOfxImageEffectPropTemporalClipAccess, 0);
+    return clip;
+}
+
+void components(const Properties& clip, std::initializer_list<const char*> names) {
+    int n = 0;
+    for (const char* const name : names) clip.set(kOfxImageEffectPropSupportedComponents, name, n++);
+}
+
+// With all five inputs the output may have an alpha whatever the foreground has. Where the output follows the
+// source, only a source with alpha gives one.
+void define_general_clips(OfxImageEffectHandle effect) {
+    for (const InputClip& input : kInputClips) {
+        const Properties clip = define_clip(effect, input.name, &input != kInputClips.data());
+        if (input.role == ClipImage::Role::kMatte) {
+            clip.set(kOfxImageClipPropIsMask, 1);
+            components(clip, {kOfxImageComponentAlpha, kOfxImageComponentRGBA, kOfxImageComponentRGB});
+        } else {
+            components(clip, {kOfxImageComponentRGBA, kOfxImageComponentRGB});
+        }
+    }
+    components(define_clip(effect, kOfxImageEffectOutputClipName, false),
+               {kOfxImageComponentRGBA, kOfxImageComponentRGB});
+}
+
+void define_filter_clips(OfxImageEffectHandle effect) {
+    for (const char* const name : {kOfxImageEffectSimpleSourceClipName, kOfxImageEffectOutputClipName}) {
+        components(define_clip(effect, name, false), {kOfxImageComponentRGBA});
+    }
+}
+
+}  // namespace
+
+void describe(OfxImageEffectHandle effect) {
+    OfxPropertySetHandle set = nullptr;
+    check(suites().effect->getPropertySet(effect, &set));
+    const Properties p(set);
+    p.set(kOfxPropLabel, "Veloxa");
+    p.set(kOfxPropShortLabel, "Veloxa");
+    p.set(kOfxPropLongLabel, "Veloxa Keyer");
+    p.set(kOfxImageEffectPluginPropGrouping, "Keyer");
+    p.set(kOfxPropPluginDescription, Node().image().help_text());
+    p.set(kOfxPropVersion, VELOXA_VERSION_MAJOR, 0);
+    p.set(kOfxPropVersion, VELOXA_VERSION_MINOR, 1);
+    p.set(kOfxPropVersion, VELOXA_VERSION_PATCH, 2);
+    p.set(kOfxPropVersionLabel, VELOXA_VERSION);
+    p.set(kOfxPropIcon, "", 0);
+    p.set(kOfxPropIcon, VELOXA_PLUGIN_ID ".png", 1);
+
+    p.set(kOfxImageEffectPropSupportedContexts, kOfxImageEffectContextGeneral, 0);
+    p.set(kOfxImageEffectPropSupportedContexts, kOfxImageEffectContextFilter, 1);
+    p.set(kOfxImageEffectPropSupportedPixelDepths, kOfxBitDepthFloat, 0);
+    p.set(kOfxImageEffectPropSupportedPixelDepths, kOfxBitDepthShort, 1);
+    p.set(kOfxImageEffectPropSupportedPixelDepths, kOfxBitDepthByte, 2);
+    p.set(kOfxImageEffectPluginPropSingleInstance, 0);
+    // Frames and tiles may come at once; a whole frame that stages need is made anew for each that does, so
+    // the host need not cut one frame up for the sake of threads: a render takes them itself.
+    p.set(kOfxImageEffectPluginRenderThreadSafety, kOfxImageEffectRenderFullySafe);
+    p.set(kOfxImageEffectPluginPropHostFrameThreading, 0);
+    p.set(kOfxImageEffectPropSupportsTiles, 1);
+    p.set(kOfxImageEffectPropSupportsMultiResolution, 1);
+    p.set(kOfxImageEffectPropTemporalClipAccess, 0);
+    p.set(kOfxImageEffectPropSupportsMultipleClipDepths, 1);
+    p.set(kOfxImageEffectPropSupportsMultipleClipPARs, 0);
+    p.set(kOfxImageEffectPluginPropFieldRenderTwiceAlways, 0);
+    p.set(kOfxImageEffectPropClipPreferencesSlaveParam, std::string(kOutputMode));
+}
+
+void describe_in_context(OfxImageEffectHandle effect, OfxPropertySetHandle arguments) {
+    const std::string context = Properties(arguments).text(kOfxImageEffectPropContext);
+    if (context == kOfxImageEffectContextGeneral) {
+        define_general_clips(effect);
+    } else if (context == kOfxImageEffectContextFilter) {
+        define_filter_clips(effect);
+    } else {
+        throw Failure(kOfxStatErrUnsupported);
+    }
+    OfxParamSetHandle parameters = nullptr;
+    check(suites().effect->getParamSet(effect, &parameters));
+    describe_parameters(parameters, Node().list());
+}
+
+}  // namespace veloxa::ofx

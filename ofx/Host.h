@@ -1,0 +1,59 @@
+// The host that loaded this plug-in: its suites, and what it can be told.
+//
+// Written by set_host() and load() only, which the host calls before anything else; read from any thread.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include "abi/OfxImageEffect.h"
+#include "abi/OfxMessage.h"
+#include "abi/OfxMultiThread.h"
+#include "abi/OfxParam.h"
+#include "abi/OfxProperty.h"
+
+namespace veloxa::ofx {
+
+// Ends an action with a status for the host; a text, if there is one, is shown to the user.
+class Failure : public std::runtime_error {
+  public:
+    explicit Failure(OfxStatus status, const std::string& text = {})
+        : std::runtime_error(text), status_(status) {}
+    OfxStatus status() const { return status_; }
+
+  private:
+    OfxStatus status_;
+};
+
+// Throws Failure with the status unless it is OK.
+inline void check(OfxStatus status, const char* text = "") {
+    if (status != kOfxStatOK) throw Failure(status, text);
+}
+
+struct Suites {
+    // Without these nothing works.
+    const OfxPropertySuiteV1* property = nullptr;
+    const OfxImageEffectSuiteV1* effect = nullptr;
+    const OfxParameterSuiteV1* parameter = nullptr;
+    // Null where the host lacks them.
+    const OfxMultiThreadSuiteV1* threads = nullptr;
+    const OfxMessageSuiteV1* message = nullptr;
+    const OfxMessageSuiteV2* lasting_message = nullptr;
+};
+
+// Keeps the pointer and calls nothing of the host.
+void set_host(const OfxHost* host);
+// Fetches the suites; further calls find them fetched. Throws Failure when one of the first three is missing.
+void load();
+// The suites of the last load(). Throws Failure when there was none that succeeded.
+const Suites& suites();
+// The host's own properties; valid after load().
+OfxPropertySetHandle host_properties();
+
+// Tells the user, where the host can. Errors of a render stay on the node until its next good render, where
+// the host offers that. Any thread; never throws. A null effect is allowed for tell().
+void tell(OfxImageEffectHandle effect, const char* type, const std::string& text) noexcept;
+void show_error(OfxImageEffectHandle instance, const std::string& text) noexcept;
+void clear_error(OfxImageEffectHandle instance) noexcept;
+
+}  // namespace veloxa::ofx

@@ -1,0 +1,18 @@
+// Names of pictures, for what is kept between renders.
+#pragma once
+
+#include "Image.h"
+#include "Parameters.h"
+#include "ZoImage/Hash.h"
+
+namespace veloxa::ofx {
+
+// Equal for images with the same pixels in the same place. An image that the host gives no identifier is like
+// none before. Any thread.
+Zo::Image::Hash identity_of(const Image& image, OfxTime time, const RenderScale& scale);
+// Unlike any other in this process. Any thread.
+Zo::Image::Hash fresh_identity();
+// The settings that a render depends on.
+Zo::Image::Hash identity_of(const Values& values);
+
+}  // namespace veloxa::ofx

@@ -1,0 +1,81 @@
+#include "Image.h"
+
+#include <cmath>
+#include <utility>
+
+#include "Host.h"
+#include "Properties.h"
+
+namespace veloxa::ofx {
+
+namespace {
+
+Depth depth_named(const std::string& name) {
+    if (name == kOfxBitDepthFloat) return Depth::kFloat;
+    if (name == kOfxBitDepthShort) return Depth::kShort;
+    if (name == kOfxBitDepthByte) return Depth::kByte;
+    throw Failure(kOfxStatErrImageFormat, "Veloxa cannot use images of the depth " + name);
+}
+
+int components_named(const std::string& name) {
+    if (name == kOfxImageComponentRGBA) return 4;
+    if (name == kOfxImageComponentRGB) return 3;
+    if (name == kOfxImageComponentAlpha) return 1;
+    throw Failure(kOfxStatErrImageFormat, "Veloxa cannot use images of the components " + name);
+}
+
+bool close_to(double a, double b) {
+    return std::abs(a - b) <= 1e-4 * std::abs(b);
+}
+
+}  // namespace
+
+Image::Image(OfxImageClipHandle clip, OfxTime time, const OfxRectD* region, const RenderScale& scale) {
+    const OfxStatus status = suites().effect->clipGetImage(clip, time, region, &handle_);
+    if (status != kOfxStatOK) handle_ = nullptr;
+    if (status == kOfxStatFailed) return;
+    check(status, "the host could not deliver an image");
+    try {
+        read(scale);
+    } catch (...) {
+        suites().effect->clipReleaseImage(handle_);
+        throw;
+    }
+}
+
+Image::Image(Image&& other) noexcept
+    : handle_(std::exchange(other.handle_, nullptr)),
+      view_(std::exchange(other.view_, {})),
+      frame_(other.frame_),
+      aspect_(other.aspect_),
+      identifier_(std::move(other.identifier_)) {}
+
+Image::~Image() {
+    if (handle_ != nullptr) suites().effect->clipReleaseImage(handle_);
+}
+
+void Image::read(const RenderScale& scale) {
+    const Properties properties(handle_);
+    view_.data = static_cast<std::byte*>(properties.pointer(kOfxImagePropData));
+    if (view_.data == nullptr || !properties.box(kOfxImagePropBounds, view_.bounds) || view_.empty()) {
+        view_ = {};
+        return;
+    }
+    view_.depth = depth_named(properties.text(kOfxImageEffectPropPixelDepth));
+    view_.components = components_named(properties.text(kOfxImageEffectPropComponents));
+    view_.row_bytes = properties.integer(kOfxImagePropRowBytes);
+    for (int i = 0; i < 2; ++i) {
+        const double wanted = scale[static_cast<std::size_t>(i)];
+        if (!close_to(properties.number(kOfxImageEffectPropRenderScale, wanted, i), wanted)) {
+            throw Failure(kOfxStatFailed, "the host delivered an image of another scale");
+        }
+    }
+    if (!properties.box(kOfxImagePropRegionOfDefinition, frame_) || frame_.empty() || is_endless(frame_)) {
+        frame_ = view_.bounds;
+    }
+    aspect_ = properties.number(kOfxImagePropPixelAspectRatio, 1.0);
+    if (!(aspect_ > 0.0)) aspect_ = 1.0;
+    identifier_ = properties.text(kOfxImagePropUniqueIdentifier);
+}
+
+}  // namespace veloxa::ofx

@@ -1,0 +1,26 @@
+#include "Node.h"
+
+#include "Host.h"
+
+namespace veloxa::ofx {
+
+using namespace Zo::Image;
+
+namespace {
+
+constexpr const char* kClassName = "Veloxa";
+
+std::unique_ptr<Op> make() {
+    const Op::Description* const description = Op::Description::find(kClassName);
+    std::unique_ptr<Op> op(description != nullptr ? description->construct({kClassName}) : nullptr);
+    if (op == nullptr || op->as_iop() == nullptr) {
+        throw Failure(kOfxStatErrMemory, "the keyer could not be made");
+    }
+    return op;
+}
+
+}  // namespace
+
+Node::Node() : op_(make()), image_(op_->as_iop()), panel_(*op_), list_(panel_) {}
+
+}  // namespace veloxa::ofx

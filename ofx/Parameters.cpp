@@ -1,0 +1,152 @@
+#include "Parameters.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <locale>
+#include <map>
+#include <sstream>
+
+#include "abi/OfxParam.h"
+
+namespace veloxa::ofx {
+
+using namespace Zo::Image;
+
+namespace {
+
+// The floats that count pixels; what is a width and a height does so anyway.
+constexpr std::string_view kEdgeKernel = "edge_kernel";
+
+const char* type_of(Knob::Kind kind) {
+    switch (kind) {
+        case Knob::Kind::kBool:
+            return kOfxParamTypeBoolean;
+        case Knob::Kind::kFloat:
+            return kOfxParamTypeDouble;
+        case Knob::Kind::kMenu:
+            return kOfxParamTypeChoice;
+        case Knob::Kind::kColor:
+            return kOfxParamTypeRGB;
+        case Knob::Kind::kColorAlpha:
+            return kOfxParamTypeRGBA;
+        case Knob::Kind::kWidthHeight:
+            return kOfxParamTypeDouble2D;
+        case Knob::Kind::kCustom:
+            return kOfxParamTypeString;
+        case Knob::Kind::kButton:
+        case Knob::Kind::kScriptButton:
+        case Knob::Kind::kToolButton:
+            return kOfxParamTypePushButton;
+        default:
+            return nullptr;
+    }
+}
+
+// "Screen Correct" becomes "screen_correct".
+std::string identifier(std::string_view text) {
+    std::string name;
+    for (const char c : text) {
+        const bool upper = c >= 'A' && c <= 'Z';
+        const bool plain = (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9');
+        name += upper ? static_cast<char>(c - 'A' + 'a') : (plain ? c : '_');
+    }
+    return name;
+}
+
+// A tool's label names its icon before a semicolon.
+std::string tool_label(std::string_view label, const std::string& caption) {
+    label = label.substr(std::min(label.size(), label.find(';') + 1));
+    const auto first = label.find_first_not_of(' ');
+    const auto last = label.find_last_not_of(' ');
+    const std::string word(first == label.npos ? "" : label.substr(first, last - first + 1));
+    return caption.empty() ? word : caption + ": " + word;
+}
+
+std::string saved_text(const Knob& knob) {
+    std::ostringstream out;
+    out.imbue(std::locale::classic());
+    knob.to_script(out, false);
+    return out.str();
+}
+
+}  // namespace
+
+bool Parameter::is_button() const {
+    return std::string_view(type) == kOfxParamTypePushButton;
+}
+
+bool Parameter::is_text() const {
+    return std::string_view(type) == kOfxParamTypeString;
+}
+
+double Parameter::scale(const RenderScale& scale, int i) const {
+    if (knob->kind() == Knob::Kind::kWidthHeight) return scale[i == 0 ? 0 : 1];
+    return knob->name() == kEdgeKernel ? scale[0] : 1.0;
+}
+
+ParameterList::ParameterList(const KnobPanel& panel) {
+    std::map<std::string, int> uses;
+    for (const auto& knob : panel.knobs()) ++uses[knob->name()];
+    std::string caption;
+    std::size_t group = Parameter::kNoGroup;
+    std::string tab;
+    for (const auto& knob : panel.knobs()) {
+        if (knob->tab() != tab) {
+            tab = knob->tab();
+            group = Parameter::kNoGroup;
+            if (!tab.empty()) {
+                group = groups_.size();
+                const bool toolbar = knob->kind() == Knob::Kind::kBeginToolbar;
+                const std::string name = toolbar ? "sampling" : identifier(tab);
+                groups_.push_back({"group_" + name, "page_" + name, toolbar ? "Sampling" : tab, {}, toolbar});
+            }
+        }
+        if (knob->kind() == Knob::Kind::kToolbarSeparator) caption.clear();
+        if (knob->kind() == Knob::Kind::kText) caption = knob->label();
+        if (knob->kind() == Knob::Kind::kLink && group != Parameter::kNoGroup) {
+            groups_[group].members.push_back(knob->target().name());
+        }
+        const char* const type = type_of(knob->kind());
+        if (type == nullptr) continue;
+        const bool tool = knob->kind() == Knob::Kind::kToolButton;
+        std::string name = knob->name();
+        if (uses[name] > 1) name = identifier(tab) + "_" + name;
+        const std::string label = tool ? tool_label(knob->label(), caption) : knob->label();
+        if (group != Parameter::kNoGroup) groups_[group].members.push_back(name);
+        parameters_.push_back({knob.get(), name, label, type, group});
+    }
+}
+
+Value knob_value(const Parameter& parameter, const RenderScale& scale) {
+    Value value;
+    const Knob& knob = *parameter.knob;
+    if (parameter.is_text()) value.text = saved_text(knob);
+    for (int i = 0; i < std::min(4, knob.value_count()); ++i) {
+        value.numbers[static_cast<std::size_t>(i)] = knob.get_value(i) / parameter.scale(scale, i);
+    }
+    return value;
+}
+
+bool set_knob(const Parameter& parameter, const Value& value, const RenderScale& scale) {
+    Knob& knob = *parameter.knob;
+    if (parameter.is_button()) return false;
+    if (parameter.is_text()) {
+        if (value.text == saved_text(knob)) return false;
+        if (!knob.from_script(value.text)) knob.restore_default();
+        return true;
+    }
+    constexpr double kLargest = std::numeric_limits<float>::max();
+    bool changed = false;
+    for (int i = 0; i < knob.value_count(); ++i) {
+        const double before = knob.get_value(i);
+        const double wanted = value.numbers[static_cast<std::size_t>(i)] * parameter.scale(scale, i);
+        const double limited = std::isfinite(wanted) ? std::clamp(wanted, -kLargest, kLargest)
+                                                     : knob.default_value(i) * parameter.scale(scale, i);
+        if (!knob.set_value(limited, i)) knob.set_value(knob.default_value(i), i);
+        changed = changed || knob.get_value(i) != before;
+    }
+    return changed;
+}
+
+}  // namespace veloxa::ofx

@@ -1,0 +1,113 @@
+// The entry points of the module: what it exports, and the actions that a host calls.
+#include <new>
+#include <string>
+#include <string_view>
+
+#include "Describe.h"
+#include "Host.h"
+#include "Instance.h"
+
+namespace veloxa::ofx {
+
+namespace {
+
+OfxStatus dispatch(std::string_view action, OfxImageEffectHandle effect, OfxPropertySetHandle in,
+                   OfxPropertySetHandle out) {
+    if (action == kOfxActionLoad) {
+        load();
+        return kOfxStatOK;
+    }
+    if (action == kOfxActionUnload) return kOfxStatOK;
+    if (action == kOfxActionDescribe) {
+        describe(effect);
+        return kOfxStatOK;
+    }
+    if (action == kOfxImageEffectActionDescribeInContext) {
+        describe_in_context(effect, in);
+        return kOfxStatOK;
+    }
+    if (action == kOfxActionCreateInstance) {
+        Instance::create(effect);
+        return kOfxStatOK;
+    }
+    if (action == kOfxActionDestroyInstance) {
+        Instance::destroy(effect);
+        return kOfxStatOK;
+    }
+    using Handler = OfxStatus (Instance::*)(OfxPropertySetHandle, OfxPropertySetHandle);
+    struct Entry {
+        std::string_view action;
+        Handler handler;
+    };
+    static constexpr Entry kEntries[]{
+        {kOfxImageEffectActionRender, &Instance::render},
+        {kOfxImageEffectActionGetRegionOfDefinition, &Instance::region_of_definition},
+        {kOfxImageEffectActionGetRegionsOfInterest, &Instance::regions_of_interest},
+        {kOfxImageEffectActionIsIdentity, &Instance::is_identity},
+        {kOfxImageEffectActionGetClipPreferences, &Instance::clip_preferences},
+        {kOfxActionInstanceChanged, &Instance::changed},
+        {kOfxActionPurgeCaches, &Instance::purge_caches},
+    };
+    for (const Entry& entry : kEntries) {
+        if (entry.action == action) return (Instance::of(effect).*entry.handler)(in, out);
+    }
+    return kOfxStatReplyDefault;
+}
+
+OfxStatus main_entry(const char* action, const void* handle, OfxPropertySetHandle in,
+                     OfxPropertySetHandle out) noexcept {
+    // The interface hands effects over as const.
+    const auto effect = static_cast<OfxImageEffectHandle>(const_cast<void*>(handle));
+    const auto fail = [&](OfxStatus status, const char* text) {
+        if (text[0] == '\0') return status;
+        if (std::string_view(action) == kOfxImageEffectActionRender) {
+            show_error(effect, text);
+        } else {
+            tell(effect, kOfxMessageError, text);
+        }
+        return status;
+    };
+    try {
+        return dispatch(action, effect, in, out);
+    } catch (const Failure& failure) {
+        return fail(failure.status(), failure.what());
+    } catch (const std::bad_alloc&) {
+        return fail(kOfxStatErrMemory, "");
+    } catch (const std::exception& error) {
+        return fail(kOfxStatFailed, error.what());
+    } catch (...) {
+        return fail(kOfxStatFailed, "an unknown error");
+    }
+}
+
+void accept_host(OfxHost* host) {
+    set_host(host);
+}
+
+OfxPlugin plugin{kOfxImageEffectPluginApi,
+                 kOfxImageEffectPluginApiVersion,
+                 VELOXA_PLUGIN_ID,
+                 VELOXA_VERSION_MAJOR,
+                 VELOXA_VERSION_MINOR,
+                 accept_host,
+                 main_entry};
+
+}  // namespace
+
+}  // namespace veloxa::ofx
+
+extern "C" {
+
+OfxExport int OfxGetNumberOfPlugins(void) {
+    return 1;
+}
+
+OfxExport OfxPlugin* OfxGetPlugin(int nth) {
+    return nth == 0 ? &veloxa::ofx::plugin : nullptr;
+}
+
+// The plug-in's own setHost follows.
+OfxExport OfxStatus OfxSetHost(const OfxHost* /*host*/) {
+    return kOfxStatOK;
+}
+}

@@ -1,0 +1,42 @@
+// Reads and writes the properties of one of the host's objects.
+//
+// Hosts differ in the properties that they know: a getter gives its fallback for one that is not there or has
+// another type, a setter leaves it. A handle of null has no properties. Any thread that the host calls on.
+#pragma once
+
+#include <array>
+#include <string>
+#include <string_view>
+
+#include "ZoImage/Box.h"
+#include "abi/OfxCore.h"
+
+namespace veloxa::ofx {
+
+class Properties {
+  public:
+    explicit Properties(OfxPropertySetHandle set) : set_(set) {}
+
+    // The text is copied; an integer stands for a boolean too.
+    std::string text(const char* name, std::string_view fallback = {}) const;
+    int integer(const char* name, int fallback = 0, int index = 0) const;
+    double number(const char* name, double fallback = 0.0, int index = 0) const;
+    void* pointer(const char* name) const;
+
+    // x1, y1, x2, y2 of a rectangle; false when one is missing.
+    bool box(const char* name, Zo::Image::Box& box) const;
+    bool rectangle(const char* name, OfxRectD& rectangle) const;
+
+    void set(const char* name, const char* value, int index = 0) const;
+    void set(const char* name, const std::string& value, int index = 0) const;
+    void set(const char* name, int value, int index = 0) const;
+    void set(const char* name, double value, int index = 0) const;
+    void set(const char* name, const OfxRectD& rectangle) const;
+    // False when the host did not take it.
+    bool set_pointer(const char* name, void* value) const;
+
+  private:
+    OfxPropertySetHandle set_;
+};
+
+}  // namespace veloxa::ofx

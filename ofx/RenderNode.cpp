@@ -1,0 +1,42 @@
+#include "RenderNode.h"
+
+namespace veloxa::ofx {
+
+using namespace Zo::Image;
+
+RenderNode::RenderNode()
+    : inputs_{{ClipImage(kInputClips[0].role), ClipImage(kInputClips[1].role), ClipImage(kInputClips[2].role),
+               ClipImage(kInputClips[3].role), ClipImage(kInputClips[4].role)}} {
+    for (ClipImage& input : inputs_) input.poll(&poll_);
+}
+
+void RenderNode::set(const Values& values, const RenderScale& scale, const std::array<bool, kInputs>& used) {
+    bool changed = false;
+    const std::vector<Parameter>& parameters = node_.list().parameters();
+    for (std::size_t n = 0; n < parameters.size(); ++n) {
+        // The sample lists steer the tools only.
+        if (parameters[n].is_text()) continue;
+        changed = set_knob(parameters[n], values[n], scale) || changed;
+    }
+    if (changed) image().invalidate();
+    for (std::size_t n = 0; n < kInputs; ++n) {
+        const bool always = n == kForeground || n == kBackground;
+        image().set_input(static_cast<int>(n), always || used[n] ? &inputs_[n] : nullptr);
+    }
+}
+
+bool RenderNode::render(OfxImageEffectHandle instance, const Box& region, const Renderer::Sink& sink) {
+    poll_.begin(instance);
+    if (!renderer_ && HostThreads::offered()) renderer_.emplace(threads_, &poll_.flag());
+    if (!renderer_) renderer_.emplace(0, &poll_.flag());
+    return renderer_->render(image(), region, kMaskRgba, [&](int y, const Row& row) {
+        poll_.poll();
+        sink(y, row);
+    });
+}
+
+void RenderNode::release() {
+    for (ClipImage& input : inputs_) input.clear();
+}
+
+}  // namespace veloxa::ofx

@@ -1,0 +1,41 @@
+// A keyer node for one render at a time, with its inputs and its renderer.
+#pragma once
+
+#include <array>
+#include <optional>
+
+#include "AbortPoll.h"
+#include "ClipImage.h"
+#include "Clips.h"
+#include "HostThreads.h"
+#include "Node.h"
+
+namespace veloxa::ofx {
+
+class RenderNode {
+  public:
+    RenderNode();
+
+    Zo::Image::Iop& image() const { return node_.image(); }
+    ClipImage& input(std::size_t n) { return inputs_[n]; }
+
+    // Sets the knobs, and wires the inputs that are used: fg and bg are black otherwise. What was computed
+    // before is kept where it does not depend on what changed.
+    void set(const Values& values, const RenderScale& scale, const std::array<bool, kInputs>& used);
+
+    // Renders a region of the frame on the host's threads, or on threads of the node's own where the host has
+    // none. False when the host gave the render up.
+    bool render(OfxImageEffectHandle instance, const Zo::Image::Box& region,
+                const Zo::Image::Renderer::Sink& sink);
+    // Lets go of the images.
+    void release();
+
+  private:
+    std::array<ClipImage, kInputs> inputs_;  // outlive the node
+    Node node_;
+    AbortPoll poll_;
+    HostThreads threads_{poll_};
+    std::optional<Zo::Image::Renderer> renderer_;  // made by the first render
+};
+
+}  // namespace veloxa::ofx

@@ -1,0 +1,39 @@
+/* The message suite: what an effect tells the user. */
+#ifndef VELOXA_OFX_MESSAGE_H
+#define VELOXA_OFX_MESSAGE_H
+
+#include "OfxCore.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#define kOfxMessageSuite "OfxMessageSuite"
+
+#define kOfxMessageFatal "OfxMessageFatal"
+#define kOfxMessageError "OfxMessageError"
+#define kOfxMessageWarning "OfxMessageWarning"
+#define kOfxMessageMessage "OfxMessageMessage"
+#define kOfxMessageLog "OfxMessageLog"
+#define kOfxMessageQuestion "OfxMessageQuestion" /* replies Yes or No */
+
+/* The handle is an effect, or null; the format is printf's, so no text of the user goes there. Persistent
+ * messages (error, warning or message) want an instance and stay on it until they are cleared. */
+typedef struct OfxMessageSuiteV1 {
+    OfxStatus (*message)(void* handle, const char* messageType, const char* messageId, const char* format,
+                         ...);
+} OfxMessageSuiteV1;
+
+typedef struct OfxMessageSuiteV2 {
+    OfxStatus (*message)(void* handle, const char* messageType, const char* messageId, const char* format,
+                         ...);
+    OfxStatus (*setPersistentMessage)(void* handle, const char* messageType, const char* messageId,
+                                      const char* format, ...);
+    OfxStatus (*clearPersistentMessage)(void* handle);
+} OfxMessageSuiteV2;
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,166 @@
+// What the plug-in tells of itself, against the node's own panel.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <fstream>
+#include <set>
+
+#include "ofx/Scene.h"
+
+namespace ofxtest {
+namespace {
+
+using Describe = OfxTest;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::UnorderedElementsAre;
+using Zo::Image::Knob;
+
+TEST_F(Describe, ThePlugin) {
+    Host& h = host();
+    EXPECT_EQ(h.plugin_count(), 1);
+    EXPECT_FALSE(h.has_plugin(1));
+    EXPECT_FALSE(h.has_plugin(-1));
+    EXPECT_STREQ(h.plugin().pluginApi, kOfxImageEffectPluginApi);
+    EXPECT_EQ(h.plugin().apiVersion, kOfxImageEffectPluginApiVersion);
+    EXPECT_STREQ(h.plugin().pluginIdentifier, "org.veloxa.Keyer");
+
+    const PropertySet& p = h.descriptor().props;
+    ASSERT_GE(p.size(kOfxPropVersion), 2);
+    EXPECT_EQ(p.int_at(kOfxPropVersion, 0), static_cast<int>(h.plugin().pluginVersionMajor));
+    EXPECT_EQ(p.int_at(kOfxPropVersion, 1), static_cast<int>(h.plugin().pluginVersionMinor));
+    EXPECT_EQ(p.string_at(kOfxPropLabel), "Veloxa");
+    EXPECT_EQ(p.string_at(kOfxImageEffectPluginRenderThreadSafety), kOfxImageEffectRenderFullySafe);
+    EXPECT_EQ(p.int_at(kOfxImageEffectPropSupportsTiles), 1);
+    EXPECT_THAT(p.strings(kOfxImageEffectPropSupportedContexts),
+                UnorderedElementsAre(kOfxImageEffectContextGeneral, kOfxImageEffectContextFilter));
+    EXPECT_THAT(p.strings(kOfxImageEffectPropSupportedPixelDepths),
+                UnorderedElementsAre(kOfxBitDepthFloat, kOfxBitDepthShort, kOfxBitDepthByte));
+    EXPECT_THAT(p.strings(kOfxImageEffectPropClipPreferencesSlaveParam), ElementsAre("output_mode"));
+
+    std::ifstream icon(std::string(OFX_BUNDLE_DIR) + "/Contents/Resources/org.veloxa.Keyer.png",
+                       std::ios::binary);
+    std::string signature(4, ' ');
+    icon.read(signature.data(), 4);
+    EXPECT_EQ(signature, "\x89PNG");
+}
+
+TEST_F(Describe, Clips) {
+    Host& h = host();
+    const std::vector<std::string> general{"fg", "cp", "bg", "gm", "hm", "Output"};
+    std::vector<std::string> names;
+    for (const auto& clip : h.descriptor(kOfxImageEffectContextGeneral).clips) {
+        const std::string& name = clip->name();
+        names.push_back(name);
+        const bool matte = name == "gm" || name == "hm";
+        EXPECT_EQ(clip->props.int_at(kOfxImageClipPropOptional), name != "fg" && name != "Output") << name;
+        EXPECT_EQ(clip->props.int_at(kOfxImageClipPropIsMask), matte) << name;
+        const auto components = clip->props.strings(kOfxImageEffectPropSupportedComponents);
+        EXPECT_THAT(components, Contains(kOfxImageComponentRGBA)) << name;
+        EXPECT_THAT(components, Contains(kOfxImageComponentRGB)) << name;
+        if (matte) {
+            EXPECT_THAT(components, Contains(kOfxImageComponentAlpha)) << name;
+        }
+    }
+    EXPECT_EQ(names, general);
+    const auto& filter = h.descriptor(kOfxImageEffectContextFilter).clips;
+    ASSERT_EQ(filter.size(), 2U);
+    EXPECT_EQ(filter[0]->name(), "Source");
+    EXPECT_EQ(filter[1]->name(), "Output");
+}
+
+const char* type_for(Knob::Kind kind) {
+    switch (kind) {
+        case Knob::Kind::kBool:
+            return kOfxParamTypeBoolean;
+        case Knob::Kind::kFloat:
+            return kOfxParamTypeDouble;
+        case Knob::Kind::kMenu:
+            return kOfxParamTypeChoice;
+        case Knob::Kind::kColor:
+            return kOfxParamTypeRGB;
+        case Knob::Kind::kColorAlpha:
+            return kOfxParamTypeRGBA;
+        case Knob::Kind::kWidthHeight:
+            return kOfxParamTypeDouble2D;
+        case Knob::Kind::kCustom:
+            return kOfxParamTypeString;
+        case Knob::Kind::kButton:
+        case Knob::Kind::kScriptButton:
+        case Knob::Kind::kToolButton:
+            return kOfxParamTypePushButton;
+        default:
+            return nullptr;
+    }
+}
+
+TEST_F(Describe, EveryKnobIsAParameter) {
+    Reference node({}, {});
+    for (const char* context : {kOfxImageEffectContextGeneral, kOfxImageEffectContextFilter}) {
+        const ParamSet& params = host().descriptor(context).params;
+        std::size_t buttons = 0;
+        for (const auto& knob : node.panel.knobs()) {
+            const char* type = type_for(knob->kind());
+            if (type == nullptr) continue;
+            if (type == std::string(kOfxParamTypePushButton)) ++buttons;
+            if (knob->kind() == Knob::Kind::kButton) continue;  // several have one name
+            const Param* param = params.find(knob->name());
+            ASSERT_NE(param, nullptr) << knob->name();
+            SCOPED_TRACE(knob->name());
+            EXPECT_EQ(param->type(), type);
+            const PropertySet& p = param->props;
+            const bool list = knob->kind() == Knob::Kind::kCustom;
+            EXPECT_EQ(p.int_at(kOfxParamPropSecret), list ? 1 : 0);
+            if (!param->holds_value() || list) continue;
+            EXPECT_EQ(p.string_at(kOfxPropLabel), knob->label());
+            EXPECT_EQ(p.string_at(kOfxParamPropHint).substr(0, 8), knob->tooltip().substr(0, 8));
+            EXPECT_EQ(p.int_at(kOfxParamPropAnimates), knob->name() == "output_mode" ? 0 : 1);
+            if (knob->kind() == Knob::Kind::kMenu) {
+                EXPECT_EQ(p.strings(kOfxParamPropChoiceOption), knob->items());
+            }
+            for (int i = 0; i < param->dimension(); ++i) {
+                const double value = param->is_int() ? p.int_at(kOfxParamPropDefault, i)
+                                                     : p.double_at(kOfxParamPropDefault, i);
+                EXPECT_EQ(value, knob->default_value(i));
+                if (!p.has(kOfxParamPropDisplayMin) || !knob->range()) continue;
+                EXPECT_EQ(p.double_at(kOfxParamPropDisplayMin, i), knob->range()->low);
+                EXPECT_EQ(p.double_at(kOfxParamPropDisplayMax, i), knob->range()->high);
+                EXPECT_LE(p.double_at(kOfxParamPropMin, i), knob->range()->low);
+            }
+        }
+        const auto is_button = [](const auto& p) { return p->type() == kOfxParamTypePushButton; };
+        EXPECT_EQ(std::count_if(params.all().begin(), params.all().end(), is_button),
+                  static_cast<std::ptrdiff_t>(buttons));
+    }
+}
+
+TEST_F(Describe, NothingIsLeftOutOfGroupsAndPages) {
+    const Effect& effect = host().descriptor(kOfxImageEffectContextGeneral);
+    std::set<std::string> groups, on_pages;
+    std::vector<std::string> pages;
+    for (const auto& param : effect.params.all()) {
+        const std::string& name = param->name();
+        EXPECT_TRUE(std::all_of(name.begin(), name.end(), [](char c) { return c > ' ' && c < 127; })) << name;
+        const std::string& parent = param->props.string_at(kOfxParamPropParent);
+        EXPECT_TRUE(parent.empty() || groups.count(parent) == 1) << name << " before its group " << parent;
+        if (param->type() == kOfxParamTypeGroup) groups.insert(name);
+        if (param->type() != kOfxParamTypePage) continue;
+        pages.push_back(name);
+        for (const std::string& child : param->props.strings(kOfxParamPropPageChild)) {
+            EXPECT_NE(effect.params.find(child), nullptr) << child;
+            on_pages.insert(child);
+        }
+    }
+    EXPECT_EQ(effect.props.strings(kOfxPluginPropParamPageOrder), pages);
+    for (const auto& param : effect.params.all()) {
+        if (param->type() == kOfxParamTypeGroup || param->type() == kOfxParamTypePage) continue;
+        const bool secret = param->props.int_at(kOfxParamPropSecret) != 0;
+        EXPECT_EQ(on_pages.count(param->name()), secret ? 0U : 1U) << param->name();
+    }
+    // What stands on a tab shows its enable too.
+    EXPECT_THAT(effect.params.get("page_shadows").props.strings(kOfxParamPropPageChild), Contains("shadow"));
+    EXPECT_EQ(effect.params.get("shadows_blur").props.string_at(kOfxParamPropParent), "group_shadows");
+}
+
+}  // namespace
+}  // namespace ofxtest

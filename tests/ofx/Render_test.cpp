@@ -1,0 +1,262 @@
+// What the plug-in renders against what the node makes in this process, bit by bit.
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <random>
+#include <thread>
+
+#include "ofx/Scene.h"
+#include "ofx/host/Services.h"
+
+namespace ofxtest {
+namespace {
+
+using Render = OfxTest;
+
+// Every stage is on in one of them, whole-frame stages in several.
+const std::vector<std::pair<const char*, Settings>> kLooks{
+    {"no screen colour", {}},
+    {"defaults", {{"screen_color", kScreen}}},
+    {"cleanup, premultiplied",
+     {{"screen_color", kScreen},
+      {"output_mode", {1}},
+      {"cleanup", {1}},
+      {"cleanup_shrink", {3.5, 2}},
+      {"cleanup_blur", {2.5, 4}},
+      {"spill_suppression", {0}},
+      {"screen_orphans", {3}}}},
+    {"shadow, overlay",
+     {{"screen_color", kScreen},
+      {"shadow", {1}},
+      {"shadows_blur", {4, 3}},
+      {"shadows_tint", {0.1, 0.05, 0.2}},
+      {"overlay_mode", {1}},
+      {"overlay_mono", {1}},
+      {"overlay_color", {0.2, 0.9, 0.1, 0.6}}}},
+    {"film, conform, edges",
+     {{"screen_color", kScreen},
+      {"film", {1}},
+      {"film_strength", {80}},
+      {"film_shrink", {1, 3}},
+      {"color_conformance", {1}},
+      {"color_hue", {40}},
+      {"edge_kernel", {5}},
+      {"brights", {130}}}},
+    {"linear, added",
+     {{"screen_color", kScreen},
+      {"screen_correct", {0}},
+      {"output_mode", {2}},
+      {"matte_scale", {1}},
+      {"merge", {1}}}},
+};
+
+// In pieces of 13 by 9 pixels, in random order, from two threads.
+Frame render_tiles(Instance& instance, double time = 0.0, double scale = 1.0) {
+    const OfxRectI w = instance.window(time, scale);
+    std::vector<OfxRectI> tiles;
+    for (int y = w.y1; y < w.y2; y += 9) {
+        for (int x = w.x1; x < w.x2; x += 13)
+            tiles.push_back({x, y, std::min(x + 13, w.x2), std::min(y + 9, w.y2)});
+    }
+    std::shuffle(tiles.begin(), tiles.end(), std::mt19937(7));
+    Frame frame(w);
+    std::atomic<std::size_t> next{0};
+    const auto work = [&] {
+        for (std::size_t i = next++; i < tiles.size(); i = next++)
+            EXPECT_EQ(instance.render(frame, tiles[i], time, scale), kOfxStatOK);
+    };
+    {
+        const std::jthread other(work);
+        work();
+    }
+    return frame;
+}
+
+TEST_F(Render, WholeAndInTiles) {
+    for (const Clips& clips : {two_clips(), all_clips()}) {
+        for (const auto& [name, settings] : kLooks) {
+            SCOPED_TRACE(std::string(name) + ", clips " + std::to_string(clips.size()));
+            const Frame expected = Reference(clips, settings).render();
+            const auto effect = instance(clips, settings);
+            EXPECT_EQ(differences(effect->render(), expected), 0);
+            EXPECT_EQ(differences(render_tiles(*effect), expected), 0);
+        }
+    }
+    EXPECT_GT(services().parallel_calls, 0);
+}
+
+TEST_F(Render, TheForegroundAloneAsAFilter) {
+    Clips clips = two_clips();
+    clips.erase("bg");
+    const Settings settings = kLooks[2].second;
+    const auto effect = instance(clips, settings, kOfxImageEffectContextFilter);
+    EXPECT_EQ(differences(effect->render(), Reference(clips, settings).render()), 0);
+}
+
+TEST_F(Render, ClipsOfAllKinds) {
+    const struct {
+        const char* clip;
+        const char* depth;
+        const char* components;
+        bool upside_down;
+    } cases[] = {
+        {"fg", kOfxBitDepthFloat, kOfxImageComponentRGB, true},
+        {"fg", kOfxBitDepthShort, kOfxImageComponentRGBA, false},
+        {"fg", kOfxBitDepthByte, kOfxImageComponentRGB, true},
+        {"cp", kOfxBitDepthByte, kOfxImageComponentRGBA, true},
+        {"bg", kOfxBitDepthShort, kOfxImageComponentRGB, true},
+        {"gm", kOfxBitDepthFloat, kOfxImageComponentAlpha, true},
+        {"gm", kOfxBitDepthByte, kOfxImageComponentRGB, false},
+        {"hm", kOfxBitDepthShort, kOfxImageComponentAlpha, false},
+        {"hm", kOfxBitDepthFloat, kOfxImageComponentRGB, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.clip) + ' ' + c.depth + ' ' + c.components);
+        Clips clips = all_clips();
+        Source& source = clips[c.clip];
+        source.depth = c.depth;
+        source.components = c.components;
+        source.upside_down = c.upside_down;
+        Frame expected = Reference(clips, kLooks[2].second).render();
+        const auto effect = instance(clips, kLooks[2].second);
+        const Frame frame = effect->render();
+        // Output is as deep as the foreground.
+        const double white = white_of(effect->clip("Output").props.string_at(kOfxImageEffectPropPixelDepth));
+        if (white > 1.0) {
+            for (float& v : expected.values)
+                v = static_cast<float>(std::lround(std::clamp(static_cast<double>(v), 0.0, 1.0) * white));
+        }
+        EXPECT_EQ(differences(frame, expected), 0);
+    }
+}
+
+TEST_F(Render, AtHalfScale) {
+    Settings settings = kLooks[2].second;
+    settings["edge_kernel"] = {6};
+    settings["screen_shrink"] = {4, 6};
+    const auto effect = instance(all_clips(), settings);
+    settings["edge_kernel"] = {3};
+    settings["screen_shrink"] = {2, 3};
+    settings["cleanup_shrink"] = {1.75, 1};
+    settings["cleanup_blur"] = {1.25, 2};
+    settings["film_shrink"] = {1, 1};
+    settings["shadows_blur"] = {0, 0};
+    const Frame expected = Reference(all_clips(), settings, 0.0, 0.5).render();
+    EXPECT_EQ(differences(effect->render(0.0, 0.5), expected), 0);
+    EXPECT_EQ(differences(render_tiles(*effect, 0.0, 0.5), expected), 0);
+}
+
+TEST_F(Render, AnimatedParametersAtTheFramesTime) {
+    const auto effect = instance(two_clips(), kLooks[2].second);
+    effect->params.get("brights").set_key(0, {100});
+    effect->params.get("brights").set_key(8, {300});
+    effect->params.get("screen_color").set_key(0, {0.15, 0.6, 0.2});
+    effect->params.get("screen_color").set_key(8, {0.25, 0.8, 0.2});
+    effect->params.get("spill_suppression").set_key(0, {0});
+    effect->params.get("spill_suppression").set_key(3, {1});
+    services().time = 5.0;  // the user looks elsewhere
+    for (const double time : {2.0, 6.0, 2.0}) {
+        Settings settings = kLooks[2].second;
+        settings["brights"] = {100 + 25 * time};
+        settings["screen_color"] = {0.15 + (0.25 - 0.15) * (time / 8), 0.6 + (0.8 - 0.6) * (time / 8), 0.2};
+        settings["spill_suppression"] = {time < 3 ? 0.0 : 1.0};
+        const Frame expected = Reference(two_clips(), settings, time).render();
+        EXPECT_EQ(differences(effect->render(time), expected), 0) << time;
+    }
+    effect->render(2.0);
+    EXPECT_EQ(differences(render_tiles(*effect, 6.0), effect->render(6.0)), 0);
+}
+
+TEST_F(Render, AbortedAndThenWhole) {
+    const Settings settings = kLooks[2].second;
+    const Frame expected = Reference(all_clips(), settings).render();
+    for (const int polls : {0, 1, 3}) {
+        const auto effect = instance(all_clips(), settings);
+        effect->abort_after = polls;
+        Frame frame(effect->window());
+        const OfxStatus status = effect->render(frame, frame.box);
+        EXPECT_TRUE(status == kOfxStatOK || status == kOfxStatFailed) << status;
+        EXPECT_GT(effect->polls, polls) << "nobody asked";
+        EXPECT_EQ(Image::held, 0);
+        effect->abort_after = -1;
+        EXPECT_EQ(differences(effect->render(), expected), 0) << "after " << polls << " polls";
+    }
+}
+
+TEST_F(Render, TwoInstancesAtOnceWhileTheUserEdits) {
+    const auto first = instance(two_clips(), kLooks[2].second);
+    const auto second = instance(all_clips(), kLooks[3].second);
+    const Frame expected[] = {Reference(two_clips(), kLooks[2].second).render(),
+                              Reference(all_clips(), kLooks[3].second).render()};
+    std::jthread other([&] {
+        for (int i = 0; i < 3; ++i) EXPECT_EQ(differences(first->render(), expected[0]), 0);
+    });
+    std::jthread third([&] { EXPECT_EQ(differences(first->render(), expected[0]), 0); });
+    EXPECT_EQ(differences(second->render(), expected[1]), 0);
+    for (int i = 0; i < 5; ++i) second->set("brights", {100.0 + i});
+    // A value that no render of the first sees differently, set while it renders.
+    for (int i = 0; i < 5; ++i) first->set("shadows_density", {90.0 + i});
+}
+
+TEST_F(Render, RegionsHoldWhatIsRead) {
+    const auto effect = instance(all_clips(), {{"screen_color", kScreen}, {"screen_orphans", {0}}});
+    const OfxRectD tile{10, 20, 23, 29};
+    const auto regions = effect->regions_of_interest(tile);
+    for (const auto& [clip, r] : regions) {
+        EXPECT_LE(r.x1, tile.x1) << clip;
+        EXPECT_GE(r.y2, tile.y2) << clip;
+    }
+    // The screen is shrunk by 2 pixels; nothing looks further than a few.
+    EXPECT_LE(regions.at("fg").x1, tile.x1 - 2);
+    EXPECT_GE(regions.at("fg").x1, tile.x1 - 16);
+    EXPECT_EQ(regions.at("bg").x1, tile.x1);
+
+    const OfxRectD rod = effect->region_of_definition();
+    EXPECT_EQ(rod.x1, kFrame.x1);
+    EXPECT_EQ(rod.y2, kFrame.y2);
+}
+
+TEST_F(Render, ClipsComeAndGo) {
+    const Settings settings = kLooks[3].second;
+    Clips clips = all_clips();
+    const auto effect = instance(clips, settings);
+    for (const char* clip : {"bg", "gm", "cp", "hm"}) {
+        effect->render();
+        effect->connect(clip, nullptr);
+        const Source gone = clips.at(clip);
+        clips.erase(clip);
+        EXPECT_EQ(differences(effect->render(), Reference(clips, settings).render()), 0)
+            << "without " << clip;
+        if (clip == std::string("gm")) continue;
+        effect->connect(clip, &gone);
+        clips[clip] = gone;
+        EXPECT_EQ(differences(effect->render(), Reference(clips, settings).render()), 0) << "with " << clip;
+    }
+}
+
+TEST_F(Render, ImagesWithoutIdentifiersAndOfOtherSizes) {
+    Clips clips = all_clips();
+    for (auto& [name, source] : clips) source.identified = false;
+    const Settings settings = kLooks[2].second;
+    const auto effect = instance(clips, settings);
+    EXPECT_EQ(differences(effect->render(), Reference(clips, settings).render()), 0);
+    // The same place in memory may hold another picture next time.
+    clips["fg"].pixel = [](double, int c, int x, int y) {
+        return c == 1 ? 0.6f : 0.01f * static_cast<float>((x + y) % 30);
+    };
+    effect->connect("fg", &clips["fg"]);
+    EXPECT_EQ(differences(effect->render(), Reference(clips, settings).render()), 0);
+    EXPECT_EQ(differences(render_tiles(*effect), Reference(clips, settings).render()), 0);
+
+    // A drawn matte ends at its shape: beyond it there is none.
+    Clips small = clips;
+    small["gm"].box = {40, 10, 59, 30};
+    effect->connect("gm", &small["gm"]);
+    clips["gm"].pixel = [matte = clips["gm"].pixel](double t, int c, int x, int y) {
+        return x >= 40 && x < 59 && y >= 10 && y < 30 ? matte(t, c, x, y) : 0.0f;
+    };
+    EXPECT_EQ(differences(effect->render(), Reference(clips, settings).render()), 0);
+}
+
+}  // namespace
+}  // namespace ofxtest

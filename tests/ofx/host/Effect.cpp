@@ -1,0 +1,247 @@
+#include "ofx/host/Effect.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <stdexcept>
+
+#include "ofx/host/Services.h"
+
+namespace ofxtest {
+
+namespace {
+
+constexpr unsigned char kUnwritten = 0xA7;
+constexpr int kPadding = 5;  // channels at the end of a row
+constexpr auto kPlugin = PropertySet::kPluginSets;
+
+thread_local const Call* current_call = nullptr;
+
+OfxRectI scaled(const OfxRectI& b, double scale) {
+    return {static_cast<int>(std::floor(b.x1 * scale)), static_cast<int>(std::floor(b.y1 * scale)),
+            static_cast<int>(std::ceil(b.x2 * scale)), static_cast<int>(std::ceil(b.y2 * scale))};
+}
+
+// The pixels that a canonical region covers, within the box.
+OfxRectI covered(const OfxRectD& r, double scale, const OfxRectI& box) {
+    const auto clamp = [](double v, int low, int high) {
+        return static_cast<int>(std::clamp(v, static_cast<double>(low), static_cast<double>(high)));
+    };
+    return {clamp(std::floor(r.x1 * scale), box.x1, box.x2), clamp(std::floor(r.y1 * scale), box.y1, box.y2),
+            clamp(std::ceil(r.x2 * scale), box.x1, box.x2), clamp(std::ceil(r.y2 * scale), box.y1, box.y2)};
+}
+
+}  // namespace
+
+Frame::Frame(const OfxRectI& b, int channel_count)
+    : box(b),
+      channels(channel_count),
+      values(static_cast<std::size_t>((b.x2 - b.x1) * (b.y2 - b.y1) * channel_count)) {}
+
+float& Frame::at(int x, int y, int c) {
+    return values[static_cast<std::size_t>(((y - box.y1) * (box.x2 - box.x1) + x - box.x1) * channels + c)];
+}
+
+const Call* Call::current() {
+    return current_call;
+}
+Call::Scope::Scope(const Call* call) : outer_(current_call) {
+    current_call = call;
+}
+Call::Scope::~Scope() {
+    current_call = outer_;
+}
+
+double white_of(const std::string& depth) {
+    return depth == kOfxBitDepthByte ? 255.0 : depth == kOfxBitDepthShort ? 65535.0 : 1.0;
+}
+
+int channels_of(const std::string& components) {
+    return components == kOfxImageComponentRGBA ? 4 : components == kOfxImageComponentRGB ? 3 : 1;
+}
+
+std::atomic<int> Image::held{0};
+
+Image::Image(const Clip& clip, const OfxRectI& bounds, const OfxRectI& rod, double scale)
+    : is_output(clip.is_output()),
+      bounds_(bounds),
+      depth_(clip.props.string_at(kOfxImageEffectPropPixelDepth)),
+      channels_(channels_of(clip.props.string_at(kOfxImageEffectPropComponents))),
+      bytes_(depth_ == kOfxBitDepthByte    ? 1
+             : depth_ == kOfxBitDepthFloat ? 4
+                                           : 2) {
+    const std::ptrdiff_t width = bounds.x2 - bounds.x1;
+    const std::ptrdiff_t height = bounds.y2 - bounds.y1;
+    const std::ptrdiff_t line = width * channels_ * bytes_;
+    const std::ptrdiff_t stride = line + kPadding * bytes_;
+    const bool flipped = clip.source() != nullptr && clip.source()->upside_down;
+    memory_.assign(static_cast<std::size_t>(height > 0 ? (height - 1) * stride + line : 0), kUnwritten);
+    first_ = memory_.data() + (flipped && height > 0 ? (height - 1) * stride : 0);
+    row_bytes_ = flipped ? -stride : stride;
+
+    add(kOfxPropType, {std::string(kOfxTypeImage)});
+    add(kOfxImagePropData, {static_cast<void*>(first_)});
+    add(kOfxImagePropBounds, {bounds.x1, bounds.y1, bounds.x2, bounds.y2});
+    add(kOfxImagePropRegionOfDefinition, {rod.x1, rod.y1, rod.x2, rod.y2});
+    add(kOfxImagePropRowBytes, {static_cast<int>(row_bytes_)});
+    for (const char* same :
+         {kOfxImageEffectPropPixelDepth, kOfxImageEffectPropComponents, kOfxImageEffectPropPreMultiplication})
+        add(same, {clip.props.string_at(same)});
+    add(kOfxImageEffectPropRenderScale, {scale, scale});
+    add(kOfxImagePropPixelAspectRatio, {1.0});
+    add(kOfxImagePropField, {std::string(kOfxImageFieldNone)});
+    ++held;
+}
+
+unsigned char* Image::address(int x, int y, int c) {
+    return first_ + (y - bounds_.y1) * row_bytes_ + ((x - bounds_.x1) * channels_ + c) * bytes_;
+}
+const unsigned char* Image::address(int x, int y, int c) const {
+    return const_cast<Image*>(this)->address(x, y, c);
+}
+
+void Image::store(unsigned char* at, float value) const {
+    const double level = std::clamp(static_cast<double>(value), 0.0, 1.0) * white_of(depth_);
+    if (depth_ == kOfxBitDepthFloat) {
+        std::memcpy(at, &value, sizeof value);
+    } else if (depth_ == kOfxBitDepthByte) {
+        *at = static_cast<unsigned char>(std::lround(level));
+    } else {
+        const auto wide = static_cast<unsigned short>(std::lround(level));
+        std::memcpy(at, &wide, sizeof wide);
+    }
+}
+
+float Image::load(const unsigned char* at) const {
+    if (depth_ == kOfxBitDepthByte) return *at;
+    if (depth_ == kOfxBitDepthFloat) {
+        float value = 0;
+        std::memcpy(&value, at, sizeof value);
+        return value;
+    }
+    unsigned short wide = 0;
+    std::memcpy(&wide, at, sizeof wide);
+    return wide;
+}
+
+void Image::fill(const Source& source, double time) {
+    for (int y = bounds_.y1; y < bounds_.y2; ++y) {
+        for (int x = bounds_.x1; x < bounds_.x2; ++x) {
+            for (int c = 0; c < channels_; ++c)
+                store(address(x, y, c), source.pixel(time, channels_ == 1 ? 3 : c, x, y));
+        }
+    }
+}
+
+void Image::collect(const OfxRectI& w, Frame& frame) const {
+    std::size_t written = 0;
+    for (int y = w.y1; y < w.y2; ++y) {
+        for (int x = w.x1; x < w.x2; ++x) {
+            for (int c = 0; c < channels_; ++c) {
+                const unsigned char* at = address(x, y, c);
+                frame.at(x, y, c) = load(at);
+                written += static_cast<std::size_t>(std::count(at, at + bytes_, kUnwritten));
+            }
+        }
+    }
+    const auto all = static_cast<std::size_t>(std::count(memory_.begin(), memory_.end(), kUnwritten));
+    const std::size_t window = static_cast<std::size_t>((w.x2 - w.x1) * (w.y2 - w.y1)) *
+                               static_cast<std::size_t>(channels_ * bytes_);
+    if (all - written != memory_.size() - window) note_fault("writes beside the render window");
+}
+
+Clip::Clip(const std::string& name) : name_(name) {
+    props.add(kOfxPropType, {std::string(kOfxTypeClip)});
+    props.add(kOfxPropName, {name});
+    for (const char* label : {kOfxPropLabel, kOfxPropShortLabel, kOfxPropLongLabel})
+        props.add(label, {name}, kPlugin);
+    props.add_list(kOfxImageEffectPropSupportedComponents, std::string(), kPlugin);
+    props.add(kOfxImageClipPropOptional, {0}, kPlugin);
+    props.add(kOfxImageClipPropIsMask, {0}, kPlugin);
+    props.add(kOfxImageEffectPropTemporalClipAccess, {0}, kPlugin);
+    props.add(kOfxImageEffectPropSupportsTiles, {1}, kPlugin);
+    props.add(kOfxImageClipPropFieldExtraction, {std::string(kOfxImageFieldDoubled)}, kPlugin);
+
+    props.add(kOfxImageClipPropConnected, {0});
+    for (const char* depth : {kOfxImageEffectPropPixelDepth, kOfxImageClipPropUnmappedPixelDepth})
+        props.add(depth, {std::string(kOfxBitDepthNone)});
+    for (const char* components : {kOfxImageEffectPropComponents, kOfxImageClipPropUnmappedComponents})
+        props.add(components, {std::string(kOfxImageComponentNone)});
+    props.add(kOfxImageEffectPropPreMultiplication, {std::string(kOfxImageUnPreMultiplied)});
+    props.add(kOfxImagePropPixelAspectRatio, {1.0});
+    for (const char* rate : {kOfxImageEffectPropFrameRate, kOfxImageEffectPropUnmappedFrameRate})
+        props.add(rate, {24.0});
+    for (const char* range : {kOfxImageEffectPropFrameRange, kOfxImageEffectPropUnmappedFrameRange})
+        props.add(range, {0.0, 100.0});
+    props.add(kOfxImageClipPropFieldOrder, {std::string(kOfxImageFieldNone)});
+    props.add(kOfxImageClipPropContinuousSamples, {0});
+}
+
+void Clip::connect(std::shared_ptr<const Source> source) {
+    source_ = std::move(source);
+    static std::atomic<int> connections{0};
+    connection_ = ++connections;
+    props.put(kOfxImageClipPropConnected, {source_ ? 1 : 0});
+    for (const char* depth : {kOfxImageEffectPropPixelDepth, kOfxImageClipPropUnmappedPixelDepth})
+        props.put(depth, {source_ ? source_->depth : std::string(kOfxBitDepthNone)});
+    for (const char* components : {kOfxImageEffectPropComponents, kOfxImageClipPropUnmappedComponents})
+        props.put(components, {source_ ? source_->components : std::string(kOfxImageComponentNone)});
+    if (source_) props.put(kOfxImageEffectPropPreMultiplication, {source_->premultiplication});
+}
+
+OfxRectD Clip::rod() const {
+    if (!source_) return {};
+    const OfxRectI& b = source_->box;
+    return {static_cast<double>(b.x1), static_cast<double>(b.y1), static_cast<double>(b.x2),
+            static_cast<double>(b.y2)};
+}
+
+OfxStatus Clip::fetch(double time, const OfxRectD* region, OfxPropertySetHandle* image) const {
+    const Call* call = Call::current();
+    if (call == nullptr || !call->may_fetch) {
+        note_fault("fetches an image at the wrong time: " + name_);
+        return kOfxStatFailed;
+    }
+    if (!source_ || source_->fails) return kOfxStatFailed;
+    const double scale = source_->scaled ? call->scale : 1.0;
+    const OfxRectI rod = scaled(source_->box, scale);
+    OfxRectI bounds = rod;
+    const auto asked = call->regions.find(name_);
+    if (is_output()) {  // a little more than the window
+        const OfxRectI& w = call->window;
+        bounds = {w.x1 - 3, w.y1 - 2, w.x2 + 1, w.y2 + 4};
+    } else if (region != nullptr) {
+        bounds = covered(*region, scale, rod);
+    } else if (asked != call->regions.end()) {
+        bounds = covered(asked->second, scale, rod);
+    }
+    auto* made = new Image(*this, bounds, rod, scale);
+    if (source_->identified && !is_output()) {
+        made->add(kOfxImagePropUniqueIdentifier, {name_ + std::to_string(connection_) + ' ' +
+                                                  std::to_string(time) + ' ' + std::to_string(scale)});
+    }
+    if (!is_output()) made->fill(*source_, time);
+    *image = made->handle();
+    return kOfxStatOK;
+}
+
+Effect::Effect() {
+    params.effect_props = &props;
+}
+
+Clip* Effect::find_clip(const std::string& name) const {
+    const auto found =
+        std::find_if(clips.begin(), clips.end(), [&](const auto& c) { return c->name() == name; });
+    return found != clips.end() ? found->get() : nullptr;
+}
+
+Clip& Effect::clip(const std::string& name) const {
+    if (Clip* found = find_clip(name)) return *found;
+    throw std::out_of_range("no clip " + name);
+}
+
+double Effect::current_time() {
+    return services().time;
+}
+
+}  // namespace ofxtest

@@ -1,0 +1,144 @@
+// Effects of the test host: their clips, the images that clips give out, and the action that a thread is in.
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "abi/OfxImageEffect.h"
+#include "ofx/host/Params.h"
+#include "ofx/host/PropertySet.h"
+
+namespace ofxtest {
+
+class Clip;
+
+// A finished picture: interleaved channels as the clip stores them (0 to 255, 0 to 65535, or floats), the
+// bottom row first.
+struct Frame {
+    OfxRectI box{};
+    int channels = 4;
+    std::vector<float> values;
+
+    Frame() = default;
+    explicit Frame(const OfxRectI& b, int channel_count = 4);
+    float& at(int x, int y, int c);
+};
+
+// What a plug-in may do in the action that the calling thread is in, and what a render gave it.
+struct Call {
+    bool per_frame = false;
+    bool may_set_params = false;
+    bool may_fetch = false;
+    double scale = 1.0;
+    OfxRectI window{};
+    std::map<std::string, OfxRectD> regions;  // of interest, canonical, by clip; none: all of the clip
+    Frame* output = nullptr;
+
+    static const Call* current();
+    class Scope {
+      public:
+        explicit Scope(const Call* call);
+        ~Scope();
+        Scope(const Scope&) = delete;
+        Scope& operator=(const Scope&) = delete;
+
+      private:
+        const Call* outer_;
+    };
+};
+
+// What is connected to a clip. The box is in square pixels of full resolution; `pixel` is asked for pixels of
+// the render, channels 0 to 3, and should give 0 to 1 for integer depths.
+struct Source {
+    OfxRectI box{};
+    std::function<float(double time, int channel, int x, int y)> pixel;
+    std::string depth = kOfxBitDepthFloat;
+    std::string components = kOfxImageComponentRGBA;
+    std::string premultiplication = kOfxImageUnPreMultiplied;
+    bool identified = true;    // images have unique identifiers
+    bool upside_down = false;  // negative row bytes
+    bool fails = false;        // fetching replies Failed
+    bool scaled = true;        // false: images come at full scale whatever was asked for
+};
+
+// Values from black to white of a depth; channels of a pixel.
+double white_of(const std::string& depth);
+int channels_of(const std::string& components);
+
+// An image that a plug-in holds. Rows are padded; memory is exactly as large as needed.
+class Image final : public PropertySet {
+  public:
+    Image(const Clip& clip, const OfxRectI& bounds, const OfxRectI& rod, double scale);
+
+    static std::atomic<int> held;  // not released
+
+    void fill(const Source& source, double time);
+    // Outputs: takes the window into the frame; notes a fault when anything else was written.
+    void collect(const OfxRectI& window, Frame& frame) const;
+    bool is_output = false;
+
+  private:
+    unsigned char* address(int x, int y, int c);
+    const unsigned char* address(int x, int y, int c) const;
+    void store(unsigned char* at, float value) const;
+    float load(const unsigned char* at) const;
+
+    OfxRectI bounds_;
+    std::string depth_;
+    int channels_;
+    std::ptrdiff_t bytes_;  // of a channel
+    std::ptrdiff_t row_bytes_;
+    std::vector<unsigned char> memory_;
+    unsigned char* first_;
+};
+
+class Clip {
+  public:
+    explicit Clip(const std::string& name);
+    Clip(const Clip& descriptor) = default;
+
+    const std::string& name() const { return name_; }
+    void connect(std::shared_ptr<const Source> source);
+    const Source* source() const { return source_.get(); }
+    bool is_output() const { return name_ == kOfxImageEffectOutputClipName; }
+    OfxRectD rod() const;
+
+    OfxStatus fetch(double time, const OfxRectD* region, OfxPropertySetHandle* image) const;
+
+    PropertySet props;
+
+  private:
+    std::string name_;
+    std::shared_ptr<const Source> source_;
+    int connection_ = 0;  // no other of the process has this number
+};
+
+// A descriptor or an instance.
+class Effect {
+  public:
+    Effect();
+    virtual ~Effect() = default;
+    Effect(const Effect&) = delete;
+    Effect& operator=(const Effect&) = delete;
+
+    OfxImageEffectHandle handle() { return reinterpret_cast<OfxImageEffectHandle>(this); }
+    Clip& clip(const std::string& name) const;
+    Clip* find_clip(const std::string& name) const;
+
+    // The time that the user looks at.
+    static double current_time();
+
+    PropertySet props;
+    ParamSet params;
+    std::vector<std::unique_ptr<Clip>> clips;
+    std::atomic<int> polls{0};         // of abort
+    std::atomic<int> abort_after{-1};  // polls until the user aborts; never when negative
+};
+
+const OfxImageEffectSuiteV1& image_effect_suite();
+
+}  // namespace ofxtest

@@ -1,0 +1,231 @@
+#include <cmath>
+#include <stdexcept>
+
+#include "ofx/host/Host.h"
+
+namespace ofxtest {
+
+namespace {
+
+void add_rect(PropertySet& p, const char* name, const OfxRectD& r) {
+    p.add(name, {r.x1, r.y1, r.x2, r.y2}, PropertySet::kPluginSets);
+}
+
+void add_window(PropertySet& p, const OfxRectI& w) {
+    p.add(kOfxImageEffectPropRenderWindow, {w.x1, w.y1, w.x2, w.y2});
+}
+
+OfxRectD rect_of(const PropertySet& p, const std::string& name) {
+    return {p.double_at(name, 0), p.double_at(name, 1), p.double_at(name, 2), p.double_at(name, 3)};
+}
+
+PropertySet frame_arguments(double time, double scale) {
+    PropertySet in;
+    in.add(kOfxPropTime, {time});
+    in.add(kOfxImageEffectPropRenderScale, {scale, scale});
+    return in;
+}
+
+Call frame_call(double scale) {
+    Call call;
+    call.per_frame = true;
+    call.scale = scale;
+    return call;
+}
+
+}  // namespace
+
+Instance::Instance(Host& host, const std::string& context, Effect& descriptor) : host_(host) {
+    props = descriptor.props;
+    props.add(kOfxPropType, {std::string(kOfxTypeImageEffectInstance)});
+    props.add(kOfxImageEffectPropContext, {context});
+    props.add(kOfxPropInstanceData, {static_cast<void*>(nullptr)}, PropertySet::kPluginSets);
+    props.add(kOfxPropParamSetNeedsSyncing, {1}, PropertySet::kPluginSets);
+    props.add(kOfxPropIsInteractive, {0});
+    props.add(kOfxImageEffectPropProjectSize, {64.0, 48.0});
+    props.add(kOfxImageEffectPropProjectOffset, {0.0, 0.0});
+    props.add(kOfxImageEffectPropProjectExtent, {64.0, 48.0});
+    props.add(kOfxImageEffectPropProjectPixelAspectRatio, {1.0});
+    props.add(kOfxImageEffectInstancePropEffectDuration, {100.0});
+    props.add(kOfxImageEffectPropFrameRate, {24.0});
+    for (const auto& clip : descriptor.clips) clips.push_back(std::make_unique<Clip>(*clip));
+    for (const auto& param : descriptor.params.all()) params.add(std::make_unique<Param>(params, *param));
+    params.when_edited = [this](Param& param) {
+        if (created_) changed(kOfxTypeParameter, param.name(), kOfxChangePluginEdited);
+    };
+}
+
+Instance::~Instance() {
+    host_.action(kOfxActionDestroyInstance, this);
+}
+
+OfxStatus Instance::create() {
+    Call call;
+    call.may_set_params = true;
+    const OfxStatus status = host_.action(kOfxActionCreateInstance, this, nullptr, nullptr, call);
+    created_ = true;
+    return status;
+}
+
+void Instance::changed(const std::string& type, const std::string& name, const char* reason) {
+    PropertySet in;
+    in.add(kOfxPropChangeReason, {std::string(reason)});
+    Call call;
+    call.may_set_params = true;
+    host_.action(kOfxActionBeginInstanceChanged, this, &in, nullptr, call);
+    PropertySet what = frame_arguments(current_time(), 1.0);
+    what.add(kOfxPropType, {type});
+    what.add(kOfxPropName, {name});
+    what.add(kOfxPropChangeReason, {std::string(reason)});
+    call.may_fetch = reason == std::string(kOfxChangeUserEdited);
+    const OfxStatus status = host_.action(kOfxActionInstanceChanged, this, &what, nullptr, call);
+    if (status != kOfxStatOK && status != kOfxStatReplyDefault)
+        note_fault("the change of " + name + " gave status " + std::to_string(status));
+    call.may_fetch = false;
+    host_.action(kOfxActionEndInstanceChanged, this, &in, nullptr, call);
+}
+
+void Instance::connect(const std::string& name, const Source* source) {
+    clip(name).connect(source != nullptr ? std::make_shared<Source>(*source) : nullptr);
+    changed(kOfxTypeClip, name, kOfxChangeUserEdited);
+}
+
+void Instance::set(const std::string& name, std::vector<double> numbers) {
+    params.get(name).assign({std::move(numbers), {}});
+    changed(kOfxTypeParameter, name, kOfxChangeUserEdited);
+}
+
+void Instance::press(const std::string& button) {
+    if (params.get(button).type() != kOfxParamTypePushButton)
+        throw std::logic_error(button + " is no button");
+    changed(kOfxTypeParameter, button, kOfxChangeUserEdited);
+}
+
+void Instance::undo() {
+    const ParamSet::Step step = params.undo.back();
+    params.undo.pop_back();
+    for (auto edit = step.before.rbegin(); edit != step.before.rend(); ++edit)
+        edit->first->assign(edit->second);
+    for (const auto& [param, content] : step.before)
+        changed(kOfxTypeParameter, param->name(), kOfxChangeUserEdited);
+}
+
+Host::Values Instance::saved() const {
+    Host::Values values;
+    for (const auto& param : params.all()) {
+        if (param->holds_value() && param->props.int_at(kOfxParamPropPersistant) != 0)
+            values[param->name()] = param->value();
+    }
+    return values;
+}
+
+OfxRectD Instance::region_of_definition(double time, double scale) {
+    PropertySet in = frame_arguments(time, scale);
+    PropertySet out;
+    for (const auto& clip : clips) {
+        if (clip->is_output() || clip->props.int_at(kOfxImageClipPropOptional) != 0) continue;
+        add_rect(out, kOfxImageEffectPropRegionOfDefinition, clip->rod());
+    }
+    host_.action(kOfxImageEffectActionGetRegionOfDefinition, this, &in, &out, frame_call(scale));
+    return rect_of(out, kOfxImageEffectPropRegionOfDefinition);
+}
+
+std::optional<std::string> Instance::identity(const OfxRectI& w, double time, double scale) {
+    PropertySet in = frame_arguments(time, scale);
+    in.add(kOfxImageEffectPropFieldToRender, {std::string(kOfxImageFieldNone)});
+    add_window(in, w);
+    PropertySet out;
+    out.add(kOfxPropName, {std::string()}, PropertySet::kPluginSets);
+    out.add(kOfxPropTime, {time}, PropertySet::kPluginSets);
+    const OfxStatus status =
+        host_.action(kOfxImageEffectActionIsIdentity, this, &in, &out, frame_call(scale));
+    if (status != kOfxStatOK) return std::nullopt;
+    return out.string_at(kOfxPropName);
+}
+
+std::map<std::string, OfxRectD> Instance::regions_of_interest(const OfxRectD& region, double time,
+                                                              double scale) {
+    PropertySet in = frame_arguments(time, scale);
+    add_rect(in, kOfxImageEffectPropRegionOfInterest, region);
+    PropertySet out;
+    for (const auto& clip : clips) {
+        if (!clip->is_output()) add_rect(out, (kOfxImageClipPropRoI_ + clip->name()).c_str(), region);
+    }
+    host_.action(kOfxImageEffectActionGetRegionsOfInterest, this, &in, &out, frame_call(scale));
+    std::map<std::string, OfxRectD> regions;
+    for (const auto& clip : clips) {
+        if (!clip->is_output()) regions[clip->name()] = rect_of(out, kOfxImageClipPropRoI_ + clip->name());
+    }
+    return regions;
+}
+
+PropertySet Instance::clip_preferences() {
+    constexpr auto kPlugin = PropertySet::kPluginSets;
+    PropertySet out;
+    for (const auto& clip : clips) {
+        const std::string& name = clip->name();
+        out.add(kOfxImageClipPropComponents_ + name, {clip->props.string_at(kOfxImageEffectPropComponents)},
+                kPlugin);
+        out.add(kOfxImageClipPropDepth_ + name, {clip->props.string_at(kOfxImageEffectPropPixelDepth)},
+                kPlugin);
+        out.add(kOfxImageClipPropPAR_ + name, {1.0}, kPlugin);
+    }
+    out.add(kOfxImageEffectPropFrameRate, {24.0}, kPlugin);
+    out.add(kOfxImageClipPropFieldOrder, {std::string(kOfxImageFieldNone)}, kPlugin);
+    out.add(kOfxImageEffectPropPreMultiplication, {std::string(kOfxImageUnPreMultiplied)}, kPlugin);
+    out.add(kOfxImageClipPropContinuousSamples, {0}, kPlugin);
+    out.add(kOfxImageEffectFrameVarying, {0}, kPlugin);
+    host_.action(kOfxImageEffectActionGetClipPreferences, this, nullptr, &out);
+    for (const auto& clip : clips) {
+        if (clip->source() == nullptr) continue;
+        clip->props.put(kOfxImageEffectPropComponents,
+                        {out.string_at(kOfxImageClipPropComponents_ + clip->name())});
+    }
+    return out;
+}
+
+OfxStatus Instance::render(Frame& frame, const OfxRectI& w, double time, double scale) {
+    Call call = frame_call(scale);
+    call.may_fetch = true;
+    call.window = w;
+    call.output = &frame;
+    if (host_.options().tiles) {
+        call.regions =
+            regions_of_interest({w.x1 / scale, w.y1 / scale, w.x2 / scale, w.y2 / scale}, time, scale);
+    }
+    PropertySet in = frame_arguments(time, scale);
+    in.add(kOfxImageEffectPropFieldToRender, {std::string(kOfxImageFieldNone)});
+    add_window(in, w);
+    in.add(kOfxImageEffectPropSequentialRenderStatus, {0});
+    in.add(kOfxImageEffectPropInteractiveRenderStatus, {0});
+    return host_.action(kOfxImageEffectActionRender, this, &in, nullptr, call);
+}
+
+OfxRectI Instance::window(double time, double scale) {
+    const OfxRectD r = region_of_definition(time, scale);
+    return {static_cast<int>(std::floor(r.x1 * scale)), static_cast<int>(std::floor(r.y1 * scale)),
+            static_cast<int>(std::ceil(r.x2 * scale)), static_cast<int>(std::ceil(r.y2 * scale))};
+}
+
+OfxStatus Instance::sequence(const char* action, double time, double scale) {
+    PropertySet in = frame_arguments(time, scale);
+    in.add(kOfxImageEffectPropFrameRange, {time, time});
+    in.add(kOfxImageEffectPropFrameStep, {1.0});
+    in.add(kOfxPropIsInteractive, {0});
+    in.add(kOfxImageEffectPropSequentialRenderStatus, {0});
+    in.add(kOfxImageEffectPropInteractiveRenderStatus, {0});
+    return host_.action(action, this, &in, nullptr, frame_call(scale));
+}
+
+Frame Instance::render(double time, double scale) {
+    const OfxRectI w = window(time, scale);
+    Frame frame(
+        w, channels_of(clip(kOfxImageEffectOutputClipName).props.string_at(kOfxImageEffectPropComponents)));
+    sequence(kOfxImageEffectActionBeginSequenceRender, time, scale);
+    const OfxStatus status = render(frame, w, time, scale);
+    sequence(kOfxImageEffectActionEndSequenceRender, time, scale);
+    if (status != kOfxStatOK) throw std::runtime_error("the render gave status " + std::to_string(status));
+    return frame;
+}
+
+}  // namespace ofxtest

@@ -1,0 +1,172 @@
+// Rendering on threads that somebody else provides, in whatever way they run the jobs.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <thread>
+
+#include "ZoImage/Lock.h"
+#include "ZoImage/Render.h"
+#include "support/TestImages.h"
+
+using namespace Zo::Image;
+
+namespace {
+
+using Jobs = std::function<void(int count, const std::function<void(int)>& job)>;
+
+class Threads final : public ThreadSource {
+  public:
+    Threads(int threads, Jobs jobs) : threads_(threads), jobs_(std::move(jobs)) {}
+    int threads() const override { return threads_; }
+    void run(int count, const std::function<void(int)>& job) override {
+        ++runs;
+        jobs_(count, job);
+    }
+    int runs = 0;
+
+  private:
+    int threads_;
+    Jobs jobs_;
+};
+
+void one_after_another(int count, const std::function<void(int)>& job) {
+    for (int i = 0; i < count; ++i) job(i);
+}
+
+void last_first(int count, const std::function<void(int)>& job) {
+    for (int i = count - 1; i >= 0; --i) job(i);
+}
+
+void first_alone(int /*count*/, const std::function<void(int)>& job) {
+    job(0);
+}
+
+void none(int /*count*/, const std::function<void(int)>& /*job*/) {}
+
+void all_twice(int count, const std::function<void(int)>& job) {
+    one_after_another(count, job);
+    one_after_another(count, job);
+}
+
+void new_threads(int count, const std::function<void(int)>& job) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < count; ++i) threads.emplace_back([&job, i] { job(i); });
+    for (std::thread& thread : threads) thread.join();
+}
+
+constexpr Box kBox{-3, 5, 30, 405};
+
+// Adds up each column of its input before it has a row, in a loop that waiting threads help with.
+class ColumnSums final : public Iop {
+  public:
+    explicit ColumnSums(Op* source) : Iop(NodeContext{}) {
+        inputs(1);
+        set_input(0, source);
+    }
+    const char* class_name() const override { return "ColumnSums"; }
+
+  protected:
+    void _request(int x, int, int r, int, ChannelSet channels, int count) override {
+        input(0).request(x, kBox.y, r, kBox.t, channels, count);
+    }
+    void engine(int, int x, int r, const ChannelSet& channels, Row& row) override {
+        {
+            const Guard guard(lock_);
+            if (sums_.empty()) {
+                std::vector<float> sums(static_cast<std::size_t>(r - x));
+                lock_.parallel_for(x, r, 1, [&](int begin, int end) {
+                    for (int y = kBox.y; y < kBox.t; ++y) {
+                        Row from(begin, end);
+                        from.get(input(0), y, ChannelSet(kRed));
+                        for (int i = begin; i < end; ++i) {
+                            sums[static_cast<std::size_t>(i - x)] += from[kRed][i - begin];
+                        }
+                    }
+                });
+                sums_ = std::move(sums);
+            }
+        }
+        for (const Channel c : channels) std::copy(sums_.begin(), sums_.end(), row.overwrite(c));
+    }
+
+  private:
+    Lock lock_;
+    std::vector<float> sums_;
+};
+
+const struct {
+    const char* name;
+    int threads;
+    Jobs jobs;
+    int runs;  // how often the source is asked
+} kSources[] = {
+    {"one after another", 4, one_after_another, 1},
+    {"last first", 4, last_first, 1},
+    {"the first alone", 4, first_alone, 1},
+    {"none", 4, none, 1},
+    {"all twice", 4, all_twice, 1},
+    {"new threads", 4, new_threads, 1},
+    {"more than there are rows", 5000, one_after_another, 1},
+    {"a single one", 1, none, 0},
+    {"a count of 0", 0, none, 0},
+};
+
+TEST(ThreadSource, EveryRowOnceHoweverJobsRun) {
+    for (const auto& given : kSources) {
+        SCOPED_TRACE(given.name);
+        test::FunctionSource source(kBox, kMaskRgba,
+                                    [](Channel, int x, int y) { return static_cast<float>(x + y); });
+        ColumnSums sums(&source);
+        Threads threads(given.threads, given.jobs);
+        Renderer renderer(threads);
+        EXPECT_EQ(renderer.threads(), std::max(1, given.threads));
+        std::array<std::atomic<int>, 400> times{};
+        std::atomic<int> wrong{0};
+        ASSERT_TRUE(renderer.render(sums, kBox, kMaskAlpha, [&](int y, const Row& row) {
+            ++times[static_cast<std::size_t>(y - kBox.y)];
+            // 400 rows, y from 5 to 404.
+            for (int x = kBox.x; x < kBox.r; ++x) {
+                wrong += row[kAlpha][x - kBox.x] != static_cast<float>(400 * x + 81800);
+            }
+        }));
+        for (const auto& n : times) ASSERT_EQ(n, 1);
+        EXPECT_EQ(wrong, 0);
+        EXPECT_EQ(threads.runs, given.runs);
+    }
+}
+
+TEST(ThreadSource, AbortAndExceptionsComeThrough) {
+    for (const auto& jobs : {Jobs(one_after_another), Jobs(new_threads)}) {
+        Threads threads(3, jobs);
+        AbortFlag abort;
+        test::FunctionSource source(kBox, kMaskRgba, [](Channel, int, int) { return 0.0f; });
+        Renderer renderer(threads, &abort);
+        EXPECT_FALSE(renderer.render(source, kBox, kMaskRgba, [&](int, const Row&) { abort.raise(); }));
+        abort.clear();
+        EXPECT_THROW(renderer.render(source, kBox, kMaskRgba, [](int, const Row&) { throw 1; }), int);
+        EXPECT_TRUE(renderer.render(source, kBox, kMaskRgba, [](int, const Row&) {}));
+    }
+}
+
+// Threads with graphs of their own have nothing in common but the image that stands in for missing inputs.
+TEST(ThreadSource, GraphsOnSeveralThreads) {
+    std::atomic<int> wrong{0};
+    const auto wire_and_render = [&](int thread) {
+        for (int round = 0; round < 60; ++round) {
+            test::FunctionSource source({0, 0, 8, 4}, kMaskRgba,
+                                        [&](Channel, int, int) { return static_cast<float>(thread); });
+            ColumnSums open(nullptr);
+            open.set_input(0, open.default_input(0));
+            const test::Picture nothing = test::render(open, {0, 0, 8, 4});
+            wrong += nothing.at(kAlpha, 3, 2) != 0.0f;
+            open.set_input(0, &source);
+            const test::Picture sums = test::render(open, {0, 0, 8, 4});
+            // Rows beyond the source's box repeat the nearest.
+            wrong += sums.at(kAlpha, 3, 2) != static_cast<float>(400 * thread);
+        }
+    };
+    new_threads(4, wire_and_render);
+    EXPECT_EQ(wrong, 0);
+}
+
+}  // namespace
