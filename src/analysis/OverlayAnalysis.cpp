@@ -68,9 +68,11 @@ Tuning analyse_overlay(const Setting& setting, std::span<const OverlaySample> sa
     dials.push_back(Dial::number(&K::screen_darks_red_smaller, -50.0, 50.0));
     dials.push_back(Dial::number(&K::screen_brights_red_larger, 0.0, 1000.0));
     dials.push_back(Dial::number(&K::screen_brights_red_smaller, 0.0, 1000.0));
-    std::vector<Ray> rays{{1, 1, 0, 0, 0, 0},  {0, 0, 1, 1, 0, 0},  {0, 0, 0, 0, 1, 1},   {1, 0, 0, 1, 0, 0},
-                          {0, 1, 1, 0, 0, 0},  {1, 1, 1, 1, 0, 0},  {1, 1, 0, 0, -1, -1}, {1, 0, 0, 0, 0, -1},
-                          {0, 1, 0, 0, -1, 0}, {1, 1, 1, 1, -1, -1}};
+    std::vector<Ray> rays{{1, 1, 0, 0, 0, 0},   {0, 0, 1, 1, 0, 0},   {0, 0, 0, 0, 1, 1},
+                          {1, 0, 0, 1, 0, 0},   {0, 1, 1, 0, 0, 0},   {1, 1, 1, 1, 0, 0},
+                          {1, 1, 0, 0, -1, -1}, {1, 0, 0, 0, 0, -1},  {0, 1, 0, 0, -1, 0},
+                          {1, 1, 1, 1, -1, -1}, {1, 1, -1, -1, 0, 0}, {1, 0, -1, 0, 0, 0},
+                          {1, 0, 0, -1, 0, 0},  {0, 1, -1, 0, 0, 0},  {0, 1, 0, -1, 0, 0}};
     if (setting.clean_plate()) {
         tolerance(2);
         for (Ray& ray : rays) ray.push_back(0.0);

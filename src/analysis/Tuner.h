@@ -7,6 +7,8 @@
 // the first point where nothing is amiss; where no ray has one it goes downhill along those rays. What it
 // finds is drawn back: dial by dial to the nearest cell that still satisfies, until none can give more.
 // So of the result no single knob can stand nearer to where it was; of several such results the nearest wins.
+// Where more than one dial is turned, the samples are also taken in one by one, from the newest back, and the
+// nearer of the two results stands.
 //
 // Samples that contradict each other: from the newest back, each is taken in if there is an answer to it and
 // all taken in before; after kMostRefusals samples without one the older ones are no longer tried. Knobs

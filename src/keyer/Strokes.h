@@ -45,6 +45,11 @@ class Strokes {
         pixels_.push_back(std::move(pixels));
     }
 
+    // More that the newest stroke asks for.
+    void extend(const std::vector<T>& pixels) {
+        pixels_.back().insert(pixels_.back().end(), pixels.begin(), pixels.end());
+    }
+
     // Takes in a few pixels that do not say what was asked; false where there are none, or none that is not
     // in the list already. `agrees` tells of each pixel of a list whether it does.
     template <class Agrees>

@@ -26,14 +26,24 @@ class ToolRun {
     using Sample = VeloxaSample::Sample;
 
     bool take_box(const Zo::Image::Knob& tool);
+    // Calls `look` while the node stands as with these knobs.
+    template <class Look>
+    void with(const KnobStorage& knobs, const Look& look);
     Sample mean(Zo::Image::Iop& source) const;
     std::vector<StrokePixel> pixels(Zo::Image::Iop& first, Zo::Image::Iop* second);
     // Analyses, and takes in pixels of the strokes that the answer leaves out, until it leaves out none.
     template <class T, class Analyse, class Agrees>
     Tuning refine(Strokes<T>& strokes, const Analyse& analyse, const Agrees& agrees);
+    template <class T, class Agrees>
+    void note_missed(const Strokes<T>& strokes, const Agrees& agrees);
     void pick_color(Zo::Image::Iop& source, KnobStorage::Color KnobStorage::*field, bool darken);
     void overlay(bool add);
     void gather_overlay(bool add);
+    // Where the stroke is not transparent in the picture that the knobs would give; spread over it, if many.
+    std::vector<std::array<int, 2>> visible(const KnobStorage& knobs);
+    // What lies so near to those places that it takes the screen area away from them.
+    std::vector<OverlaySample> surroundings(const KnobStorage& knobs,
+                                            const std::vector<std::array<int, 2>>& places);
     std::vector<OverlaySample> overlay_samples(bool add);
     void add_matte();
     void gather_backing();
