@@ -39,9 +39,9 @@ const std::vector<Patch> kPatches{{kShade, {0.1f, 0.3f, 0.12f}}, {kGrey, {0.3f, 
                                   {kWarm, {0.45f, 0.5f, 0.35f}}, {kBroken, {kNan, 0.4f, 0.3f}},
                                   {kHuge, {0.2f, kInf, 0.2f}}};
 
-float plate(Channel c, int x, int y) {
+float plate(const std::vector<Patch>& patches, Channel c, int x, int y) {
     Rgb color{0.15f, 0.6f, 0.2f};
-    for (const Patch& p : kPatches) {
+    for (const Patch& p : patches) {
         if (x >= p.box.x && x < p.box.r && y >= p.box.y && y < p.box.t) color = p.color;
     }
     const int grain = (x * 7 + y * 13 + static_cast<int>(c) * 5) % 5 - 2;
@@ -51,7 +51,7 @@ float plate(Channel c, int x, int y) {
 class Rig {
   public:
     Rig()
-        : fg(kFrame, kMaskRgb, plate),
+        : fg(kFrame, kMaskRgb, [this](Channel c, int x, int y) { return plate(patches, c, x, y); }),
           bg(kFrame, kMaskRgb, [](Channel c, int, int) { return 0.1f * static_cast<float>(c) + 0.1f; }),
           node(NodeContext{}),
           panel(node) {
@@ -104,6 +104,7 @@ class Rig {
     }
     std::string report() const { return node.diagnostic("tool"); }
 
+    std::vector<Patch> patches = kPatches;
     test::FunctionSource fg, bg;
     VeloxaKeyer node;
     KnobPanel panel;
@@ -280,6 +281,47 @@ TEST(Tools, BackingKeepsItsMatteWithoutScreenCorrection) {
         EXPECT_NEAR(after.first, before.first, 1.0f) << rig.report();
         EXPECT_NEAR(after.second, before.second, 1.0f) << rig.report();
     }
+}
+
+// Black with a little green holds no content at all: brights and the two colours cannot make it solid.
+TEST(Tools, BlackClothBecomesSolid) {
+    Rig rig;
+    const Box cloth{44, 24, 60, 36};
+    rig.patches.push_back({cloth, {0.02f, 0.08f, 0.04f}});
+    EXPECT_GT(rig.span("outputMatte", kAlpha, cloth).first, 20.0f);
+    rig.stroke("toolbar_addmatte", cloth);
+    EXPECT_EQ(rig.span("outputMatte", kAlpha, cloth), kNone) << rig.report();
+    EXPECT_EQ(rig.turned(), (std::set<std::string>{"darks", "screen_color"}));
+}
+
+// The rim of the stroke would stay in the picture, since the half light around it is no screen area.
+TEST(Tools, AStrokeWithinWhatIsWrongIsTransparentToItsMargin) {
+    Rig rig;
+    const Box veil{24, 22, 40, 38};
+    const Box part{28, 26, 36, 34};
+    rig.patches.push_back({veil, {0.28f, 0.5f, 0.3f}});
+    rig.patches.push_back({part, {0.26f, 0.52f, 0.28f}});
+    EXPECT_GT(rig.span("", kAlpha, part).first, 0.0f);
+    Knob& button = rig.panel.get("toolbar_addoverlay");
+    for (int i = 0; i < 4; ++i) button.set_value(i % 2 == 0 ? (i < 2 ? 28 : 36) : (i < 2 ? 26 : 34), 4 + i);
+    button.changed();
+    rig.node.invalidate();
+    rig.node.validate(true);
+    const test::Picture picture = test::render(rig.node, part);
+    for (const float alpha : picture.planes[kAlpha]) EXPECT_EQ(alpha, 0.0f) << rig.report();
+}
+
+// A later stroke, which counts more, would let a pixel of an earlier one go that its samples left out.
+TEST(Tools, EarlierStrokesKeepEveryPixel) {
+    Rig rig;
+    rig.stroke("toolbar_addoverlay", kNoise);
+    rig.stroke("toolbar_addoverlay", kShade);
+    rig.stroke("toolbar_removeoverlay", kGrey);
+    rig.stroke("toolbar_removeoverlay", kWarm);
+    EXPECT_EQ(rig.span("clearRegion", kAlpha, kNoise), kFull) << rig.report();
+    EXPECT_EQ(rig.span("clearRegion", kAlpha, kShade), kFull) << rig.report();
+    EXPECT_EQ(rig.span("clearRegion", kAlpha, kGrey), kNone) << rig.report();
+    EXPECT_EQ(rig.span("clearRegion", kAlpha, kWarm), kNone) << rig.report();
 }
 
 TEST(Tools, ContradictionsGoToTheNewerStroke) {
