@@ -18,11 +18,6 @@ namespace {
 constexpr std::int64_t kLargestSide = 1 << 16;
 constexpr std::int64_t kLargestArea = 1 << 26;
 
-constexpr int kMostRefinements = 12;
-constexpr int kMostMargins = 4;
-constexpr double kWidestMargin = 16.0;
-constexpr std::size_t kMostPlaces = 256;
-
 constexpr std::size_t kBackingPixels = VeloxaSample::kCapacity;
 
 std::vector<PlatedSample> spread_over(const std::vector<PlatedSample>& pixels) {
@@ -108,34 +103,6 @@ std::vector<StrokePixel> ToolRun::pixels(Iop& first, Iop* second) {
     return stroke;
 }
 
-template <class T, class Analyse, class Agrees>
-Tuning ToolRun::refine(Strokes<T>& strokes, const Analyse& analyse, const Agrees& agrees) {
-    for (int round = 0;; ++round) {
-        Tuning tuning = analyse();
-        const auto satisfied = [&](const std::vector<T>& pixels) { return agrees(tuning.knobs, pixels); };
-        if (round == kMostRefinements || !strokes.take_missed(satisfied)) return tuning;
-    }
-}
-
-template <class T, class Agrees>
-void ToolRun::note_missed(const Strokes<T>& strokes, const Agrees& agrees) {
-    const std::size_t missed = strokes.unsatisfied(agrees);
-    if (missed > 0) note(std::to_string(missed) + " pixels of the stroke are not as asked");
-}
-
-template <class Look>
-void ToolRun::with(const KnobStorage& knobs, const Look& look) {
-    const KnobStorage present = node_.knobs_;
-    const auto set = [this](const KnobStorage& values) {
-        node_.knobs_ = values;
-        node_.invalidate();
-        node_.validate(true);
-    };
-    set(knobs);
-    look();
-    set(present);
-}
-
 Setting ToolRun::setting(const KnobStorage& knobs) const {
     return {knobs, node_.controls_, node_.inputFlags_};
 }
@@ -165,136 +132,6 @@ void ToolRun::pick_color(Iop& source, KnobStorage::Color KnobStorage::*field, bo
     values.*field = {color[0], color[1], color[2]};
     set_knobs(values);
     report_ += "samples\t1\t0\t0\n";
-}
-
-// The lists' means before the pixels, the other tool's before this one's.
-std::vector<OverlaySample> ToolRun::overlay_samples(bool add) {
-    std::vector<OverlaySample> samples;
-    unusable_ = 0;
-    const auto append = [&](const OverlaySample& sample) {
-        if (usable(sample.fg) && usable(sample.plate)) {
-            samples.push_back(sample);
-        } else {
-            ++unusable_;
-        }
-    };
-    const KnobStorage::Color& screen = node_.knobs_.screen_color;
-    for (const bool mode : {!add, add}) {
-        const auto* const fg =
-            node_.panel_.samples(mode ? SampleAction::kAddOverlay : SampleAction::kRemoveOverlay);
-        const auto* const cp =
-            node_.panel_.samples(mode ? SampleAction::kAddOverlayCp : SampleAction::kRemoveOverlayCp);
-        for (std::size_t i = 0; i < fg->samples().size(); ++i) {
-            const std::size_t back = fg->samples().size() - i;
-            const std::size_t plates = cp->samples().size();
-            const Sample plated =
-                back <= plates ? cp->samples()[plates - back] : Sample{screen[0], screen[1], screen[2], 0.0f};
-            append({as_saved(fg->samples()[i]), as_saved(plated), mode});
-        }
-    }
-    for (const OverlaySample& pixel : node_.session_.overlay.samples()) append(pixel);
-    return samples;
-}
-
-void ToolRun::overlay(bool add) {
-    gather_overlay(add);
-    Strokes<OverlaySample>& strokes = node_.session_.overlay;
-    const auto analyse = [&] { return analyse_overlay(setting(), overlay_samples(add)); };
-    const auto agrees = [&](const KnobStorage& knobs, const std::vector<OverlaySample>& asked) {
-        return overlay_agrees(setting(knobs), asked);
-    };
-    Tuning tuning = refine(strokes, analyse, agrees);
-    // The decision is a pixel's own, but shrinking and orphans look at places: the stroke's margin may need
-    // what lies beside it, unless that costs a sample.
-    auto lost = add ? visible(tuning.knobs) : std::vector<std::array<int, 2>>{};
-    for (int round = 0; !lost.empty() && round < kMostMargins; ++round) {
-        const Strokes<OverlaySample> before = strokes;
-        strokes.extend(surroundings(tuning.knobs, lost));
-        Tuning wider = refine(strokes, analyse, agrees);
-        auto still = visible(wider.knobs);
-        const auto missed = [](const Tuning& t) {
-            return std::count_if(t.misses.begin(), t.misses.end(), [](double m) { return m != 0.0; });
-        };
-        if (still.size() >= lost.size() || missed(wider) > missed(tuning)) {
-            strokes = before;
-            break;
-        }
-        tuning = std::move(wider);
-        lost = std::move(still);
-    }
-    note_missed(strokes, [&](const auto& pixels) { return agrees(tuning.knobs, pixels); });
-    if (!lost.empty()) note("not all of the stroke is transparent: what lies beside it is no backing");
-    adopt(tuning, tuning.misses.size());
-}
-
-std::vector<std::array<int, 2>> ToolRun::visible(const KnobStorage& knobs) {
-    std::vector<std::array<int, 2>> places;
-    int step_x = 1;
-    int step_y = 1;
-    if (decimate(box_.x, box_.y, box_.r, box_.t, step_x, step_y) == 0) return places;
-    with(knobs, [&] {
-        node_.request(box_.x, box_.y, box_.r, box_.t, kMaskRgba, 1);
-        for (int y = box_.y; y < box_.t; y += step_y) {
-            Row row(box_.x, box_.r);
-            row.get(node_, y, kMaskRgba);
-            for (int x = box_.x; x < box_.r; x += step_x) {
-                if (row[kAlpha][x - box_.x] != 0.0f) places.push_back({x, y});
-            }
-        }
-    });
-    return places;
-}
-
-std::vector<OverlaySample> ToolRun::surroundings(const KnobStorage& knobs,
-                                                 const std::vector<std::array<int, 2>>& places) {
-    const auto reach = [&](std::size_t axis) {
-        const double radius = std::ceil(std::clamp(node_.knobs_.screen_shrink[axis], 0.0, kWidestMargin));
-        return to_int(radius) + (node_.knobs_.screen_orphans > 0 ? 1 : 0);
-    };
-    const KnobStorage::Color& screen = node_.knobs_.screen_color;
-    const Sample constant{screen[0], screen[1], screen[2], 0.0f};
-    const Box& frame = node_.input(0).info().box;
-    std::vector<OverlaySample> beside;
-    const std::size_t count = std::min(places.size(), kMostPlaces);
-    for (std::size_t i = 0; i < count; ++i) {
-        const auto [x, y] = places[i * places.size() / count];
-        const Box near{std::max(x - reach(0), frame.x), std::max(y - reach(1), frame.y),
-                       std::min(x + reach(0) + 1, frame.r), std::min(y + reach(1) + 1, frame.t)};
-        for (const StrokePixel& p : read_pixels(node_.input(0), plate(), nullptr, near)) {
-            beside.push_back({p.first, plate() != nullptr ? p.second : constant, true});
-        }
-    }
-    const std::vector<bool> clear = overlay_agrees(setting(knobs), beside);
-    std::vector<OverlaySample> missed;
-    for (std::size_t i = 0; i < beside.size(); ++i) {
-        if (!clear[i]) missed.push_back(beside[i]);
-    }
-    return missed;
-}
-
-void ToolRun::gather_overlay(bool add) {
-    const auto list = [this](SampleAction action) { return node_.panel_.samples(action); };
-    auto* const fg = list(add ? SampleAction::kAddOverlay : SampleAction::kRemoveOverlay);
-    auto* const cp = list(add ? SampleAction::kAddOverlayCp : SampleAction::kRemoveOverlayCp);
-    const KnobStorage::Color& screen = node_.knobs_.screen_color;
-    const Sample constant{screen[0], screen[1], screen[2], 0.0f};
-    const bool none_added = list(SampleAction::kAddOverlay)->count() == 0;
-    const bool none_removed = list(SampleAction::kRemoveOverlay)->count() == 0;
-    node_.session_.overlay.forget(
-        [&](const OverlaySample& s) { return s.screen ? none_added : none_removed; });
-    std::vector<OverlaySample> asked;
-    for (const StrokePixel& p : pixels(node_.input(0), plate())) {
-        asked.push_back({p.first, plate() != nullptr ? p.second : constant, add});
-    }
-    node_.session_.overlay.begin(std::move(asked));
-    fg->add_area(node_.input(0), box_.x, box_.y, box_.r, box_.t);
-    node_.validate(true);
-    if (plate() == nullptr) {
-        cp->add_point(constant, box_.x, box_.y, box_.r, box_.t);
-    } else {
-        cp->add_area(*plate(), box_.x, box_.y, box_.r, box_.t);
-    }
-    node_.validate(true);
 }
 
 void ToolRun::add_matte() {

@@ -58,8 +58,38 @@ class ToolRun {
     void set_knobs(const KnobStorage& values);
     void note(std::string_view text);
 
+    static constexpr int kMostRounds = 12;
+
     VeloxaKeyer& node_;
     Zo::Image::Box box_{};
     int unusable_ = 0;
     std::string report_;
 };
+
+template <class T, class Analyse, class Agrees>
+Tuning ToolRun::refine(Strokes<T>& strokes, const Analyse& analyse, const Agrees& agrees) {
+    for (int round = 0;; ++round) {
+        Tuning tuning = analyse();
+        const auto satisfied = [&](const std::vector<T>& pixels) { return agrees(tuning.knobs, pixels); };
+        if (round == kMostRounds || !strokes.take_missed(satisfied)) return tuning;
+    }
+}
+
+template <class T, class Agrees>
+void ToolRun::note_missed(const Strokes<T>& strokes, const Agrees& agrees) {
+    const std::size_t missed = strokes.unsatisfied(agrees);
+    if (missed > 0) note(std::to_string(missed) + " pixels of the stroke are not as asked");
+}
+
+template <class Look>
+void ToolRun::with(const KnobStorage& knobs, const Look& look) {
+    const KnobStorage present = node_.knobs_;
+    const auto set = [this](const KnobStorage& values) {
+        node_.knobs_ = values;
+        node_.invalidate();
+        node_.validate(true);
+    };
+    set(knobs);
+    look();
+    set(present);
+}

@@ -311,17 +311,36 @@ TEST(Tools, AStrokeWithinWhatIsWrongIsTransparentToItsMargin) {
     for (const float alpha : picture.planes[kAlpha]) EXPECT_EQ(alpha, 0.0f) << rig.report();
 }
 
-// A later stroke, which counts more, would let a pixel of an earlier one go that its samples left out.
-TEST(Tools, EarlierStrokesKeepEveryPixel) {
-    Rig rig;
-    rig.stroke("toolbar_addoverlay", kNoise);
-    rig.stroke("toolbar_addoverlay", kShade);
-    rig.stroke("toolbar_removeoverlay", kGrey);
-    rig.stroke("toolbar_removeoverlay", kWarm);
-    EXPECT_EQ(rig.span("clearRegion", kAlpha, kNoise), kFull) << rig.report();
-    EXPECT_EQ(rig.span("clearRegion", kAlpha, kShade), kFull) << rig.report();
-    EXPECT_EQ(rig.span("clearRegion", kAlpha, kGrey), kNone) << rig.report();
-    EXPECT_EQ(rig.span("clearRegion", kAlpha, kWarm), kNone) << rig.report();
+// Three pixels a stroke, of which the inner one is no extreme in any direction.
+TEST(Strokes, TakeInWhatTheAnswerLeavesOut) {
+    const auto pixel = [](float red) { return PlatedSample{{red, 0.5f, 0.5f, 0.0f}, {}}; };
+    const auto stroke = [&](float from) {
+        return std::vector<PlatedSample>{pixel(from), pixel(from + 0.01f), pixel(from + 0.02f)};
+    };
+    const auto reds = [](const Strokes<PlatedSample>& strokes) {
+        std::vector<float> list;
+        for (const PlatedSample& s : strokes.samples()) list.push_back(s.fg[0]);
+        return list;
+    };
+    const auto without = [](float red) {
+        return [red](const std::vector<PlatedSample>& pixels) {
+            std::vector<bool> right;
+            for (const PlatedSample& p : pixels) right.push_back(p.fg[0] != red);
+            return right;
+        };
+    };
+    const float old = 0.1f + 0.01f;
+    const float fresh = 0.2f + 0.01f;
+    Strokes<PlatedSample> strokes;
+    strokes.begin(stroke(0.1f));
+    strokes.begin(stroke(0.2f));
+    const std::vector<float> ends{0.1f, 0.1f + 0.02f, 0.2f, 0.2f + 0.02f};
+    EXPECT_EQ(reds(strokes), ends);
+    EXPECT_FALSE(strokes.take_missed(without(7.0f)));
+    EXPECT_TRUE(strokes.take_missed(without(fresh)));  // before its own stroke's, behind the older one's
+    EXPECT_TRUE(strokes.take_missed(without(old)));    // before all
+    EXPECT_FALSE(strokes.take_missed(without(old)));
+    EXPECT_EQ(reds(strokes), (std::vector<float>{old, ends[0], ends[1], fresh, ends[2], ends[3]}));
 }
 
 TEST(Tools, ContradictionsGoToTheNewerStroke) {
