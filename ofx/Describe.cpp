@@ -20,6 +20,8 @@ Properties define_clip(OfxImageEffectHandle effect, const char* name, bool optio
     clip.set(kOfxImageClipPropOptional, optional ? 1 : 0);
     clip.set(kOfxImageEffectPropSupportsTiles, 1);
     clip.set(kOfxImageEffectPropTemporalClipAccess, 0);
+    // What looks up and down needs a row between each two of a field.
+    clip.set(kOfxImageClipPropFieldExtraction, kOfxImageFieldDoubled);
     return clip;
 }
 

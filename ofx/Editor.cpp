@@ -107,16 +107,17 @@ void Editor::show_enables() {
     }
 }
 
-// The knobs hold sizes in pixels of the images while the work runs, as the images may be a proxy's.
+// The knobs hold sizes in pixels of the images while the work runs, as the images may be a proxy's. Whatever
+// goes wrong, they hold the parameters' values afterwards.
 template <class Work>
-void Editor::edit(std::size_t n, const Moment& moment, const Work& work) {
+void Editor::edit(std::size_t n, OfxTime time, const RenderScale& scale, const Work& work) try {
     const std::vector<Parameter>& all = list().parameters();
     const auto snapshot = [&] {
         Values values;
-        for (const Parameter& parameter : all) values.push_back(knob_value(parameter, moment.scale));
+        for (const Parameter& parameter : all) values.push_back(knob_value(parameter, scale));
         return values;
     };
-    set_knobs(moment.scale);
+    set_knobs(scale);
     const Values before = snapshot();
     work();
     const Values after = snapshot();
@@ -125,22 +126,23 @@ void Editor::edit(std::size_t n, const Moment& moment, const Work& work) {
         for (std::size_t i = 0; i < all.size(); ++i) {
             if (all[i].is_button() || after[i] == before[i]) continue;
             if (!step) step.emplace(parameters_, all[n].label);
-            parameters_.set(i, after[i], moment.time);
+            parameters_.set(i, after[i], time);
         }
     }
     load();
+} catch (...) {
+    load();
+    throw;
 }
 
 void Editor::press(std::size_t n, OfxTime time) {
-    edit(n, {time, kFullSize}, [&] { node_.panel().press(*list().parameters()[n].knob); });
+    edit(n, time, kFullSize, [&] { node_.panel().press(*list().parameters()[n].knob); });
 }
 
-std::string Editor::use_tool(std::size_t n, const Moment& moment, const Pictures& pictures) {
-    const std::optional<Image>& foreground = pictures[kForeground];
-    const PixelGrid grid{moment.scale, foreground ? foreground->aspect() : 1.0};
-    const OfxRectD area = parameters_.sampling_rectangle(moment.time);
+std::string Editor::use_tool(std::size_t n, OfxTime time, const PixelGrid& grid, const Pictures& pictures) {
+    const OfxRectD area = parameters_.sampling_rectangle(time);
     Knob& tool = *list().parameters()[n].knob;
-    edit(n, moment, [&] {
+    edit(n, time, grid.scale, [&] {
         const Wired wired(node_.image(), pictures);
         tool.set_value(grid.x_pixels(area.x1), 4);
         tool.set_value(grid.y_pixels(area.y1), 5);

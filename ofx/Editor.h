@@ -19,12 +19,6 @@ using Pictures = std::array<std::optional<Image>, kInputs>;
 
 class Editor {
   public:
-    // The time of an edit, and the scale of its images.
-    struct Moment {
-        OfxTime time;
-        RenderScale scale;
-    };
-
     explicit Editor(OfxImageEffectHandle effect);
 
     const ParameterList& list() const { return node_.list(); }
@@ -36,15 +30,15 @@ class Editor {
     void follow(std::size_t n);
     // Presses a button that is no tool. What the node changes goes to the parameters as one undoable step.
     void press(std::size_t n, OfxTime time);
-    // Uses a tool over the sampling rectangle, likewise. Returns what the user has to know of it, empty for
-    // nothing.
-    std::string use_tool(std::size_t n, const Moment& moment, const Pictures& pictures);
+    // Uses a tool over the sampling rectangle, likewise. `grid` is that of the foreground's picture. Returns
+    // what the user has to know of it, empty for nothing.
+    std::string use_tool(std::size_t n, OfxTime time, const PixelGrid& grid, const Pictures& pictures);
 
   private:
     class Wired;
     void set_knobs(const RenderScale& scale);
     template <class Work>
-    void edit(std::size_t n, const Moment& moment, const Work& work);
+    void edit(std::size_t n, OfxTime time, const RenderScale& scale, const Work& work);
     void show_enables();
 
     Node node_;

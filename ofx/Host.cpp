@@ -33,8 +33,7 @@ void load() {
     fetch(found.lasting_message, kOfxMessageSuite, 2);
     the_suites = found;
     if (found.property == nullptr || found.effect == nullptr || found.parameter == nullptr) {
-        const std::string text = "Veloxa needs the property, image effect and parameter suites";
-        tell(nullptr, kOfxMessageError, text);
+        tell(nullptr, kOfxMessageError, "Veloxa needs the property, image effect and parameter suites");
         throw Failure(kOfxStatErrMissingHostFeature);
     }
     loaded = true;
@@ -49,19 +48,19 @@ OfxPropertySetHandle host_properties() {
     return the_host->host;
 }
 
-void tell(OfxImageEffectHandle effect, const char* type, const std::string& text) noexcept {
+void tell(OfxImageEffectHandle effect, const char* type, const char* text) noexcept {
     if (the_suites.lasting_message != nullptr && the_suites.lasting_message->message != nullptr) {
-        the_suites.lasting_message->message(effect, type, "", "%s", text.c_str());
+        the_suites.lasting_message->message(effect, type, "", "%s", text);
     } else if (the_suites.message != nullptr && the_suites.message->message != nullptr) {
-        the_suites.message->message(effect, type, "", "%s", text.c_str());
+        the_suites.message->message(effect, type, "", "%s", text);
     }
 }
 
-void show_error(OfxImageEffectHandle instance, const std::string& text) noexcept {
+void show_error(OfxImageEffectHandle instance, const char* text, bool again) noexcept {
     const OfxMessageSuiteV2* const suite = the_suites.lasting_message;
     if (suite != nullptr && suite->setPersistentMessage != nullptr) {
-        suite->setPersistentMessage(instance, kOfxMessageError, "", "%s", text.c_str());
-    } else {
+        suite->setPersistentMessage(instance, kOfxMessageError, "", "%s", text);
+    } else if (!again) {
         tell(instance, kOfxMessageError, text);
     }
 }

@@ -50,10 +50,11 @@ const Suites& suites();
 // The host's own properties; valid after load().
 OfxPropertySetHandle host_properties();
 
-// Tells the user, where the host can. Errors of a render stay on the node until its next good render, where
-// the host offers that. Any thread; never throws. A null effect is allowed for tell().
-void tell(OfxImageEffectHandle effect, const char* type, const std::string& text) noexcept;
-void show_error(OfxImageEffectHandle instance, const std::string& text) noexcept;
+// Tells the user, where the host can. A null effect is allowed. Any thread.
+void tell(OfxImageEffectHandle effect, const char* type, const char* text) noexcept;
+// Errors of a render stay on the node until its next good render. Where the host cannot do that the user is
+// told, but not `again`: every tile of a frame may fail.
+void show_error(OfxImageEffectHandle instance, const char* text, bool again) noexcept;
 void clear_error(OfxImageEffectHandle instance) noexcept;
 
 }  // namespace veloxa::ofx

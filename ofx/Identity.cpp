@@ -15,12 +15,13 @@ Hash fresh_identity() {
     return hash;
 }
 
-// The time too, as not all hosts change the identifier with it; and which part of the frame is there, as
-// what was computed from one part does not hold for another.
-Hash identity_of(const Image& image, OfxTime time, const RenderScale& scale) {
+// The time and the field too, as not all hosts change the identifier with them; and which part of the frame
+// is there, as what was computed from one part does not hold for another.
+Hash identity_of(const Image& image, OfxTime time, const RenderScale& scale, std::string_view field) {
     if (!image.empty() && image.identifier().empty()) return fresh_identity();
     Hash hash;
     hash.append(std::string_view(image.identifier()));
+    hash.append(field);
     hash.append(time);
     for (const double v : scale) hash.append(v);
     const PixelView& view = image.view();

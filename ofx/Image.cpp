@@ -47,7 +47,6 @@ Image::Image(Image&& other) noexcept
     : handle_(std::exchange(other.handle_, nullptr)),
       view_(std::exchange(other.view_, {})),
       frame_(other.frame_),
-      aspect_(other.aspect_),
       identifier_(std::move(other.identifier_)) {}
 
 Image::~Image() {
@@ -73,8 +72,6 @@ void Image::read(const RenderScale& scale) {
     if (!properties.box(kOfxImagePropRegionOfDefinition, frame_) || frame_.empty() || is_endless(frame_)) {
         frame_ = view_.bounds;
     }
-    aspect_ = properties.number(kOfxImagePropPixelAspectRatio, 1.0);
-    if (!(aspect_ > 0.0)) aspect_ = 1.0;
     identifier_ = properties.text(kOfxImagePropUniqueIdentifier);
 }
 

@@ -24,7 +24,6 @@ class Image {
     const PixelView& view() const { return view_; }
     // All pixels that the clip has at this time; those of the view are part of it. Pixel coordinates.
     const Zo::Image::Box& frame() const { return frame_; }
-    double aspect() const { return aspect_; }
     // Names the picture; empty where the host gives none.
     const std::string& identifier() const { return identifier_; }
 
@@ -34,7 +33,6 @@ class Image {
     OfxPropertySetHandle handle_ = nullptr;
     PixelView view_;
     Zo::Image::Box frame_;
-    double aspect_ = 1.0;
     std::string identifier_;
 };
 

@@ -128,18 +128,17 @@ OfxStatus Instance::changed(OfxPropertySetHandle in, OfxPropertySetHandle /*out*
         return kOfxStatOK;
     }
     if (reason != kOfxChangeUserEdited) return kOfxStatReplyDefault;
-    const Editor::Moment moment{arguments.number(kOfxPropTime),
-                                {arguments.number(kOfxImageEffectPropRenderScale, 1.0, 0),
-                                 arguments.number(kOfxImageEffectPropRenderScale, 1.0, 1)}};
+    const OfxTime time = arguments.number(kOfxPropTime);
     if (!editor_.is_tool(*n)) {
-        editor_.press(*n, moment.time);
+        editor_.press(*n, time);
         return kOfxStatOK;
     }
     require_foreground();
-    const Pictures pictures = fetch(moment.time, moment.scale, true);
+    const PixelGrid grid{arguments.scale(), aspect(kForeground)};
+    const Pictures pictures = fetch(time, grid.scale, true);
     if (pictures[kForeground]->empty()) throw Failure(kOfxStatFailed, "the foreground has no image here");
-    const std::string remark = editor_.use_tool(*n, moment, pictures);
-    if (!remark.empty()) tell(effect_, kOfxMessageMessage, remark);
+    const std::string remark = editor_.use_tool(*n, time, grid, pictures);
+    if (!remark.empty()) tell(effect_, kOfxMessageMessage, remark.c_str());
     return kOfxStatOK;
 }
 

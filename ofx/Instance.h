@@ -25,6 +25,8 @@ class Instance {
 
     // Actions: arguments in, results out, the status for the host.
     OfxStatus render(OfxPropertySetHandle in, OfxPropertySetHandle out);
+    OfxStatus begin_sequence(OfxPropertySetHandle in, OfxPropertySetHandle out);
+    OfxStatus end_sequence(OfxPropertySetHandle in, OfxPropertySetHandle out);
     OfxStatus region_of_definition(OfxPropertySetHandle in, OfxPropertySetHandle out);
     OfxStatus regions_of_interest(OfxPropertySetHandle in, OfxPropertySetHandle out);
     OfxStatus is_identity(OfxPropertySetHandle in, OfxPropertySetHandle out);
@@ -49,6 +51,7 @@ class Instance {
     void require_foreground() const;
 
     void render_window(OfxPropertySetHandle in);
+    void show_failure(const char* text);
     // The images of what is connected: as much as the render asked for before, or the whole frames.
     Pictures fetch(OfxTime time, const RenderScale& scale, bool whole) const;
 
@@ -60,7 +63,8 @@ class Instance {
     std::size_t screen_color_;
     std::size_t output_mode_;
     NodePool renderers_;
-    NodePool planners_;  // only make requests, so that those disturb no renderer's frames
+    NodePool planners_;              // only make requests, so that those disturb no renderer's frames
+    std::atomic<int> sequences_{0};  // of renders that go on
     std::atomic<bool> error_shown_{false};
 };
 

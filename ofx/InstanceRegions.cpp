@@ -34,8 +34,7 @@ OfxStatus Instance::region_of_definition(OfxPropertySetHandle in, OfxPropertySet
 OfxStatus Instance::regions_of_interest(OfxPropertySetHandle in, OfxPropertySetHandle out) {
     const Properties arguments(in);
     const OfxTime time = arguments.number(kOfxPropTime);
-    const RenderScale scale{arguments.number(kOfxImageEffectPropRenderScale, 1.0, 0),
-                            arguments.number(kOfxImageEffectPropRenderScale, 1.0, 1)};
+    const RenderScale scale = arguments.scale();
     OfxRectD region;
     OfxRectD whole;
     if (!arguments.rectangle(kOfxImageEffectPropRegionOfInterest, region)) return kOfxStatReplyDefault;
@@ -47,7 +46,7 @@ OfxStatus Instance::regions_of_interest(OfxPropertySetHandle in, OfxPropertySetH
     window.intersect(foreground);
     if (window.empty()) return kOfxStatReplyDefault;
 
-    const NodePool::Lease node = planners_.take({});
+    NodePool::Lease node = planners_.take({});
     node->set(editor_.parameters().values(time), scale, connections());
     std::array<Box, kInputs> frames{};
     for (std::size_t n = 0; n < kInputs; ++n) {

@@ -1,4 +1,7 @@
 // The render of one window of one frame.
+#include <new>
+#include <string_view>
+
 #include "Host.h"
 #include "Identity.h"
 #include "Instance.h"
@@ -15,7 +18,7 @@ struct Rows {
     bool all = true;
     int parity = 0;
 
-    explicit Rows(const std::string& field)
+    explicit Rows(std::string_view field)
         : all(field != kOfxImageFieldLower && field != kOfxImageFieldUpper),
           parity(field == kOfxImageFieldUpper ? 1 : 0) {}
     bool has(int y) const { return all || (y & 1) == parity; }
@@ -39,23 +42,41 @@ void clear_around(const PixelView& output, const Box& window, const Box& inside,
 OfxStatus Instance::render(OfxPropertySetHandle in, OfxPropertySetHandle /*out*/) {
     try {
         render_window(in);
-    } catch (const Failure& failure) {
-        if (failure.what()[0] != '\0') error_shown_ = true;
+    } catch (const std::bad_alloc&) {  // the host sees to that
         throw;
-    } catch (...) {
-        error_shown_ = true;
+    } catch (const std::exception& error) {
+        show_failure(error.what());
         throw;
     }
     if (error_shown_.exchange(false)) clear_error(effect_);
     return kOfxStatOK;
 }
 
+void Instance::show_failure(const char* text) {
+    if (text[0] == '\0') return;
+    const bool again = error_shown_.exchange(true);
+    show_error(effect_, text, again);
+}
+
+OfxStatus Instance::begin_sequence(OfxPropertySetHandle /*in*/, OfxPropertySetHandle /*out*/) {
+    ++sequences_;
+    return kOfxStatOK;
+}
+
+// Idle nodes keep whole frames. One of them is of use to the next render of an edit, more are not.
+OfxStatus Instance::end_sequence(OfxPropertySetHandle /*in*/, OfxPropertySetHandle /*out*/) {
+    if (--sequences_ > 0) return kOfxStatOK;
+    renderers_.purge(1);
+    planners_.purge(1);
+    return kOfxStatOK;
+}
+
 void Instance::render_window(OfxPropertySetHandle in) {
     const Properties arguments(in);
     const OfxTime time = arguments.number(kOfxPropTime);
-    const RenderScale scale{arguments.number(kOfxImageEffectPropRenderScale, 1.0, 0),
-                            arguments.number(kOfxImageEffectPropRenderScale, 1.0, 1)};
-    const Rows rows(arguments.text(kOfxImageEffectPropFieldToRender));
+    const RenderScale scale = arguments.scale();
+    const std::string field = arguments.text(kOfxImageEffectPropFieldToRender);
+    const Rows rows(field);
     const Values values = editor_.parameters().values(time);
     require_foreground();
 
@@ -77,11 +98,11 @@ void Instance::render_window(OfxPropertySetHandle in) {
     std::array<Hash, kInputs> identities;
     for (std::size_t n = 0; n < kInputs; ++n) {
         used[n] = pictures[n].has_value();
-        if (used[n]) identities[n] = identity_of(*pictures[n], time, scale);
+        if (used[n]) identities[n] = identity_of(*pictures[n], time, scale, field);
     }
     Hash state = identity_of(values);
     state.append(identities[kForeground]);
-    const NodePool::Lease node = renderers_.take(state);
+    NodePool::Lease node = renderers_.take(state);
     node->set(values, scale, used);
     for (std::size_t n = 0; n < kInputs; ++n) {
         if (used[n]) node->input(n).serve(*pictures[n], foreground.frame(), identities[n]);

@@ -1,39 +1,39 @@
 #include "NodePool.h"
 
 #include <algorithm>
-#include <utility>
+#include <iterator>
 
 namespace veloxa::ofx {
 
 using namespace Zo::Image;
 
 NodePool::Lease::~Lease() {
-    node_->release();
+    entry_.front().node.release();
     const std::lock_guard hold(pool_.mutex_);
-    pool_.idle_.push_back({std::move(node_), state_});
+    pool_.idle_.splice(pool_.idle_.end(), entry_);
 }
 
 NodePool::Lease NodePool::take(const Hash& state) {
-    std::unique_ptr<RenderNode> node;
+    std::list<Entry> entry;
     {
         const std::lock_guard hold(mutex_);
         // Else the one that has been idle longest: the others may still be of use to their states.
         auto chosen =
-            std::find_if(idle_.begin(), idle_.end(), [&](const Idle& idle) { return idle.state == state; });
+            std::find_if(idle_.begin(), idle_.end(), [&](const Entry& idle) { return idle.state == state; });
         if (chosen == idle_.end()) chosen = idle_.begin();
-        if (chosen != idle_.end()) {
-            node = std::move(chosen->node);
-            idle_.erase(chosen);
-        }
+        if (chosen != idle_.end()) entry.splice(entry.end(), idle_, chosen);
     }
-    if (node == nullptr) node = std::make_unique<RenderNode>();
-    return {*this, std::move(node), state};
+    if (entry.empty()) entry.emplace_back();
+    entry.front().state = state;
+    return {*this, std::move(entry)};
 }
 
-void NodePool::purge() {
-    std::vector<Idle> dropped;
+void NodePool::purge(std::size_t kept) {
+    std::list<Entry> dropped;
     const std::lock_guard hold(mutex_);
-    dropped.swap(idle_);
+    if (idle_.size() <= kept) return;
+    const auto end = std::prev(idle_.end(), static_cast<std::ptrdiff_t>(kept));
+    dropped.splice(dropped.end(), idle_, idle_.begin(), end);
 }
 
 }  // namespace veloxa::ofx

@@ -4,9 +4,9 @@
 // compute whole then serve the next tile. Any thread.
 #pragma once
 
-#include <memory>
+#include <cstddef>
+#include <list>
 #include <mutex>
-#include <vector>
 
 #include "RenderNode.h"
 #include "ZoImage/Hash.h"
@@ -14,36 +14,36 @@
 namespace veloxa::ofx {
 
 class NodePool {
+    struct Entry {
+        RenderNode node;
+        Zo::Image::Hash state;
+    };
+
   public:
     // The right to use a node; gives it back.
     class Lease {
       public:
-        Lease(NodePool& pool, std::unique_ptr<RenderNode> node, const Zo::Image::Hash& state)
-            : pool_(pool), node_(std::move(node)), state_(state) {}
         ~Lease();
         Lease(const Lease&) = delete;
         Lease& operator=(const Lease&) = delete;
-        RenderNode* operator->() const { return node_.get(); }
+        RenderNode* operator->() { return &entry_.front().node; }
 
       private:
+        friend class NodePool;
+        Lease(NodePool& pool, std::list<Entry>&& entry) : pool_(pool), entry_(std::move(entry)) {}
+
         NodePool& pool_;
-        std::unique_ptr<RenderNode> node_;
-        Zo::Image::Hash state_;
+        std::list<Entry> entry_;  // a list of one goes back without asking for memory
     };
 
     // Makes a node when all are in use.
     Lease take(const Zo::Image::Hash& state);
-    // Drops the nodes that are not in use.
-    void purge();
+    // Drops the nodes that are not in use, but for so many that were in use last.
+    void purge(std::size_t kept = 0);
 
   private:
-    struct Idle {
-        std::unique_ptr<RenderNode> node;
-        Zo::Image::Hash state;
-    };
-
     std::mutex mutex_;
-    std::vector<Idle> idle_;
+    std::list<Entry> idle_;  // the longest idle first
 };
 
 }  // namespace veloxa::ofx

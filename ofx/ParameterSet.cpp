@@ -63,7 +63,7 @@ Value ParameterSet::value(std::size_t n, std::optional<OfxTime> time) const {
     std::array<double, 4> v = value.numbers;
     if (parameter.is_text()) {
         char* text = nullptr;
-        if (get(handle, time, &text) && text != nullptr) value.text = text;
+        if (!time && get(handle, time, &text) && text != nullptr) value.text = text;
     } else if (is_integer(parameter)) {
         int number = 0;
         if (get(handle, time, &number)) value.numbers[0] = number;

@@ -23,7 +23,8 @@ class ParameterSet {
     // `list` outlives the set. Parameters that the host did not make keep their defaults.
     ParameterSet(OfxImageEffectHandle effect, const ParameterList& list);
 
-    // All values at the time, or as they are now. Buttons have none.
+    // All values at the time, or as they are now. Buttons have none; texts only as they are now: they do not
+    // animate, and the host's own may go as its user edits while a render reads.
     Values values(std::optional<OfxTime> time) const;
     Value value(std::size_t n, std::optional<OfxTime> time) const;
     // The index of the parameter of this name, if there is one.

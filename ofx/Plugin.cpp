@@ -41,6 +41,8 @@ OfxStatus dispatch(std::string_view action, OfxImageEffectHandle effect, OfxProp
     };
     static constexpr Entry kEntries[]{
         {kOfxImageEffectActionRender, &Instance::render},
+        {kOfxImageEffectActionBeginSequenceRender, &Instance::begin_sequence},
+        {kOfxImageEffectActionEndSequenceRender, &Instance::end_sequence},
         {kOfxImageEffectActionGetRegionOfDefinition, &Instance::region_of_definition},
         {kOfxImageEffectActionGetRegionsOfInterest, &Instance::regions_of_interest},
         {kOfxImageEffectActionIsIdentity, &Instance::is_identity},
@@ -59,10 +61,8 @@ OfxStatus main_entry(const char* action, const void* handle, OfxPropertySetHandl
     // The interface hands effects over as const.
     const auto effect = static_cast<OfxImageEffectHandle>(const_cast<void*>(handle));
     const auto fail = [&](OfxStatus status, const char* text) {
-        if (text[0] == '\0') return status;
-        if (std::string_view(action) == kOfxImageEffectActionRender) {
-            show_error(effect, text);
-        } else {
+        // Of renders the instance tells.
+        if (text[0] != '\0' && std::string_view(action) != kOfxImageEffectActionRender) {
             tell(effect, kOfxMessageError, text);
         }
         return status;

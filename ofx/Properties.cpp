@@ -1,6 +1,7 @@
 #include "Properties.h"
 
 #include "Host.h"
+#include "abi/OfxImageEffect.h"
 
 namespace veloxa::ofx {
 
@@ -59,6 +60,10 @@ bool Properties::rectangle(const char* name, OfxRectD& rectangle) const {
     }
     rectangle = {v[0], v[1], v[2], v[3]};
     return true;
+}
+
+RenderScale Properties::scale() const {
+    return {number(kOfxImageEffectPropRenderScale, 1.0, 0), number(kOfxImageEffectPropRenderScale, 1.0, 1)};
 }
 
 void Properties::set(const char* name, const char* value, int index) const {

@@ -8,8 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "ZoImage/Box.h"
-#include "abi/OfxCore.h"
+#include "Coordinates.h"
 
 namespace veloxa::ofx {
 
@@ -26,6 +25,8 @@ class Properties {
     // x1, y1, x2, y2 of a rectangle; false when one is missing.
     bool box(const char* name, Zo::Image::Box& box) const;
     bool rectangle(const char* name, OfxRectD& rectangle) const;
+    // Of an action's arguments: the scale of its images.
+    RenderScale scale() const;
 
     void set(const char* name, const char* value, int index = 0) const;
     void set(const char* name, const std::string& value, int index = 0) const;

@@ -35,8 +35,9 @@ bool RenderNode::render(OfxImageEffectHandle instance, const Box& region, const 
     });
 }
 
-void RenderNode::release() {
+void RenderNode::release() noexcept {
     for (ClipImage& input : inputs_) input.clear();
+    if (!HostThreads::offered()) renderer_.reset();
 }
 
 }  // namespace veloxa::ofx

@@ -27,8 +27,8 @@ class RenderNode {
     // none. False when the host gave the render up.
     bool render(OfxImageEffectHandle instance, const Zo::Image::Box& region,
                 const Zo::Image::Renderer::Sink& sink);
-    // Lets go of the images.
-    void release();
+    // Lets go of the images, and of threads of its own.
+    void release() noexcept;
 
   private:
     std::array<ClipImage, kInputs> inputs_;  // outlive the node
