@@ -89,7 +89,7 @@ TEST_F(Edit, ToolsSetParametersInOneUndoableStep) {
     services().take_messages();  // remarks on samples
 }
 
-TEST_F(Edit, ToolsAnimatedParametersAndCommonButtons) {
+TEST_F(Edit, Buttons) {
     const auto effect = instance(two_clips(), {{"screen_color", kScreen}});
     effect->press("invert");
     EXPECT_EQ(effect->params.get("overlay_mono").value().numbers[0], 1.0);
@@ -108,6 +108,54 @@ TEST_F(Edit, ToolsAnimatedParametersAndCommonButtons) {
     EXPECT_EQ(effect->params.undo.size(), 1U);
     effect->press("spill_reset");
     EXPECT_EQ(effect->params.get("spill_strength").value().numbers[0], 40.0);
+    services().take_messages();
+}
+
+TEST_F(Edit, ToolsKeyWhatIsAnimated) {
+    const auto effect = instance(two_clips(), {});
+    Param& color = effect->params.get("screen_color");
+    color.set_key(0, {0.1, 0.5, 0.1});
+    color.set_key(8, {0.3, 0.8, 0.3});
+    const Host::Values before = effect->saved();
+    services().time = 3.0;
+    point(*effect, kBacking);
+    effect->params.undo.clear();
+    effect->press("toolbar_screen");
+    Reference node(two_clips(), {}, 3.0);
+    stroke(node, "toolbar_screen", kBacking);
+    auto keys = before.at("screen_color").keys;
+    for (int i = 0; i < 3; ++i) keys[3.0].push_back(node.panel.get("screen_color").get_value(i));
+    EXPECT_EQ(color.content().keys, keys);
+    const Frame frame = effect->render(6.0);
+    const auto loaded = instance(two_clips(), {}, kOfxImageEffectContextGeneral, effect->saved());
+    EXPECT_EQ(differences(loaded->render(6.0), frame), 0);
+    effect->undo();
+    EXPECT_EQ(color.content().keys, before.at("screen_color").keys);
+}
+
+TEST_F(Edit, ToolsOnAProxyOfOblongPixels) {
+    Clips clips = two_clips();
+    for (auto& [name, source] : clips) source.aspect = 2.0;
+    const auto effect = instance(clips, {{"edge_kernel", {5}}});
+    const Host::Values before = effect->saved();
+    effect->viewer_scale = 0.5;
+    Reference node(clips, {}, 0.0, 0.5);
+    for (const char* tool : {"toolbar_screen", "toolbar_addoverlay"}) {
+        const OfxRectI box = tool == std::string("toolbar_screen") ? OfxRectI{-3, 2, 4, 8} : kShade;
+        point(*effect, {box.x1 * 4, box.y1 * 2, box.x2 * 4, box.y2 * 2});
+        effect->press(tool);
+        stroke(node, tool, box);
+    }
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(effect->params.get("screen_color").value().numbers[static_cast<std::size_t>(i)],
+                  node.panel.get("screen_color").get_value(i));
+    }
+    std::ostringstream samples;
+    node.panel.get("us_add_overlay").to_script(samples, false);
+    const Host::Values after = effect->saved();
+    EXPECT_EQ(after.at("us_add_overlay").text, samples.str());
+    for (const char* size : {"edge_kernel", "screen_shrink", "cleanup_shrink", "cleanup_blur"})
+        EXPECT_EQ(after.at(size), before.at(size)) << size;
     services().take_messages();
 }
 

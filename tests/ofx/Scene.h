@@ -31,6 +31,9 @@ Clips all_clips();
 // fg and bg alone.
 Clips two_clips();
 OfxRectI scaled_box(const OfxRectI& box, double scale);
+// Every picture as `wanted` makes it of the one that is there.
+using Pixel = decltype(Source::pixel);
+Clips changed(Clips clips, const std::function<Pixel(const Pixel&)>& wanted);
 
 // The keyer node over the same pictures, each channel quantised as its clip is.
 class Reference {

@@ -17,21 +17,25 @@ constexpr auto kPlugin = PropertySet::kPluginSets;
 
 thread_local const Call* current_call = nullptr;
 
-OfxRectI scaled(const OfxRectI& b, double scale) {
-    return {static_cast<int>(std::floor(b.x1 * scale)), static_cast<int>(std::floor(b.y1 * scale)),
-            static_cast<int>(std::ceil(b.x2 * scale)), static_cast<int>(std::ceil(b.y2 * scale))};
+OfxRectI shared(const OfxRectI& a, const OfxRectI& b) {
+    return {std::max(a.x1, b.x1), std::max(a.y1, b.y1), std::min(a.x2, b.x2), std::min(a.y2, b.y2)};
 }
 
-// The pixels that a canonical region covers, within the box.
-OfxRectI covered(const OfxRectD& r, double scale, const OfxRectI& box) {
-    const auto clamp = [](double v, int low, int high) {
-        return static_cast<int>(std::clamp(v, static_cast<double>(low), static_cast<double>(high)));
-    };
-    return {clamp(std::floor(r.x1 * scale), box.x1, box.x2), clamp(std::floor(r.y1 * scale), box.y1, box.y2),
-            clamp(std::ceil(r.x2 * scale), box.x1, box.x2), clamp(std::ceil(r.y2 * scale), box.y1, box.y2)};
+// A row of the field that stands for this one; the lower field has the even rows.
+int line_of(int y, const std::string& field) {
+    return field == kOfxImageFieldLower ? y & ~1 : field == kOfxImageFieldUpper ? y | 1 : y;
 }
 
 }  // namespace
+
+OfxRectI pixels_of(const OfxRectD& r, double scale, double aspect) {
+    return {static_cast<int>(std::floor(r.x1 * scale / aspect)), static_cast<int>(std::floor(r.y1 * scale)),
+            static_cast<int>(std::ceil(r.x2 * scale / aspect)), static_cast<int>(std::ceil(r.y2 * scale))};
+}
+
+OfxRectD canonical_of(const OfxRectI& p, double scale, double aspect) {
+    return {p.x1 * aspect / scale, p.y1 / scale, p.x2 * aspect / scale, p.y2 / scale};
+}
 
 Frame::Frame(const OfxRectI& b, int channel_count)
     : box(b),
@@ -79,17 +83,13 @@ Image::Image(const Clip& clip, const OfxRectI& bounds, const OfxRectI& rod, doub
     first_ = memory_.data() + (flipped && height > 0 ? (height - 1) * stride : 0);
     row_bytes_ = flipped ? -stride : stride;
 
-    add(kOfxPropType, {std::string(kOfxTypeImage)});
     add(kOfxImagePropData, {static_cast<void*>(first_)});
     add(kOfxImagePropBounds, {bounds.x1, bounds.y1, bounds.x2, bounds.y2});
     add(kOfxImagePropRegionOfDefinition, {rod.x1, rod.y1, rod.x2, rod.y2});
     add(kOfxImagePropRowBytes, {static_cast<int>(row_bytes_)});
-    for (const char* same :
-         {kOfxImageEffectPropPixelDepth, kOfxImageEffectPropComponents, kOfxImageEffectPropPreMultiplication})
-        add(same, {clip.props.string_at(same)});
+    add(kOfxImageEffectPropPixelDepth, {depth_});
+    add(kOfxImageEffectPropComponents, {clip.props.string_at(kOfxImageEffectPropComponents)});
     add(kOfxImageEffectPropRenderScale, {scale, scale});
-    add(kOfxImagePropPixelAspectRatio, {1.0});
-    add(kOfxImagePropField, {std::string(kOfxImageFieldNone)});
     ++held;
 }
 
@@ -124,76 +124,63 @@ float Image::load(const unsigned char* at) const {
     return wide;
 }
 
-void Image::fill(const Source& source, double time) {
+void Image::fill(const Source& source, double time, const std::string& field) {
     for (int y = bounds_.y1; y < bounds_.y2; ++y) {
         for (int x = bounds_.x1; x < bounds_.x2; ++x) {
             for (int c = 0; c < channels_; ++c)
-                store(address(x, y, c), source.pixel(time, channels_ == 1 ? 3 : c, x, y));
+                store(address(x, y, c), source.pixel(time, channels_ == 1 ? 3 : c, x, line_of(y, field)));
         }
     }
 }
 
-void Image::collect(const OfxRectI& w, Frame& frame) const {
-    std::size_t written = 0;
+void Image::collect(const Call& call, Frame& frame) const {
+    const OfxRectI& w = call.window;
+    std::ptrdiff_t window = 0, unwritten = 0;
     for (int y = w.y1; y < w.y2; ++y) {
+        if (line_of(y, call.field) != y) continue;
         for (int x = w.x1; x < w.x2; ++x) {
             for (int c = 0; c < channels_; ++c) {
                 const unsigned char* at = address(x, y, c);
                 frame.at(x, y, c) = load(at);
-                written += static_cast<std::size_t>(std::count(at, at + bytes_, kUnwritten));
+                window += bytes_;
+                unwritten += std::count(at, at + bytes_, kUnwritten);
             }
         }
     }
-    const auto all = static_cast<std::size_t>(std::count(memory_.begin(), memory_.end(), kUnwritten));
-    const std::size_t window = static_cast<std::size_t>((w.x2 - w.x1) * (w.y2 - w.y1)) *
-                               static_cast<std::size_t>(channels_ * bytes_);
-    if (all - written != memory_.size() - window) note_fault("writes beside the render window");
+    const std::ptrdiff_t all = std::count(memory_.begin(), memory_.end(), kUnwritten);
+    if (all - unwritten != static_cast<std::ptrdiff_t>(memory_.size()) - window)
+        note_fault("writes beside the render window or its field");
 }
 
 Clip::Clip(const std::string& name) : name_(name) {
-    props.add(kOfxPropType, {std::string(kOfxTypeClip)});
-    props.add(kOfxPropName, {name});
-    for (const char* label : {kOfxPropLabel, kOfxPropShortLabel, kOfxPropLongLabel})
-        props.add(label, {name}, kPlugin);
+    props.add(kOfxPropLabel, {name}, kPlugin);
     props.add_list(kOfxImageEffectPropSupportedComponents, std::string(), kPlugin);
     props.add(kOfxImageClipPropOptional, {0}, kPlugin);
     props.add(kOfxImageClipPropIsMask, {0}, kPlugin);
     props.add(kOfxImageEffectPropTemporalClipAccess, {0}, kPlugin);
     props.add(kOfxImageEffectPropSupportsTiles, {1}, kPlugin);
-    props.add(kOfxImageClipPropFieldExtraction, {std::string(kOfxImageFieldDoubled)}, kPlugin);
+    props.add(kOfxImageClipPropFieldExtraction, {std::string()}, kPlugin);
 
     props.add(kOfxImageClipPropConnected, {0});
-    for (const char* depth : {kOfxImageEffectPropPixelDepth, kOfxImageClipPropUnmappedPixelDepth})
-        props.add(depth, {std::string(kOfxBitDepthNone)});
-    for (const char* components : {kOfxImageEffectPropComponents, kOfxImageClipPropUnmappedComponents})
-        props.add(components, {std::string(kOfxImageComponentNone)});
-    props.add(kOfxImageEffectPropPreMultiplication, {std::string(kOfxImageUnPreMultiplied)});
+    props.add(kOfxImageEffectPropPixelDepth, {std::string(kOfxBitDepthNone)});
+    props.add(kOfxImageEffectPropComponents, {std::string(kOfxImageComponentNone)});
     props.add(kOfxImagePropPixelAspectRatio, {1.0});
-    for (const char* rate : {kOfxImageEffectPropFrameRate, kOfxImageEffectPropUnmappedFrameRate})
-        props.add(rate, {24.0});
-    for (const char* range : {kOfxImageEffectPropFrameRange, kOfxImageEffectPropUnmappedFrameRange})
-        props.add(range, {0.0, 100.0});
-    props.add(kOfxImageClipPropFieldOrder, {std::string(kOfxImageFieldNone)});
-    props.add(kOfxImageClipPropContinuousSamples, {0});
 }
 
 void Clip::connect(std::shared_ptr<const Source> source) {
     source_ = std::move(source);
     static std::atomic<int> connections{0};
     connection_ = ++connections;
+    const Source& s =
+        source_ ? *source_ : Source{.depth = kOfxBitDepthNone, .components = kOfxImageComponentNone};
     props.put(kOfxImageClipPropConnected, {source_ ? 1 : 0});
-    for (const char* depth : {kOfxImageEffectPropPixelDepth, kOfxImageClipPropUnmappedPixelDepth})
-        props.put(depth, {source_ ? source_->depth : std::string(kOfxBitDepthNone)});
-    for (const char* components : {kOfxImageEffectPropComponents, kOfxImageClipPropUnmappedComponents})
-        props.put(components, {source_ ? source_->components : std::string(kOfxImageComponentNone)});
-    if (source_) props.put(kOfxImageEffectPropPreMultiplication, {source_->premultiplication});
+    props.put(kOfxImageEffectPropPixelDepth, {s.depth});
+    props.put(kOfxImageEffectPropComponents, {s.components});
+    props.put(kOfxImagePropPixelAspectRatio, {s.aspect});
 }
 
 OfxRectD Clip::rod() const {
-    if (!source_) return {};
-    const OfxRectI& b = source_->box;
-    return {static_cast<double>(b.x1), static_cast<double>(b.y1), static_cast<double>(b.x2),
-            static_cast<double>(b.y2)};
+    return source_ ? canonical_of(source_->box, 1.0, aspect()) : OfxRectD{};
 }
 
 OfxStatus Clip::fetch(double time, const OfxRectD* region, OfxPropertySetHandle* image) const {
@@ -204,23 +191,26 @@ OfxStatus Clip::fetch(double time, const OfxRectD* region, OfxPropertySetHandle*
     }
     if (!source_ || source_->fails) return kOfxStatFailed;
     const double scale = source_->scaled ? call->scale : 1.0;
-    const OfxRectI rod = scaled(source_->box, scale);
+    const OfxRectI rod = pixels_of(this->rod(), scale, aspect());
     OfxRectI bounds = rod;
     const auto asked = call->regions.find(name_);
     if (is_output()) {  // a little more than the window
         const OfxRectI& w = call->window;
         bounds = {w.x1 - 3, w.y1 - 2, w.x2 + 1, w.y2 + 4};
     } else if (region != nullptr) {
-        bounds = covered(*region, scale, rod);
+        bounds = shared(rod, pixels_of(*region, scale, aspect()));
     } else if (asked != call->regions.end()) {
-        bounds = covered(asked->second, scale, rod);
+        bounds = shared(rod, pixels_of(asked->second, scale, aspect()));
     }
+    if (const int n = source_->missing; n > 0)
+        bounds = {bounds.x1 + n, bounds.y1 + n, bounds.x2 - n, bounds.y2 - n};
     auto* made = new Image(*this, bounds, rod, scale);
-    if (source_->identified && !is_output()) {
-        made->add(kOfxImagePropUniqueIdentifier, {name_ + std::to_string(connection_) + ' ' +
-                                                  std::to_string(time) + ' ' + std::to_string(scale)});
+    if (!is_output()) {
+        if (source_->identified) {
+            made->add(kOfxImagePropUniqueIdentifier, {name_ + std::to_string(connection_)});
+        }
+        made->fill(*source_, time, call->field);
     }
-    if (!is_output()) made->fill(*source_, time);
     *image = made->handle();
     return kOfxStatOK;
 }

@@ -16,6 +16,10 @@ namespace ofxtest {
 
 class Clip;
 
+// Pixels of a render at a scale, of this width over height, that cover a canonical rectangle; and back.
+OfxRectI pixels_of(const OfxRectD& canonical, double scale, double aspect = 1.0);
+OfxRectD canonical_of(const OfxRectI& pixels, double scale, double aspect);
+
 // A finished picture: interleaved channels as the clip stores them (0 to 255, 0 to 65535, or floats), the
 // bottom row first.
 struct Frame {
@@ -35,6 +39,7 @@ struct Call {
     bool may_fetch = false;
     double scale = 1.0;
     OfxRectI window{};
+    std::string field = kOfxImageFieldNone;
     std::map<std::string, OfxRectD> regions;  // of interest, canonical, by clip; none: all of the clip
     Frame* output = nullptr;
 
@@ -51,15 +56,16 @@ struct Call {
     };
 };
 
-// What is connected to a clip. The box is in square pixels of full resolution; `pixel` is asked for pixels of
-// the render, channels 0 to 3, and should give 0 to 1 for integer depths.
+// What is connected to a clip. The box is in pixels of full resolution; `pixel` is asked for pixels of the
+// render, channels 0 to 3, and should give 0 to 1 for integer depths.
 struct Source {
     OfxRectI box{};
-    std::function<float(double time, int channel, int x, int y)> pixel;
+    std::function<float(double time, int channel, int x, int y)> pixel{};
     std::string depth = kOfxBitDepthFloat;
     std::string components = kOfxImageComponentRGBA;
-    std::string premultiplication = kOfxImageUnPreMultiplied;
-    bool identified = true;    // images have unique identifiers
+    double aspect = 1.0;       // of its pixels
+    int missing = 0;           // rows and columns at each side that its images lack
+    bool identified = true;    // images have identifiers, one for all times, scales and fields
     bool upside_down = false;  // negative row bytes
     bool fails = false;        // fetching replies Failed
     bool scaled = true;        // false: images come at full scale whatever was asked for
@@ -76,9 +82,11 @@ class Image final : public PropertySet {
 
     static std::atomic<int> held;  // not released
 
-    void fill(const Source& source, double time);
-    // Outputs: takes the window into the frame; notes a fault when anything else was written.
-    void collect(const OfxRectI& window, Frame& frame) const;
+    // Rows of the other field show the row beside them.
+    void fill(const Source& source, double time, const std::string& field);
+    // Outputs: takes the call's window and field into the frame; notes a fault when anything else was
+    // written.
+    void collect(const Call& call, Frame& frame) const;
     bool is_output = false;
 
   private:
@@ -105,6 +113,7 @@ class Clip {
     void connect(std::shared_ptr<const Source> source);
     const Source* source() const { return source_.get(); }
     bool is_output() const { return name_ == kOfxImageEffectOutputClipName; }
+    double aspect() const { return props.double_at(kOfxImagePropPixelAspectRatio); }
     OfxRectD rod() const;
 
     OfxStatus fetch(double time, const OfxRectD* region, OfxPropertySetHandle* image) const;

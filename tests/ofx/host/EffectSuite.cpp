@@ -1,5 +1,3 @@
-#include <cstdlib>
-
 #include "ofx/host/Effect.h"
 
 namespace ofxtest {
@@ -48,12 +46,6 @@ OfxStatus clip_handle(OfxImageEffectHandle handle, const char* name, OfxImageCli
     return kOfxStatOK;
 }
 
-OfxStatus clip_properties(OfxImageClipHandle clip, OfxPropertySetHandle* props) {
-    begin_call();
-    *props = clip_of(clip).props.handle();
-    return kOfxStatOK;
-}
-
 OfxStatus get_image(OfxImageClipHandle clip, OfxTime time, const OfxRectD* region,
                     OfxPropertySetHandle* image) {
     begin_call();
@@ -63,14 +55,13 @@ OfxStatus get_image(OfxImageClipHandle clip, OfxTime time, const OfxRectD* regio
 OfxStatus release_image(OfxPropertySetHandle handle) {
     begin_call();
     PropertySet* set = PropertySet::from(handle);
-    if (set == nullptr || set->string_at(kOfxPropType) != kOfxTypeImage) {
+    if (set == nullptr || !set->has(kOfxImagePropData)) {
         note_fault("releases what is no image");
         return kOfxStatErrBadHandle;
     }
     auto* image = static_cast<Image*>(set);
     const Call* call = Call::current();
-    if (image->is_output && call != nullptr && call->output != nullptr)
-        image->collect(call->window, *call->output);
+    if (image->is_output && call != nullptr && call->output != nullptr) image->collect(*call, *call->output);
     delete image;
     --Image::held;
     return kOfxStatOK;
@@ -92,31 +83,21 @@ int abort_wanted(OfxImageEffectHandle handle) {
     return after >= 0 && polls > after ? 1 : 0;
 }
 
-OfxStatus memory_alloc(OfxImageEffectHandle, std::size_t bytes, OfxImageMemoryHandle* memory) {
-    *memory = static_cast<OfxImageMemoryHandle>(std::malloc(bytes));
-    return *memory != nullptr ? kOfxStatOK : kOfxStatErrMemory;
-}
-
-OfxStatus memory_free(OfxImageMemoryHandle memory) {
-    std::free(memory);
-    return kOfxStatOK;
-}
-
-OfxStatus memory_lock(OfxImageMemoryHandle memory, void** address) {
-    *address = memory;
-    return kOfxStatOK;
-}
-
-OfxStatus memory_unlock(OfxImageMemoryHandle) {
-    return kOfxStatOK;
-}
-
 }  // namespace
 
 const OfxImageEffectSuiteV1& image_effect_suite() {
-    static const OfxImageEffectSuiteV1 suite{
-        get_properties, get_params,   define_clip,  clip_handle, clip_properties, get_image,    release_image,
-        clip_rod,       abort_wanted, memory_alloc, memory_free, memory_lock,     memory_unlock};
+    static const OfxImageEffectSuiteV1 suite = [] {
+        OfxImageEffectSuiteV1 s{};
+        s.getPropertySet = get_properties;
+        s.getParamSet = get_params;
+        s.clipDefine = define_clip;
+        s.clipGetHandle = clip_handle;
+        s.clipGetImage = get_image;
+        s.clipReleaseImage = release_image;
+        s.clipGetRegionOfDefinition = clip_rod;
+        s.abort = abort_wanted;
+        return s;
+    }();
     return suite;
 }
 

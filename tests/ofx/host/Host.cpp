@@ -14,57 +14,31 @@ namespace {
 
 constexpr auto kPlugin = PropertySet::kPluginSets;
 
-void add_host_properties(PropertySet& p, const HostOptions& options) {
-    p.add(kOfxPropName, {std::string("org.veloxa.TestHost")});
-    if (options.bare) return;
-    p.add(kOfxPropType, {std::string(kOfxTypeImageEffectHost)});
-    p.add(kOfxPropLabel, {std::string("Test host")});
-    p.add(kOfxPropVersion, {1, 0, 0});
-    p.add(kOfxPropAPIVersion, {1, 4});
-    for (const char* yes :
-         {kOfxImageEffectPropSupportsMultiResolution, kOfxParamHostPropSupportsChoiceAnimation,
-          kOfxParamHostPropSupportsBooleanAnimation})
-        p.add(yes, {1});
-    for (const char* no :
-         {kOfxImageEffectHostPropIsBackground, kOfxImageEffectPropSupportsOverlays,
-          kOfxImageEffectPropTemporalClipAccess, kOfxImageEffectPropSupportsMultipleClipDepths,
-          kOfxImageEffectPropSupportsMultipleClipPARs, kOfxParamHostPropSupportsStringAnimation,
-          kOfxParamHostPropSupportsCustomAnimation, kOfxParamHostPropSupportsCustomInteract})
-        p.add(no, {0});
-    p.add(kOfxImageEffectPropSupportsTiles, {options.tiles ? 1 : 0});
-    p.add_list(kOfxImageEffectPropSupportedContexts, std::string());
-    p.put(kOfxImageEffectPropSupportedContexts, {options.contexts.begin(), options.contexts.end()});
-    p.add(kOfxParamHostPropMaxParameters, {-1});
-    p.add(kOfxParamHostPropMaxPages, {0});
-}
-
-void add_descriptor_properties(PropertySet& p, const std::string& bundle) {
-    p.add(kOfxPropType, {std::string(kOfxTypeImageEffect)});
+void add_descriptor_properties(PropertySet& p) {
     for (const char* text : {kOfxPropLabel, kOfxPropShortLabel, kOfxPropLongLabel, kOfxPropVersionLabel,
-                             kOfxPropPluginDescription, kOfxImageEffectPluginPropGrouping})
+                             kOfxPropPluginDescription, kOfxImageEffectPluginPropGrouping,
+                             kOfxImageEffectPluginRenderThreadSafety})
         p.add(text, {std::string()}, kPlugin);
     p.add(kOfxPropIcon, {std::string(), std::string()}, kPlugin);
     p.add_list(kOfxPropVersion, 0, kPlugin);
-    p.add(kOfxPluginPropFilePath, {bundle});
     for (const char* list : {kOfxImageEffectPropSupportedContexts, kOfxImageEffectPropSupportedPixelDepths,
                              kOfxImageEffectPropClipPreferencesSlaveParam, kOfxPluginPropParamPageOrder})
         p.add_list(list, std::string(), kPlugin);
-    p.add(kOfxImageEffectPluginRenderThreadSafety, {std::string(kOfxImageEffectRenderInstanceSafe)}, kPlugin);
-    for (const char* yes :
+    for (const char* flag :
          {kOfxImageEffectPluginPropHostFrameThreading, kOfxImageEffectPropSupportsTiles,
-          kOfxImageEffectPropSupportsMultiResolution, kOfxImageEffectPluginPropFieldRenderTwiceAlways})
-        p.add(yes, {1}, kPlugin);
-    for (const char* no :
-         {kOfxImageEffectPluginPropSingleInstance, kOfxImageEffectPropTemporalClipAccess,
-          kOfxImageEffectPropSupportsMultipleClipDepths, kOfxImageEffectPropSupportsMultipleClipPARs,
-          kOfxImageEffectInstancePropSequentialRender})
-        p.add(no, {0}, kPlugin);
+          kOfxImageEffectPropSupportsMultiResolution, kOfxImageEffectPluginPropFieldRenderTwiceAlways,
+          kOfxImageEffectPluginPropSingleInstance, kOfxImageEffectPropTemporalClipAccess,
+          kOfxImageEffectPropSupportsMultipleClipDepths, kOfxImageEffectPropSupportsMultipleClipPARs})
+        p.add(flag, {1}, kPlugin);
 }
 
 }  // namespace
 
-Host::Host(const std::string& bundle, HostOptions options) : options_(std::move(options)), bundle_(bundle) {
-    add_host_properties(props_, options_);
+Host::Host(const std::string& bundle, HostOptions options) : options_(std::move(options)) {
+    for (const char* yes :
+         {kOfxParamHostPropSupportsChoiceAnimation, kOfxParamHostPropSupportsBooleanAnimation}) {
+        if (!options_.bare) props_.add(yes, {1});
+    }
     host_ = {props_.handle(), fetch_suite};
     const std::string name = std::filesystem::path(bundle).stem().stem().string();
     const std::string binary = bundle + "/Contents/Linux-x86-64/" + name + ".ofx";
@@ -99,10 +73,8 @@ bool Host::has_plugin(int n) const {
 const void* Host::fetch_suite(OfxPropertySetHandle handle, const char* name, int version) {
     static const std::map<std::string, const void*> suites{
         {"OfxPropertySuite 1", &property_suite()},        {"OfxImageEffectSuite 1", &image_effect_suite()},
-        {"OfxParameterSuite 1", &parameter_suite()},      {"OfxMemorySuite 1", &memory_suite()},
-        {"OfxMultiThreadSuite 1", &multi_thread_suite()}, {"OfxMessageSuite 1", &message_suite_1()},
-        {"OfxMessageSuite 2", &message_suite_2()},        {"OfxProgressSuite 1", &progress_suite_1()},
-        {"OfxProgressSuite 2", &progress_suite_2()},      {"OfxTimeLineSuite 1", &time_line_suite()}};
+        {"OfxParameterSuite 1", &parameter_suite()},      {"OfxMessageSuite 1", &message_suite_1()},
+        {"OfxMultiThreadSuite 1", &multi_thread_suite()}, {"OfxMessageSuite 2", &message_suite_2()}};
     begin_call();
     // Of the host only its property set comes along: what it lacks is noted there.
     const PropertySet* props = PropertySet::from(handle);
@@ -129,7 +101,7 @@ OfxStatus Host::load() {
     loaded_ = loaded_ || status == kOfxStatOK;
     if (status != kOfxStatOK) return status;
     descriptor_ = std::make_unique<Effect>();
-    add_descriptor_properties(descriptor_->props, bundle_);
+    add_descriptor_properties(descriptor_->props);
     status = action(kOfxActionDescribe, descriptor_.get());
     if (status != kOfxStatOK) return status;
     contexts_.clear();

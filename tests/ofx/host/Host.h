@@ -19,11 +19,11 @@ namespace ofxtest {
 class Instance;
 
 struct HostOptions {
-    std::set<std::string> missing;  // suites, name and version: "OfxMessageSuite 2"
+    std::set<std::string> missing{};  // suites, name and version: "OfxMessageSuite 2"
     std::vector<std::string> contexts{kOfxImageEffectContextGeneral, kOfxImageEffectContextFilter};
-    std::vector<std::string> refused_types;  // of parameters
+    std::set<std::string> refused_types{};  // of parameters
     bool tiles = true;
-    bool bare = false;  // the host's own property set has nothing but a name
+    bool bare = false;  // the host tells nothing of itself
 };
 
 class Host {
@@ -59,7 +59,6 @@ class Host {
     void close();
 
     HostOptions options_;
-    std::string bundle_;
     PropertySet props_;
     OfxHost host_{};
     void* library_ = nullptr;
@@ -93,16 +92,21 @@ class Instance final : public Effect {
                                                         double scale = 1.0);
     // Asks for preferences and applies them to the clips; returns what the plug-in replied to.
     PropertySet clip_preferences();
-    // Renders a window into the frame; asks for regions of interest first when the host knows tiles.
-    OfxStatus render(Frame& frame, const OfxRectI& window, double time = 0.0, double scale = 1.0);
+    // Renders a window, or a field's rows of it, into the frame; asks for regions of interest first when the
+    // host knows tiles.
+    OfxStatus render(Frame& frame, const OfxRectI& window, double time = 0.0, double scale = 1.0,
+                     const std::string& field = kOfxImageFieldNone);
     // The window of a whole frame.
     OfxRectI window(double time = 0.0, double scale = 1.0);
     // A whole frame in one piece, within a sequence. Throws when an action fails.
     Frame render(double time = 0.0, double scale = 1.0);
+    void sequence(const char* action, double time = 0.0, double scale = 1.0);
+
+    double viewer_scale = 1.0;  // at which the user presses buttons
 
   private:
+    double aspect() const { return clip(kOfxImageEffectOutputClipName).aspect(); }
     void changed(const std::string& type, const std::string& name, const char* reason);
-    OfxStatus sequence(const char* action, double time, double scale);
 
     Host& host_;
     bool created_ = false;

@@ -1,4 +1,3 @@
-#include <cmath>
 #include <stdexcept>
 
 #include "ofx/host/Host.h"
@@ -37,17 +36,9 @@ Call frame_call(double scale) {
 
 Instance::Instance(Host& host, const std::string& context, Effect& descriptor) : host_(host) {
     props = descriptor.props;
-    props.add(kOfxPropType, {std::string(kOfxTypeImageEffectInstance)});
     props.add(kOfxImageEffectPropContext, {context});
     props.add(kOfxPropInstanceData, {static_cast<void*>(nullptr)}, PropertySet::kPluginSets);
     props.add(kOfxPropParamSetNeedsSyncing, {1}, PropertySet::kPluginSets);
-    props.add(kOfxPropIsInteractive, {0});
-    props.add(kOfxImageEffectPropProjectSize, {64.0, 48.0});
-    props.add(kOfxImageEffectPropProjectOffset, {0.0, 0.0});
-    props.add(kOfxImageEffectPropProjectExtent, {64.0, 48.0});
-    props.add(kOfxImageEffectPropProjectPixelAspectRatio, {1.0});
-    props.add(kOfxImageEffectInstancePropEffectDuration, {100.0});
-    props.add(kOfxImageEffectPropFrameRate, {24.0});
     for (const auto& clip : descriptor.clips) clips.push_back(std::make_unique<Clip>(*clip));
     for (const auto& param : descriptor.params.all()) params.add(std::make_unique<Param>(params, *param));
     params.when_edited = [this](Param& param) {
@@ -72,8 +63,9 @@ void Instance::changed(const std::string& type, const std::string& name, const c
     in.add(kOfxPropChangeReason, {std::string(reason)});
     Call call;
     call.may_set_params = true;
+    call.scale = viewer_scale;
     host_.action(kOfxActionBeginInstanceChanged, this, &in, nullptr, call);
-    PropertySet what = frame_arguments(current_time(), 1.0);
+    PropertySet what = frame_arguments(current_time(), viewer_scale);
     what.add(kOfxPropType, {type});
     what.add(kOfxPropName, {name});
     what.add(kOfxPropChangeReason, {std::string(reason)});
@@ -104,17 +96,14 @@ void Instance::press(const std::string& button) {
 void Instance::undo() {
     const ParamSet::Step step = params.undo.back();
     params.undo.pop_back();
-    for (auto edit = step.before.rbegin(); edit != step.before.rend(); ++edit)
-        edit->first->assign(edit->second);
-    for (const auto& [param, content] : step.before)
-        changed(kOfxTypeParameter, param->name(), kOfxChangeUserEdited);
+    for (auto edit = step.rbegin(); edit != step.rend(); ++edit) edit->first->assign(edit->second);
+    for (const auto& [param, content] : step) changed(kOfxTypeParameter, param->name(), kOfxChangeUserEdited);
 }
 
 Host::Values Instance::saved() const {
     Host::Values values;
     for (const auto& param : params.all()) {
-        if (param->holds_value() && param->props.int_at(kOfxParamPropPersistant) != 0)
-            values[param->name()] = param->value();
+        if (param->holds_value()) values[param->name()] = param->content();
     }
     return values;
 }
@@ -163,18 +152,10 @@ PropertySet Instance::clip_preferences() {
     constexpr auto kPlugin = PropertySet::kPluginSets;
     PropertySet out;
     for (const auto& clip : clips) {
-        const std::string& name = clip->name();
-        out.add(kOfxImageClipPropComponents_ + name, {clip->props.string_at(kOfxImageEffectPropComponents)},
-                kPlugin);
-        out.add(kOfxImageClipPropDepth_ + name, {clip->props.string_at(kOfxImageEffectPropPixelDepth)},
-                kPlugin);
-        out.add(kOfxImageClipPropPAR_ + name, {1.0}, kPlugin);
+        out.add(kOfxImageClipPropComponents_ + clip->name(),
+                {clip->props.string_at(kOfxImageEffectPropComponents)}, kPlugin);
     }
-    out.add(kOfxImageEffectPropFrameRate, {24.0}, kPlugin);
-    out.add(kOfxImageClipPropFieldOrder, {std::string(kOfxImageFieldNone)}, kPlugin);
     out.add(kOfxImageEffectPropPreMultiplication, {std::string(kOfxImageUnPreMultiplied)}, kPlugin);
-    out.add(kOfxImageClipPropContinuousSamples, {0}, kPlugin);
-    out.add(kOfxImageEffectFrameVarying, {0}, kPlugin);
     host_.action(kOfxImageEffectActionGetClipPreferences, this, nullptr, &out);
     for (const auto& clip : clips) {
         if (clip->source() == nullptr) continue;
@@ -184,37 +165,29 @@ PropertySet Instance::clip_preferences() {
     return out;
 }
 
-OfxStatus Instance::render(Frame& frame, const OfxRectI& w, double time, double scale) {
+OfxStatus Instance::render(Frame& frame, const OfxRectI& w, double time, double scale,
+                           const std::string& field) {
     Call call = frame_call(scale);
     call.may_fetch = true;
     call.window = w;
+    call.field = field;
     call.output = &frame;
     if (host_.options().tiles) {
-        call.regions =
-            regions_of_interest({w.x1 / scale, w.y1 / scale, w.x2 / scale, w.y2 / scale}, time, scale);
+        call.regions = regions_of_interest(canonical_of(w, scale, aspect()), time, scale);
     }
     PropertySet in = frame_arguments(time, scale);
-    in.add(kOfxImageEffectPropFieldToRender, {std::string(kOfxImageFieldNone)});
+    in.add(kOfxImageEffectPropFieldToRender, {field});
     add_window(in, w);
-    in.add(kOfxImageEffectPropSequentialRenderStatus, {0});
-    in.add(kOfxImageEffectPropInteractiveRenderStatus, {0});
     return host_.action(kOfxImageEffectActionRender, this, &in, nullptr, call);
 }
 
 OfxRectI Instance::window(double time, double scale) {
-    const OfxRectD r = region_of_definition(time, scale);
-    return {static_cast<int>(std::floor(r.x1 * scale)), static_cast<int>(std::floor(r.y1 * scale)),
-            static_cast<int>(std::ceil(r.x2 * scale)), static_cast<int>(std::ceil(r.y2 * scale))};
+    return pixels_of(region_of_definition(time, scale), scale, aspect());
 }
 
-OfxStatus Instance::sequence(const char* action, double time, double scale) {
+void Instance::sequence(const char* action, double time, double scale) {
     PropertySet in = frame_arguments(time, scale);
-    in.add(kOfxImageEffectPropFrameRange, {time, time});
-    in.add(kOfxImageEffectPropFrameStep, {1.0});
-    in.add(kOfxPropIsInteractive, {0});
-    in.add(kOfxImageEffectPropSequentialRenderStatus, {0});
-    in.add(kOfxImageEffectPropInteractiveRenderStatus, {0});
-    return host_.action(action, this, &in, nullptr, frame_call(scale));
+    host_.action(action, this, &in, nullptr, frame_call(scale));
 }
 
 Frame Instance::render(double time, double scale) {

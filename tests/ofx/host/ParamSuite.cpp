@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <cstdarg>
 
 #include "ofx/host/Effect.h"
@@ -20,8 +19,7 @@ OfxStatus define(OfxParamSetHandle handle, const char* type, const char* name, O
     begin_call();
     ParamSet& set = set_of(handle);
     if (!set.describing) note_fault(std::string("defines outside a describe action: ") + name);
-    const auto& refused = set.refused_types;
-    if (std::find(refused.begin(), refused.end(), type) != refused.end()) return kOfxStatErrUnsupported;
+    if (set.refused_types.count(type) != 0) return kOfxStatErrUnsupported;
     if (set.find(name) != nullptr) {
         note_fault(std::string("defines twice: ") + name);
         return kOfxStatErrExists;
@@ -49,18 +47,14 @@ OfxStatus set_properties(OfxParamSetHandle set, OfxPropertySetHandle* props) {
     return kOfxStatOK;
 }
 
-OfxStatus properties(OfxParamHandle param, OfxPropertySetHandle* props) {
-    begin_call();
-    *props = param_of(param).props.handle();
-    return kOfxStatOK;
-}
-
 OfxStatus give(const Param& param, const Param::Content& content, std::va_list out) {
     if (!param.holds_value()) {
         note_fault("reads a parameter without a value: " + param.name());
         return kOfxStatErrUnsupported;
     }
     if (param.is_text()) {
+        const Call* call = Call::current();
+        if (call != nullptr && call->per_frame) note_fault("reads a text that its user may be editing");
         *va_arg(out, char**) = lend_string(content.text);
         return kOfxStatOK;
     }
@@ -74,7 +68,7 @@ OfxStatus give(const Param& param, const Param::Content& content, std::va_list o
     return kOfxStatOK;
 }
 
-OfxStatus take(Param& param, std::va_list in) {
+OfxStatus take(Param& param, const OfxTime* key, std::va_list in) {
     const Call* call = Call::current();
     if (call == nullptr || !call->may_set_params)
         note_fault("sets a parameter at the wrong time: " + param.name());
@@ -86,7 +80,7 @@ OfxStatus take(Param& param, std::va_list in) {
     if (param.is_text()) content.text = va_arg(in, const char*);
     for (int i = 0; i < param.dimension() && !param.is_text(); ++i)
         content.numbers.push_back(param.is_int() ? va_arg(in, int) : va_arg(in, double));
-    param.owner().edit(param, content);
+    param.owner().edit(param, content, key);
     return kOfxStatOK;
 }
 
@@ -116,7 +110,7 @@ OfxStatus set_value(OfxParamHandle handle, ...) {
     begin_call();
     std::va_list in;
     va_start(in, handle);
-    const OfxStatus status = take(param_of(handle), in);
+    const OfxStatus status = take(param_of(handle), nullptr, in);
     va_end(in);
     return status;
 }
@@ -125,31 +119,14 @@ OfxStatus set_value_at(OfxParamHandle handle, OfxTime time, ...) {
     begin_call();
     std::va_list in;
     va_start(in, time);
-    const OfxStatus status = take(param_of(handle), in);
+    const OfxStatus status = take(param_of(handle), &time, in);
     va_end(in);
     return status;
 }
 
-OfxStatus unsupported_derivative(OfxParamHandle, OfxTime, ...) {
-    return kOfxStatErrUnsupported;
-}
-
-OfxStatus unsupported_integral(OfxParamHandle, OfxTime, OfxTime, ...) {
-    return kOfxStatErrUnsupported;
-}
-
-OfxStatus unsupported_copy(OfxParamHandle, OfxParamHandle, OfxTime, const OfxRangeD*) {
-    return kOfxStatErrUnsupported;
-}
-
-OfxStatus no_keys(OfxParamHandle, unsigned* count) {
-    *count = 0;
-    return kOfxStatOK;
-}
-
-OfxStatus edit_begin(OfxParamSetHandle set, const char* name) {
+OfxStatus edit_begin(OfxParamSetHandle set, const char*) {
     begin_call();
-    return set_of(set).begin_edit(name);
+    return set_of(set).begin_edit();
 }
 
 OfxStatus edit_end(OfxParamSetHandle set) {
@@ -160,25 +137,19 @@ OfxStatus edit_end(OfxParamSetHandle set) {
 }  // namespace
 
 const OfxParameterSuiteV1& parameter_suite() {
-    static const OfxParameterSuiteV1 suite{
-        define,
-        get_handle,
-        set_properties,
-        properties,
-        get_value,
-        get_value_at,
-        unsupported_derivative,
-        unsupported_integral,
-        set_value,
-        set_value_at,
-        no_keys,
-        [](OfxParamHandle, unsigned, OfxTime*) -> OfxStatus { return kOfxStatErrBadIndex; },
-        [](OfxParamHandle, OfxTime, int, int*) -> OfxStatus { return kOfxStatFailed; },
-        [](OfxParamHandle, OfxTime) -> OfxStatus { return kOfxStatErrUnsupported; },
-        [](OfxParamHandle) -> OfxStatus { return kOfxStatErrUnsupported; },
-        unsupported_copy,
-        edit_begin,
-        edit_end};
+    static const OfxParameterSuiteV1 suite = [] {
+        OfxParameterSuiteV1 s{};
+        s.paramDefine = define;
+        s.paramGetHandle = get_handle;
+        s.paramSetGetPropertySet = set_properties;
+        s.paramGetValue = get_value;
+        s.paramGetValueAtTime = get_value_at;
+        s.paramSetValue = set_value;
+        s.paramSetValueAtTime = set_value_at;
+        s.paramEditBegin = edit_begin;
+        s.paramEditEnd = edit_end;
+        return s;
+    }();
     return suite;
 }
 

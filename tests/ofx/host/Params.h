@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <shared_mutex>
 #include <string>
 #include <utility>
@@ -18,10 +19,11 @@ class ParamSet;
 
 class Param {
   public:
-    // Numbers, or a text; both empty for parameters that hold nothing.
+    // Numbers, or a text; both empty for parameters that hold nothing. Keys by time take the numbers' place.
     struct Content {
-        std::vector<double> numbers;
-        std::string text;
+        std::vector<double> numbers{};
+        std::string text{};
+        std::map<double, std::vector<double>> keys{};
         friend bool operator==(const Content&, const Content&) = default;
     };
 
@@ -43,7 +45,8 @@ class Param {
     // Linear between keys, held beyond them; Booleans, choices and texts step. Without keys the value.
     Content at(double time) const;
     Content value() const { return at(0.0); }
-    // Forgets the keys.
+    // With the keys.
+    Content content() const;
     void assign(const Content& content);
     void set_key(double time, std::vector<double> numbers);
 
@@ -60,7 +63,6 @@ class Param {
     int dimension_;
     mutable std::shared_mutex lock_;
     Content content_;
-    std::map<double, std::vector<double>> keys_;
 };
 
 class ParamSet {
@@ -70,18 +72,16 @@ class ParamSet {
     const std::vector<std::unique_ptr<Param>>& all() const { return params_; }
     Param* add(std::unique_ptr<Param> param);
 
-    // What the plug-in sets: a step of its own, or part of the block that it opened.
-    void edit(Param& param, const Param::Content& content);
-    OfxStatus begin_edit(const std::string& name);
+    // What the plug-in sets, at a key's time if there is one: a step of its own, or part of the block that it
+    // opened.
+    void edit(Param& param, const Param::Content& content, const double* key);
+    OfxStatus begin_edit();
     OfxStatus end_edit();
-    // Steps by name, each with the values before it.
-    struct Step {
-        std::string name;
-        std::vector<std::pair<Param*, Param::Content>> before;
-    };
+    // What was before each step.
+    using Step = std::vector<std::pair<Param*, Param::Content>>;
     std::vector<Step> undo;
 
-    std::vector<std::string> refused_types;   // answered ErrUnsupported
+    std::set<std::string> refused_types;      // answered ErrUnsupported
     std::function<void(Param&)> when_edited;  // tells the plug-in of its own change
     bool describing = false;
     PropertySet* effect_props = nullptr;

@@ -37,11 +37,11 @@ void begin_call() {
 
 void PropertySet::add(const std::string& name, std::vector<Value> values, Access access) {
     const std::size_t type = values.at(0).index();
-    properties_[name] = {values, values, type, false, access};
+    properties_[name] = {std::move(values), type, false, access};
 }
 
 void PropertySet::add_list(const std::string& name, const Value& type, Access access) {
-    properties_[name] = {{}, {}, type.index(), true, access};
+    properties_[name] = {{}, type.index(), true, access};
 }
 
 void PropertySet::put(const std::string& name, std::vector<Value> values) {
@@ -103,19 +103,6 @@ OfxStatus PropertySet::get(const char* name, int index, Value& value) const {
     return kOfxStatOK;
 }
 
-OfxStatus PropertySet::reset(const char* name) {
-    const auto found = properties_.find(name);
-    if (found == properties_.end()) return kOfxStatErrUnknown;
-    found->second.values = found->second.defaults;
-    return kOfxStatOK;
-}
-
-OfxStatus PropertySet::dimension(const char* name, int& count) const {
-    if (!has(name)) return kOfxStatErrUnknown;
-    count = size(name);
-    return kOfxStatOK;
-}
-
 namespace {
 
 // How the plain types of the suite become values and come back.
@@ -141,73 +128,39 @@ OfxStatus set_one(OfxPropertySetHandle properties, const char* name, int index, 
     return set != nullptr ? set->set(name, index, to_value(value)) : kOfxStatErrBadHandle;
 }
 
-template <class T>
-OfxStatus set_many(OfxPropertySetHandle properties, const char* name, int count, const T* values) {
-    begin_call();
-    PropertySet* set = PropertySet::from(properties);
-    if (set == nullptr) return kOfxStatErrBadHandle;
+OfxStatus set_doubles(OfxPropertySetHandle properties, const char* name, int count, const double* values) {
     OfxStatus status = kOfxStatOK;
-    for (int i = 0; i < count && status == kOfxStatOK; ++i) status = set->set(name, i, to_value(values[i]));
+    for (int i = 0; i < count && status == kOfxStatOK; ++i) status = set_one(properties, name, i, values[i]);
     return status;
 }
 
-template <class T, class Stored>
-OfxStatus get_many(OfxPropertySetHandle properties, const char* name, int first, int count, T* values) {
+template <class T, class Stored = T>
+OfxStatus get_one(OfxPropertySetHandle properties, const char* name, int index, T* out) {
     begin_call();
     const PropertySet* set = PropertySet::from(properties);
     if (set == nullptr) return kOfxStatErrBadHandle;
-    for (int i = 0; i < count; ++i) {
-        Value value = Stored{};
-        const OfxStatus status = set->get(name, first + i, value);
-        if (status != kOfxStatOK) return status;
-        from_value(value, values[i]);
-    }
-    return kOfxStatOK;
-}
-
-template <class T, class Stored = T>
-OfxStatus get_one(OfxPropertySetHandle properties, const char* name, int index, T* value) {
-    return get_many<T, Stored>(properties, name, index, 1, value);
-}
-
-template <class T, class Stored = T>
-OfxStatus get_all(OfxPropertySetHandle properties, const char* name, int count, T* values) {
-    return get_many<T, Stored>(properties, name, 0, count, values);
-}
-
-OfxStatus reset(OfxPropertySetHandle properties, const char* name) {
-    begin_call();
-    PropertySet* set = PropertySet::from(properties);
-    return set != nullptr ? set->reset(name) : kOfxStatErrBadHandle;
-}
-
-OfxStatus get_dimension(OfxPropertySetHandle properties, const char* name, int* count) {
-    begin_call();
-    const PropertySet* set = PropertySet::from(properties);
-    return set != nullptr ? set->dimension(name, *count) : kOfxStatErrBadHandle;
+    Value value = Stored{};
+    const OfxStatus status = set->get(name, index, value);
+    if (status == kOfxStatOK) from_value(value, *out);
+    return status;
 }
 
 }  // namespace
 
 const OfxPropertySuiteV1& property_suite() {
-    static const OfxPropertySuiteV1 suite{set_one<void*>,
-                                          set_one<const char*>,
-                                          set_one<double>,
-                                          set_one<int>,
-                                          set_many<void*>,
-                                          set_many<const char*>,
-                                          set_many<double>,
-                                          set_many<int>,
-                                          get_one<void*>,
-                                          get_one<char*, std::string>,
-                                          get_one<double>,
-                                          get_one<int>,
-                                          get_all<void*>,
-                                          get_all<char*, std::string>,
-                                          get_all<double>,
-                                          get_all<int>,
-                                          reset,
-                                          get_dimension};
+    static const OfxPropertySuiteV1 suite = [] {
+        OfxPropertySuiteV1 s{};
+        s.propSetPointer = set_one<void*>;
+        s.propSetString = set_one<const char*>;
+        s.propSetDouble = set_one<double>;
+        s.propSetInt = set_one<int>;
+        s.propSetDoubleN = set_doubles;
+        s.propGetPointer = get_one<void*>;
+        s.propGetString = get_one<char*, std::string>;
+        s.propGetDouble = get_one<double>;
+        s.propGetInt = get_one<int>;
+        return s;
+    }();
     return suite;
 }
 

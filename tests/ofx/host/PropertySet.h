@@ -2,6 +2,8 @@
 //
 // A set knows beforehand which properties it has, of which type and length, and which of them a plug-in may
 // set. Reading is safe from many threads as long as nobody sets.
+//
+// The suites of this host have the functions that the plug-in calls; where there is none a table holds null.
 #pragma once
 
 #include <cstdint>
@@ -53,13 +55,10 @@ class PropertySet {
     // What the suite does.
     OfxStatus set(const char* name, int index, const Value& value);
     OfxStatus get(const char* name, int index, Value& value) const;
-    OfxStatus reset(const char* name);
-    OfxStatus dimension(const char* name, int& count) const;
 
   private:
     struct Property {
         std::vector<Value> values;
-        std::vector<Value> defaults;
         std::size_t type = 0;  // of Value
         bool any_length = false;
         Access access = kHostSets;
