@@ -17,6 +17,9 @@ constexpr int kMostRefusals = 6;
 constexpr int kMostRounds = 16;
 constexpr int kMostDescents = 12;
 constexpr int kPolished = 4;  // candidates drawn back
+// Chunks of samples that one search judges before it takes no further way: about 25 ms. Only samples that
+// contradict each other in many ways need as much.
+constexpr int kMostWork = 28'000;
 constexpr int kRaySteps = 1024;
 
 // A score below this is 0.
@@ -119,7 +122,8 @@ class Search {
         while (left-- > 0) {
             wanted_.insert(wanted_.begin(), left);
             if (score(at, kAny) == 0.0) continue;
-            const auto found = refusals < kMostRefusals ? satisfy(at) : std::nullopt;
+            const bool try_on = refusals < kMostRefusals && work_ < kMostWork;
+            const auto found = try_on ? satisfy(at) : std::nullopt;
             if (found) {
                 at = *found;
             } else {
@@ -155,6 +159,7 @@ class Search {
                 const std::size_t count = std::min(tried_.chunk(), samples_ - begin);
                 misses_(*trial, begin, {place.misses + begin, count});
                 place.judged |= std::uint64_t{1} << chunk;
+                ++work_;
             }
             sum += place.misses[i];
             if (sum >= enough) break;
@@ -269,7 +274,7 @@ class Search {
             look_around(other, found);
             if (other.score < best.score) best = other;
         }
-        for (int i = 0; i < kMostDescents && found.empty() && best.score > 0.0; ++i) {
+        for (int i = 0; i < kMostDescents && found.empty() && best.score > 0.0 && work_ < kMostWork; ++i) {
             const double before = best.score;
             look_around(best, found);
             if (best.score >= before) break;
@@ -344,6 +349,7 @@ class Search {
     std::vector<Ray> rays_;
     std::size_t samples_;
     Tried tried_;
+    int work_ = 0;
     std::vector<std::size_t> wanted_;  // the oldest first, as misses are added up
 };
 
