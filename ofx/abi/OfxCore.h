@@ -8,7 +8,6 @@
 #ifndef VELOXA_OFX_CORE_H
 #define VELOXA_OFX_CORE_H
 
-#include <limits.h>
 #include <stddef.h>
 
 #ifdef __cplusplus
@@ -22,15 +21,9 @@ typedef struct OfxParamSetStruct* OfxParamSetHandle;
 typedef int OfxStatus;
 typedef double OfxTime; /* frames */
 
-typedef struct OfxRangeI {
-    int min, max;
-} OfxRangeI;
 typedef struct OfxRangeD {
     double min, max;
 } OfxRangeD;
-typedef struct OfxPointI {
-    int x, y;
-} OfxPointI;
 typedef struct OfxPointD {
     double x, y;
 } OfxPointD;
@@ -40,10 +33,6 @@ typedef struct OfxRectI {
 typedef struct OfxRectD {
     double x1, y1, x2, y2;
 } OfxRectD;
-
-/* The edges of an infinite rectangle, of ints or of doubles. */
-#define kOfxFlagInfiniteMin INT_MIN
-#define kOfxFlagInfiniteMax INT_MAX
 
 /* fetchSuite takes the member `host` of the same struct; null means that the host lacks the suite or that
  * version of it. The tables stay valid until the plug-in is unloaded. */
@@ -79,18 +68,14 @@ OfxExport OfxStatus OfxSetHost(const OfxHost* host);
 
 #define kOfxStatOK 0
 #define kOfxStatFailed 1
-#define kOfxStatErrFatal 2
 #define kOfxStatErrUnknown 3
 #define kOfxStatErrMissingHostFeature 4
 #define kOfxStatErrUnsupported 5
 #define kOfxStatErrExists 6
-#define kOfxStatErrFormat 7
 #define kOfxStatErrMemory 8
 #define kOfxStatErrBadHandle 9
 #define kOfxStatErrBadIndex 10
 #define kOfxStatErrValue 11
-#define kOfxStatReplyYes 12
-#define kOfxStatReplyNo 13
 #define kOfxStatReplyDefault 14
 
 #define kOfxActionLoad "OfxActionLoad"
@@ -101,10 +86,7 @@ OfxExport OfxStatus OfxSetHost(const OfxHost* host);
 #define kOfxActionBeginInstanceChanged "OfxActionBeginInstanceChanged"
 #define kOfxActionInstanceChanged "OfxActionInstanceChanged"
 #define kOfxActionEndInstanceChanged "OfxActionEndInstanceChanged"
-#define kOfxActionBeginInstanceEdit "OfxActionBeginInstanceEdit"
-#define kOfxActionEndInstanceEdit "OfxActionEndInstanceEdit"
 #define kOfxActionPurgeCaches "OfxActionPurgeCaches"
-#define kOfxActionSyncPrivateData "OfxActionSyncPrivateData"
 
 /* Values of kOfxPropChangeReason. */
 #define kOfxChangeUserEdited "OfxChangeUserEdited"
@@ -112,13 +94,8 @@ OfxExport OfxStatus OfxSetHost(const OfxHost* host);
 #define kOfxChangeTime "OfxChangeTime"
 
 /* Values of kOfxPropType. */
-#define kOfxTypeImageEffectHost "OfxTypeImageEffectHost"
-#define kOfxTypeImageEffect "OfxTypeImageEffect"
-#define kOfxTypeImageEffectInstance "OfxTypeImageEffectInstance"
 #define kOfxTypeParameter "OfxTypeParameter"
-#define kOfxTypeParameterInstance "OfxTypeParameterInstance"
 #define kOfxTypeClip "OfxTypeClip"
-#define kOfxTypeImage "OfxTypeImage"
 
 #define kOfxPropType "OfxPropType"                                 /* string */
 #define kOfxPropName "OfxPropName"                                 /* string */
@@ -129,12 +106,9 @@ OfxExport OfxStatus OfxSetHost(const OfxHost* host);
 #define kOfxPropTime "OfxPropTime"                                 /* double */
 #define kOfxPropChangeReason "OfxPropChangeReason"                 /* string */
 #define kOfxPropInstanceData "OfxPropInstanceData"                 /* pointer */
-#define kOfxPropIsInteractive "OfxPropIsInteractive"               /* bool */
 #define kOfxPropVersion "OfxPropVersion"                           /* int xN, most significant first */
 #define kOfxPropVersionLabel "OfxPropVersionLabel"                 /* string */
 #define kOfxPropPluginDescription "OfxPropPluginDescription"       /* string */
-#define kOfxPropAPIVersion "OfxPropAPIVersion"                     /* int xN */
-#define kOfxPluginPropFilePath "OfxPluginPropFilePath"             /* string: the bundle's directory */
 #define kOfxPropParamSetNeedsSyncing "OfxPropParamSetNeedsSyncing" /* bool */
 
 #ifdef __cplusplus

@@ -51,8 +51,6 @@ typedef struct OfxImageEffectSuiteV1 {
 #define kOfxImageEffectActionGetClipPreferences "OfxImageEffectActionGetClipPreferences"
 #define kOfxImageEffectActionGetRegionOfDefinition "OfxImageEffectActionGetRegionOfDefinition"
 #define kOfxImageEffectActionGetRegionsOfInterest "OfxImageEffectActionGetRegionsOfInterest"
-#define kOfxImageEffectActionGetFramesNeeded "OfxImageEffectActionGetFramesNeeded"
-#define kOfxImageEffectActionGetTimeDomain "OfxImageEffectActionGetTimeDomain"
 #define kOfxImageEffectActionIsIdentity "OfxImageEffectActionIsIdentity"
 #define kOfxImageEffectActionBeginSequenceRender "OfxImageEffectActionBeginSequenceRender"
 #define kOfxImageEffectActionRender "OfxImageEffectActionRender"
@@ -74,23 +72,18 @@ typedef struct OfxImageEffectSuiteV1 {
 #define kOfxImageComponentRGB "OfxImageComponentRGB"
 #define kOfxImageComponentAlpha "OfxImageComponentAlpha"
 
-#define kOfxImageOpaque "OfxImageOpaque"
 #define kOfxImagePreMultiplied "OfxImageAlphaPremultiplied"
 #define kOfxImageUnPreMultiplied "OfxImageAlphaUnPremultiplied"
 
 #define kOfxImageFieldNone "OfxFieldNone"
-#define kOfxImageFieldBoth "OfxFieldBoth"
 #define kOfxImageFieldLower "OfxFieldLower"
 #define kOfxImageFieldUpper "OfxFieldUpper"
-#define kOfxImageFieldSingle "OfxFieldSingle"
 #define kOfxImageFieldDoubled "OfxFieldDoubled"
 
 /* Of the effect's descriptor and, some, of the host. */
 #define kOfxImageEffectPluginPropGrouping "OfxImageEffectPluginPropGrouping"             /* string */
 #define kOfxImageEffectPluginPropSingleInstance "OfxImageEffectPluginPropSingleInstance" /* bool */
 #define kOfxImageEffectPluginRenderThreadSafety "OfxImageEffectPluginRenderThreadSafety" /* string */
-#define kOfxImageEffectRenderUnsafe "OfxImageEffectRenderUnsafe"
-#define kOfxImageEffectRenderInstanceSafe "OfxImageEffectRenderInstanceSafe"
 #define kOfxImageEffectRenderFullySafe "OfxImageEffectRenderFullySafe"
 #define kOfxImageEffectPluginPropHostFrameThreading "OfxImageEffectPluginPropHostFrameThreading" /* bool */
 #define kOfxImageEffectPluginPropFieldRenderTwiceAlways "OfxImageEffectPluginPropFieldRenderTwiceAlways"
@@ -102,34 +95,16 @@ typedef struct OfxImageEffectSuiteV1 {
 #define kOfxImageEffectPropTemporalClipAccess "OfxImageEffectPropTemporalClipAccess"           /* bool */
 #define kOfxImageEffectPropSupportsMultipleClipDepths "OfxImageEffectPropMultipleClipDepths"   /* bool */
 #define kOfxImageEffectPropSupportsMultipleClipPARs "OfxImageEffectPropSupportsMultipleClipPARs"   /* bool */
-#define kOfxImageEffectPropSupportsOverlays "OfxImageEffectPropSupportsOverlays"                   /* bool */
 #define kOfxImageEffectPropClipPreferencesSlaveParam "OfxImageEffectPropClipPreferencesSlaveParam" /* xN */
-#define kOfxImageEffectPropSetableFrameRate "OfxImageEffectPropSetableFrameRate"                   /* bool */
-#define kOfxImageEffectPropSetableFielding "OfxImageEffectPropSetableFielding"                     /* bool */
-#define kOfxImageEffectInstancePropSequentialRender "OfxImageEffectInstancePropSequentialRender"   /* int */
-#define kOfxImageEffectHostPropIsBackground "OfxImageEffectHostPropIsBackground"                   /* bool */
 
 /* Of an instance. */
-#define kOfxImageEffectPropContext "OfxImageEffectPropContext"                          /* string */
-#define kOfxImageEffectPropPluginHandle "OfxImageEffectPropPluginHandle"                /* pointer */
-#define kOfxImageEffectPropProjectSize "OfxImageEffectPropProjectSize"                  /* double x2 */
-#define kOfxImageEffectPropProjectOffset "OfxImageEffectPropProjectOffset"              /* double x2 */
-#define kOfxImageEffectPropProjectExtent "OfxImageEffectPropProjectExtent"              /* double x2 */
-#define kOfxImageEffectPropProjectPixelAspectRatio "OfxImageEffectPropPixelAspectRatio" /* double */
-#define kOfxImageEffectInstancePropEffectDuration "OfxImageEffectInstancePropEffectDuration"
-#define kOfxImageEffectPropFrameRate "OfxImageEffectPropFrameRate" /* double */
+#define kOfxImageEffectPropContext "OfxImageEffectPropContext" /* string */
 
 /* Of a clip. */
 #define kOfxImageClipPropOptional "OfxImageClipPropOptional"               /* bool */
 #define kOfxImageClipPropIsMask "OfxImageClipPropIsMask"                   /* bool */
 #define kOfxImageClipPropFieldExtraction "OfxImageClipPropFieldExtraction" /* string */
 #define kOfxImageClipPropConnected "OfxImageClipPropConnected"             /* bool */
-#define kOfxImageClipPropUnmappedPixelDepth "OfxImageClipPropUnmappedPixelDepth"
-#define kOfxImageClipPropUnmappedComponents "OfxImageClipPropUnmappedComponents"
-#define kOfxImageClipPropFieldOrder "OfxImageClipPropFieldOrder"
-#define kOfxImageClipPropContinuousSamples "OfxImageClipPropContinuousSamples"
-#define kOfxImageEffectPropUnmappedFrameRange "OfxImageEffectPropUnmappedFrameRange"
-#define kOfxImageEffectPropUnmappedFrameRate "OfxImageEffectPropUnmappedFrameRate"
 
 /* Of a clip and of an image. */
 #define kOfxImageEffectPropPixelDepth "OfxImageEffectPropPixelDepth"               /* string */
@@ -143,7 +118,6 @@ typedef struct OfxImageEffectSuiteV1 {
 #define kOfxImagePropBounds "OfxImagePropBounds"                         /* int x4, pixels */
 #define kOfxImagePropRegionOfDefinition "OfxImagePropRegionOfDefinition" /* int x4, pixels */
 #define kOfxImagePropRowBytes "OfxImagePropRowBytes"                     /* int */
-#define kOfxImagePropField "OfxImagePropField"                           /* string */
 #define kOfxImagePropUniqueIdentifier "OfxImagePropUniqueIdentifier" /* string: changes with the picture */
 
 /* Arguments of actions; those that end in an underscore have the clip's name appended. */
@@ -152,17 +126,8 @@ typedef struct OfxImageEffectSuiteV1 {
 #define kOfxImageEffectPropRegionOfDefinition "OfxImageEffectPropRegionOfDefinition" /* double x4 */
 #define kOfxImageEffectPropRegionOfInterest "OfxImageEffectPropRegionOfInterest"     /* double x4 */
 #define kOfxImageEffectPropFieldToRender "OfxImageEffectPropFieldToRender"           /* string */
-#define kOfxImageEffectPropFrameRange "OfxImageEffectPropFrameRange"                 /* double x2 */
-#define kOfxImageEffectPropFrameStep "OfxImageEffectPropFrameStep"                   /* double */
-#define kOfxImageEffectPropSequentialRenderStatus "OfxImageEffectPropSequentialRenderStatus"   /* bool */
-#define kOfxImageEffectPropInteractiveRenderStatus "OfxImageEffectPropInteractiveRenderStatus" /* bool */
-#define kOfxImageEffectPropRenderQualityDraft "OfxImageEffectPropRenderQualityDraft"           /* bool */
-#define kOfxImageEffectFrameVarying "OfxImageEffectFrameVarying"                               /* bool */
-#define kOfxImageClipPropRoI_ "OfxImageClipPropRoI_"                                           /* double x4 */
-#define kOfxImageClipPropFrameRange_ "OfxImageClipPropFrameRange_" /* double x2n */
-#define kOfxImageClipPropComponents_ "OfxImageClipPropComponents_" /* string */
-#define kOfxImageClipPropDepth_ "OfxImageClipPropDepth_"           /* string */
-#define kOfxImageClipPropPAR_ "OfxImageClipPropPAR_"               /* double */
+#define kOfxImageClipPropRoI_ "OfxImageClipPropRoI_"                                 /* double x4 */
+#define kOfxImageClipPropComponents_ "OfxImageClipPropComponents_"                   /* string */
 
 #ifdef __cplusplus
 }

@@ -38,43 +38,29 @@ typedef struct OfxParameterSuiteV1 {
     OfxStatus (*paramEditEnd)(OfxParamSetHandle paramSet);
 } OfxParameterSuiteV1;
 
-#define kOfxParamTypeInteger "OfxParamTypeInteger"
-#define kOfxParamTypeInteger2D "OfxParamTypeInteger2D"
-#define kOfxParamTypeInteger3D "OfxParamTypeInteger3D"
 #define kOfxParamTypeDouble "OfxParamTypeDouble"
 #define kOfxParamTypeDouble2D "OfxParamTypeDouble2D"
-#define kOfxParamTypeDouble3D "OfxParamTypeDouble3D"
 #define kOfxParamTypeRGB "OfxParamTypeRGB"
 #define kOfxParamTypeRGBA "OfxParamTypeRGBA"
 #define kOfxParamTypeBoolean "OfxParamTypeBoolean"
 #define kOfxParamTypeChoice "OfxParamTypeChoice"
 #define kOfxParamTypeString "OfxParamTypeString"
-#define kOfxParamTypeCustom "OfxParamTypeCustom"
 #define kOfxParamTypePushButton "OfxParamTypePushButton"
 #define kOfxParamTypeGroup "OfxParamTypeGroup"
 #define kOfxParamTypePage "OfxParamTypePage"
 
 /* Of every parameter. */
-#define kOfxParamPropType "OfxParamPropType"             /* string */
 #define kOfxParamPropSecret "OfxParamPropSecret"         /* bool: hidden from the user */
 #define kOfxParamPropEnabled "OfxParamPropEnabled"       /* bool: 0 is greyed out */
 #define kOfxParamPropHint "OfxParamPropHint"             /* string */
 #define kOfxParamPropScriptName "OfxParamPropScriptName" /* string */
 #define kOfxParamPropParent "OfxParamPropParent"         /* string: a group defined before */
-#define kOfxParamPropDataPtr "OfxParamPropDataPtr"       /* pointer */
 
 /* Of parameters that hold a value. */
 #define kOfxParamPropDefault "OfxParamPropDefault"                   /* as the value */
 #define kOfxParamPropAnimates "OfxParamPropAnimates"                 /* bool */
 #define kOfxParamPropIsAnimating "OfxParamPropIsAnimating"           /* bool */
-#define kOfxParamPropIsAutoKeying "OfxParamPropIsAutoKeying"         /* bool */
-#define kOfxParamPropPersistant "OfxParamPropPersistant"             /* bool: saved */
 #define kOfxParamPropEvaluateOnChange "OfxParamPropEvaluateOnChange" /* bool: a change renders */
-#define kOfxParamPropCanUndo "OfxParamPropCanUndo"                   /* bool */
-#define kOfxParamPropCacheInvalidation "OfxParamPropCacheInvalidation"
-#define kOfxParamInvalidateValueChange "OfxParamInvalidateValueChange"
-#define kOfxParamInvalidateValueChangeToEnd "OfxParamInvalidateValueChangeToEnd"
-#define kOfxParamInvalidateAll "OfxParamInvalidateAll"
 
 /* Of numbers. Setting a hard limit resets the display limit of its side: the hard ones come first. */
 #define kOfxParamPropMin "OfxParamPropMin"
@@ -89,42 +75,17 @@ typedef struct OfxParameterSuiteV1 {
 /* bool: the host draws a handle for the point; the string does begin with a k. */
 #define kOfxParamPropUseHostOverlayHandle "kOfxParamPropUseHostOverlayHandle"
 #define kOfxParamCoordinatesCanonical "OfxParamCoordinatesCanonical"
-#define kOfxParamCoordinatesNormalised "OfxParamCoordinatesNormalised"
-#define kOfxParamDoubleTypePlain "OfxParamDoubleTypePlain"
-#define kOfxParamDoubleTypeAngle "OfxParamDoubleTypeAngle"
-#define kOfxParamDoubleTypeScale "OfxParamDoubleTypeScale"
-#define kOfxParamDoubleTypeTime "OfxParamDoubleTypeTime"
-#define kOfxParamDoubleTypeAbsoluteTime "OfxParamDoubleTypeAbsoluteTime"
-#define kOfxParamDoubleTypeX "OfxParamDoubleTypeX"
-#define kOfxParamDoubleTypeY "OfxParamDoubleTypeY"
-#define kOfxParamDoubleTypeXY "OfxParamDoubleTypeXY"
-#define kOfxParamDoubleTypeXAbsolute "OfxParamDoubleTypeXAbsolute"
-#define kOfxParamDoubleTypeYAbsolute "OfxParamDoubleTypeYAbsolute"
 #define kOfxParamDoubleTypeXYAbsolute "OfxParamDoubleTypeXYAbsolute"
 
 /* Of choices (the value is the index), strings, groups and pages. */
-#define kOfxParamPropChoiceOption "OfxParamPropChoiceOption" /* string xN */
-#define kOfxParamPropStringMode "OfxParamPropStringMode"     /* string */
-#define kOfxParamStringIsSingleLine "OfxParamStringIsSingleLine"
-#define kOfxParamStringIsMultiLine "OfxParamStringIsMultiLine"
-#define kOfxParamStringIsFilePath "OfxParamStringIsFilePath"
-#define kOfxParamStringIsDirectoryPath "OfxParamStringIsDirectoryPath"
-#define kOfxParamStringIsLabel "OfxParamStringIsLabel"
-#define kOfxParamPropGroupOpen "OfxParamPropGroupOpen" /* bool */
-#define kOfxParamPropPageChild "OfxParamPropPageChild" /* string xN */
-#define kOfxParamPageSkipRow "OfxParamPageSkipRow"
-#define kOfxParamPageSkipColumn "OfxParamPageSkipColumn"
+#define kOfxParamPropChoiceOption "OfxParamPropChoiceOption"       /* string xN */
+#define kOfxParamPropGroupOpen "OfxParamPropGroupOpen"             /* bool */
+#define kOfxParamPropPageChild "OfxParamPropPageChild"             /* string xN */
 #define kOfxPluginPropParamPageOrder "OfxPluginPropParamPageOrder" /* string xN, of the parameter set */
 
 /* Of the host. */
-#define kOfxParamHostPropSupportsCustomInteract "OfxParamHostPropSupportsCustomInteract"
-#define kOfxParamHostPropSupportsStringAnimation "OfxParamHostPropSupportsStringAnimation"
 #define kOfxParamHostPropSupportsChoiceAnimation "OfxParamHostPropSupportsChoiceAnimation"
 #define kOfxParamHostPropSupportsBooleanAnimation "OfxParamHostPropSupportsBooleanAnimation"
-#define kOfxParamHostPropSupportsCustomAnimation "OfxParamHostPropSupportsCustomAnimation"
-#define kOfxParamHostPropMaxParameters "OfxParamHostPropMaxParameters"
-#define kOfxParamHostPropMaxPages "OfxParamHostPropMaxPages"
-#define kOfxParamHostPropPageRowColumnCount "OfxParamHostPropPageRowColumnCount"
 
 #ifdef __cplusplus
 }

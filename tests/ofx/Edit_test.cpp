@@ -196,6 +196,13 @@ TEST_F(Edit, EnablesGreyOut) {
         compare();
     }
     EXPECT_FALSE(effect->params.get("screen_shrink").enabled());
+    // States follow the time line.
+    effect->params.get("cleanup").set_key(0, {1});
+    effect->params.get("cleanup").set_key(5, {0});
+    for (const double time : {5.0, 0.0}) {
+        effect->go_to(time);
+        EXPECT_EQ(effect->params.get("cleanup_shrink").enabled(), time < 5.0);
+    }
     // As values come from a project, so do the states.
     const auto loaded = instance(two_clips(), {}, kOfxImageEffectContextGeneral, effect->saved());
     for (const auto& param : loaded->params.all())

@@ -23,6 +23,7 @@ const std::vector<std::pair<const char*, Settings>> kLooks{
       {"cleanup", {1}},
       {"cleanup_shrink", {3.5, 2}},
       {"cleanup_blur", {2.5, 4}},
+      {"edge_kernel", {4}},
       {"spill_suppression", {0}},
       {"screen_orphans", {3}}}},
     {"shadow, overlay",
@@ -130,6 +131,19 @@ TEST_F(Render, ClipsOfAllKinds) {
     }
 }
 
+TEST_F(Render, OutputsWithoutAlpha) {
+    const auto effect = instance(two_clips(), kLooks[2].second);
+    Source output = two_clips().at("fg");
+    output.components = kOfxImageComponentRGB;
+    output.upside_down = true;
+    effect->connect(kOfxImageEffectOutputClipName, &output);
+    Frame expected = Reference(two_clips(), kLooks[2].second).render();
+    for (std::size_t n = 0; 4 * n < expected.values.size(); ++n)
+        std::copy_n(&expected.values[4 * n], 3, &expected.values[3 * n]);
+    expected.values.resize(expected.values.size() / 4 * 3);
+    EXPECT_EQ(differences(effect->render(), expected), 0);
+}
+
 TEST_F(Render, ProxiesAndOblongPixels) {
     Settings settings = kLooks[2].second;
     settings["edge_kernel"] = {6};
@@ -153,53 +167,46 @@ TEST_F(Render, ProxiesAndOblongPixels) {
     }
 }
 
-TEST_F(Render, FieldsOfOneFrame) {
+// Copies the rows of `from` that `wanted` names.
+template <class Wanted>
+void copy_rows(Frame& from, Frame& to, Wanted wanted) {
+    for (int y = from.box.y1; y < from.box.y2; ++y) {
+        for (int x = from.box.x1; wanted(y) && x < from.box.x2; ++x) {
+            for (int c = 0; c < 4; ++c) to.at(x, y, c) = from.at(x, y, c);
+        }
+    }
+}
+
+TEST_F(Render, FieldsAndWindowsBeyondTheFrame) {
     const Settings settings = kLooks[2].second;
     const auto effect = instance(two_clips(), settings);
-    Frame frame(kFrame);
-    Frame expected(kFrame);
+    Frame frame({kFrame.x1 - 5, kFrame.y1 - 4, kFrame.x2 + 6, kFrame.y2 + 3});
+    Frame expected = frame;
     for (const int parity : {0, 1}) {
         const char* field = parity == 0 ? kOfxImageFieldLower : kOfxImageFieldUpper;
-        EXPECT_EQ(effect->render(frame, kFrame, 0.0, 1.0, field), kOfxStatOK);
+        EXPECT_EQ(effect->render(frame, frame.box, 0.0, 1.0, field), kOfxStatOK);
         const Clips doubled = changed(two_clips(), [parity](const Pixel& pixel) {
             return [=](double t, int c, int x, int y) { return pixel(t, c, x, (y & ~1) + parity); };
         });
-        const Frame whole = Reference(doubled, settings).render();
-        const std::size_t row = 4 * static_cast<std::size_t>(kFrame.x2 - kFrame.x1);
-        for (std::size_t i = 0; i < whole.values.size(); ++i) {
-            const int y = kFrame.y1 + static_cast<int>(i / row);
-            if ((y & 1) == parity) expected.values[i] = whole.values[i];
-        }
+        Frame whole = Reference(doubled, settings).render();
+        copy_rows(whole, expected, [&](int y) { return (y & 1) == parity; });
     }
     EXPECT_EQ(differences(frame, expected), 0);
 }
 
-TEST_F(Render, WindowsBeyondTheFrameAndImagesShortOfIt) {
+TEST_F(Render, ImagesShortOfWhatWasAskedFor) {
     const Settings settings = kLooks[2].second;
     constexpr int kMissing = 6;
     Clips clips = two_clips();
     for (auto& [name, source] : clips) source.missing = kMissing;
-    const auto effect = instance(clips, settings);
-    Frame frame({kFrame.x1 - 5, kFrame.y1 - 4, kFrame.x2 + 6, kFrame.y2 + 3});
-    EXPECT_EQ(effect->render(frame, frame.box), kOfxStatOK);
     // What an image lacks is as its edge.
-    Frame whole = Reference(changed(two_clips(),
-                                    [](const Pixel& pixel) {
-                                        return [=](double t, int c, int x, int y) {
-                                            x = std::clamp(x, kFrame.x1 + kMissing, kFrame.x2 - kMissing - 1);
-                                            y = std::clamp(y, kFrame.y1 + kMissing, kFrame.y2 - kMissing - 1);
-                                            return pixel(t, c, x, y);
-                                        };
-                                    }),
-                            settings)
-                      .render();
-    Frame expected(frame.box);
-    for (int y = kFrame.y1; y < kFrame.y2; ++y) {
-        for (int x = kFrame.x1; x < kFrame.x2; ++x) {
-            for (int c = 0; c < 4; ++c) expected.at(x, y, c) = whole.at(x, y, c);
-        }
-    }
-    EXPECT_EQ(differences(frame, expected), 0);
+    const Clips repeated = changed(two_clips(), [](const Pixel& pixel) {
+        return [=](double t, int c, int x, int y) {
+            return pixel(t, c, std::clamp(x, kFrame.x1 + kMissing, kFrame.x2 - kMissing - 1),
+                         std::clamp(y, kFrame.y1 + kMissing, kFrame.y2 - kMissing - 1));
+        };
+    });
+    EXPECT_EQ(differences(instance(clips, settings)->render(), Reference(repeated, settings).render()), 0);
 }
 
 TEST_F(Render, AnimatedParametersAtTheFramesTime) {
@@ -221,6 +228,12 @@ TEST_F(Render, AnimatedParametersAtTheFramesTime) {
     }
     effect->render(2.0);
     EXPECT_EQ(differences(render_tiles(*effect, 6.0), effect->render(6.0)), 0);
+    // Where only the pictures change.
+    const auto steady = instance(two_clips(), kLooks[2].second);
+    for (const double time : {2.0, 6.0}) {
+        const Frame expected = Reference(two_clips(), kLooks[2].second, time).render();
+        EXPECT_EQ(differences(steady->render(time), expected), 0) << time;
+    }
 }
 
 TEST_F(Render, AbortedAndThenWhole) {
@@ -253,7 +266,10 @@ TEST_F(Render, TwoInstancesAtOnceWhileTheUserEdits) {
     EXPECT_EQ(differences(second->render(), expected[1]), 0);
     for (int i = 0; i < 5; ++i) second->set("brights", {100.0 + i});
     // A value that no render of the first sees differently, set while it renders.
-    for (int i = 0; i < 5; ++i) first->set("shadows_density", {90.0 + i});
+    for (int i = 0; i < 5; ++i) {
+        first->set("shadows_density", {90.0 + i});
+        EXPECT_EQ(host_->action(kOfxActionPurgeCaches, first.get()), kOfxStatOK);
+    }
 }
 
 TEST_F(Render, RegionsHoldWhatIsRead) {

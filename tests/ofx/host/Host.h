@@ -82,6 +82,7 @@ class Instance final : public Effect {
     void set(const std::string& param, std::vector<double> numbers);
     void press(const std::string& button);
     void undo();
+    void go_to(double time);
     // The values that a project file holds.
     Host::Values saved() const;
 

@@ -1,6 +1,7 @@
 #include <stdexcept>
 
 #include "ofx/host/Host.h"
+#include "ofx/host/Services.h"
 
 namespace ofxtest {
 
@@ -98,6 +99,14 @@ void Instance::undo() {
     params.undo.pop_back();
     for (auto edit = step.rbegin(); edit != step.rend(); ++edit) edit->first->assign(edit->second);
     for (const auto& [param, content] : step) changed(kOfxTypeParameter, param->name(), kOfxChangeUserEdited);
+}
+
+void Instance::go_to(double time) {
+    services().time = time;
+    for (const auto& param : params.all()) {
+        if (param->holds_value() && param->props.int_at(kOfxParamPropIsAnimating) != 0)
+            changed(kOfxTypeParameter, param->name(), kOfxChangeTime);
+    }
 }
 
 Host::Values Instance::saved() const {
