@@ -11,6 +11,8 @@
 //   note     what else there is to say
 #pragma once
 
+#include <algorithm>
+#include <limits>
 #include <string>
 
 #include "keyer/StrokePixels.h"
@@ -59,6 +61,7 @@ class ToolRun {
     void note(std::string_view text);
 
     static constexpr int kMostRounds = 12;
+    static constexpr int kMostIdleRounds = 2;
 
     VeloxaKeyer& node_;
     Zo::Image::Box box_{};
@@ -68,10 +71,19 @@ class ToolRun {
 
 template <class T, class Analyse, class Agrees>
 Tuning ToolRun::refine(Strokes<T>& strokes, const Analyse& analyse, const Agrees& agrees) {
+    std::size_t least = std::numeric_limits<std::size_t>::max();
+    int idle = 0;
     for (int round = 0;; ++round) {
         Tuning tuning = analyse();
         const auto satisfied = [&](const std::vector<T>& pixels) { return agrees(tuning.knobs, pixels); };
-        if (round == kMostRounds || !strokes.take_missed(satisfied)) return tuning;
+        // Where samples contradict each other more of them help for a while only.
+        const bool all =
+            std::all_of(tuning.misses.begin(), tuning.misses.end(), [](double m) { return m == 0.0; });
+        const std::size_t left = strokes.unsatisfied(satisfied);
+        idle = all || left < least ? 0 : idle + 1;
+        least = std::min(least, left);
+        const bool last = round == kMostRounds || idle == kMostIdleRounds;
+        if (last || !strokes.take_missed(satisfied)) return tuning;
     }
 }
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "ZoImage/Render.h"
 #include "keyer/ToolRun.h"
 
 using namespace Zo::Image;
@@ -80,14 +81,13 @@ std::vector<std::array<int, 2>> ToolRun::visible(const KnobStorage& knobs) {
     int step_y = 1;
     if (decimate(box_.x, box_.y, box_.r, box_.t, step_x, step_y) == 0) return places;
     with(knobs, [&] {
-        node_.request(box_.x, box_.y, box_.r, box_.t, kMaskRgba, 1);
-        for (int y = box_.y; y < box_.t; y += step_y) {
-            Row row(box_.x, box_.r);
-            row.get(node_, y, kMaskRgba);
+        // A render makes what the stages look up and down for once.
+        Renderer(1).render(node_, box_, kMaskRgba, [&](int y, const Row& row) {
+            if ((y - box_.y) % step_y != 0) return;
             for (int x = box_.x; x < box_.r; x += step_x) {
                 if (row[kAlpha][x - box_.x] != 0.0f) places.push_back({x, y});
             }
-        }
+        });
     });
     return places;
 }
