@@ -99,7 +99,10 @@ Pictures Instance::fetch(OfxTime time, const RenderScale& scale, bool whole) con
     for (std::size_t n = 0; n < kInputs; ++n) {
         if (!connected(n)) continue;
         OfxRectD region;
-        const bool all = whole && extent(n, time, region) && !is_endless(PixelGrid{}.pixels(region));
+        const auto finite = [&](std::size_t of) {
+            return extent(of, time, region) && !is_endless(PixelGrid{}.pixels(region));
+        };
+        const bool all = whole && (finite(n) || finite(kForeground));
         pictures[n].emplace(inputs_[n].handle, time, all ? &region : nullptr, scale);
     }
     return pictures;

@@ -144,6 +144,16 @@ TEST_F(Render, OutputsWithoutAlpha) {
     EXPECT_EQ(differences(effect->render(), expected), 0);
 }
 
+TEST_F(Render, BackgroundsThatNeverEnd) {
+    Clips clips = two_clips();
+    const Frame expected = Reference(clips, kLooks[2].second).render();
+    clips["bg"].endless = true;
+    const auto effect = instance(clips, kLooks[2].second);
+    EXPECT_EQ(differences(effect->render(), expected), 0);
+    EXPECT_EQ(differences(render_tiles(*effect), expected), 0);
+    effect->press("toolbar_screen");
+}
+
 TEST_F(Render, ProxiesAndOblongPixels) {
     Settings settings = kLooks[2].second;
     settings["edge_kernel"] = {6};

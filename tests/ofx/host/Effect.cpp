@@ -1,6 +1,7 @@
 #include "ofx/host/Effect.h"
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 #include <cstring>
 #include <stdexcept>
@@ -180,7 +181,9 @@ void Clip::connect(std::shared_ptr<const Source> source) {
 }
 
 OfxRectD Clip::rod() const {
-    return source_ ? canonical_of(source_->box, 1.0, aspect()) : OfxRectD{};
+    if (!source_) return {};
+    if (source_->endless) return {INT_MIN, INT_MIN, INT_MAX, INT_MAX};
+    return canonical_of(source_->box, 1.0, aspect());
 }
 
 OfxStatus Clip::fetch(double time, const OfxRectD* region, OfxPropertySetHandle* image) const {

@@ -68,6 +68,7 @@ struct Source {
     bool identified = true;    // images have identifiers, one for all times, scales and fields
     bool upside_down = false;  // negative row bytes
     bool fails = false;        // fetching replies Failed
+    bool endless = false;      // is everywhere; images have what is asked for
     bool scaled = true;        // false: images come at full scale whatever was asked for
 };
 
