@@ -68,7 +68,15 @@ void ToolRun::run(Tool tool) {
                 break;
         }
     }
+    for (std::size_t i = 0; i < node_.session_.saved_counts.size(); ++i) {
+        node_.session_.saved_counts[i] = node_.panel_.samples(static_cast<SampleAction>(i))->count();
+    }
     node_.session_.report = std::move(report_);
+}
+
+bool ToolRun::taken_back(SampleAction action) const {
+    const int count = node_.panel_.samples(action)->count();
+    return count == 0 || count < node_.session_.saved_counts[static_cast<std::size_t>(action)];
 }
 
 bool ToolRun::take_box(const Knob& tool) {
@@ -197,9 +205,9 @@ void ToolRun::spill(bool restore) {
     auto* const list =
         node_.panel_.samples(restore ? SampleAction::kRestoreSpill : SampleAction::kRemoveSpill);
     Strokes<SpillSample>& strokes = node_.session_.spill;
-    const bool none_restored = node_.panel_.samples(SampleAction::kRestoreSpill)->count() == 0;
-    const bool none_removed = node_.panel_.samples(SampleAction::kRemoveSpill)->count() == 0;
-    strokes.forget([&](const SpillSample& s) { return s.restore ? none_restored : none_removed; });
+    const bool restored_gone = taken_back(SampleAction::kRestoreSpill);
+    const bool removed_gone = taken_back(SampleAction::kRemoveSpill);
+    strokes.forget([&](const SpillSample& s) { return s.restore ? restored_gone : removed_gone; });
     KnobStorage bare = node_.knobs_;
     bare.spill_backgroundveiling = KnobStorage{}.spill_backgroundveiling;
     with(bare, [&] {

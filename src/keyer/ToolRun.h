@@ -55,6 +55,8 @@ class ToolRun {
 
     Setting setting() const { return setting(node_.knobs_); }
     Setting setting(const KnobStorage& knobs) const;
+    // Whether the saved list was cleared, undone or restored since the latest stroke.
+    bool taken_back(SampleAction action) const;
     Zo::Image::Iop* plate() const;
     void adopt(const Tuning& tuning, std::size_t counted);
     void set_knobs(const KnobStorage& values);

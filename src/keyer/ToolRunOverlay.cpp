@@ -125,10 +125,10 @@ void ToolRun::gather_overlay(bool add) {
     auto* const cp = list(add ? SampleAction::kAddOverlayCp : SampleAction::kRemoveOverlayCp);
     const KnobStorage::Color& screen = node_.knobs_.screen_color;
     const Sample constant{screen[0], screen[1], screen[2], 0.0f};
-    const bool none_added = list(SampleAction::kAddOverlay)->count() == 0;
-    const bool none_removed = list(SampleAction::kRemoveOverlay)->count() == 0;
+    const bool added_gone = taken_back(SampleAction::kAddOverlay);
+    const bool removed_gone = taken_back(SampleAction::kRemoveOverlay);
     node_.session_.overlay.forget(
-        [&](const OverlaySample& s) { return s.screen ? none_added : none_removed; });
+        [&](const OverlaySample& s) { return s.screen ? added_gone : removed_gone; });
     std::vector<OverlaySample> asked;
     for (const StrokePixel& p : pixels(node_.input(0), plate())) {
         asked.push_back({p.first, plate() != nullptr ? p.second : constant, add});

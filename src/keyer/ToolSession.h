@@ -1,7 +1,8 @@
 // What the node remembers of strokes beside its six saved lists, for as long as it lives; nothing of it is
 // saved. Scripts hold the knob values that the tools found, so they render alike without it.
 //
-//   overlay tools    pixels under each stroke, beside the saved means; dropped with them
+//   overlay tools    pixels under each stroke, beside the saved means; dropped when those are fewer than
+//                    the latest stroke left, as after an undo
 //   add matte        pixels, and the backing's pixels with the mattes that they have to keep
 //   spill tools      pixels, like the overlay tools
 //   noise, shadow,   extreme mattes, each with what was asked of it
@@ -11,6 +12,7 @@
 // Like the saved lists each keeps the latest hundred.
 #pragma once
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -18,6 +20,7 @@
 #include "keyer/Strokes.h"
 
 struct ToolSession {
+    std::array<int, 6> saved_counts{};  // of the lists by SampleAction, after the latest stroke
     Strokes<OverlaySample> overlay;
     Strokes<SpillSample> spill;
 

@@ -366,6 +366,24 @@ TEST(Tools, ContradictionsGoToTheNewerStroke) {
 }
 
 // A script brings the means along, not the pixels; the knobs that it sets satisfy them.
+TEST(Tools, AnUndoneStrokeAsksForNothingAnyMore) {
+    Rig rig, other;
+    for (Rig* const r : {&rig, &other}) r->stroke("toolbar_addoverlay", kNoise);
+    const std::string before = rig.values();
+    rig.stroke("toolbar_addoverlay", kShade);
+    const auto* const list = rig.panel.find("us_add_overlay");
+    const auto samples = [&] {
+        std::ostringstream text;
+        list->to_script(text, false);
+        return text.str();
+    };
+    const std::string two = samples();
+    while (samples() == two || rig.values() != before) ASSERT_TRUE(rig.panel.undo());
+    for (Rig* const r : {&rig, &other}) r->stroke("toolbar_removeoverlay", kShade);
+    EXPECT_EQ(rig.values(), other.values());
+    EXPECT_NE(rig.report().find("\t0\t0\n"), std::string::npos) << rig.report();
+}
+
 TEST(Tools, ASavedScriptNeedsNoFurtherTuning) {
     Rig rig;
     rig.stroke("toolbar_addoverlay", kShade);
