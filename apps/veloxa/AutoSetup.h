@@ -53,17 +53,18 @@ class AutoSetup {
     }
     Tile tile_at(int x, int y) const;
     std::vector<Tile> tiles() const;
-    // What the tiles that were solid at first lack in opacity, 0 to 1.
-    double lost_opacity() const;
+    // The mean opacity of each tile that was solid at first.
+    std::vector<double> solidity() const;
     void step(const char* name, const KnobValues& before);
     void choose_output();
     // Strokes one after another of the tiles that are wanted now, the one with the most pixels left first.
     template <class Wanted>
     void stroke_tiles(const char* tool, const Wanted& wanted);
+    void turn(const char* name, int wanted);
     void lower_density();
     void clean_up();
-    // Whether the solid tiles lack no more than `lost`, but for a trace.
-    bool keeps_solid(double lost) const;
+    // Whether every solid tile is as opaque as before, but for a trace.
+    bool keeps_solid(const std::vector<double>& before) const;
 
     Node& node_;
     Zo::Image::Renderer renderer_;
