@@ -83,14 +83,19 @@ std::vector<AutoSetup::Tile> AutoSetup::tiles() const {
     }
     const int across = (box_.width() + side_ - 1) / side_;
     const int up = static_cast<int>(alone.size()) / across;
+    const auto number = [&](int x, int y) {
+        return static_cast<std::size_t>(y) * static_cast<std::size_t>(across) + static_cast<std::size_t>(x);
+    };
     std::vector<Tile> tiles = alone;
-    for (int n = 0; n < static_cast<int>(tiles.size()); ++n) {
-        Tile& tile = tiles[static_cast<std::size_t>(n)];
-        for (int y = std::max(n / across - 1, 0); y <= std::min(n / across + 1, up - 1); ++y) {
-            for (int x = std::max(n % across - 1, 0); x <= std::min(n % across + 1, across - 1); ++x) {
-                const Tile& near = alone[static_cast<std::size_t>(y * across + x)];
-                tile.least = std::min(tile.least, near.least);
-                tile.largest = std::max(tile.largest, near.largest);
+    for (int y = 0; y < up; ++y) {
+        for (int x = 0; x < across; ++x) {
+            Tile& tile = tiles[number(x, y)];
+            for (int near_y = std::max(y - 1, 0); near_y <= std::min(y + 1, up - 1); ++near_y) {
+                for (int near_x = std::max(x - 1, 0); near_x <= std::min(x + 1, across - 1); ++near_x) {
+                    const Tile& near = alone[number(near_x, near_y)];
+                    tile.least = std::min(tile.least, near.least);
+                    tile.largest = std::max(tile.largest, near.largest);
+                }
             }
         }
     }
