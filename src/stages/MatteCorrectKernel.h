@@ -25,7 +25,7 @@ void matte_correct(MatteLimit limit, std::int32_t radius, int width, int height,
 // The two passes over a tile: pixels begin to end - 1 of `lines` rows or columns, at most kMatteLines, which
 // lie side by side. Pointers are to the first pixels of the first line. The pass over rows comes first and
 // leaves its corrected values in `result`, and marks there for the other what keeps its matte.
-inline constexpr int kMatteLines = 16;
+inline constexpr int kMatteLines = 32;  // whole packs of any form
 
 struct MatteTile {
     MatteLimit limit;

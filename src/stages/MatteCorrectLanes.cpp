@@ -11,6 +11,9 @@ namespace {
 
 using namespace kernel;
 
+// Lines are read and written a pack at a time, and turned in fours.
+static_assert(kMatteLines % kPack == 0 && kMatteLines % 4 == 0);
+
 constexpr float kInfinity = __builtin_inff();
 
 // Marks a pixel that keeps its matte: a NaN that no arithmetic here leaves.
