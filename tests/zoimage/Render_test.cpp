@@ -166,6 +166,26 @@ TEST(Render, AbortFromAnotherThreadStopsWithinABand) {
     EXPECT_TRUE(renderer.render(source, {0, 0, 4, 50}, kMaskRgba, [](int, const Row&) {}));
 }
 
+// Filters upon filters, each of which looks at many rows: what is asked for after the abort would be made
+// once for every way that leads to it.
+TEST(Render, NothingMoreIsMadeOnceAborted) {
+    const Box box{0, 0, 16, 200};
+    for (const int threads : {1, 2}) {
+        AbortFlag abort;
+        std::atomic<int> after{0};
+        test::FunctionSource source(box, kMaskAlpha, [&](Channel c, int x, int y) {
+            if (abort.raised()) ++after;
+            if (x == 0 && y == 3) abort.raise();  // while the windows fill
+            return pattern(c, x, y);
+        });
+        Neighbours a(&source, 0, 8);
+        Neighbours b(&a, 0, 8);
+        Neighbours c(&b, 0, 8);
+        EXPECT_FALSE(Renderer(threads, &abort).render(c, box, kMaskAlpha, [](int, const Row&) {}));
+        EXPECT_LE(after, 16 * threads);  // the row that each thread was at
+    }
+}
+
 TEST(Render, ExceptionsReachTheCallerAndTheRendererLives) {
     test::FunctionSource source({0, 0, 4, 500}, kMaskRgba, [](Channel, int, int y) -> float {
         if (y == 321) throw std::runtime_error("row 321");

@@ -130,6 +130,9 @@ void RowPath::fetch(Iop& op, int y, ChannelSet channels, Row& out) {
         fetch_alone(op, y, channels, out);
         return;
     }
+    // What is asked for once nobody wants the result is not made: nested filters would ask for all of their
+    // windows again, each row of each of them anew.
+    if (aborted()) return;
     Window& window = windows_[static_cast<std::size_t>(op.slot_)];
     Entry& entry = window.entry_for(y);
 
