@@ -66,6 +66,12 @@ void Iop::request(int x, int y, int r, int t, ChannelSet channels, int count) {
     RequestPass* pass = RequestPass::current();
     const bool first = pass == nullptr || pass->enter(*this);
     requested_.count += count;
+    // No column beyond the box is ever made. Rows stay as they are asked for: how far they reach beyond the
+    // frame tells how many are in use at once.
+    if (!info_.box.empty()) {
+        x = std::clamp(x, info_.box.x, info_.box.r - 1);
+        r = std::clamp(r, info_.box.x + 1, info_.box.r);
+    }
     const Box box{x, y, r, t};
     if (!first && requested_.box.contains(box) && requested_.channels.contains(channels)) return;
     requested_.box.merge(box);

@@ -49,13 +49,26 @@ RequestPass::Reader::Reader(RequestPass& pass, const Iop& op)
     : pass_(pass), before_(std::exchange(pass.reader_, slot_of(op))) {}
 
 void RequestPass::note_rows_in_use(const Box& root_box) {
-    for (Iop* op : ops_) {
-        const Box& box = op->requested_.box;
-        // Rows beyond the operator's box are its edge rows again, so never more than it has.
-        const std::int64_t below = std::int64_t{root_box.y} - box.y;
-        const std::int64_t above = std::int64_t{box.t} - root_box.t;
-        const std::int64_t height = std::max(1, op->info().box.height());
-        op->rows_in_use_ = static_cast<int>(std::clamp<std::int64_t>(below + above + 1, 1, height));
+    if (ops_.empty()) return;  // black is in no pass
+    const auto window = [&](const Iop& op) {
+        const Box& box = op.requested_.box;
+        return std::int64_t{root_box.y} - box.y + box.t - root_box.t + 1;
+    };
+    const auto height = [](const Iop& op) { return std::max<std::int64_t>(1, op.info().box.height()); };
+    // Rows beyond an operator's box are its edge rows again: nobody asks for more rows than it has, nor for
+    // more than its readers have, but for those that they look up and down.
+    std::vector<std::int64_t> most(ops_.size(), 0);
+    most.front() = height(*ops_.front());
+    for (std::size_t reader = 0; reader < ops_.size(); ++reader) {
+        const Iop& reads = *ops_[reader];
+        for (const std::size_t read : reads_[reader]) {
+            most[read] = std::max(most[read], height(reads) + window(*ops_[read]) - window(reads));
+        }
+    }
+    for (std::size_t slot = 0; slot < ops_.size(); ++slot) {
+        Iop& op = *ops_[slot];
+        const std::int64_t rows = std::min({window(op), most[slot], height(op)});
+        op.rows_in_use_ = static_cast<int>(std::max<std::int64_t>(1, rows));
     }
 }
 
