@@ -18,7 +18,7 @@ std::vector<Kernel> output_kernels() {
             {"added_colour", plain::kAddedComposite,
              [&m] {
                  added_colour(OutputMode::kComposite, m.fg[0].data(), m.background.data(), m.opacity.data(),
-                              m.out[0].data(), kSpan);
+                              m.opacity.data(), m.out[0].data(), kSpan);
              }},
             {"overlay", plain::kOverlay,
              [&m, tint] {

@@ -6,17 +6,31 @@ using namespace Zo::Image;
 
 namespace {
 
-void apply_rule(const KnobStorage& knobs, ChannelSet channels, const Row& colour, const Row& background,
-                const float* matte, Row& row) {
-    const auto& to_opacity = knobs.linear_matte() ? linear_opacity : opacity;
-    const auto& merged = knobs.adds() ? added_colour : output_colour;
+struct OutputRows {
+    const Row& colour;
+    const Row& background;
+    const float* matte;
+    const float* processed;  // the matte that the processed colour was made with
+};
+
+void apply_rule(const KnobStorage& knobs, ChannelSet channels, const OutputRows& from, Row& row) {
     Row k(row.x(), row.r());
     float* const opaque = k.overwrite(kAlpha);
-    to_opacity(matte, opaque, row.width());
+    (knobs.linear_matte() ? linear_opacity : opacity)(from.matte, opaque, row.width());
+    Row share(row.x(), row.r());
+    if (knobs.adds()) {
+        const auto& share_of = knobs.linear_matte() ? linear_opacity : colour_share;
+        share_of(from.processed, share.overwrite(kAlpha), row.width());
+    }
+    const auto mode = static_cast<OutputMode>(knobs.output_mode);
     for (const Channel c : channels) {
         if (c == kAlpha) continue;
-        merged(static_cast<OutputMode>(knobs.output_mode), colour[c], background[c], opaque, row.overwrite(c),
-               row.width());
+        float* const out = row.overwrite(c);
+        if (knobs.adds()) {
+            added_colour(mode, from.colour[c], from.background[c], opaque, share[kAlpha], out, row.width());
+        } else {
+            output_colour(mode, from.colour[c], from.background[c], opaque, out, row.width());
+        }
     }
     if (channels.has(kAlpha)) row.share(k, kMaskAlpha);
 }
@@ -28,17 +42,21 @@ void VeloxaKeyer::engine_composite(int y, ChannelSet channels, Row& row) {
     colour.get(colour_source(), y, channels - kMaskAlpha);
     Row matte(row.x(), row.r());
     matte.get(final_matte(), y, kMaskAlpha);
-    Row background(row.x(), row.r());
-    background.get(input(2), y, channels - kMaskAlpha);
-    apply_rule(knobs_, channels, colour, background, matte[kAlpha], row);
+    finish(y, channels, colour, matte, row);
 }
 
 void VeloxaKeyer::engine_shadow(int y, ChannelSet channels, Row& row) {
     Row colour(row.x(), row.r());
     colour.get(combineShadow, y, channels + kMaskAlpha);
+    finish(y, channels, colour, colour, row);
+}
+
+void VeloxaKeyer::finish(int y, ChannelSet channels, const Row& colour, const Row& matte, Row& row) {
     Row background(row.x(), row.r());
     background.get(input(2), y, channels - kMaskAlpha);
-    apply_rule(knobs_, channels, colour, background, colour[kAlpha], row);
+    Row processed(row.x(), row.r());
+    if (knobs_.adds()) processed.get(outputMatte, y, kMaskAlpha);
+    apply_rule(knobs_, channels, {colour, background, matte[kAlpha], processed[kAlpha]}, row);
 }
 
 // Shows the foreground as it arrived, tinted where the screen or the subject is; alpha stays the key's.

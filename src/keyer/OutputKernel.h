@@ -17,11 +17,11 @@ enum class OverlayMode : std::int32_t { kOff = 0, kScreen = 1, kSubject = 2 };
 
 // The pivot of the output passes: where the working scale leaves the straight line.
 inline constexpr float kOutputPivot = 0.5f;
+inline constexpr float kOutputByte = 0.003921569f;
 
 // A sample of the working scale as the host's value; 255 and above become infinity, a NaN stays as it is.
 [[gnu::always_inline]] inline float decode(float v, float pivot) {
-    constexpr float kByte = 0.003921569f;
-    const float s = v * kByte;
+    const float s = v * kOutputByte;
     const float t = (s - pivot) / (1.0f - pivot);
     const float bent = t / (1.0f - t) + pivot;
     const float above = s >= 1.0f ? std::numeric_limits<float>::infinity() : bent;
@@ -35,15 +35,24 @@ extern const LaneKernel<Opacity> opacity;
 // The same where the matte counts over its whole range: 1 - matte / 255.
 extern const LaneKernel<Opacity> linear_opacity;
 
+// The share of the foreground that the processed colour of such a matte holds. On the straight half of the
+// scale it is `opacity` to the bit, beyond it more.
+extern const LaneKernel<Opacity> colour_share;
+
 // The output rule for one colour channel.
 using OutputColour = void(OutputMode mode, const float* colour, const float* background, const float* k,
                           float* out, std::size_t n);
 extern const LaneKernel<OutputColour> output_colour;
 
-// The output rule where the colour counts as premultiplied: it is added to what k leaves of the background,
-// and divided by k for the unpremultiplied output, which is 0 where k is 0. Colours beyond the largest half
-// float become that one: there is nothing left that could take an infinity out of the picture.
-extern const LaneKernel<OutputColour> added_colour;
+// The output rule where the colour counts as premultiplied, by `share`: it is added to what k leaves of the
+// background, and divided by its share for the unpremultiplied output. Where a later stage or the knee
+// lowered k below the share the colour is lowered with it; what a later stage adds to the matte finds no
+// colour there. So where k is 0 the composite is the background's bits and the other outputs are 0, and where
+// k is 1 nothing of the background is in it. Colours beyond the largest half float become that one: there is
+// nothing left that could take an infinity out of the picture.
+using AddedColour = void(OutputMode mode, const float* colour, const float* background, const float* k,
+                         const float* share, float* out, std::size_t n);
+extern const LaneKernel<AddedColour> added_colour;
 
 struct OverlayParams {
     OverlayMode mode;

@@ -20,6 +20,13 @@ void linear_opacity(const float* matte, float* k, std::size_t n) {
     for (std::size_t i = 0; i < n; ++i) k[i] = kernel::clamp_to(0.0f, 1.0f, 1.0f - matte[i] / 255.0f);
 }
 
+void colour_share(const float* matte, float* share, std::size_t n) {
+#pragma GCC ivdep
+    for (std::size_t i = 0; i < n; ++i) {
+        share[i] = kernel::clamp_to(0.0f, 1.0f, 1.0f - matte[i] * kOutputByte);
+    }
+}
+
 void output_colour(OutputMode mode, const float* colour, const float* background, const float* k, float* out,
                    std::size_t n) {
     if (mode == OutputMode::kPremultiplied) {
@@ -47,21 +54,28 @@ constexpr float kLargestHalf = 65504.0f;
 
 }  // namespace
 
-void added_colour(OutputMode mode, const float* colour, const float* background, const float* k, float* out,
-                  std::size_t n) {
-    if (mode == OutputMode::kPremultiplied) {
-#pragma GCC ivdep
-        for (std::size_t i = 0; i < n; ++i) out[i] = finite_colour(colour[i]);
-    } else if (mode == OutputMode::kUnpremultiplied) {
+void added_colour(OutputMode mode, const float* colour, const float* background, const float* k,
+                  const float* share, float* out, std::size_t n) {
+    if (mode == OutputMode::kUnpremultiplied) {
 #pragma GCC ivdep
         for (std::size_t i = 0; i < n; ++i) {
-            const float v = one_nan(finite_colour(colour[i]) / k[i]);
+            const float v = one_nan(finite_colour(colour[i]) / (k[i] < share[i] ? share[i] : k[i]));
             out[i] = k[i] == 0.0f ? 0.0f : v;
         }
+        return;
+    }
+    const auto left = [&](std::size_t i) {
+        return finite_colour(colour[i]) * (k[i] < share[i] ? k[i] / share[i] : 1.0f);
+    };
+    if (mode == OutputMode::kPremultiplied) {
+#pragma GCC ivdep
+        for (std::size_t i = 0; i < n; ++i) out[i] = k[i] == 0.0f ? 0.0f : left(i);
     } else {
 #pragma GCC ivdep
         for (std::size_t i = 0; i < n; ++i) {
-            out[i] = one_nan(finite_colour(colour[i]) + (1.0f - k[i]) * background[i]);
+            const float v = one_nan(left(i) + (1.0f - k[i]) * background[i]);
+            const float over = k[i] == 1.0f ? left(i) : v;
+            out[i] = k[i] == 0.0f ? background[i] : over;
         }
     }
 }

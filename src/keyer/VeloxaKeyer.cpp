@@ -112,6 +112,7 @@ void VeloxaKeyer::_request(int x, int y, int r, int t, ChannelSet channels, int 
         ask(final_matte(), widened);
         if (&colour_source() != &normFg) ask(colour_source(), widened);
     }
+    if (knobs_.adds()) ask(outputMatte, kMaskAlpha);
     if (knobs_.overlay_mode > 0) ask(screen_region(), widened);
     if (flag(kHmConnected)) {
         ask(input(0), channels);

@@ -89,6 +89,8 @@ class VeloxaKeyer final : public Zo::Image::Iop {
 
     void engine_composite(int y, Zo::Image::ChannelSet channels, Zo::Image::Row& row);
     void engine_shadow(int y, Zo::Image::ChannelSet channels, Zo::Image::Row& row);
+    void finish(int y, Zo::Image::ChannelSet channels, const Zo::Image::Row& colour,
+                const Zo::Image::Row& matte, Zo::Image::Row& row);
     void draw_overlay(int y, Zo::Image::ChannelSet channels, Zo::Image::Row& row);
     void apply_holdout(int y, Zo::Image::ChannelSet channels, Zo::Image::Row& row);
 

@@ -1,10 +1,18 @@
-// The output passes against values worked out by hand.
+// The output passes against values worked out by hand, and in the node.
 #include "keyer/OutputKernel.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
+#include <utility>
+
+#include "keyer/Rig.h"
+
+using namespace Zo::Image;
+using test::green_screen;
+using test::Rig;
+using test::same_bit_pattern;
 
 namespace {
 
@@ -63,7 +71,7 @@ TEST(OutputKernel, RulesForEveryMode) {
 }
 
 TEST(OutputKernel, LinearScaleAndAddedColour) {
-    // Opaque, the knee's end, nearly and fully transparent, beyond both ends, NaN.
+    // Opaque, two thirds, nearly and fully transparent, beyond both ends, NaN.
     const float matte[] = {0.0f, 170.0f, 204.0f, 255.0f, 400.0f, -30.0f, kNaN};
     const float expected_k[] = {1.0f, 1.0f / 3.0f, 0.2f, 0.0f, 0.0f, 1.0f};
     constexpr std::size_t n = std::size(matte);
@@ -72,23 +80,46 @@ TEST(OutputKernel, LinearScaleAndAddedColour) {
     for (std::size_t i = 0; i + 1 < n; ++i) EXPECT_NEAR(k[i], expected_k[i], 1e-6f) << i;
     EXPECT_TRUE(std::isnan(k[n - 1]));
 
-    // Colours that decode to 0.1, 1.5, what no half float holds, and NaN.
-    const float colour[] = {25.5f, 191.25f, 25.5f, 25.5f, 255.0f, 300.0f, kNaN};
-    const float opaque[] = {1.0f, 0.25f, 0.2f, 0.0f, 0.5f, 0.0f, 1.0f};
-    const float background[] = {0.5f, 0.8f, 0.5f, 0.75f, 1.0f, 0.0f, 0.5f};
+    float share[n];
+    colour_share(matte, share, n);  // the same line, without the knee's bend
+    for (std::size_t i = 0; i + 1 < n; ++i) EXPECT_NEAR(share[i], expected_k[i], 1e-6f) << i;
+    EXPECT_TRUE(std::isnan(share[n - 1]));
+}
+
+TEST(OutputKernel, AddedColour) {
     const struct {
-        OutputMode mode;
-        float expected[n - 1];
+        float colour, background, k, share;
+        float composite, premultiplied, unpremultiplied;
     } cases[] = {
-        {OutputMode::kComposite, {0.1f, 2.1f, 0.5f, 0.85f, 65504.5f, 65504.0f}},
-        {OutputMode::kPremultiplied, {0.1f, 1.5f, 0.1f, 0.1f, 65504.0f, 65504.0f}},
-        {OutputMode::kUnpremultiplied, {0.1f, 6.0f, 0.5f, 0.0f, 131008.0f, 0.0f}},
+        // Colours that decode to 0.1, 1.5 and what no half float holds, all as the matte has them.
+        {25.5f, 0.5f, 0.2f, 0.2f, 0.5f, 0.1f, 0.5f},
+        {191.25f, 0.8f, 0.25f, 0.25f, 2.1f, 1.5f, 6.0f},
+        {255.0f, 1.0f, 0.5f, 0.5f, 65504.5f, 65504.0f, 131008.0f},
+        // Lowered to a quarter of its share; risen, which brings no colour.
+        {102.0f, 0.5f, 0.2f, 0.8f, 0.5f, 0.1f, 0.5f},
+        {102.0f, 0.5f, 0.8f, 0.5f, 0.5f, 0.4f, 0.5f},
+        // Left out altogether, with and without colour of its own; solid.
+        {102.0f, 0.75f, 0.0f, 0.8f, 0.75f, 0.0f, 0.0f},
+        {300.0f, -0.0f, 0.0f, 0.0f, -0.0f, 0.0f, 0.0f},
+        {255.0f, kInf, 0.0f, 0.5f, kInf, 0.0f, 0.0f},
+        {25.5f, kInf, 1.0f, 1.0f, 0.1f, 0.1f, 0.1f},
+        {kNaN, 0.5f, 1.0f, 1.0f, kNaN, kNaN, kNaN},
+        {25.5f, 0.5f, kNaN, 0.5f, kNaN, 0.1f, kNaN},
     };
     for (const auto& c : cases) {
-        float out[n];
-        added_colour(c.mode, colour, background, opaque, out, n);
-        for (std::size_t i = 0; i + 1 < n; ++i) EXPECT_FLOAT_EQ(out[i], c.expected[i]) << i;
-        EXPECT_TRUE(std::isnan(out[n - 1]));
+        const auto check = [&](OutputMode mode, float expected) {
+            float out = 0.0f;
+            added_colour(mode, &c.colour, &c.background, &c.k, &c.share, &out, 1);
+            if (std::isnan(expected)) {
+                EXPECT_TRUE(std::isnan(out)) << c.colour << ' ' << c.k;
+            } else {
+                EXPECT_FLOAT_EQ(out, expected) << c.colour << ' ' << c.k;
+                EXPECT_EQ(std::signbit(out), std::signbit(expected)) << c.colour << ' ' << c.k;
+            }
+        };
+        check(OutputMode::kComposite, c.composite);
+        check(OutputMode::kPremultiplied, c.premultiplied);
+        check(OutputMode::kUnpremultiplied, c.unpremultiplied);
     }
 }
 
@@ -138,6 +169,107 @@ TEST(OutputKernel, HoldoutBringsTheForegroundBack) {
     EXPECT_EQ(colour[2], 0.6f);
     EXPECT_TRUE(std::isnan(colour[3]));  // a NaN counts as not 0
     EXPECT_EQ(colour[4], 0.25f);
+}
+
+// The linear matte scale and the added foreground, with the colour of the operator that must supply it.
+TEST(Output, TheTabActsOnBothPaths) {
+    struct Case {
+        bool shadow, spill, conform;
+        const char* colour;
+        const char* matte;
+    };
+    const Case cases[] = {{false, false, false, "outputMatte", "outputMatte"},
+                          {false, true, false, "spillSuppression", "outputMatte"},
+                          {false, false, true, "colorCorrection", "outputMatte"},
+                          {true, false, false, "combineShadow", "combineShadow"},
+                          {true, true, false, "combineShadow", "combineShadow"}};
+    for (const Case& c : cases) {
+        Rig rig;
+        rig.connect_all();
+        rig.node.set_input(4, nullptr);
+        KnobStorage& k = rig.knobs();
+        k.shadow = c.shadow;
+        k.spill_suppression = c.spill;
+        k.color_conformance = c.conform;
+        k.matte_scale = k.merge = 1;
+        rig.update();
+        const test::Picture out = test::render(rig.node, 2);
+        const test::Picture colour = test::render(rig.member(c.colour));
+        const test::Picture matte = test::render(rig.member(c.matte));
+        int mixed = 0;
+        for (int y = 0; y < 31; ++y) {
+            for (int x = 0; x < 41; ++x) {
+                const double opaque = std::clamp(1.0 - double{matte.at(kAlpha, x, y)} / 255.0, 0.0, 1.0);
+                ASSERT_NEAR(double{out.at(kAlpha, x, y)}, opaque, 1e-6) << c.colour << x << ' ' << y;
+                mixed += opaque > 0.1 && opaque < 0.9 ? 1 : 0;
+                const double s = double{colour.at(kRed, x, y)} / 255.0;  // straight up to the pivot
+                const double added = s > 0.5 ? (2.0 * s - 1.0) / (2.0 - 2.0 * s) + 0.5 : s;
+                const double expected = added + (1.0 - opaque) * ((x + y) % 9) * 0.1;
+                ASSERT_NEAR(double{out.at(kRed, x, y)}, expected, 1e-5) << c.colour << x << ' ' << y;
+            }
+        }
+        EXPECT_GT(mixed, 10) << c.colour;
+    }
+}
+
+// With the foreground added, whatever made the matte what it is in the end.
+TEST(Output, TheFinalMatteDecidesWhatIsBackgroundAlone) {
+    using Change = void (*)(Rig&);
+    const std::pair<const char*, Change> stages[] = {
+        {"none", [](Rig&) {}},
+        {"clean-up", [](Rig& rig) { rig.knobs().cleanup = true; }},
+        {"clean-up, shrink, blur",
+         [](Rig& rig) {
+             rig.knobs().cleanup = true;
+             rig.knobs().cleanup_shrink = {10.0, 10.0};
+             rig.knobs().cleanup_blur = {2.0, 1.0};
+         }},
+        {"mattes",
+         [](Rig& rig) {
+             rig.node.set_input(3, &rig.gm);
+             rig.node.set_input(4, &rig.hm);
+         }},
+        {"shadows", [](Rig& rig) { rig.knobs().shadow = rig.knobs().cleanup = true; }},
+    };
+    const float backing[] = {0.0f, 0.2f, 0.65f, 0.3f};
+    const auto half_even = [&](Channel c, int x, int y) {
+        return x < 12 ? backing[static_cast<std::size_t>(c)] : green_screen(c, x, y);
+    };
+    for (const auto& [stage, change] : stages) {
+        for (int variant = 0; variant < 6; ++variant) {
+            const int mode = variant % 3;
+            const auto render = [&](const test::FunctionSource::Pixel& background) {
+                Rig rig({0, 0, 41, 31}, half_even);
+                change(rig);
+                test::FunctionSource other({0, 0, 41, 31}, kMaskRgba, background);
+                rig.node.set_input(2, &other);
+                rig.knobs().merge = 1;
+                rig.knobs().matte_scale = variant / 3;
+                rig.knobs().output_mode = mode;
+                rig.update();
+                return test::render(rig.node, 2);
+            };
+            const auto light = [](Channel, int x, int y) { return static_cast<float>(x + y) * 0.01f; };
+            const test::Picture over_light = render(light);
+            const test::Picture over_dark = render([](Channel, int, int) { return -0.0f; });
+            int clear = 0;
+            int solid = 0;
+            for (int y = 0; y < 31; ++y) {
+                for (int x = 0; x < 41; ++x) {
+                    const float alpha = over_light.at(kAlpha, x, y);
+                    clear += alpha == 0.0f ? 1 : 0;
+                    solid += alpha == 1.0f ? 1 : 0;
+                    const float left = mode == 0 ? light(kRed, x, y) : 0.0f;
+                    const float here = over_light.at(kRed, x, y);
+                    EXPECT_TRUE(alpha != 0.0f || same_bit_pattern(here, left)) << stage << variant;
+                    EXPECT_TRUE(alpha != 1.0f || same_bit_pattern(here, over_dark.at(kRed, x, y)))
+                        << stage << variant;
+                }
+            }
+            EXPECT_GT(clear, 100) << stage << variant;
+            EXPECT_GT(solid, 10) << stage << variant;
+        }
+    }
 }
 
 }  // namespace

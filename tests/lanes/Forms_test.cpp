@@ -124,6 +124,7 @@ const std::vector<Case> kCases{
     {"output matte", [](auto& j) { output_matte(j.in[0], j.out[0], j.n); }},
     {"opacity", [](auto& j) { opacity(j.in[0], j.out[0], j.n); }},
     {"linear opacity", [](auto& j) { linear_opacity(j.in[0], j.out[0], j.n); }},
+    {"colour share", [](auto& j) { colour_share(j.in[0], j.out[0], j.n); }},
     {"output colour",
      [](auto& j) {
          const auto mode = static_cast<OutputMode>(j.variant % 3);
@@ -132,7 +133,7 @@ const std::vector<Case> kCases{
     {"added colour",
      [](auto& j) {
          const auto mode = static_cast<OutputMode>(j.variant % 3);
-         added_colour(mode, j.in[0], j.in[1], j.in[2], j.out[0], j.n);
+         added_colour(mode, j.in[0], j.in[1], j.in[2], j.in[3], j.out[0], j.n);
      }},
     {"overlay of the screen", [](auto& j) { overlay_of(j, OverlayMode::kScreen); }},
     {"overlay of the subject", [](auto& j) { overlay_of(j, OverlayMode::kSubject); }},
