@@ -97,12 +97,13 @@ void RowSource::engine(int y, int x, int /*r*/, const ChannelSet& channels, Row&
     }
 }
 
-NodeRig::NodeRig(const Plate& plate, const Configuration& configuration, int threads, int width, int height)
+NodeRig::NodeRig(const Plate& plate, const Configuration& configuration, int threads, int width, int height,
+                 const AbortFlag* abort)
     : fg_(plate.fg, width, height),
       cp_(plate.cp, width, height),
       bg_(plate.bg, width, height),
       node_(NodeContext{}),
-      renderer_(threads),
+      renderer_(threads, abort),
       output_(output_of(width == 0 ? plate.fg->info.box.width() : width,
                         height == 0 ? plate.fg->info.box.height() : height)) {
     node_.set_input(0, &fg_);

@@ -47,13 +47,14 @@ class NodeRig {
   public:
     // A frame of width x height, filled with what the plate has; 0 takes the plate's own size.
     NodeRig(const Plate& plate, const Configuration& configuration, int threads, int width = 0,
-            int height = 0);
+            int height = 0, const Zo::Image::AbortFlag* abort = nullptr);
 
     // As when a sequence's next frame arrives: nothing that was computed from the inputs is kept.
     void key_next_frame();
     // After a change of the knobs.
     void key_again();
 
+    VeloxaKeyer& node() { return node_; }
     KnobStorage& knobs() { return node_.knob_values(); }
     Zo::Image::Renderer& renderer() { return renderer_; }
     double pixels() const { return static_cast<double>(output_.width() * output_.height()); }
