@@ -19,8 +19,8 @@ using Clock = std::chrono::steady_clock;
 using Seconds = std::chrono::duration<double>;
 
 constexpr int kThreads = 2;
-constexpr int kMoments = 16;
-constexpr Seconds kLongest{1.0};  // after which a frame is aborted anyway
+constexpr int kMoments = 10;
+constexpr Seconds kLongest{0.5};  // after which a frame is aborted anyway
 constexpr double kFarBeyond = 1e6;
 
 const Plate& plate() {
