@@ -1,5 +1,6 @@
 #include "DescribeParameters.h"
 
+#include <algorithm>
 #include <limits>
 
 #include "Host.h"
@@ -62,8 +63,8 @@ void describe_parameter(OfxParamSetHandle set, const Parameter& parameter, const
             int n = 0;
             for (const std::string& item : knob.items()) p.set(kOfxParamPropChoiceOption, item, n++);
             p.set(kOfxParamPropDefault, static_cast<int>(knob.default_value()));
-            // What the clips are must not change with time.
-            const bool fixed = knob.name() == kOutputMode;
+            const bool fixed = std::find(kPreferenceKnobs.begin(), kPreferenceKnobs.end(), knob.name()) !=
+                               kPreferenceKnobs.end();
             const bool animates = !fixed && host_can(kOfxParamHostPropSupportsChoiceAnimation);
             p.set(kOfxParamPropAnimates, animates ? 1 : 0);
             break;

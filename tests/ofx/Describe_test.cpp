@@ -36,7 +36,8 @@ TEST_F(Describe, ThePlugin) {
                 UnorderedElementsAre(kOfxImageEffectContextGeneral, kOfxImageEffectContextFilter));
     EXPECT_THAT(p.strings(kOfxImageEffectPropSupportedPixelDepths),
                 UnorderedElementsAre(kOfxBitDepthFloat, kOfxBitDepthShort, kOfxBitDepthByte));
-    EXPECT_THAT(p.strings(kOfxImageEffectPropClipPreferencesSlaveParam), ElementsAre("output_mode"));
+    EXPECT_THAT(p.strings(kOfxImageEffectPropClipPreferencesSlaveParam),
+                ElementsAre("output_mode", "overlay_mode"));
 
     std::ifstream icon(std::string(OFX_BUNDLE_DIR) + "/Contents/Resources/org.veloxa.Keyer.png",
                        std::ios::binary);
@@ -114,7 +115,9 @@ TEST_F(Describe, EveryKnobIsAParameter) {
             if (!param->holds_value() || list) continue;
             EXPECT_EQ(p.string_at(kOfxPropLabel), knob->label());
             EXPECT_EQ(p.string_at(kOfxParamPropHint).substr(0, 8), knob->tooltip().substr(0, 8));
-            EXPECT_EQ(p.int_at(kOfxParamPropAnimates), knob->name() == "output_mode" ? 0 : 1);
+            // What the clips are must not change with time.
+            const bool fixed = knob->name() == "output_mode" || knob->name() == "overlay_mode";
+            EXPECT_EQ(p.int_at(kOfxParamPropAnimates), fixed ? 0 : 1);
             if (knob->kind() == Knob::Kind::kMenu) {
                 EXPECT_EQ(p.strings(kOfxParamPropChoiceOption), knob->items());
             }

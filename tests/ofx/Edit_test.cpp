@@ -240,17 +240,41 @@ TEST_F(Edit, ValuesAloneBringAnInstanceBack) {
     services().take_messages();
 }
 
-TEST_F(Edit, PreferencesAndIdentity) {
+TEST_F(Edit, PreferencesSayWhetherColourIsMultiplied) {
+    const char *pre = kOfxImagePreMultiplied, *un = kOfxImageUnPreMultiplied, *finished = kOfxImageOpaque;
+    const struct {
+        Settings settings;
+        const char* over_background;
+        const char* without;
+    } cases[] = {
+        {{{"output_mode", {0}}}, finished, pre},
+        {{{"output_mode", {1}}}, pre, pre},
+        {{{"output_mode", {2}}}, un, un},
+        {{{"screen_color", kScreen}, {"merge", {1}}}, finished, pre},
+        // The foreground, shown with the key's alpha in all modes.
+        {{{"output_mode", {1}}, {"overlay_mode", {1}}}, finished, finished},
+        {{{"output_mode", {2}}, {"overlay_mode", {2}}}, finished, finished},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(&c - cases);
+        const auto expect = [](const Instance& effect, const char* state) {
+            const PropertySet& told = effect.preferences;
+            EXPECT_EQ(told.string_at(kOfxImageEffectPropPreMultiplication), state);
+            EXPECT_EQ(told.string_at("OfxImageClipPropComponents_Output"), kOfxImageComponentRGBA);
+        };
+        for (const Clips& clips : {two_clips(), all_clips()}) {
+            const auto effect = instance(clips, c.settings);
+            expect(*effect, c.over_background);
+            effect->connect("bg", nullptr);
+            expect(*effect, c.without);
+        }
+        expect(*instance(two_clips(), c.settings, kOfxImageEffectContextFilter), c.without);
+    }
+}
+
+TEST_F(Edit, Identity) {
     const auto effect = instance(two_clips(), {});
     EXPECT_EQ(effect->identity(kFrame), "fg");
-    const std::pair<double, const char*> modes[] = {
-        {0, kOfxImagePreMultiplied}, {1, kOfxImagePreMultiplied}, {2, kOfxImageUnPreMultiplied}};
-    for (const auto& [mode, state] : modes) {
-        effect->set("output_mode", {mode});
-        const PropertySet preferences = effect->clip_preferences();
-        EXPECT_EQ(preferences.string_at(kOfxImageEffectPropPreMultiplication), state);
-        EXPECT_EQ(preferences.string_at("OfxImageClipPropComponents_Output"), kOfxImageComponentRGBA);
-    }
     Param& color = effect->params.get("screen_color");
     color.set_key(0, {0, 0, 0});
     color.set_key(4, {0, 0.5, 0});

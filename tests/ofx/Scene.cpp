@@ -156,7 +156,6 @@ std::unique_ptr<Instance> OfxTest::instance(const Clips& clips, const Settings& 
     output.missing = 0;
     made->connect("Output", &output);
     for (const auto& [name, values] : settings) made->set(name, values);
-    made->clip_preferences();
     return made;
 }
 

@@ -91,8 +91,6 @@ class Instance final : public Effect {
     std::optional<std::string> identity(const OfxRectI& window, double time = 0.0, double scale = 1.0);
     std::map<std::string, OfxRectD> regions_of_interest(const OfxRectD& region, double time = 0.0,
                                                         double scale = 1.0);
-    // Asks for preferences and applies them to the clips; returns what the plug-in replied to.
-    PropertySet clip_preferences();
     // Renders a window, or a field's rows of it, into the frame; asks for regions of interest first when the
     // host knows tiles.
     OfxStatus render(Frame& frame, const OfxRectI& window, double time = 0.0, double scale = 1.0,
@@ -103,10 +101,12 @@ class Instance final : public Effect {
     Frame render(double time = 0.0, double scale = 1.0);
     void sequence(const char* action, double time = 0.0, double scale = 1.0);
 
+    PropertySet preferences;    // of clips; asked for anew after each change that they may depend on
     double viewer_scale = 1.0;  // at which the user presses buttons
 
   private:
     double aspect() const { return clip(kOfxImageEffectOutputClipName).aspect(); }
+    void ask_preferences();
     void changed(const std::string& type, const std::string& name, const char* reason);
 
     Host& host_;

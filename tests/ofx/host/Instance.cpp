@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <stdexcept>
 
 #include "ofx/host/Host.h"
@@ -76,6 +77,8 @@ void Instance::changed(const std::string& type, const std::string& name, const c
         note_fault("the change of " + name + " gave status " + std::to_string(status));
     call.may_fetch = false;
     host_.action(kOfxActionEndInstanceChanged, this, &in, nullptr, call);
+    const auto slaves = props.strings(kOfxImageEffectPropClipPreferencesSlaveParam);
+    if (type == kOfxTypeClip || std::count(slaves.begin(), slaves.end(), name) != 0) ask_preferences();
 }
 
 void Instance::connect(const std::string& name, const Source* source) {
@@ -157,21 +160,17 @@ std::map<std::string, OfxRectD> Instance::regions_of_interest(const OfxRectD& re
     return regions;
 }
 
-PropertySet Instance::clip_preferences() {
+// Not before every clip that has to be connected is.
+void Instance::ask_preferences() {
     constexpr auto kPlugin = PropertySet::kPluginSets;
-    PropertySet out;
+    preferences = {};
     for (const auto& clip : clips) {
-        out.add(kOfxImageClipPropComponents_ + clip->name(),
-                {clip->props.string_at(kOfxImageEffectPropComponents)}, kPlugin);
+        if (clip->source() == nullptr && clip->props.int_at(kOfxImageClipPropOptional) == 0) return;
+        preferences.add(kOfxImageClipPropComponents_ + clip->name(),
+                        {clip->props.string_at(kOfxImageEffectPropComponents)}, kPlugin);
     }
-    out.add(kOfxImageEffectPropPreMultiplication, {std::string(kOfxImageUnPreMultiplied)}, kPlugin);
-    host_.action(kOfxImageEffectActionGetClipPreferences, this, nullptr, &out);
-    for (const auto& clip : clips) {
-        if (clip->source() == nullptr) continue;
-        clip->props.put(kOfxImageEffectPropComponents,
-                        {out.string_at(kOfxImageClipPropComponents_ + clip->name())});
-    }
-    return out;
+    preferences.add(kOfxImageEffectPropPreMultiplication, {std::string()}, kPlugin);
+    host_.action(kOfxImageEffectActionGetClipPreferences, this, nullptr, &preferences);
 }
 
 OfxStatus Instance::render(Frame& frame, const OfxRectI& w, double time, double scale,
