@@ -116,17 +116,24 @@ void describe_parameters(OfxParamSetHandle set, const ParameterList& list) {
         describe_parameter(set, parameter, grouped ? list.groups()[parameter.group].name : "");
     }
 
+    // A page names its group and the group's members: hosts that make tabs of pages show groups there, and
+    // no parameter whose group is not there; those that know parameters alone on a page skip the group.
     OfxPropertySetHandle properties = nullptr;
     check(suites().parameter->paramSetGetPropertySet(set, &properties));
     int n = 0;
     for (const ParameterList::Group& group : list.groups()) {
         const Properties page = define(set, kOfxParamTypePage, group.page, group.label);
         int child = 0;
+        // A name that is refused leaves no gap.
+        const auto show = [&](const std::string& name) {
+            if (page.set(kOfxParamPropPageChild, name, child)) ++child;
+        };
+        show(group.name);
         if (group.toolbar) {
-            page.set(kOfxParamPropPageChild, kFirstCorner, child++);
-            page.set(kOfxParamPropPageChild, kSecondCorner, child++);
+            show(kFirstCorner);
+            show(kSecondCorner);
         }
-        for (const std::string& name : group.members) page.set(kOfxParamPropPageChild, name, child++);
+        for (const std::string& name : group.members) show(name);
         Properties(properties).set(kOfxPluginPropParamPageOrder, group.page, n++);
     }
 }

@@ -137,9 +137,9 @@ TEST_F(Describe, EveryKnobIsAParameter) {
     }
 }
 
-TEST_F(Describe, NothingIsLeftOutOfGroupsAndPages) {
+TEST_F(Describe, NamesParentsAndPages) {
     const Effect& effect = host().descriptor(kOfxImageEffectContextGeneral);
-    std::set<std::string> groups, on_pages;
+    std::set<std::string> groups;
     std::vector<std::string> pages;
     for (const auto& param : effect.params.all()) {
         const std::string& name = param->name();
@@ -147,22 +147,70 @@ TEST_F(Describe, NothingIsLeftOutOfGroupsAndPages) {
         const std::string& parent = param->props.string_at(kOfxParamPropParent);
         EXPECT_TRUE(parent.empty() || groups.count(parent) == 1) << name << " before its group " << parent;
         if (param->type() == kOfxParamTypeGroup) groups.insert(name);
-        if (param->type() != kOfxParamTypePage) continue;
-        pages.push_back(name);
-        for (const std::string& child : param->props.strings(kOfxParamPropPageChild)) {
-            EXPECT_NE(effect.params.find(child), nullptr) << child;
-            on_pages.insert(child);
-        }
+        if (param->type() == kOfxParamTypePage) pages.push_back(name);
     }
     EXPECT_EQ(effect.props.strings(kOfxPluginPropParamPageOrder), pages);
+}
+
+// The labels that a user finds each parameter under, by its name.
+using Layout = std::map<std::string, std::vector<std::string>>;
+enum class Panel {
+    kTabs,    // made of pages: groups with their members, and parameters that are in no group
+    kPages,   // parameters alone
+    kGroups,  // and no pages
+};
+
+Layout layout(const Effect& effect, Panel panel) {
+    Layout places;
+    const auto show = [&](const Param& param, const std::string& label) {
+        const bool hidden = param.props.int_at(kOfxParamPropSecret) != 0;
+        const bool holds = param.holds_value() || param.type() == kOfxParamTypePushButton;
+        if (holds && !hidden) places[param.name()].push_back(label);
+    };
+    const auto show_group = [&](const std::string& group, const std::string& label) {
+        for (const auto& param : effect.params.all()) {
+            if (param->props.string_at(kOfxParamPropParent) == group) show(*param, label);
+        }
+    };
+    const bool paged = panel != Panel::kGroups;
+    if (!paged) show_group("", "");
     for (const auto& param : effect.params.all()) {
-        if (param->type() == kOfxParamTypeGroup || param->type() == kOfxParamTypePage) continue;
-        const bool secret = param->props.int_at(kOfxParamPropSecret) != 0;
-        EXPECT_EQ(on_pages.count(param->name()), secret ? 0U : 1U) << param->name();
+        const std::string& label = param->props.string_at(kOfxPropLabel);
+        if (!paged && param->type() == kOfxParamTypeGroup) show_group(param->name(), label);
+        if (!paged || param->type() != kOfxParamTypePage) continue;
+        for (const std::string& name : param->props.strings(kOfxParamPropPageChild)) {
+            const Param& child = effect.params.get(name);
+            const bool grouped = !child.props.string_at(kOfxParamPropParent).empty();
+            if (panel == Panel::kPages || !grouped) show(child, label);
+            if (panel == Panel::kTabs && child.type() == kOfxParamTypeGroup) show_group(name, label);
+        }
     }
-    // What stands on a tab shows its enable too.
-    EXPECT_THAT(effect.params.get("page_shadows").props.strings(kOfxParamPropPageChild), Contains("shadow"));
-    EXPECT_EQ(effect.params.get("shadows_blur").props.string_at(kOfxParamPropParent), "group_shadows");
+    return places;
+}
+
+TEST_F(Describe, WhereUsersFindTheControls) {
+    Layout once{{"sampling_first_corner", {"Sampling"}},
+                {"sampling_second_corner", {"Sampling"}},
+                {"screen_correct_reset", {"Screen Correct"}},
+                {"spill_reset", {"Spill"}}};
+    Layout with_enables = once;  // a page repeats what switches it on
+    Reference node({}, {});
+    for (const auto& knob : node.panel.knobs()) {
+        const std::string tab = knob->tab() == "veloxa_toolbar" ? "Sampling" : knob->tab();
+        const bool link = knob->kind() == Knob::Kind::kLink;
+        if (!knob->visible() || knob->kind() == Knob::Kind::kButton) continue;
+        if (!link && type_for(knob->kind()) == nullptr) continue;
+        if (!link) once[knob->name()].push_back(tab);
+        with_enables[knob->target().name()].push_back(tab);
+    }
+    for (const bool strict : {false, true}) {
+        const Effect& effect = host({.strict_pages = strict}).descriptor(kOfxImageEffectContextGeneral);
+        EXPECT_EQ(layout(effect, Panel::kPages), with_enables);
+        EXPECT_EQ(layout(effect, Panel::kGroups), once);
+        if (!strict) {
+            EXPECT_EQ(layout(effect, Panel::kTabs), once);
+        }
+    }
 }
 
 }  // namespace

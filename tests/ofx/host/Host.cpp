@@ -111,6 +111,7 @@ OfxStatus Host::load() {
         auto effect = std::make_unique<Effect>();
         effect->props = descriptor_->props;
         effect->params.refused_types = options_.refused_types;
+        effect->params.strict_pages = options_.strict_pages;
         effect->params.describing = true;
         PropertySet in;
         in.add(kOfxImageEffectPropContext, {context});

@@ -22,6 +22,7 @@ struct HostOptions {
     std::set<std::string> missing{};  // suites, name and version: "OfxMessageSuite 2"
     std::vector<std::string> contexts{kOfxImageEffectContextGeneral, kOfxImageEffectContextFilter};
     std::set<std::string> refused_types{};  // of parameters
+    bool strict_pages = false;              // take no group
     bool tiles = true;
     bool bare = false;  // the host tells nothing of itself
 };

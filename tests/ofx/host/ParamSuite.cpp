@@ -26,6 +26,11 @@ OfxStatus define(OfxParamSetHandle handle, const char* type, const char* name, O
     }
     auto param = Param::described(set, type, name);
     if (!param) return kOfxStatErrUnknown;
+    if (set.strict_pages && param->type() == kOfxParamTypePage) {
+        param->props.refuse(kOfxParamPropPageChild, [&set](const Value& child) {
+            return set.get(std::get<std::string>(child)).type() == kOfxParamTypeGroup;
+        });
+    }
     if (props != nullptr) *props = param->props.handle();
     set.add(std::move(param));
     return kOfxStatOK;

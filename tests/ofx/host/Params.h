@@ -82,6 +82,7 @@ class ParamSet {
     std::vector<Step> undo;
 
     std::set<std::string> refused_types;      // answered ErrUnsupported
+    bool strict_pages = false;                // take no group
     std::function<void(Param&)> when_edited;  // tells the plug-in of its own change
     bool describing = false;
     PropertySet* effect_props = nullptr;

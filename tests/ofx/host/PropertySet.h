@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -37,6 +38,8 @@ class PropertySet {
     void add(const std::string& name, std::vector<Value> values, Access access = kHostSets);
     // One of any length, empty at first; `type` is any value of its type.
     void add_list(const std::string& name, const Value& type, Access access = kHostSets);
+    // What `refuses` is true of is answered ErrValue.
+    void refuse(const std::string& name, std::function<bool(const Value&)> refuses);
     // Sets values of a property that exists.
     void put(const std::string& name, std::vector<Value> values);
 
@@ -62,6 +65,7 @@ class PropertySet {
         std::size_t type = 0;  // of Value
         bool any_length = false;
         Access access = kHostSets;
+        std::function<bool(const Value&)> refuses{};
     };
 
     const Value& at(const std::string& name, int i) const;
