@@ -1,7 +1,6 @@
 #include "DescribeParameters.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "Host.h"
 #include "ParameterSet.h"
@@ -33,9 +32,9 @@ bool host_can(const char* property) {
 // The knob's range guides sliders and forbids nothing.
 void describe_numbers(const Properties& p, const Knob& knob) {
     const KnobRange range = knob.range().value_or(KnobRange{0.0, 1.0});
-    constexpr double kLargest = std::numeric_limits<float>::max();
+    constexpr double kLargest = 3.4e38;  // as good as any float
     const int count = knob.value_count();
-    for (int i = 0; i < count; ++i) p.set(kOfxParamPropDefault, knob.default_value(i), i);
+    for (int i = 0; i < count; ++i) p.set(kOfxParamPropDefault, shown(knob, knob.default_value(i)), i);
     for (int i = 0; i < count; ++i) p.set(kOfxParamPropMin, -kLargest, i);
     for (int i = 0; i < count; ++i) p.set(kOfxParamPropMax, kLargest, i);
     for (int i = 0; i < count; ++i) p.set(kOfxParamPropDisplayMin, range.low, i);

@@ -124,7 +124,7 @@ TEST_F(Describe, EveryKnobIsAParameter) {
             for (int i = 0; i < param->dimension(); ++i) {
                 const double value = param->is_int() ? p.int_at(kOfxParamPropDefault, i)
                                                      : p.double_at(kOfxParamPropDefault, i);
-                EXPECT_EQ(value, knob->default_value(i));
+                EXPECT_EQ(value, shortest(knob->default_value(i)));
                 if (!p.has(kOfxParamPropDisplayMin) || !knob->range()) continue;
                 EXPECT_EQ(p.double_at(kOfxParamPropDisplayMin, i), knob->range()->low);
                 EXPECT_EQ(p.double_at(kOfxParamPropDisplayMax, i), knob->range()->high);
@@ -137,7 +137,13 @@ TEST_F(Describe, EveryKnobIsAParameter) {
     }
 }
 
-TEST_F(Describe, NamesParentsAndPages) {
+// What the user sees and uses.
+bool is_control(const Param& param) {
+    return (param.holds_value() || param.type() == kOfxParamTypePushButton) &&
+           param.props.int_at(kOfxParamPropSecret) == 0;
+}
+
+TEST_F(Describe, NamesHintsParentsAndPages) {
     const Effect& effect = host().descriptor(kOfxImageEffectContextGeneral);
     std::set<std::string> groups;
     std::vector<std::string> pages;
@@ -147,9 +153,14 @@ TEST_F(Describe, NamesParentsAndPages) {
         const std::string& parent = param->props.string_at(kOfxParamPropParent);
         EXPECT_TRUE(parent.empty() || groups.count(parent) == 1) << name << " before its group " << parent;
         if (param->type() == kOfxParamTypeGroup) groups.insert(name);
+        if (is_control(*param)) {
+            EXPECT_NE(param->props.string_at(kOfxParamPropHint), "") << name;
+        }
         if (param->type() == kOfxParamTypePage) pages.push_back(name);
     }
     EXPECT_EQ(effect.props.strings(kOfxPluginPropParamPageOrder), pages);
+    EXPECT_EQ(effect.params.get("toolbar_screen").props.string_at(kOfxPropLabel), "screen");
+    EXPECT_EQ(effect.params.get("toolbar_addmatte").props.string_at(kOfxPropLabel), "matte: add");
 }
 
 // The labels that a user finds each parameter under, by its name.
@@ -163,9 +174,7 @@ enum class Panel {
 Layout layout(const Effect& effect, Panel panel) {
     Layout places;
     const auto show = [&](const Param& param, const std::string& label) {
-        const bool hidden = param.props.int_at(kOfxParamPropSecret) != 0;
-        const bool holds = param.holds_value() || param.type() == kOfxParamTypePushButton;
-        if (holds && !hidden) places[param.name()].push_back(label);
+        if (is_control(param)) places[param.name()].push_back(label);
     };
     const auto show_group = [&](const std::string& group, const std::string& label) {
         for (const auto& param : effect.params.all()) {

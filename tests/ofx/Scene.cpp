@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "ofx/host/Services.h"
@@ -110,6 +112,15 @@ Frame Reference::render() {
         for (std::size_t c = 0; c < 4; ++c) frame.values[4 * i + c] = picture.planes[c + 1][i];
     }
     return frame;
+}
+
+double shortest(double value) {
+    for (int digits = 1;; ++digits) {
+        std::array<char, 32> text;
+        std::snprintf(text.data(), text.size(), "%.*g", digits, value);
+        const double read = std::strtod(text.data(), nullptr);
+        if (static_cast<float>(read) == static_cast<float>(value)) return read;
+    }
 }
 
 int differences(const Frame& a, const Frame& b) {
