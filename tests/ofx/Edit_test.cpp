@@ -244,38 +244,33 @@ TEST_F(Edit, ValuesAloneBringAnInstanceBack) {
 TEST_F(Edit, PreferencesSayWhetherColourIsMultiplied) {
     const char *pre = kOfxImagePreMultiplied, *un = kOfxImageUnPreMultiplied, *finished = kOfxImageOpaque;
     const struct {
-        Settings settings;
-        const char* over_background;
-        const char* without;
+        double mode, overlay, merge;
+        const char *over_background, *without;
     } cases[] = {
-        {{{"output_mode", {0}}}, finished, pre},
-        {{{"output_mode", {1}}}, pre, pre},
-        {{{"output_mode", {2}}}, un, un},
-        {{{"screen_color", kScreen}, {"merge", {1}}}, finished, pre},
-        // The foreground, shown with the key's alpha in all modes.
-        {{{"output_mode", {1}}, {"overlay_mode", {1}}}, finished, finished},
-        {{{"output_mode", {2}}, {"overlay_mode", {2}}}, finished, finished},
+        {0, 0, 0, finished, pre}, {0, 0, 1, finished, pre},      {1, 0, 0, pre, pre},
+        {2, 0, 0, un, un},        {1, 1, 0, finished, finished}, {2, 2, 0, finished, finished},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(&c - cases);
-        const auto expect = [](const Instance& effect, const char* state) {
-            const PropertySet& told = effect.preferences;
-            EXPECT_EQ(told.string_at(kOfxImageEffectPropPreMultiplication), state);
-            EXPECT_EQ(told.string_at("OfxImageClipPropComponents_Output"), kOfxImageComponentRGBA);
+        const Settings settings{
+            {"output_mode", {c.mode}}, {"overlay_mode", {c.overlay}}, {"merge", {c.merge}}};
+        const auto state = [](const std::unique_ptr<Instance>& effect) {
+            return effect->preferences.string_at(kOfxImageEffectPropPreMultiplication);
         };
         for (const Clips& clips : {two_clips(), all_clips()}) {
-            const auto effect = instance(clips, c.settings);
-            expect(*effect, c.over_background);
+            const auto effect = instance(clips, settings);
+            EXPECT_EQ(state(effect), c.over_background);
             effect->connect("bg", nullptr);
-            expect(*effect, c.without);
+            EXPECT_EQ(state(effect), c.without);
         }
-        expect(*instance(two_clips(), c.settings, kOfxImageEffectContextFilter), c.without);
+        EXPECT_EQ(state(instance(two_clips(), settings, kOfxImageEffectContextFilter)), c.without);
     }
 }
 
-TEST_F(Edit, Identity) {
+TEST_F(Edit, IdentityAndComponents) {
     const auto effect = instance(two_clips(), {});
     EXPECT_EQ(effect->identity(kFrame), "fg");
+    EXPECT_EQ(effect->preferences.string_at("OfxImageClipPropComponents_Output"), kOfxImageComponentRGBA);
     Param& color = effect->params.get("screen_color");
     color.set_key(0, {0, 0, 0});
     color.set_key(4, {0, 0.5, 0});

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 #include "ofx/host/Services.h"
@@ -115,12 +114,13 @@ Frame Reference::render() {
 }
 
 double shortest(double value) {
-    for (int digits = 1;; ++digits) {
-        std::array<char, 32> text;
-        std::snprintf(text.data(), text.size(), "%.*g", digits, value);
-        const double read = std::strtod(text.data(), nullptr);
-        if (static_cast<float>(read) == static_cast<float>(value)) return read;
+    double read = 0.0;
+    for (int digits = 1; static_cast<float>(read) != static_cast<float>(value); ++digits) {
+        char text[32];
+        std::snprintf(text, sizeof text, "%.*g", digits, value);
+        read = std::stod(text);
     }
+    return read;
 }
 
 int differences(const Frame& a, const Frame& b) {

@@ -21,8 +21,8 @@ class Instance;
 struct HostOptions {
     std::set<std::string> missing{};  // suites, name and version: "OfxMessageSuite 2"
     std::vector<std::string> contexts{kOfxImageEffectContextGeneral, kOfxImageEffectContextFilter};
-    std::set<std::string> refused_types{};  // of parameters
-    bool strict_pages = false;              // take no group
+    std::set<std::string> refused_types{};     // of parameters
+    std::set<std::string> refused_children{};  // of pages
     bool tiles = true;
     bool bare = false;  // the host tells nothing of itself
 };
@@ -41,7 +41,7 @@ class Host {
     OfxStatus load();
     const OfxPlugin& plugin() const { return *plugin_; }
     int plugin_count() const { return count_; }
-    bool has_plugin(int n) const;
+    bool has_plugin(int n) const { return get_plugin_(n) != nullptr; }
     Effect& descriptor() { return *descriptor_; }
     Effect& descriptor(const std::string& context) { return *contexts_.at(context); }
     bool describes(const std::string& context) const { return contexts_.count(context) != 0; }

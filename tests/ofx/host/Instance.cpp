@@ -12,10 +12,6 @@ void add_rect(PropertySet& p, const char* name, const OfxRectD& r) {
     p.add(name, {r.x1, r.y1, r.x2, r.y2}, PropertySet::kPluginSets);
 }
 
-void add_window(PropertySet& p, const OfxRectI& w) {
-    p.add(kOfxImageEffectPropRenderWindow, {w.x1, w.y1, w.x2, w.y2});
-}
-
 OfxRectD rect_of(const PropertySet& p, const std::string& name) {
     return {p.double_at(name, 0), p.double_at(name, 1), p.double_at(name, 2), p.double_at(name, 3)};
 }
@@ -67,7 +63,7 @@ void Instance::changed(const std::string& type, const std::string& name, const c
     call.may_set_params = true;
     call.scale = viewer_scale;
     host_.action(kOfxActionBeginInstanceChanged, this, &in, nullptr, call);
-    PropertySet what = frame_arguments(current_time(), viewer_scale);
+    PropertySet what = frame_arguments(services().time, viewer_scale);
     what.add(kOfxPropType, {type});
     what.add(kOfxPropName, {name});
     what.add(kOfxPropChangeReason, {std::string(reason)});
@@ -134,7 +130,7 @@ OfxRectD Instance::region_of_definition(double time, double scale) {
 std::optional<std::string> Instance::identity(const OfxRectI& w, double time, double scale) {
     PropertySet in = frame_arguments(time, scale);
     in.add(kOfxImageEffectPropFieldToRender, {std::string(kOfxImageFieldNone)});
-    add_window(in, w);
+    in.add(kOfxImageEffectPropRenderWindow, {w.x1, w.y1, w.x2, w.y2});
     PropertySet out;
     out.add(kOfxPropName, {std::string()}, PropertySet::kPluginSets);
     out.add(kOfxPropTime, {time}, PropertySet::kPluginSets);
@@ -185,7 +181,7 @@ OfxStatus Instance::render(Frame& frame, const OfxRectI& w, double time, double 
     }
     PropertySet in = frame_arguments(time, scale);
     in.add(kOfxImageEffectPropFieldToRender, {field});
-    add_window(in, w);
+    in.add(kOfxImageEffectPropRenderWindow, {w.x1, w.y1, w.x2, w.y2});
     return host_.action(kOfxImageEffectActionRender, this, &in, nullptr, call);
 }
 

@@ -81,8 +81,8 @@ class ParamSet {
     using Step = std::vector<std::pair<Param*, Param::Content>>;
     std::vector<Step> undo;
 
+    std::set<std::string> refused_children;   // of pages, answered ErrValue
     std::set<std::string> refused_types;      // answered ErrUnsupported
-    bool strict_pages = false;                // take no group
     std::function<void(Param&)> when_edited;  // tells the plug-in of its own change
     bool describing = false;
     PropertySet* effect_props = nullptr;

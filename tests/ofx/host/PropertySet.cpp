@@ -44,10 +44,6 @@ void PropertySet::add_list(const std::string& name, const Value& type, Access ac
     properties_[name] = {{}, type.index(), true, access};
 }
 
-void PropertySet::refuse(const std::string& name, std::function<bool(const Value&)> refuses) {
-    properties_.at(name).refuses = std::move(refuses);
-}
-
 void PropertySet::put(const std::string& name, std::vector<Value> values) {
     properties_.at(name).values = std::move(values);
 }
@@ -84,7 +80,7 @@ OfxStatus PropertySet::set(const char* name, int index, const Value& value) {
         note_fault(std::string("sets property of other type or of the host, ") + name);
         return kOfxStatErrValue;
     }
-    if (property.refuses && property.refuses(value)) return kOfxStatErrValue;
+    if (!refused.empty() && refused.count(std::get<std::string>(value)) != 0) return kOfxStatErrValue;
     const auto i = static_cast<std::size_t>(index);
     if (index < 0 || i > property.values.size() || (i == property.values.size() && !property.any_length)) {
         note_fault(std::string("sets beyond the end of ") + name);

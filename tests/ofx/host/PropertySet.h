@@ -7,8 +7,8 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -38,8 +38,6 @@ class PropertySet {
     void add(const std::string& name, std::vector<Value> values, Access access = kHostSets);
     // One of any length, empty at first; `type` is any value of its type.
     void add_list(const std::string& name, const Value& type, Access access = kHostSets);
-    // What `refuses` is true of is answered ErrValue.
-    void refuse(const std::string& name, std::function<bool(const Value&)> refuses);
     // Sets values of a property that exists.
     void put(const std::string& name, std::vector<Value> values);
 
@@ -51,6 +49,8 @@ class PropertySet {
         return std::get<std::string>(at(name, i));
     }
     std::vector<std::string> strings(const std::string& name) const;
+
+    std::set<std::string> refused;  // texts that are answered ErrValue
 
     OfxPropertySetHandle handle() { return reinterpret_cast<OfxPropertySetHandle>(this); }
     static PropertySet* from(OfxPropertySetHandle handle);
@@ -65,7 +65,6 @@ class PropertySet {
         std::size_t type = 0;  // of Value
         bool any_length = false;
         Access access = kHostSets;
-        std::function<bool(const Value&)> refuses{};
     };
 
     const Value& at(const std::string& name, int i) const;
