@@ -1,6 +1,6 @@
 #include "DescribeParameters.h"
 
-#include <limits>
+#include <algorithm>
 
 #include "Host.h"
 #include "ParameterSet.h"
@@ -32,9 +32,9 @@ bool host_can(const char* property) {
 // The knob's range guides sliders and forbids nothing.
 void describe_numbers(const Properties& p, const Knob& knob) {
     const KnobRange range = knob.range().value_or(KnobRange{0.0, 1.0});
-    constexpr double kLargest = std::numeric_limits<float>::max();
+    constexpr double kLargest = 3.4e38;  // as good as any float
     const int count = knob.value_count();
-    for (int i = 0; i < count; ++i) p.set(kOfxParamPropDefault, knob.default_value(i), i);
+    for (int i = 0; i < count; ++i) p.set(kOfxParamPropDefault, shown(knob, knob.default_value(i)), i);
     for (int i = 0; i < count; ++i) p.set(kOfxParamPropMin, -kLargest, i);
     for (int i = 0; i < count; ++i) p.set(kOfxParamPropMax, kLargest, i);
     for (int i = 0; i < count; ++i) p.set(kOfxParamPropDisplayMin, range.low, i);
@@ -62,8 +62,8 @@ void describe_parameter(OfxParamSetHandle set, const Parameter& parameter, const
             int n = 0;
             for (const std::string& item : knob.items()) p.set(kOfxParamPropChoiceOption, item, n++);
             p.set(kOfxParamPropDefault, static_cast<int>(knob.default_value()));
-            // What the clips are must not change with time.
-            const bool fixed = knob.name() == kOutputMode;
+            const bool fixed = std::find(kPreferenceKnobs.begin(), kPreferenceKnobs.end(), knob.name()) !=
+                               kPreferenceKnobs.end();
             const bool animates = !fixed && host_can(kOfxParamHostPropSupportsChoiceAnimation);
             p.set(kOfxParamPropAnimates, animates ? 1 : 0);
             break;
@@ -115,17 +115,24 @@ void describe_parameters(OfxParamSetHandle set, const ParameterList& list) {
         describe_parameter(set, parameter, grouped ? list.groups()[parameter.group].name : "");
     }
 
+    // A page names its group and the group's members: hosts that make tabs of pages show groups there, and
+    // no parameter whose group is not there; those that know parameters alone on a page skip the group.
     OfxPropertySetHandle properties = nullptr;
     check(suites().parameter->paramSetGetPropertySet(set, &properties));
     int n = 0;
     for (const ParameterList::Group& group : list.groups()) {
         const Properties page = define(set, kOfxParamTypePage, group.page, group.label);
         int child = 0;
+        // A name that is refused leaves no gap.
+        const auto show = [&](const std::string& name) {
+            if (page.set(kOfxParamPropPageChild, name, child)) ++child;
+        };
+        show(group.name);
         if (group.toolbar) {
-            page.set(kOfxParamPropPageChild, kFirstCorner, child++);
-            page.set(kOfxParamPropPageChild, kSecondCorner, child++);
+            show(kFirstCorner);
+            show(kSecondCorner);
         }
-        for (const std::string& name : group.members) page.set(kOfxParamPropPageChild, name, child++);
+        for (const std::string& name : group.members) show(name);
         Properties(properties).set(kOfxPluginPropParamPageOrder, group.page, n++);
     }
 }

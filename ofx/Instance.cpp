@@ -53,6 +53,7 @@ Instance::Instance(OfxImageEffectHandle effect)
     }
     screen_color_ = editor_.parameters().find(kScreenColor).value();
     output_mode_ = editor_.parameters().find(kOutputMode).value();
+    overlay_mode_ = editor_.parameters().find(kOverlayMode).value();
     editor_.load();
     // What the node knows and renders need is in the parameters already.
     properties_of(effect).set(kOfxPropParamSetNeedsSyncing, 0);
@@ -108,13 +109,23 @@ Pictures Instance::fetch(OfxTime time, const RenderScale& scale, bool whole) con
     return pictures;
 }
 
+// A composite over a background and an overlay are finished pictures: their colour is not multiplied by the
+// alpha beside it, the key's. Unpremultiplied would say so too, but then hosts multiply where they show,
+// filter and write pictures, and the background goes black. As opaque they are left as they are.
+const char* Instance::premultiplication() const {
+    const auto item = [&](std::size_t n) {
+        return static_cast<int>(editor_.parameters().value(n, std::nullopt).numbers[0]);
+    };
+    const int mode = item(output_mode_);
+    const bool over_background = mode == kComposite && connected(kBackground);
+    if (over_background || item(overlay_mode_) != kNoOverlay) return kOfxImageOpaque;
+    return mode == kUnpremultiplied ? kOfxImageUnPreMultiplied : kOfxImagePreMultiplied;
+}
+
 OfxStatus Instance::clip_preferences(OfxPropertySetHandle /*in*/, OfxPropertySetHandle out) {
     const Properties results(out);
     if (general_) results.set("OfxImageClipPropComponents_Output", kOfxImageComponentRGBA);
-    // The composite counts as multiplied by its alpha, which without a background it is.
-    const double mode = editor_.parameters().value(output_mode_, std::nullopt).numbers[0];
-    results.set(kOfxImageEffectPropPreMultiplication,
-                mode == kUnpremultiplied ? kOfxImageUnPreMultiplied : kOfxImagePreMultiplied);
+    results.set(kOfxImageEffectPropPreMultiplication, premultiplication());
     return kOfxStatOK;
 }
 

@@ -49,6 +49,7 @@ class Instance {
     bool extent(std::size_t n, OfxTime time, OfxRectD& extent) const;
     double aspect(std::size_t n) const;
     void require_foreground() const;
+    const char* premultiplication() const;
 
     void render_window(OfxPropertySetHandle in);
     void show_failure(const char* text);
@@ -63,6 +64,7 @@ class Instance {
     Editor editor_;
     std::size_t screen_color_;
     std::size_t output_mode_;
+    std::size_t overlay_mode_;
     NodePool renderers_;
     NodePool planners_;              // only make requests, so that those disturb no renderer's frames
     std::atomic<int> sequences_{0};  // of renders that go on

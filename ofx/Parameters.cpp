@@ -1,6 +1,7 @@
 #include "Parameters.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <limits>
 #include <locale>
@@ -54,13 +55,21 @@ std::string identifier(std::string_view text) {
     return name;
 }
 
+std::string trimmed(std::string_view text) {
+    const auto first = text.find_first_not_of(' ');
+    if (first == text.npos) return {};
+    return std::string(text.substr(first, text.find_last_not_of(' ') - first + 1));
+}
+
 // A tool's label names its icon before a semicolon.
 std::string tool_label(std::string_view label, const std::string& caption) {
-    label = label.substr(std::min(label.size(), label.find(';') + 1));
-    const auto first = label.find_first_not_of(' ');
-    const auto last = label.find_last_not_of(' ');
-    const std::string word(first == label.npos ? "" : label.substr(first, last - first + 1));
+    const std::string word = trimmed(label.substr(std::min(label.size(), label.find(';') + 1)));
     return caption.empty() ? word : caption + ": " + word;
+}
+
+bool keeps_floats(const Knob& knob) {
+    return knob.kind() == Knob::Kind::kFloat || knob.kind() == Knob::Kind::kColor ||
+           knob.kind() == Knob::Kind::kColorAlpha;
 }
 
 std::string saved_text(const Knob& knob) {
@@ -103,7 +112,7 @@ ParameterList::ParameterList(const KnobPanel& panel) {
             }
         }
         if (knob->kind() == Knob::Kind::kToolbarSeparator) caption.clear();
-        if (knob->kind() == Knob::Kind::kText) caption = knob->label();
+        if (knob->kind() == Knob::Kind::kText) caption = trimmed(knob->label());  // blank for a spacer
         if (knob->kind() == Knob::Kind::kLink && group != Parameter::kNoGroup) {
             groups_[group].members.push_back(knob->target().name());
         }
@@ -118,12 +127,25 @@ ParameterList::ParameterList(const KnobPanel& panel) {
     }
 }
 
+double shown(const Knob& knob, double value) {
+    if (!keeps_floats(knob)) return value;
+    const auto kept = static_cast<float>(value);
+    std::array<char, 32> text;
+    const char* const end = std::to_chars(text.data(), text.data() + text.size(), kept).ptr;
+    double result = 0.0;
+    std::from_chars(text.data(), end, result);
+    // The decimal may lie so near the middle of two floats that the double is the middle.
+    return static_cast<float>(result) == kept ? result : value;
+}
+
 Value knob_value(const Parameter& parameter, const RenderScale& scale) {
     Value value;
     const Knob& knob = *parameter.knob;
     if (parameter.is_text()) value.text = saved_text(knob);
     for (int i = 0; i < std::min(4, knob.value_count()); ++i) {
-        value.numbers[static_cast<std::size_t>(i)] = knob.get_value(i) / parameter.scale(scale, i);
+        const double number = knob.get_value(i);
+        const double factor = parameter.scale(scale, i);
+        value.numbers[static_cast<std::size_t>(i)] = factor == 1.0 ? shown(knob, number) : number / factor;
     }
     return value;
 }

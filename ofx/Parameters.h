@@ -63,7 +63,12 @@ class ParameterList {
 // Knobs that the plug-in knows by name.
 inline constexpr std::string_view kScreenColor = "screen_color";
 inline constexpr std::string_view kOutputMode = "output_mode";
-inline constexpr int kUnpremultiplied = 2;  // item of kOutputMode
+inline constexpr int kComposite = 0;  // items of kOutputMode
+inline constexpr int kUnpremultiplied = 2;
+inline constexpr std::string_view kOverlayMode = "overlay_mode";
+inline constexpr int kNoOverlay = 0;  // item of kOverlayMode
+// What the output's premultiplication depends on. It must not change with time, so these do not animate.
+inline constexpr std::array kPreferenceKnobs{kOutputMode, kOverlayMode};
 
 // What a parameter holds; numbers for all but texts.
 struct Value {
@@ -73,6 +78,10 @@ struct Value {
     friend bool operator==(const Value&, const Value&) = default;
 };
 using Values = std::vector<Value>;  // in the order of the list, buttons too
+
+// A value that the knob holds, as hosts show it. They keep doubles, in which 0.51f reads 0.50999999046325684:
+// of a knob that keeps floats, the shortest decimal that is read back as the same float.
+double shown(const Zo::Image::Knob& knob, double value);
 
 // The knob's values now, and those by which it becomes them at this scale of images. Numbers that the knob
 // cannot hold (NaN, infinite, no item of the menu) become its default, too large ones the largest.

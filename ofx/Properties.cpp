@@ -66,12 +66,12 @@ RenderScale Properties::scale() const {
     return {number(kOfxImageEffectPropRenderScale, 1.0, 0), number(kOfxImageEffectPropRenderScale, 1.0, 1)};
 }
 
-void Properties::set(const char* name, const char* value, int index) const {
-    if (set_ != nullptr) suites().property->propSetString(set_, name, index, value);
+bool Properties::set(const char* name, const char* value, int index) const {
+    return set_ != nullptr && suites().property->propSetString(set_, name, index, value) == kOfxStatOK;
 }
 
-void Properties::set(const char* name, const std::string& value, int index) const {
-    set(name, value.c_str(), index);
+bool Properties::set(const char* name, const std::string& value, int index) const {
+    return set(name, value.c_str(), index);
 }
 
 void Properties::set(const char* name, int value, int index) const {

@@ -28,12 +28,12 @@ class Properties {
     // Of an action's arguments: the scale of its images.
     RenderScale scale() const;
 
-    void set(const char* name, const char* value, int index = 0) const;
-    void set(const char* name, const std::string& value, int index = 0) const;
+    // Texts and pointers: false when the host did not take it.
+    bool set(const char* name, const char* value, int index = 0) const;
+    bool set(const char* name, const std::string& value, int index = 0) const;
     void set(const char* name, int value, int index = 0) const;
     void set(const char* name, double value, int index = 0) const;
     void set(const char* name, const OfxRectD& rectangle) const;
-    // False when the host did not take it.
     bool set_pointer(const char* name, void* value) const;
 
   private:

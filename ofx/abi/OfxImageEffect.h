@@ -72,6 +72,7 @@ typedef struct OfxImageEffectSuiteV1 {
 #define kOfxImageComponentRGB "OfxImageComponentRGB"
 #define kOfxImageComponentAlpha "OfxImageComponentAlpha"
 
+#define kOfxImageOpaque "OfxImageOpaque"
 #define kOfxImagePreMultiplied "OfxImageAlphaPremultiplied"
 #define kOfxImageUnPreMultiplied "OfxImageAlphaUnPremultiplied"
 

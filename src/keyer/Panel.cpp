@@ -33,6 +33,7 @@ void PanelBuilder::main_group() {
     boolean(&K::overlay_mono, "overlay_mono", "show image as monochrome",
             "Make the input image grayscale so that the overlay areas can be more easily distinguished.");
     script_button(closure_, "knob overlay_mono $value", "invert", "invert");
+    Tooltip(closure_, "Switch the monochrome image on or off.");
     color_alpha(&K::overlay_color, "overlay_color", "overlay color",
                 "The color in which to render the overlay when it is visible.");
     spacer(closure_);

@@ -25,7 +25,8 @@ void expect_same(const Instance& instance, const Zo::Image::KnobPanel& panel) {
             continue;
         }
         for (int i = 0; i < param->dimension(); ++i)
-            EXPECT_EQ(content.numbers[static_cast<std::size_t>(i)], knob->get_value(i)) << knob->name();
+            EXPECT_EQ(content.numbers[static_cast<std::size_t>(i)], shortest(knob->get_value(i)))
+                << knob->name();
     }
 }
 
@@ -124,7 +125,7 @@ TEST_F(Edit, ToolsKeyWhatIsAnimated) {
     Reference node(two_clips(), {}, 3.0);
     stroke(node, "toolbar_screen", kBacking);
     auto keys = before.at("screen_color").keys;
-    for (int i = 0; i < 3; ++i) keys[3.0].push_back(node.panel.get("screen_color").get_value(i));
+    for (int i = 0; i < 3; ++i) keys[3.0].push_back(shortest(node.panel.get("screen_color").get_value(i)));
     EXPECT_EQ(color.content().keys, keys);
     const Frame frame = effect->render(6.0);
     const auto loaded = instance(two_clips(), {}, kOfxImageEffectContextGeneral, effect->saved());
@@ -148,7 +149,7 @@ TEST_F(Edit, ToolsOnAProxyOfOblongPixels) {
     }
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(effect->params.get("screen_color").value().numbers[static_cast<std::size_t>(i)],
-                  node.panel.get("screen_color").get_value(i));
+                  shortest(node.panel.get("screen_color").get_value(i)));
     }
     std::ostringstream samples;
     node.panel.get("us_add_overlay").to_script(samples, false);
@@ -240,17 +241,36 @@ TEST_F(Edit, ValuesAloneBringAnInstanceBack) {
     services().take_messages();
 }
 
-TEST_F(Edit, PreferencesAndIdentity) {
+TEST_F(Edit, PreferencesSayWhetherColourIsMultiplied) {
+    const char *pre = kOfxImagePreMultiplied, *un = kOfxImageUnPreMultiplied, *finished = kOfxImageOpaque;
+    const struct {
+        double mode, overlay, merge;
+        const char *over_background, *without;
+    } cases[] = {
+        {0, 0, 0, finished, pre}, {0, 0, 1, finished, pre},      {1, 0, 0, pre, pre},
+        {2, 0, 0, un, un},        {1, 1, 0, finished, finished}, {2, 2, 0, finished, finished},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(&c - cases);
+        const Settings settings{
+            {"output_mode", {c.mode}}, {"overlay_mode", {c.overlay}}, {"merge", {c.merge}}};
+        const auto state = [](const std::unique_ptr<Instance>& effect) {
+            return effect->preferences.string_at(kOfxImageEffectPropPreMultiplication);
+        };
+        for (const Clips& clips : {two_clips(), all_clips()}) {
+            const auto effect = instance(clips, settings);
+            EXPECT_EQ(state(effect), c.over_background);
+            effect->connect("bg", nullptr);
+            EXPECT_EQ(state(effect), c.without);
+        }
+        EXPECT_EQ(state(instance(two_clips(), settings, kOfxImageEffectContextFilter)), c.without);
+    }
+}
+
+TEST_F(Edit, IdentityAndComponents) {
     const auto effect = instance(two_clips(), {});
     EXPECT_EQ(effect->identity(kFrame), "fg");
-    const std::pair<double, const char*> modes[] = {
-        {0, kOfxImagePreMultiplied}, {1, kOfxImagePreMultiplied}, {2, kOfxImageUnPreMultiplied}};
-    for (const auto& [mode, state] : modes) {
-        effect->set("output_mode", {mode});
-        const PropertySet preferences = effect->clip_preferences();
-        EXPECT_EQ(preferences.string_at(kOfxImageEffectPropPreMultiplication), state);
-        EXPECT_EQ(preferences.string_at("OfxImageClipPropComponents_Output"), kOfxImageComponentRGBA);
-    }
+    EXPECT_EQ(effect->preferences.string_at("OfxImageClipPropComponents_Output"), kOfxImageComponentRGBA);
     Param& color = effect->params.get("screen_color");
     color.set_key(0, {0, 0, 0});
     color.set_key(4, {0, 0.5, 0});

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 
 #include "ofx/host/Services.h"
@@ -112,6 +113,16 @@ Frame Reference::render() {
     return frame;
 }
 
+double shortest(double value) {
+    double read = 0.0;
+    for (int digits = 1; static_cast<float>(read) != static_cast<float>(value); ++digits) {
+        char text[32];
+        std::snprintf(text, sizeof text, "%.*g", digits, value);
+        read = std::stod(text);
+    }
+    return read;
+}
+
 int differences(const Frame& a, const Frame& b) {
     if (a.values.size() != b.values.size() || std::memcmp(&a.box, &b.box, sizeof a.box) != 0) return -1;
     int count = 0;
@@ -156,7 +167,6 @@ std::unique_ptr<Instance> OfxTest::instance(const Clips& clips, const Settings& 
     output.missing = 0;
     made->connect("Output", &output);
     for (const auto& [name, values] : settings) made->set(name, values);
-    made->clip_preferences();
     return made;
 }
 

@@ -48,6 +48,9 @@ class Reference {
     std::vector<std::unique_ptr<test::FunctionSource>> sources_;
 };
 
+// The decimal of the fewest digits that is read as the same float.
+double shortest(double value);
+
 // How many values differ in their bits; sizes too.
 int differences(const Frame& a, const Frame& b);
 

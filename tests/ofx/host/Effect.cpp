@@ -6,8 +6,6 @@
 #include <cstring>
 #include <stdexcept>
 
-#include "ofx/host/Services.h"
-
 namespace ofxtest {
 
 namespace {
@@ -15,8 +13,6 @@ namespace {
 constexpr unsigned char kUnwritten = 0xA7;
 constexpr int kPadding = 5;  // channels at the end of a row
 constexpr auto kPlugin = PropertySet::kPluginSets;
-
-thread_local const Call* current_call = nullptr;
 
 OfxRectI shared(const OfxRectI& a, const OfxRectI& b) {
     return {std::max(a.x1, b.x1), std::max(a.y1, b.y1), std::min(a.x2, b.x2), std::min(a.y2, b.y2)};
@@ -45,16 +41,6 @@ Frame::Frame(const OfxRectI& b, int channel_count)
 
 float& Frame::at(int x, int y, int c) {
     return values[static_cast<std::size_t>(((y - box.y1) * (box.x2 - box.x1) + x - box.x1) * channels + c)];
-}
-
-const Call* Call::current() {
-    return current_call;
-}
-Call::Scope::Scope(const Call* call) : outer_(current_call) {
-    current_call = call;
-}
-Call::Scope::~Scope() {
-    current_call = outer_;
 }
 
 double white_of(const std::string& depth) {
@@ -94,11 +80,8 @@ Image::Image(const Clip& clip, const OfxRectI& bounds, const OfxRectI& rod, doub
     ++held;
 }
 
-unsigned char* Image::address(int x, int y, int c) {
+unsigned char* Image::address(int x, int y, int c) const {
     return first_ + (y - bounds_.y1) * row_bytes_ + ((x - bounds_.x1) * channels_ + c) * bytes_;
-}
-const unsigned char* Image::address(int x, int y, int c) const {
-    return const_cast<Image*>(this)->address(x, y, c);
 }
 
 void Image::store(unsigned char* at, float value) const {
@@ -174,6 +157,9 @@ void Clip::connect(std::shared_ptr<const Source> source) {
     connection_ = ++connections;
     const Source& s =
         source_ ? *source_ : Source{.depth = kOfxBitDepthNone, .components = kOfxImageComponentNone};
+    const auto known = props.strings(kOfxImageEffectPropSupportedComponents);
+    if (source_ && std::find(known.begin(), known.end(), s.components) == known.end())
+        note_fault(name_ + " does not take " + s.components);
     props.put(kOfxImageClipPropConnected, {source_ ? 1 : 0});
     props.put(kOfxImageEffectPropPixelDepth, {s.depth});
     props.put(kOfxImageEffectPropComponents, {s.components});
@@ -231,10 +217,6 @@ Clip* Effect::find_clip(const std::string& name) const {
 Clip& Effect::clip(const std::string& name) const {
     if (Clip* found = find_clip(name)) return *found;
     throw std::out_of_range("no clip " + name);
-}
-
-double Effect::current_time() {
-    return services().time;
 }
 
 }  // namespace ofxtest

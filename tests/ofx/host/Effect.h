@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "abi/OfxImageEffect.h"
@@ -43,17 +44,20 @@ struct Call {
     std::map<std::string, OfxRectD> regions;  // of interest, canonical, by clip; none: all of the clip
     Frame* output = nullptr;
 
-    static const Call* current();
+    static const Call* current() { return current_; }
     class Scope {
       public:
-        explicit Scope(const Call* call);
-        ~Scope();
+        explicit Scope(const Call* call) : outer_(std::exchange(current_, call)) {}
+        ~Scope() { current_ = outer_; }
         Scope(const Scope&) = delete;
         Scope& operator=(const Scope&) = delete;
 
       private:
         const Call* outer_;
     };
+
+  private:
+    static inline thread_local const Call* current_ = nullptr;
 };
 
 // What is connected to a clip. The box is in pixels of full resolution; `pixel` is asked for pixels of the
@@ -91,8 +95,7 @@ class Image final : public PropertySet {
     bool is_output = false;
 
   private:
-    unsigned char* address(int x, int y, int c);
-    const unsigned char* address(int x, int y, int c) const;
+    unsigned char* address(int x, int y, int c) const;
     void store(unsigned char* at, float value) const;
     float load(const unsigned char* at) const;
 
@@ -138,9 +141,6 @@ class Effect {
     OfxImageEffectHandle handle() { return reinterpret_cast<OfxImageEffectHandle>(this); }
     Clip& clip(const std::string& name) const;
     Clip* find_clip(const std::string& name) const;
-
-    // The time that the user looks at.
-    static double current_time();
 
     PropertySet props;
     ParamSet params;

@@ -66,10 +66,6 @@ Host::~Host() {
     dlclose(library_);
 }
 
-bool Host::has_plugin(int n) const {
-    return get_plugin_(n) != nullptr;
-}
-
 const void* Host::fetch_suite(OfxPropertySetHandle handle, const char* name, int version) {
     static const std::map<std::string, const void*> suites{
         {"OfxPropertySuite 1", &property_suite()},        {"OfxImageEffectSuite 1", &image_effect_suite()},
@@ -111,6 +107,7 @@ OfxStatus Host::load() {
         auto effect = std::make_unique<Effect>();
         effect->props = descriptor_->props;
         effect->params.refused_types = options_.refused_types;
+        effect->params.refused_children = options_.refused_children;
         effect->params.describing = true;
         PropertySet in;
         in.add(kOfxImageEffectPropContext, {context});

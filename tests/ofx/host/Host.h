@@ -21,7 +21,8 @@ class Instance;
 struct HostOptions {
     std::set<std::string> missing{};  // suites, name and version: "OfxMessageSuite 2"
     std::vector<std::string> contexts{kOfxImageEffectContextGeneral, kOfxImageEffectContextFilter};
-    std::set<std::string> refused_types{};  // of parameters
+    std::set<std::string> refused_types{};     // of parameters
+    std::set<std::string> refused_children{};  // of pages
     bool tiles = true;
     bool bare = false;  // the host tells nothing of itself
 };
@@ -40,7 +41,7 @@ class Host {
     OfxStatus load();
     const OfxPlugin& plugin() const { return *plugin_; }
     int plugin_count() const { return count_; }
-    bool has_plugin(int n) const;
+    bool has_plugin(int n) const { return get_plugin_(n) != nullptr; }
     Effect& descriptor() { return *descriptor_; }
     Effect& descriptor(const std::string& context) { return *contexts_.at(context); }
     bool describes(const std::string& context) const { return contexts_.count(context) != 0; }
@@ -91,8 +92,6 @@ class Instance final : public Effect {
     std::optional<std::string> identity(const OfxRectI& window, double time = 0.0, double scale = 1.0);
     std::map<std::string, OfxRectD> regions_of_interest(const OfxRectD& region, double time = 0.0,
                                                         double scale = 1.0);
-    // Asks for preferences and applies them to the clips; returns what the plug-in replied to.
-    PropertySet clip_preferences();
     // Renders a window, or a field's rows of it, into the frame; asks for regions of interest first when the
     // host knows tiles.
     OfxStatus render(Frame& frame, const OfxRectI& window, double time = 0.0, double scale = 1.0,
@@ -103,10 +102,12 @@ class Instance final : public Effect {
     Frame render(double time = 0.0, double scale = 1.0);
     void sequence(const char* action, double time = 0.0, double scale = 1.0);
 
+    PropertySet preferences;    // of clips; asked for anew after each change that they may depend on
     double viewer_scale = 1.0;  // at which the user presses buttons
 
   private:
     double aspect() const { return clip(kOfxImageEffectOutputClipName).aspect(); }
+    void ask_preferences();
     void changed(const std::string& type, const std::string& name, const char* reason);
 
     Host& host_;

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <stdexcept>
 
 #include "ofx/host/Host.h"
@@ -9,10 +10,6 @@ namespace {
 
 void add_rect(PropertySet& p, const char* name, const OfxRectD& r) {
     p.add(name, {r.x1, r.y1, r.x2, r.y2}, PropertySet::kPluginSets);
-}
-
-void add_window(PropertySet& p, const OfxRectI& w) {
-    p.add(kOfxImageEffectPropRenderWindow, {w.x1, w.y1, w.x2, w.y2});
 }
 
 OfxRectD rect_of(const PropertySet& p, const std::string& name) {
@@ -66,7 +63,7 @@ void Instance::changed(const std::string& type, const std::string& name, const c
     call.may_set_params = true;
     call.scale = viewer_scale;
     host_.action(kOfxActionBeginInstanceChanged, this, &in, nullptr, call);
-    PropertySet what = frame_arguments(current_time(), viewer_scale);
+    PropertySet what = frame_arguments(services().time, viewer_scale);
     what.add(kOfxPropType, {type});
     what.add(kOfxPropName, {name});
     what.add(kOfxPropChangeReason, {std::string(reason)});
@@ -76,6 +73,8 @@ void Instance::changed(const std::string& type, const std::string& name, const c
         note_fault("the change of " + name + " gave status " + std::to_string(status));
     call.may_fetch = false;
     host_.action(kOfxActionEndInstanceChanged, this, &in, nullptr, call);
+    const auto slaves = props.strings(kOfxImageEffectPropClipPreferencesSlaveParam);
+    if (type == kOfxTypeClip || std::count(slaves.begin(), slaves.end(), name) != 0) ask_preferences();
 }
 
 void Instance::connect(const std::string& name, const Source* source) {
@@ -131,7 +130,7 @@ OfxRectD Instance::region_of_definition(double time, double scale) {
 std::optional<std::string> Instance::identity(const OfxRectI& w, double time, double scale) {
     PropertySet in = frame_arguments(time, scale);
     in.add(kOfxImageEffectPropFieldToRender, {std::string(kOfxImageFieldNone)});
-    add_window(in, w);
+    in.add(kOfxImageEffectPropRenderWindow, {w.x1, w.y1, w.x2, w.y2});
     PropertySet out;
     out.add(kOfxPropName, {std::string()}, PropertySet::kPluginSets);
     out.add(kOfxPropTime, {time}, PropertySet::kPluginSets);
@@ -157,21 +156,17 @@ std::map<std::string, OfxRectD> Instance::regions_of_interest(const OfxRectD& re
     return regions;
 }
 
-PropertySet Instance::clip_preferences() {
+// Not before every clip that has to be connected is.
+void Instance::ask_preferences() {
     constexpr auto kPlugin = PropertySet::kPluginSets;
-    PropertySet out;
+    preferences = {};
     for (const auto& clip : clips) {
-        out.add(kOfxImageClipPropComponents_ + clip->name(),
-                {clip->props.string_at(kOfxImageEffectPropComponents)}, kPlugin);
+        if (clip->source() == nullptr && clip->props.int_at(kOfxImageClipPropOptional) == 0) return;
+        preferences.add(kOfxImageClipPropComponents_ + clip->name(),
+                        {clip->props.string_at(kOfxImageEffectPropComponents)}, kPlugin);
     }
-    out.add(kOfxImageEffectPropPreMultiplication, {std::string(kOfxImageUnPreMultiplied)}, kPlugin);
-    host_.action(kOfxImageEffectActionGetClipPreferences, this, nullptr, &out);
-    for (const auto& clip : clips) {
-        if (clip->source() == nullptr) continue;
-        clip->props.put(kOfxImageEffectPropComponents,
-                        {out.string_at(kOfxImageClipPropComponents_ + clip->name())});
-    }
-    return out;
+    preferences.add(kOfxImageEffectPropPreMultiplication, {std::string()}, kPlugin);
+    host_.action(kOfxImageEffectActionGetClipPreferences, this, nullptr, &preferences);
 }
 
 OfxStatus Instance::render(Frame& frame, const OfxRectI& w, double time, double scale,
@@ -186,7 +181,7 @@ OfxStatus Instance::render(Frame& frame, const OfxRectI& w, double time, double 
     }
     PropertySet in = frame_arguments(time, scale);
     in.add(kOfxImageEffectPropFieldToRender, {field});
-    add_window(in, w);
+    in.add(kOfxImageEffectPropRenderWindow, {w.x1, w.y1, w.x2, w.y2});
     return host_.action(kOfxImageEffectActionRender, this, &in, nullptr, call);
 }
 

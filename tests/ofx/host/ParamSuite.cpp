@@ -2,6 +2,7 @@
 
 #include "ofx/host/Effect.h"
 #include "ofx/host/Params.h"
+#include "ofx/host/Services.h"
 
 namespace ofxtest {
 
@@ -26,6 +27,7 @@ OfxStatus define(OfxParamSetHandle handle, const char* type, const char* name, O
     }
     auto param = Param::described(set, type, name);
     if (!param) return kOfxStatErrUnknown;
+    if (param->type() == kOfxParamTypePage) param->props.refused = set.refused_children;
     if (props != nullptr) *props = param->props.handle();
     set.add(std::move(param));
     return kOfxStatOK;
@@ -91,7 +93,7 @@ OfxStatus get_value(OfxParamHandle handle, ...) {
     std::va_list out;
     va_start(out, handle);
     const Param& param = param_of(handle);
-    const OfxStatus status = give(param, param.at(Effect::current_time()), out);
+    const OfxStatus status = give(param, param.at(services().time), out);
     va_end(out);
     return status;
 }

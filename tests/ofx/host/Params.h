@@ -81,6 +81,7 @@ class ParamSet {
     using Step = std::vector<std::pair<Param*, Param::Content>>;
     std::vector<Step> undo;
 
+    std::set<std::string> refused_children;   // of pages, answered ErrValue
     std::set<std::string> refused_types;      // answered ErrUnsupported
     std::function<void(Param&)> when_edited;  // tells the plug-in of its own change
     bool describing = false;

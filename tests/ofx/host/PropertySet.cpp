@@ -80,6 +80,7 @@ OfxStatus PropertySet::set(const char* name, int index, const Value& value) {
         note_fault(std::string("sets property of other type or of the host, ") + name);
         return kOfxStatErrValue;
     }
+    if (!refused.empty() && refused.count(std::get<std::string>(value)) != 0) return kOfxStatErrValue;
     const auto i = static_cast<std::size_t>(index);
     if (index < 0 || i > property.values.size() || (i == property.values.size() && !property.any_length)) {
         note_fault(std::string("sets beyond the end of ") + name);

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -48,6 +49,8 @@ class PropertySet {
         return std::get<std::string>(at(name, i));
     }
     std::vector<std::string> strings(const std::string& name) const;
+
+    std::set<std::string> refused;  // texts that are answered ErrValue
 
     OfxPropertySetHandle handle() { return reinterpret_cast<OfxPropertySetHandle>(this); }
     static PropertySet* from(OfxPropertySetHandle handle);
