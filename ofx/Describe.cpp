@@ -86,10 +86,7 @@ void describe(OfxImageEffectHandle effect) {
     p.set(kOfxImageEffectPropSupportsMultipleClipDepths, 1);
     p.set(kOfxImageEffectPropSupportsMultipleClipPARs, 0);
     p.set(kOfxImageEffectPluginPropFieldRenderTwiceAlways, 0);
-    int n = 0;
-    for (const std::string_view knob : kPreferenceKnobs) {
-        p.set(kOfxImageEffectPropClipPreferencesSlaveParam, std::string(knob), n++);
-    }
+    p.set(kOfxImageEffectPropClipPreferencesSlaveParam, std::string(kOutputMode));
 }
 
 void describe_in_context(OfxImageEffectHandle effect, OfxPropertySetHandle arguments) {

@@ -1,7 +1,5 @@
 #include "DescribeParameters.h"
 
-#include <algorithm>
-
 #include "Host.h"
 #include "ParameterSet.h"
 #include "Properties.h"
@@ -62,8 +60,8 @@ void describe_parameter(OfxParamSetHandle set, const Parameter& parameter, const
             int n = 0;
             for (const std::string& item : knob.items()) p.set(kOfxParamPropChoiceOption, item, n++);
             p.set(kOfxParamPropDefault, static_cast<int>(knob.default_value()));
-            const bool fixed = std::find(kPreferenceKnobs.begin(), kPreferenceKnobs.end(), knob.name()) !=
-                               kPreferenceKnobs.end();
+            // What the clips are must not change with time.
+            const bool fixed = knob.name() == kOutputMode;
             const bool animates = !fixed && host_can(kOfxParamHostPropSupportsChoiceAnimation);
             p.set(kOfxParamPropAnimates, animates ? 1 : 0);
             break;

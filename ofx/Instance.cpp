@@ -53,7 +53,6 @@ Instance::Instance(OfxImageEffectHandle effect)
     }
     screen_color_ = editor_.parameters().find(kScreenColor).value();
     output_mode_ = editor_.parameters().find(kOutputMode).value();
-    overlay_mode_ = editor_.parameters().find(kOverlayMode).value();
     editor_.load();
     // What the node knows and renders need is in the parameters already.
     properties_of(effect).set(kOfxPropParamSetNeedsSyncing, 0);
@@ -109,16 +108,12 @@ Pictures Instance::fetch(OfxTime time, const RenderScale& scale, bool whole) con
     return pictures;
 }
 
-// A composite over a background and an overlay are finished pictures: their colour is not multiplied by the
-// alpha beside it, the key's. Unpremultiplied would say so too, but then hosts multiply where they show,
-// filter and write pictures, and the background goes black. As opaque they are left as they are.
+// A composite over a background is a finished picture: its colour is not multiplied by the alpha beside it,
+// the key's. Unpremultiplied would say so too, but then hosts multiply where they show, filter and write
+// pictures, and the background goes black. As opaque it is left as it is.
 const char* Instance::premultiplication() const {
-    const auto item = [&](std::size_t n) {
-        return static_cast<int>(editor_.parameters().value(n, std::nullopt).numbers[0]);
-    };
-    const int mode = item(output_mode_);
-    const bool over_background = mode == kComposite && connected(kBackground);
-    if (over_background || item(overlay_mode_) != kNoOverlay) return kOfxImageOpaque;
+    const int mode = static_cast<int>(editor_.parameters().value(output_mode_, std::nullopt).numbers[0]);
+    if (mode == kComposite && connected(kBackground)) return kOfxImageOpaque;
     return mode == kUnpremultiplied ? kOfxImageUnPreMultiplied : kOfxImagePreMultiplied;
 }
 

@@ -64,7 +64,6 @@ class Instance {
     Editor editor_;
     std::size_t screen_color_;
     std::size_t output_mode_;
-    std::size_t overlay_mode_;
     NodePool renderers_;
     NodePool planners_;              // only make requests, so that those disturb no renderer's frames
     std::atomic<int> sequences_{0};  // of renders that go on

@@ -65,10 +65,6 @@ inline constexpr std::string_view kScreenColor = "screen_color";
 inline constexpr std::string_view kOutputMode = "output_mode";
 inline constexpr int kComposite = 0;  // items of kOutputMode
 inline constexpr int kUnpremultiplied = 2;
-inline constexpr std::string_view kOverlayMode = "overlay_mode";
-inline constexpr int kNoOverlay = 0;  // item of kOverlayMode
-// What the output's premultiplication depends on. It must not change with time, so these do not animate.
-inline constexpr std::array kPreferenceKnobs{kOutputMode, kOverlayMode};
 
 // What a parameter holds; numbers for all but texts.
 struct Value {

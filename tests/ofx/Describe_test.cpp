@@ -30,8 +30,7 @@ TEST_F(Describe, ThePlugin) {
     EXPECT_EQ(p.string_at(kOfxImageEffectPluginRenderThreadSafety), kOfxImageEffectRenderFullySafe);
     EXPECT_THAT(p.strings(kOfxImageEffectPropSupportedPixelDepths),
                 ElementsAre(kOfxBitDepthFloat, kOfxBitDepthShort, kOfxBitDepthByte));
-    EXPECT_THAT(p.strings(kOfxImageEffectPropClipPreferencesSlaveParam),
-                ElementsAre("output_mode", "overlay_mode"));
+    EXPECT_THAT(p.strings(kOfxImageEffectPropClipPreferencesSlaveParam), ElementsAre("output_mode"));
 
     std::ifstream icon(std::string(OFX_BUNDLE_DIR) + "/Contents/Resources/org.veloxa.Keyer.png",
                        std::ios::binary);
@@ -73,7 +72,7 @@ TEST_F(Describe, EveryKnobIsAParameter) {
         EXPECT_EQ(p.string_at(kOfxPropLabel), knob->label());
         EXPECT_EQ(p.string_at(kOfxParamPropHint).substr(0, 8), knob->tooltip().substr(0, 8));
         // What the clips are must not change with time.
-        const bool fixed = knob->name() == "output_mode" || knob->name() == "overlay_mode";
+        const bool fixed = knob->name() == "output_mode";
         EXPECT_EQ(p.int_at(kOfxParamPropAnimates), fixed ? 0 : 1);
         if (knob->kind() == Knob::Kind::kMenu) {
             EXPECT_EQ(p.strings(kOfxParamPropChoiceOption), knob->items());

@@ -244,16 +244,12 @@ TEST_F(Edit, ValuesAloneBringAnInstanceBack) {
 TEST_F(Edit, PreferencesSayWhetherColourIsMultiplied) {
     const char *pre = kOfxImagePreMultiplied, *un = kOfxImageUnPreMultiplied, *finished = kOfxImageOpaque;
     const struct {
-        double mode, overlay, merge;
+        double mode, merge;
         const char *over_background, *without;
-    } cases[] = {
-        {0, 0, 0, finished, pre}, {0, 0, 1, finished, pre},      {1, 0, 0, pre, pre},
-        {2, 0, 0, un, un},        {1, 1, 0, finished, finished}, {2, 2, 0, finished, finished},
-    };
+    } cases[] = {{0, 0, finished, pre}, {0, 1, finished, pre}, {1, 0, pre, pre}, {2, 0, un, un}};
     for (const auto& c : cases) {
         SCOPED_TRACE(&c - cases);
-        const Settings settings{
-            {"output_mode", {c.mode}}, {"overlay_mode", {c.overlay}}, {"merge", {c.merge}}};
+        const Settings settings{{"output_mode", {c.mode}}, {"merge", {c.merge}}};
         const auto state = [](const std::unique_ptr<Instance>& effect) {
             return effect->preferences.string_at(kOfxImageEffectPropPreMultiplication);
         };
