@@ -81,6 +81,13 @@ std::vector<float> sample_mattes(const Setting& setting, std::span<const PlatedS
     return {matte, matte + samples.size()};
 }
 
+std::vector<Dial> add_matte_dials(const Setting& setting) {
+    std::vector<Dial> dials{Dial::number(&K::brights, 0.0, 1000.0), Dial::number(&K::darks, -500.0, 500.0),
+                            Dial::number(&K::warm, -1000.0, 1000.0), Dial::number(&K::cool, -1000.0, 1000.0)};
+    hold(dials, setting.held);
+    return dials;
+}
+
 Tuning analyse_add_matte(const Setting& setting, std::span<const PlatedSample> samples,
                          std::span<const PlatedSample> backing, std::span<const float> mattes) {
     const std::size_t asked = samples.size();
@@ -89,9 +96,7 @@ Tuning analyse_add_matte(const Setting& setting, std::span<const PlatedSample> s
     for (std::size_t i = 0; i < n; ++i) stages.put(i, i < asked ? samples[i] : backing[i - asked]);
     stages.normalise();
 
-    const std::vector<Dial> dials{
-        Dial::number(&K::brights, 0.0, 1000.0), Dial::number(&K::darks, -500.0, 500.0),
-        Dial::number(&K::warm, -1000.0, 1000.0), Dial::number(&K::cool, -1000.0, 1000.0)};
+    const std::vector<Dial> dials = add_matte_dials(setting);
     const std::vector<Ray> rays{{0, 0, 1, 1}, {1, 1, 0, 0}, {1, 0, 1, 0}, {1, 0, 0, 1}, {1, 1, 1, 1}};
     const auto misses = [&](const KnobStorage& knobs, std::size_t first, std::span<double> out) {
         const float* const matte = stages.matte(knobs, first, out.size());

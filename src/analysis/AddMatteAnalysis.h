@@ -19,6 +19,8 @@ struct PlatedSample {
 // The matte of samples, 0 to 255, as the present knobs make it.
 std::vector<float> sample_mattes(const Setting& setting, std::span<const PlatedSample> samples);
 
+// What the analysis may turn.
+std::vector<Dial> add_matte_dials(const Setting& setting);
 // `mattes` are those that the backing has to keep. The misses of the result are the samples', then the
 // backing's.
 Tuning analyse_add_matte(const Setting& setting, std::span<const PlatedSample> samples,

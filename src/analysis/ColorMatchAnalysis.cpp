@@ -44,6 +44,14 @@ ControlTriple levels(const Sample& sample, std::int32_t color_index) {
 
 }  // namespace
 
+std::vector<Dial> color_match_dials(const Setting& setting, int component) {
+    std::vector<Dial> dials{Dial::component(&K::color_darks, component, 0.0, 1.0, 0.5, 1.0 / 200.0),
+                            Dial::component(&K::color_midtones, component, 0.0, 1.0, 0.5, 1.0 / 200.0),
+                            Dial::component(&K::color_brights, component, 0.0, 1.0, 0.0, 1.0 / 200.0)};
+    hold(dials, setting.held);
+    return dials;
+}
+
 ColorMatch match_colors(const Setting& setting, std::span<const Sample> keyed,
                         std::span<const Sample> background) {
     const std::size_t bands = std::min({keyed.size(), background.size(), std::size_t{3}});
@@ -74,11 +82,8 @@ ColorMatch match_colors(const Setting& setting, std::span<const Sample> keyed,
     const std::vector<Ray> rays{{1, 1, 1},  {1, 1, 0},  {1, 0, 1}, {0, 1, 1},
                                 {1, 0, -1}, {1, -1, 0}, {0, 1, -1}};
     for (std::size_t role = 0; role < 3; ++role) {
-        const int component = ChannelForRole(color_index, static_cast<int>(role));
-        const std::vector<Dial> dials{
-            Dial::component(&K::color_darks, component, 0.0, 1.0, 0.5, 1.0 / 200.0),
-            Dial::component(&K::color_midtones, component, 0.0, 1.0, 0.5, 1.0 / 200.0),
-            Dial::component(&K::color_brights, component, 0.0, 1.0, 0.0, 1.0 / 200.0)};
+        const std::vector<Dial> dials =
+            color_match_dials(setting, ChannelForRole(color_index, static_cast<int>(role)));
         match.tuning.knobs = tune(match.tuning.knobs, dials, rays, bands,
                                   [&](const KnobStorage& knobs, std::size_t first, std::span<double> misses) {
                                       off(knobs, role, first, misses);

@@ -16,6 +16,8 @@ struct ColorMatch {
     ControlTriple bg{-1, -1, -1};
 };
 
+// What the analysis may turn of a channel.
+std::vector<Dial> color_match_dials(const Setting& setting, int component);
 // Colours on the working scale.
 ColorMatch match_colors(const Setting& setting, std::span<const VeloxaSample::Sample> keyed,
                         std::span<const VeloxaSample::Sample> background);

@@ -5,7 +5,9 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 
+#include "keyer/KnobFields.h"
 #include "keyer/KnobStorage.h"
 
 struct Dial {
@@ -26,7 +28,12 @@ struct Dial {
         return color != nullptr ? (knobs.*color)[index] : knobs.*field;
     }
 
-    // Cells that it may go down (negative) and up from the present value; none from one that is not finite.
+    std::size_t place() const {
+        return color != nullptr ? KnobFields::place(color) : KnobFields::place(field);
+    }
+
+    // Cells that it may go down (negative) and up from the present value; none from one that is not finite,
+    // and none when the dial is held.
     int lowest(float present) const;
     int highest(float present) const;
     // The value `cells` away from the present one.
@@ -41,8 +48,12 @@ struct Dial {
     double range = 1.0;  // what a distance is measured by
     double origin = 0.0;
     double step = 1.0;
+    bool held = false;
 
   private:
     double cell(double value) const;
     double entry(double cell) const;
 };
+
+// Holds those whose fields are in the set.
+void hold(std::span<Dial> dials, const KnobFields& held);

@@ -14,6 +14,14 @@ constexpr double kHighestRecover = 200.0;
 
 }  // namespace
 
+std::vector<Dial> matte_sample_dials(const Setting& setting, bool remove_noise) {
+    const double present = static_cast<double>(setting.knobs.cleanup_recover);
+    std::vector<Dial> dials{Dial::level(&K::cleanup_recover, remove_noise ? 0.0 : present, kHighestRecover)};
+    if (remove_noise) dials.push_back(Dial::number(&K::cleanup_cleanup, 0.0, 500.0));
+    hold(dials, setting.held);
+    return dials;
+}
+
 Tuning analyse_matte_samples(const Setting& setting, bool remove_noise,
                              std::span<const MatteSample> samples) {
     const std::size_t n = samples.size();
@@ -22,14 +30,10 @@ Tuning analyse_matte_samples(const Setting& setting, bool remove_noise,
 
     KnobStorage base = setting.knobs;
     base.cleanup = base.cleanup || remove_noise;
-    const double held = static_cast<double>(base.cleanup_recover);
-    std::vector<Dial> dials{Dial::level(&K::cleanup_recover, remove_noise ? 0.0 : held, kHighestRecover)};
+    const std::vector<Dial> dials = matte_sample_dials(setting, remove_noise);
     std::vector<Ray> rays;
-    if (remove_noise) {
-        dials.push_back(Dial::number(&K::cleanup_cleanup, 0.0, 500.0));
-        // Strength to its end for clear-cut thresholds: what keeps detail needs recover close below noise.
-        rays = {{1, 1}, {0.5, 1}, {0.25, 1}, {-1, 1}};
-    }
+    // Strength to its end for clear-cut thresholds: what keeps detail needs recover close below noise.
+    if (remove_noise) rays = {{1, 1}, {0.5, 1}, {0.25, 1}, {-1, 1}};
 
     TrialControls trial(setting);
     std::vector<float> cleaned(n);

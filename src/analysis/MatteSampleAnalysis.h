@@ -13,4 +13,6 @@ struct MatteSample {
     bool noise;   // to become 255; else to stay
 };
 
+// What the analysis may turn.
+std::vector<Dial> matte_sample_dials(const Setting& setting, bool remove_noise);
 Tuning analyse_matte_samples(const Setting& setting, bool remove_noise, std::span<const MatteSample> samples);

@@ -55,7 +55,7 @@ std::vector<bool> overlay_agrees(const Setting& setting, std::span<const Overlay
     return agrees;
 }
 
-Tuning analyse_overlay(const Setting& setting, std::span<const OverlaySample> samples) {
+std::vector<Dial> overlay_dials(const Setting& setting) {
     const std::int32_t color_index = setting.color_index();
     std::vector<Dial> dials;
     const auto tolerance = [&](int role) {
@@ -68,15 +68,19 @@ Tuning analyse_overlay(const Setting& setting, std::span<const OverlaySample> sa
     dials.push_back(Dial::number(&K::screen_darks_red_smaller, -50.0, 50.0));
     dials.push_back(Dial::number(&K::screen_brights_red_larger, 0.0, 1000.0));
     dials.push_back(Dial::number(&K::screen_brights_red_smaller, 0.0, 1000.0));
+    if (setting.clean_plate()) tolerance(2);
+    hold(dials, setting.held);
+    return dials;
+}
+
+Tuning analyse_overlay(const Setting& setting, std::span<const OverlaySample> samples) {
+    const std::vector<Dial> dials = overlay_dials(setting);
     std::vector<Ray> rays{{1, 1, 0, 0, 0, 0},   {0, 0, 1, 1, 0, 0},   {0, 0, 0, 0, 1, 1},
                           {1, 0, 0, 1, 0, 0},   {0, 1, 1, 0, 0, 0},   {1, 1, 1, 1, 0, 0},
                           {1, 1, 0, 0, -1, -1}, {1, 0, 0, 0, 0, -1},  {0, 1, 0, 0, -1, 0},
                           {1, 1, 1, 1, -1, -1}, {1, 1, -1, -1, 0, 0}, {1, 0, -1, 0, 0, 0},
                           {1, 0, 0, -1, 0, 0},  {0, 1, -1, 0, 0, 0},  {0, 1, 0, -1, 0, 0}};
-    if (setting.clean_plate()) {
-        tolerance(2);
-        for (Ray& ray : rays) ray.push_back(0.0);
-    }
+    for (Ray& ray : rays) ray.resize(dials.size());
 
     Regions regions(setting, samples);
     const auto misses = [&](const KnobStorage& knobs, std::size_t first, std::span<double> out) {

@@ -18,4 +18,6 @@ struct OverlaySample {
 // Whether the decision on each sample is what it should be, as the present knobs make it.
 std::vector<bool> overlay_agrees(const Setting& setting, std::span<const OverlaySample> samples);
 
+// What the analysis may turn.
+std::vector<Dial> overlay_dials(const Setting& setting);
 Tuning analyse_overlay(const Setting& setting, std::span<const OverlaySample> samples);

@@ -93,11 +93,8 @@ std::vector<bool> spill_agrees(const Setting& setting, const KnobStorage& knobs,
     return agrees;
 }
 
-Tuning analyse_spill(const Setting& setting, std::span<const SpillSample> samples) {
+std::vector<Dial> spill_dials(const Setting& setting, bool transparent) {
     const std::int32_t color_index = setting.color_index();
-    const bool transparent = std::any_of(samples.begin(), samples.end(), [](const SpillSample& s) {
-        return s.keyed[3] > 0.0f && s.keyed[3] < 255.0f;
-    });
     std::vector<Dial> dials{
         Dial::number(&K::spill_cool, -300.0, 300.0),   Dial::number(&K::spill_warm, -300.0, 300.0),
         Dial::number(&K::spill_brights, 50.0, 200.0),  Dial::number(&K::spill_strength, 0.0, 100.0),
@@ -106,15 +103,24 @@ Tuning analyse_spill(const Setting& setting, std::span<const SpillSample> sample
         dials.push_back(
             Dial::level_component(&K::spill_ambience, ChannelForRole(color_index, role), 0.0, 1.0));
     }
+    if (transparent && !setting.clean_plate()) {
+        dials.push_back(Dial::component(&K::spill_backgroundveiling, ChannelForRole(color_index, 2), 0.0, 1.0,
+                                        0.0, 1.0 / 250.0));
+    }
+    hold(dials, setting.held);
+    return dials;
+}
+
+Tuning analyse_spill(const Setting& setting, std::span<const SpillSample> samples) {
+    const bool transparent = std::any_of(samples.begin(), samples.end(), [](const SpillSample& s) {
+        return s.keyed[3] > 0.0f && s.keyed[3] < 255.0f;
+    });
+    const std::vector<Dial> dials = spill_dials(setting, transparent);
     std::vector<Ray> rays{{1, 1, 0, 0, 0, 0, 0, 0, 0},   {1, 1, 0, -1, 0, 0, 0, 0, 0},
                           {1, 1, 1, 0, 0, 0, 0, 0, 0},   {1, 0, 0, -1, 0, 0, 0, 0, 0},
                           {0, 1, 0, -1, 0, 0, 0, 0, 0},  {0, 0, 0, 0, 0, 0, 1, 1, 1},
                           {0, 0, 0, 0, 0, 0, -1, -1, 1}, {1, 1, 0, 0, 0, 0, 1, 1, -1}};
-    if (transparent && !setting.clean_plate()) {
-        dials.push_back(Dial::component(&K::spill_backgroundveiling, ChannelForRole(color_index, 2), 0.0, 1.0,
-                                        0.0, 1.0 / 250.0));
-        for (Ray& ray : rays) ray.push_back(0.0);
-    }
+    for (Ray& ray : rays) ray.resize(dials.size());
 
     Spills spills(setting, samples);
     const auto misses = [&](const KnobStorage& knobs, std::size_t first, std::span<double> out) {

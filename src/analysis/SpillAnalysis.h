@@ -25,4 +25,6 @@ struct SpillSample {
 std::vector<bool> spill_agrees(const Setting& setting, const KnobStorage& knobs,
                                std::span<const SpillSample> samples);
 
+// What the analysis may turn; the veiling only where samples are partly transparent.
+std::vector<Dial> spill_dials(const Setting& setting, bool transparent);
 Tuning analyse_spill(const Setting& setting, std::span<const SpillSample> samples);

@@ -16,6 +16,7 @@ struct Setting {
     const KnobStorage& knobs;
     const ControlBlock& controls;
     std::uint32_t input_flags;
+    KnobFields held{};  // what no analysis turns
 
     std::int32_t color_index() const { return controls.get(controls::kColorIndex); }
     bool clean_plate() const;

@@ -10,6 +10,8 @@
 // Where more than one dial is turned, the samples are also taken in one by one, from the newest back, and the
 // nearer of the two results stands.
 //
+// Dials that are held stay, and the others do what they can; where all are held nothing is turned.
+//
 // Samples that contradict each other: from the newest back, each is taken in if there is an answer to it and
 // all taken in before; after kMostRefusals samples without one the older ones are no longer tried. Knobs
 // change only where that satisfies a newer sample than before, and the search is repeated from its result

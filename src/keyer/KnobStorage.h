@@ -83,6 +83,8 @@ struct KnobStorage {
     std::int32_t matte_scale = 0;  // knee, linear
     std::int32_t merge = 0;        // multiply, add
 
+    bool operator==(const KnobStorage&) const = default;
+
     bool linear_matte() const { return matte_scale == 1; }
     bool adds() const { return merge == 1; }
 

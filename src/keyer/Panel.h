@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "ZoImage/KnobClosure.h"
+#include "keyer/KnobFields.h"
 #include "keyer/KnobStorage.h"
 #include "keyer/VeloxaSample_Knob.h"
 
@@ -55,6 +56,10 @@ class PanelKnobs {
     std::optional<Tool> tool_of(const Zo::Image::Knob* knob) const;
     // The knobs that hold the settings, in panel order.
     const std::vector<Zo::Image::Knob*>& settings() const { return settings_; }
+    // The fields of those that are held.
+    KnobFields held() const;
+    // Those of the settings that are held and write one of these fields.
+    std::vector<Zo::Image::Knob*> held_among(const KnobFields& fields) const;
 
   private:
     friend class PanelBuilder;
@@ -71,6 +76,7 @@ class PanelKnobs {
 
     std::vector<Dependency> dependencies_;
     std::vector<Zo::Image::Knob*> settings_;
+    std::vector<std::size_t> places_;                     // of the field that each of them writes
     std::vector<Zo::Image::Knob*> screen_correct_knobs_;  // what the tab's "reset" restores
     std::vector<Zo::Image::Knob*> spill_knobs_;
     std::array<VeloxaSample_Knob*, 6> samples_{};

@@ -29,7 +29,7 @@ Knob* PanelBuilder::boolean(bool KnobStorage::*field, Text name, Text label, Tex
     Knob* const knob = bool_knob(closure_, &(storage_.*field), name, label);
     set_defaults(closure_, defaults_.*field);
     Tooltip(closure_, tooltip);
-    return note(knob);
+    return setting(knob, KnobFields::place(field));
 }
 
 Knob* PanelBuilder::number(float KnobStorage::*field, Text name, Text label, double low, double high,
@@ -38,7 +38,7 @@ Knob* PanelBuilder::number(float KnobStorage::*field, Text name, Text label, dou
     set_defaults(closure_, defaults_.*field);
     SetRange(closure_, low, high);
     Tooltip(closure_, tooltip);
-    return note(knob);
+    return setting(knob, KnobFields::place(field));
 }
 
 Knob* PanelBuilder::menu(std::int32_t KnobStorage::*field, std::initializer_list<Text> items, Text name,
@@ -46,14 +46,14 @@ Knob* PanelBuilder::menu(std::int32_t KnobStorage::*field, std::initializer_list
     Knob* const knob = menu_knob(closure_, &(storage_.*field), items, name, label);
     set_defaults(closure_, defaults_.*field);
     Tooltip(closure_, tooltip);
-    return note(knob);
+    return setting(knob, KnobFields::place(field));
 }
 
 Knob* PanelBuilder::color(KnobStorage::Color KnobStorage::*field, Text name, Text label, Text tooltip) {
     Knob* const knob = color_knob(closure_, &(storage_.*field), name, label);
     set_defaults(closure_, defaults_.*field);
     Tooltip(closure_, tooltip);
-    return note(knob);
+    return setting(knob, KnobFields::place(field));
 }
 
 Knob* PanelBuilder::color_alpha(KnobStorage::ColorAlpha KnobStorage::*field, Text name, Text label,
@@ -61,7 +61,7 @@ Knob* PanelBuilder::color_alpha(KnobStorage::ColorAlpha KnobStorage::*field, Tex
     Knob* const knob = color_alpha_knob(closure_, &(storage_.*field), name, label);
     set_defaults(closure_, defaults_.*field);
     Tooltip(closure_, tooltip);
-    return note(knob);
+    return setting(knob, KnobFields::place(field));
 }
 
 Knob* PanelBuilder::size(KnobStorage::Size KnobStorage::*field, Text name, Text label, double high,
@@ -70,7 +70,7 @@ Knob* PanelBuilder::size(KnobStorage::Size KnobStorage::*field, Text name, Text 
     set_defaults(closure_, defaults_.*field);
     SetRange(closure_, 0.0, high);
     Tooltip(closure_, tooltip);
-    return note(knob);
+    return setting(knob, KnobFields::place(field));
 }
 
 Knob* PanelBuilder::reset(Text tooltip) {
@@ -105,9 +105,16 @@ void PanelBuilder::tab(Text label, Text link, Knob* enable, Knob* second_enable,
     resets_ = resets;
 }
 
+Knob* PanelBuilder::setting(Knob* knob, std::size_t place) {
+    if (knob != nullptr) {
+        refs_.settings_.push_back(knob);
+        refs_.places_.push_back(place);
+    }
+    return note(knob);
+}
+
 Knob* PanelBuilder::note(Knob* knob) {
     if (knob == nullptr) return knob;
-    if (knob->takes_value()) refs_.settings_.push_back(knob);
     if (enable_ != nullptr) refs_.dependencies_.push_back({knob, enable_, second_enable_});
     if (resets_ != nullptr) resets_->push_back(knob);
     return knob;

@@ -44,6 +44,8 @@ class PanelBuilder {
     // Begins a tab whose knobs follow one enable or two; `resets` collects what its "reset" restores.
     void tab(Text label, Text link, Knob* enable, Knob* second_enable = nullptr,
              std::vector<Knob*>* resets = nullptr);
+    // A knob that writes the field at this place.
+    Knob* setting(Knob* knob, std::size_t place);
     Knob* note(Knob* knob);
 
     Zo::Image::Knob_Closure& closure_;

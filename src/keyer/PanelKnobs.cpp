@@ -45,6 +45,22 @@ std::optional<Tool> PanelKnobs::tool_of(const Knob* knob) const {
     return static_cast<Tool>(found - tools_.begin());
 }
 
+KnobFields PanelKnobs::held() const {
+    KnobFields fields;
+    for (std::size_t i = 0; i < settings_.size(); ++i) {
+        if (settings_[i]->flag(kKnobHeld)) fields.add(places_[i]);
+    }
+    return fields;
+}
+
+std::vector<Knob*> PanelKnobs::held_among(const KnobFields& fields) const {
+    std::vector<Knob*> knobs;
+    for (std::size_t i = 0; i < settings_.size(); ++i) {
+        if (settings_[i]->flag(kKnobHeld) && fields.has(places_[i])) knobs.push_back(settings_[i]);
+    }
+    return knobs;
+}
+
 int PanelKnobs::handle(Knob* knob) {
     if (knob == nullptr) return 0;
     const Knob* const enable = &knob->target();

@@ -37,44 +37,51 @@ void ToolRun::run(Tool tool) {
     report_ = "tool\t" + button.name() + "\n";
     if (take_box(button)) {
         node_.validate(true);
-        const bool subject = node_.knobs_.overlay_mode == static_cast<std::int32_t>(OverlayMode::kSubject);
-        switch (tool) {
-            case Tool::kScreen:
-                pick_color(node_.input(0), &KnobStorage::screen_color, false);
-                break;
-            case Tool::kMatchShadow:
-                pick_color(node_.input(2), &KnobStorage::shadows_tint, true);
-                break;
-            case Tool::kAddOverlay:
-                overlay(!subject);
-                break;
-            case Tool::kRemoveOverlay:
-                overlay(subject);
-                break;
-            case Tool::kAddMatte:
-                add_matte();
-                break;
-            case Tool::kRemoveNoise:
-            case Tool::kHoldShadow:
-            case Tool::kRestoreDetail:
-                matte_samples(tool);
-                break;
-            case Tool::kRestoreSpill:
-            case Tool::kRemoveSpill:
-                spill(tool == Tool::kRestoreSpill);
-                break;
-            case Tool::kMatchColor:
-                match_color();
-                break;
-        }
+        if (may_turn(tool)) use(tool);
     }
     for (std::size_t i = 0; i < node_.session_.saved_counts.size(); ++i) {
         node_.session_.saved_counts[i] = node_.panel_.samples(static_cast<SampleAction>(i))->count();
     }
+    node_.session_.knobs = node_.knobs_;
     node_.session_.report = std::move(report_);
 }
 
+void ToolRun::use(Tool tool) {
+    const bool subject = node_.knobs_.overlay_mode == static_cast<std::int32_t>(OverlayMode::kSubject);
+    switch (tool) {
+        case Tool::kScreen:
+            pick_color(node_.input(0), &KnobStorage::screen_color, false);
+            break;
+        case Tool::kMatchShadow:
+            pick_color(node_.input(2), &KnobStorage::shadows_tint, true);
+            break;
+        case Tool::kAddOverlay:
+            overlay(!subject);
+            break;
+        case Tool::kRemoveOverlay:
+            overlay(subject);
+            break;
+        case Tool::kAddMatte:
+            add_matte();
+            break;
+        case Tool::kRemoveNoise:
+        case Tool::kHoldShadow:
+        case Tool::kRestoreDetail:
+            matte_samples(tool);
+            break;
+        case Tool::kRestoreSpill:
+        case Tool::kRemoveSpill:
+            spill(tool == Tool::kRestoreSpill);
+            break;
+        case Tool::kMatchColor:
+            match_color();
+            break;
+    }
+}
+
 bool ToolRun::taken_back(SampleAction action) const {
+    // A held list takes no sample that could be missed.
+    if (is_held(action)) return node_.session_.knobs != node_.knobs_;
     const int count = node_.panel_.samples(action)->count();
     return count == 0 || count < node_.session_.saved_counts[static_cast<std::size_t>(action)];
 }
@@ -112,7 +119,7 @@ std::vector<StrokePixel> ToolRun::pixels(Iop& first, Iop* second) {
 }
 
 Setting ToolRun::setting(const KnobStorage& knobs) const {
-    return {knobs, node_.controls_, node_.inputFlags_};
+    return {knobs, node_.controls_, node_.inputFlags_, node_.panel_.held()};
 }
 
 Iop* ToolRun::plate() const {
@@ -214,6 +221,7 @@ void ToolRun::spill(bool restore) {
         std::vector<SpillSample> asked;
         for (const StrokePixel& p : pixels(node_.outputMatte, nullptr)) asked.push_back({p.first, restore});
         strokes.begin(std::move(asked));
+        if (list->flag(kKnobHeld)) return tell_held(*list);
         list->add_area(node_.outputMatte, box_.x, box_.y, box_.r, box_.t);
     });
 

@@ -8,7 +8,11 @@
 //   box      X Y R T
 //   knob     NAME, value before, value after      one line for each knob that changed
 //   samples  satisfied, unsatisfied, unusable     the last are NaN or infinite
+//   held     NAME                                 one line for each knob that it leaves for that reason
 //   note     what else there is to say
+//
+// Where a tool has nothing left to turn it asks for nothing: no sample is kept. Held sample lists stay as
+// they are; what of them is as asked counts before all strokes.
 #pragma once
 
 #include <algorithm>
@@ -28,6 +32,9 @@ class ToolRun {
     using Sample = VeloxaSample::Sample;
 
     bool take_box(const Zo::Image::Knob& tool);
+    // Whether a held knob leaves the tool anything to turn; says which are held.
+    bool may_turn(Tool tool);
+    void use(Tool tool);
     // Calls `look` while the node stands as with these knobs.
     template <class Look>
     void with(const KnobStorage& knobs, const Look& look);
@@ -55,6 +62,8 @@ class ToolRun {
 
     Setting setting() const { return setting(node_.knobs_); }
     Setting setting(const KnobStorage& knobs) const;
+    void tell_held(const Zo::Image::Knob& knob);
+    bool is_held(SampleAction action) const;
     // Whether the saved list was cleared, undone or restored since the latest stroke.
     bool taken_back(SampleAction action) const;
     Zo::Image::Iop* plate() const;

@@ -15,9 +15,10 @@ constexpr std::size_t kMostPlaces = 256;
 
 }  // namespace
 
-// The lists' means before the pixels, the other tool's before this one's.
+// The lists' means before the pixels, the other tool's before this one's; but the newest wins, so what a held
+// list has right comes last.
 std::vector<OverlaySample> ToolRun::overlay_samples(bool add) {
-    std::vector<OverlaySample> samples;
+    std::vector<OverlaySample> samples, kept;
     unusable_ = 0;
     const auto append = [&](const OverlaySample& sample) {
         if (usable(sample.fg) && usable(sample.plate)) {
@@ -28,8 +29,8 @@ std::vector<OverlaySample> ToolRun::overlay_samples(bool add) {
     };
     const KnobStorage::Color& screen = node_.knobs_.screen_color;
     for (const bool mode : {!add, add}) {
-        const auto* const fg =
-            node_.panel_.samples(mode ? SampleAction::kAddOverlay : SampleAction::kRemoveOverlay);
+        const SampleAction action = mode ? SampleAction::kAddOverlay : SampleAction::kRemoveOverlay;
+        const auto* const fg = node_.panel_.samples(action);
         const auto* const cp =
             node_.panel_.samples(mode ? SampleAction::kAddOverlayCp : SampleAction::kRemoveOverlayCp);
         for (std::size_t i = 0; i < fg->samples().size(); ++i) {
@@ -37,10 +38,16 @@ std::vector<OverlaySample> ToolRun::overlay_samples(bool add) {
             const std::size_t plates = cp->samples().size();
             const Sample plated =
                 back <= plates ? cp->samples()[plates - back] : Sample{screen[0], screen[1], screen[2], 0.0f};
-            append({as_saved(fg->samples()[i]), as_saved(plated), mode});
+            const OverlaySample sample{as_saved(fg->samples()[i]), as_saved(plated), mode};
+            if (is_held(action) && overlay_agrees(setting(), {&sample, 1}).front()) {
+                kept.push_back(sample);
+            } else {
+                append(sample);
+            }
         }
     }
     for (const OverlaySample& pixel : node_.session_.overlay.samples()) append(pixel);
+    for (const OverlaySample& sample : kept) append(sample);
     return samples;
 }
 
@@ -134,6 +141,10 @@ void ToolRun::gather_overlay(bool add) {
         asked.push_back({p.first, plate() != nullptr ? p.second : constant, add});
     }
     node_.session_.overlay.begin(std::move(asked));
+    // A plate's sample belongs to one of the foreground.
+    for (const Knob* const samples : {fg, cp}) {
+        if (samples->flag(kKnobHeld)) return tell_held(*samples);
+    }
     fg->add_area(node_.input(0), box_.x, box_.y, box_.r, box_.t);
     node_.validate(true);
     if (plate() == nullptr) {

@@ -21,6 +21,7 @@
 
 struct ToolSession {
     std::array<int, 6> saved_counts{};  // of the lists by SampleAction, after the latest stroke
+    KnobStorage knobs;                  // then
     Strokes<OverlaySample> overlay;
     Strokes<SpillSample> spill;
 

@@ -48,6 +48,12 @@ float plate(const std::vector<Patch>& patches, Channel c, int x, int y) {
     return color[static_cast<std::size_t>(c) - 1] + 0.002f * static_cast<float>(grain);
 }
 
+std::string text_of(const Knob& knob) {
+    std::ostringstream text;
+    knob.to_script(text, true);
+    return text.str();
+}
+
 class Rig {
   public:
     Rig()
@@ -94,13 +100,11 @@ class Rig {
         return names;
     }
     std::string values() const {
-        std::ostringstream text;
+        std::string text;
         for (const auto& knob : panel.knobs()) {
-            if (knob->kind() == Knob::Kind::kCustom || !knob->takes_value()) continue;
-            knob->to_script(text, true);
-            text << '\n';
+            if (knob->kind() != Knob::Kind::kCustom && knob->takes_value()) text += text_of(*knob) + '\n';
         }
-        return text.str();
+        return text;
     }
     std::string report() const { return node.diagnostic("tool"); }
 
@@ -181,6 +185,81 @@ TEST(Tools, WhatWasAskedIsInThePicture) {
         rig.stroke(c.tool, *c.box);
         EXPECT_EQ(rig.values(), values) << rig.report();
     }
+}
+
+// The solver does with the other knobs what it can, and where there is none of them it leaves no trace.
+TEST(Tools, HeldKnobsStay) {
+    using Names = std::vector<const char*>;
+    const struct {
+        const char* tool;
+        const Box* box;
+        Names hold;  // with which the tool still finds an answer
+        const char* stage;
+        Values after;
+        Names hold_too;  // with which it has nothing left
+    } cases[] = {
+        {"toolbar_addoverlay",
+         &kShade,
+         {"screen_tolerance"},
+         "clearRegion",
+         kFull,
+         {"screen_darks_red_smaller", "screen_darks_red_larger", "screen_brights_red_smaller",
+          "screen_brights_red_larger"}},
+        {"toolbar_addmatte", &kGrey, {"brights"}, "outputMatte", kNone, {"darks", "warm", "cool"}},
+        {"toolbar_removenoise", &kNoise, {"cleanup_recover"}, "cleanup", kFull, {"cleanup"}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.tool);
+        Rig rig;
+        const auto hold = [&](const Names& names) {
+            for (const char* name : names) rig.panel.get(name).set_flag(kKnobHeld, true);
+        };
+        hold(c.hold);
+        hold(c.hold_too);
+        const std::string script = write_script(rig.panel);
+        rig.stroke(c.tool, *c.box);
+        EXPECT_EQ(write_script(rig.panel), script);
+        EXPECT_NE(rig.report().find("note\t"), std::string::npos) << rig.report();
+        EXPECT_NE(rig.report().find(std::string("held\t") + c.hold.front()), std::string::npos);
+        for (const char* name : c.hold_too) rig.panel.get(name).set_flag(kKnobHeld, false);
+        rig.stroke(c.tool, *c.box);
+        EXPECT_EQ(rig.span(c.stage, kAlpha, *c.box), c.after) << rig.report();
+        for (const char* name : c.hold) EXPECT_FALSE(rig.panel.get(name).differs_from_default()) << name;
+    }
+    for (const auto& [tool, knob] : {std::pair{"toolbar_screen", "screen_color"},
+                                     {"toolbar_matchshadow", "shadows_tint"},
+                                     {"toolbar_restorespill", "spill_suppression"},
+                                     {"toolbar_removespill", "spill_suppression"},
+                                     {"toolbar_matchcolor", "color_conformance"},
+                                     {"toolbar_holdShadow", "cleanup_recover"}}) {
+        Rig rig;
+        rig.set("spill_suppression", "0");
+        rig.panel.get(knob).set_flag(kKnobHeld, true);
+        const std::string script = write_script(rig.panel);
+        rig.stroke(tool, kLeaf);
+        EXPECT_EQ(write_script(rig.panel), script) << tool;
+        EXPECT_NE(rig.report().find("note\t"), std::string::npos) << rig.report();
+    }
+}
+
+// What of a held list is right stays right, though a newer stroke contradicts it.
+TEST(Tools, HeldListsComeFirst) {
+    Rig rig;
+    rig.stroke("toolbar_addoverlay", kShade);
+    Rig other;
+    apply_script(other.panel, read_script(write_script(rig.panel), "s").at(0), "s");
+    const auto lists = [&] {
+        std::string text;
+        for (const char* name : {"us_add_overlay", "us_remove_ovelray"}) {
+            other.panel.get(name).set_flag(kKnobHeld, true);
+            text += text_of(other.panel.get(name));
+        }
+        return text;
+    };
+    const std::string before = lists();
+    other.stroke("toolbar_removeoverlay", kShade);
+    EXPECT_EQ(lists(), before);
+    EXPECT_EQ(other.span("clearRegion", kAlpha, kShade).second, 255.0f) << other.report();
 }
 
 // The primary that leaves spill suppression under the box, less what enters it.
@@ -372,11 +451,7 @@ TEST(Tools, AnUndoneStrokeAsksForNothingAnyMore) {
     const std::string before = rig.values();
     rig.stroke("toolbar_addoverlay", kShade);
     const auto* const list = rig.panel.find("us_add_overlay");
-    const auto samples = [&] {
-        std::ostringstream text;
-        list->to_script(text, false);
-        return text.str();
-    };
+    const auto samples = [&] { return text_of(*list); };
     const std::string two = samples();
     while (samples() == two || rig.values() != before) ASSERT_TRUE(rig.panel.undo());
     for (Rig* const r : {&rig, &other}) r->stroke("toolbar_removeoverlay", kShade);

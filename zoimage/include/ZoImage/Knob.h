@@ -49,6 +49,7 @@ struct KnobRange {
 inline constexpr unsigned kKnobHidden = 1;
 inline constexpr unsigned kKnobDisabled = 2;
 inline constexpr unsigned kKnobNotSaved = 4;  // left out of the scripts that are written
+inline constexpr unsigned kKnobHeld = 8;      // set by front ends: the operator's own tools leave the value
 
 class Knob : public ValueStuffI {
   public:
