@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <set>
 
 #include "Errors.h"
 #include "ZoImage/Iop.h"
@@ -34,6 +35,22 @@ constexpr int kLowestBrights = 50;
 // In trials on plates of known alpha a strength of 20 took a fifth off the matte's error and nothing off the
 // composite; from 50 on the composite suffers.
 constexpr int kGentleCleanup = 20;
+
+// While it lives the node's tools leave these knobs alone; later strokes may turn them.
+class Hold {
+  public:
+    explicit Hold(const std::set<Knob*>& knobs) : knobs_(knobs) { hold(true); }
+    ~Hold() { hold(false); }
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+
+  private:
+    void hold(bool on) const {
+        for (Knob* const knob : knobs_) knob->set_flag(kKnobHeld, on);
+    }
+
+    const std::set<Knob*>& knobs_;
+};
 
 }  // namespace
 
@@ -121,6 +138,12 @@ bool AutoSetup::keeps_solid(const std::vector<double>& before) const {
                       [](double a, double b) { return a >= b - kMostLost; });
 }
 
+bool AutoSetup::keeps_decided(const std::vector<float>& before) const {
+    return std::equal(alpha_.begin(), alpha_.end(), before.begin(), [](float now, float then) {
+        return !(then <= 0.0f && now > 0.0f) && !(then >= 1.0f && now < 1.0f);
+    });
+}
+
 void AutoSetup::step(const char* name, const KnobValues& before) {
     ToolReport report;
     report.tool = name;
@@ -130,9 +153,29 @@ void AutoSetup::step(const char* name, const KnobValues& before) {
     reports_.push_back(report);
 }
 
+bool AutoSetup::stays(const std::string& name) {
+    Knob& knob = node_.panel().get(name);
+    if (node_.named().count(&knob) == 0) return false;
+    const std::string value = knob.kind() == Knob::Kind::kCustom ? "" : " at " + text_of(knob);
+    const std::string note = name + " stays" + value + ", as set";
+    if (std::find(notes_.begin(), notes_.end(), note) == notes_.end()) notes_.push_back(note);
+    return true;
+}
+
+bool AutoSetup::density_stays() {
+    if (stays("brights")) return true;
+    for (const char* const name : {"darks", "warm", "cool"}) {
+        if (node_.scripted().count(&node_.panel().get(name)) == 0) continue;
+        notes_.push_back("brights stays at " + text_of(node_.panel().get("brights")) +
+                         ", as the script sets " + name);
+        return true;
+    }
+    return false;
+}
+
 void AutoSetup::choose_output() {
-    node_.panel().set_from_text("matte_scale", "linear");
-    node_.panel().set_from_text("merge", "add");
+    if (!stays("matte_scale")) node_.panel().set_from_text("matte_scale", "linear");
+    if (!stays("merge")) node_.panel().set_from_text("merge", "add");
     render();
     side_ = std::max(kSmallestTile, std::min(box_.width(), box_.height()) / kTilesAcross);
     for (const Tile& tile : tiles()) {
@@ -152,9 +195,12 @@ void AutoSetup::stroke_tiles(const char* tool, const Wanted& wanted) {
         found.erase(worst);
         const KnobValues before(node_.panel());
         const std::vector<double> solid = solidity();
+        const std::vector<float> alpha = alpha_;
         ToolReport report = apply_stroke(node_, {&button, box, {}});
+        for (const std::string& name : report.held) stays(name);
+        if (!report.held.empty() && report.samples() == 0) return;  // the tool has nothing left to turn
         render();
-        if (!keeps_solid(solid)) {
+        if (!keeps_solid(solid) || (!node_.scripted().empty() && !keeps_decided(alpha))) {
             before.restore();
             render();
         } else if (!report.changes.empty()) {
@@ -186,28 +232,47 @@ void AutoSetup::turn(const char* name, int wanted) {
 }
 
 void AutoSetup::lower_density() {
-    const bool higher = node_.panel().get("brights").get_value() > kLowestBrights;
-    if (!solid_.empty() && higher) turn("brights", kLowestBrights);
+    if (solid_.empty() || density_stays()) return;
+    if (node_.panel().get("brights").get_value() > kLowestBrights) turn("brights", kLowestBrights);
 }
 
 void AutoSetup::clean_up() {
-    Knob& cleanup = node_.panel().get("cleanup");
-    if (cleanup.get_value() != 0.0) return;
+    const Knob& cleanup = node_.panel().get("cleanup");
+    const Knob& strength = node_.panel().get("cleanup_cleanup");
+    if (stays("cleanup") || cleanup.get_value() != 0.0) return;
     const KnobValues before(node_.panel());
-    node_.panel().set_from_text("cleanup_cleanup", "0");
+    const bool given = stays("cleanup_cleanup");
+    const std::vector<double> solid = solidity();
+    if (!given) node_.panel().set_from_text("cleanup_cleanup", "0");
     node_.panel().set_from_text("cleanup", "1");
     render();
-    turn("cleanup_cleanup", kGentleCleanup);
-    if (node_.panel().get("cleanup_cleanup").get_value() > 0.0) return;
+    if (!given) turn("cleanup_cleanup", kGentleCleanup);
+    if (strength.get_value() > 0.0 && keeps_solid(solid)) return;
     before.restore();
     render();
 }
 
 std::vector<ToolReport> AutoSetup::run() {
+    const Hold hold(node_.named());
+    set_up();
+    if (!notes_.empty()) {
+        ToolReport report;
+        report.tool = "auto";
+        report.box = box_;
+        report.notes = std::move(notes_);
+        reports_.push_back(std::move(report));
+    }
+    return std::move(reports_);
+}
+
+void AutoSetup::set_up() {
     KnobValues before(node_.panel());
     choose_output();
     step("auto output", before);
-    stroke_tiles("addoverlay", [](const Tile& tile) { return is_noise(tile) || is_unclear(tile); });
+    // The overlay tools change places when the subject is shown.
+    const bool subject = text_of(node_.panel().get("overlay_mode")) == "subject";
+    stroke_tiles(subject ? "removeoverlay" : "addoverlay",
+                 [](const Tile& tile) { return is_noise(tile) || is_unclear(tile); });
     before = KnobValues(node_.panel());
     lower_density();
     step("auto density", before);
@@ -215,7 +280,6 @@ std::vector<ToolReport> AutoSetup::run() {
     clean_up();
     step("auto clean-up", before);
     stroke_tiles("removenoise", [](const Tile& tile) { return is_noise(tile); });
-    return std::move(reports_);
 }
 
 }  // namespace veloxa

@@ -14,6 +14,10 @@
 //
 // What takes from the solid tiles is taken back. Where there are none the density stays; so does clean-up
 // that is on already.
+//
+// Knobs that the node's settings name stay as they are, and the tools turn the others. So does "brights"
+// where a script names any knob of the density: a stroke may have found them together. On top of a script the
+// strokes leave what is decided as it is.
 #pragma once
 
 #include <vector>
@@ -29,7 +33,8 @@ class AutoSetup {
     // The node has its inputs and a screen colour.
     AutoSetup(Node& node, int threads, const Zo::Image::AbortFlag* abort);
 
-    // Throws Interrupted. One report a step that changed something; the samples are those of its strokes.
+    // Throws Interrupted. One report a step that changed something; the samples are those of its strokes. A
+    // last one, named "auto", notes what was left alone.
     std::vector<ToolReport> run();
 
   private:
@@ -56,6 +61,10 @@ class AutoSetup {
     // The mean opacity of each tile that was solid at first.
     std::vector<double> solidity() const;
     void step(const char* name, const KnobValues& before);
+    // Whether a knob was named, and so stays; that is noted.
+    bool stays(const std::string& name);
+    bool density_stays();
+    void set_up();
     void choose_output();
     // Strokes one after another of the tiles that are wanted now, the one with the most pixels left first.
     template <class Wanted>
@@ -65,6 +74,9 @@ class AutoSetup {
     void clean_up();
     // Whether every solid tile is as opaque as before, but for a trace.
     bool keeps_solid(const std::vector<double>& before) const;
+    // Whether what was quite transparent, or quite opaque, is so still: a script does not tell where the
+    // strokes were that it was made by.
+    bool keeps_decided(const std::vector<float>& before) const;
 
     Node& node_;
     Zo::Image::Renderer renderer_;
@@ -74,6 +86,7 @@ class AutoSetup {
     std::vector<float> alpha_;
     std::vector<Tile> solid_;
     std::vector<ToolReport> reports_;
+    std::vector<std::string> notes_;
 };
 
 }  // namespace veloxa

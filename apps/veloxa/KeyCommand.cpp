@@ -109,8 +109,8 @@ int key(const Options& options) {
 
 constexpr const char* kFooter =
     "Paths with a frame number, as %04d or ####, need --frames; inputs without one are the same in every "
-    "frame. Knobs are set in this order: --script, --set, --pick or --screen, --stroke. `veloxa knobs` lists "
-    "them.\n"
+    "frame. Knobs are set in this order: --script, --set, --pick or --screen, --auto, --stroke; --auto "
+    "leaves alone what --script and --set name. `veloxa knobs` lists them.\n"
     "Boxes and rows count from the bottom left pixel of the foreground's display window.\n"
     "Exit status: 0 when every frame was written, 1 when not, 2 for bad usage, 130 when interrupted.";
 

@@ -7,16 +7,12 @@ namespace veloxa {
 
 using namespace Zo::Image;
 
-namespace {
-
 std::string text_of(const Knob& knob) {
     std::ostringstream text;
     text.imbue(std::locale::classic());
     knob.to_script(text, false);
     return text.str();
 }
-
-}  // namespace
 
 KnobValues::KnobValues(const KnobPanel& panel) {
     for (const auto& knob : panel.knobs()) {

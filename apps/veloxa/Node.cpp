@@ -26,7 +26,9 @@ std::string read_text(const std::string& path) {
     return text;
 }
 
-void apply_script_file(KnobPanel& panel, const std::string& path) {
+// The knobs that it names.
+std::set<Knob*> apply_script_file(KnobPanel& panel, const std::string& path) {
+    std::set<Knob*> named;
     const ScriptGroup* ours = nullptr;
     try {
         const std::vector<ScriptGroup> groups = read_script(read_text(path), path);
@@ -37,18 +39,23 @@ void apply_script_file(KnobPanel& panel, const std::string& path) {
         }
         if (!ours) throw Error(path, "has no Veloxa { ... } group");
         apply_script(panel, *ours, path);
+        for (const ScriptEntry& entry : ours->entries) named.insert(&panel.get(entry.name).target());
     } catch (const ScriptError& error) {
         throw Error(error.what());
     }
+    return named;
 }
 
-void apply_set(KnobPanel& panel, const std::string& setting) {
+// The knob that it names.
+Knob& apply_set(KnobPanel& panel, const std::string& setting) {
     const std::size_t equals = setting.find('=');
     if (equals == std::string::npos || equals == 0) {
         throw UsageError("--set " + setting + ": expected KNOB=VALUE");
     }
     try {
-        panel.set_from_text(setting.substr(0, equals), setting.substr(equals + 1));
+        const std::string name = setting.substr(0, equals);
+        panel.set_from_text(name, setting.substr(equals + 1));
+        return panel.get(name).target();
     } catch (const KnobError& error) {
         throw UsageError("--set " + setting + ": " + error.what());
     }
@@ -62,8 +69,9 @@ Node::Node() : op_(load_plugin(kClassName).construct({kClassName})), image_(op_ 
 }
 
 void Node::apply(const KnobSettings& settings) {
-    if (!settings.script.empty()) apply_script_file(*panel_, settings.script);
-    for (const std::string& setting : settings.sets) apply_set(*panel_, setting);
+    if (!settings.script.empty()) scripted_.merge(apply_script_file(*panel_, settings.script));
+    named_.insert(scripted_.begin(), scripted_.end());
+    for (const std::string& setting : settings.sets) named_.insert(&apply_set(*panel_, setting));
 }
 
 void Node::save_script(const std::string& path, bool overwrite) const {

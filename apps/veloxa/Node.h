@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,10 @@ class Node {
 
     // Throws Error for a script that does not fit, UsageError for a bad KNOB=VALUE.
     void apply(const KnobSettings& settings);
+    // The knobs that the settings applied so far name, whatever the value; a link names its target.
+    const std::set<Zo::Image::Knob*>& named() const { return named_; }
+    // Those of them that a script names.
+    const std::set<Zo::Image::Knob*>& scripted() const { return scripted_; }
     // Writes the knobs that differ from their defaults.
     void save_script(const std::string& path, bool overwrite) const;
 
@@ -34,6 +39,8 @@ class Node {
     std::unique_ptr<Zo::Image::Op> op_;
     Zo::Image::Iop* image_;
     std::unique_ptr<Zo::Image::KnobPanel> panel_;
+    std::set<Zo::Image::Knob*> named_;
+    std::set<Zo::Image::Knob*> scripted_;
 };
 
 }  // namespace veloxa

@@ -89,6 +89,8 @@ ToolReport apply_stroke(const Node& node, const Stroke& stroke) {
             report.satisfied = std::stoi(fields.at(1));
             report.unsatisfied = std::stoi(fields.at(2));
             report.unusable = std::stoi(fields.at(3));
+        } else if (fields[0] == "held") {
+            report.held.push_back(fields.at(1));
         } else if (fields[0] == "note") {
             report.notes.push_back(fields.at(1));
         }

@@ -33,7 +33,8 @@ struct ToolReport {
     std::vector<KnobChange> changes;
     int satisfied = 0;
     int unsatisfied = 0;
-    int unusable = 0;  // not finite
+    int unusable = 0;               // not finite
+    std::vector<std::string> held;  // knobs that the tool could have turned
     std::vector<std::string> notes;
 };
 

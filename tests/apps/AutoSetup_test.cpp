@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <fstream>
 #include <functional>
 #include <limits>
+#include <set>
 #include <string>
 
 #include "NodeInputs.h"
@@ -70,26 +72,121 @@ TEST(AutoSetup, ComesNearerToTheTruthThanTheDefaults) {
 }
 
 // Backing so pale that the region leaves it out, as where light falls on cloth.
+void make_pale(Image& fg) {
+    for (int y = kLeft.y; y < kLeft.t; ++y) {
+        for (const Channel c : {kRed, kBlue}) {
+            for (int x = kLeft.x; x < kLeft.r; ++x) fg.line(c, y)[x] += 0.07f;
+        }
+    }
+}
+
 TEST(AutoSetup, CoversPaleBacking) {
-    Rig rig(plate::Screen::kGreen, 1, [](Image& fg) {
-        for (int y = kLeft.y; y < kLeft.t; ++y) {
-            for (const Channel c : {kRed, kBlue}) {
-                for (int x = kLeft.x; x < kLeft.r; ++x) fg.line(c, y)[x] += 0.07f;
+    for (const char* const overlay : {"off", "subject"}) {  // there the overlay tools change places
+        Rig rig(plate::Screen::kGreen, 1, make_pale);
+        const auto opaque = [&] {
+            const test::Picture picture = test::render(rig.node.image(), 2);
+            int count = 0;
+            for (int y = kLeft.y + 8; y < kLeft.t - 8; ++y) {
+                for (int x = kLeft.x + 8; x < kLeft.r - 8; ++x) {
+                    count += picture.at(kAlpha, x, y) > 0.0f ? 1 : 0;
+                }
             }
-        }
-    });
-    const auto opaque = [&] {
-        const test::Picture picture = test::render(rig.node.image(), 2);
-        int count = 0;
-        for (int y = kLeft.y + 8; y < kLeft.t - 8; ++y) {
-            for (int x = kLeft.x + 8; x < kLeft.r - 8; ++x) count += picture.at(kAlpha, x, y) > 0.0f ? 1 : 0;
-        }
-        return count;
+            return count;
+        };
+        rig.node.panel().set_from_text("overlay_mode", overlay);
+        rig.node.panel().set_from_text("matte_scale", "linear");
+        ASSERT_GT(opaque(), 2000) << "the patch was meant to be left out by the default region";
+        rig.set_up();
+        EXPECT_EQ(opaque(), 0) << overlay;
+    }
+}
+
+// On a plate where it turns matte_scale, merge, screen_tolerance, brights, cleanup and cleanup_cleanup.
+TEST(AutoSetup, WorksAroundWhatIsSet) {
+    using Names = std::vector<std::string>;
+    const std::string list = "0.14 0.58 0.25 0";
+    const struct {
+        Names script;  // NAME VALUE
+        Names sets;
+        Names stay;       // NAME=VALUE as scripts hold it; noted
+        Names moved;      // all the same
+        Names kept = {};  // as a consequence
+    } cases[] = {
+        {{}, {"brights=150"}, {"brights=150"}, {"merge", "matte_scale", "cleanup"}},
+        {{}, {"brights=100"}, {"brights=100"}, {"merge", "screen_tolerance"}},
+        {{}, {"merge=multiply"}, {"merge=multiply"}, {"matte_scale", "brights"}},
+        {{"merge multiply", "brights 90"},
+         {"matte_scale=knee"},
+         {"merge=multiply", "brights=90", "matte_scale=knee"},
+         {"cleanup"}},
+        {{"darks 1"}, {}, {"brights=100"}, {"merge"}},
+        {{}, {"cleanup_enable=0"}, {"cleanup=false"}, {"brights"}},
+        {{}, {"cleanup_cleanup=30"}, {"cleanup_cleanup=30"}, {"cleanup"}},
+        {{}, {"cleanup_cleanup=400"}, {"cleanup_cleanup=400"}, {"brights"}, {"cleanup"}},
+        {{},
+         {"screen_tolerance=0.51,0.51,0.52"},
+         {"screen_tolerance=0.51 0.51 0.52"},
+         {"screen_brights_red_larger"}},
+        {{},
+         {"screen_tolerance=0.51,0.51,0.52", "screen_darks_red_larger=0", "screen_darks_red_smaller=0",
+          "screen_brights_red_larger=100", "screen_brights_red_smaller=100"},
+         {"screen_tolerance=0.51 0.51 0.52", "screen_darks_red_larger=0", "screen_brights_red_smaller=100"},
+         {"brights"}},
+        {{"us_add_overlay {" + list + "}"}, {}, {"us_add_overlay=" + list + " "}, {"screen_tolerance"}},
     };
-    rig.node.panel().set_from_text("matte_scale", "linear");
-    ASSERT_GT(opaque(), 2000) << "the patch was meant to be left out by the default region";
+    const std::string path = testing::TempDir() + "named.vlx";
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.stay));
+        Rig rig(plate::Screen::kGreen, 1, make_pale);
+        KnobPanel& panel = rig.node.panel();
+        {
+            std::ofstream script(path);
+            script << "Veloxa {\n";
+            for (const std::string& line : c.script) script << line << '\n';
+            script << "}\n";
+        }
+        rig.node.apply({path, c.sets});
+        const KnobValues before(panel);
+        std::string notes;
+        for (const ToolReport& report : rig.set_up()) {
+            for (const std::string& note : report.notes) notes += '\n' + note;
+        }
+        for (const std::string& stays : c.stay) {
+            const std::string name = stays.substr(0, stays.find('='));
+            EXPECT_EQ(name + '=' + text_of(panel.get(name)), stays);
+            EXPECT_NE(notes.find('\n' + name + " stays"), std::string::npos) << name << " in" << notes;
+        }
+        std::set<std::string> moved;
+        for (const KnobChange& change : KnobValues(panel).since(before)) moved.insert(change.knob);
+        for (const std::string& name : c.moved)
+            EXPECT_EQ(moved.count(name), 1U) << name << " in " << testing::PrintToString(moved);
+        for (const std::string& name : c.kept) EXPECT_EQ(moved.count(name), 0U) << name;
+        for (const auto& knob : panel.knobs()) EXPECT_FALSE(knob->flag(kKnobHeld)) << knob->name();
+    }
+}
+
+// A script has the knobs that strokes found and the means of some, not their pixels.
+TEST(AutoSetup, UndoesNoStrokeOfAScript) {
+    const std::string path = testing::TempDir() + "strokes.vlx";
+    const Box cleared{15, 230, 45, 260};
+    Rig made(plate::Screen::kBlue, 1);
+    for (const auto& [tool, box] :
+         {std::pair{"removeoverlay", Box{420, 187, 450, 217}}, {"addoverlay", cleared}}) {
+        apply_stroke(made.node, {&tool_named(made.node.panel(), tool), box, {}});
+    }
+    made.node.save_script(path, true);
+    Rig rig(plate::Screen::kBlue, 1);
+    rig.node.apply({path, {}});
+    const test::Picture before = test::render(rig.node.image(), 2);
     rig.set_up();
-    EXPECT_EQ(opaque(), 0);
+    const test::Picture after = test::render(rig.node.image(), 2);
+    int undone = 0;
+    for (int y = cleared.y; y < cleared.t; ++y) {
+        for (int x = cleared.x; x < cleared.r; ++x) {
+            undone += before.at(kAlpha, x, y) <= 0.0f && after.at(kAlpha, x, y) > 0.0f ? 1 : 0;
+        }
+    }
+    EXPECT_EQ(undone, 0);
 }
 
 TEST(AutoSetup, SurvivesPlatesWithNothingToGoBy) {
