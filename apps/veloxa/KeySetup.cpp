@@ -55,8 +55,10 @@ void add_setup_options(CLI::App& command, SetupOptions& options) {
     command.add_option("--frames", options.frames, "Frames A to B, every Nth")->type_name("A-B[xN]");
     add_knob_options(command, options.settings);
     add_screen_options(command, options.screen, "the first foreground that can be read");
-    command.add_flag("--auto", options.automatic,
-                     "Set the node up from the first foreground that can be read, before any stroke");
+    command.add_flag(
+        "--auto", options.automatic,
+        "Set the node up from the first foreground that can be read, before any stroke but one of the "
+        "screen tool at their head; knobs that --script or --set name stay as they are");
     command
         .add_option("--stroke", options.strokes,
                     "Use a sampling tool on a box, as add_overlay=10,20,30,40; of a sequence's frame N with "
@@ -94,14 +96,17 @@ std::pair<std::shared_ptr<const Image>, int> KeySetup::first_foreground() {
     }
 }
 
+bool KeySetup::picks_screen() const {
+    return !strokes_.empty() && strokes_.front().tool->name() == kScreenTool;
+}
+
 void KeySetup::choose_screen_color() {
     KnobPanel& panel = node_.panel();
     const ScreenOptions& screen = options_.screen;
-    const bool picked_by_stroke = !strokes_.empty() && strokes_.front().tool->name() == kScreenTool;
     if (!screen.pick.empty()) {
         set_screen_color(panel, mean_color(*first_foreground().first, parse_box("--pick", screen.pick)));
     } else if (!screen.screen.empty() ||
-               (!picked_by_stroke && !has_screen_color(panel, options_.settings.sets))) {
+               (!picks_screen() && !has_screen_color(panel, options_.settings.sets))) {
         const auto [image, frame] = first_foreground();
         estimate_screen_color(panel, *image, names_[kFg].at(frame), screen.screen, options_.quiet);
     }
@@ -117,12 +122,14 @@ void KeySetup::show(int frame) {
 
 void KeySetup::set_up_automatically() {
     show(first_foreground().second);
-    reports_ = AutoSetup(node_, 0, abort_).run();
-    for (ToolReport& report : reports_) report.frame = *shown_;
+    for (ToolReport& report : AutoSetup(node_, 0, abort_).run()) {
+        reports_.push_back(std::move(report));
+        reports_.back().frame = *shown_;
+    }
 }
 
-void KeySetup::apply_strokes() {
-    for (std::size_t n = 0; n < strokes_.size(); ++n) {
+void KeySetup::apply_strokes(std::size_t begin, std::size_t end) {
+    for (std::size_t n = begin; n < end; ++n) {
         const Stroke& stroke = strokes_[n];
         show(stroke.frame ? *stroke.frame : first_foreground().second);
         check_inside("--stroke " + options_.strokes[n], *foreground_, stroke.box);
@@ -134,8 +141,11 @@ void KeySetup::apply_strokes() {
 void KeySetup::prepare() {
     loader_.load_stills();
     choose_screen_color();
+    // There is nothing to set up before a screen colour is chosen.
+    const std::size_t before = picks_screen() ? 1 : 0;
+    apply_strokes(0, before);
     if (options_.automatic) set_up_automatically();
-    apply_strokes();
+    apply_strokes(before, strokes_.size());
     inputs_.clear();
     foreground_ = nullptr;
     shown_.reset();

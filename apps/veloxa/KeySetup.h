@@ -54,11 +54,14 @@ class KeySetup {
     // The foreground of the first frame that can be read, and its number: a broken one is reported when its
     // turn comes.
     std::pair<std::shared_ptr<const Image>, int> first_foreground();
+    // Whether the first stroke chooses the screen colour.
+    bool picks_screen() const;
     void choose_screen_color();
     // Puts a frame on the node's inputs.
     void show(int frame);
     void set_up_automatically();
-    void apply_strokes();
+    // Of these numbers.
+    void apply_strokes(std::size_t begin, std::size_t end);
 
     SetupOptions options_;
     const Zo::Image::AbortFlag* abort_;

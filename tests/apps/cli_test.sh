@@ -139,6 +139,13 @@ expect 0 "" compare out/stroked.0004.exr out/tuned.0004.exr --max-diff 0
 expect 0 "no knob changed" tune "${shot[@]}" "${strokes[@]}" --script out/tuned.script
 expect 0 '"name": "screen_color"' tune "${shot[@]}" "${strokes[@]}" --json
 
+# What is set stays when the rest sets itself up, after a stroke that picks the screen.
+expect 0 "veloxa: auto: merge stays at multiply, as set" key --fg shot/fg.0001.exr -o out/set.exr --auto \
+    --set merge=multiply
+expect 0 '"merge stays at multiply, as set"' tune --fg shot/fg.0001.exr --auto --set merge=multiply --json
+expect 0 "auto output" tune --fg shot/fg.0001.exr --auto "${strokes[0]}" "${strokes[1]}"
+head -1 out.txt | grep -q '^toolbar_screen' || fail "set up without a screen colour: $(head -1 out.txt)"
+
 # A clean plate, near the true one.
 expect 0 "truly seen" cleanplate --fg shot/fg.%04d.exr --frames 1-5 -o out/clean.exr
 expect 0 "" compare out/clean.exr shot/cp.0001.exr --channel R --max-diff 0.1
