@@ -134,6 +134,7 @@ void KeySetup::apply_strokes(std::size_t begin, std::size_t end) {
         show(stroke.frame ? *stroke.frame : first_foreground().second);
         check_inside("--stroke " + options_.strokes[n], *foreground_, stroke.box);
         reports_.push_back(apply_stroke(node_, stroke));
+        if (abort_ != nullptr && abort_->raised()) throw Interrupted();
         reports_.back().frame = *shown_;
     }
 }
