@@ -1,9 +1,12 @@
 #include "KeyStats.h"
 
+#include <cxxabi.h>
 #include <sys/resource.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <memory>
 
 #include "ZoImage/Iop.h"
 
@@ -23,6 +26,16 @@ std::string name_of(const Iop& op) {
     const Op* owner = op.parent();
     const bool nested = owner && !owner->member_name().empty();
     return (nested ? owner->member_name() + "." : std::string()) + op.member_name();
+}
+
+// Some classes go by the platform's name of their type, which starts with its length.
+std::string class_of(const Iop& op) {
+    const std::string name = op.class_name();
+    if (name.find_first_of("0123456789") != 0) return name;
+    int failed = 0;
+    const std::unique_ptr<char, decltype(&std::free)> readable(
+        abi::__cxa_demangle(name.c_str(), nullptr, nullptr, &failed), &std::free);
+    return failed == 0 ? readable.get() : name;
 }
 
 }  // namespace
@@ -49,7 +62,7 @@ std::string KeyStats::text() const {
         const double ratio =
             frame_rows > 0 ? static_cast<double>(one.rows) / static_cast<double>(frame_rows) : 0.0;
         std::snprintf(line, sizeof line, "%-24s %-22s %10lld %7.3f %10.2f\n", name_of(*one.op).c_str(),
-                      one.op->class_name(), static_cast<long long>(one.rows), ratio,
+                      class_of(*one.op).c_str(), static_cast<long long>(one.rows), ratio,
                       milliseconds(one.time, frames));
         table += line;
     }

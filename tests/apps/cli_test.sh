@@ -112,6 +112,8 @@ expect 0 "" compare out/a.exr out/b.exr --max-diff 0
 expect 0 "" key "${inputs[@]}" -o out/c.exr --script out/a.script --set brights=20
 expect 1 "overall" compare out/a.exr out/c.exr --max-diff 0.001
 expect 0 "computeMatte" key "${inputs[@]}" -o out/stage.exr --script out/a.script --stage computeMatte --stats
+expect 0 "VlxShrinkV " key "${inputs[@]}" -o out/stats.exr --script out/a.script --stats
+grep -q '[0-9]VlxShrinkV' err.txt && fail "a class name that is not readable: $(grep VlxShrinkV err.txt)"
 expect 1 "" compare out/stage.exr out/a.exr --max-diff 100
 expect 0 '"name": "screen_color"' knobs --json
 printf 'Veloxa {\n  brights 5\n  nonsense 1\n}\n' >bad.script
