@@ -89,7 +89,8 @@ int make_clean_plate(const Options& options) {
     maker.node().apply(options.settings);
     choose_screen_color(maker.node().panel(), options, maker);
     const Image plate = maker.make();
-    write_image(options.output, plate, write);
+    const std::string left_out = write_image(options.output, plate, write);
+    if (!left_out.empty()) report(options.output + ": " + left_out_warning(left_out));
     print(maker.report(), name);
     return maker.report().failed == 0 ? kExitOk : kExitFailure;
 }

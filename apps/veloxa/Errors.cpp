@@ -1,5 +1,8 @@
 #include "Errors.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cstdio>
 #include <mutex>
 
@@ -10,8 +13,22 @@ namespace {
 std::mutex mutex;           // guards standard error and the flag below
 bool status_shown = false;  // the cursor stands behind a status line
 
+// Standard error as the program got it.
+std::FILE* messages() {
+    static std::FILE* const stream = [] {
+        const int copy = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+        std::FILE* const opened = copy < 0 ? nullptr : ::fdopen(copy, "w");
+        return opened ? opened : stderr;
+    }();
+    return stream;
+}
+
+std::mutex hush_mutex;  // guards the two below
+int hushed = 0;
+int unhushed = -1;  // standard error, meanwhile
+
 void clear_status() {
-    if (status_shown) std::fputs("\r\033[K", stderr);
+    if (status_shown) std::fputs("\r\033[K", messages());
     status_shown = false;
 }
 
@@ -20,18 +37,36 @@ void clear_status() {
 void report(std::string_view text) {
     const std::lock_guard hold(mutex);
     clear_status();
-    std::fprintf(stderr, "veloxa: %.*s\n", static_cast<int>(text.size()), text.data());
+    std::fprintf(messages(), "veloxa: %.*s\n", static_cast<int>(text.size()), text.data());
+    std::fflush(messages());
+}
+
+Hush::Hush() {
+    const std::lock_guard hold(hush_mutex);
+    if (hushed++ > 0) return;
+    messages();
+    const int nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+    unhushed = nowhere < 0 ? -1 : ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    if (unhushed >= 0) ::dup2(nowhere, STDERR_FILENO);
+    if (nowhere >= 0) ::close(nowhere);
+}
+
+Hush::~Hush() {
+    const std::lock_guard hold(hush_mutex);
+    if (--hushed > 0 || unhushed < 0) return;
+    ::dup2(unhushed, STDERR_FILENO);
+    ::close(unhushed);
 }
 
 void show_status(std::string_view line) {
     const std::lock_guard hold(mutex);
     clear_status();
     if (line.empty()) {
-        std::fflush(stderr);
+        std::fflush(messages());
         return;
     }
-    std::fprintf(stderr, "%.*s", static_cast<int>(line.size()), line.data());
-    std::fflush(stderr);
+    std::fprintf(messages(), "%.*s", static_cast<int>(line.size()), line.data());
+    std::fflush(messages());
     status_shown = true;
 }
 

@@ -41,6 +41,16 @@ class Interrupted : public Error {
 
 // Prints "veloxa: TEXT" to standard error as one line, clearing the status line; any thread.
 void report(std::string_view text);
+// While one lives, what anybody prints to standard error is dropped, but for report and show_status: some
+// libraries below the image library print there whatever they are told. Any thread.
+class Hush {
+  public:
+    Hush();
+    ~Hush();
+    Hush(const Hush&) = delete;
+    Hush& operator=(const Hush&) = delete;
+};
+
 // Shows a line that the next status or report replaces; an empty one clears it. For terminals.
 void show_status(std::string_view line);
 

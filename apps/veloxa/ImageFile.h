@@ -53,6 +53,9 @@ Image read_image(const std::string& path, const Zo::Image::AbortFlag* abort = nu
 // The same for a matte: a file without alpha supplies its first channel as alpha.
 Image read_matte(const std::string& path, const Zo::Image::AbortFlag* abort = nullptr);
 
+// The name of the alpha channel that a file has beside others, from its header; empty without one.
+std::string own_alpha(const OIIO::ImageSpec& header);
+
 // Whether the file is there and every pixel of it can be read.
 bool is_whole_image(const std::string& path, const Zo::Image::AbortFlag* abort = nullptr);
 
@@ -73,9 +76,15 @@ struct WriteOptions {
 // when the file cannot be made there; so that a mistake shows before any frame is rendered.
 void check_writable(const std::string& path, const WriteOptions& options);
 
-// Writes the present channels with the header's metadata. The file appears under its name when it is whole
-// and not before. OpenEXR keeps both windows; other formats get the display window, black where there are
-// no pixels. Integers are clamped to their range and rounded to nearest; NaN becomes 0.
-void write_image(const std::string& path, const Image& image, const WriteOptions& options);
+// Writes the present channels with the header's metadata. The file appears under its name when it has been
+// read back, header and pixels, and not before. OpenEXR keeps both windows; other formats get the display
+// window, black where there are no pixels. Integers are clamped to their range and rounded to nearest; NaN
+// becomes 0.
+//
+// Returns what metadata was left out because the file could not be read back with it; see Metadata.h.
+std::string write_image(const std::string& path, const Image& image, const WriteOptions& options);
+
+// What to tell about metadata that write_image left out.
+std::string left_out_warning(const std::string& left_out);
 
 }  // namespace veloxa

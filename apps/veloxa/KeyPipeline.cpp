@@ -102,7 +102,10 @@ void KeyPipeline::encode() {
         if (stopped()) continue;
         const bool good = attempt(next->frame, [&] {
             const Stopwatch watch(stats_.write);
-            write_image(plan_.output.at(next->frame), next->image, plan_.write);
+            const std::string path = plan_.output.at(next->frame);
+            const std::string left_out = write_image(path, next->image, plan_.write);
+            if (left_out.empty() || std::exchange(told_left_out_, true)) return;
+            report(path + ": " + left_out_warning(left_out));
         });
         if (good) progress_.frame_done();
     }

@@ -78,6 +78,7 @@ class KeyPipeline {
     Zo::Image::Renderer renderer_;
     KeyStats stats_;
     std::atomic<bool> failed_{false};
+    bool told_left_out_ = false;  // metadata; the frames of a sequence are alike
     Slots slots_{kFramesInFlight};
     Queue<Decoded> decoded_;
     Queue<Keyed> keyed_;

@@ -1,5 +1,7 @@
 #include "OiioError.h"
 
+#include <OpenImageIO/imageio.h>
+
 #include <algorithm>
 
 namespace veloxa {
@@ -13,6 +15,11 @@ void erase_all(std::string& text, const std::string& part) {
 }
 
 }  // namespace
+
+void silence_library() {
+    OIIO::attribute("debug", 0);
+    OIIO::attribute("log_times", 0);
+}
 
 std::string tidy_message(std::string_view message, std::string_view path, std::string_view otherwise) {
     const std::string name(path);

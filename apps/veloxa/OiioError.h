@@ -6,6 +6,10 @@
 
 namespace veloxa {
 
+// Stops what the library prints to standard error by itself, whatever the environment asks for. Before any
+// file is opened.
+void silence_library();
+
 // The first line, without the file's name, which the program's own message already has. `otherwise` stands
 // in for an empty message.
 std::string tidy_message(std::string_view message, std::string_view path, std::string_view otherwise);

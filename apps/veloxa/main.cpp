@@ -5,6 +5,7 @@
 
 #include "Commands.h"
 #include "Errors.h"
+#include "OiioError.h"
 
 namespace {
 
@@ -26,6 +27,7 @@ std::string usage_message(const CLI::App& app, const CLI::ParseError& error, con
 }  // namespace
 
 int main(int argc, char** argv) {
+    veloxa::silence_library();
     CLI::App app("Colour-difference keyer for stills and image sequences.", "veloxa");
     app.set_version_flag("--version", "veloxa " VELOXA_VERSION);
     app.require_subcommand(1);
