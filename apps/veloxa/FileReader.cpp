@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <string_view>
 
+#include "DpxHead.h"
 #include "OiioError.h"
 #include "PngEnd.h"
 
@@ -20,6 +21,7 @@ FileReader::FileReader(const std::string& path, const AbortFlag* abort) : path_(
     if (fs::file_size(path_, failed) == 0) throw Error(path_, "is empty");
 
     if (!png_is_whole(path_)) throw Error(path_, "is cut off");
+    if (!dpx_head_is_sane(path_)) throw Error(path_, "has a damaged header");
 
     OIIO::ImageSpec config;
     config.attribute("oiio:UnassociatedAlpha", 1);
