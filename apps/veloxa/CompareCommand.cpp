@@ -7,6 +7,7 @@
 #include "Commands.h"
 #include "Compare.h"
 #include "Errors.h"
+#include "FileParts.h"
 #include "Fit.h"
 #include "ImageFile.h"
 
@@ -41,6 +42,10 @@ void print(const char* name, const Difference& d) {
 int compare(const Options& options) {
     const Image a = read_image(options.first);
     const Image b = read_image(options.second);
+    for (const std::string& path : {options.first, options.second}) {
+        const std::string warning = parts_warning(path);
+        if (!warning.empty()) report(path + ": " + warning);
+    }
     if (a.info.format.box != b.info.format.box) {
         throw Error(options.second, "is " + size_text(b.info.format.box) + ", but " + options.first + " is " +
                                         size_text(a.info.format.box));

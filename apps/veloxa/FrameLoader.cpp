@@ -2,7 +2,11 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <utility>
+
+#include "Errors.h"
+#include "FileParts.h"
 
 namespace veloxa {
 
@@ -23,13 +27,33 @@ Hash identity_of(const std::string& path, bool matte) {
     return hash;
 }
 
+bool is_one_everywhere(const Image& image, Channel c) {
+    const float* const samples = image.plane(c).get();
+    return std::all_of(samples, samples + image.width() * image.height(), [](float v) { return v == 1.0f; });
+}
+
 }  // namespace
 
-LoadedInput FrameLoader::read(Input input, int frame) const {
+void FrameLoader::warn(Input input, const std::string& path, const Image& image) {
+    if (!std::exchange(looked_for_parts_[input], true)) {
+        const std::string warning = parts_warning(path);
+        if (!warning.empty()) report(path + ": " + warning);
+    }
+    if ((input != kGm && input != kHm) || told_alpha_[input]) return;
+    const std::string alpha = own_alpha(image.header);
+    if (alpha.empty() || !is_one_everywhere(image, kAlpha)) return;
+    told_alpha_[input] = true;
+    report(path + ": warning: its alpha, channel " + alpha + ", is 1 everywhere, so the " +
+           (input == kGm ? "garbage matte drops" : "holdout matte holds") +
+           " the whole frame; its other channels are not looked at");
+}
+
+LoadedInput FrameLoader::read(Input input, int frame) {
     const std::string path = names_[input].at(frame);
     const bool matte = input == kGm || input == kHm;
     const Hash identity = identity_of(path, matte);
     Image image = matte ? read_matte(path, abort_) : read_image(path, abort_);
+    warn(input, path, image);
     return {std::make_shared<const Image>(std::move(image)), identity};
 }
 

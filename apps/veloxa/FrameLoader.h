@@ -38,7 +38,9 @@ class FrameLoader {
     FrameInputs load(int frame);
 
   private:
-    LoadedInput read(Input input, int frame) const;
+    LoadedInput read(Input input, int frame);
+    // Tells of what the user may not expect of a file, once an input.
+    void warn(Input input, const std::string& path, const Image& image);
     LoadedInput fitted_to(const LoadedInput& loaded, const Zo::Image::Format& format,
                           const std::string& file) const;
 
@@ -50,6 +52,8 @@ class FrameLoader {
     FrameInputs stills_;         // as read
     FrameInputs fitted_stills_;  // for the format below
     Zo::Image::Format fitted_format_;
+    std::array<bool, kInputCount> looked_for_parts_{};
+    std::array<bool, kInputCount> told_alpha_{};
 };
 
 }  // namespace veloxa

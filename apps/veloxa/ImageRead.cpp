@@ -190,6 +190,11 @@ Image read_matte(const std::string& path, const AbortFlag* abort) {
     });
 }
 
+std::string own_alpha(const OIIO::ImageSpec& header) {
+    const int alpha = find_channels(header)[3];
+    return alpha >= 0 && header.nchannels > 1 ? std::string(header.channel_name(alpha)) : "";
+}
+
 bool is_whole_image(const std::string& path, const AbortFlag* abort) try {
     with_reader(path, abort, [&](FileReader& reader, const Sources& from) { decode(reader, path, from); });
     return true;

@@ -205,6 +205,35 @@ for signal in INT TERM; do
     rm -f cut/*
 done
 
+# What is not as a user may think is told once an input or sequence, in spite of --quiet; no library prints.
+oiiotool -i shot/fg.0001.exr --ch R,G,B,A=1 -d uint8 -o opaque.png
+oiiotool --create 64x48 1 -d uint8 -o grey.png
+oiiotool -i shot/fg.0001.exr --attrib oiio:subimagename left shot/fg.0002.exr --attrib oiio:subimagename right \
+    --siappend -o parts.exr
+oiiotool --pattern constant:color=0.1,0.6,0.2 64x48 3 --attrib:type='uint8[4]' ICCProfile 1,2,3,4 -d uint8 -o odd.tif
+oiiotool --pattern constant:color=0.1,0.6,0.2 64x48 3 --attrib ImageDescription "$(head -c 80000 /dev/zero | tr '\0' x)" -d uint8 -o long.tif
+while IFS='|' read -r told arguments; do
+    # shellcheck disable=SC2086
+    OPENIMAGEIO_DEBUG=1 expect 0 "$told" key $arguments --overwrite --quiet "${pick[@]}"
+    [ "$(wc -l <err.txt)" -eq "$([ -n "$told" ]; echo $((1 - $?)))" ] || fail "$arguments: $(cat err.txt)"
+done <<'TABLE'
+opaque.png: warning: its alpha, channel A, is 1 everywhere, so the holdout matte holds|--fg shot/fg.%04d.exr --hm opaque.png -o out/w.%d.exr --frames 1-3
+opaque.png: warning: its alpha, channel A, is 1 everywhere, so the garbage matte drops|--fg shot/fg.0001.exr --gm opaque.png -o out/w.exr
+|--fg shot/fg.0001.exr --hm grey.png -o out/w.exr
+|--fg shot/fg.0001.exr --bg opaque.png -o out/w.exr
+parts.exr: warning: holds 2 parts (left, right); only the first is used, left|--fg shot/fg.%04d.exr --cp parts.exr -o out/w.%d.exr --frames 1-3
+|--fg odd.tif -o out/w.exr
+out/w.1.jpg: warning: metadata of the foreground is left out|--fg long.tif --bg shot/bg.%04d.exr -o out/w.%d.jpg --frames 1-3
+TABLE
+expect 0 "parts.exr: warning: holds 2 parts" compare parts.exr shot/fg.0001.exr
+expect 0 "" key --fg shot/fg.0001.exr -o damaged.dpx --set screen_color=0,0,0
+printf '\321\1\1\1' | dd of=damaged.dpx bs=1 seek=32 conv=notrunc status=none
+expect 1 "damaged.dpx: has a damaged header" key --fg damaged.dpx -o out/w.exr --overwrite
+expect 0 "" key --fg shot/fg.0001.exr -o damaged.png --set screen_color=0,0,0
+printf x | dd of=damaged.png bs=1 seek=$(($(stat -c %s damaged.png) / 2)) conv=notrunc status=none
+expect 1 "damaged.png: " key --fg damaged.png -o out/w.exr --overwrite
+[ "$(wc -l <err.txt)" -eq 1 ] || fail "not one line: $(cat err.txt)"
+
 # A disk that fills up: a limit on the size of files everywhere, a small file system where one can be mounted.
 mkdir full
 (trap '' XFSZ; ulimit -f 4; "$veloxa" key "${inputs[@]}" -o full/a.exr "${pick[@]}" --depth float 2>err.txt)
@@ -212,7 +241,7 @@ mkdir full
 expect_files full ""
 if [ "$(id -u)" -eq 0 ] && mount -t tmpfs -o size=16k tmpfs full 2>/dev/null; then
     expect 0 "" plate -o big --size 256x192
-    for type in exr png tif jpg dpx tga sgi; do
+    for type in exr png tif jpg dpx tga sgi iff rla; do
         expect 1 "full/a.$type: " key --fg big/fg.exr -o full/a.$type --set screen_color=0,0,0
         expect_files full ""
     done
