@@ -227,7 +227,7 @@ out/w.1.jpg: warning: metadata of the foreground is left out|--fg long.tif --bg 
 TABLE
 expect 0 "parts.exr: warning: holds 2 parts" compare parts.exr shot/fg.0001.exr
 expect 0 "" key --fg shot/fg.0001.exr -o damaged.dpx --set screen_color=0,0,0
-printf '\321\1\1\1' | dd of=damaged.dpx bs=1 seek=32 conv=notrunc status=none
+printf '\321\321\321\321' | dd of=damaged.dpx bs=1 seek=32 conv=notrunc status=none
 expect 1 "damaged.dpx: has a damaged header" key --fg damaged.dpx -o out/w.exr --overwrite
 expect 0 "" key --fg shot/fg.0001.exr -o damaged.png --set screen_color=0,0,0
 printf x | dd of=damaged.png bs=1 seek=$(($(stat -c %s damaged.png) / 2)) conv=notrunc status=none
