@@ -119,7 +119,9 @@ CLI::App* add_cleanplate_command(CLI::App& app, Run& run) {
     command->add_option("--frames", options->frames, "Frames A to B, every Nth")->type_name("A-B[xN]");
     add_knob_options(*command, options->settings);
     add_screen_options(*command, options->screen, "the first frame");
-    command->add_option("--depth", options->depth, "Samples: half in OpenEXR, else up to uint16, without it")
+    command
+        ->add_option("--depth", options->depth,
+                     "Samples: half in OpenEXR, float in RLA, else up to uint16, without it")
         ->check(CLI::IsMember({"half", "float", "uint8", "uint16"}));
     command->add_option("--memory", options->memory, "MiB that samples may take")
         ->type_name("N")

@@ -3,8 +3,10 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
 #include <mutex>
+#include <tuple>
 
 namespace veloxa {
 
@@ -27,6 +29,19 @@ std::mutex hush_mutex;  // guards the two below
 int hushed = 0;
 int unhushed = -1;  // standard error, meanwhile
 
+thread_local const std::string* worked_on = nullptr;  // the file under this thread's innermost Hush
+
+// Calls nothing that a signal's handler may not.
+extern "C" void end_aborted(int) {
+    const int to = ::fileno_unlocked(messages());
+    const auto print = [to](std::string_view text) { return ::write(to, text.data(), text.size()); };
+    // Nobody is left to tell when a line cannot be printed.
+    std::ignore = print("veloxa: ");
+    if (worked_on) std::ignore = print(*worked_on) + print(": ");
+    std::ignore = print(worked_on ? "the image library gave up over it\n" : "gave up\n");
+    ::_exit(kExitFailure);
+}
+
 void clear_status() {
     if (status_shown) std::fputs("\r\033[K", messages());
     status_shown = false;
@@ -41,7 +56,8 @@ void report(std::string_view text) {
     std::fflush(messages());
 }
 
-Hush::Hush() {
+Hush::Hush(const std::string& file) : outer_(worked_on) {
+    worked_on = &file;
     const std::lock_guard hold(hush_mutex);
     if (hushed++ > 0) return;
     messages();
@@ -52,10 +68,16 @@ Hush::Hush() {
 }
 
 Hush::~Hush() {
+    worked_on = outer_;
     const std::lock_guard hold(hush_mutex);
     if (--hushed > 0 || unhushed < 0) return;
     ::dup2(unhushed, STDERR_FILENO);
     ::close(unhushed);
+}
+
+void report_aborts() {
+    messages();
+    std::signal(SIGABRT, end_aborted);
 }
 
 void show_status(std::string_view line) {

@@ -42,14 +42,22 @@ class Interrupted : public Error {
 // Prints "veloxa: TEXT" to standard error as one line, clearing the status line; any thread.
 void report(std::string_view text);
 // While one lives, what anybody prints to standard error is dropped, but for report and show_status: some
-// libraries below the image library print there whatever they are told. Any thread.
+// libraries below the image library print there whatever they are told. Any thread; `file` is what it works
+// on, and outlives it.
 class Hush {
   public:
-    Hush();
+    explicit Hush(const std::string& file);
     ~Hush();
     Hush(const Hush&) = delete;
     Hush& operator=(const Hush&) = delete;
+
+  private:
+    const std::string* outer_;
 };
+
+// From now on, when a library gives up the whole program over a damaged file, that is reported with the name
+// of the file, and the exit status is kExitFailure.
+void report_aborts();
 
 // Shows a line that the next status or report replaces; an empty one clears it. For terminals.
 void show_status(std::string_view line);

@@ -17,7 +17,7 @@ constexpr std::size_t kNamed = 8;
 
 // Their names, or numbers for those without.
 std::vector<std::string> part_names(const std::string& path) {
-    const Hush hush;
+    const Hush hush(path);
     std::vector<std::string> names;
     const auto input = OIIO::ImageInput::open(path);
     while (input && names.size() < kCounted && input->seek_subimage(static_cast<int>(names.size()), 0)) {

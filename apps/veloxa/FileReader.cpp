@@ -12,7 +12,8 @@ namespace veloxa {
 using namespace Zo::Image;
 namespace fs = std::filesystem;
 
-FileReader::FileReader(const std::string& path, const AbortFlag* abort) : path_(path), abort_(abort) {
+FileReader::FileReader(const std::string& path, const AbortFlag* abort)
+    : hush_(path), path_(path), abort_(abort) {
     std::error_code failed;
     const fs::file_status status = fs::status(path_, failed);
     if (!fs::exists(status)) throw Error(path_, "does not exist");

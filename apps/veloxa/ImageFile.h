@@ -67,7 +67,7 @@ enum class Depth { kHalf, kFloat, kUint8, kUint16 };
 std::optional<Depth> depth_named(std::string_view name);
 
 struct WriteOptions {
-    std::optional<Depth> depth{};  // none: half in OpenEXR, elsewhere up to 16-bit integers
+    std::optional<Depth> depth{};  // none: half in OpenEXR, float in RLA, else up to 16-bit integers
     bool overwrite = false;
     const Zo::Image::AbortFlag* abort = nullptr;
 };

@@ -146,7 +146,7 @@ bool write_pixels(OIIO::ImageOutput& output, const Image& image, const AbortFlag
 // nothing; throws Error for the rest.
 std::string write_once(const std::string& temporary, const std::string& path, const Image& image,
                        const OIIO::ImageSpec& header, const WriteOptions& options) {
-    const Hush hush;
+    const Hush hush(path);
     std::unique_ptr<CheckedFile> bytes;  // outlives the writer, which writes once more when it goes
     const auto output = writer_for(path);
     if (takes_proxy(*output)) {
@@ -173,7 +173,7 @@ std::string write_once(const std::string& temporary, const std::string& path, co
 
 void check_writable(const std::string& path, const WriteOptions& options) {
     AtomicFile::check(path, options.overwrite);
-    const Hush hush;
+    const Hush hush(path);
     OIIO::Filesystem::IOVecOutput memory;  // outlives the writer, which writes once more when it goes
     const auto output = writer_for(path);
     if (!options.depth || !output->supports("ioproxy")) return;

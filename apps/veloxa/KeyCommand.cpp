@@ -129,7 +129,9 @@ void add_rendering(CLI::App& command, Options& options) {
                     "Write an internal operator's rows instead, on the working scale")
         ->type_name("MEMBER");
     command.add_flag("--stats", options.stats, "Print rows and time per operator");
-    command.add_option("--depth", options.depth, "Samples: half in OpenEXR, else up to uint16, without it")
+    command
+        .add_option("--depth", options.depth,
+                    "Samples: half in OpenEXR, float in RLA, else up to uint16, without it")
         ->check(CLI::IsMember({"half", "float", "uint8", "uint16"}));
     command.add_flag("--resume", options.resume, "Leave out frames whose output is there and whole");
     command.add_flag("--overwrite", options.setup.overwrite, "Replace outputs that exist");

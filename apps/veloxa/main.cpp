@@ -28,6 +28,7 @@ std::string usage_message(const CLI::App& app, const CLI::ParseError& error, con
 
 int main(int argc, char** argv) {
     veloxa::silence_library();
+    veloxa::report_aborts();
     CLI::App app("Colour-difference keyer for stills and image sequences.", "veloxa");
     app.set_version_flag("--version", "veloxa " VELOXA_VERSION);
     app.require_subcommand(1);
