@@ -31,15 +31,15 @@ int unhushed = -1;  // standard error, meanwhile
 
 thread_local const std::string* worked_on = nullptr;  // the file under this thread's innermost Hush
 
-// Calls nothing that a signal's handler may not.
-extern "C" void end_aborted(int) {
+// Calls nothing that a signal's handler may not. abort goes on once it returns.
+extern "C" void name_file(int) {
+    if (worked_on == nullptr) return;
     const int to = ::fileno_unlocked(messages());
-    const auto print = [to](std::string_view text) { return ::write(to, text.data(), text.size()); };
-    // Nobody is left to tell when a line cannot be printed.
-    std::ignore = print("veloxa: ");
-    if (worked_on) std::ignore = print(*worked_on) + print(": ");
-    std::ignore = print(worked_on ? "the image library gave up over it\n" : "gave up\n");
-    ::_exit(kExitFailure);
+    for (const std::string_view text :
+         {"veloxa: ", worked_on->c_str(), ": the image library gave up over it\n"}) {
+        // Nobody is left to tell when a line cannot be printed.
+        std::ignore = ::write(to, text.data(), text.size());
+    }
 }
 
 void clear_status() {
@@ -77,7 +77,7 @@ Hush::~Hush() {
 
 void report_aborts() {
     messages();
-    std::signal(SIGABRT, end_aborted);
+    std::signal(SIGABRT, name_file);
 }
 
 void show_status(std::string_view line) {

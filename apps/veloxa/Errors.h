@@ -55,8 +55,8 @@ class Hush {
     const std::string* outer_;
 };
 
-// From now on, when a library gives up the whole program over a damaged file, that is reported with the name
-// of the file, and the exit status is kExitFailure.
+// From now on, when a library aborts the whole program over a damaged file, the name of the file is reported:
+// what the library says is dropped.
 void report_aborts();
 
 // Shows a line that the next status or report replaces; an empty one clears it. For terminals.

@@ -205,15 +205,6 @@ for signal in INT TERM; do
     rm -f cut/*
 done
 
-# A library that gives up takes the program with it, but not without a word.
-"$veloxa" key --fg many/fg.%d.exr -o cut/f.%d.exr --frames 1-400 "${pick[@]}" --quiet 2>err.txt &
-program=$!
-for _ in $(seq 200); do [ -e cut/f.2.exr ] && break || sleep 0.02; done
-kill -ABRT $program
-wait $program
-status=$?
-[ $status -eq 1 ] && grep -q '^veloxa: .*gave up' err.txt || fail "status $status after SIGABRT: $(cat err.txt)"
-
 # What is not as a user may think is told once an input or sequence, in spite of --quiet; no library prints.
 oiiotool -i shot/fg.0001.exr --ch R,G,B,A=1 -d uint8 -o opaque.png
 oiiotool --create 64x48 1 -d uint8 -o grey.png
