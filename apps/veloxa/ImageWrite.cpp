@@ -117,7 +117,10 @@ bool write_rows(OIIO::ImageOutput& output, const FileRows& from, const AbortFlag
     int step = rows_at_once(pitch * sizeof(Sample));
     if (tiled) step = std::max(1, step / output.spec().tile_height) * output.spec().tile_height;
     step = std::min(step, from.height());
-    const auto rows = std::make_unique_for_overwrite<Sample[]>(pitch * static_cast<std::size_t>(step));
+    // The library's HEIF writer reads on to the end of a padded row.
+    constexpr std::size_t kPadding = 256;
+    const auto rows =
+        std::make_unique_for_overwrite<Sample[]>(pitch * static_cast<std::size_t>(step) + kPadding);
     const auto samples = std::make_unique_for_overwrite<Sample[]>(from.width());
     const int top = output.spec().y;
     const int left = output.spec().x;

@@ -2,6 +2,7 @@
 #include "AutoSetup.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cmath>
 #include <fstream>
@@ -134,7 +135,7 @@ TEST(AutoSetup, WorksAroundWhatIsSet) {
          {"brights"}},
         {{"us_add_overlay {" + list + "}"}, {}, {"us_add_overlay=" + list + " "}, {"screen_tolerance"}},
     };
-    const std::string path = testing::TempDir() + "named.vlx";
+    const std::string path = testing::TempDir() + std::to_string(::getpid()) + "_named.vlx";
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.stay));
         Rig rig(plate::Screen::kGreen, 1, make_pale);
@@ -167,7 +168,7 @@ TEST(AutoSetup, WorksAroundWhatIsSet) {
 
 // A script has the knobs that strokes found and the means of some, not their pixels.
 TEST(AutoSetup, UndoesNoStrokeOfAScript) {
-    const std::string path = testing::TempDir() + "strokes.vlx";
+    const std::string path = testing::TempDir() + std::to_string(::getpid()) + "_strokes.vlx";
     const Box cleared{15, 230, 45, 260};
     Rig made(plate::Screen::kBlue, 1);
     for (const auto& [tool, box] :

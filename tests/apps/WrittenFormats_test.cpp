@@ -1,6 +1,7 @@
 // Every format that can be written, with the metadata of formats that can be read.
 #include <OpenImageIO/strutil.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cmath>
 #include <filesystem>
@@ -104,7 +105,8 @@ class WrittenFormats : public testing::Test {
     ~WrittenFormats() override { fs::remove_all(folder_); }
     std::string file(const std::string& name) const { return (folder_ / name).string(); }
 
-    const fs::path folder_ = fs::path(testing::TempDir()) / "written_formats";
+    const fs::path folder_ =
+        fs::path(testing::TempDir()) / ("veloxa_written_formats_" + std::to_string(::getpid()));
 };
 
 TEST_F(WrittenFormats, ReadBackWhateverTheForegroundsMetadata) {
