@@ -24,10 +24,9 @@ GeneralTile::GeneralTile(Iop& source, const Box& box, ChannelSet channels)
     : box_(box), rows_(BufferPool::take_list()) {
     rows_.reserve(static_cast<std::size_t>(std::max(0, box.height())));
     for (int y = box.y; y < box.t; ++y) {
-        Row& row = rows_.emplace_back(box.x, box.r);
-        if (valid_) row.get(source, y, channels);
-        valid_ = valid_ && !source.aborted();
+        rows_.emplace_back(box.x, box.r).get(source, y, channels);
     }
+    valid_ = !source.aborted();
 }
 
 GeneralTile::~GeneralTile() {
