@@ -27,6 +27,10 @@ TEST_F(Describe, ThePlugin) {
     ASSERT_GE(p.size(kOfxPropVersion), 2);
     EXPECT_EQ(p.int_at(kOfxPropVersion, 0), static_cast<int>(h.plugin().pluginVersionMajor));
     EXPECT_EQ(p.int_at(kOfxPropVersion, 1), static_cast<int>(h.plugin().pluginVersionMinor));
+    EXPECT_EQ(p.string_at(kOfxPropLabel), "Veloxa");
+    EXPECT_EQ(p.int_at(kOfxImageEffectPropSupportsTiles), 1);
+    EXPECT_THAT(p.strings(kOfxImageEffectPropSupportedContexts),
+                ElementsAre(kOfxImageEffectContextGeneral, kOfxImageEffectContextFilter));
     EXPECT_EQ(p.string_at(kOfxImageEffectPluginRenderThreadSafety), kOfxImageEffectRenderFullySafe);
     EXPECT_THAT(p.strings(kOfxImageEffectPropSupportedPixelDepths),
                 ElementsAre(kOfxBitDepthFloat, kOfxBitDepthShort, kOfxBitDepthByte));
@@ -45,9 +49,14 @@ TEST_F(Describe, Clips) {
         names.push_back(clip->name());
         const bool matte = clip->name() == "gm" || clip->name() == "hm";
         EXPECT_EQ(clip->props.int_at(kOfxImageClipPropIsMask), matte) << clip->name();
+        const bool needed = clip->name() == "fg" || clip->name() == "Output";
+        EXPECT_EQ(clip->props.int_at(kOfxImageClipPropOptional), !needed) << clip->name();
     }
     EXPECT_THAT(names, ElementsAre("fg", "cp", "bg", "gm", "hm", "Output"));
-    EXPECT_EQ(host_->descriptor(kOfxImageEffectContextFilter).clips.size(), 2U);
+    const auto& filter = host_->descriptor(kOfxImageEffectContextFilter).clips;
+    ASSERT_EQ(filter.size(), 2U);
+    EXPECT_EQ(filter[0]->name(), "Source");
+    EXPECT_EQ(filter[1]->name(), "Output");
 }
 
 const std::map<Knob::Kind, std::string> kTypes{
