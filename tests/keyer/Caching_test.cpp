@@ -1,16 +1,15 @@
 // The node with kept rows: the same pixels as a fresh node's, and no more work than a change asks for.
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <random>
 #include <set>
 #include <string>
 
 #include "ZoImage/RowCache.h"
-#include "keyer/VeloxaKeyer.h"
-#include "support/TestImages.h"
+#include "keyer/Rig.h"
 
 using namespace Zo::Image;
+using test::same_bits;
 
 namespace {
 
@@ -25,28 +24,8 @@ float plate(Channel c, int x, int y) {
     return skin[i] * subject + backing[i] * (1.0f - subject) + noise;
 }
 
-struct Rig {
-    Rig()
-        : fg(kFrame, kMaskRgb, plate),
-          cp(kFrame, kMaskRgb,
-             [](Channel c, int x, int) {
-                 return c == kGreen ? 0.66f : 0.2f + 0.001f * static_cast<float>(x);
-             }),
-          bg(kFrame, kMaskRgba, [](Channel, int x, int y) { return static_cast<float>((x + y) % 9) * 0.1f; }),
-          hm(kFrame, kMaskAlpha, [](Channel, int x, int y) { return x > 30 && y < 9 ? 0.5f : 0.0f; }),
-          node(NodeContext{}) {
-        node.set_input(0, &fg);
-        node.set_input(2, &bg);
-        knobs().screen_color = {0.2f, 0.65f, 0.3f};
-    }
-    KnobStorage& knobs() { return node.knob_values(); }
-    void update() {
-        node.invalidate();
-        node.validate(true);
-    }
-
-    test::FunctionSource fg, cp, bg, hm;
-    VeloxaKeyer node;
+struct Rig : test::Rig {
+    Rig() : test::Rig(kFrame, plate) { node.set_input(2, &bg); }
 };
 
 struct Cached {
@@ -77,14 +56,6 @@ struct Cached {
     RowCache cache;
     Renderer renderer{2};
 };
-
-bool same_bits(const test::Picture& a, const test::Picture& b) {
-    for (std::size_t c = 1; c < a.planes.size(); ++c) {
-        const std::size_t bytes = a.planes[c].size() * sizeof(float);
-        if (std::memcmp(a.planes[c].data(), b.planes[c].data(), bytes) != 0) return false;
-    }
-    return true;
-}
 
 TEST(Caching, AKnobComputesOnlyWhatFollowsIt) {
     using Names = std::set<std::string>;

@@ -1,7 +1,6 @@
 // The node as a whole: wiring, requests, what a change recomputes, independence of threads and forms.
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <limits>
 #include <random>
 #include <string>
@@ -14,6 +13,7 @@ using namespace Zo::Image;
 using test::green_screen;
 using test::Rig;
 using test::same_bit_pattern;
+using test::same_bits;
 
 namespace {
 
@@ -220,14 +220,6 @@ TEST(Graph, ASpillKnobLeavesEverythingUpstreamAsItIs) {
     EXPECT_EQ(rig.fg.validations(), fg_validations);
     // Only the raw matte correction reads the raw matte, and its frame is still there.
     EXPECT_EQ(rows_of("computeMatte"), 0);
-}
-
-bool same_bits(const test::Picture& a, const test::Picture& b) {
-    for (std::size_t c = 1; c < a.planes.size(); ++c) {
-        if (std::memcmp(a.planes[c].data(), b.planes[c].data(), a.planes[c].size() * sizeof(float)) != 0)
-            return false;
-    }
-    return true;
 }
 
 TEST(Graph, AnySeriesOfChangesEqualsAFreshNode) {

@@ -3,6 +3,7 @@
 
 #include <bit>
 #include <cstdint>
+#include <cstring>
 #include <string>
 
 #include "keyer/VeloxaKeyer.h"
@@ -63,6 +64,14 @@ struct Rig {
 
 inline bool same_bit_pattern(float a, float b) {
     return std::bit_cast<std::uint32_t>(a) == std::bit_cast<std::uint32_t>(b);
+}
+
+inline bool same_bits(const Picture& a, const Picture& b) {
+    for (std::size_t c = 1; c < a.planes.size(); ++c) {
+        const std::size_t bytes = a.planes[c].size() * sizeof(float);
+        if (std::memcmp(a.planes[c].data(), b.planes[c].data(), bytes) != 0) return false;
+    }
+    return true;
 }
 
 }  // namespace test
