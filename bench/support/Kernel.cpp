@@ -4,7 +4,7 @@
 #include <memory>
 #include <random>
 
-#include "keyer/KnobCopy.h"
+#include "panel/KnobCopy.h"
 
 namespace bench {
 

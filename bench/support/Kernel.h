@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "controls/ControlBlock.h"
-#include "keyer/KnobStorage.h"
+#include "panel/KnobStorage.h"
 #include "stages/ChannelRoles.h"
 #include "support/Counts.h"
 

@@ -1,6 +1,6 @@
 // The node's inner graph: which operator reads which, for the present inputs and panel.
-#include "keyer/KnobCopy.h"
 #include "keyer/VeloxaKeyer.h"
+#include "panel/KnobCopy.h"
 
 using namespace Zo::Image;
 

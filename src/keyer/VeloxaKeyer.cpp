@@ -3,8 +3,8 @@
 #include "controls/ControlListing.h"
 #include "controls/ControlTrace.h"
 #include "keyer/HelpText.h"
-#include "keyer/KnobCopy.h"
-#include "keyer/ToolRun.h"
+#include "panel/KnobCopy.h"
+#include "tools/ToolRun.h"
 
 using namespace Zo::Image;
 

@@ -15,10 +15,9 @@
 
 #include "ZoImage/Iop.h"
 #include "controls/ControlBlock.h"
-#include "keyer/InputFlags.h"
-#include "keyer/KnobStorage.h"
-#include "keyer/Panel.h"
-#include "keyer/ToolSession.h"
+#include "panel/InputFlags.h"
+#include "panel/KnobStorage.h"
+#include "panel/Panel.h"
 #include "screen/VlxBlurCU.h"
 #include "screen/VlxCleanup.h"
 #include "screen/VlxClearFrame.h"
@@ -41,6 +40,7 @@
 #include "stages/VlxNormalize.h"
 #include "stages/VlxOutputMatte.h"
 #include "stages/VlxSpillSuppression.h"
+#include "tools/ToolSession.h"
 
 class VeloxaKeyer final : public Zo::Image::Iop {
   public:

@@ -1,0 +1,74 @@
+#include "tools/StrokePixels.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "ZoImage/Render.h"
+
+using namespace Zo::Image;
+
+namespace {
+
+bool finite(const VeloxaSample::Sample& sample) {
+    return std::all_of(sample.begin(), sample.end(), [](float v) { return std::isfinite(v); });
+}
+
+VeloxaSample::Sample pixel_of(const Row& row, int i) {
+    return {row[kRed][i], row[kGreen][i], row[kBlue][i], row[kAlpha][i]};
+}
+
+using Measures = std::array<float, 7>;
+
+Measures measures(const VeloxaSample::Sample& s) {
+    return {s[0], s[1], s[2], s[3], s[0] - s[1], s[1] - s[2], s[2] - s[0]};
+}
+
+}  // namespace
+
+std::vector<StrokePixel> read_pixels(Iop& first, Iop* second, Iop* keep, const Box& box) {
+    std::vector<StrokePixel> pixels;
+    int step_x = 1;
+    int step_y = 1;
+    if (decimate(box.x, box.y, box.r, box.t, step_x, step_y) == 0) return pixels;
+    const auto steps = [](int side, int step) { return static_cast<std::size_t>((side - 1) / step + 1); };
+    const std::size_t columns = steps(box.width(), step_x);
+    // In a render what an operator looks up and down is made once for all that ask for it; where rows are
+    // left out, once a row.
+    Renderer renderer(1);
+    const auto read = [&](Iop* image, ChannelSet channels, const auto& take) {
+        if (image == nullptr) return;
+        const auto every = [&](int y, const Row& row) {
+            const std::size_t begin = static_cast<std::size_t>((y - box.y) / step_y) * columns;
+            for (std::size_t i = 0; i < columns; ++i) take(begin + i, row, static_cast<int>(i) * step_x);
+        };
+        const int height = step_y == 1 ? box.height() : 1;
+        for (int y = 0; y < box.height(); y += step_y * height) {
+            renderer.render(*image, {box.x, box.y + y, box.r, box.y + y + height}, channels, every);
+        }
+    };
+    std::vector<StrokePixel> all(columns * steps(box.height(), step_y));
+    std::vector<bool> kept(all.size(), true);
+    read(&first, kMaskRgba, [&](std::size_t at, const Row& row, int i) { all[at].first = pixel_of(row, i); });
+    read(second, kMaskRgba,
+         [&](std::size_t at, const Row& row, int i) { all[at].second = pixel_of(row, i); });
+    read(keep, kMaskAlpha, [&](std::size_t at, const Row& row, int i) { kept[at] = row[kAlpha][i] != 0.0f; });
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        if (kept[i] && finite(all[i].first) && finite(all[i].second)) pixels.push_back(all[i]);
+    }
+    return pixels;
+}
+
+std::vector<std::size_t> extremes(const std::vector<VeloxaSample::Sample>& colors) {
+    if (colors.empty()) return {};
+    std::vector<std::size_t> picks(14);
+    for (std::size_t i = 0; i < colors.size(); ++i) {
+        const Measures here = measures(colors[i]);
+        for (std::size_t m = 0; m < here.size(); ++m) {
+            if (here[m] < measures(colors[picks[2 * m]])[m]) picks[2 * m] = i;
+            if (here[m] > measures(colors[picks[2 * m + 1]])[m]) picks[2 * m + 1] = i;
+        }
+    }
+    std::sort(picks.begin(), picks.end());
+    picks.erase(std::unique(picks.begin(), picks.end()), picks.end());
+    return picks;
+}

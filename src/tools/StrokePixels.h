@@ -1,0 +1,24 @@
+// Pixels that stand for a stroke: of everything under its box the most extreme in each direction that the
+// kernels look in, so that what holds for them holds for what lies between.
+#pragma once
+
+#include <array>
+#include <vector>
+
+#include "ZoImage/Iop.h"
+#include "panel/VeloxaSample.h"
+
+// The same place in two images.
+struct StrokePixel {
+    VeloxaSample::Sample first{};
+    VeloxaSample::Sample second{};
+};
+
+// Pixels of the box (thinned out by decimate) whose alpha in `keep` is not 0; of all without it. `second` may
+// be null. Those that are not finite are left out. Validation thread; renders what it reads.
+std::vector<StrokePixel> read_pixels(Zo::Image::Iop& first, Zo::Image::Iop* second, Zo::Image::Iop* keep,
+                                     const Zo::Image::Box& box);
+
+// Where in the list the least and greatest red, green, blue, alpha and difference of two colours are;
+// ascending, each place once.
+std::vector<std::size_t> extremes(const std::vector<VeloxaSample::Sample>& colors);

@@ -1,0 +1,312 @@
+#include "tools/ToolRun.h"
+
+#include <algorithm>
+#include <cmath>
+#include <locale>
+#include <sstream>
+
+#include "ZoImage/Convert.h"
+#include "keyer/OutputKernel.h"
+#include "tools/ColorMatchAnalysis.h"
+#include "tools/SpillAnalysis.h"
+
+using namespace Zo::Image;
+
+namespace {
+
+// A stroke beyond this is a slip of the hand, and its pixels would not fit.
+constexpr std::int64_t kLargestSide = 1 << 16;
+constexpr std::int64_t kLargestArea = 1 << 26;
+
+constexpr std::size_t kBackingPixels = VeloxaSample::kCapacity;
+
+std::vector<PlatedSample> spread_over(const std::vector<PlatedSample>& pixels) {
+    std::vector<VeloxaSample::Sample> colors;
+    for (const PlatedSample& p : pixels) colors.push_back(p.fg);
+    std::vector<PlatedSample> chosen;
+    for (const std::size_t i : extremes(colors)) chosen.push_back(pixels[i]);
+    const std::size_t rest = std::min(kBackingPixels - chosen.size(), pixels.size());
+    for (std::size_t i = 0; i < rest; ++i) chosen.push_back(pixels[i * pixels.size() / rest]);
+    return chosen;
+}
+
+}  // namespace
+
+void ToolRun::run(Tool tool) {
+    const Knob& button = *node_.panel_.tool(tool);
+    report_ = "tool\t" + button.name() + "\n";
+    if (take_box(button)) {
+        node_.validate(true);
+        if (may_turn(tool)) use(tool);
+    }
+    for (std::size_t i = 0; i < node_.session_.saved_counts.size(); ++i) {
+        node_.session_.saved_counts[i] = node_.panel_.samples(static_cast<SampleAction>(i))->count();
+    }
+    node_.session_.knobs = node_.knobs_;
+    node_.session_.report = std::move(report_);
+}
+
+void ToolRun::use(Tool tool) {
+    const bool subject = node_.knobs_.overlay_mode == static_cast<std::int32_t>(OverlayMode::kSubject);
+    switch (tool) {
+        case Tool::kScreen:
+            pick_color(node_.input(0), &KnobStorage::screen_color, false);
+            break;
+        case Tool::kMatchShadow:
+            pick_color(node_.input(2), &KnobStorage::shadows_tint, true);
+            break;
+        case Tool::kAddOverlay:
+            overlay(!subject);
+            break;
+        case Tool::kRemoveOverlay:
+            overlay(subject);
+            break;
+        case Tool::kAddMatte:
+            add_matte();
+            break;
+        case Tool::kRemoveNoise:
+        case Tool::kHoldShadow:
+        case Tool::kRestoreDetail:
+            matte_samples(tool);
+            break;
+        case Tool::kRestoreSpill:
+        case Tool::kRemoveSpill:
+            spill(tool == Tool::kRestoreSpill);
+            break;
+        case Tool::kMatchColor:
+            match_color();
+            break;
+    }
+}
+
+bool ToolRun::taken_back(SampleAction action) const {
+    // A held list takes no sample that could be missed.
+    if (is_held(action)) return node_.session_.knobs != node_.knobs_;
+    const int count = node_.panel_.samples(action)->count();
+    return count == 0 || count < node_.session_.saved_counts[static_cast<std::size_t>(action)];
+}
+
+bool ToolRun::take_box(const Knob& tool) {
+    const auto down = [&](int i) { return to_int(std::floor(tool.get_value(i))); };
+    const auto up = [&](int i) { return to_int(std::ceil(tool.get_value(i))); };
+    box_ = {down(4), down(5), up(6), up(7)};
+    report_ += "box";
+    for (const int v : {box_.x, box_.y, box_.r, box_.t}) report_ += '\t' + std::to_string(v);
+    report_ += '\n';
+    const std::int64_t width = std::int64_t{box_.r} - box_.x;
+    const std::int64_t height = std::int64_t{box_.t} - box_.y;
+    if (width <= 0 || height <= 0) {
+        note("the stroke is empty");
+        return false;
+    }
+    if (width > kLargestSide || height > kLargestSide || width * height > kLargestArea) {
+        note("the stroke is too large");
+        return false;
+    }
+    return true;
+}
+
+ToolRun::Sample ToolRun::mean(Iop& source) const {
+    VeloxaSample stroke(&node_);
+    stroke.add_area(source, box_.x, box_.y, box_.r, box_.t);
+    return stroke.count() == 0 ? Sample{} : stroke.samples().front();
+}
+
+std::vector<StrokePixel> ToolRun::pixels(Iop& first, Iop* second) {
+    std::vector<StrokePixel> stroke = read_pixels(first, second, nullptr, box_);
+    if (stroke.empty()) ++unusable_;
+    return stroke;
+}
+
+Setting ToolRun::setting(const KnobStorage& knobs) const {
+    return {knobs, node_.controls_, node_.inputFlags_, node_.panel_.held()};
+}
+
+Iop* ToolRun::plate() const {
+    return node_.flag(kCpUsable) ? &node_.input(1) : nullptr;
+}
+
+void ToolRun::note(std::string_view text) {
+    report_ += "note\t" + std::string(text) + '\n';
+}
+
+// A bright background would make the shadow's tint no shadow.
+void ToolRun::pick_color(Iop& source, KnobStorage::Color KnobStorage::*field, bool darken) {
+    VeloxaSample stroke(&node_);
+    stroke.add_area(source, box_.x, box_.y, box_.r, box_.t);
+    Sample color = stroke.average();
+    if (!usable(color)) {
+        note("the stroke's colour is not finite");
+        report_ += "samples\t0\t0\t1\n";
+        return;
+    }
+    while (darken && color[0] + color[1] + color[2] > 0.5f) {
+        for (std::size_t i = 0; i < 3; ++i) color[i] *= 0.85f;
+    }
+    KnobStorage values = node_.knobs_;
+    values.*field = {color[0], color[1], color[2]};
+    set_knobs(values);
+    report_ += "samples\t1\t0\t0\n";
+}
+
+void ToolRun::add_matte() {
+    ToolSession& session = node_.session_;
+    std::vector<PlatedSample> asked;
+    for (const StrokePixel& p : pixels(node_.input(0), plate())) asked.push_back({p.first, p.second});
+    session.opaque.begin(std::move(asked));
+    gather_backing();
+    const auto analyse = [&] {
+        return analyse_add_matte(setting(), session.opaque.samples(), session.backing,
+                                 session.backing_mattes);
+    };
+    const auto agrees = [&](const KnobStorage& knobs, const std::vector<PlatedSample>& pixels) {
+        const std::vector<float> mattes = sample_mattes(setting(knobs), pixels);
+        std::vector<bool> solid(mattes.size());
+        std::transform(mattes.begin(), mattes.end(), solid.begin(), [](float m) { return m <= 0.0f; });
+        return solid;
+    };
+    const Tuning tuning = refine(session.opaque, analyse, agrees);
+    note_missed(session.opaque, [&](const auto& pixels) { return agrees(tuning.knobs, pixels); });
+    adopt(tuning, session.opaque.samples().size());
+}
+
+// The bounds hold from stroke to stroke, or many small steps would be a large one. They are taken anew for
+// another screen colour, and where the density was turned by hand.
+void ToolRun::gather_backing() {
+    ToolSession& session = node_.session_;
+    const auto kept = [&] {
+        const std::vector<float> mattes = sample_mattes(setting(), session.backing);
+        return std::equal(mattes.begin(), mattes.end(), session.backing_mattes.begin(),
+                          [](float a, float b) { return std::abs(a - b) <= 1.0f; });
+    };
+    if (session.backing_color == node_.knobs_.screen_color && !session.backing.empty() && kept()) return;
+    Iop& fg = node_.input(0);
+    std::vector<OverlaySample> region;
+    for (const StrokePixel& p : read_pixels(fg, plate(), &node_.screen_region(), fg.info().box)) {
+        region.push_back({p.first, p.second, true});
+    }
+    // A pixel that is of the region only by its neighbours would be judged without them.
+    const std::vector<bool> clear = overlay_agrees(setting(), region);
+    std::vector<PlatedSample> pixels;
+    for (std::size_t i = 0; i < region.size(); ++i) {
+        if (clear[i] || !node_.knobs_.screen_correct) pixels.push_back({region[i].fg, region[i].plate});
+    }
+    session.backing = spread_over(pixels);
+    session.backing_mattes = sample_mattes(setting(), session.backing);
+    session.backing_color = node_.knobs_.screen_color;
+}
+
+void ToolRun::matte_samples(Tool tool) {
+    const bool noise = tool == Tool::kRemoveNoise;
+    Iop& matte = node_.cleanup.input(0);
+    std::vector<MatteSample>& list = node_.session_.mattes;
+    std::vector<Sample> stroke;
+    for (const StrokePixel& p : pixels(matte, nullptr)) stroke.push_back(p.first);
+    for (const std::size_t i : extremes(stroke)) remember(list, {stroke[i][3], noise});
+    adopt(analyse_matte_samples(setting(), noise, list), list.size());
+}
+
+// The samples are taken with the backing out in full, whatever the veiling says, or they would mean another
+// foreground after each change of it.
+void ToolRun::spill(bool restore) {
+    auto* const list =
+        node_.panel_.samples(restore ? SampleAction::kRestoreSpill : SampleAction::kRemoveSpill);
+    Strokes<SpillSample>& strokes = node_.session_.spill;
+    const bool restored_gone = taken_back(SampleAction::kRestoreSpill);
+    const bool removed_gone = taken_back(SampleAction::kRemoveSpill);
+    strokes.forget([&](const SpillSample& s) { return s.restore ? restored_gone : removed_gone; });
+    KnobStorage bare = node_.knobs_;
+    bare.spill_backgroundveiling = KnobStorage{}.spill_backgroundveiling;
+    with(bare, [&] {
+        std::vector<SpillSample> asked;
+        for (const StrokePixel& p : pixels(node_.outputMatte, nullptr)) asked.push_back({p.first, restore});
+        strokes.begin(std::move(asked));
+        if (list->flag(kKnobHeld)) return tell_held(*list);
+        list->add_area(node_.outputMatte, box_.x, box_.y, box_.r, box_.t);
+    });
+
+    const auto samples = [&] {
+        std::vector<SpillSample> all;
+        unusable_ = 0;
+        for (const bool mode : {!restore, restore}) {
+            const auto action = mode ? SampleAction::kRestoreSpill : SampleAction::kRemoveSpill;
+            for (const Sample& sample : node_.panel_.samples(action)->samples()) {
+                if (usable(sample)) {
+                    all.push_back({as_saved(sample), mode});
+                } else {
+                    ++unusable_;
+                }
+            }
+        }
+        all.insert(all.end(), strokes.samples().begin(), strokes.samples().end());
+        return all;
+    };
+    const auto agrees = [&](const KnobStorage& knobs, const std::vector<SpillSample>& pixels) {
+        return spill_agrees(setting(), knobs, pixels);
+    };
+    const Tuning tuning = refine(
+        strokes, [&] { return analyse_spill(setting(), samples()); }, agrees);
+    note_missed(strokes, [&](const auto& pixels) { return agrees(tuning.knobs, pixels); });
+    adopt(tuning, tuning.misses.size());
+}
+
+void ToolRun::match_color() {
+    ToolSession& session = node_.session_;
+    const Sample keyed = mean(node_.colorCorrection.input(0));
+    const Sample matte = mean(node_.outputMatte);
+    VlxNormalize normal(node_.context());
+    normal.set_input(0, &node_.input(2));
+    normal.setup();
+    const Sample behind = mean(normal);
+    if (!usable(keyed) || !usable(matte) || !usable(behind)) {
+        ++unusable_;
+    } else if (matte[3] < 127.5f) {
+        remember(session.keyed, keyed);
+        remember(session.behind, behind);
+    } else {
+        remember(session.background, behind);
+    }
+    const bool compared = !session.background.empty();
+    if (!compared) note("no stroke on the background yet: the background behind the subject counts");
+    const ColorMatch match =
+        match_colors(setting(), session.keyed, compared ? session.background : session.behind);
+    node_.controls_.set(controls::kFgSample, match.fg[0], match.fg[1], match.fg[2]);
+    node_.controls_.set(controls::kBgSample, match.bg[0], match.bg[1], match.bg[2]);
+    adopt(match.tuning, match.tuning.misses.size());
+}
+
+// The first `counted` misses are those of the user's samples.
+void ToolRun::adopt(const Tuning& tuning, std::size_t counted) {
+    set_knobs(tuning.knobs);
+    const auto begin = tuning.misses.begin();
+    const auto satisfied = std::count(begin, begin + static_cast<std::ptrdiff_t>(counted), 0.0);
+    report_ += "samples\t" + std::to_string(satisfied) + '\t' +
+               std::to_string(static_cast<std::ptrdiff_t>(counted) - satisfied) + '\t' +
+               std::to_string(unusable_) + '\n';
+}
+
+// By way of the knobs, which read and write the node's fields: what differs is found there.
+void ToolRun::set_knobs(const KnobStorage& values) {
+    const auto text = [](const Knob& knob) {
+        std::ostringstream out;
+        out.imbue(std::locale::classic());
+        knob.to_script(out, false);
+        return out.str();
+    };
+    const KnobStorage present = node_.knobs_;
+    const std::vector<Knob*>& settings = node_.panel_.settings();
+    std::vector<std::string> before;
+    for (const Knob* const knob : settings) before.push_back(text(*knob));
+    node_.knobs_ = values;
+    std::vector<Knob*> changed;
+    for (std::size_t i = 0; i < settings.size(); ++i) {
+        const std::string after = text(*settings[i]);
+        if (after == before[i]) continue;
+        report_ += "knob\t" + settings[i]->name() + '\t' + before[i] + '\t' + after + '\n';
+        changed.push_back(settings[i]);
+    }
+    node_.knobs_ = present;
+    for (Knob* const knob : changed) knob->new_undo(knob->name().c_str());
+    node_.knobs_ = values;
+    for (Knob* const knob : changed) knob->changed();
+}

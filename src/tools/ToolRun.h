@@ -1,0 +1,118 @@
+// One use of a toolbar tool: gathers the stroke's samples, starts the tool's analysis, and sets the knobs
+// that it found, each with an undo step.
+//
+// The stroke's box comes from the tool's values 4 to 7, rounded outward. Report, one line each, fields
+// separated by tabs:
+//
+//   tool     NAME
+//   box      X Y R T
+//   knob     NAME, value before, value after      one line for each knob that changed
+//   samples  satisfied, unsatisfied, unusable     the last are NaN or infinite
+//   held     NAME                                 one line for each knob that it leaves for that reason
+//   note     what else there is to say
+//
+// Where a tool has nothing left to turn it asks for nothing: no sample is kept. Held sample lists stay as
+// they are; what of them is as asked counts before all strokes.
+#pragma once
+
+#include <algorithm>
+#include <limits>
+#include <string>
+
+#include "keyer/VeloxaKeyer.h"
+#include "tools/StrokePixels.h"
+
+class ToolRun {
+  public:
+    explicit ToolRun(VeloxaKeyer& node) : node_(node) {}
+
+    void run(Tool tool);
+
+  private:
+    using Sample = VeloxaSample::Sample;
+
+    bool take_box(const Zo::Image::Knob& tool);
+    // Whether a held knob leaves the tool anything to turn; says which are held.
+    bool may_turn(Tool tool);
+    void use(Tool tool);
+    // Calls `look` while the node stands as with these knobs.
+    template <class Look>
+    void with(const KnobStorage& knobs, const Look& look);
+    Sample mean(Zo::Image::Iop& source) const;
+    std::vector<StrokePixel> pixels(Zo::Image::Iop& first, Zo::Image::Iop* second);
+    // Analyses, and takes in pixels of the strokes that the answer leaves out, until it leaves out none.
+    template <class T, class Analyse, class Agrees>
+    Tuning refine(Strokes<T>& strokes, const Analyse& analyse, const Agrees& agrees);
+    template <class T, class Agrees>
+    void note_missed(const Strokes<T>& strokes, const Agrees& agrees);
+    void pick_color(Zo::Image::Iop& source, KnobStorage::Color KnobStorage::*field, bool darken);
+    void overlay(bool add);
+    void gather_overlay(bool add);
+    // Where the stroke is not transparent in the picture that the knobs would give; spread over it, if many.
+    std::vector<std::array<int, 2>> visible(const KnobStorage& knobs);
+    // What lies so near to those places that it takes the screen area away from them.
+    std::vector<OverlaySample> surroundings(const KnobStorage& knobs,
+                                            const std::vector<std::array<int, 2>>& places);
+    std::vector<OverlaySample> overlay_samples(bool add);
+    void add_matte();
+    void gather_backing();
+    void matte_samples(Tool tool);
+    void spill(bool restore);
+    void match_color();
+
+    Setting setting() const { return setting(node_.knobs_); }
+    Setting setting(const KnobStorage& knobs) const;
+    void tell_held(const Zo::Image::Knob& knob);
+    bool is_held(SampleAction action) const;
+    // Whether the saved list was cleared, undone or restored since the latest stroke.
+    bool taken_back(SampleAction action) const;
+    Zo::Image::Iop* plate() const;
+    void adopt(const Tuning& tuning, std::size_t counted);
+    void set_knobs(const KnobStorage& values);
+    void note(std::string_view text);
+
+    static constexpr int kMostRounds = 12;
+    static constexpr int kMostIdleRounds = 2;
+
+    VeloxaKeyer& node_;
+    Zo::Image::Box box_{};
+    int unusable_ = 0;
+    std::string report_;
+};
+
+template <class T, class Analyse, class Agrees>
+Tuning ToolRun::refine(Strokes<T>& strokes, const Analyse& analyse, const Agrees& agrees) {
+    std::size_t least = std::numeric_limits<std::size_t>::max();
+    int idle = 0;
+    for (int round = 0;; ++round) {
+        Tuning tuning = analyse();
+        const auto satisfied = [&](const std::vector<T>& pixels) { return agrees(tuning.knobs, pixels); };
+        // Where samples contradict each other more of them help for a while only.
+        const bool all =
+            std::all_of(tuning.misses.begin(), tuning.misses.end(), [](double m) { return m == 0.0; });
+        const std::size_t left = strokes.unsatisfied(satisfied);
+        idle = all || left < least ? 0 : idle + 1;
+        least = std::min(least, left);
+        const bool last = round == kMostRounds || idle == kMostIdleRounds;
+        if (last || !strokes.take_missed(satisfied)) return tuning;
+    }
+}
+
+template <class T, class Agrees>
+void ToolRun::note_missed(const Strokes<T>& strokes, const Agrees& agrees) {
+    const std::size_t missed = strokes.unsatisfied(agrees);
+    if (missed > 0) note(std::to_string(missed) + " pixels of the stroke are not as asked");
+}
+
+template <class Look>
+void ToolRun::with(const KnobStorage& knobs, const Look& look) {
+    const KnobStorage present = node_.knobs_;
+    const auto set = [this](const KnobStorage& values) {
+        node_.knobs_ = values;
+        node_.invalidate();
+        node_.validate(true);
+    };
+    set(knobs);
+    look();
+    set(present);
+}

@@ -1,0 +1,156 @@
+// The two overlay tools.
+#include <algorithm>
+#include <cmath>
+
+#include "ZoImage/Render.h"
+#include "tools/ToolRun.h"
+
+using namespace Zo::Image;
+
+namespace {
+
+constexpr int kMostMargins = 4;
+constexpr double kWidestMargin = 16.0;
+constexpr std::size_t kMostPlaces = 256;
+
+}  // namespace
+
+// The lists' means before the pixels, the other tool's before this one's; but the newest wins, so what a held
+// list has right comes last.
+std::vector<OverlaySample> ToolRun::overlay_samples(bool add) {
+    std::vector<OverlaySample> samples, kept;
+    unusable_ = 0;
+    const auto append = [&](const OverlaySample& sample) {
+        if (usable(sample.fg) && usable(sample.plate)) {
+            samples.push_back(sample);
+        } else {
+            ++unusable_;
+        }
+    };
+    const KnobStorage::Color& screen = node_.knobs_.screen_color;
+    for (const bool mode : {!add, add}) {
+        const SampleAction action = mode ? SampleAction::kAddOverlay : SampleAction::kRemoveOverlay;
+        const auto* const fg = node_.panel_.samples(action);
+        const auto* const cp =
+            node_.panel_.samples(mode ? SampleAction::kAddOverlayCp : SampleAction::kRemoveOverlayCp);
+        for (std::size_t i = 0; i < fg->samples().size(); ++i) {
+            const std::size_t back = fg->samples().size() - i;
+            const std::size_t plates = cp->samples().size();
+            const Sample plated =
+                back <= plates ? cp->samples()[plates - back] : Sample{screen[0], screen[1], screen[2], 0.0f};
+            const OverlaySample sample{as_saved(fg->samples()[i]), as_saved(plated), mode};
+            if (is_held(action) && overlay_agrees(setting(), {&sample, 1}).front()) {
+                kept.push_back(sample);
+            } else {
+                append(sample);
+            }
+        }
+    }
+    for (const OverlaySample& pixel : node_.session_.overlay.samples()) append(pixel);
+    for (const OverlaySample& sample : kept) append(sample);
+    return samples;
+}
+
+void ToolRun::overlay(bool add) {
+    gather_overlay(add);
+    Strokes<OverlaySample>& strokes = node_.session_.overlay;
+    const auto analyse = [&] { return analyse_overlay(setting(), overlay_samples(add)); };
+    const auto agrees = [&](const KnobStorage& knobs, const std::vector<OverlaySample>& asked) {
+        return overlay_agrees(setting(knobs), asked);
+    };
+    Tuning tuning = refine(strokes, analyse, agrees);
+    // The decision is a pixel's own, but shrinking and orphans look at places: the stroke's margin may need
+    // what lies beside it, unless that costs a sample.
+    auto lost = add ? visible(tuning.knobs) : std::vector<std::array<int, 2>>{};
+    for (int round = 0; !lost.empty() && round < kMostMargins; ++round) {
+        const Strokes<OverlaySample> before = strokes;
+        strokes.extend(surroundings(tuning.knobs, lost));
+        Tuning wider = refine(strokes, analyse, agrees);
+        auto still = visible(wider.knobs);
+        const auto missed = [](const Tuning& t) {
+            return std::count_if(t.misses.begin(), t.misses.end(), [](double m) { return m != 0.0; });
+        };
+        if (still.size() >= lost.size() || missed(wider) > missed(tuning)) {
+            strokes = before;
+            break;
+        }
+        tuning = std::move(wider);
+        lost = std::move(still);
+    }
+    note_missed(strokes, [&](const auto& pixels) { return agrees(tuning.knobs, pixels); });
+    if (!lost.empty()) note("not all of the stroke is transparent: what lies beside it is no backing");
+    adopt(tuning, tuning.misses.size());
+}
+
+std::vector<std::array<int, 2>> ToolRun::visible(const KnobStorage& knobs) {
+    std::vector<std::array<int, 2>> places;
+    int step_x = 1;
+    int step_y = 1;
+    if (decimate(box_.x, box_.y, box_.r, box_.t, step_x, step_y) == 0) return places;
+    with(knobs, [&] {
+        // A render makes what the stages look up and down for once.
+        Renderer(1).render(node_, box_, kMaskRgba, [&](int y, const Row& row) {
+            if ((y - box_.y) % step_y != 0) return;
+            for (int x = box_.x; x < box_.r; x += step_x) {
+                if (row[kAlpha][x - box_.x] != 0.0f) places.push_back({x, y});
+            }
+        });
+    });
+    return places;
+}
+
+std::vector<OverlaySample> ToolRun::surroundings(const KnobStorage& knobs,
+                                                 const std::vector<std::array<int, 2>>& places) {
+    const auto reach = [&](std::size_t axis) {
+        const double radius = std::ceil(std::clamp(node_.knobs_.screen_shrink[axis], 0.0, kWidestMargin));
+        return to_int(radius) + (node_.knobs_.screen_orphans > 0 ? 1 : 0);
+    };
+    const KnobStorage::Color& screen = node_.knobs_.screen_color;
+    const Sample constant{screen[0], screen[1], screen[2], 0.0f};
+    const Box& frame = node_.input(0).info().box;
+    std::vector<OverlaySample> beside;
+    const std::size_t count = std::min(places.size(), kMostPlaces);
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto [x, y] = places[i * places.size() / count];
+        const Box near{std::max(x - reach(0), frame.x), std::max(y - reach(1), frame.y),
+                       std::min(x + reach(0) + 1, frame.r), std::min(y + reach(1) + 1, frame.t)};
+        for (const StrokePixel& p : read_pixels(node_.input(0), plate(), nullptr, near)) {
+            beside.push_back({p.first, plate() != nullptr ? p.second : constant, true});
+        }
+    }
+    const std::vector<bool> clear = overlay_agrees(setting(knobs), beside);
+    std::vector<OverlaySample> missed;
+    for (std::size_t i = 0; i < beside.size(); ++i) {
+        if (!clear[i]) missed.push_back(beside[i]);
+    }
+    return missed;
+}
+
+void ToolRun::gather_overlay(bool add) {
+    const auto list = [this](SampleAction action) { return node_.panel_.samples(action); };
+    auto* const fg = list(add ? SampleAction::kAddOverlay : SampleAction::kRemoveOverlay);
+    auto* const cp = list(add ? SampleAction::kAddOverlayCp : SampleAction::kRemoveOverlayCp);
+    const KnobStorage::Color& screen = node_.knobs_.screen_color;
+    const Sample constant{screen[0], screen[1], screen[2], 0.0f};
+    const bool added_gone = taken_back(SampleAction::kAddOverlay);
+    const bool removed_gone = taken_back(SampleAction::kRemoveOverlay);
+    node_.session_.overlay.forget(
+        [&](const OverlaySample& s) { return s.screen ? added_gone : removed_gone; });
+    std::vector<OverlaySample> asked;
+    for (const StrokePixel& p : pixels(node_.input(0), plate())) {
+        asked.push_back({p.first, plate() != nullptr ? p.second : constant, add});
+    }
+    node_.session_.overlay.begin(std::move(asked));
+    // A plate's sample belongs to one of the foreground.
+    for (const Knob* const samples : {fg, cp}) {
+        if (samples->flag(kKnobHeld)) return tell_held(*samples);
+    }
+    fg->add_area(node_.input(0), box_.x, box_.y, box_.r, box_.t);
+    node_.validate(true);
+    if (plate() == nullptr) {
+        cp->add_point(constant, box_.x, box_.y, box_.r, box_.t);
+    } else {
+        cp->add_area(*plate(), box_.x, box_.y, box_.r, box_.t);
+    }
+    node_.validate(true);
+}
