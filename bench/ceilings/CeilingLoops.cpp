@@ -1,4 +1,6 @@
 // Compiled once a form; the multiply-adds are fused where the processor can.
+#include "ceilings/CeilingLoops.h"
+
 #include <cstddef>
 
 #if LANE_BITS == 0

@@ -16,9 +16,9 @@ using PlaneLoop = double(const float* from, float* to, std::size_t n);
 
 }  // namespace bench
 
-extern const LaneKernel<bench::CeilingLoop> divide_floats;
-extern const LaneKernel<bench::CeilingLoop> divide_doubles;
-extern const LaneKernel<bench::CeilingLoop> multiply_add_floats;
-extern const LaneKernel<bench::CeilingLoop> multiply_add_doubles;
-extern const LaneKernel<bench::CeilingLoop> convert;
-extern const LaneKernel<bench::PlaneLoop> negate_plane;
+LANE_KERNEL(bench::CeilingLoop, divide_floats);
+LANE_KERNEL(bench::CeilingLoop, divide_doubles);
+LANE_KERNEL(bench::CeilingLoop, multiply_add_floats);
+LANE_KERNEL(bench::CeilingLoop, multiply_add_doubles);
+LANE_KERNEL(bench::CeilingLoop, convert);
+LANE_KERNEL(bench::PlaneLoop, negate_plane);

@@ -9,16 +9,6 @@
 
 #include "ceilings/CeilingLoops.h"
 
-using bench::CeilingLoop;
-using bench::PlaneLoop;
-
-LANE_KERNEL(CeilingLoop, divide_floats);
-LANE_KERNEL(CeilingLoop, divide_doubles);
-LANE_KERNEL(CeilingLoop, multiply_add_floats);
-LANE_KERNEL(CeilingLoop, multiply_add_doubles);
-LANE_KERNEL(CeilingLoop, convert);
-LANE_KERNEL(PlaneLoop, negate_plane);
-
 namespace bench {
 
 namespace {

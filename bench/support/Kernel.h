@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "controls/ChannelRoles.h"
 #include "controls/ControlBlock.h"
 #include "panel/KnobStorage.h"
-#include "stages/ChannelRoles.h"
 #include "support/Counts.h"
 
 namespace bench {

@@ -1,5 +1,5 @@
 // Names for the controls that the keyer's stages read: indices into the ControlBlock, and the groups of
-// three. Colour groups are in role order: role 0, role 1, primary (see stages/ChannelRoles.h).
+// three. Colour groups are in role order: role 0, role 1, primary (see ChannelRoles.h).
 #pragma once
 
 #include "controls/ControlBlock.h"

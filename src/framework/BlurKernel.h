@@ -10,11 +10,13 @@
 #include "lanes/LaneKernel.h"
 
 // 1 / (2 * radius + 1).
-float blur_scale(int radius);
+inline float blur_scale(int radius) {
+    return 1.0f / static_cast<float>(2 * radius + 1);
+}
 
 // sum[i] += lines[0][i], then lines[1][i] and so on, for i < n. Lines must not overlap the sum.
 using BlurAdd = void(std::span<const float* const> lines, float* sum, std::size_t n);
-extern const LaneKernel<BlurAdd> blur_add;
+LANE_KERNEL(BlurAdd, blur_add);
 // sum[i] = scale * sum[i].
 using BlurFinish = void(float scale, float* sum, std::size_t n);
-extern const LaneKernel<BlurFinish> blur_finish;
+LANE_KERNEL(BlurFinish, blur_finish);

@@ -17,9 +17,9 @@
 
 class VlxFilter : public VlxIop {
   public:
-    VlxFilter(const Zo::Image::NodeContext& context, const ControlBlock* controls,
-              Zo::Image::ChannelSet own_channels)
-        : VlxIop(context, controls), own_channels_(own_channels) {}
+    VlxFilter(const NodeContext& context, const ControlBlock* controls, Description description,
+              ChannelSet own_channels)
+        : VlxIop(context, controls, std::move(description)), own_channels_(own_channels) {}
 
     // The frame is kept as it is.
     Zo::Image::ChannelSet kept_channels() const override { return Zo::Image::kMaskNone; }

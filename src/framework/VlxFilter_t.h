@@ -2,9 +2,9 @@
 // below 1. Colour comes from input 0 unchanged; the box is input 0's. With both passes skipped the operator
 // is an identity.
 //
-// A subclass supplies configure(), which sets the parameters of both passes from the controls and runs at
-// the head of every validation, setup(), and class_name(). The passes are wired during validation: who
-// requests one validates it after that.
+// A subclass supplies its description and configure(), which sets the parameters of both passes from the
+// controls and runs at the head of every validation. The passes are wired during validation: who requests one
+// validates it after that.
 #pragma once
 
 #include "framework/VlxBaseFilter.h"
@@ -13,9 +13,8 @@
 template <class H, class V>
 class VlxFilter_t : public VlxIop {
   public:
-    VlxFilter_t(const Zo::Image::NodeContext& context, const ControlBlock* controls)
-        : VlxIop(context, controls), horizontal_(context), vertical_(context) {
-        inputs(1);
+    VlxFilter_t(const NodeContext& context, const ControlBlock* controls, Description description)
+        : VlxIop(context, controls, std::move(description)), horizontal_(context), vertical_(context) {
         horizontal_.set_input(0, input_op(0));
         vertical_.set_input(0, &horizontal_);
         horizontal_.parent(this, "horizontal");

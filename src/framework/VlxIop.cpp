@@ -2,16 +2,33 @@
 
 using namespace Zo::Image;
 
-void VlxIop::append(Hash& hash, std::initializer_list<int> control_indices) const {
-    for (const int index : control_indices) hash.append(controls().get(index));
+VlxIop::ControlList::ControlList(std::initializer_list<Item> items) {
+    for (const Item& item : items) {
+        for (const int index : item.indices) {
+            if (index >= 0) indices_.push_back(index);
+        }
+    }
 }
 
-void VlxIop::append(Hash& hash, const ControlGroup& group) const {
-    append(hash, {group.first, group.second, group.third});
+VlxIop::VlxIop(const NodeContext& context, const ControlBlock* controls, Description description)
+    : Iop(context), controls_(controls), description_(std::move(description)) {
+    inputs(static_cast<int>(description_.inputs.size()));
 }
 
-void VlxIop::append_input(Hash& hash, int n) const {
-    if (const Op* op = input_op(n)) hash.append(op->hash());
+const char* VlxIop::input_label(int input, char* buffer) const {
+    if (input < 0 || input >= inputs()) return buffer;
+    const char* const label = description_.inputs[static_cast<std::size_t>(input)].label;
+    return label == nullptr ? buffer : label;
+}
+
+Hash VlxIop::state() const {
+    Hash hash;
+    for (const int index : description_.hashed) hash.append(controls_->get(index));
+    for (int n = 0; n < inputs(); ++n) {
+        const Op* op = reads(n) ? input_op(n) : nullptr;
+        if (op != nullptr) hash.append(op->hash());
+    }
+    return hash;
 }
 
 void VlxIop::validate_writing(ChannelSet written, ChannelSet added) {

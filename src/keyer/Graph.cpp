@@ -1,4 +1,7 @@
 // The node's inner graph: which operator reads which, for the present inputs and panel.
+#include <algorithm>
+#include <type_traits>
+
 #include "keyer/VeloxaKeyer.h"
 #include "panel/KnobCopy.h"
 
@@ -59,20 +62,21 @@ void VeloxaKeyer::_close() {
     Iop::_close();
 }
 
-// "ColorIndex" and "ScreenCorrect" are in no operator's hash, so a change of them is told to their readers
-// here; whoever reads those follows through their hashes.
+// A change of controls that operators read but do not hash is told to them here; whoever reads those follows
+// through their hashes.
 void VeloxaKeyer::refresh_controls() {
-    const auto color_index = controls_.get(controls::kColorIndex);
-    const auto screen_correct = controls_.get(controls::kScreenCorrect);
+    auto before = control_values_;
     copy_knobs(knobs_, inputFlags_, controls_);
-    if (controls_.get(controls::kColorIndex) != color_index) {
-        for (Op* op : std::initializer_list<Op*>{
-                 &subRegion, &clearRegionCP, &clearRegion, &computeMatte, &computePFG, &spillSuppression,
-                 &colorCorrection, &smartInterpol, &computeShadow, &clearFrame, &combineShadow}) {
-            op->invalidate();
+    const ControlBlock old(before.data(), 0);
+    for_each_operator([&](auto& op, const char*) {
+        if constexpr (std::is_base_of_v<VlxIop, std::remove_reference_t<decltype(op)>>) {
+            const auto& list = op.unhashed();
+            if (std::any_of(list.begin(), list.end(),
+                            [&](int i) { return old.get(i) != controls_.get(i); })) {
+                op.invalidate();
+            }
         }
-    }
-    if (controls_.get(controls::kScreenCorrect) != screen_correct) computePFG.invalidate();
+    });
 }
 
 Iop& VeloxaKeyer::screen_region() {

@@ -30,19 +30,19 @@ inline constexpr float kOutputByte = 0.003921569f;
 
 // Foreground opacity, 0 to 1, from the matte (255 on backing); a NaN stays one.
 using Opacity = void(const float* matte, float* k, std::size_t n);
-extern const LaneKernel<Opacity> opacity;
+LANE_KERNEL(Opacity, opacity);
 
 // The same where the matte counts over its whole range: 1 - matte / 255.
-extern const LaneKernel<Opacity> linear_opacity;
+LANE_KERNEL(Opacity, linear_opacity);
 
 // The share of the foreground that the processed colour of such a matte holds. On the straight half of the
 // scale it is `opacity` to the bit, beyond it more.
-extern const LaneKernel<Opacity> colour_share;
+LANE_KERNEL(Opacity, colour_share);
 
 // The output rule for one colour channel.
 using OutputColour = void(OutputMode mode, const float* colour, const float* background, const float* k,
                           float* out, std::size_t n);
-extern const LaneKernel<OutputColour> output_colour;
+LANE_KERNEL(OutputColour, output_colour);
 
 // The output rule where the colour counts as premultiplied, by `share`: it is added to what k leaves of the
 // background, and divided by its share for the unpremultiplied output. Where a later stage or the knee
@@ -52,7 +52,7 @@ extern const LaneKernel<OutputColour> output_colour;
 // nothing left that could take an infinity out of the picture.
 using AddedColour = void(OutputMode mode, const float* colour, const float* background, const float* k,
                          const float* share, float* out, std::size_t n);
-extern const LaneKernel<AddedColour> added_colour;
+LANE_KERNEL(AddedColour, added_colour);
 
 struct OverlayParams {
     OverlayMode mode;
@@ -65,10 +65,10 @@ struct OverlayParams {
 // of `out` that are null are not written.
 using Overlay = void(const OverlayParams& params, const float* region, const std::array<const float*, 3>& fg,
                      const std::array<float*, 3>& out, std::size_t n);
-extern const LaneKernel<Overlay> overlay;
+LANE_KERNEL(Overlay, overlay);
 
 // Puts the foreground back where the holdout matte is; `out` is read and written.
 using HoldoutColour = void(const float* holdout, const float* fg, float* out, std::size_t n);
-extern const LaneKernel<HoldoutColour> holdout_colour;
+LANE_KERNEL(HoldoutColour, holdout_colour);
 using HoldoutAlpha = void(const float* holdout, float* out, std::size_t n);
-extern const LaneKernel<HoldoutAlpha> holdout_alpha;
+LANE_KERNEL(HoldoutAlpha, holdout_alpha);

@@ -1,5 +1,5 @@
 #include "keyer/OutputKernel.h"
-#include "stages/KernelMath.h"
+#include "lanes/KernelMath.h"
 
 using kernel::one_nan;
 

@@ -1,10 +1,9 @@
 // A kernel that has a form for every width of the processor's vectors; called like a function it runs the
 // one in use.
 //
-//   FooKernel.h    using Foo = void(const FooParams& params, const float* in, float* out, std::size_t n);
-//                  extern const LaneKernel<Foo> foo;
-//   FooKernel.cpp  LANE_KERNEL(Foo, foo);
-//   FooLanes.cpp   namespace LANES { void foo(const FooParams& params, ...) { the loop } }
+//   FooKernel.h   using Foo = void(const FooParams& params, const float* in, float* out, std::size_t n);
+//                 LANE_KERNEL(Foo, foo);
+//   FooLanes.cpp  namespace LANES { void foo(const FooParams& params, ...) { the loop } }
 //
 // FooLanes.cpp is compiled once a form, with LANES standing for the form's namespace. It must not emit code
 // that forms share under one name, or the linker could give an older processor the newer one's: helpers are
@@ -33,25 +32,39 @@ class LaneKernel<Result(Args...)> {
     std::array<Form, kAllLanes.size()> forms_;
 };
 
-#ifdef __x86_64__
+// The emulated form is weak: a program that does not link it has null there.
+#ifdef LANES
 #define LANE_KERNEL(Function, name) \
-    namespace scalar {              \
+    namespace LANES {               \
     Function name;                  \
     }                               \
-    namespace sse2 {                \
-    Function name;                  \
-    }                               \
-    namespace avx2 {                \
-    Function name;                  \
-    }                               \
-    namespace avx512 {              \
-    Function name;                  \
-    }                               \
-    constinit const LaneKernel<Function> name({scalar::name, sse2::name, avx2::name, avx512::name})
+    static_assert(true)
+#elif defined(__x86_64__)
+#define LANE_KERNEL(Function, name)            \
+    namespace scalar {                         \
+    Function name;                             \
+    }                                          \
+    namespace sse2 {                           \
+    Function name;                             \
+    }                                          \
+    namespace avx2 {                           \
+    Function name;                             \
+    }                                          \
+    namespace avx512 {                         \
+    Function name;                             \
+    }                                          \
+    namespace emulated {                       \
+    [[gnu::weak]] Function name;               \
+    }                                          \
+    constinit const LaneKernel<Function> name( \
+        {scalar::name, sse2::name, avx2::name, avx512::name, emulated::name})
 #else
 #define LANE_KERNEL(Function, name) \
     namespace scalar {              \
     Function name;                  \
     }                               \
-    constinit const LaneKernel<Function> name({scalar::name, nullptr, nullptr, nullptr})
+    namespace emulated {            \
+    [[gnu::weak]] Function name;    \
+    }                               \
+    constinit const LaneKernel<Function> name({scalar::name, nullptr, nullptr, nullptr, emulated::name})
 #endif

@@ -8,7 +8,8 @@
 namespace {
 
 Lanes widest() {
-    return *std::find_if(kAllLanes.rbegin(), kAllLanes.rend(), supported);
+    return *std::find_if(kAllLanes.rbegin(), kAllLanes.rend(),
+                         [](Lanes lanes) { return lanes != Lanes::kEmulated && supported(lanes); });
 }
 
 Lanes chosen() {
@@ -31,11 +32,12 @@ Lanes in_use = chosen();
 }  // namespace
 
 const char* name_of(Lanes lanes) {
-    static constexpr std::array kNames{"scalar", "sse2", "avx2", "avx512"};
+    static constexpr std::array kNames{"scalar", "sse2", "avx2", "avx512", "emulated"};
     return kNames[static_cast<std::size_t>(lanes)];
 }
 
 bool supported(Lanes lanes) {
+    if (lanes == Lanes::kEmulated) return &emulated_form_is_linked != nullptr;
 #ifdef __x86_64__
     if (lanes == Lanes::kAvx2) return __builtin_cpu_supports("x86-64-v3") != 0;
     if (lanes == Lanes::kAvx512) return __builtin_cpu_supports("x86-64-v4") != 0;

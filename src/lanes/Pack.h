@@ -5,7 +5,7 @@
 // three keep the processor busy. The scalar form's pack is one pixel, a plain float, double or int.
 //
 // Besides + - * / and the comparisons: choose(mask, a, b), max_of, min_of, wide, narrow, truncated, whole
-// (see stages/KernelMath.h for what each means), all_of(mask), load and store.
+// (see lanes/KernelMath.h for what each means), all_of(mask), load and store.
 #pragma once
 
 #if LANE_BITS == 0

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "stages/KernelMath.h"
+#include "lanes/KernelMath.h"
 
 namespace LANES {
 

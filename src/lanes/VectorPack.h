@@ -1,18 +1,10 @@
 // The packs of the vector forms: four vectors each. See lanes/Pack.h.
 #pragma once
 
-#include <immintrin.h>
-
 #include <cstddef>
 #include <cstdint>
 
-#if LANE_BITS == 128
-#include "lanes/Sse2Vector.h"
-#elif LANE_BITS == 256
-#include "lanes/Avx2Vector.h"
-#else
-#include "lanes/Avx512Vector.h"
-#endif
+#include LANE_VECTOR
 
 #define LANES_INLINE [[gnu::always_inline]] inline
 

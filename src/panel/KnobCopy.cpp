@@ -1,9 +1,9 @@
 #include "panel/KnobCopy.h"
 
 #include "ZoImage/Convert.h"
+#include "controls/ChannelRoles.h"
 #include "controls/Controls.h"
 #include "panel/InputFlags.h"
-#include "stages/ChannelRoles.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "controls/ControlBlock.h"
+#include "controls/Controls.h"
 #include "lanes/LaneKernel.h"
 
 struct CleanupParams {
@@ -17,10 +17,13 @@ struct CleanupParams {
     double strength;  // 1.0 is 100 per cent
 };
 
-CleanupParams cleanup_params(const ControlBlock& controls);
+inline CleanupParams cleanup_params(const ControlBlock& controls) {
+    return {static_cast<float>(controls.get(controls::kCleanUpRecover)),
+            controls.get(controls::kCleanUp) / 100.0};
+}
 
 using CleanupColour = void(const CleanupParams& params, const float* matte, const float* colour, float* out,
                            std::size_t n);
-extern const LaneKernel<CleanupColour> cleanup_colour;
+LANE_KERNEL(CleanupColour, cleanup_colour);
 using CleanupMatte = void(const CleanupParams& params, const float* matte, float* out, std::size_t n);
-extern const LaneKernel<CleanupMatte> cleanup_matte;
+LANE_KERNEL(CleanupMatte, cleanup_matte);

@@ -1,5 +1,5 @@
+#include "lanes/KernelMath.h"
 #include "screen/CleanupKernel.h"
-#include "stages/KernelMath.h"
 
 using namespace kernel;
 

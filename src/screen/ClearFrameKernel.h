@@ -7,20 +7,22 @@
 
 #include <cstddef>
 
+#include "controls/ChannelRoles.h"
 #include "lanes/LaneKernel.h"
-#include "stages/ChannelRoles.h"
 
 // Whether the first pixel's clear frame is black, so that it has no coverage of its own.
-bool clear_frame_is_black(const RolePixels& clear);
+inline bool clear_frame_is_black(const RolePixels& clear) {
+    return clear.primary[0] + (clear.role1[0] + clear.role0[0]) == 0.0f;
+}
 
 // The coverage of a pixel whose clear frame is black and that has no pixel before it: its ratio counts as 0.
 inline constexpr float kFirstCoverage = 255.0f;
 
 // The coverage that a span's last pixel gets when the span begins at the frame's edge.
 using ClearFrameLastCoverage = float(const RolePixels& fg, const RolePixels& clear, std::size_t n);
-extern const LaneKernel<ClearFrameLastCoverage> clear_frame_last_coverage;
+LANE_KERNEL(ClearFrameLastCoverage, clear_frame_last_coverage);
 
 // A pixel whose clear frame is black takes the coverage of the pixel before it, the first one `before`.
 using ClearFrame = void(const RolePixels& fg, const RolePixels& plate, const RolePixels& clear, float before,
                         const RoleOutput& out, float* coverage, std::size_t n);
-extern const LaneKernel<ClearFrame> clear_frame;
+LANE_KERNEL(ClearFrame, clear_frame);

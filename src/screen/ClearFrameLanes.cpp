@@ -1,7 +1,7 @@
 #include <cstdint>
 
+#include "lanes/KernelMath.h"
 #include "screen/ClearFrameKernel.h"
-#include "stages/KernelMath.h"
 
 using namespace kernel;
 

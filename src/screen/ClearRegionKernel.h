@@ -7,9 +7,9 @@
 
 #include <cstddef>
 
-#include "controls/ControlBlock.h"
+#include "controls/ChannelRoles.h"
+#include "controls/Controls.h"
 #include "lanes/LaneKernel.h"
-#include "stages/ChannelRoles.h"
 
 struct ClearRegionParams {
     std::int32_t backing0, backing1, backingP;  // role 0, role 1, primary
@@ -18,7 +18,21 @@ struct ClearRegionParams {
     double brights0, darks0;  // role 0
 };
 
-ClearRegionParams clear_region_params(const ControlBlock& controls);
+// "G>R" is the pair for role 1 and "R>G" the one for role 0, whatever colours those are.
+inline ClearRegionParams clear_region_params(const ControlBlock& controls) {
+    const auto percent = [&](int index) { return controls.get(index) / 100.0; };
+    const ControlTriple backing = controls.get(controls::kBackingColor);
+    const ControlTriple tolerance = controls.get(controls::kScreenTolerance);
+    return {backing[0],
+            backing[1],
+            backing[2],
+            tolerance[0],
+            tolerance[1],
+            percent(controls::kRotoBrightsGR),
+            percent(controls::kRotoDarksGR),
+            percent(controls::kRotoBrightsRG),
+            percent(controls::kRotoDarksRG)};
+}
 
 // Mattes that decide before the colours do; null for those that are not in use. In this order: a holdout
 // that is not 0 gives 0, a crude matte or a garbage matte that is not 0 gives 255.
@@ -31,4 +45,4 @@ struct ClearRegionMattes {
 // `plate` is the backing pixel by pixel, null for the constant backing of the parameters.
 using ClearRegion = void(const ClearRegionParams& params, const RolePixels& fg, const RolePixels* plate,
                          const ClearRegionMattes& mattes, float* alpha, std::size_t n);
-extern const LaneKernel<ClearRegion> clear_region;
+LANE_KERNEL(ClearRegion, clear_region);

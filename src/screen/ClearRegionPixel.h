@@ -4,8 +4,8 @@
 // clean plate.
 #pragma once
 
+#include "lanes/KernelMath.h"
 #include "screen/ClearRegionKernel.h"
-#include "stages/KernelMath.h"
 
 namespace kernel {
 

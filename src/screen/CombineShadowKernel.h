@@ -7,9 +7,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "controls/ControlBlock.h"
+#include "controls/ChannelRoles.h"
+#include "controls/Controls.h"
 #include "lanes/LaneKernel.h"
-#include "stages/ChannelRoles.h"
 
 struct CombineShadowParams {
     std::int32_t low, high;  // levels of light between which shadow is stretched
@@ -17,8 +17,11 @@ struct CombineShadowParams {
     ControlTriple tint;      // role 0, role 1, primary
 };
 
-CombineShadowParams combine_shadow_params(const ControlBlock& controls);
+inline CombineShadowParams combine_shadow_params(const ControlBlock& controls) {
+    return {controls.get(controls::kShadowLow), controls.get(controls::kShadowHigh),
+            static_cast<double>(controls.get(controls::kShadowDensity)), controls.get(controls::kShadowTint)};
+}
 
 using CombineShadow = void(const CombineShadowParams& params, const RolePixels& fg, const float* matte,
                            const float* shadow, const RoleOutput& out, float* alpha, std::size_t n);
-extern const LaneKernel<CombineShadow> combine_shadow;
+LANE_KERNEL(CombineShadow, combine_shadow);

@@ -6,16 +6,20 @@
 
 #include <cstddef>
 
-#include "controls/ControlBlock.h"
+#include "controls/ChannelRoles.h"
+#include "controls/Controls.h"
 #include "lanes/LaneKernel.h"
-#include "stages/ChannelRoles.h"
 
 struct ComputeShadowParams {
     double gain;  // brings the nominal backing's brightness to 255
 };
 
-ComputeShadowParams compute_shadow_params(const ControlBlock& controls);
+inline ComputeShadowParams compute_shadow_params(const ControlBlock& controls) {
+    const ControlTriple backing = controls.get(controls::kBackingColor);
+    const auto sum = std::int64_t{backing[0]} + backing[1] + backing[2];
+    return {255.0 / static_cast<double>(sum)};
+}
 
 using ComputeShadow = void(const ComputeShadowParams& params, const RolePixels& backing, float* density,
                            std::size_t n);
-extern const LaneKernel<ComputeShadow> compute_shadow;
+LANE_KERNEL(ComputeShadow, compute_shadow);

@@ -7,16 +7,18 @@
 
 #include <cstddef>
 
-#include "controls/ControlBlock.h"
+#include "controls/ChannelRoles.h"
+#include "controls/Controls.h"
 #include "lanes/LaneKernel.h"
-#include "stages/ChannelRoles.h"
 
 struct CrudeMatteParams {
     float tolerance;  // of the primary, 0 to 1
 };
 
-CrudeMatteParams crude_matte_params(const ControlBlock& controls);
+inline CrudeMatteParams crude_matte_params(const ControlBlock& controls) {
+    return {static_cast<float>(controls.get(controls::kScreenTolerance.third)) / 255.0f};
+}
 
 using CrudeMatte = void(const CrudeMatteParams& params, const RolePixels& fg, const RolePixels& plate,
                         float* alpha, std::size_t n);
-extern const LaneKernel<CrudeMatte> crude_matte;
+LANE_KERNEL(CrudeMatte, crude_matte);

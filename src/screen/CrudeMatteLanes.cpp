@@ -1,5 +1,5 @@
+#include "lanes/KernelMath.h"
 #include "screen/CrudeMatteKernel.h"
-#include "stages/KernelMath.h"
 
 namespace LANES {
 

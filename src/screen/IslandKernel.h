@@ -12,4 +12,4 @@
 
 using RemoveIslands = void(std::int32_t threshold, const float* below, const float* here, const float* above,
                            float* out, std::size_t n);
-extern const LaneKernel<RemoveIslands> remove_islands;
+LANE_KERNEL(RemoveIslands, remove_islands);

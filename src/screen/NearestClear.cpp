@@ -3,13 +3,6 @@
 #include <algorithm>
 #include <memory>
 
-LANE_KERNEL(FindInRow<std::int16_t>, find_in_row_16);
-LANE_KERNEL(FindInRow<std::int32_t>, find_in_row_32);
-LANE_KERNEL(SumUpWalks<std::int16_t>, sum_up_walks_16);
-LANE_KERNEL(SumUpWalks<std::int32_t>, sum_up_walks_32);
-LANE_KERNEL(WalkAndFill<std::int16_t>, walk_and_fill_16);
-LANE_KERNEL(WalkAndFill<std::int32_t>, walk_and_fill_32);
-
 namespace {
 
 constexpr int kTilesAtOnce = 16;

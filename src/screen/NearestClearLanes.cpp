@@ -1,7 +1,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "screen/NearestClear.h"
+#include "screen/NearestClearKernel.h"
 
 namespace LANES {
 

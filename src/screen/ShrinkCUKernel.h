@@ -15,11 +15,11 @@
 // neither. half_width >= 1.
 using ShrinkCURow = void(const float* centre, std::size_t half_width, float fraction, float* scratch,
                          float* out, std::size_t n);
-extern const LaneKernel<ShrinkCURow> shrink_cu_row;
+LANE_KERNEL(ShrinkCURow, shrink_cu_row);
 
 // Along columns: raises out, which is 0 at first, to the values of lines that weigh 1, and of one that does
 // not.
 using ShrinkCULines = void(std::span<const float* const> lines, float* out, std::size_t n);
-extern const LaneKernel<ShrinkCULines> shrink_cu_lines;
+LANE_KERNEL(ShrinkCULines, shrink_cu_lines);
 using ShrinkCUEnd = void(const float* line, float fraction, float* out, std::size_t n);
-extern const LaneKernel<ShrinkCUEnd> shrink_cu_end;
+LANE_KERNEL(ShrinkCUEnd, shrink_cu_end);

@@ -10,8 +10,8 @@
 // Along a row: `centre` points at the value of the first of n output pixels and has `radius` values to its
 // left and n + radius from there on. `scratch` has room for n + 2 * radius floats. out overlaps neither.
 using ShrinkRow = void(const float* centre, std::size_t radius, float* scratch, float* out, std::size_t n);
-extern const LaneKernel<ShrinkRow> shrink_row;
+LANE_KERNEL(ShrinkRow, shrink_row);
 
 // Along columns: out, which holds the centre row at first, becomes 0 wherever one of the lines is 0.
 using ShrinkLines = void(std::span<const float* const> lines, float* out, std::size_t n);
-extern const LaneKernel<ShrinkLines> shrink_lines;
+LANE_KERNEL(ShrinkLines, shrink_lines);

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <stdexcept>
 
+#include "controls/ChannelRoles.h"
 #include "screen/NearestClear.h"
-#include "stages/ChannelRoles.h"
 
 namespace {
 

@@ -13,7 +13,7 @@
 #include <array>
 #include <memory>
 
-#include "controls/ControlBlock.h"
+#include "controls/Controls.h"
 #include "framework/ParallelLoop.h"
 
 struct SmartInterpolParams {

@@ -5,16 +5,21 @@
 
 #include <cstddef>
 
-#include "controls/ControlBlock.h"
+#include "controls/ChannelRoles.h"
+#include "controls/Controls.h"
 #include "lanes/LaneKernel.h"
-#include "stages/ChannelRoles.h"
 
 struct SubRegionParams {
     ControlTriple backing;              // role 0, role 1, primary
     double brights, darks, cool, warm;  // 1.0 is 100 per cent
 };
 
-SubRegionParams sub_region_params(const ControlBlock& controls);
+inline SubRegionParams sub_region_params(const ControlBlock& controls) {
+    const auto percent = [&](int index) { return controls.get(index) / 100.0; };
+    return {controls.get(controls::kBackingColor), percent(controls::kFilmBrights),
+            percent(controls::kFilmDarks), percent(controls::kInnerCoolDensity),
+            percent(controls::kInnerWarmDensity)};
+}
 
 using SubRegion = void(const SubRegionParams& params, const RolePixels& fg, float* alpha, std::size_t n);
-extern const LaneKernel<SubRegion> sub_region;
+LANE_KERNEL(SubRegion, sub_region);

@@ -1,6 +1,6 @@
 #include "lanes/ForPacks.h"
+#include "lanes/KernelMath.h"
 #include "screen/SubRegionKernel.h"
-#include "stages/KernelMath.h"
 
 using namespace kernel;
 

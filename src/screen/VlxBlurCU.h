@@ -8,9 +8,14 @@
 
 class VlxBlurCU final : public VlxFilter_t<VlxBlurH, VlxBlurV> {
   public:
-    using VlxFilter_t::VlxFilter_t;
+    VlxBlurCU(const NodeContext& context, const ControlBlock* controls)
+        : VlxFilter_t(context, controls,
+                      {.class_name = "VlxBlurCU",
+                       .inputs = {{kMaskAlpha}},
+                       .hashed = {controls::kCleanUpBlur, controls::kCUBlurV}}) {}
 
-    const char* class_name() const override { return "VlxBlurCU"; }
-    void setup() override;
-    void configure() override;
+    void configure() override {
+        horizontal().set_radius(controls().get(controls::kCleanUpBlur));
+        vertical().set_radius(controls().get(controls::kCUBlurV));
+    }
 };

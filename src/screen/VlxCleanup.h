@@ -4,20 +4,27 @@
 // Reads and hashes "Clean-up Recover " (the threshold) and "Clean-up " (the strength in per cent).
 #pragma once
 
-#include "framework/VlxIop.h"
+#include "framework/RowStage.h"
+#include "screen/CleanupKernel.h"
 
-class VlxCleanup final : public VlxIop {
+class VlxCleanup final : public RowStage {
   public:
-    VlxCleanup(const Zo::Image::NodeContext& context, const ControlBlock* controls)
-        : VlxIop(context, controls) {
-        inputs(1);
-    }
-
-    const char* class_name() const override { return "VlxCleanup"; }
-    void setup() override;
+    VlxCleanup(const NodeContext& context, const ControlBlock* controls)
+        : RowStage(context, controls,
+                   {.class_name = "VlxCleanup",
+                    .inputs = {{kMaskAlpha}},
+                    .hashed = {controls::kCleanUpRecover, controls::kCleanUp}},
+                   {.made = kMaskAlpha, .declared = kMaskRgba, .wanted = kMaskRgba}) {}
 
   protected:
-    void _validate(bool for_real) override;
-    void _request(int x, int y, int r, int t, Zo::Image::ChannelSet channels, int count) override;
-    void engine(int y, int x, int r, const Zo::Image::ChannelSet& channels, Zo::Image::Row& row) override;
+    void run(int /*y*/, const Rows& in, ChannelSet channels, Row& row) const override {
+        const CleanupParams params = cleanup_params(controls());
+        const float* const matte = in[0][kAlpha];
+        for (const Channel c : channels& kMaskRgb) {
+            cleanup_colour(params, matte, in[0][c], row.overwrite(c), row.width());
+        }
+        if (channels.has(kAlpha)) {
+            cleanup_matte(params, matte, row.overwrite(kAlpha), row.width());
+        }
+    }
 };

@@ -7,21 +7,35 @@
 // on, so that pixels do not depend on how a caller cuts rows.
 #pragma once
 
-#include "framework/VlxIop.h"
+#include "framework/RowStage.h"
+#include "screen/ClearFrameKernel.h"
 
-class VlxClearFrame final : public VlxIop {
+class VlxClearFrame final : public RowStage {
   public:
-    VlxClearFrame(const Zo::Image::NodeContext& context, const ControlBlock* controls)
-        : VlxIop(context, controls) {
-        inputs(3);
-    }
-
-    const char* class_name() const override { return "VlxClearFrame"; }
-    const char* input_label(int input, char* buffer) const override;
-    void setup() override;
+    VlxClearFrame(const NodeContext& context, const ControlBlock* controls)
+        : RowStage(context, controls,
+                   {.class_name = "VlxClearFrame",
+                    .inputs = {{kMaskRgb, "Foreground"}, {kMaskRgb, "CleanPlate"}, {kMaskRgb, "ClearFrame"}},
+                    .hashed = {},
+                    .unhashed = {controls::kColorIndex}},
+                   {.made = kMaskRgba, .declared = kMaskRgba, .added = kMaskRgba, .wanted = kMaskAlpha}) {}
 
   protected:
-    void _validate(bool for_real) override;
-    void _request(int x, int y, int r, int t, Zo::Image::ChannelSet channels, int count) override;
-    void engine(int y, int x, int r, const Zo::Image::ChannelSet& channels, Zo::Image::Row& row) override;
+    void run(int y, const Rows& in, ChannelSet /*channels*/, Row& row) const override {
+        const RoleRows roles(controls());
+        clear_frame(roles.read(in[0]), roles.read(in[1]), roles.read(in[2]), before(y, roles, in[2]),
+                    roles.overwrite(row), row.overwrite(kAlpha), row.width());
+    }
+
+  private:
+    // The coverage of the pixel before the span, where the span's first pixel takes it.
+    float before(int y, const RoleRows& roles, const Row& clear) const {
+        const int left = info_.box.x;
+        if (clear.x() <= left || !clear_frame_is_black(roles.read(clear))) return kFirstCoverage;
+        Row fg_before(left, clear.x());
+        fg_before.get(input(0), y, kMaskRgb);
+        Row clear_before(left, clear.x());
+        clear_before.get(input(2), y, kMaskRgb);
+        return clear_frame_last_coverage(roles.read(fg_before), roles.read(clear_before), fg_before.width());
+    }
 };

@@ -7,20 +7,33 @@
 // hashes all but the last.
 #pragma once
 
-#include "framework/VlxIop.h"
+#include "framework/RowStage.h"
+#include "screen/ClearRegionKernel.h"
 
-class VlxClearRegion final : public VlxIop {
+class VlxClearRegion final : public RowStage {
   public:
-    VlxClearRegion(const Zo::Image::NodeContext& context, const ControlBlock* controls)
-        : VlxIop(context, controls) {
-        inputs(4);
-    }
-
-    const char* class_name() const override { return "VlxClearRegion"; }
-    void setup() override;
+    VlxClearRegion(const NodeContext& context, const ControlBlock* controls)
+        : RowStage(context, controls,
+                   {.class_name = "VlxClearRegion",
+                    .inputs = {{kMaskRgba},
+                               {kMaskRgb, nullptr, controls::kCleanPlate},
+                               {kMaskAlpha, nullptr, controls::kGarbage},
+                               {kMaskAlpha, nullptr, controls::kHoldout}},
+                    .hashed = {controls::kBackingColor, controls::kScreenTolerance, controls::kCleanPlate,
+                               controls::kHoldout, controls::kGarbage, controls::kRotoBrightsGR,
+                               controls::kRotoDarksGR, controls::kRotoBrightsRG, controls::kRotoDarksRG},
+                    .unhashed = {controls::kColorIndex}},
+                   {.made = kMaskAlpha, .declared = kMaskAlpha, .added = kMaskAlpha}) {}
 
   protected:
-    void _validate(bool for_real) override;
-    void _request(int x, int y, int r, int t, Zo::Image::ChannelSet channels, int count) override;
-    void engine(int y, int x, int r, const Zo::Image::ChannelSet& channels, Zo::Image::Row& row) override;
+    void run(int /*y*/, const Rows& in, ChannelSet /*channels*/, Row& row) const override {
+        const RoleRows roles(controls());
+        const RolePixels plate = roles.read(in[1]);
+        const auto matte = [&](int input, int of) {
+            return reads(of) ? in[static_cast<std::size_t>(input)][kAlpha] : nullptr;
+        };
+        clear_region(clear_region_params(controls()), roles.read(in[0]), reads(1) ? &plate : nullptr,
+                     {.holdout = matte(3, 3), .crude = matte(0, 1), .garbage = matte(2, 2)},
+                     row.overwrite(kAlpha), row.width());
+    }
 };

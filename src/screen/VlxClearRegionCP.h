@@ -6,24 +6,28 @@
 // "CleanPlate".
 #pragma once
 
-#include "framework/VlxIop.h"
+#include "framework/RowStage.h"
+#include "screen/CrudeMatteKernel.h"
 
-class VlxClearRegionCP final : public VlxIop {
+class VlxClearRegionCP final : public RowStage {
   public:
-    VlxClearRegionCP(const Zo::Image::NodeContext& context, const ControlBlock* controls)
-        : VlxIop(context, controls) {
-        inputs(2);
-    }
+    VlxClearRegionCP(const NodeContext& context, const ControlBlock* controls)
+        : RowStage(context, controls,
+                   {.class_name = "VlxClearRegionCP",
+                    .inputs = {{kMaskRgb}, {kMaskRgb, nullptr, controls::kCleanPlate}},
+                    .hashed = {controls::kBackingColor, controls::kScreenTolerance, controls::kCleanPlate},
+                    .unhashed = {controls::kColorIndex}},
+                   {.made = kMaskAlpha, .declared = kMaskAlpha, .added = kMaskAlpha}) {}
 
-    const char* class_name() const override { return "VlxClearRegionCP"; }
     const char* help_text() const override {
         return "Calculates a \"crude\" matte that is used in the creation of the Clear Region. \n"
                "We only calculate a Crude Matte is we have a Clean Plate";
     }
-    void setup() override;
 
   protected:
-    void _validate(bool for_real) override;
-    void _request(int x, int y, int r, int t, Zo::Image::ChannelSet channels, int count) override;
-    void engine(int y, int x, int r, const Zo::Image::ChannelSet& channels, Zo::Image::Row& row) override;
+    void run(int /*y*/, const Rows& in, ChannelSet /*channels*/, Row& row) const override {
+        const RoleRows roles(controls());
+        crude_matte(crude_matte_params(controls()), roles.read(in[0]), roles.read(in[reads(1) ? 1 : 0]),
+                    row.overwrite(kAlpha), row.width());
+    }
 };

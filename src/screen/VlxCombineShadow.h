@@ -6,22 +6,25 @@
 // but the last.
 #pragma once
 
-#include "framework/VlxIop.h"
+#include "framework/RowStage.h"
+#include "screen/CombineShadowKernel.h"
 
-class VlxCombineShadow final : public VlxIop {
+class VlxCombineShadow final : public RowStage {
   public:
-    VlxCombineShadow(const Zo::Image::NodeContext& context, const ControlBlock* controls)
-        : VlxIop(context, controls) {
-        inputs(3);
-    }
-
-    const char* class_name() const override { return "VlxCombineShadow"; }
-    const char* input_label(int input, char* buffer) const override;
-    void setup() override;
-    Zo::Image::ChannelSet kept_channels() const override { return Zo::Image::kMaskRgba; }
+    VlxCombineShadow(const NodeContext& context, const ControlBlock* controls)
+        : RowStage(context, controls,
+                   {.class_name = "VlxCombineShadow",
+                    .inputs = {{kMaskRgb, "Foreground"}, {kMaskAlpha, "Matte"}, {kMaskAlpha, "Shadow"}},
+                    .hashed = {controls::kShadowTint, controls::kShadowDensity, controls::kShadowHigh,
+                               controls::kShadowLow},
+                    .unhashed = {controls::kColorIndex}},
+                   // Colour changes too, but a fetch of colour alone gets the foreground's.
+                   {.made = kMaskRgba, .declared = kMaskAlpha, .added = kMaskAlpha}) {}
 
   protected:
-    void _validate(bool for_real) override;
-    void _request(int x, int y, int r, int t, Zo::Image::ChannelSet channels, int count) override;
-    void engine(int y, int x, int r, const Zo::Image::ChannelSet& channels, Zo::Image::Row& row) override;
+    void run(int /*y*/, const Rows& in, ChannelSet /*channels*/, Row& row) const override {
+        const RoleRows roles(controls());
+        combine_shadow(combine_shadow_params(controls()), roles.read(in[0]), in[1][kAlpha], in[2][kAlpha],
+                       roles.overwrite(row), row.overwrite(kAlpha), row.width());
+    }
 };

@@ -4,13 +4,6 @@
 
 using namespace Zo::Image;
 
-void VlxComputeIsland::setup() {
-    Hash hash;
-    append(hash, {controls::kRotoOrphans});
-    append_input(hash, 0);
-    invalidate(hash);
-}
-
 void VlxComputeIsland::_validate(bool /*for_real*/) {
     validate_writing(kMaskAlpha, kMaskAlpha);
 }

@@ -9,13 +9,11 @@
 
 class VlxComputeIsland final : public VlxIop {
   public:
-    VlxComputeIsland(const Zo::Image::NodeContext& context, const ControlBlock* controls)
-        : VlxIop(context, controls) {
-        inputs(1);
-    }
-
-    const char* class_name() const override { return "VlxComputeIsland"; }
-    void setup() override;
+    VlxComputeIsland(const NodeContext& context, const ControlBlock* controls)
+        : VlxIop(context, controls,
+                 {.class_name = "VlxComputeIsland",
+                  .inputs = {{kMaskAlpha}},
+                  .hashed = {controls::kRotoOrphans}}) {}
 
   protected:
     void _validate(bool for_real) override;

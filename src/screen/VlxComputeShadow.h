@@ -4,20 +4,22 @@
 // 255. Reads "Backing Color " and "ColorIndex"; hashes the first.
 #pragma once
 
-#include "framework/VlxIop.h"
+#include "framework/RowStage.h"
+#include "screen/ComputeShadowKernel.h"
 
-class VlxComputeShadow final : public VlxIop {
+class VlxComputeShadow final : public RowStage {
   public:
-    VlxComputeShadow(const Zo::Image::NodeContext& context, const ControlBlock* controls)
-        : VlxIop(context, controls) {
-        inputs(1);
-    }
-
-    const char* class_name() const override { return "VlxComputeShadow"; }
-    void setup() override;
+    VlxComputeShadow(const NodeContext& context, const ControlBlock* controls)
+        : RowStage(context, controls,
+                   {.class_name = "VlxComputeShadow",
+                    .inputs = {{kMaskRgb}},
+                    .hashed = {controls::kBackingColor},
+                    .unhashed = {controls::kColorIndex}},
+                   {.made = kMaskAlpha, .declared = kMaskAlpha, .added = kMaskAlpha}) {}
 
   protected:
-    void _validate(bool for_real) override;
-    void _request(int x, int y, int r, int t, Zo::Image::ChannelSet channels, int count) override;
-    void engine(int y, int x, int r, const Zo::Image::ChannelSet& channels, Zo::Image::Row& row) override;
+    void run(int /*y*/, const Rows& in, ChannelSet /*channels*/, Row& row) const override {
+        compute_shadow(compute_shadow_params(controls()), RoleRows(controls()).read(in[0]),
+                       row.overwrite(kAlpha), row.width());
+    }
 };

@@ -8,9 +8,14 @@
 
 class VlxShadowBlur final : public VlxFilter_t<VlxBlurH, VlxBlurV> {
   public:
-    using VlxFilter_t::VlxFilter_t;
+    VlxShadowBlur(const NodeContext& context, const ControlBlock* controls)
+        : VlxFilter_t(context, controls,
+                      {.class_name = "VlxShadowBlur",
+                       .inputs = {{kMaskAlpha}},
+                       .hashed = {controls::kShadowBlur, controls::kShadowBlurV}}) {}
 
-    const char* class_name() const override { return "VlxShadowBlur"; }
-    void setup() override;
-    void configure() override;
+    void configure() override {
+        horizontal().set_radius(controls().get(controls::kShadowBlur));
+        vertical().set_radius(controls().get(controls::kShadowBlurV));
+    }
 };

@@ -36,10 +36,8 @@ void VlxShrinkV::engine(int y, int x, int r, const ChannelSet& channels, Row& ro
 }
 
 void VlxShrink::setup() {
-    Hash hash;
-    append(hash, {controls::kScreenOverlayShrink});
+    Hash hash = state();
     hash.append(controls().overlayShrinkV);
-    append_input(hash, 0);
     invalidate(hash);
 }
 

@@ -28,10 +28,13 @@ class VlxShrinkV final : public VlxBaseFilter {
 class VlxShrink final : public VlxFilter_t<VlxShrinkH, VlxShrinkV> {
   public:
     // `mode` is added to both radii: 1 for the crude matte of a clean plate, 0 for the screen area.
-    VlxShrink(const Zo::Image::NodeContext& context, const ControlBlock* controls, unsigned mode)
-        : VlxFilter_t(context, controls), mode_(mode) {}
+    VlxShrink(const NodeContext& context, const ControlBlock* controls, unsigned mode)
+        : VlxFilter_t(context, controls,
+                      {.class_name = "VlxShrink",
+                       .inputs = {{kMaskAlpha}},
+                       .hashed = {controls::kScreenOverlayShrink}}),
+          mode_(mode) {}
 
-    const char* class_name() const override { return "VlxShrink"; }
     void setup() override;
     void configure() override;
 

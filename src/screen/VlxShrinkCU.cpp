@@ -44,13 +44,6 @@ void VlxShrinkCUV::engine(int y, int x, int r, const ChannelSet& channels, Row& 
     shrink_cu_end(tile.line(kAlpha, tile.box().t - 1), fraction(), out, row.width());
 }
 
-void VlxShrinkCU::setup() {
-    Hash hash;
-    append(hash, {controls::kCleanUpShrink, controls::kCUShrinkV});
-    append_input(hash, 0);
-    invalidate(hash);
-}
-
 void VlxShrinkCU::configure() {
     const auto pixels = [this](int index) { return static_cast<float>(controls().get(index)) / 10.0f; };
     horizontal().set_radius(pixels(controls::kCleanUpShrink));

@@ -42,9 +42,11 @@ class VlxShrinkCUV final : public VlxShrinkCUBase {
 
 class VlxShrinkCU final : public VlxFilter_t<VlxShrinkCUH, VlxShrinkCUV> {
   public:
-    using VlxFilter_t::VlxFilter_t;
+    VlxShrinkCU(const NodeContext& context, const ControlBlock* controls)
+        : VlxFilter_t(context, controls,
+                      {.class_name = "VlxShrinkCU",
+                       .inputs = {{kMaskAlpha}},
+                       .hashed = {controls::kCleanUpShrink, controls::kCUShrinkV}}) {}
 
-    const char* class_name() const override { return "VlxShrinkCU"; }
-    void setup() override;
     void configure() override;
 };

@@ -8,9 +8,19 @@
 
 class VlxShrinkS final : public VlxFilter_t<VlxShrinkH, VlxShrinkV> {
   public:
-    using VlxFilter_t::VlxFilter_t;
+    VlxShrinkS(const NodeContext& context, const ControlBlock* controls)
+        : VlxFilter_t(context, controls,
+                      {.class_name = "VlxShrinkS",
+                       .inputs = {{kMaskAlpha}},
+                       .hashed = {controls::kShrinkSubjectOverlay}}) {}
 
-    const char* class_name() const override { return "VlxShrinkS"; }
-    void setup() override;
-    void configure() override;
+    void setup() override {
+        Zo::Image::Hash hash = state();
+        hash.append(controls().subjectShrinkV);
+        invalidate(hash);
+    }
+    void configure() override {
+        horizontal().set_radius(controls().get(controls::kShrinkSubjectOverlay));
+        vertical().set_radius(controls().subjectShrinkV);
+    }
 };

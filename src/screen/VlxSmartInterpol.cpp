@@ -7,19 +7,6 @@
 
 using namespace Zo::Image;
 
-const char* VlxSmartInterpol::input_label(int input, char* buffer) const {
-    if (input == 1) return "PreMatte";
-    return buffer;
-}
-
-void VlxSmartInterpol::setup() {
-    Hash hash;
-    append(hash, controls::kBackingColor);
-    append_input(hash, 0);
-    append_input(hash, 1);
-    invalidate(hash);
-}
-
 void VlxSmartInterpol::_request(int x, int y, int r, int t, ChannelSet channels, int count) {
     VlxFilter::_request(x, y, r, t, channels, count);
     const Box& box = info_.box;

@@ -10,14 +10,13 @@
 
 class VlxSmartInterpol final : public VlxFilter {
   public:
-    VlxSmartInterpol(const Zo::Image::NodeContext& context, const ControlBlock* controls)
-        : VlxFilter(context, controls, Zo::Image::kMaskRgb) {
-        inputs(2);
-    }
-
-    const char* class_name() const override { return "VlxSmartInterpol"; }
-    const char* input_label(int input, char* buffer) const override;
-    void setup() override;
+    VlxSmartInterpol(const NodeContext& context, const ControlBlock* controls)
+        : VlxFilter(context, controls,
+                    {.class_name = "VlxSmartInterpol",
+                     .inputs = {{kMaskRgb}, {kMaskAlpha, "PreMatte"}},
+                     .hashed = {controls::kBackingColor},
+                     .unhashed = {controls::kColorIndex}},
+                    kMaskRgb) {}
 
   protected:
     bool compute_frame(Zo::Image::Lock& lock) override;

@@ -5,24 +5,28 @@
 // "ColorIndex"; hashes all but the last.
 #pragma once
 
-#include "framework/VlxIop.h"
+#include "framework/RowStage.h"
+#include "screen/SubRegionKernel.h"
 
-class VlxSubRegion final : public VlxIop {
+class VlxSubRegion final : public RowStage {
   public:
-    VlxSubRegion(const Zo::Image::NodeContext& context, const ControlBlock* controls)
-        : VlxIop(context, controls) {
-        inputs(1);
-    }
+    VlxSubRegion(const NodeContext& context, const ControlBlock* controls)
+        : RowStage(context, controls,
+                   {.class_name = "VlxSubRegion",
+                    .inputs = {{kMaskRgb}},
+                    .hashed = {controls::kBackingColor, controls::kFilmBrights, controls::kFilmDarks,
+                               controls::kInnerCoolDensity, controls::kInnerWarmDensity},
+                    .unhashed = {controls::kColorIndex}},
+                   {.made = kMaskAlpha, .declared = kMaskAlpha, .added = kMaskAlpha}) {}
 
-    const char* class_name() const override { return "VlxSubRegion"; }
     const char* help_text() const override {
         return "Calculates a \"crude\" matte that is used in the creation of the Clear Region. \n"
                "We only calculate a Crude Matte is we have a Clean Plate";
     }
-    void setup() override;
 
   protected:
-    void _validate(bool for_real) override;
-    void _request(int x, int y, int r, int t, Zo::Image::ChannelSet channels, int count) override;
-    void engine(int y, int x, int r, const Zo::Image::ChannelSet& channels, Zo::Image::Row& row) override;
+    void run(int /*y*/, const Rows& in, ChannelSet /*channels*/, Row& row) const override {
+        sub_region(sub_region_params(controls()), RoleRows(controls()).read(in[0]), row.overwrite(kAlpha),
+                   row.width());
+    }
 };

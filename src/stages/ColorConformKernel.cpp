@@ -7,8 +7,6 @@
 
 using namespace kernel;
 
-LANE_KERNEL(ConformColour, conform_colour);
-
 namespace {
 
 ToneCurve tone_curve(std::int32_t darks, std::int32_t brights, std::int32_t mid_tones) {

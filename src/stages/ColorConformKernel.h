@@ -8,9 +8,9 @@
 
 #include <cstddef>
 
+#include "controls/ChannelRoles.h"
 #include "controls/ControlBlock.h"
 #include "lanes/LaneKernel.h"
-#include "stages/ChannelRoles.h"
 
 struct ToneCurve {
     double low;    // input level, 0 to 1, that becomes black
@@ -31,4 +31,4 @@ ConformParams conform_params(const ControlBlock& controls);
 
 using ConformColour = void(const ConformParams& params, const RolePixels& in, const float* alpha,
                            const RoleOutput& out, std::size_t n);
-extern const LaneKernel<ConformColour> conform_colour;
+LANE_KERNEL(ConformColour, conform_colour);

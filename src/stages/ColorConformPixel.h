@@ -5,9 +5,9 @@
 
 #include <numbers>
 
+#include "lanes/KernelMath.h"
+#include "lanes/LogExp.h"
 #include "stages/ColorConformKernel.h"
-#include "stages/KernelMath.h"
-#include "stages/LogExp.h"
 
 namespace kernel {
 

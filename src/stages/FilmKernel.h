@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <span>
 
-#include "controls/ControlBlock.h"
+#include "controls/Controls.h"
 #include "lanes/LaneKernel.h"
 
 struct FilmParams {
@@ -17,13 +17,17 @@ struct FilmParams {
     double red = 0.0;
 };
 
-FilmParams film_params(const ControlBlock& controls);
+inline FilmParams film_params(const ControlBlock& controls) {
+    const auto percent = [&](int index) { return controls.get(index) / 100.0; };
+    return {percent(controls::kFilmStrength), percent(controls::kFilmCorrectionBlue),
+            percent(controls::kFilmCorrectionGreen), percent(controls::kFilmCorrectionRed)};
+}
 
 // Running extremes of the lines' columns. They start from the first sample, so a NaN there stays; one that
 // comes later never replaces a value.
 using FilmExtreme = void(std::span<const float* const> lines, float* extreme, std::size_t n);
-extern const LaneKernel<FilmExtreme> film_lowest;
-extern const LaneKernel<FilmExtreme> film_highest;
+LANE_KERNEL(FilmExtreme, film_lowest);
+LANE_KERNEL(FilmExtreme, film_highest);
 
 struct FilmSource {
     const float* red;
@@ -41,4 +45,4 @@ struct FilmResult {
 using FilmCorrect = void(const FilmParams& params, const float* lowest, const float* highest,
                          const float* matte, const FilmSource& image, const FilmResult& result,
                          std::size_t n);
-extern const LaneKernel<FilmCorrect> film_correct;
+LANE_KERNEL(FilmCorrect, film_correct);

@@ -1,7 +1,7 @@
 #include "lanes/FoldLines.h"
 #include "lanes/ForPacks.h"
+#include "lanes/KernelMath.h"
 #include "stages/FilmKernel.h"
-#include "stages/KernelMath.h"
 
 using namespace kernel;
 

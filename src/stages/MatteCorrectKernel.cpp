@@ -4,9 +4,6 @@
 #include <cstddef>
 #include <memory>
 
-LANE_KERNEL(CorrectMatte, correct_matte_rows);
-LANE_KERNEL(CorrectMatte, correct_matte_columns);
-
 namespace {
 
 // Pixels of a line in a tile: what a tile reads stays in the second cache, and its pages, of which columns

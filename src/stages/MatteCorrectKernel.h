@@ -44,5 +44,5 @@ struct MatteTile {
 std::ptrdiff_t floats_needed(const MatteTile& tile);
 
 using CorrectMatte = void(const MatteTile& tile);
-extern const LaneKernel<CorrectMatte> correct_matte_rows;
-extern const LaneKernel<CorrectMatte> correct_matte_columns;
+LANE_KERNEL(CorrectMatte, correct_matte_rows);
+LANE_KERNEL(CorrectMatte, correct_matte_columns);

@@ -1,8 +1,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "lanes/KernelMath.h"
 #include "lanes/Pack.h"
-#include "stages/KernelMath.h"
 #include "stages/MatteCorrectKernel.h"
 
 namespace LANES {

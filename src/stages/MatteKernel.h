@@ -6,22 +6,29 @@
 
 #include <cstddef>
 
-#include "controls/ControlBlock.h"
+#include "controls/ChannelRoles.h"
+#include "controls/Controls.h"
 #include "lanes/LaneKernel.h"
-#include "stages/ChannelRoles.h"
 
 struct MatteParams {
     float backing0, backing1, backingP;  // backing level of role 0, role 1, primary; constant backing only
     double brights, darks, cool, warm;   // 1.0 is 100 per cent
 };
 
-MatteParams matte_params(const ControlBlock& controls);
+inline MatteParams matte_params(const ControlBlock& controls) {
+    const ControlTriple backing = controls.get(controls::kBackingColor);
+    const auto percent = [&](int index) { return controls.get(index) / 100.0; };
+    return {static_cast<float>(backing[0]),        static_cast<float>(backing[1]),
+            static_cast<float>(backing[2]),        percent(controls::kMatteDensityBrights),
+            percent(controls::kMatteDensityDarks), percent(controls::kMatteDensityCool),
+            percent(controls::kMatteDensityWarm)};
+}
 
 // Against one backing colour for the whole frame.
 using MatteConstant = void(const MatteParams& params, const RolePixels& fg, float* matte, std::size_t n);
-extern const LaneKernel<MatteConstant> matte_constant;
+LANE_KERNEL(MatteConstant, matte_constant);
 
 // Against a clean plate, pixel by pixel; the backing levels of the parameters are not used.
 using MatteCleanPlate = void(const MatteParams& params, const RolePixels& fg, const RolePixels& plate,
                              float* matte, std::size_t n);
-extern const LaneKernel<MatteCleanPlate> matte_clean_plate;
+LANE_KERNEL(MatteCleanPlate, matte_clean_plate);

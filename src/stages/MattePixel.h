@@ -7,7 +7,7 @@
 #include <limits>
 #include <type_traits>
 
-#include "stages/KernelMath.h"
+#include "lanes/KernelMath.h"
 #include "stages/MatteKernel.h"
 
 namespace kernel {

@@ -10,4 +10,4 @@
 #include "lanes/LaneKernel.h"
 
 using Normalize = void(const float* in, float* out, std::size_t n);
-extern const LaneKernel<Normalize> normalize;
+LANE_KERNEL(Normalize, normalize);

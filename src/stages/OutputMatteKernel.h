@@ -8,4 +8,4 @@
 #include "lanes/LaneKernel.h"
 
 using OutputMatte = void(const float* matte, float* out, std::size_t n);
-extern const LaneKernel<OutputMatte> output_matte;
+LANE_KERNEL(OutputMatte, output_matte);

@@ -1,6 +1,6 @@
 #include <cstddef>
 
-#include "stages/KernelMath.h"
+#include "lanes/KernelMath.h"
 
 namespace LANES {
 

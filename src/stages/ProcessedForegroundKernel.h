@@ -8,9 +8,9 @@
 
 #include <cstddef>
 
-#include "controls/ControlBlock.h"
+#include "controls/ChannelRoles.h"
+#include "controls/Controls.h"
 #include "lanes/LaneKernel.h"
-#include "stages/ChannelRoles.h"
 
 struct VeilParams {
     double share0, share1, shareP;  // part of the backing to take out where the matte is full; 1.0 is all
@@ -18,7 +18,20 @@ struct VeilParams {
     bool use_pre_matte;                   // constant backing only: a clean plate always uses it
 };
 
-VeilParams veil_params(const ControlBlock& controls);
+inline VeilParams veil_params(const ControlBlock& controls) {
+    const ControlTriple veiling = controls.get(controls::kBgVeiling);
+    const ControlTriple backing = controls.get(controls::kBackingColor);
+    const auto level = [&](std::size_t role) {
+        return static_cast<double>(static_cast<float>(backing[role]));
+    };
+    return {veiling[0] / 100.0,
+            veiling[1] / 100.0,
+            veiling[2] / 100.0,
+            level(0),
+            level(1),
+            level(2),
+            controls.get(controls::kScreenCorrect) != 0};
+}
 
 struct VeilMattes {
     const float* matte;
@@ -28,9 +41,9 @@ struct VeilMattes {
 // Against one backing colour for the whole frame.
 using UnveilConstant = void(const VeilParams& params, const RolePixels& fg, const VeilMattes& mattes,
                             const RoleOutput& out, float* alpha, std::size_t n);
-extern const LaneKernel<UnveilConstant> unveil_constant;
+LANE_KERNEL(UnveilConstant, unveil_constant);
 
 // Against a clean plate, pixel by pixel.
 using UnveilCleanPlate = void(const VeilParams& params, const RolePixels& fg, const RolePixels& plate,
                               const VeilMattes& mattes, const RoleOutput& out, float* alpha, std::size_t n);
-extern const LaneKernel<UnveilCleanPlate> unveil_clean_plate;
+LANE_KERNEL(UnveilCleanPlate, unveil_clean_plate);

@@ -2,7 +2,7 @@
 // ProcessedForegroundKernel.h.
 #pragma once
 
-#include "stages/KernelMath.h"
+#include "lanes/KernelMath.h"
 #include "stages/ProcessedForegroundKernel.h"
 
 namespace kernel {

@@ -1,10 +1,8 @@
 #include "stages/SpillKernel.h"
 
-#include "stages/KernelMath.h"
+#include "lanes/KernelMath.h"
 
 using namespace kernel;
-
-LANE_KERNEL(SuppressSpill, suppress_spill);
 
 SpillParams spill_params(const ControlBlock& controls) {
     const ControlTriple backing = controls.get(controls::kBackingColor);

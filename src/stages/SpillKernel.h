@@ -7,9 +7,9 @@
 
 #include <cstddef>
 
-#include "controls/ControlBlock.h"
+#include "controls/ChannelRoles.h"
+#include "controls/Controls.h"
 #include "lanes/LaneKernel.h"
-#include "stages/ChannelRoles.h"
 
 struct SpillParams {
     std::int32_t backing0, backing1;  // role 0, role 1
@@ -28,4 +28,4 @@ SpillParams spill_params(const ControlBlock& controls);
 
 using SuppressSpill = void(const SpillParams& params, const RolePixels& in, const float* alpha,
                            const float* pre_matte, const RoleOutput& out, std::size_t n);
-extern const LaneKernel<SuppressSpill> suppress_spill;
+LANE_KERNEL(SuppressSpill, suppress_spill);

@@ -3,7 +3,7 @@
 // Floats is a single-precision value or pack, Doubles a double-precision one.
 #pragma once
 
-#include "stages/KernelMath.h"
+#include "lanes/KernelMath.h"
 #include "stages/SpillKernel.h"
 
 namespace kernel {

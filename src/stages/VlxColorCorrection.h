@@ -6,20 +6,25 @@
 // all but the last, and "FGSample" and "BGSample". Rows are independent; engine keeps everything in locals.
 #pragma once
 
-#include "framework/VlxIop.h"
+#include "framework/RowStage.h"
+#include "stages/ColorConformKernel.h"
 
-class VlxColorCorrection final : public VlxIop {
+class VlxColorCorrection final : public RowStage {
   public:
-    VlxColorCorrection(const Zo::Image::NodeContext& context, const ControlBlock* controls)
-        : VlxIop(context, controls) {
-        inputs(1);
-    }
-
-    const char* class_name() const override { return "VlxColorCorrection"; }
-    void setup() override;
+    VlxColorCorrection(const NodeContext& context, const ControlBlock* controls)
+        : RowStage(context, controls,
+                   {.class_name = "VlxColorCorrection",
+                    .inputs = {{kMaskRgba}},
+                    .hashed = {controls::kFgSample, controls::kBgSample, controls::kColorConformDarks,
+                               controls::kColorConformMidTones, controls::kColorConformBrights,
+                               controls::kHue, controls::kSaturation, controls::kBrightness},
+                    .unhashed = {controls::kColorIndex}},
+                   {.made = kMaskRgb, .declared = kMaskRgb}) {}
 
   protected:
-    void _validate(bool for_real) override;
-    void _request(int x, int y, int r, int t, Zo::Image::ChannelSet channels, int count) override;
-    void engine(int y, int x, int r, const Zo::Image::ChannelSet& channels, Zo::Image::Row& row) override;
+    void run(int /*y*/, const Rows& in, ChannelSet /*channels*/, Row& row) const override {
+        const RoleRows roles(controls());
+        conform_colour(conform_params(controls()), roles.read(in[0]), in[0][kAlpha], roles.overwrite(row),
+                       row.width());
+    }
 };

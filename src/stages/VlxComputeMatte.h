@@ -7,21 +7,30 @@
 // but the last. Rows are independent; engine keeps everything in locals.
 #pragma once
 
-#include "framework/VlxIop.h"
+#include "framework/RowStage.h"
+#include "stages/MatteKernel.h"
 
-class VlxComputeMatte final : public VlxIop {
+class VlxComputeMatte final : public RowStage {
   public:
-    VlxComputeMatte(const Zo::Image::NodeContext& context, const ControlBlock* controls)
-        : VlxIop(context, controls) {
-        inputs(2);
-    }
-
-    const char* class_name() const override { return "VlxComputeMatte"; }
-    const char* input_label(int input, char* buffer) const override;
-    void setup() override;
+    VlxComputeMatte(const NodeContext& context, const ControlBlock* controls)
+        : RowStage(context, controls,
+                   {.class_name = "VlxComputeMatte",
+                    .inputs = {{kMaskRgb, "Foreground"}, {kMaskRgb, "Cleanplate", controls::kCleanPlate}},
+                    .hashed = {controls::kBackingColor, controls::kMatteDensityBrights,
+                               controls::kMatteDensityDarks, controls::kMatteDensityCool,
+                               controls::kMatteDensityWarm, controls::kCleanPlate},
+                    .unhashed = {controls::kColorIndex}},
+                   {.made = kMaskAlpha, .declared = kMaskAlpha, .added = kMaskAlpha}) {}
 
   protected:
-    void _validate(bool for_real) override;
-    void _request(int x, int y, int r, int t, Zo::Image::ChannelSet channels, int count) override;
-    void engine(int y, int x, int r, const Zo::Image::ChannelSet& channels, Zo::Image::Row& row) override;
+    void run(int /*y*/, const Rows& in, ChannelSet /*channels*/, Row& row) const override {
+        const RoleRows roles(controls());
+        const MatteParams params = matte_params(controls());
+        float* const matte = row.overwrite(kAlpha);
+        if (reads(1)) {
+            matte_clean_plate(params, roles.read(in[0]), roles.read(in[1]), matte, row.width());
+        } else {
+            matte_constant(params, roles.read(in[0]), matte, row.width());
+        }
+    }
 };

@@ -8,24 +8,33 @@
 // two. Rows are independent; engine keeps everything in locals.
 #pragma once
 
-#include "framework/VlxIop.h"
+#include "framework/RowStage.h"
+#include "stages/ProcessedForegroundKernel.h"
 
-class VlxComputePFG final : public VlxIop {
+class VlxComputePFG final : public RowStage {
   public:
-    VlxComputePFG(const Zo::Image::NodeContext& context, const ControlBlock* controls)
-        : VlxIop(context, controls) {
-        inputs(4);
-    }
-
-    const char* class_name() const override { return "VlxComputePFG"; }
-    const char* input_label(int input, char* buffer) const override;
-    void setup() override;
+    VlxComputePFG(const NodeContext& context, const ControlBlock* controls)
+        : RowStage(context, controls,
+                   {.class_name = "VlxComputePFG",
+                    .inputs = {{kMaskRgb, "Foreground"},
+                               {kMaskRgb, "Cleanplate", controls::kCleanPlate},
+                               {kMaskAlpha, "ClippedMatte"},
+                               {kMaskAlpha, "PreMatte"}},
+                    .hashed = {controls::kBackingColor, controls::kCleanPlate, controls::kBgVeiling},
+                    .unhashed = {controls::kColorIndex, controls::kScreenCorrect}},
+                   {.made = kMaskRgba, .declared = kMaskRgba, .added = kMaskAlpha}) {}
 
   protected:
-    void _validate(bool for_real) override;
-    void _request(int x, int y, int r, int t, Zo::Image::ChannelSet channels, int count) override;
-    void engine(int y, int x, int r, const Zo::Image::ChannelSet& channels, Zo::Image::Row& row) override;
-
-  private:
-    bool has_clean_plate() const { return controls().get(controls::kCleanPlate) != 0; }
+    void run(int /*y*/, const Rows& in, ChannelSet /*channels*/, Row& row) const override {
+        const RoleRows roles(controls());
+        const VeilParams params = veil_params(controls());
+        const VeilMattes mattes{in[2][kAlpha], in[3][kAlpha]};
+        const RoleOutput out = roles.overwrite(row);
+        float* const alpha = row.overwrite(kAlpha);
+        if (reads(1)) {
+            unveil_clean_plate(params, roles.read(in[0]), roles.read(in[1]), mattes, out, alpha, row.width());
+        } else {
+            unveil_constant(params, roles.read(in[0]), mattes, out, alpha, row.width());
+        }
+    }
 };

@@ -77,15 +77,6 @@ void VlxFilmCorrectionV::engine(int y, int x, int r, const ChannelSet& channels,
                  {row.overwrite(kRed), row.overwrite(kGreen), row.overwrite(kBlue)}, row.width());
 }
 
-void VlxFilmCorrection::setup() {
-    Hash hash;
-    append(hash, {controls::kFilmCorrectionRed, controls::kFilmCorrectionGreen, controls::kFilmCorrectionBlue,
-                  controls::kFilmStrength});
-    append_input(hash, 0);
-    append_input(hash, 1);
-    invalidate(hash);
-}
-
 void VlxFilmCorrection::configure() {
     horizontal().set_radius(1);
     vertical().set_radius(1);

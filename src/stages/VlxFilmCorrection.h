@@ -40,13 +40,13 @@ class VlxFilmCorrectionV final : public VlxBaseFilter {
 
 class VlxFilmCorrection final : public VlxFilter_t<VlxFilmCorrectionH, VlxFilmCorrectionV> {
   public:
-    VlxFilmCorrection(const Zo::Image::NodeContext& context, const ControlBlock* controls)
-        : VlxFilter_t(context, controls) {
-        inputs(2);
-    }
+    VlxFilmCorrection(const NodeContext& context, const ControlBlock* controls)
+        : VlxFilter_t(context, controls,
+                      {.class_name = "VlxFilmCorrection",
+                       .inputs = {{kMaskRgb}, {kMaskAlpha}},
+                       .hashed = {controls::kFilmCorrectionRed, controls::kFilmCorrectionGreen,
+                                  controls::kFilmCorrectionBlue, controls::kFilmStrength}}) {}
 
-    const char* class_name() const override { return "VlxFilmCorrection"; }
-    void setup() override;
     void configure() override;
     Zo::Image::ChannelSet kept_channels() const override { return Zo::Image::kMaskRgb; }
 

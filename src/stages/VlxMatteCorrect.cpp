@@ -7,20 +7,6 @@
 
 using namespace Zo::Image;
 
-const char* VlxMatteCorrect::input_label(int input, char* buffer) const {
-    if (input == 0) return "";
-    if (input == 1) return "PreMatte";
-    return buffer;
-}
-
-void VlxMatteCorrect::setup() {
-    Hash hash;
-    append(hash, {controls::kEdgeKernel, controls::kKernelHeight});
-    append_input(hash, 0);
-    append_input(hash, 1);
-    invalidate(hash);
-}
-
 bool VlxMatteCorrect::is_active() const {
     return controls().get(controls::kEdgeKernel) >= 1;
 }

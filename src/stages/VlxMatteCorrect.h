@@ -10,14 +10,13 @@
 
 class VlxMatteCorrect final : public VlxFilter {
   public:
-    VlxMatteCorrect(const Zo::Image::NodeContext& context, const ControlBlock* controls, int mode)
-        : VlxFilter(context, controls, Zo::Image::kMaskAlpha), mode_(mode) {
-        inputs(2);
-    }
-
-    const char* class_name() const override { return "VlxMatteCorrect"; }
-    const char* input_label(int input, char* buffer) const override;
-    void setup() override;
+    VlxMatteCorrect(const NodeContext& context, const ControlBlock* controls, int mode)
+        : VlxFilter(context, controls,
+                    {.class_name = "VlxMatteCorrect",
+                     .inputs = {{kMaskAlpha, ""}, {kMaskAlpha, "PreMatte"}},
+                     .hashed = {controls::kEdgeKernel, controls::kKernelHeight}},
+                    kMaskAlpha),
+          mode_(mode) {}
 
   protected:
     bool is_active() const override;

@@ -4,20 +4,18 @@
 // Depends on no control. Rows are independent; engine keeps everything in locals.
 #pragma once
 
-#include "framework/VlxIop.h"
+#include "framework/RowStage.h"
+#include "stages/OutputMatteKernel.h"
 
-class VlxOutputMatte final : public VlxIop {
+class VlxOutputMatte final : public RowStage {
   public:
-    VlxOutputMatte(const Zo::Image::NodeContext& context, const ControlBlock* controls)
-        : VlxIop(context, controls) {
-        inputs(1);
-    }
-
-    const char* class_name() const override { return "VlxOutputMatte"; }
-    void setup() override;
+    VlxOutputMatte(const NodeContext& context, const ControlBlock* controls)
+        : RowStage(context, controls,
+                   {.class_name = "VlxOutputMatte", .inputs = {{kMaskAlpha}}, .hashed = {}},
+                   {.made = kMaskAlpha, .declared = kMaskAlpha, .added = kMaskAlpha}) {}
 
   protected:
-    void _validate(bool for_real) override;
-    void _request(int x, int y, int r, int t, Zo::Image::ChannelSet channels, int count) override;
-    void engine(int y, int x, int r, const Zo::Image::ChannelSet& channels, Zo::Image::Row& row) override;
+    void run(int /*y*/, const Rows& in, ChannelSet /*channels*/, Row& row) const override {
+        output_matte(in[0][kAlpha], row.overwrite(kAlpha), row.width());
+    }
 };

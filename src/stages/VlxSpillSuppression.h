@@ -6,21 +6,25 @@
 // "ColorIndex"; hashes all but the last. Rows are independent; engine keeps everything in locals.
 #pragma once
 
-#include "framework/VlxIop.h"
+#include "framework/RowStage.h"
+#include "stages/SpillKernel.h"
 
-class VlxSpillSuppression final : public VlxIop {
+class VlxSpillSuppression final : public RowStage {
   public:
-    VlxSpillSuppression(const Zo::Image::NodeContext& context, const ControlBlock* controls)
-        : VlxIop(context, controls) {
-        inputs(2);
-    }
-
-    const char* class_name() const override { return "VlxSpillSuppression"; }
-    const char* input_label(int input, char* buffer) const override;
-    void setup() override;
+    VlxSpillSuppression(const NodeContext& context, const ControlBlock* controls)
+        : RowStage(context, controls,
+                   {.class_name = "VlxSpillSuppression",
+                    .inputs = {{kMaskRgba, ""}, {kMaskAlpha, "PreMatte"}},
+                    .hashed = {controls::kBackingColor, controls::kAmbiance, controls::kSpillDarks,
+                               controls::kSpillCool, controls::kSpillWarm, controls::kSpillMidTones,
+                               controls::kSpillBrights, controls::kStrength},
+                    .unhashed = {controls::kColorIndex}},
+                   {.made = kMaskRgb, .declared = kMaskRgb}) {}
 
   protected:
-    void _validate(bool for_real) override;
-    void _request(int x, int y, int r, int t, Zo::Image::ChannelSet channels, int count) override;
-    void engine(int y, int x, int r, const Zo::Image::ChannelSet& channels, Zo::Image::Row& row) override;
+    void run(int /*y*/, const Rows& in, ChannelSet /*channels*/, Row& row) const override {
+        const RoleRows roles(controls());
+        suppress_spill(spill_params(controls()), roles.read(in[0]), in[0][kAlpha], in[1][kAlpha],
+                       roles.overwrite(row), row.width());
+    }
 };

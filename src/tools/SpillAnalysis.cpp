@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "controls/Controls.h"
-#include "stages/KernelMath.h"
+#include "lanes/KernelMath.h"
 #include "stages/ProcessedForegroundKernel.h"
 #include "stages/SpillKernel.h"
 

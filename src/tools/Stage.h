@@ -6,9 +6,9 @@
 #include <span>
 #include <vector>
 
-#include "controls/ControlBlock.h"
+#include "controls/ChannelRoles.h"
+#include "controls/Controls.h"
 #include "panel/VeloxaSample.h"
-#include "stages/ChannelRoles.h"
 #include "tools/Tuner.h"
 
 // The node as it stands.

@@ -12,9 +12,7 @@ namespace {
 
 class Blur final : public VlxFilter_t<VlxBlurH, VlxBlurV> {
   public:
-    Blur(int h, int v) : VlxFilter_t(NodeContext{}, nullptr), h_(h), v_(v) {}
-    const char* class_name() const override { return "Blur"; }
-    void setup() override {}
+    Blur(int h, int v) : VlxFilter_t({}, nullptr, {"Blur", {{kMaskAlpha}}, {}}), h_(h), v_(v) {}
     void configure() override {
         horizontal().set_radius(h_);
         vertical().set_radius(v_);

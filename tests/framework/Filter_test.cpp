@@ -29,9 +29,7 @@ class MarkPass final : public VlxBaseFilter {
 
 class MarkFilter final : public VlxFilter_t<MarkPass<true>, MarkPass<false>> {
   public:
-    MarkFilter(int h, int v) : VlxFilter_t(NodeContext{}, nullptr), h_(h), v_(v) {}
-    const char* class_name() const override { return "MarkFilter"; }
-    void setup() override {}
+    MarkFilter(int h, int v) : VlxFilter_t({}, nullptr, {"MarkFilter", {{kMaskAlpha}}, {}}), h_(h), v_(v) {}
     void configure() override {
         horizontal().set_radius(h_);
         vertical().set_radius(v_);

@@ -21,11 +21,8 @@ float pixel(Channel c, int x, int y) {
 
 class AddThousand final : public VlxFilter {
   public:
-    explicit AddThousand(const ControlBlock* controls) : VlxFilter(NodeContext{}, controls, kOwn) {
-        inputs(1);
-    }
-    const char* class_name() const override { return "AddThousand"; }
-    void setup() override {}
+    explicit AddThousand(const ControlBlock* controls)
+        : VlxFilter({}, controls, {"AddThousand", {{kOwn}}, {}}, kOwn) {}
 
     bool active = true;
     int failures = 0;            // computations that fail before one succeeds

@@ -2,8 +2,8 @@
 
 #include <cmath>
 
+#include "lanes/LogExp.h"
 #include "stages/ColorConformKernel.h"
-#include "stages/LogExp.h"
 #include "support/StageControls.h"
 
 using test::Span;

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "stages/ChannelRoles.h"
+#include "controls/ChannelRoles.h"
 #include "support/Plane.h"
 
 namespace test {

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "stages/KernelMath.h"
+#include "lanes/KernelMath.h"
 #include "support/Counts.h"
 
 namespace LANES {

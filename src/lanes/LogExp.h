@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <numbers>
 
-#include "stages/KernelMath.h"
+#include "lanes/KernelMath.h"
 
 namespace kernel {
 

@@ -8,29 +8,13 @@
 //   any other      as 0
 #pragma once
 
-#include <array>
 #include <cstdint>
-
-#include "ZoImage/Row.h"
-#include "controls/ControlBlock.h"
-#include "controls/Controls.h"
 
 // Channel slot (0 red, 1 green, 2 blue, 3 alpha) of a role 0 to 2; a role outside that is returned as is.
 constexpr int ChannelForRole(std::int32_t color_index, int role) {
     if (color_index == 1) return role == 1 ? 2 : role == 2 ? 1 : role;
     if (color_index == 2) return role == 0 ? 2 : role == 2 ? 0 : role;
     return role;
-}
-
-// The channels of role 0, role 1 and the primary for the screen colour that the controls hold.
-inline std::array<Zo::Image::Channel, 3> role_channels(const ControlBlock& controls) {
-    const auto color_index = controls.get(controls::kColorIndex);
-    std::array<Zo::Image::Channel, 3> channels{};
-    for (int role = 0; role < 3; ++role) {
-        channels[static_cast<std::size_t>(role)] =
-            static_cast<Zo::Image::Channel>(Zo::Image::kRed + ChannelForRole(color_index, role));
-    }
-    return channels;
 }
 
 // The colour planes of one span in role order, to read and to write.
@@ -45,11 +29,3 @@ struct RoleOutput {
     float* role1;
     float* primary;
 };
-
-inline RolePixels role_pixels(const Zo::Image::Row& row, const std::array<Zo::Image::Channel, 3>& roles) {
-    return {row[roles[0]], row[roles[1]], row[roles[2]]};
-}
-
-inline RoleOutput role_output(Zo::Image::Row& row, const std::array<Zo::Image::Channel, 3>& roles) {
-    return {row.overwrite(roles[0]), row.overwrite(roles[1]), row.overwrite(roles[2])};
-}

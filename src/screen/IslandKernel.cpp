@@ -1,3 +1,0 @@
-#include "screen/IslandKernel.h"
-
-LANE_KERNEL(RemoveIslands, remove_islands);

@@ -1,4 +1,0 @@
-#include "screen/ShrinkKernel.h"
-
-LANE_KERNEL(ShrinkRow, shrink_row);
-LANE_KERNEL(ShrinkLines, shrink_lines);

@@ -1,3 +1,0 @@
-#include "stages/NormalizeKernel.h"
-
-LANE_KERNEL(Normalize, normalize);

@@ -1,3 +1,0 @@
-#include "stages/OutputMatteKernel.h"
-
-LANE_KERNEL(OutputMatte, output_matte);
