@@ -10,7 +10,9 @@ class RoleRows {
   public:
     explicit RoleRows(const ControlBlock& controls) : color_index_(controls.get(controls::kColorIndex)) {}
 
-    RolePixels read(const Zo::Image::Row& row) const { return {row[channel(0)], row[channel(1)], row[channel(2)]}; }
+    RolePixels read(const Zo::Image::Row& row) const {
+        return {row[channel(0)], row[channel(1)], row[channel(2)]};
+    }
     RoleOutput overwrite(Zo::Image::Row& row) const {
         return {row.overwrite(channel(0)), row.overwrite(channel(1)), row.overwrite(channel(2))};
     }

@@ -22,8 +22,7 @@ class RowStage : public VlxIop {
         ChannelSet wanted = made;
     };
 
-    RowStage(const NodeContext& context, const ControlBlock* controls, Description description,
-             Output output)
+    RowStage(const NodeContext& context, const ControlBlock* controls, Description description, Output output)
         : VlxIop(context, controls, std::move(description)), output_(output) {}
 
     ChannelSet kept_channels() const override { return output_.made + output_.declared; }

@@ -272,7 +272,7 @@ std::vector<Lanes> forms_beside_the_scalar_one() {
 }
 
 INSTANTIATE_TEST_SUITE_P(Here, Forms, testing::ValuesIn(forms_beside_the_scalar_one()),
-                         [](const auto& info) { return std::string(name_of(info.param)); });
+                         [](const auto& form) { return std::string(name_of(form.param)); });
 
 TEST_P(Forms, GiveTheBitsOfTheScalarOne) {
     for (const Case& c : kCases) {

@@ -41,39 +41,39 @@ VECTOR_FUNCTION void store_vector(float* p, FloatVector v) {
     __builtin_memcpy(p, &v, sizeof v);
 }
 
-#define VECTOR_OPERATIONS(Vector, Mask)                                    \
-    VECTOR_FUNCTION Mask less(Vector a, Vector b) {                        \
-        return {a < b};                                                    \
-    }                                                                      \
-    VECTOR_FUNCTION Mask less_equal(Vector a, Vector b) {                  \
-        return {a <= b};                                                   \
-    }                                                                      \
-    VECTOR_FUNCTION Mask equal(Vector a, Vector b) {                       \
-        return {a == b};                                                   \
-    }                                                                      \
-    VECTOR_FUNCTION Mask unequal(Vector a, Vector b) {                     \
-        return {a != b};                                                   \
-    }                                                                      \
-    VECTOR_FUNCTION Mask both(Mask a, Mask b) {                            \
-        return {a.bits & b.bits};                                          \
-    }                                                                      \
-    VECTOR_FUNCTION Mask either(Mask a, Mask b) {                          \
-        return {a.bits | b.bits};                                          \
-    }                                                                      \
-    VECTOR_FUNCTION bool all_bits(Mask m) {                                \
-        bool all = true;                                                   \
+#define VECTOR_OPERATIONS(Vector, Mask)                                     \
+    VECTOR_FUNCTION Mask less(Vector a, Vector b) {                         \
+        return {a < b};                                                     \
+    }                                                                       \
+    VECTOR_FUNCTION Mask less_equal(Vector a, Vector b) {                   \
+        return {a <= b};                                                    \
+    }                                                                       \
+    VECTOR_FUNCTION Mask equal(Vector a, Vector b) {                        \
+        return {a == b};                                                    \
+    }                                                                       \
+    VECTOR_FUNCTION Mask unequal(Vector a, Vector b) {                      \
+        return {a != b};                                                    \
+    }                                                                       \
+    VECTOR_FUNCTION Mask both(Mask a, Mask b) {                             \
+        return {a.bits & b.bits};                                           \
+    }                                                                       \
+    VECTOR_FUNCTION Mask either(Mask a, Mask b) {                           \
+        return {a.bits | b.bits};                                           \
+    }                                                                       \
+    VECTOR_FUNCTION bool all_bits(Mask m) {                                 \
+        bool all = true;                                                    \
         for (int i = 0; i < kVectorWidth; ++i) all = all && m.bits[i] != 0; \
-        return all;                                                        \
-    }                                                                      \
-    VECTOR_FUNCTION Vector select(Mask m, Vector a, Vector b) {            \
-        return m.bits ? a : b;                                             \
-    }                                                                      \
-    /* The second operand wins ties and NaN. */                            \
-    VECTOR_FUNCTION Vector larger(Vector a, Vector b) {                    \
-        return a > b ? a : b;                                              \
-    }                                                                      \
-    VECTOR_FUNCTION Vector smaller(Vector a, Vector b) {                   \
-        return b > a ? a : b;                                              \
+        return all;                                                         \
+    }                                                                       \
+    VECTOR_FUNCTION Vector select(Mask m, Vector a, Vector b) {             \
+        return m.bits ? a : b;                                              \
+    }                                                                       \
+    /* The second operand wins ties and NaN. */                             \
+    VECTOR_FUNCTION Vector larger(Vector a, Vector b) {                     \
+        return a > b ? a : b;                                               \
+    }                                                                       \
+    VECTOR_FUNCTION Vector smaller(Vector a, Vector b) {                    \
+        return b > a ? a : b;                                               \
     }
 VECTOR_OPERATIONS(FloatVector, FloatMaskVector)
 VECTOR_OPERATIONS(DoubleVector, DoubleMaskVector)
