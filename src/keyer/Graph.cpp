@@ -99,9 +99,18 @@ Iop& VeloxaKeyer::colour_source() {
     return normFg;
 }
 
-Iop& VeloxaKeyer::final_matte() {
-    if (knobs_.cleanup) return cleanup;
+// The matte before its clean-up: choked and softened, each where it is asked for.
+Iop& VeloxaKeyer::choked_matte() {
+    if (any_above_zero(knobs_.cleanup_blur)) return blurCU;
+    if (any_above_zero(knobs_.cleanup_shrink)) return shrinkCU;
     return outputMatte;
+}
+
+// At strength 0 the clean-up leaves every bit as it is.
+Iop& VeloxaKeyer::final_matte() {
+    if (!knobs_.cleanup) return outputMatte;
+    if (controls_.get(controls::kCleanUp) != 0) return cleanup;
+    return choked_matte();
 }
 
 void VeloxaKeyer::wire_graph() {
@@ -113,13 +122,11 @@ void VeloxaKeyer::wire_graph() {
     const bool cp = flag(kCpUsable);
     const bool film_shrink = any_above_zero(knobs_.film_shrink);
     const bool cleanup_shrink = any_above_zero(knobs_.cleanup_shrink);
-    const bool cleanup_blur = any_above_zero(knobs_.cleanup_blur);
     const bool orphans = knobs_.screen_orphans > 0;
     const bool edge_kernel = knobs_.edge_kernel >= 1.0f;
     const bool correct = knobs_.screen_correct;
     Op* const region = &screen_region();
     const auto either = [](bool first, Op& a, Op& b) { return first ? &a : &b; };
-    Op& choked = *either(cleanup_shrink, shrinkCU, outputMatte);
 
     wire(normFg, {input_op(0)});
     wire(normCp, {input_op(1)});
@@ -142,8 +149,8 @@ void VeloxaKeyer::wire_graph() {
     wire(spillSuppression, {&computePFG, correct ? region : &outputMatte});
     wire(colorCorrection, {either(knobs_.spill_suppression, spillSuppression, outputMatte)});
     wire(shrinkCU, {&outputMatte});
-    wire(blurCU, {&choked});
-    wire(cleanup, {either(cleanup_blur, blurCU, choked)});
+    wire(blurCU, {either(cleanup_shrink, shrinkCU, outputMatte)});
+    wire(cleanup, {&choked_matte()});
     wire(smartInterpol, {either(cp, normCp, normFg), region});
     wire(computeShadow, {&smartInterpol});
     wire(clearFrame, {&normFg, &normCp, &smartInterpol});

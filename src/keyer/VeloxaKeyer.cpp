@@ -8,36 +8,7 @@
 
 using namespace Zo::Image;
 
-VeloxaKeyer::VeloxaKeyer(const NodeContext& context)
-    : Iop(context),
-      controls_(control_values_.data(), 1),
-      normFg(context),
-      normCp(context),
-      normGm(context),
-      normHm(context),
-      subRegion(context, &controls_),
-      shrinkS(context, &controls_),
-      filmCorrection(context, &controls_),
-      clearRegionCP(context, &controls_),
-      shrinkCP(context, &controls_, 1),
-      clearRegion(context, &controls_),
-      computeIsland(context, &controls_),
-      shrinkScreen(context, &controls_, 0),
-      computeMatte(context, &controls_),
-      matteCorrectRaw(context, &controls_, 1),
-      computePFG(context, &controls_),
-      matteCorrectPFG(context, &controls_, 0),
-      outputMatte(context, &controls_),
-      spillSuppression(context, &controls_),
-      colorCorrection(context, &controls_),
-      shrinkCU(context, &controls_),
-      blurCU(context, &controls_),
-      cleanup(context, &controls_),
-      smartInterpol(context, &controls_),
-      clearFrame(context, &controls_),
-      shadowBlur(context, &controls_),
-      computeShadow(context, &controls_),
-      combineShadow(context, &controls_) {
+VeloxaKeyer::VeloxaKeyer(const NodeContext& context) : Iop(context) {
     inputs(5);
     adopt_operators();
     set_flag(kNoScreenColor, true);

@@ -59,40 +59,29 @@ struct Cached {
 
 TEST(Caching, AKnobComputesOnlyWhatFollowsIt) {
     using Names = std::set<std::string>;
-    using Change = void (*)(KnobStorage&);
     const struct {
-        const char* what;
-        Change change;
+        const char* change;
         Names computed;
     } cases[] = {
-        {"output mode", [](KnobStorage& k) { k.output_mode = 2; }, {}},
-        {"overlay",
-         [](KnobStorage& k) {
-             k.overlay_color = {0.0f, 1.0f, 0.0f, 0.7f};
-         },
-         {}},
-        {"spill", [](KnobStorage& k) { k.spill_strength = 70.0f; }, {"spillSuppression"}},
+        {"output_mode unpremultiplied", {}},
+        {"overlay_color 0,1,0,0.7", {}},
+        {"spill_strength 70", {"spillSuppression"}},
         // Normalising is as fast as reading back.
-        {"shrink",
-         [](KnobStorage& k) {
-             k.screen_shrink = {3.0, 1.0};
-         },
+        {"screen_shrink 3,1",
          {"normFg", "shrinkScreen", "horizontal", "vertical", "computePFG", "outputMatte",
           "spillSuppression"}},
-        {"density",
-         [](KnobStorage& k) { k.brights = 120.0f; },
-         {"normFg", "computeMatte", "computePFG", "outputMatte", "spillSuppression"}},
+        {"brights 120", {"normFg", "computeMatte", "computePFG", "outputMatte", "spillSuppression"}},
     };
     for (const auto& c : cases) {
         Rig rig;
         Cached cached(std::size_t{1} << 26U);
         cached.render(rig);
         EXPECT_EQ(cached.computed().count("clearRegion"), 1U);
-        c.change(rig.knobs());
+        rig.set(c.change);
         cached.render(rig);
-        EXPECT_EQ(cached.computed(), c.computed) << c.what;
+        EXPECT_EQ(cached.computed(), c.computed) << c.change;
         cached.render(rig);
-        EXPECT_EQ(cached.computed(), Names{}) << "again after " << c.what;
+        EXPECT_EQ(cached.computed(), Names{}) << "again after " << c.change;
     }
 }
 
@@ -108,53 +97,30 @@ TEST(Caching, WholeFrameOperatorsRestBehindKeptRows) {
 }
 
 TEST(Caching, AnySeriesOfChangesEqualsAFreshNode) {
-    using Change = void (*)(Rig&);
-    const Change changes[] = {
-        [](Rig& r) {
-            r.knobs().screen_color = {0.2f, 0.3f, 0.7f};
-        },
-        [](Rig& r) {
-            r.knobs().screen_color = {0.2f, 0.65f, 0.3f};
-        },
-        [](Rig& r) { r.knobs().screen_correct = !r.knobs().screen_correct; },
-        [](Rig& r) { r.knobs().overlay_mode = (r.knobs().overlay_mode + 1) % 3; },
-        [](Rig& r) { r.knobs().edge_kernel = r.knobs().edge_kernel > 0.0f ? 0.0f : 4.0f; },
-        [](Rig& r) { r.knobs().shadow = !r.knobs().shadow; },
-        [](Rig& r) {
-            r.knobs().shadows_blur = {1.0, r.knobs().shadows_blur[1] > 0.0 ? 0.0 : 2.0};
-        },
-        [](Rig& r) { r.knobs().shadows_density += 3.0f; },
-        [](Rig& r) { r.knobs().film = !r.knobs().film; },
-        [](Rig& r) { r.knobs().film_strength += 20.0f; },
-        [](Rig& r) { r.knobs().cleanup = !r.knobs().cleanup; },
-        [](Rig& r) {
-            r.knobs().cleanup_shrink = {r.knobs().cleanup_shrink[0] + 7.0, 0.0};
-        },
-        [](Rig& r) {
-            r.knobs().cleanup_blur = {0.0, r.knobs().cleanup_blur[1] > 0 ? 0.0 : 2.0};
-        },
-        [](Rig& r) { r.knobs().screen_orphans = (r.knobs().screen_orphans + 1) % 4; },
-        [](Rig& r) {
-            r.knobs().screen_shrink = {r.knobs().screen_shrink[0] > 0 ? 0.0 : 1.0, 2.0};
-        },
-        [](Rig& r) { r.knobs().screen_tolerance[1] += 0.02f; },
-        [](Rig& r) { r.knobs().brights += 10.0f; },
-        [](Rig& r) { r.knobs().color_conformance = !r.knobs().color_conformance; },
-        [](Rig& r) { r.knobs().color_hue += 11.0f; },
-        [](Rig& r) { r.knobs().spill_suppression = !r.knobs().spill_suppression; },
-        [](Rig& r) { r.knobs().spill_strength += 5.0f; },
-        [](Rig& r) { r.knobs().spill_backgroundveiling[0] += 0.1f; },
-        [](Rig& r) { r.knobs().output_mode = (r.knobs().output_mode + 1) % 3; },
-        [](Rig& r) { r.node.set_input(1, r.node.connected(1) ? nullptr : &r.cp); },
-        [](Rig& r) { r.node.set_input(4, r.node.connected(4) ? nullptr : &r.hm); },
-    };
-    // Room for everything, and for about five planes.
-    for (const std::size_t budget : {std::size_t{1} << 26U, std::size_t{120000}}) {
+    const std::vector<std::string> settings = test::split(
+        "screen_color 0.2,0.3,0.7; screen_color 0.7,0.2,0.3; screen_color 0.2,0.65,0.3; screen_correct 0; "
+        "screen_correct 1; overlay_mode screen; overlay_mode subject; overlay_mode off; edge_kernel 4; "
+        "edge_kernel 0; shadow 1; shadow 0; shadows_blur 1,2; shadows_blur 1,0; shadows_density 90; film 1; "
+        "film 0; film_strength 40; cleanup 1; cleanup 0; cleanup_shrink 7,0; cleanup_shrink 14,0; "
+        "cleanup_blur 0,2; cleanup_blur 0,0; screen_orphans off; screen_orphans fine; screen_shrink 0,2; "
+        "screen_shrink 1,2; screen_tolerance 0.6,0.55,0.7; brights 110; color_conformance 1; "
+        "color_conformance 0; color_hue 11; spill_suppression 0; spill_suppression 1; spill_strength 55; "
+        "spill_backgroundveiling 0.5,0.4,0.4; output_mode premultiplied; output_mode composite; matte_scale "
+        "linear; matte_scale knee; merge add; merge multiply");
+    // Nothing kept, room for everything, and for about five planes.
+    for (const std::size_t budget : {0U, 1U << 26U, 120000U}) {
         std::mt19937 random(23);
         Rig worked;
         Cached cached(budget);
         for (int step = 0; step < 150; ++step) {
-            changes[random() % std::size(changes)](worked);
+            const auto change = random() % (settings.size() + 2);
+            const int input = change == settings.size() ? 1 : 4;
+            if (change < settings.size()) {
+                worked.set(settings[change]);
+            } else {
+                Iop* const source = input == 1 ? &worked.cp : &worked.hm;
+                worked.node.set_input(input, worked.node.connected(input) ? nullptr : source);
+            }
             const test::Picture now = cached.render(worked);
             // Controls of sections that are off keep their last values, which no pixel depends on.
             Rig fresh;

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -25,119 +24,64 @@ const std::vector<const char*> kMembers{
     "blurCU",          "cleanup",        "smartInterpol",    "computeShadow",   "clearFrame",
     "shadowBlur",      "combineShadow"};
 
-void everything_on(KnobStorage& k) {
-    k.film = k.shadow = k.cleanup = k.color_conformance = true;
-    k.edge_kernel = 3.0f;
-    k.cleanup_shrink = {15.0, 5.0};
-    k.cleanup_blur = {2.0, 1.0};
-    k.shadows_blur = {2.0, 3.0};
-    k.film_strength = 50.0f;
-    k.color_hue = 20.0f;
-    k.overlay_mode = 1;
-}
+const char* const kEverythingOn =
+    "film 1; shadow 1; cleanup 1; color_conformance 1; edge_kernel 3; cleanup_shrink 15,5; cleanup_blur 2,1; "
+    "shadows_blur 2,3; film_strength 50; color_hue 20; overlay_mode screen";
 
 TEST(Graph, AlternativesOfTheWiring) {
     struct Case {
-        const char* what;
         bool clean_plate;
-        void (*change)(KnobStorage&);
-        std::vector<std::pair<std::pair<const char*, int>, const char*>> expected;
+        const char* settings;
+        std::vector<const char*> expected;  // reader, its input, what it reads
     };
     const Case cases[] = {
-        {"defaults",
-         false,
-         [](KnobStorage&) {},
-         {{{"filmCorrection", 1}, "shrinkS"},
-          {{"clearRegionCP", 1}, "normFg"},
-          {{"clearRegion", 0}, "normFg"},
-          {{"clearRegion", 1}, "normCp"},
-          {{"shrinkScreen", 0}, "computeIsland"},
-          {{"computePFG", 0}, "normFg"},
-          {{"computePFG", 2}, "computeMatte"},
-          {{"computePFG", 3}, "shrinkScreen"},
-          {{"matteCorrectRaw", 1}, "shrinkScreen"},
-          {{"outputMatte", 0}, "computePFG"},
-          {{"spillSuppression", 1}, "shrinkScreen"},
-          {{"colorCorrection", 0}, "spillSuppression"},
-          {{"blurCU", 0}, "outputMatte"},
-          {{"cleanup", 0}, "outputMatte"},
-          {{"smartInterpol", 0}, "normFg"},
-          {{"shadowBlur", 0}, "computeShadow"},
-          {{"combineShadow", 0}, "spillSuppression"},
-          {{"combineShadow", 1}, "outputMatte"}}},
-        {"clean plate",
-         true,
-         [](KnobStorage&) {},
-         {{{"clearRegionCP", 1}, "normCp"},
-          {{"clearRegion", 0}, "shrinkCP"},
-          {{"smartInterpol", 0}, "normCp"},
-          {{"shadowBlur", 0}, "clearFrame"}}},
-        {"clean plate without screen correction",
-         true,
-         [](KnobStorage& k) { k.screen_correct = false; },
-         {{{"clearRegion", 0}, "normFg"},
-          {{"matteCorrectRaw", 1}, "computeMatte"},
-          {{"matteCorrectPFG", 1}, "computePFG"},
-          {{"spillSuppression", 1}, "outputMatte"},
-          {{"computePFG", 3}, "shrinkScreen"},
-          {{"shadowBlur", 0}, "computeShadow"}}},
-        {"no shrink",
-         false,
-         [](KnobStorage& k) {
-             k.screen_shrink = {0.0, -3.0};
-             k.film_shrink = {0.0, 0.0};
-         },
-         {{{"computePFG", 3}, "computeIsland"}, {{"filmCorrection", 1}, "subRegion"}}},
-        {"no shrink, no orphans",
-         false,
-         [](KnobStorage& k) {
-             k.screen_shrink = {0.0, 0.0};
-             k.screen_orphans = 0;
-         },
-         {{{"computePFG", 3}, "clearRegion"},
-          {{"shrinkScreen", 0}, "clearRegion"},
-          {{"smartInterpol", 1}, "clearRegion"}}},
-        {"edge kernel just short",
-         false,
-         [](KnobStorage& k) { k.edge_kernel = 0.99f; },
-         {{{"computePFG", 2}, "computeMatte"}, {{"outputMatte", 0}, "computePFG"}}},
-        {"edge kernel and film",
-         false,
-         [](KnobStorage& k) {
-             k.edge_kernel = 1.0f;
-             k.film = true;
-         },
-         {{{"computePFG", 2}, "matteCorrectRaw"},
-          {{"outputMatte", 0}, "matteCorrectPFG"},
-          {{"computePFG", 0}, "filmCorrection"}}},
-        {"clean-up with one shrink and blur",
-         false,
-         [](KnobStorage& k) {
-             k.cleanup = true;
-             k.cleanup_shrink = {0.0, 1.0};
-             k.cleanup_blur = {1.0, 0.0};
-         },
-         {{{"blurCU", 0}, "shrinkCU"}, {{"cleanup", 0}, "blurCU"}, {{"combineShadow", 1}, "cleanup"}}},
-        {"conformance without spill",
-         false,
-         [](KnobStorage& k) {
-             k.color_conformance = true;
-             k.spill_suppression = false;
-         },
-         {{{"colorCorrection", 0}, "outputMatte"}, {{"combineShadow", 0}, "colorCorrection"}}},
-        {"neither",
-         false,
-         [](KnobStorage& k) { k.spill_suppression = false; },
-         {{{"combineShadow", 0}, "outputMatte"}}},
+        {false,
+         "",
+         {"filmCorrection 1 shrinkS", "clearRegionCP 1 normFg", "clearRegion 0 normFg",
+          "clearRegion 1 normCp", "shrinkScreen 0 computeIsland", "computePFG 0 normFg",
+          "computePFG 2 computeMatte", "computePFG 3 shrinkScreen", "matteCorrectRaw 1 shrinkScreen",
+          "outputMatte 0 computePFG", "spillSuppression 1 shrinkScreen", "colorCorrection 0 spillSuppression",
+          "blurCU 0 outputMatte", "cleanup 0 outputMatte", "smartInterpol 0 normFg",
+          "shadowBlur 0 computeShadow", "combineShadow 0 spillSuppression", "combineShadow 1 outputMatte"}},
+        {true,
+         "",
+         {"clearRegionCP 1 normCp", "clearRegion 0 shrinkCP", "smartInterpol 0 normCp",
+          "shadowBlur 0 clearFrame"}},
+        {true,
+         "screen_correct 0",
+         {"clearRegion 0 normFg", "matteCorrectRaw 1 computeMatte", "matteCorrectPFG 1 computePFG",
+          "spillSuppression 1 outputMatte", "computePFG 3 shrinkScreen", "shadowBlur 0 computeShadow"}},
+        {false,
+         "screen_shrink 0,-3; film_shrink 0,0",
+         {"computePFG 3 computeIsland", "filmCorrection 1 subRegion"}},
+        {false,
+         "screen_shrink 0,0; screen_orphans off",
+         {"computePFG 3 clearRegion", "shrinkScreen 0 clearRegion", "smartInterpol 1 clearRegion"}},
+        {false, "edge_kernel 0.99", {"computePFG 2 computeMatte", "outputMatte 0 computePFG"}},
+        {false,
+         "edge_kernel 1; film 1",
+         {"computePFG 2 matteCorrectRaw", "outputMatte 0 matteCorrectPFG", "computePFG 0 filmCorrection"}},
+        {false,
+         "cleanup 1; cleanup_shrink 0,1; cleanup_blur 1,0",
+         {"blurCU 0 shrinkCU", "cleanup 0 blurCU", "combineShadow 1 cleanup"}},
+        // A clean-up that changes nothing is left out.
+        {false, "cleanup 1; cleanup_cleanup 0.9; cleanup_shrink 0,1", {"combineShadow 1 shrinkCU"}},
+        {false,
+         "color_conformance 1; spill_suppression 0",
+         {"colorCorrection 0 outputMatte", "combineShadow 0 colorCorrection"}},
+        {false, "spill_suppression 0", {"combineShadow 0 outputMatte"}},
     };
     for (const Case& c : cases) {
         Rig rig;
         if (c.clean_plate) rig.node.set_input(1, &rig.cp);
-        c.change(rig.knobs());
-        rig.update();
-        for (const auto& [slot, source] : c.expected) {
-            EXPECT_EQ(rig.reads(slot.first, slot.second), source)
-                << c.what << ": " << slot.first << ' ' << slot.second;
+        rig.set(c.settings);
+        for (const std::string expected : c.expected) {
+            std::istringstream words(expected);
+            std::string reader;
+            std::string source;
+            int input = 0;
+            words >> reader >> input >> source;
+            EXPECT_EQ(rig.reads(reader.c_str(), input), source) << c.settings << ": " << expected;
         }
     }
 }
@@ -190,8 +134,7 @@ TEST(Graph, DefaultKeyComputesRowsOnceAndNothingElse) {
 TEST(Graph, ASpillKnobLeavesEverythingUpstreamAsItIs) {
     Rig rig;
     rig.connect_all();
-    everything_on(rig.knobs());
-    rig.update();
+    rig.set(kEverythingOn);
     Renderer renderer(2);
     const Box frame = rig.node.info().box;
     const auto render = [&] {
@@ -222,96 +165,22 @@ TEST(Graph, ASpillKnobLeavesEverythingUpstreamAsItIs) {
     EXPECT_EQ(rows_of("computeMatte"), 0);
 }
 
-TEST(Graph, AnySeriesOfChangesEqualsAFreshNode) {
-    using Change = void (*)(KnobStorage&);
-    const Change changes[] = {
-        [](KnobStorage& k) {
-            k.screen_color = {0.2f, 0.3f, 0.7f};
-        },
-        [](KnobStorage& k) {
-            k.screen_color = {0.7f, 0.2f, 0.3f};
-        },
-        [](KnobStorage& k) {
-            k.screen_color = {0.2f, 0.65f, 0.3f};
-        },
-        [](KnobStorage& k) { k.screen_correct = !k.screen_correct; },
-        [](KnobStorage& k) { k.overlay_mode = (k.overlay_mode + 1) % 3; },
-        [](KnobStorage& k) { k.edge_kernel = k.edge_kernel > 0.0f ? 0.0f : 4.0f; },
-        [](KnobStorage& k) { k.shadow = !k.shadow; },
-        [](KnobStorage& k) { k.film = !k.film; },
-        [](KnobStorage& k) { k.cleanup = !k.cleanup; },
-        [](KnobStorage& k) {
-            k.cleanup_shrink = {k.cleanup_shrink[0] + 7.0, 0.0};
-        },
-        [](KnobStorage& k) {
-            k.cleanup_blur = {0.0, k.cleanup_blur[1] > 0 ? 0.0 : 2.0};
-        },
-        [](KnobStorage& k) { k.screen_orphans = (k.screen_orphans + 1) % 4; },
-        [](KnobStorage& k) {
-            k.screen_shrink = {k.screen_shrink[0] > 0 ? 0.0 : 1.0, k.screen_shrink[1]};
-        },
-        [](KnobStorage& k) {
-            k.screen_tolerance = {0.6f, 0.55f, 0.7f};
-        },
-        [](KnobStorage& k) { k.brights += 10.0f; },
-        [](KnobStorage& k) { k.spill_suppression = !k.spill_suppression; },
-        [](KnobStorage& k) { k.output_mode = (k.output_mode + 1) % 3; },
-        [](KnobStorage& k) { k.matte_scale = 1 - k.matte_scale; },
-        [](KnobStorage& k) { k.merge = 1 - k.merge; },
-    };
-    std::mt19937 random(11);
-    for (const bool inputs : {false, true}) {
-        Rig worked;
-        if (inputs) worked.connect_all();
-        for (int step = 0; step < 60; ++step) {
-            changes[random() % std::size(changes)](worked.knobs());
-            worked.update();
-            const test::Picture now = test::render(worked.node, 2);
-            // Controls of sections that are off keep their last values, which no pixel depends on.
-            Rig fresh;
-            if (inputs) fresh.connect_all();
-            fresh.knobs() = worked.knobs();
-            fresh.update();
-            ASSERT_TRUE(same_bits(now, test::render(fresh.node, 1))) << "step " << step;
-        }
-    }
-}
-
 struct Configuration {
-    const char* name;
     bool inputs;
-    void (*change)(KnobStorage&);
+    const char* settings;
 };
 
 const Configuration kConfigurations[] = {
-    {"default", false, [](KnobStorage&) {}},
-    {"clean plate", true, [](KnobStorage&) {}},
-    {"edge kernel", false, [](KnobStorage& k) { k.edge_kernel = 4.0f; }},
-    {"clean-up", false,
-     [](KnobStorage& k) {
-         k.cleanup = true;
-         k.cleanup_shrink = {1.5, 7.0};
-         k.cleanup_blur = {30.0, 2.0};
-     }},
-    {"film", false, [](KnobStorage& k) { k.film = true; }},
-    {"shadows", false, [](KnobStorage& k) { k.shadow = true; }},
-    {"colour conformance", false,
-     [](KnobStorage& k) {
-         k.color_conformance = true;
-         k.color_hue = 20.0f;
-     }},
-    {"everything", true, everything_on},
-    {"linear and added", true,
-     [](KnobStorage& k) {
-         k.matte_scale = k.merge = 1;
-         k.spill_suppression = false;
-     }},
-    {"sizes far beyond the frame", true,
-     [](KnobStorage& k) {
-         k.cleanup = true;
-         k.screen_shrink = k.cleanup_shrink = {1e9, 1e9};
-         k.edge_kernel = 1e9f;
-     }},
+    {false, ""},
+    {true, ""},
+    {false, "edge_kernel 4"},
+    {false, "cleanup 1; cleanup_shrink 1.5,7; cleanup_blur 30,2"},
+    {false, "film 1"},
+    {false, "shadow 1"},
+    {false, "color_conformance 1; color_hue 20"},
+    {true, kEverythingOn},
+    {true, "matte_scale linear; merge add; spill_suppression 0"},
+    {true, "cleanup 1; screen_shrink 1e9,1e9; cleanup_shrink 1e9,1e9; edge_kernel 1e9"},
 };
 
 const Box kFrames[] = {{0, 0, 1, 1}, {-3, 5, 0, 6}, {7, -20, 8, 21}, {-11, -7, 52, 60}};
@@ -333,8 +202,7 @@ float awkward(Channel c, int x, int y) {
 
 void configure(Rig& rig, const Configuration& configuration) {
     if (configuration.inputs) rig.connect_all();
-    configuration.change(rig.knobs());
-    rig.update();
+    rig.set(configuration.settings);
 }
 
 TEST(Graph, PixelsDoNotDependOnThreadsOrForms) {
@@ -352,7 +220,7 @@ TEST(Graph, PixelsDoNotDependOnThreadsOrForms) {
                 if (!supported(lanes)) continue;
                 for (const int threads : {1, 2, 3, 8}) {
                     EXPECT_TRUE(same_bits(plain, render(lanes, threads)))
-                        << configuration.name << ' ' << name_of(lanes) << ' ' << threads;
+                        << configuration.settings << ' ' << name_of(lanes) << ' ' << threads;
                 }
             }
         }

@@ -214,39 +214,29 @@ TEST(Output, TheTabActsOnBothPaths) {
 
 // With the foreground added, whatever made the matte what it is in the end.
 TEST(Output, TheFinalMatteDecidesWhatIsBackgroundAlone) {
-    using Change = void (*)(Rig&);
-    const std::pair<const char*, Change> stages[] = {
-        {"none", [](Rig&) {}},
-        {"clean-up", [](Rig& rig) { rig.knobs().cleanup = true; }},
-        {"clean-up, shrink, blur",
-         [](Rig& rig) {
-             rig.knobs().cleanup = true;
-             rig.knobs().cleanup_shrink = {10.0, 10.0};
-             rig.knobs().cleanup_blur = {2.0, 1.0};
-         }},
-        {"mattes",
-         [](Rig& rig) {
-             rig.node.set_input(3, &rig.gm);
-             rig.node.set_input(4, &rig.hm);
-         }},
-        {"shadows", [](Rig& rig) { rig.knobs().shadow = rig.knobs().cleanup = true; }},
-    };
+    const std::pair<bool, const char*> stages[] = {
+        {false, ""},
+        {false, "cleanup 1"},
+        {false, "cleanup 1; cleanup_shrink 10,10; cleanup_blur 2,1"},
+        {true, ""},
+        {false, "shadow 1; cleanup 1"}};
     const float backing[] = {0.0f, 0.2f, 0.65f, 0.3f};
     const auto half_even = [&](Channel c, int x, int y) {
         return x < 12 ? backing[static_cast<std::size_t>(c)] : green_screen(c, x, y);
     };
-    for (const auto& [stage, change] : stages) {
+    for (const auto& [mattes, stage] : stages) {
         for (int variant = 0; variant < 6; ++variant) {
             const int mode = variant % 3;
             const auto render = [&](const test::FunctionSource::Pixel& background) {
                 Rig rig({0, 0, 41, 31}, half_even);
-                change(rig);
+                if (mattes) rig.connect_all();
+                rig.node.set_input(1, nullptr);
                 test::FunctionSource other({0, 0, 41, 31}, kMaskRgba, background);
                 rig.node.set_input(2, &other);
                 rig.knobs().merge = 1;
                 rig.knobs().matte_scale = variant / 3;
                 rig.knobs().output_mode = mode;
-                rig.update();
+                rig.set(stage);
                 return test::render(rig.node, 2);
             };
             const auto light = [](Channel, int x, int y) { return static_cast<float>(x + y) * 0.01f; };

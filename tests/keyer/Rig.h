@@ -4,8 +4,11 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <sstream>
 #include <string>
+#include <vector>
 
+#include "ZoImage/KnobPanel.h"
 #include "keyer/VeloxaKeyer.h"
 #include "support/TestImages.h"
 
@@ -25,6 +28,13 @@ inline float green_screen(Channel c, int x, int y) {
     return skin[i] * edge + backing[i] * (1.0f - edge) + wave;
 }
 
+inline std::vector<std::string> split(const std::string& settings) {
+    std::vector<std::string> all;
+    std::istringstream list(settings);
+    for (std::string one; std::getline(list >> std::ws, one, ';');) all.push_back(one);
+    return all;
+}
+
 struct Rig {
     explicit Rig(const Box& frame = {0, 0, 41, 31}) : Rig(frame, green_screen) {}
     Rig(const Box& frame, const FunctionSource::Pixel& pixel)
@@ -41,6 +51,15 @@ struct Rig {
         knobs().screen_color = {0.2f, 0.65f, 0.3f};
     }
     KnobStorage& knobs() { return node.knob_values(); }
+    // Knobs as a user sets them: "shadow 1; shadows_blur 2,3".
+    void set(const std::string& settings) {
+        KnobPanel panel(node);
+        for (const std::string& one : split(settings)) {
+            const std::size_t blank = one.find(' ');
+            panel.set_from_text(one.substr(0, blank), one.substr(blank + 1));
+        }
+        update();
+    }
     // As a host does after knobs changed.
     void update() {
         node.invalidate();

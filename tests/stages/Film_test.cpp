@@ -99,25 +99,3 @@ TEST(Film, EqualsTheNaiveLoop) {
         }
     }
 }
-
-TEST(Film, HashesItsControlsAndBothInputs) {
-    Controls controls(1, 2, 3, 4);
-    test::FunctionSource image({0, 0, 2, 2}, kMaskRgba, [](Channel, int, int) { return 1.0f; });
-    test::FunctionSource matte({0, 0, 2, 2}, kMaskRgba, [](Channel, int, int) { return 0.0f; });
-    VlxFilmCorrection film(NodeContext{}, &controls.block);
-    film.set_input(0, &image);
-    film.set_input(1, &matte);
-    const auto changed_by = [&](auto change) {
-        film.setup();
-        const Hash before = film.hash();
-        change();
-        film.setup();
-        return film.hash() != before;
-    };
-    for (int i = 0; i < ControlBlock::kCount; ++i) {
-        const bool changed = changed_by([&] { controls.values[static_cast<std::size_t>(i)] += 1; });
-        EXPECT_EQ(changed, i >= 10 && i <= 13) << i;
-    }
-    EXPECT_TRUE(changed_by([&] { image.set_pixel({}); }));
-    EXPECT_TRUE(changed_by([&] { matte.set_pixel({}); }));
-}
