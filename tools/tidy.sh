@@ -1,10 +1,18 @@
 #!/usr/bin/env bash
-# Lints the sources with clang-tidy. Arguments are the files to look at; without any, all of them.
+# Lints the sources with clang-tidy. Arguments are the files to look at; without any, all of them. With --changed
+# those that differ from the main branch that this one left, or on that branch itself from the commit before.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-if [ $# -eq 0 ]; then
-    mapfile -t files < <(git ls-files -- 'zoimage/*.cpp' 'src/*.cpp' 'apps/*.cpp' 'ofx/*.cpp')
-    set -- "${files[@]}"
+sources=('zoimage/*.cpp' 'src/*.cpp' 'shot/*.cpp' 'plates/*.cpp' 'apps/*.cpp' 'ofx/*.cpp')
+files=("$@")
+if [ "${1:-}" = --changed ]; then
+    base=$(git merge-base HEAD origin/main 2>/dev/null || true)
+    [ -n "$base" ] && [ "$base" != "$(git rev-parse HEAD)" ] || base=$(git rev-parse -q --verify HEAD~1 || true)
+    [ -n "$base" ] || exit 0
+    mapfile -t files < <(git diff --name-only --diff-filter=d "$base" -- "${sources[@]}")
+    [ ${#files[@]} -gt 0 ] || exit 0
+elif [ $# -eq 0 ]; then
+    mapfile -t files < <(git ls-files -- "${sources[@]}")
 fi
-printf '%s\0' "$@" | xargs -0 -n 4 -P "$(nproc)" clang-tidy -p build --quiet
+printf '%s\0' "${files[@]}" | xargs -0 -n 4 -P "$(nproc)" clang-tidy -p build --quiet
