@@ -7,6 +7,7 @@
 #include <optional>
 #include <set>
 
+#include "lanes/Lanes.h"
 #include "screen/VlxBlurCU.h"
 #include "screen/VlxCleanup.h"
 #include "screen/VlxClearFrame.h"
@@ -220,6 +221,41 @@ TEST(Operators, HashListedControlsAndInputsInUse) {
             }
         }
     }
+}
+
+TEST(Operators, GiveTheSameBitsInEveryForm) {
+    const Lanes before = lanes_in_use();
+    for (const Case& c : kCases) {
+        for (const int width : {1, 37, 600}) {
+            const Box box{-3, 0, width - 3, 3};
+            const auto bits_in = [&](Lanes lanes) {
+                use_lanes(lanes);
+                Wired wired(c);
+                test::RoleInputs sources;
+                for (std::size_t n = 0; n < c.inputs.size(); ++n) {
+                    std::array<test::Plane, 4> planes{
+                        test::awkward_plane(box, 1), test::awkward_plane(box, 2 + static_cast<unsigned>(n)),
+                        test::awkward_plane(box, 7), test::awkward_plane(box, 8 + static_cast<unsigned>(n))};
+                    sources.push_back(std::make_unique<test::FunctionSource>(
+                        box, kMaskRgba, [planes = std::move(planes)](Channel channel, int x, int y) {
+                            return planes[static_cast<std::size_t>(channel - kRed)].at(x, y);
+                        }));
+                    wired.op->set_input(static_cast<int>(n), sources.back().get());
+                }
+                wired.hash();
+                std::vector<std::vector<std::uint32_t>> bits;
+                for (const auto& plane : test::render(*wired.op, box).planes)
+                    bits.push_back(test::bits(plane));
+                return bits;
+            };
+            const auto scalar = bits_in(Lanes::kScalar);
+            for (const Lanes lanes : kAllLanes) {
+                if (supported(lanes))
+                    EXPECT_TRUE(bits_in(lanes) == scalar) << c.name << name_of(lanes) << width;
+            }
+        }
+    }
+    use_lanes(before);
 }
 
 TEST(Operators, TheCrudeMattesShareTheirHelp) {
