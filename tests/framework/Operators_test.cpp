@@ -250,8 +250,8 @@ TEST(Operators, GiveTheSameBitsInEveryForm) {
             };
             const auto scalar = bits_in(Lanes::kScalar);
             for (const Lanes lanes : kAllLanes) {
-                if (supported(lanes))
-                    EXPECT_TRUE(bits_in(lanes) == scalar) << c.name << name_of(lanes) << width;
+                if (!supported(lanes)) continue;
+                EXPECT_TRUE(bits_in(lanes) == scalar) << c.name << ' ' << name_of(lanes) << ' ' << width;
             }
         }
     }
