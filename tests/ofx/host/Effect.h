@@ -1,21 +1,99 @@
-// Effects of the test host: their clips, the images that clips give out, and the action that a thread is in.
+// Effects of the test host: their parameters and clips, the images that clips give out, and the action that a
+// thread is in. Parameters have values with keys, locked call by call.
 #pragma once
 
 #include <atomic>
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
+#include <shared_mutex>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "abi/OfxImageEffect.h"
-#include "ofx/host/Params.h"
+#include "abi/OfxParam.h"
 #include "ofx/host/PropertySet.h"
 
 namespace ofxtest {
 
 class Clip;
+class ParamSet;
+
+class Param {
+  public:
+    // Numbers, or a text; both empty for parameters that hold nothing. Keys by time take the numbers' place.
+    struct Content {
+        std::vector<double> numbers{};
+        std::string text{};
+        std::map<double, std::vector<double>> keys{};
+        friend bool operator==(const Content&, const Content&) = default;
+    };
+
+    // As it is described; of a type that no host knows null.
+    static std::unique_ptr<Param> described(ParamSet& owner, const std::string& type,
+                                            const std::string& name);
+    // An instance's, at its default.
+    Param(ParamSet& owner, const Param& descriptor);
+
+    const std::string& name() const { return name_; }
+    const std::string& type() const { return type_; }
+    ParamSet& owner() const { return owner_; }
+    bool is_text() const { return type_ == kOfxParamTypeString; }
+    bool is_int() const { return type_ == kOfxParamTypeBoolean || type_ == kOfxParamTypeChoice; }
+    bool holds_value() const { return dimension_ > 0; }
+    int dimension() const { return dimension_; }
+    bool enabled() const { return props.int_at(kOfxParamPropEnabled) != 0; }
+
+    // Linear between keys, held beyond them; Booleans, choices and texts step. Without keys the value.
+    Content at(double time) const;
+    Content value() const { return at(0.0); }
+    // With the keys.
+    Content content() const;
+    void assign(const Content& content);
+    void set_key(double time, std::vector<double> numbers);
+
+    PropertySet props;
+
+  private:
+    Param(ParamSet& owner, std::string type, std::string name, int dimension)
+        : owner_(owner), type_(std::move(type)), name_(std::move(name)), dimension_(dimension) {}
+
+    ParamSet& owner_;
+    std::string type_;
+    std::string name_;
+    int dimension_;
+    mutable std::shared_mutex lock_;
+    Content content_;
+};
+
+class ParamSet {
+  public:
+    Param* find(const std::string& name) const;
+    Param& get(const std::string& name) const;
+    const std::vector<std::unique_ptr<Param>>& all() const { return params_; }
+    void add(std::unique_ptr<Param> param) { params_.push_back(std::move(param)); }
+
+    // What the plug-in sets, at a key's time if there is one: a step of its own, or part of the block that it
+    // opened.
+    void edit(Param& param, const Param::Content& content, const double* key);
+    // What was before each step.
+    using Step = std::vector<std::pair<Param*, Param::Content>>;
+    std::vector<Step> undo;
+    int open_blocks = 0;
+
+    std::set<std::string> refused_children;   // of pages, answered ErrValue
+    std::set<std::string> refused_types;      // answered ErrUnsupported
+    std::function<void(Param&)> when_edited;  // tells the plug-in of its own change
+    bool describing = false;
+    PropertySet* effect_props = nullptr;
+
+  private:
+    std::vector<std::unique_ptr<Param>> params_;
+};
+
+const OfxParameterSuiteV1& parameter_suite();
 
 // Pixels of a render at a scale, of this width over height, that cover a canonical rectangle; and back.
 OfxRectI pixels_of(const OfxRectD& canonical, double scale, double aspect = 1.0);
@@ -41,10 +119,10 @@ struct Call {
     double scale = 1.0;
     OfxRectI window{};
     std::string field = kOfxImageFieldNone;
-    std::map<std::string, OfxRectD> regions;  // of interest, canonical, by clip; none: all of the clip
+    std::map<std::string, OfxRectD> regions{};  // of interest, canonical, by clip; none: all of the clip
     Frame* output = nullptr;
 
-    static const Call* current() { return current_; }
+    static const Call& now();  // outside of actions one that may do nothing
     class Scope {
       public:
         explicit Scope(const Call* call) : outer_(std::exchange(current_, call)) {}
@@ -84,6 +162,9 @@ int channels_of(const std::string& components);
 class Image final : public PropertySet {
   public:
     Image(const Clip& clip, const OfxRectI& bounds, const OfxRectI& rod, double scale);
+    ~Image() { --held; }
+    Image(const Image&) = delete;
+    Image& operator=(const Image&) = delete;
 
     static std::atomic<int> held;  // not released
 
@@ -96,13 +177,11 @@ class Image final : public PropertySet {
 
   private:
     unsigned char* address(int x, int y, int c) const;
-    void store(unsigned char* at, float value) const;
-    float load(const unsigned char* at) const;
 
     OfxRectI bounds_;
     std::string depth_;
     int channels_;
-    std::ptrdiff_t bytes_;  // of a channel
+    std::size_t bytes_;  // of a channel
     std::ptrdiff_t row_bytes_;
     std::vector<unsigned char> memory_;
     unsigned char* first_;
@@ -111,7 +190,6 @@ class Image final : public PropertySet {
 class Clip {
   public:
     explicit Clip(const std::string& name);
-    Clip(const Clip& descriptor) = default;
 
     const std::string& name() const { return name_; }
     void connect(std::shared_ptr<const Source> source);
@@ -133,12 +211,11 @@ class Clip {
 // A descriptor or an instance.
 class Effect {
   public:
-    Effect();
+    Effect() { params.effect_props = &props; }
     virtual ~Effect() = default;
     Effect(const Effect&) = delete;
     Effect& operator=(const Effect&) = delete;
 
-    OfxImageEffectHandle handle() { return reinterpret_cast<OfxImageEffectHandle>(this); }
     Clip& clip(const std::string& name) const;
     Clip* find_clip(const std::string& name) const;
 

@@ -10,30 +10,6 @@
 
 namespace ofxtest {
 
-namespace {
-
-constexpr auto kPlugin = PropertySet::kPluginSets;
-
-void add_descriptor_properties(PropertySet& p) {
-    for (const char* text : {kOfxPropLabel, kOfxPropShortLabel, kOfxPropLongLabel, kOfxPropVersionLabel,
-                             kOfxPropPluginDescription, kOfxImageEffectPluginPropGrouping,
-                             kOfxImageEffectPluginRenderThreadSafety})
-        p.add(text, {std::string()}, kPlugin);
-    p.add(kOfxPropIcon, {std::string(), std::string()}, kPlugin);
-    p.add_list(kOfxPropVersion, 0, kPlugin);
-    for (const char* list : {kOfxImageEffectPropSupportedContexts, kOfxImageEffectPropSupportedPixelDepths,
-                             kOfxImageEffectPropClipPreferencesSlaveParam, kOfxPluginPropParamPageOrder})
-        p.add_list(list, std::string(), kPlugin);
-    for (const char* flag :
-         {kOfxImageEffectPluginPropHostFrameThreading, kOfxImageEffectPropSupportsTiles,
-          kOfxImageEffectPropSupportsMultiResolution, kOfxImageEffectPluginPropFieldRenderTwiceAlways,
-          kOfxImageEffectPluginPropSingleInstance, kOfxImageEffectPropTemporalClipAccess,
-          kOfxImageEffectPropSupportsMultipleClipDepths, kOfxImageEffectPropSupportsMultipleClipPARs})
-        p.add(flag, {1}, kPlugin);
-}
-
-}  // namespace
-
 Host::Host(const std::string& bundle, HostOptions options) : options_(std::move(options)) {
     for (const char* yes :
          {kOfxParamHostPropSupportsChoiceAnimation, kOfxParamHostPropSupportsBooleanAnimation}) {
@@ -44,19 +20,13 @@ Host::Host(const std::string& bundle, HostOptions options) : options_(std::move(
     const std::string binary = bundle + "/Contents/Linux-x86-64/" + name + ".ofx";
     library_ = dlopen(binary.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (library_ == nullptr) throw std::runtime_error(dlerror());
-    const auto symbol = [&]<class F>(F*& function, const char* what) {
-        function = reinterpret_cast<F*>(dlsym(library_, what));
-        if (function != nullptr) return;
-        dlclose(library_);
+    const auto symbol = [&](const char* what) {
+        if (void* found = dlsym(library_, what)) return found;
         throw std::runtime_error(std::string("the binary lacks ") + what);
     };
-    OfxStatus (*set_host)(const OfxHost*) = nullptr;
-    int (*number)() = nullptr;
-    symbol(set_host, "OfxSetHost");
-    symbol(number, "OfxGetNumberOfPlugins");
-    symbol(get_plugin_, "OfxGetPlugin");
-    set_host(&host_);
-    count_ = number();
+    get_plugin_ = reinterpret_cast<OfxPlugin* (*)(int)>(symbol("OfxGetPlugin"));
+    reinterpret_cast<OfxStatus (*)(const OfxHost*)>(symbol("OfxSetHost"))(&host_);
+    count_ = reinterpret_cast<int (*)()>(symbol("OfxGetNumberOfPlugins"))();
     plugin_ = get_plugin_(0);
     plugin_->setHost(&host_);
 }
@@ -69,24 +39,22 @@ Host::~Host() {
 const void* Host::fetch_suite(OfxPropertySetHandle handle, const char* name, int version) {
     static const std::map<std::string, const void*> suites{
         {"OfxPropertySuite 1", &property_suite()},        {"OfxImageEffectSuite 1", &image_effect_suite()},
-        {"OfxParameterSuite 1", &parameter_suite()},      {"OfxMessageSuite 1", &message_suite_1()},
-        {"OfxMultiThreadSuite 1", &multi_thread_suite()}, {"OfxMessageSuite 2", &message_suite_2()}};
+        {"OfxParameterSuite 1", &parameter_suite()},      {"OfxMessageSuite 1", &message_suite()},
+        {"OfxMultiThreadSuite 1", &multi_thread_suite()}, {"OfxMessageSuite 2", &message_suite()}};
     begin_call();
     // Of the host only its property set comes along: what it lacks is noted there.
     const PropertySet* props = PropertySet::from(handle);
-    if (props == nullptr) return nullptr;
     const std::string key = std::string(name) + ' ' + std::to_string(version);
-    if (props->has("missing " + key)) return nullptr;
     const auto found = suites.find(key);
-    return found != suites.end() ? found->second : nullptr;
+    return props == nullptr || props->has("missing " + key) || found == suites.end() ? nullptr
+                                                                                     : found->second;
 }
 
 OfxStatus Host::action(const char* name, Effect* effect, PropertySet* in, PropertySet* out,
                        const Call& call) {
     const Call::Scope scope(&call);
-    const OfxStatus status =
-        plugin_->mainEntry(name, effect != nullptr ? effect->handle() : nullptr,
-                           in != nullptr ? in->handle() : nullptr, out != nullptr ? out->handle() : nullptr);
+    const auto handle = [](PropertySet* set) { return set != nullptr ? set->handle() : nullptr; };
+    const OfxStatus status = plugin_->mainEntry(name, effect, handle(in), handle(out));
     begin_call();
     return status;
 }
@@ -97,15 +65,29 @@ OfxStatus Host::load() {
     loaded_ = loaded_ || status == kOfxStatOK;
     if (status != kOfxStatOK) return status;
     descriptor_ = std::make_unique<Effect>();
-    add_descriptor_properties(descriptor_->props);
+    PropertySet& p = descriptor_->props;
+    p.add_all({kOfxPropLabel, kOfxPropShortLabel, kOfxPropLongLabel, kOfxPropVersionLabel,
+               kOfxPropPluginDescription, kOfxImageEffectPluginPropGrouping,
+               kOfxImageEffectPluginRenderThreadSafety},
+              kText);
+    p.add_all({kOfxPropIcon}, kText, 2);
+    p.add_lists({kOfxPropVersion}, 0);
+    p.add_lists({kOfxImageEffectPropSupportedContexts, kOfxImageEffectPropSupportedPixelDepths,
+                 kOfxImageEffectPropClipPreferencesSlaveParam, kOfxPluginPropParamPageOrder},
+                kText);
+    p.add_all({kOfxImageEffectPluginPropHostFrameThreading, kOfxImageEffectPropSupportsTiles,
+               kOfxImageEffectPropSupportsMultiResolution, kOfxImageEffectPluginPropFieldRenderTwiceAlways,
+               kOfxImageEffectPluginPropSingleInstance, kOfxImageEffectPropTemporalClipAccess,
+               kOfxImageEffectPropSupportsMultipleClipDepths, kOfxImageEffectPropSupportsMultipleClipPARs},
+              1);
     status = action(kOfxActionDescribe, descriptor_.get());
     if (status != kOfxStatOK) return status;
     contexts_.clear();
-    const std::vector<std::string> theirs = descriptor_->props.strings(kOfxImageEffectPropSupportedContexts);
+    const std::vector<std::string> theirs = p.strings(kOfxImageEffectPropSupportedContexts);
     for (const std::string& context : options_.contexts) {
         if (std::find(theirs.begin(), theirs.end(), context) == theirs.end()) continue;
         auto effect = std::make_unique<Effect>();
-        effect->props = descriptor_->props;
+        effect->props = p;
         effect->params.refused_types = options_.refused_types;
         effect->params.refused_children = options_.refused_children;
         effect->params.describing = true;

@@ -57,7 +57,6 @@ class Host {
 
   private:
     static const void* fetch_suite(OfxPropertySetHandle host, const char* name, int version);
-    void close();
 
     HostOptions options_;
     PropertySet props_;
@@ -74,7 +73,7 @@ class Host {
 class Instance final : public Effect {
   public:
     Instance(Host& host, const std::string& context, Effect& descriptor);
-    ~Instance() override;
+    ~Instance() override { host_.action(kOfxActionDestroyInstance, this); }
 
     OfxStatus create();
     // Connects a clip, or with null disconnects it, and tells the plug-in. Output takes depth and components.

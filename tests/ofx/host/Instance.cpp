@@ -8,8 +8,10 @@ namespace ofxtest {
 
 namespace {
 
-void add_rect(PropertySet& p, const char* name, const OfxRectD& r) {
-    p.add(name, {r.x1, r.y1, r.x2, r.y2}, PropertySet::kPluginSets);
+constexpr auto kPlugin = PropertySet::kPluginSets;
+
+void add_rect(PropertySet& p, const std::string& name, const OfxRectD& r) {
+    p.add(name, {r.x1, r.y1, r.x2, r.y2}, kPlugin);
 }
 
 OfxRectD rect_of(const PropertySet& p, const std::string& name) {
@@ -23,11 +25,11 @@ PropertySet frame_arguments(double time, double scale) {
     return in;
 }
 
-Call frame_call(double scale) {
-    Call call;
-    call.per_frame = true;
-    call.scale = scale;
-    return call;
+PropertySet window_arguments(double time, double scale, const OfxRectI& w, const std::string& field) {
+    PropertySet in = frame_arguments(time, scale);
+    in.add(kOfxImageEffectPropFieldToRender, {field});
+    in.add(kOfxImageEffectPropRenderWindow, {w.x1, w.y1, w.x2, w.y2});
+    return in;
 }
 
 }  // namespace
@@ -35,8 +37,8 @@ Call frame_call(double scale) {
 Instance::Instance(Host& host, const std::string& context, Effect& descriptor) : host_(host) {
     props = descriptor.props;
     props.add(kOfxImageEffectPropContext, {context});
-    props.add(kOfxPropInstanceData, {static_cast<void*>(nullptr)}, PropertySet::kPluginSets);
-    props.add(kOfxPropParamSetNeedsSyncing, {1}, PropertySet::kPluginSets);
+    props.add(kOfxPropInstanceData, {static_cast<void*>(nullptr)}, kPlugin);
+    props.add(kOfxPropParamSetNeedsSyncing, {1}, kPlugin);
     for (const auto& clip : descriptor.clips) clips.push_back(std::make_unique<Clip>(*clip));
     for (const auto& param : descriptor.params.all()) params.add(std::make_unique<Param>(params, *param));
     params.when_edited = [this](Param& param) {
@@ -44,14 +46,9 @@ Instance::Instance(Host& host, const std::string& context, Effect& descriptor) :
     };
 }
 
-Instance::~Instance() {
-    host_.action(kOfxActionDestroyInstance, this);
-}
-
 OfxStatus Instance::create() {
-    Call call;
-    call.may_set_params = true;
-    const OfxStatus status = host_.action(kOfxActionCreateInstance, this, nullptr, nullptr, call);
+    const OfxStatus status =
+        host_.action(kOfxActionCreateInstance, this, nullptr, nullptr, {.may_set_params = true});
     created_ = true;
     return status;
 }
@@ -59,9 +56,7 @@ OfxStatus Instance::create() {
 void Instance::changed(const std::string& type, const std::string& name, const char* reason) {
     PropertySet in;
     in.add(kOfxPropChangeReason, {std::string(reason)});
-    Call call;
-    call.may_set_params = true;
-    call.scale = viewer_scale;
+    Call call{.may_set_params = true, .scale = viewer_scale};
     host_.action(kOfxActionBeginInstanceChanged, this, &in, nullptr, call);
     PropertySet what = frame_arguments(services().time, viewer_scale);
     what.add(kOfxPropType, {type});
@@ -123,20 +118,19 @@ OfxRectD Instance::region_of_definition(double time, double scale) {
         if (clip->is_output() || clip->props.int_at(kOfxImageClipPropOptional) != 0) continue;
         add_rect(out, kOfxImageEffectPropRegionOfDefinition, clip->rod());
     }
-    host_.action(kOfxImageEffectActionGetRegionOfDefinition, this, &in, &out, frame_call(scale));
+    host_.action(kOfxImageEffectActionGetRegionOfDefinition, this, &in, &out,
+                 {.per_frame = true, .scale = scale});
     return rect_of(out, kOfxImageEffectPropRegionOfDefinition);
 }
 
 std::optional<std::string> Instance::identity(const OfxRectI& w, double time, double scale) {
-    PropertySet in = frame_arguments(time, scale);
-    in.add(kOfxImageEffectPropFieldToRender, {std::string(kOfxImageFieldNone)});
-    in.add(kOfxImageEffectPropRenderWindow, {w.x1, w.y1, w.x2, w.y2});
+    PropertySet in = window_arguments(time, scale, w, kOfxImageFieldNone);
     PropertySet out;
-    out.add(kOfxPropName, {std::string()}, PropertySet::kPluginSets);
-    out.add(kOfxPropTime, {time}, PropertySet::kPluginSets);
-    const OfxStatus status =
-        host_.action(kOfxImageEffectActionIsIdentity, this, &in, &out, frame_call(scale));
-    if (status != kOfxStatOK) return std::nullopt;
+    out.add(kOfxPropName, {std::string()}, kPlugin);
+    out.add(kOfxPropTime, {time}, kPlugin);
+    const Call call{.per_frame = true, .scale = scale};
+    if (host_.action(kOfxImageEffectActionIsIdentity, this, &in, &out, call) != kOfxStatOK)
+        return std::nullopt;
     return out.string_at(kOfxPropName);
 }
 
@@ -146,9 +140,10 @@ std::map<std::string, OfxRectD> Instance::regions_of_interest(const OfxRectD& re
     add_rect(in, kOfxImageEffectPropRegionOfInterest, region);
     PropertySet out;
     for (const auto& clip : clips) {
-        if (!clip->is_output()) add_rect(out, (kOfxImageClipPropRoI_ + clip->name()).c_str(), region);
+        if (!clip->is_output()) add_rect(out, kOfxImageClipPropRoI_ + clip->name(), region);
     }
-    host_.action(kOfxImageEffectActionGetRegionsOfInterest, this, &in, &out, frame_call(scale));
+    host_.action(kOfxImageEffectActionGetRegionsOfInterest, this, &in, &out,
+                 {.per_frame = true, .scale = scale});
     std::map<std::string, OfxRectD> regions;
     for (const auto& clip : clips) {
         if (!clip->is_output()) regions[clip->name()] = rect_of(out, kOfxImageClipPropRoI_ + clip->name());
@@ -158,7 +153,6 @@ std::map<std::string, OfxRectD> Instance::regions_of_interest(const OfxRectD& re
 
 // Not before every clip that has to be connected is.
 void Instance::ask_preferences() {
-    constexpr auto kPlugin = PropertySet::kPluginSets;
     preferences = {};
     for (const auto& clip : clips) {
         if (clip->source() == nullptr && clip->props.int_at(kOfxImageClipPropOptional) == 0) return;
@@ -171,17 +165,12 @@ void Instance::ask_preferences() {
 
 OfxStatus Instance::render(Frame& frame, const OfxRectI& w, double time, double scale,
                            const std::string& field) {
-    Call call = frame_call(scale);
-    call.may_fetch = true;
-    call.window = w;
-    call.field = field;
+    Call call{.per_frame = true, .may_fetch = true, .scale = scale, .window = w, .field = field};
     call.output = &frame;
     if (host_.options().tiles) {
         call.regions = regions_of_interest(canonical_of(w, scale, aspect()), time, scale);
     }
-    PropertySet in = frame_arguments(time, scale);
-    in.add(kOfxImageEffectPropFieldToRender, {field});
-    in.add(kOfxImageEffectPropRenderWindow, {w.x1, w.y1, w.x2, w.y2});
+    PropertySet in = window_arguments(time, scale, w, field);
     return host_.action(kOfxImageEffectActionRender, this, &in, nullptr, call);
 }
 
@@ -191,13 +180,13 @@ OfxRectI Instance::window(double time, double scale) {
 
 void Instance::sequence(const char* action, double time, double scale) {
     PropertySet in = frame_arguments(time, scale);
-    host_.action(action, this, &in, nullptr, frame_call(scale));
+    host_.action(action, this, &in, nullptr, {.per_frame = true, .scale = scale});
 }
 
 Frame Instance::render(double time, double scale) {
     const OfxRectI w = window(time, scale);
-    Frame frame(
-        w, channels_of(clip(kOfxImageEffectOutputClipName).props.string_at(kOfxImageEffectPropComponents)));
+    const Clip& output = clip(kOfxImageEffectOutputClipName);
+    Frame frame(w, channels_of(output.props.string_at(kOfxImageEffectPropComponents)));
     sequence(kOfxImageEffectActionBeginSequenceRender, time, scale);
     const OfxStatus status = render(frame, w, time, scale);
     sequence(kOfxImageEffectActionEndSequenceRender, time, scale);

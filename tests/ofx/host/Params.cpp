@@ -1,77 +1,45 @@
-#include "ofx/host/Params.h"
-
 #include <algorithm>
+#include <cstdarg>
 #include <mutex>
 #include <stdexcept>
 
+#include "ofx/host/Effect.h"
+#include "ofx/host/Services.h"
+
 namespace ofxtest {
 
-namespace {
-
-// Values of each type; 0 for those that hold none.
-const std::map<std::string, int>& dimensions() {
-    static const std::map<std::string, int> table{{kOfxParamTypeDouble, 1},  {kOfxParamTypeDouble2D, 2},
-                                                  {kOfxParamTypeRGB, 3},     {kOfxParamTypeRGBA, 4},
-                                                  {kOfxParamTypeBoolean, 1}, {kOfxParamTypeChoice, 1},
-                                                  {kOfxParamTypeString, 1},  {kOfxParamTypeGroup, 0},
-                                                  {kOfxParamTypePage, 0},    {kOfxParamTypePushButton, 0}};
-    return table;
-}
-
-}  // namespace
-
-bool Param::is_text() const {
-    return type_ == kOfxParamTypeString;
-}
-
-bool Param::is_int() const {
-    return type_ == kOfxParamTypeBoolean || type_ == kOfxParamTypeChoice;
-}
-
-Param::Param(ParamSet& owner, std::string type, std::string name, int dimension)
-    : owner_(owner), type_(std::move(type)), name_(std::move(name)), dimension_(dimension) {}
-
 std::unique_ptr<Param> Param::described(ParamSet& owner, const std::string& type, const std::string& name) {
-    const auto known = dimensions().find(type);
-    if (known == dimensions().end()) return nullptr;
+    // Values of each type; 0 for those that hold none.
+    static const std::map<std::string, int> dimensions{
+        {kOfxParamTypeDouble, 1},    {kOfxParamTypeDouble2D, 2}, {kOfxParamTypeRGB, 3},
+        {kOfxParamTypeRGBA, 4},      {kOfxParamTypeBoolean, 1},  {kOfxParamTypeChoice, 1},
+        {kOfxParamTypeString, 1},    {kOfxParamTypeGroup, 0},    {kOfxParamTypePage, 0},
+        {kOfxParamTypePushButton, 0}};
+    const auto known = dimensions.find(type);
+    if (known == dimensions.end()) return nullptr;
     const int n = known->second;
     std::unique_ptr<Param> param(new Param(owner, type, name, n));
     PropertySet& p = param->props;
-    constexpr auto kPlugin = PropertySet::kPluginSets;
-    const auto each = [n](const Value& value) {
-        return std::vector<Value>(static_cast<std::size_t>(n), value);
-    };
-
-    for (const char* text : {kOfxPropLabel, kOfxParamPropScriptName, kOfxParamPropHint, kOfxParamPropParent})
-        p.add(text, {std::string()}, kPlugin);
-    p.add(kOfxParamPropSecret, {0}, kPlugin);
-    p.add(kOfxParamPropEnabled, {1}, kPlugin);
-    if (type == kOfxParamTypeGroup) p.add(kOfxParamPropGroupOpen, {1}, kPlugin);
-    if (type == kOfxParamTypePage) p.add_list(kOfxParamPropPageChild, std::string(), kPlugin);
+    p.add_all({kOfxPropLabel, kOfxParamPropScriptName, kOfxParamPropHint, kOfxParamPropParent}, kText);
+    p.add_all({kOfxParamPropSecret}, 0);
+    p.add_all({kOfxParamPropEnabled}, 1);
+    if (type == kOfxParamTypeGroup) p.add_all({kOfxParamPropGroupOpen}, 1);
+    if (type == kOfxParamTypePage) p.add_lists({kOfxParamPropPageChild}, kText);
     if (n == 0) return param;
 
     const bool number = !param->is_text() && !param->is_int();
-    p.add(kOfxParamPropAnimates, {number ? 1 : 0}, kPlugin);
+    p.add_all({kOfxParamPropAnimates}, number ? 1 : 0);
     p.add(kOfxParamPropIsAnimating, {0});
-    p.add(kOfxParamPropEvaluateOnChange, {1}, kPlugin);
-    p.add(kOfxParamPropDefault,
-          each(param->is_text()  ? Value(std::string())
-               : param->is_int() ? Value(0)
-                                 : Value(0.0)),
-          kPlugin);
-    if (type == kOfxParamTypeChoice) p.add_list(kOfxParamPropChoiceOption, std::string(), kPlugin);
+    p.add_all({kOfxParamPropEvaluateOnChange}, 1);
+    p.add_all({kOfxParamPropDefault}, number ? Value(0.0) : param->is_int() ? Value(0) : kText, n);
+    if (type == kOfxParamTypeChoice) p.add_lists({kOfxParamPropChoiceOption}, kText);
     if (!number) return param;
-    for (const char* limit :
-         {kOfxParamPropMin, kOfxParamPropDisplayMin, kOfxParamPropMax, kOfxParamPropDisplayMax})
-        p.add(limit, each(0.0), kPlugin);
-    if (type.starts_with(kOfxParamTypeDouble)) {
-        p.add(kOfxParamPropIncrement, {1.0}, kPlugin);
-        p.add(kOfxParamPropDigits, {2}, kPlugin);
-        p.add(kOfxParamPropDoubleType, {std::string()}, kPlugin);
-        p.add(kOfxParamPropDefaultCoordinateSystem, {std::string()}, kPlugin);
-        p.add(kOfxParamPropUseHostOverlayHandle, {0}, kPlugin);
-        if (n > 1) p.add(kOfxParamPropDimensionLabel, each(std::string()), kPlugin);
-    }
+    p.add_all({kOfxParamPropMin, kOfxParamPropDisplayMin, kOfxParamPropMax, kOfxParamPropDisplayMax}, 0.0, n);
+    if (!type.starts_with(kOfxParamTypeDouble)) return param;
+    p.add_all({kOfxParamPropIncrement}, 1.0);
+    p.add_all({kOfxParamPropDigits, kOfxParamPropUseHostOverlayHandle}, 0);
+    p.add_all({kOfxParamPropDoubleType, kOfxParamPropDefaultCoordinateSystem}, kText);
+    if (n > 1) p.add_all({kOfxParamPropDimensionLabel}, kText, n);
     return param;
 }
 
@@ -132,12 +100,8 @@ Param& ParamSet::get(const std::string& name) const {
     throw std::out_of_range("no parameter " + name);
 }
 
-Param* ParamSet::add(std::unique_ptr<Param> param) {
-    return params_.emplace_back(std::move(param)).get();
-}
-
 void ParamSet::edit(Param& param, const Param::Content& content, const double* key) {
-    if (open_blocks_ == 0) undo.emplace_back();
+    if (open_blocks == 0) undo.emplace_back();
     undo.back().emplace_back(&param, param.content());
     if (key != nullptr) {
         param.set_key(*key, content.numbers);
@@ -147,18 +111,129 @@ void ParamSet::edit(Param& param, const Param::Content& content, const double* k
     if (when_edited) when_edited(param);
 }
 
-OfxStatus ParamSet::begin_edit() {
-    if (open_blocks_++ == 0) undo.emplace_back();
+namespace {
+
+OfxStatus define(OfxParamSetHandle handle, const char* type, const char* name, OfxPropertySetHandle* props) {
+    auto& set = behind<ParamSet>(handle);
+    if (!set.describing) note_fault(std::string("defines outside a describe action: ") + name);
+    if (set.refused_types.count(type) != 0) return kOfxStatErrUnsupported;
+    if (set.find(name) != nullptr)
+        return note_fault(std::string("defines twice: ") + name, kOfxStatErrExists);
+    auto param = Param::described(set, type, name);
+    if (!param) return kOfxStatErrUnknown;
+    if (param->type() == kOfxParamTypePage) param->props.refused = set.refused_children;
+    if (props != nullptr) *props = param->props.handle();
+    set.add(std::move(param));
     return kOfxStatOK;
 }
 
-OfxStatus ParamSet::end_edit() {
-    if (open_blocks_ == 0) {
-        note_fault("ends an edit that was not begun");
-        return kOfxStatFailed;
-    }
-    if (--open_blocks_ == 0 && undo.back().empty()) undo.pop_back();
+OfxStatus get_handle(OfxParamSetHandle set, const char* name, OfxParamHandle* param,
+                     OfxPropertySetHandle* props) {
+    return hand_out(behind<ParamSet>(set).find(name), param, props);
+}
+
+OfxStatus set_properties(OfxParamSetHandle set, OfxPropertySetHandle* props) {
+    *props = behind<ParamSet>(set).effect_props->handle();
     return kOfxStatOK;
+}
+
+OfxStatus give(OfxParamHandle handle, double time, std::va_list out) {
+    begin_call();
+    const auto& param = behind<Param>(handle);
+    if (!param.holds_value())
+        return note_fault("reads a parameter without a value: " + param.name(), kOfxStatErrUnsupported);
+    const Param::Content content = param.at(time);
+    if (param.is_text()) {
+        if (Call::now().per_frame) note_fault("reads a text that its user may be editing");
+        *va_arg(out, char**) = lend_string(content.text);
+    }
+    for (const double number : content.numbers) {
+        if (param.is_int()) {
+            *va_arg(out, int*) = static_cast<int>(number);
+        } else {
+            *va_arg(out, double*) = number;
+        }
+    }
+    return kOfxStatOK;
+}
+
+OfxStatus take(OfxParamHandle handle, const OfxTime* key, std::va_list in) {
+    begin_call();
+    auto& param = behind<Param>(handle);
+    if (!Call::now().may_set_params) note_fault("sets a parameter at the wrong time: " + param.name());
+    if (!param.holds_value())
+        return note_fault("sets a parameter without a value: " + param.name(), kOfxStatErrUnsupported);
+    Param::Content content;
+    if (param.is_text()) content.text = va_arg(in, const char*);
+    for (int i = 0; i < param.dimension() && !param.is_text(); ++i)
+        content.numbers.push_back(param.is_int() ? va_arg(in, int) : va_arg(in, double));
+    param.owner().edit(param, content, key);
+    return kOfxStatOK;
+}
+
+OfxStatus get_value(OfxParamHandle handle, ...) {
+    if (Call::now().per_frame) note_fault("reads a value without the frame's time");
+    std::va_list out;
+    va_start(out, handle);
+    const OfxStatus status = give(handle, services().time, out);
+    va_end(out);
+    return status;
+}
+
+OfxStatus get_value_at(OfxParamHandle handle, OfxTime time, ...) {
+    std::va_list out;
+    va_start(out, time);
+    const OfxStatus status = give(handle, time, out);
+    va_end(out);
+    return status;
+}
+
+OfxStatus set_value(OfxParamHandle handle, ...) {
+    std::va_list in;
+    va_start(in, handle);
+    const OfxStatus status = take(handle, nullptr, in);
+    va_end(in);
+    return status;
+}
+
+OfxStatus set_value_at(OfxParamHandle handle, OfxTime time, ...) {
+    std::va_list in;
+    va_start(in, time);
+    const OfxStatus status = take(handle, &time, in);
+    va_end(in);
+    return status;
+}
+
+OfxStatus edit_begin(OfxParamSetHandle handle, const char*) {
+    auto& set = behind<ParamSet>(handle);
+    if (set.open_blocks++ == 0) set.undo.emplace_back();
+    return kOfxStatOK;
+}
+
+OfxStatus edit_end(OfxParamSetHandle handle) {
+    auto& set = behind<ParamSet>(handle);
+    if (set.open_blocks == 0) return note_fault("ends an edit that was not begun");
+    if (--set.open_blocks == 0 && set.undo.back().empty()) set.undo.pop_back();
+    return kOfxStatOK;
+}
+
+}  // namespace
+
+const OfxParameterSuiteV1& parameter_suite() {
+    static const OfxParameterSuiteV1 suite = [] {
+        OfxParameterSuiteV1 s{};
+        s.paramDefine = entered<define>;
+        s.paramGetHandle = entered<get_handle>;
+        s.paramSetGetPropertySet = entered<set_properties>;
+        s.paramGetValue = get_value;
+        s.paramGetValueAtTime = get_value_at;
+        s.paramSetValue = set_value;
+        s.paramSetValueAtTime = set_value_at;
+        s.paramEditBegin = entered<edit_begin>;
+        s.paramEditEnd = entered<edit_end>;
+        return s;
+    }();
+    return suite;
 }
 
 }  // namespace ofxtest

@@ -16,9 +16,10 @@ thread_local std::deque<std::string> lent;
 
 }  // namespace
 
-void note_fault(const std::string& text) {
+OfxStatus note_fault(const std::string& text, OfxStatus reply) {
     const std::lock_guard lock(faults_lock);
     faults += text + '\n';
+    return reply;
 }
 
 std::string take_faults() {
@@ -40,26 +41,19 @@ void PropertySet::add(const std::string& name, std::vector<Value> values, Access
     properties_[name] = {std::move(values), type, false, access};
 }
 
-void PropertySet::add_list(const std::string& name, const Value& type, Access access) {
-    properties_[name] = {{}, type.index(), true, access};
+void PropertySet::add_all(Names names, const Value& value, int n) {
+    for (const char* name : names)
+        add(name, std::vector<Value>(static_cast<std::size_t>(n), value), kPluginSets);
 }
 
-void PropertySet::put(const std::string& name, std::vector<Value> values) {
-    properties_.at(name).values = std::move(values);
-}
-
-int PropertySet::size(const std::string& name) const {
-    return has(name) ? static_cast<int>(properties_.at(name).values.size()) : 0;
+void PropertySet::add_lists(Names names, const Value& type) {
+    for (const char* name : names) properties_[name] = {{}, type.index(), true, kPluginSets};
 }
 
 std::vector<std::string> PropertySet::strings(const std::string& name) const {
     std::vector<std::string> result;
-    for (int i = 0; i < size(name); ++i) result.push_back(string_at(name, i));
+    for (int i = 0; has(name) && i < size(name); ++i) result.push_back(string_at(name, i));
     return result;
-}
-
-const Value& PropertySet::at(const std::string& name, int i) const {
-    return properties_.at(name).values.at(static_cast<std::size_t>(i));
 }
 
 PropertySet* PropertySet::from(OfxPropertySetHandle handle) {
@@ -71,97 +65,75 @@ PropertySet* PropertySet::from(OfxPropertySetHandle handle) {
 
 OfxStatus PropertySet::set(const char* name, int index, const Value& value) {
     const auto found = properties_.find(name);
-    if (found == properties_.end()) {
-        note_fault(std::string("sets unknown property ") + name);
-        return kOfxStatErrUnknown;
-    }
-    Property& property = found->second;
-    if (property.type != value.index() || property.access == kHostSets) {
-        note_fault(std::string("sets property of other type or of the host, ") + name);
-        return kOfxStatErrValue;
-    }
+    if (found == properties_.end())
+        return note_fault(std::string("sets unknown property ") + name, kOfxStatErrUnknown);
+    Property& p = found->second;
+    if (p.type != value.index() || p.access == kHostSets)
+        return note_fault(std::string("sets property of other type or of the host, ") + name,
+                          kOfxStatErrValue);
     if (!refused.empty() && refused.count(std::get<std::string>(value)) != 0) return kOfxStatErrValue;
     const auto i = static_cast<std::size_t>(index);
-    if (index < 0 || i > property.values.size() || (i == property.values.size() && !property.any_length)) {
-        note_fault(std::string("sets beyond the end of ") + name);
-        return kOfxStatErrBadIndex;
-    }
-    if (i == property.values.size()) property.values.emplace_back();
-    property.values[i] = value;
+    if (p.any_length && i == p.values.size()) p.values.emplace_back();
+    if (i >= p.values.size())
+        return note_fault(std::string("sets beyond the end of ") + name, kOfxStatErrBadIndex);
+    p.values[i] = value;
     return kOfxStatOK;
 }
 
 OfxStatus PropertySet::get(const char* name, int index, Value& value) const {
     const auto found = properties_.find(name);
     if (found == properties_.end()) return kOfxStatErrUnknown;
-    const Property& property = found->second;
-    if (property.type != value.index()) {
-        note_fault(std::string("reads property of another type, ") + name);
-        return kOfxStatErrUnknown;
-    }
-    if (index < 0 || static_cast<std::size_t>(index) >= property.values.size()) return kOfxStatErrBadIndex;
-    value = property.values[static_cast<std::size_t>(index)];
+    const Property& p = found->second;
+    if (p.type != value.index())
+        return note_fault(std::string("reads property of another type, ") + name, kOfxStatErrUnknown);
+    if (static_cast<std::size_t>(index) >= p.values.size()) return kOfxStatErrBadIndex;
+    value = p.values[static_cast<std::size_t>(index)];
     return kOfxStatOK;
 }
 
 namespace {
 
-// How the plain types of the suite become values and come back.
-template <class T>
-Value to_value(T value) {
-    return value;
-}
-Value to_value(const char* value) {
-    return std::string(value);
-}
-template <class T>
-void from_value(const Value& value, T& out) {
-    out = std::get<T>(value);
-}
-void from_value(const Value& value, char*& out) {
-    out = lend_string(std::get<std::string>(value));
-}
-
-template <class T>
+template <class Stored, class T = Stored>
 OfxStatus set_one(OfxPropertySetHandle properties, const char* name, int index, T value) {
     begin_call();
     PropertySet* set = PropertySet::from(properties);
-    return set != nullptr ? set->set(name, index, to_value(value)) : kOfxStatErrBadHandle;
+    return set != nullptr ? set->set(name, index, Stored(value)) : kOfxStatErrBadHandle;
 }
 
 OfxStatus set_doubles(OfxPropertySetHandle properties, const char* name, int count, const double* values) {
     OfxStatus status = kOfxStatOK;
-    for (int i = 0; i < count && status == kOfxStatOK; ++i) status = set_one(properties, name, i, values[i]);
+    for (int i = 0; i < count && status == kOfxStatOK; ++i)
+        status = set_one<double>(properties, name, i, values[i]);
     return status;
 }
 
-template <class T, class Stored = T>
+template <class Stored, class T = Stored>
 OfxStatus get_one(OfxPropertySetHandle properties, const char* name, int index, T* out) {
     begin_call();
     const PropertySet* set = PropertySet::from(properties);
-    if (set == nullptr) return kOfxStatErrBadHandle;
     Value value = Stored{};
-    const OfxStatus status = set->get(name, index, value);
-    if (status == kOfxStatOK) from_value(value, *out);
-    return status;
+    const OfxStatus status = set != nullptr ? set->get(name, index, value) : kOfxStatErrBadHandle;
+    if (status != kOfxStatOK) return status;
+    if constexpr (std::is_same_v<T, char*>) {
+        *out = lend_string(std::get<std::string>(value));
+    } else {
+        *out = std::get<T>(value);
+    }
+    return kOfxStatOK;
 }
 
 }  // namespace
 
 const OfxPropertySuiteV1& property_suite() {
-    static const OfxPropertySuiteV1 suite = [] {
-        OfxPropertySuiteV1 s{};
-        s.propSetPointer = set_one<void*>;
-        s.propSetString = set_one<const char*>;
-        s.propSetDouble = set_one<double>;
-        s.propSetInt = set_one<int>;
-        s.propSetDoubleN = set_doubles;
-        s.propGetPointer = get_one<void*>;
-        s.propGetString = get_one<char*, std::string>;
-        s.propGetDouble = get_one<double>;
-        s.propGetInt = get_one<int>;
-        return s;
-    }();
+    static const OfxPropertySuiteV1 suite{set_one<void*>,  set_one<std::string, const char*>,
+                                          set_one<double>, set_one<int>,
+                                          nullptr,         nullptr,
+                                          set_doubles,     nullptr,
+                                          get_one<void*>,  get_one<std::string, char*>,
+                                          get_one<double>, get_one<int>,
+                                          nullptr,         nullptr,
+                                          nullptr,         nullptr,
+                                          nullptr,         nullptr};
     return suite;
 }
 

@@ -6,11 +6,9 @@
 // The suites of this host have the functions that the plug-in calls; where there is none a table holds null.
 #pragma once
 
-#include <cstdint>
 #include <map>
 #include <set>
 #include <string>
-#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -19,34 +17,36 @@
 namespace ofxtest {
 
 // Whatever a plug-in does that a host may not put up with: unknown properties, wrong types, illegal moments.
-// Any thread. take_faults gives what was noted since, a line each.
-void note_fault(const std::string& text);
+// Any thread; gives the reply back. take_faults gives what was noted since, a line each.
+OfxStatus note_fault(const std::string& text, OfxStatus reply = kOfxStatFailed);
 std::string take_faults();
 
 using Value = std::variant<void*, std::string, double, int>;
+inline const Value kText = std::string();
+using Names = std::initializer_list<const char*>;
 
 class PropertySet {
   public:
     enum Access { kHostSets, kPluginSets };
 
-    PropertySet() = default;
-    PropertySet(const PropertySet&) = default;
-    PropertySet& operator=(const PropertySet&) = default;
     ~PropertySet() { magic_ = 0; }
 
     // A property of as many values; these are its defaults.
     void add(const std::string& name, std::vector<Value> values, Access access = kHostSets);
-    // One of any length, empty at first; `type` is any value of its type.
-    void add_list(const std::string& name, const Value& type, Access access = kHostSets);
+    // What a plug-in sets: properties of `n` such values each, and of any length, empty at first.
+    void add_all(Names names, const Value& value, int n = 1);
+    void add_lists(Names names, const Value& type);
     // Sets values of a property that exists.
-    void put(const std::string& name, std::vector<Value> values);
+    void put(const std::string& name, std::vector<Value> values) {
+        properties_.at(name).values = std::move(values);
+    }
 
     bool has(const std::string& name) const { return properties_.count(name) != 0; }
-    int size(const std::string& name) const;
-    int int_at(const std::string& name, int i = 0) const { return std::get<int>(at(name, i)); }
-    double double_at(const std::string& name, int i = 0) const { return std::get<double>(at(name, i)); }
+    int size(const std::string& name) const { return static_cast<int>(properties_.at(name).values.size()); }
+    int int_at(const std::string& name, int i = 0) const { return at<int>(name, i); }
+    double double_at(const std::string& name, int i = 0) const { return at<double>(name, i); }
     const std::string& string_at(const std::string& name, int i = 0) const {
-        return std::get<std::string>(at(name, i));
+        return at<std::string>(name, i);
     }
     std::vector<std::string> strings(const std::string& name) const;
 
@@ -67,10 +67,13 @@ class PropertySet {
         Access access = kHostSets;
     };
 
-    const Value& at(const std::string& name, int i) const;
+    template <class T>
+    const T& at(const std::string& name, int i) const {
+        return std::get<T>(properties_.at(name).values.at(static_cast<std::size_t>(i)));
+    }
 
-    static constexpr std::uint32_t kMagic = 0x0f5e7000;
-    std::uint32_t magic_ = kMagic;
+    static constexpr unsigned kMagic = 0x0f5e7000;
+    unsigned magic_ = kMagic;
     std::map<std::string, Property, std::less<>> properties_;
 };
 
@@ -78,6 +81,28 @@ class PropertySet {
 char* lend_string(std::string text);
 // Every function of every suite begins with this.
 void begin_call();
+
+// The object behind a handle.
+template <class T, class Handle>
+T& behind(Handle handle) {
+    return *reinterpret_cast<T*>(handle);
+}
+
+// What asks for an object by name replies.
+template <class T, class Handle>
+OfxStatus hand_out(T* found, Handle* handle, OfxPropertySetHandle* props) {
+    if (found == nullptr) return kOfxStatErrUnknown;
+    *handle = reinterpret_cast<Handle>(found);
+    if (props != nullptr) *props = found->props.handle();
+    return kOfxStatOK;
+}
+
+// A function of a suite, with begin_call before it.
+template <auto kFunction>
+inline constexpr auto entered = [](auto... arguments) {
+    begin_call();
+    return kFunction(arguments...);
+};
 
 const OfxPropertySuiteV1& property_suite();
 

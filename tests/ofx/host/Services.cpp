@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "ofx/host/Effect.h"
-#include "ofx/host/PropertySet.h"
 
 namespace ofxtest {
 
@@ -31,68 +30,51 @@ std::vector<std::string> Services::take_messages() {
     return std::exchange(messages, {});
 }
 
-void Services::add_message(std::string text) {
-    const std::lock_guard lock(messages_lock);
-    messages.push_back(std::move(text));
-}
-
 namespace {
 
 OfxStatus multi_thread(OfxThreadFunctionV1 function, unsigned count, void* argument) {
-    begin_call();
     if (spawned) return kOfxStatErrExists;
     if (services().threads_fail) return kOfxStatFailed;
     ++services().parallel_calls;
     const unsigned jobs = std::min(count, static_cast<unsigned>(services().threads));
-    const Call* call = Call::current();
+    const Call* call = &Call::now();
     const auto work = [&](unsigned i) {
         const Call::Scope scope(call);
         spawned = true;
         function(i, jobs, argument);
         spawned = false;
     };
-    if (jobs == 1) {
-        work(0);
-        return kOfxStatOK;
-    }
     std::vector<std::jthread> threads;
-    for (unsigned i = 0; i < jobs; ++i) threads.emplace_back(work, i);
+    for (unsigned i = 0; jobs > 1 && i < jobs; ++i) threads.emplace_back(work, i);
+    if (jobs == 1) work(0);
     return kOfxStatOK;
 }
 
 OfxStatus cpus(unsigned* count) {
-    begin_call();
     *count = static_cast<unsigned>(services().threads);
     return kOfxStatOK;
 }
 
-void note_message(const char* mark, const char* type, const char* format, std::va_list values) {
+void note_message(std::string text) {
+    const std::lock_guard lock(messages_lock);
+    messages.push_back(std::move(text));
+}
+
+template <bool kPersistent>
+OfxStatus message(void* effect, const char* type, const char*, const char* format, ...) {
     begin_call();
+    if (kPersistent && effect == nullptr) note_fault("persistent message without an instance");
     char text[1024];
+    std::va_list values;
+    va_start(values, format);
     std::vsnprintf(text, sizeof text, format, values);
-    services().add_message(mark + std::string(type) + ": " + text);
-}
-
-OfxStatus message(void*, const char* type, const char*, const char* format, ...) {
-    std::va_list values;
-    va_start(values, format);
-    note_message("", type, format, values);
     va_end(values);
-    return kOfxStatOK;
-}
-
-OfxStatus set_persistent(void* effect, const char* type, const char*, const char* format, ...) {
-    if (effect == nullptr) note_fault("persistent message without an instance");
-    std::va_list values;
-    va_start(values, format);
-    note_message("*", type, format, values);
-    va_end(values);
+    note_message((kPersistent ? "*" : "") + std::string(type) + ": " + text);
     return kOfxStatOK;
 }
 
 OfxStatus clear_persistent(void*) {
-    begin_call();
-    services().add_message("*cleared");
+    note_message("*cleared");
     return kOfxStatOK;
 }
 
@@ -101,20 +83,15 @@ OfxStatus clear_persistent(void*) {
 const OfxMultiThreadSuiteV1& multi_thread_suite() {
     static const OfxMultiThreadSuiteV1 suite = [] {
         OfxMultiThreadSuiteV1 s{};
-        s.multiThread = multi_thread;
-        s.multiThreadNumCPUs = cpus;
+        s.multiThread = entered<multi_thread>;
+        s.multiThreadNumCPUs = entered<cpus>;
         return s;
     }();
     return suite;
 }
 
-const OfxMessageSuiteV1& message_suite_1() {
-    static const OfxMessageSuiteV1 suite{message};
-    return suite;
-}
-
-const OfxMessageSuiteV2& message_suite_2() {
-    static const OfxMessageSuiteV2 suite{message, set_persistent, clear_persistent};
+const OfxMessageSuiteV2& message_suite() {
+    static const OfxMessageSuiteV2 suite{message<false>, message<true>, entered<clear_persistent>};
     return suite;
 }
 

@@ -20,12 +20,10 @@ struct Services {
 
     // "type: text" each, persistent ones with a star; any thread.
     std::vector<std::string> take_messages();
-    void add_message(std::string text);
 };
 Services& services();
 
 const OfxMultiThreadSuiteV1& multi_thread_suite();
-const OfxMessageSuiteV1& message_suite_1();
-const OfxMessageSuiteV2& message_suite_2();
+const OfxMessageSuiteV2& message_suite();  // the first version is its beginning
 
 }  // namespace ofxtest
