@@ -2,7 +2,6 @@
 #include <sstream>
 
 #include "ofx/Scene.h"
-#include "ofx/host/Services.h"
 
 namespace ofxtest {
 namespace {

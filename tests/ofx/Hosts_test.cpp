@@ -8,7 +8,6 @@
 #include <thread>
 
 #include "ofx/Scene.h"
-#include "ofx/host/Services.h"
 
 namespace ofxtest {
 namespace {

@@ -6,7 +6,6 @@
 #include <thread>
 
 #include "ofx/Scene.h"
-#include "ofx/host/Services.h"
 
 namespace ofxtest {
 namespace {

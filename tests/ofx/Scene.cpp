@@ -6,8 +6,6 @@
 #include <cstring>
 #include <sstream>
 
-#include "ofx/host/Services.h"
-
 namespace ofxtest {
 
 using namespace Zo::Image;

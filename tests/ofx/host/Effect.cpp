@@ -1,10 +1,8 @@
 #include "ofx/host/Effect.h"
 
 #include <algorithm>
-#include <climits>
 #include <cmath>
 #include <cstring>
-#include <stdexcept>
 
 namespace ofxtest {
 
@@ -12,10 +10,6 @@ namespace {
 
 constexpr unsigned char kUnwritten = 0xA7;
 constexpr std::size_t kPadding = 5;  // channels at the end of a row
-
-OfxRectI shared(const OfxRectI& a, const OfxRectI& b) {
-    return {std::max(a.x1, b.x1), std::max(a.y1, b.y1), std::min(a.x2, b.x2), std::min(a.y2, b.y2)};
-}
 
 // A row of the field that stands for this one; the lower field has the even rows.
 int line_of(int y, const std::string& field) {
@@ -33,19 +27,8 @@ OfxRectD canonical_of(const OfxRectI& p, double scale, double aspect) {
     return {p.x1 * aspect / scale, p.y1 / scale, p.x2 * aspect / scale, p.y2 / scale};
 }
 
-Frame::Frame(const OfxRectI& b, int channel_count)
-    : box(b),
-      channels(channel_count),
-      values(static_cast<std::size_t>((b.x2 - b.x1) * (b.y2 - b.y1) * channel_count)) {}
-
-float& Frame::at(int x, int y, int c) {
-    return values[static_cast<std::size_t>(((y - box.y1) * (box.x2 - box.x1) + x - box.x1) * channels + c)];
-}
-
-const Call& Call::now() {
-    static const Call outside;
-    return current_ != nullptr ? *current_ : outside;
-}
+thread_local const Call* Call::current = nullptr;
+const Call Call::kOutside;
 
 double white_of(const std::string& depth) {
     return depth == kOfxBitDepthByte ? 255.0 : depth == kOfxBitDepthShort ? 65535.0 : 1.0;
@@ -123,73 +106,6 @@ void Image::collect(const Call& call, Frame& frame) const {
     const std::ptrdiff_t all = std::count(memory_.begin(), memory_.end(), kUnwritten);
     if (all - unwritten != static_cast<std::ptrdiff_t>(memory_.size()) - window)
         note_fault("writes beside the render window or its field");
-}
-
-Clip::Clip(const std::string& name) : name_(name) {
-    props.add_all({kOfxPropLabel, kOfxImageClipPropFieldExtraction}, kText);
-    props.add_lists({kOfxImageEffectPropSupportedComponents}, kText);
-    props.add_all({kOfxImageClipPropOptional, kOfxImageClipPropIsMask, kOfxImageEffectPropTemporalClipAccess,
-                   kOfxImageEffectPropSupportsTiles},
-                  0);
-    props.add(kOfxImageClipPropConnected, {0});
-    props.add(kOfxImageEffectPropPixelDepth, {std::string(kOfxBitDepthNone)});
-    props.add(kOfxImageEffectPropComponents, {std::string(kOfxImageComponentNone)});
-    props.add(kOfxImagePropPixelAspectRatio, {1.0});
-}
-
-void Clip::connect(std::shared_ptr<const Source> source) {
-    source_ = std::move(source);
-    static std::atomic<int> connections{0};
-    connection_ = ++connections;
-    const Source& s =
-        source_ ? *source_ : Source{.depth = kOfxBitDepthNone, .components = kOfxImageComponentNone};
-    const auto known = props.strings(kOfxImageEffectPropSupportedComponents);
-    if (source_ && std::find(known.begin(), known.end(), s.components) == known.end())
-        note_fault(name_ + " does not take " + s.components);
-    props.put(kOfxImageClipPropConnected, {source_ ? 1 : 0});
-    props.put(kOfxImageEffectPropPixelDepth, {s.depth});
-    props.put(kOfxImageEffectPropComponents, {s.components});
-    props.put(kOfxImagePropPixelAspectRatio, {s.aspect});
-}
-
-OfxRectD Clip::rod() const {
-    if (!source_) return {};
-    if (source_->endless) return {INT_MIN, INT_MIN, INT_MAX, INT_MAX};
-    return canonical_of(source_->box, 1.0, aspect());
-}
-
-OfxStatus Clip::fetch(double time, const OfxRectD* region, OfxPropertySetHandle* image) const {
-    const Call& call = Call::now();
-    if (!call.may_fetch) return note_fault("fetches an image at the wrong time: " + name_);
-    if (!source_ || source_->fails) return kOfxStatFailed;
-    const double scale = source_->scaled ? call.scale : 1.0;
-    const OfxRectI rod = pixels_of(this->rod(), scale, aspect());
-    const auto asked = call.regions.find(name_);
-    if (region == nullptr && asked != call.regions.end()) region = &asked->second;
-    OfxRectI bounds = region != nullptr ? shared(rod, pixels_of(*region, scale, aspect())) : rod;
-    const OfxRectI& w = call.window;
-    if (is_output()) bounds = {w.x1 - 3, w.y1 - 2, w.x2 + 1, w.y2 + 4};  // a little more than the window
-    const int n = source_->missing;
-    auto made = std::make_unique<Image>(
-        *this, OfxRectI{bounds.x1 + n, bounds.y1 + n, bounds.x2 - n, bounds.y2 - n}, rod, scale);
-    if (!is_output()) {
-        if (source_->identified)
-            made->add(kOfxImagePropUniqueIdentifier, {name_ + std::to_string(connection_)});
-        made->fill(*source_, time, call.field);
-    }
-    *image = made.release()->handle();
-    return kOfxStatOK;
-}
-
-Clip* Effect::find_clip(const std::string& name) const {
-    const auto found =
-        std::find_if(clips.begin(), clips.end(), [&](const auto& c) { return c->name() == name; });
-    return found != clips.end() ? found->get() : nullptr;
-}
-
-Clip& Effect::clip(const std::string& name) const {
-    if (Clip* found = find_clip(name)) return *found;
-    throw std::out_of_range("no clip " + name);
 }
 
 namespace {

@@ -6,8 +6,6 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "ofx/host/Services.h"
-
 namespace ofxtest {
 
 Host::Host(const std::string& bundle, HostOptions options) : options_(std::move(options)) {
@@ -52,9 +50,10 @@ const void* Host::fetch_suite(OfxPropertySetHandle handle, const char* name, int
 
 OfxStatus Host::action(const char* name, Effect* effect, PropertySet* in, PropertySet* out,
                        const Call& call) {
-    const Call::Scope scope(&call);
+    const Call* outer = std::exchange(Call::current, &call);
     const auto handle = [](PropertySet* set) { return set != nullptr ? set->handle() : nullptr; };
     const OfxStatus status = plugin_->mainEntry(name, effect, handle(in), handle(out));
+    Call::current = outer;
     begin_call();
     return status;
 }

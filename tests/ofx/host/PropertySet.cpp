@@ -36,61 +36,6 @@ void begin_call() {
     std::deque<std::string>().swap(lent);
 }
 
-void PropertySet::add(const std::string& name, std::vector<Value> values, Access access) {
-    const std::size_t type = values.at(0).index();
-    properties_[name] = {std::move(values), type, false, access};
-}
-
-void PropertySet::add_all(Names names, const Value& value, int n) {
-    for (const char* name : names)
-        add(name, std::vector<Value>(static_cast<std::size_t>(n), value), kPluginSets);
-}
-
-void PropertySet::add_lists(Names names, const Value& type) {
-    for (const char* name : names) properties_[name] = {{}, type.index(), true, kPluginSets};
-}
-
-std::vector<std::string> PropertySet::strings(const std::string& name) const {
-    std::vector<std::string> result;
-    for (int i = 0; has(name) && i < size(name); ++i) result.push_back(string_at(name, i));
-    return result;
-}
-
-PropertySet* PropertySet::from(OfxPropertySetHandle handle) {
-    auto* set = reinterpret_cast<PropertySet*>(handle);
-    if (set != nullptr && set->magic_ == kMagic) return set;
-    note_fault("bad property set handle");
-    return nullptr;
-}
-
-OfxStatus PropertySet::set(const char* name, int index, const Value& value) {
-    const auto found = properties_.find(name);
-    if (found == properties_.end())
-        return note_fault(std::string("sets unknown property ") + name, kOfxStatErrUnknown);
-    Property& p = found->second;
-    if (p.type != value.index() || p.access == kHostSets)
-        return note_fault(std::string("sets property of other type or of the host, ") + name,
-                          kOfxStatErrValue);
-    if (!refused.empty() && refused.count(std::get<std::string>(value)) != 0) return kOfxStatErrValue;
-    const auto i = static_cast<std::size_t>(index);
-    if (p.any_length && i == p.values.size()) p.values.emplace_back();
-    if (i >= p.values.size())
-        return note_fault(std::string("sets beyond the end of ") + name, kOfxStatErrBadIndex);
-    p.values[i] = value;
-    return kOfxStatOK;
-}
-
-OfxStatus PropertySet::get(const char* name, int index, Value& value) const {
-    const auto found = properties_.find(name);
-    if (found == properties_.end()) return kOfxStatErrUnknown;
-    const Property& p = found->second;
-    if (p.type != value.index())
-        return note_fault(std::string("reads property of another type, ") + name, kOfxStatErrUnknown);
-    if (static_cast<std::size_t>(index) >= p.values.size()) return kOfxStatErrBadIndex;
-    value = p.values[static_cast<std::size_t>(index)];
-    return kOfxStatOK;
-}
-
 namespace {
 
 template <class Stored, class T = Stored>

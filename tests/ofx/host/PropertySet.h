@@ -32,10 +32,18 @@ class PropertySet {
     ~PropertySet() { magic_ = 0; }
 
     // A property of as many values; these are its defaults.
-    void add(const std::string& name, std::vector<Value> values, Access access = kHostSets);
+    void add(const std::string& name, std::vector<Value> values, Access access = kHostSets) {
+        const std::size_t type = values.at(0).index();
+        properties_[name] = {std::move(values), type, false, access};
+    }
     // What a plug-in sets: properties of `n` such values each, and of any length, empty at first.
-    void add_all(Names names, const Value& value, int n = 1);
-    void add_lists(Names names, const Value& type);
+    void add_all(Names names, const Value& value, int n = 1) {
+        for (const char* name : names)
+            add(name, std::vector<Value>(static_cast<std::size_t>(n), value), kPluginSets);
+    }
+    void add_lists(Names names, const Value& type) {
+        for (const char* name : names) properties_[name] = {{}, type.index(), true, kPluginSets};
+    }
     // Sets values of a property that exists.
     void put(const std::string& name, std::vector<Value> values) {
         properties_.at(name).values = std::move(values);
@@ -48,16 +56,49 @@ class PropertySet {
     const std::string& string_at(const std::string& name, int i = 0) const {
         return at<std::string>(name, i);
     }
-    std::vector<std::string> strings(const std::string& name) const;
+    std::vector<std::string> strings(const std::string& name) const {
+        std::vector<std::string> result;
+        for (int i = 0; has(name) && i < size(name); ++i) result.push_back(string_at(name, i));
+        return result;
+    }
 
     std::set<std::string> refused;  // texts that are answered ErrValue
 
     OfxPropertySetHandle handle() { return reinterpret_cast<OfxPropertySetHandle>(this); }
-    static PropertySet* from(OfxPropertySetHandle handle);
+    static PropertySet* from(OfxPropertySetHandle handle) {
+        auto* set = reinterpret_cast<PropertySet*>(handle);
+        if (set != nullptr && set->magic_ == kMagic) return set;
+        note_fault("bad property set handle");
+        return nullptr;
+    }
 
     // What the suite does.
-    OfxStatus set(const char* name, int index, const Value& value);
-    OfxStatus get(const char* name, int index, Value& value) const;
+    OfxStatus set(const char* name, int index, const Value& value) {
+        const auto found = properties_.find(name);
+        if (found == properties_.end())
+            return note_fault(std::string("sets unknown property ") + name, kOfxStatErrUnknown);
+        Property& p = found->second;
+        if (p.type != value.index() || p.access == kHostSets)
+            return note_fault(std::string("sets property of other type or of the host, ") + name,
+                              kOfxStatErrValue);
+        if (!refused.empty() && refused.count(std::get<std::string>(value)) != 0) return kOfxStatErrValue;
+        const auto i = static_cast<std::size_t>(index);
+        if (p.any_length && i == p.values.size()) p.values.emplace_back();
+        if (i >= p.values.size())
+            return note_fault(std::string("sets beyond the end of ") + name, kOfxStatErrBadIndex);
+        p.values[i] = value;
+        return kOfxStatOK;
+    }
+    OfxStatus get(const char* name, int index, Value& value) const {
+        const auto found = properties_.find(name);
+        if (found == properties_.end()) return kOfxStatErrUnknown;
+        const Property& p = found->second;
+        if (p.type != value.index())
+            return note_fault(std::string("reads property of another type, ") + name, kOfxStatErrUnknown);
+        if (static_cast<std::size_t>(index) >= p.values.size()) return kOfxStatErrBadIndex;
+        value = p.values[static_cast<std::size_t>(index)];
+        return kOfxStatOK;
+    }
 
   private:
     struct Property {

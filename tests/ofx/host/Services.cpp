@@ -1,4 +1,3 @@
-#include "ofx/host/Services.h"
 
 #include <algorithm>
 #include <cstdarg>
@@ -7,7 +6,7 @@
 #include <thread>
 #include <utility>
 
-#include "ofx/host/Effect.h"
+#include "ofx/host/Host.h"
 
 namespace ofxtest {
 
@@ -39,10 +38,11 @@ OfxStatus multi_thread(OfxThreadFunctionV1 function, unsigned count, void* argum
     const unsigned jobs = std::min(count, static_cast<unsigned>(services().threads));
     const Call* call = &Call::now();
     const auto work = [&](unsigned i) {
-        const Call::Scope scope(call);
+        const Call* outer = std::exchange(Call::current, call);
         spawned = true;
         function(i, jobs, argument);
         spawned = false;
+        Call::current = outer;
     };
     std::vector<std::jthread> threads;
     for (unsigned i = 0; jobs > 1 && i < jobs; ++i) threads.emplace_back(work, i);
