@@ -5,8 +5,11 @@
 // those of real hosts: what the plug-in sets tells the plug-in of the change before the setter returns.
 #pragma once
 
+#include <dlfcn.h>
+
 #include <algorithm>
 #include <atomic>
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <optional>
@@ -50,15 +53,78 @@ struct HostOptions {
 class Host {
   public:
     // Opens the binary and gives it the host; throws std::runtime_error when that fails.
-    explicit Host(const std::string& bundle, HostOptions options = {});
+    explicit Host(const std::string& bundle, HostOptions options = {}) : options_(std::move(options)) {
+        for (const char* yes :
+             {kOfxParamHostPropSupportsChoiceAnimation, kOfxParamHostPropSupportsBooleanAnimation}) {
+            if (!options_.bare) props_.add(yes, {1});
+        }
+        host_ = {props_.handle(), fetch_suite};
+        const std::string name = std::filesystem::path(bundle).stem().stem().string();
+        const std::string binary = bundle + "/Contents/Linux-x86-64/" + name + ".ofx";
+        library_ = dlopen(binary.c_str(), RTLD_NOW | RTLD_LOCAL);
+        if (library_ == nullptr) throw std::runtime_error(dlerror());
+        const auto symbol = [&](const char* what) {
+            if (void* found = dlsym(library_, what)) return found;
+            throw std::runtime_error(std::string("the binary lacks ") + what);
+        };
+        get_plugin_ = reinterpret_cast<OfxPlugin* (*)(int)>(symbol("OfxGetPlugin"));
+        reinterpret_cast<OfxStatus (*)(const OfxHost*)>(symbol("OfxSetHost"))(&host_);
+        count_ = reinterpret_cast<int (*)()>(symbol("OfxGetNumberOfPlugins"))();
+        plugin_ = get_plugin_(0);
+        plugin_->setHost(&host_);
+    }
     // Sends Unload if Load was sent, and closes the binary.
-    ~Host();
+    ~Host() {
+        if (loaded_) action(kOfxActionUnload, nullptr);
+        dlclose(library_);
+    }
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
 
     // Load, Describe, and DescribeInContext for the contexts of both sides; the first reply that is not OK.
     // May be called again, as some hosts do.
-    OfxStatus load();
+    OfxStatus load() {
+        for (const std::string& suite : options_.missing) props_.add("missing " + suite, {1});
+        OfxStatus status = action(kOfxActionLoad, nullptr);
+        loaded_ = loaded_ || status == kOfxStatOK;
+        if (status != kOfxStatOK) return status;
+        descriptor_ = std::make_unique<Effect>();
+        PropertySet& p = descriptor_->props;
+        p.add_all({kOfxPropLabel, kOfxPropShortLabel, kOfxPropLongLabel, kOfxPropVersionLabel,
+                   kOfxPropPluginDescription, kOfxImageEffectPluginPropGrouping,
+                   kOfxImageEffectPluginRenderThreadSafety},
+                  kText);
+        p.add_all({kOfxPropIcon}, kText, 2);
+        p.add_lists({kOfxPropVersion}, 0);
+        p.add_lists({kOfxImageEffectPropSupportedContexts, kOfxImageEffectPropSupportedPixelDepths,
+                     kOfxImageEffectPropClipPreferencesSlaveParam, kOfxPluginPropParamPageOrder},
+                    kText);
+        p.add_all(
+            {kOfxImageEffectPluginPropHostFrameThreading, kOfxImageEffectPropSupportsTiles,
+             kOfxImageEffectPropSupportsMultiResolution, kOfxImageEffectPluginPropFieldRenderTwiceAlways,
+             kOfxImageEffectPluginPropSingleInstance, kOfxImageEffectPropTemporalClipAccess,
+             kOfxImageEffectPropSupportsMultipleClipDepths, kOfxImageEffectPropSupportsMultipleClipPARs},
+            1);
+        status = action(kOfxActionDescribe, descriptor_.get());
+        if (status != kOfxStatOK) return status;
+        contexts_.clear();
+        const std::vector<std::string> theirs = p.strings(kOfxImageEffectPropSupportedContexts);
+        for (const std::string& context : options_.contexts) {
+            if (std::find(theirs.begin(), theirs.end(), context) == theirs.end()) continue;
+            auto effect = std::make_unique<Effect>();
+            effect->props = p;
+            effect->params.refused_types = options_.refused_types;
+            effect->params.refused_children = options_.refused_children;
+            effect->params.describing = true;
+            PropertySet in;
+            in.add(kOfxImageEffectPropContext, {context});
+            status = action(kOfxImageEffectActionDescribeInContext, effect.get(), &in);
+            if (status != kOfxStatOK) return status;
+            effect->params.describing = false;
+            contexts_[context] = std::move(effect);
+        }
+        return kOfxStatOK;
+    }
     const OfxPlugin& plugin() const { return *plugin_; }
     int plugin_count() const { return count_; }
     bool has_plugin(int n) const { return get_plugin_(n) != nullptr; }
@@ -73,10 +139,32 @@ class Host {
     std::unique_ptr<Instance> create(const std::string& context, const Values& saved = {});
 
     OfxStatus action(const char* name, Effect* effect, PropertySet* in = nullptr, PropertySet* out = nullptr,
-                     const Call& call = {});
+                     const Call& call = {}) {
+        const Call* outer = std::exchange(Call::current, &call);
+        const auto handle = [](PropertySet* set) { return set != nullptr ? set->handle() : nullptr; };
+        const OfxStatus status = plugin_->mainEntry(name, effect, handle(in), handle(out));
+        Call::current = outer;
+        begin_call();
+        return status;
+    }
 
   private:
-    static const void* fetch_suite(OfxPropertySetHandle host, const char* name, int version);
+    static const void* fetch_suite(OfxPropertySetHandle handle, const char* name, int version) {
+        static const std::map<std::string, const void*> suites{
+            {"OfxPropertySuite 1", &property_suite()},
+            {"OfxImageEffectSuite 1", &image_effect_suite()},
+            {"OfxParameterSuite 1", &parameter_suite()},
+            {"OfxMessageSuite 1", &message_suite()},
+            {"OfxMultiThreadSuite 1", &multi_thread_suite()},
+            {"OfxMessageSuite 2", &message_suite()}};
+        begin_call();
+        // Of the host only its property set comes along: what it lacks is noted there.
+        const PropertySet* props = PropertySet::from(handle);
+        const std::string key = std::string(name) + ' ' + std::to_string(version);
+        const auto found = suites.find(key);
+        return props == nullptr || props->has("missing " + key) || found == suites.end() ? nullptr
+                                                                                         : found->second;
+    }
 
     HostOptions options_;
     PropertySet props_;
@@ -282,5 +370,14 @@ class Instance final : public Effect {
     Host& host_;
     bool created_ = false;
 };
+
+inline std::unique_ptr<Instance> Host::create(const std::string& context, const Values& saved) {
+    auto instance = std::make_unique<Instance>(*this, context, *contexts_.at(context));
+    for (const auto& [name, content] : saved) {
+        if (Param* param = instance->params.find(name)) param->assign(content);
+    }
+    const OfxStatus status = instance->create();
+    return status == kOfxStatOK || status == kOfxStatReplyDefault ? std::move(instance) : nullptr;
+}
 
 }  // namespace ofxtest
