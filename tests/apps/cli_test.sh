@@ -4,6 +4,7 @@
 set -u
 veloxa=$(realpath "$1")
 data=$(realpath "$(dirname "$0")/../controls/data")
+lines() { tr -d '\n' <"$1" | tr '|' '\n'; } # of a text that has bars for line ends
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 cd "$folder" || exit 1
@@ -155,9 +156,9 @@ expect 1 "out/clean.exr: exists; use --overwrite" cleanplate --fg shot/fg.%04d.e
 
 # The controls: of a new node, and of one with knobs.
 expect 0 "" controls
-cmp -s out.txt "$data/fresh_listing.txt" || fail "the listing of a new node"
+lines "$data/fresh_listing.txt" | cmp -s out.txt - || fail "the listing of a new node"
 expect 0 "" controls --trace -o out/trace.txt
-cmp -s out/trace.txt "$data/fresh_trace.txt" || fail "the trace of a new node"
+lines "$data/fresh_trace.txt" | cmp -s out/trace.txt - || fail "the trace of a new node"
 expect 0 "setMatteDensity 120" controls --trace --script out/a.script
 expect 0 "" controls --set darks=7 -o out/trace.txt --overwrite
 grep -q -P '^-7\tMatte Density Darks $' out/trace.txt || fail "no darks in the listing"

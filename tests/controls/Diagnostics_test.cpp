@@ -1,7 +1,8 @@
 // The listing and the trace. The texts in data/ were put together from the tables of defaults and of
-// commands, not printed by this code.
+// commands, not printed by this code; they have bars for line ends and are broken anywhere behind one.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <fstream>
@@ -20,29 +21,31 @@ std::string file_text(const std::filesystem::path& path) {
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-const std::string kListing = file_text(DATA_DIR "/fresh_listing.txt");
-const std::string kTrace = file_text(DATA_DIR "/fresh_trace.txt");
+std::string data(const char* name) {
+    std::string text = file_text(std::filesystem::path(DATA_DIR) / name);
+    std::erase(text, '\n');
+    std::replace(text.begin(), text.end(), '|', '\n');
+    return text;
+}
+
+const std::string kListing = data("fresh_listing.txt");
+const std::string kTrace = data("fresh_trace.txt");
 
 struct Block {
     std::array<std::int32_t, ControlBlock::kCount> values{};
     ControlBlock controls{values.data(), 1};
 };
 
-TEST(ControlListing, FreshBlockByteForByte) {
-    const Block block;
+TEST(ControlListing, ByteForByteAsStored) {
+    Block block;
     EXPECT_EQ(control_listing(block.controls), kListing);
     EXPECT_EQ(std::count(kListing.begin(), kListing.end(), '\n'), 250);
-    EXPECT_TRUE(kListing.starts_with("0\tAlgorithm\n"));
-
     const std::string path = testing::TempDir() + "/listing.txt";
     std::ofstream(path) << std::string(10'000, 'x');
     EXPECT_EQ(list_controls(block.controls, path.c_str()), 0);
     EXPECT_EQ(file_text(path), kListing);
     EXPECT_EQ(list_controls(block.controls, (path + "/nowhere").c_str()), std::nullopt);
-}
 
-TEST(ControlListing, ShowsValuesAsStored) {
-    Block block;
     block.controls.set(80, 7);
     block.values[249] = std::numeric_limits<std::int32_t>::min();
     const std::string text = control_listing(block.controls);
@@ -55,29 +58,22 @@ TEST(ControlTrace, FreshBlockBehindTheTextThatIsThere) {
     std::string buffer = "before\n" + std::string(trace_capacity(), '\0');
     write_trace(block.controls, buffer.data());
     EXPECT_EQ(std::string(buffer.c_str()), "before\n" + kTrace);
-    EXPECT_TRUE(kTrace.starts_with("setPixMax 255\nsetOutBuff 15\n"));
-    EXPECT_TRUE(kTrace.ends_with("\nsetNoOutputMatte 0\n"));
 }
 
 // Every control holds its own index, so that a line with a wrong control or in a wrong order shows.
-TEST(ControlTrace, NegatesTheFiveDarks) {
+TEST(ControlTrace, NegatesTheFiveDarksAndHoldsTheLongestValues) {
     Block block;
     std::iota(block.values.begin(), block.values.end(), 0);
     std::string buffer(trace_capacity(), '\0');
     write_trace(block.controls, buffer.data());
-    const std::string text = buffer.c_str();
     for (const char* const line :
          {"setOuterBlackGloss -30\n", "setOuterBlackGloss2 -32\n", "setInnerBlackGloss -5\n",
           "setClassicBlackGloss -73\n", "setBlackGloss -80\n", "setCorrection 13 12 11\n",
           "setMonoGloss 46 48 51\n", "setBlack 202 207 212\n", "setClassicGate1 49\n", "setGate1 106\n"}) {
-        EXPECT_NE(text.find("\n" + std::string(line)), std::string::npos) << line;
+        EXPECT_NE(buffer.find("\n" + std::string(line)), std::string::npos) << line;
     }
-}
-
-TEST(ControlTrace, CapacityHoldsTheLongestValues) {
-    Block block;
     block.values.fill(std::numeric_limits<std::int32_t>::min());
-    std::string buffer(trace_capacity(), '\0');
+    buffer.assign(trace_capacity(), '\0');
     EXPECT_TRUE(write_trace(block.controls, buffer.data(), buffer.size()));
     EXPECT_NE(buffer.find("setVeiling -2147483648 -2147483648 -2147483648\n"), std::string::npos);
 }

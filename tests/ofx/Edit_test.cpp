@@ -2,7 +2,6 @@
 #include <sstream>
 
 #include "ofx/Scene.h"
-#include "ofx/host/Services.h"
 
 namespace ofxtest {
 namespace {
@@ -30,21 +29,27 @@ void expect_same(const Instance& instance, const Zo::Image::KnobPanel& panel) {
     }
 }
 
-void point(Instance& instance, const OfxRectI& r) {
-    // Any two opposite corners.
-    instance.set("sampling_first_corner", {static_cast<double>(r.x1), static_cast<double>(r.y2)});
-    instance.set("sampling_second_corner", {static_cast<double>(r.x2), static_cast<double>(r.y1)});
+double number(const Instance& instance, const char* name) {
+    return instance.params.get(name).value().numbers.at(0);
 }
 
-void stroke(Reference& node, const char* tool, const OfxRectI& r) {
+// As the user samples a rectangle, by any two opposite corners.
+void sample(Instance& instance, const std::string& tool, const OfxRectI& r) {
+    instance.set("sampling_first_corner", {static_cast<double>(r.x1), static_cast<double>(r.y2)});
+    instance.set("sampling_second_corner", {static_cast<double>(r.x2), static_cast<double>(r.y1)});
+    instance.params.undo.clear();
+    instance.press(tool);
+}
+
+void sample(Reference& node, const std::string& tool, const OfxRectI& r) {
     Knob& button = node.panel.get(tool);
-    button.set_value(r.x1, 4);
-    button.set_value(r.y1, 5);
-    button.set_value(r.x2, 6);
-    button.set_value(r.y2, 7);
+    int n = 4;
+    for (const int side : {r.x1, r.y1, r.x2, r.y2}) button.set_value(side, n++);
     button.activate();
     button.changed();
 }
+
+constexpr OfxRectI kFigure{30, 20, 38, 28};
 
 TEST_F(Edit, ToolsSetParametersInOneUndoableStep) {
     const struct {
@@ -54,36 +59,39 @@ TEST_F(Edit, ToolsSetParametersInOneUndoableStep) {
     } strokes[] = {
         {"toolbar_screen", kBacking, "screen_color"},
         {"toolbar_addoverlay", kShade, "us_add_overlay"},
-        {"toolbar_removeoverlay", {30, 20, 38, 28}, "us_remove_ovelray"},
+        {"toolbar_removeoverlay", kFigure, "us_remove_ovelray"},
         {"toolbar_addmatte", {32, 22, 36, 26}, nullptr},
         {"toolbar_removenoise", {-4, 30, 4, 38}, "cleanup"},
-        {"toolbar_restorespill", {30, 20, 38, 28}, "us_restore_spill"},
-        {"toolbar_matchcolor", {30, 20, 38, 28}, nullptr},
+        {"toolbar_restorespill", kFigure, "us_restore_spill"},
+        {"toolbar_matchcolor", kFigure, nullptr},
         {"toolbar_matchshadow", kShade, "shadows_tint"},
         {"toolbar_holdShadow", kShade, nullptr},
     };
     const Settings settings{{"screen_color", {0.2, 0.5, 0.2}}};
     const auto effect = instance(two_clips(), settings);
     Reference node(two_clips(), settings);
+    Host::Values before = effect->saved();
     for (const auto& s : strokes) {
         SCOPED_TRACE(s.tool);
-        point(*effect, s.box);
-        const Host::Values before = effect->saved();
-        effect->params.undo.clear();
-        effect->press(s.tool);
+        sample(*effect, s.tool, s.box);
         EXPECT_EQ(Image::held, 0);
-        stroke(node, s.tool, s.box);
+        sample(node, s.tool, s.box);
         expect_same(*effect, node.panel);
         EXPECT_LE(effect->params.undo.size(), 1U);
-        if (s.sets == nullptr) continue;
+        for (const char* corner : {"sampling_first_corner", "sampling_second_corner"})
+            before[corner] = effect->params.get(corner).content();
         const Host::Values after = effect->saved();
-        EXPECT_NE(after.at(s.sets), before.at(s.sets));
-        ASSERT_EQ(effect->params.undo.size(), 1U);
-        effect->undo();
-        EXPECT_EQ(effect->saved(), before);
-        // Again, so that the node in the plug-in has to have followed the undo.
-        effect->press(s.tool);
-        EXPECT_EQ(effect->saved(), after);
+        for (const auto& [name, content] : after) EXPECT_TRUE(content.keys.empty()) << name;
+        if (s.sets != nullptr) {
+            EXPECT_NE(after.at(s.sets), before.at(s.sets));
+            ASSERT_EQ(effect->params.undo.size(), 1U);
+            effect->undo();
+            EXPECT_EQ(effect->saved(), before);
+            // Again, so that the node in the plug-in has to have followed the undo.
+            effect->press(s.tool);
+            EXPECT_EQ(effect->saved(), after);
+        }
+        before = after;
     }
     node.node.invalidate();
     EXPECT_EQ(differences(effect->render(), node.render()), 0);
@@ -91,24 +99,20 @@ TEST_F(Edit, ToolsSetParametersInOneUndoableStep) {
 }
 
 TEST_F(Edit, Buttons) {
-    const auto effect = instance(two_clips(), {{"screen_color", kScreen}});
-    effect->press("invert");
-    EXPECT_EQ(effect->params.get("overlay_mono").value().numbers[0], 1.0);
-    effect->press("invert");
-    EXPECT_EQ(effect->params.get("overlay_mono").value().numbers[0], 0.0);
-
-    effect->set("screen_darks_red_larger", {20});
-    effect->set("spill_strength", {10});
-    point(*effect, kShade);
-    effect->press("toolbar_addoverlay");
+    const auto effect = instance(two_clips(), look("screen_darks_red_larger 20, spill_strength 10"));
+    for (const double on : {1.0, 0.0}) {
+        effect->press("invert");
+        EXPECT_EQ(number(*effect, "overlay_mono"), on);
+    }
+    sample(*effect, "toolbar_addoverlay", kShade);
     effect->params.undo.clear();
     effect->press("screen_correct_reset");
-    EXPECT_EQ(effect->params.get("screen_darks_red_larger").value().numbers[0], 0.0);
+    EXPECT_EQ(number(*effect, "screen_darks_red_larger"), 0.0);
     EXPECT_EQ(effect->params.get("us_add_overlay").value().text.find("us"), std::string::npos);
-    EXPECT_EQ(effect->params.get("spill_strength").value().numbers[0], 10.0);
+    EXPECT_EQ(number(*effect, "spill_strength"), 10.0);
     EXPECT_EQ(effect->params.undo.size(), 1U);
     effect->press("spill_reset");
-    EXPECT_EQ(effect->params.get("spill_strength").value().numbers[0], 40.0);
+    EXPECT_EQ(number(*effect, "spill_strength"), 40.0);
     services().take_messages();
 }
 
@@ -119,11 +123,9 @@ TEST_F(Edit, ToolsKeyWhatIsAnimated) {
     color.set_key(8, {0.3, 0.8, 0.3});
     const Host::Values before = effect->saved();
     services().time = 3.0;
-    point(*effect, kBacking);
-    effect->params.undo.clear();
-    effect->press("toolbar_screen");
+    sample(*effect, "toolbar_screen", kBacking);
     Reference node(two_clips(), {}, 3.0);
-    stroke(node, "toolbar_screen", kBacking);
+    sample(node, "toolbar_screen", kBacking);
     auto keys = before.at("screen_color").keys;
     for (int i = 0; i < 3; ++i) keys[3.0].push_back(shortest(node.panel.get("screen_color").get_value(i)));
     EXPECT_EQ(color.content().keys, keys);
@@ -138,25 +140,16 @@ TEST_F(Edit, ToolsOnAProxyOfOblongPixels) {
     Clips clips = two_clips();
     for (auto& [name, source] : clips) source.aspect = 2.0;
     const auto effect = instance(clips, {{"edge_kernel", {5}}});
-    const Host::Values before = effect->saved();
     effect->viewer_scale = 0.5;
-    Reference node(clips, {}, 0.0, 0.5);
-    for (const char* tool : {"toolbar_screen", "toolbar_addoverlay"}) {
-        const OfxRectI box = tool == std::string("toolbar_screen") ? OfxRectI{-3, 2, 4, 8} : kShade;
-        point(*effect, {box.x1 * 4, box.y1 * 2, box.x2 * 4, box.y2 * 2});
-        effect->press(tool);
-        stroke(node, tool, box);
-    }
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(effect->params.get("screen_color").value().numbers[static_cast<std::size_t>(i)],
-                  shortest(node.panel.get("screen_color").get_value(i)));
-    }
-    std::ostringstream samples;
-    node.panel.get("us_add_overlay").to_script(samples, false);
-    const Host::Values after = effect->saved();
-    EXPECT_EQ(after.at("us_add_overlay").text, samples.str());
-    for (const char* size : {"edge_kernel", "screen_shrink", "cleanup_shrink", "cleanup_blur"})
-        EXPECT_EQ(after.at(size), before.at(size)) << size;
+    Reference node(clips, {{"edge_kernel", {2.5}}, {"screen_shrink", {1, 1}}, {"film_shrink", {1, 1}}}, 0.0,
+                   0.5);
+    sample(*effect, "toolbar_screen", {-12, 4, 16, 16});
+    sample(node, "toolbar_screen", {-3, 2, 4, 8});
+    sample(*effect, "toolbar_addoverlay", {kShade.x1 * 4, kShade.y1 * 2, kShade.x2 * 4, kShade.y2 * 2});
+    sample(node, "toolbar_addoverlay", kShade);
+    node.panel.set_from_text("edge_kernel", "5");
+    for (const char* size : {"screen_shrink", "film_shrink"}) node.panel.set_from_text(size, "2,2");
+    expect_same(*effect, node.panel);
     services().take_messages();
 }
 
@@ -177,24 +170,20 @@ TEST_F(Edit, ToolsNeedPixels) {
 TEST_F(Edit, EnablesGreyOut) {
     const auto effect = instance(two_clips(), {});
     Reference node(two_clips(), {});
-    const auto compare = [&] {
-        for (const auto& param : effect->params.all()) {
-            const Knob* knob = node.panel.find(param->name());
-            if (knob != nullptr) {
-                EXPECT_EQ(param->enabled(), knob->enabled()) << param->name();
-            }
-        }
-    };
+    const std::pair<const char*, double> changes[] = {{"overlay_mode", 0},      {"shadow", 1},
+                                                      {"screen_correct", 0},    {"film", 1},
+                                                      {"spill_suppression", 0}, {"cleanup", 1}};
     EXPECT_FALSE(effect->params.get("shadows_blur").enabled());
     EXPECT_TRUE(effect->params.get("screen_shrink").enabled());
-    compare();
-    for (const auto& [name, value] : std::vector<std::pair<const char*, double>>{
-             {"shadow", 1}, {"screen_correct", 0}, {"film", 1}, {"spill_suppression", 0}, {"cleanup", 1}}) {
-        SCOPED_TRACE(name);
+    for (const auto& [name, value] : changes) {
         effect->set(name, {value});
         node.panel.get(name).set_value(value);
         node.panel.get(name).changed();
-        compare();
+        for (const auto& param : effect->params.all()) {
+            const Knob* knob = node.panel.find(param->name());
+            EXPECT_TRUE(knob == nullptr || param->enabled() == knob->enabled())
+                << name << ": " << param->name();
+        }
     }
     EXPECT_FALSE(effect->params.get("screen_shrink").enabled());
     // States follow the time line.
@@ -211,17 +200,13 @@ TEST_F(Edit, EnablesGreyOut) {
 }
 
 TEST_F(Edit, ValuesAloneBringAnInstanceBack) {
-    Host::Values saved, after;
+    Host::Values saved;
     Frame frame;
     {
         const auto effect = instance(two_clips(), {{"cleanup", {1}}, {"cleanup_shrink", {2, 1}}});
-        for (const auto& [tool, box] :
-             std::vector<std::pair<const char*, OfxRectI>>{{"toolbar_screen", kBacking},
-                                                           {"toolbar_addoverlay", kShade},
-                                                           {"toolbar_restorespill", {30, 20, 38, 28}}}) {
-            point(*effect, box);
-            effect->press(tool);
-        }
+        sample(*effect, "toolbar_screen", kBacking);
+        sample(*effect, "toolbar_addoverlay", kShade);
+        sample(*effect, "toolbar_restorespill", kFigure);
         saved = effect->saved();
         frame = effect->render();
     }
@@ -244,22 +229,21 @@ TEST_F(Edit, ValuesAloneBringAnInstanceBack) {
 TEST_F(Edit, PreferencesSayWhetherColourIsMultiplied) {
     const char *pre = kOfxImagePreMultiplied, *un = kOfxImageUnPreMultiplied, *finished = kOfxImageOpaque;
     const struct {
-        double mode, merge;
-        const char *over_background, *without;
-    } cases[] = {{0, 0, finished, pre}, {0, 1, finished, pre}, {1, 0, pre, pre}, {2, 0, un, un}};
+        const char *settings, *over_background, *without;
+    } cases[] = {{"output_mode 0, merge 0", finished, pre},
+                 {"output_mode 0, merge 1", finished, pre},
+                 {"output_mode 1", pre, pre},
+                 {"output_mode 2", un, un}};
     for (const auto& c : cases) {
-        SCOPED_TRACE(&c - cases);
-        const Settings settings{{"output_mode", {c.mode}}, {"merge", {c.merge}}};
+        SCOPED_TRACE(c.settings);
         const auto state = [](const std::unique_ptr<Instance>& effect) {
             return effect->preferences.string_at(kOfxImageEffectPropPreMultiplication);
         };
-        for (const Clips& clips : {two_clips(), all_clips()}) {
-            const auto effect = instance(clips, settings);
-            EXPECT_EQ(state(effect), c.over_background);
-            effect->connect("bg", nullptr);
-            EXPECT_EQ(state(effect), c.without);
-        }
-        EXPECT_EQ(state(instance(two_clips(), settings, kOfxImageEffectContextFilter)), c.without);
+        const auto effect = instance(all_clips(), look(c.settings));
+        EXPECT_EQ(state(effect), c.over_background);
+        effect->connect("bg", nullptr);
+        EXPECT_EQ(state(effect), c.without);
+        EXPECT_EQ(state(instance(two_clips(), look(c.settings), kOfxImageEffectContextFilter)), c.without);
     }
 }
 

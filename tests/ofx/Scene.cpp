@@ -4,8 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-
-#include "ofx/host/Services.h"
+#include <sstream>
 
 namespace ofxtest {
 
@@ -39,6 +38,17 @@ Source picture(std::function<float(double, int, int, int)> pixel) {
 }
 
 }  // namespace
+
+Settings look(const std::string& text) {
+    Settings settings{{"screen_color", kScreen}};
+    std::istringstream items(text);
+    for (std::string item, name; std::getline(items, item, ',');) {
+        std::istringstream words(item);
+        words >> name;
+        for (double value; words >> value;) settings[name].push_back(value);
+    }
+    return settings;
+}
 
 Clips two_clips() {
     Clips clips;

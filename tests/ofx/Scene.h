@@ -18,6 +18,8 @@ namespace ofxtest {
 // Knobs and parameters by name; menus by index.
 using Settings = std::map<std::string, std::vector<double>>;
 using Clips = std::map<std::string, Source>;
+// "name value value, name value" with a screen colour.
+Settings look(const std::string& text);
 
 // Off the origin and odd in size.
 inline constexpr OfxRectI kFrame{-7, 3, 64, 44};

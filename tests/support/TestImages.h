@@ -54,6 +54,10 @@ class FunctionSource : public Zo::Image::Iop {
     std::atomic<int> rows_{0};
 };
 
+inline float pattern(Zo::Image::Channel c, int x, int y) {
+    return static_cast<float>((x * 7 + y * 13 + c * 29) % 31);
+}
+
 // Rendered planes of one box, row box.y first.
 struct Picture {
     Zo::Image::Box box;
@@ -67,13 +71,12 @@ struct Picture {
     }
 };
 
-inline Picture render(Zo::Image::Iop& op, const Zo::Image::Box& box, int threads = 1,
+inline Picture render(Zo::Image::Renderer& renderer, Zo::Image::Iop& op, const Zo::Image::Box& box,
                       Zo::Image::ChannelSet channels = Zo::Image::kMaskRgba) {
     Picture picture;
     picture.box = box;
     const auto width = static_cast<std::size_t>(box.width());
     for (auto& plane : picture.planes) plane.resize(width * static_cast<std::size_t>(box.height()));
-    Zo::Image::Renderer renderer(threads);
     picture.complete = renderer.render(op, box, channels, [&](int y, const Zo::Image::Row& row) {
         for (const Zo::Image::Channel c : channels) {
             std::copy_n(row[c], width,
@@ -82,6 +85,12 @@ inline Picture render(Zo::Image::Iop& op, const Zo::Image::Box& box, int threads
         }
     });
     return picture;
+}
+
+inline Picture render(Zo::Image::Iop& op, const Zo::Image::Box& box, int threads = 1,
+                      Zo::Image::ChannelSet channels = Zo::Image::kMaskRgba) {
+    Zo::Image::Renderer renderer(threads);
+    return render(renderer, op, box, channels);
 }
 
 inline Picture render(Zo::Image::Iop& op, int threads = 1) {

@@ -33,12 +33,9 @@ TEST(Knob, TheWholeWordMustBeANumber) {
         EXPECT_FALSE(Knob::to_double(word, value)) << word;
         EXPECT_EQ(value, 7.0) << word;
     }
-    const std::pair<const char*, double> numbers[] = {{"1.5", 1.5},
-                                                      {"+2", 2.0},
-                                                      {"-.5", -0.5},
-                                                      {"1e3", 1000.0},
-                                                      {"inf", std::numeric_limits<double>::infinity()}};
-    for (const auto& [word, expected] : numbers) {
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    for (const auto& [word, expected] : std::initializer_list<std::pair<const char*, double>>{
+             {"1.5", 1.5}, {"+2", 2.0}, {"-.5", -0.5}, {"1e3", 1000.0}, {"inf", kInfinity}}) {
         EXPECT_TRUE(Knob::to_double(word, value)) << word;
         EXPECT_EQ(value, expected);
     }
@@ -46,7 +43,7 @@ TEST(Knob, TheWholeWordMustBeANumber) {
 
 TEST(KnobPanel, HoldsTheKnobsInOrderWithTheirTabs) {
     KnobOp op;
-    const KnobPanel panel(op);
+    KnobPanel panel(op);
     std::string list;
     for (const auto& knob : panel.knobs()) list += knob->name() + "@" + knob->tab() + " ";
     EXPECT_EQ(list,
@@ -57,11 +54,7 @@ TEST(KnobPanel, HoldsTheKnobsInOrderWithTheirTabs) {
     EXPECT_FALSE(panel.get("tint").range().has_value());
     EXPECT_EQ(panel.get("fill").default_value(3), 1.0);
     EXPECT_EQ(panel.find(""), nullptr);
-}
-
-TEST(KnobPanel, ALaterPassFindsTheSameKnobs) {
-    KnobOp op;
-    KnobPanel panel(op);
+    // A later pass finds the same knobs.
     const std::vector<Knob*> made = op.found;
     ASSERT_NE(made[6], made[9]);
     panel.refresh();
@@ -126,6 +119,9 @@ TEST(KnobPanel, RefusesWhatAKnobDoesNotTake) {
             EXPECT_STREQ(error.what(), message);
         }
     }
+    EXPECT_FALSE(panel.get("gain").set_value(std::numeric_limits<double>::quiet_NaN()));
+    EXPECT_FALSE(panel.get("gain").set_value(1e39));
+    EXPECT_FALSE(panel.get("mode").set_value(3.0));
     EXPECT_TRUE(op.told.empty());
     for (const auto& knob : panel.knobs()) EXPECT_FALSE(knob->differs_from_default()) << knob->name();
 }
@@ -149,30 +145,19 @@ TEST(KnobPanel, ButtonsAndTools) {
     EXPECT_THROW(panel.press(panel.get("gain")), KnobError);
 }
 
-TEST(KnobPanel, ValuesThatNoFieldCanHoldAreRefused) {
-    KnobOp op;
-    KnobPanel panel(op);
-    EXPECT_FALSE(panel.get("gain").set_value(std::numeric_limits<double>::quiet_NaN()));
-    EXPECT_FALSE(panel.get("gain").set_value(1e39));
-    EXPECT_FALSE(panel.get("mode").set_value(3.0));
-    EXPECT_EQ(op.gain, 1.0f);
-    EXPECT_EQ(op.mode, 0);
-}
-
 TEST(KnobPanel, UndoGoesBackStepByStep) {
     KnobOp op;
     KnobPanel panel(op);
     Knob& gain = panel.get("gain");
-    for (const float value : {0.1f, 0.2f}) {
-        gain.new_undo(value == 0.2f ? "second" : nullptr);
-        gain.set_value(static_cast<double>(value));
+    gain.new_undo();
+    gain.set_value(2.0);
+    gain.new_undo("second");
+    gain.set_value(3.0);
+    for (const auto& [name, value] : {std::pair("second", 2.0f), std::pair("gain", 1.0f)}) {
+        EXPECT_EQ(panel.undo_name(), name);
+        EXPECT_TRUE(panel.undo());
+        EXPECT_EQ(op.gain, value);
     }
-    EXPECT_EQ(panel.undo_name(), "second");
-    EXPECT_TRUE(panel.undo());
-    EXPECT_EQ(op.gain, 0.1f);
-    EXPECT_EQ(panel.undo_name(), "gain");
-    EXPECT_TRUE(panel.undo());
-    EXPECT_EQ(op.gain, 1.0f);
     EXPECT_FALSE(panel.undo());
 }
 

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <set>
 #include <stdexcept>
 #include <thread>
@@ -15,55 +16,52 @@ using Zo::Image::Lock;
 
 namespace {
 
-TEST(Lock, WaitersTakePartInTheLoop) {
+// Runs on several threads at once.
+void together(int count, const std::function<void()>& work) {
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < count; ++i) threads.emplace_back(work);
+}
+
+// What the first thread computes under its lock, in a loop that those who wait for it help with.
+struct Once {
     Lock lock;
+    std::atomic<bool> done{false};
+
+    void compute(int end, int grain, const Lock::Body& body) {
+        const Guard guard(lock);
+        if (done) return;
+        lock.parallel_for(0, end, grain, body);
+        done = true;
+    }
+};
+
+TEST(Lock, WaitersTakePartInTheLoop) {
     std::mutex mutex;
     std::set<std::thread::id> workers;
     std::vector<int> times(1000, 0);
-    const auto body = [&](int begin, int end) {
-        for (int i = begin; i < end; ++i) ++times[static_cast<std::size_t>(i)];
-        std::this_thread::sleep_for(std::chrono::microseconds(200));
-        const std::lock_guard hold(mutex);
-        workers.insert(std::this_thread::get_id());
-    };
-    std::atomic<bool> done{false};
-    const auto compute_once = [&] {
-        const Guard guard(lock);
-        if (done) return;
-        lock.parallel_for(0, 1000, 4, body);
-        done = true;
-    };
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) threads.emplace_back(compute_once);
-    for (std::thread& thread : threads) thread.join();
-    for (const int n : times) ASSERT_EQ(n, 1);
+    Once once;
+    together(4, [&] {
+        once.compute(1000, 4, [&](int begin, int end) {
+            for (int i = begin; i < end; ++i) ++times[static_cast<std::size_t>(i)];
+            std::this_thread::sleep_for(std::chrono::microseconds(200));
+            const std::lock_guard hold(mutex);
+            workers.insert(std::this_thread::get_id());
+        });
+    });
+    EXPECT_EQ(times, std::vector<int>(1000, 1));
     EXPECT_GT(workers.size(), 1U);
 }
 
 TEST(Lock, ALoopInsideALoopOfAnotherLock) {
-    Lock outer;
-    Lock inner;
+    Once outer, inner;
     std::atomic<int> sum{0};
-    std::atomic<bool> inner_done{false};
-    const auto upstream = [&] {
-        const Guard guard(inner);
-        if (inner_done) return;
-        inner.parallel_for(0, 64, 1, [&](int b, int e) { sum += e - b; });
-        inner_done = true;
-    };
-    std::atomic<bool> outer_done{false};
-    const auto request = [&] {
-        const Guard guard(outer);
-        if (outer_done) return;
-        outer.parallel_for(0, 64, 1, [&](int b, int e) {
-            upstream();
-            sum += e - b;
+    const auto add = [&](int b, int e) { sum += e - b; };
+    together(3, [&] {
+        outer.compute(64, 1, [&](int b, int e) {
+            inner.compute(64, 1, add);
+            add(b, e);
         });
-        outer_done = true;
-    };
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 3; ++i) threads.emplace_back(request);
-    for (std::thread& thread : threads) thread.join();
+    });
     EXPECT_EQ(sum, 128);
 }
 

@@ -68,6 +68,7 @@ TEST(Op, InvalidatesOnANewHashOnly) {
 
 TEST(Op, RewiringIsAChangeAndDestructionUnlinks) {
     Counting reader;
+    Hash setup, wired;
     {
         Counting a;
         Counting b;
@@ -78,13 +79,16 @@ TEST(Op, RewiringIsAChangeAndDestructionUnlinks) {
         reader.set_input(0, &b);
         EXPECT_FALSE(reader.valid());
         reader.set_input(1, &a);
+        reader.invalidate(setup);
+        wired = reader.hash();
     }
     EXPECT_FALSE(reader.connected(0));
     EXPECT_FALSE(reader.connected(1));
     EXPECT_EQ(&reader.input(0), &Iop::black());
+    EXPECT_NE(reader.hash(), wired);
 }
 
-TEST(Op, KnowsItsInternalOperatorsByName) {
+TEST(Op, KnowsItsInternalOperatorsAndItsUsers) {
     Counting node;
     {
         Counting inner;
@@ -93,17 +97,13 @@ TEST(Op, KnowsItsInternalOperatorsByName) {
         EXPECT_EQ(inner.parent(), &node);
     }
     EXPECT_EQ(node.child("inner"), nullptr);
-}
-
-TEST(Op, ClosesSeeWhetherOthersStillUseIt) {
-    Counting op;
-    op.open();
-    op.open();
-    op.close();
-    EXPECT_EQ(op.closes_while_shared, 1);
-    op.close();
-    EXPECT_EQ(op.closes_while_shared, 1);
-    EXPECT_EQ(op.users(), 0);
+    node.open();
+    node.open();
+    for (int users = 2; users > 0; --users) {
+        EXPECT_EQ(node.users(), users);
+        node.close();
+        EXPECT_EQ(node.closes_while_shared, 1);
+    }
 }
 
 }  // namespace

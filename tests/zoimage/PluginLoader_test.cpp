@@ -13,56 +13,32 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class PluginLoader : public testing::Test {
-  protected:
-    void SetUp() override {
-        fs::create_directories(first_);
-        fs::create_directories(second_);
-        setenv("VELOXA_PLUGIN_PATH", (first_.string() + "::" + second_.string()).c_str(), 1);
-    }
-    void TearDown() override {
-        unsetenv("VELOXA_PLUGIN_PATH");
-        fs::remove_all(root_);
-    }
-
-    static std::string refusal(const char* class_name) {
+TEST(PluginLoader, SaysWhereItLookedAndWhatIsWrong) {
+    const fs::path root = fs::path(testing::TempDir()) / ("plugin_loader_test." + std::to_string(getpid()));
+    const std::string first = root / "first", second = root / "second";
+    fs::create_directories(first);
+    fs::create_directories(second);
+    setenv("VELOXA_PLUGIN_PATH", (first + "::" + second).c_str(), 1);
+    std::ofstream(second + "/Broken.so") << "this is no module";
+    fs::copy_file(EXAMPLE_MODULE_DIR "/Sharpen.so", first + "/Blunt.so");
+    const std::pair<const char*, std::vector<std::string>> cases[] = {
+        {"Nowhere", {"'Nowhere': no Nowhere.so in " + first + ", " + second + ", ", "/lib/veloxa"}},
+        {"Broken", {second + "/Broken.so: ", "file too short", "looked at " + first + ", " + second + ")"}},
+        {"Blunt", {"Blunt.so registers no operator 'Blunt'"}},
+        // A name leads nowhere else.
+        {"", {"that is no class name"}},
+        {"../second/Broken", {"that is no class name"}},
+        {"a b", {"that is no class name"}}};
+    for (const auto& [name, texts] : cases) {
         try {
-            load_plugin(class_name);
+            load_plugin(name);
+            ADD_FAILURE() << name << " was loaded";
         } catch (const PluginError& error) {
-            return error.what();
+            for (const std::string& text : texts) EXPECT_THAT(error.what(), HasSubstr(text));
         }
-        return "loaded";
     }
-
-    fs::path root_ = fs::path(testing::TempDir()) / ("plugin_loader_test." + std::to_string(getpid()));
-    fs::path first_ = root_ / "first";
-    fs::path second_ = root_ / "second";
-};
-
-TEST_F(PluginLoader, NamesEveryPlaceThatItLookedAt) {
-    const std::string text = refusal("Nowhere");
-    EXPECT_THAT(text,
-                HasSubstr("'Nowhere': no Nowhere.so in " + first_.string() + ", " + second_.string() + ", "));
-    EXPECT_THAT(text, HasSubstr("/lib/veloxa"));
-}
-
-TEST_F(PluginLoader, ABadFileGivesItsReason) {
-    std::ofstream(second_ / "Broken.so") << "this is no module";
-    const std::string text = refusal("Broken");
-    EXPECT_THAT(text, HasSubstr((second_ / "Broken.so").string() + ": "));
-    EXPECT_THAT(text, HasSubstr("file too short"));
-    EXPECT_THAT(text, HasSubstr("looked at " + first_.string() + ", " + second_.string() + ")"));
-}
-
-TEST_F(PluginLoader, AModuleMustRegisterItsClass) {
-    fs::copy_file(fs::path(EXAMPLE_MODULE_DIR) / "Sharpen.so", first_ / "Blunt.so");
-    EXPECT_THAT(refusal("Blunt"), HasSubstr("Blunt.so registers no operator 'Blunt'"));
-}
-
-TEST_F(PluginLoader, ANameLeadsNowhereElse) {
-    for (const char* const name : {"", "../second/Broken", "a b"}) {
-        EXPECT_THAT(refusal(name), HasSubstr("that is no class name")) << name;
-    }
+    unsetenv("VELOXA_PLUGIN_PATH");
+    fs::remove_all(root);
 }
 
 TEST(Description, TheLatestOfANameCountsUntilItLeaves) {

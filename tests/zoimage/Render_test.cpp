@@ -3,55 +3,16 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <stdexcept>
 #include <thread>
 
-#include "ZoImage/GeneralTile.h"
-#include "support/TestImages.h"
+#include "support/Sums.h"
 
 using namespace Zo::Image;
+using test::pattern;
+using test::Sums;
 
 namespace {
-
-// Sums alpha over a (2 dx + 1) x (2 dy + 1) neighbourhood; colour passes.
-class Neighbours final : public Iop {
-  public:
-    Neighbours(Op* source, int dx, int dy) : Iop(NodeContext{}), dx_(dx), dy_(dy) {
-        inputs(1);
-        set_input(0, source);
-    }
-    const char* class_name() const override { return "Neighbours"; }
-
-  protected:
-    void _validate(bool /*for_real*/) override {
-        copy_info();
-        set_out_channels(kMaskAlpha);
-    }
-    void _request(int x, int y, int r, int t, ChannelSet channels, int count) override {
-        input(0).request(x - dx_, y - dy_, r + dx_, t + dy_, channels, count);
-    }
-    void engine(int y, int x, int r, const ChannelSet& channels, Row& row) override {
-        row.get(input(0), y, channels - kMaskAlpha);
-        const GeneralTile tile(input(0), {x - dx_, y - dy_, r + dx_, y + dy_ + 1}, kMaskAlpha);
-        float* out = row.overwrite(kAlpha);
-        for (int i = x; i < r; ++i) {
-            float sum = 0;
-            for (int v = y - dy_; v <= y + dy_; ++v) {
-                for (int u = i - dx_; u <= i + dx_; ++u) sum += tile.at(kAlpha, u, v);
-            }
-            out[i - x] = sum;
-        }
-    }
-
-  private:
-    int dx_;
-    int dy_;
-};
-
-float pattern(Channel c, int x, int y) {
-    return static_cast<float>((x * 7 + y * 13 + c * 29) % 31);
-}
 
 // The neighbourhood sum worked out from the pattern, with edge pixels repeated.
 float expected_sum(const Box& box, int x, int y, int dx, int dy) {
@@ -68,7 +29,7 @@ TEST(Render, EdgesRepeatForAnyBoxAndThreads) {
     const Box boxes[] = {{0, 0, 1, 1}, {-5, 7, -4, 60}, {3, -9, 40, -8}, {-17, -30, 46, 301}};
     for (const Box& box : boxes) {
         test::FunctionSource source(box, kMaskRgba, pattern);
-        Neighbours sums(&source, 2, 3);
+        Sums sums("sums", {&source}, 2, 3);
         for (const int threads : {1, 2, 3, 8}) {
             const test::Picture picture = test::render(sums, threads);
             ASSERT_TRUE(picture.complete);
@@ -85,8 +46,8 @@ TEST(Render, EdgesRepeatForAnyBoxAndThreads) {
 TEST(Render, RegionEqualsThatPartOfTheFrame) {
     const Box box{-8, 4, 52, 90};
     test::FunctionSource source(box, kMaskRgba, pattern);
-    Neighbours inner(&source, 1, 2);
-    Neighbours sums(&inner, 1, 1);
+    Sums inner("inner", {&source}, 1, 2);
+    Sums sums("sums", {&inner}, 1, 1);
     const test::Picture whole = test::render(sums);
     const Box region{5, 20, 18, 33};
     const test::Picture part = test::render(sums, region, 2);
@@ -98,20 +59,20 @@ TEST(Render, RegionEqualsThatPartOfTheFrame) {
 TEST(Render, ComputesEachRowOnceWithinASeam) {
     const Box box{0, 0, 16, 1080};
     test::FunctionSource source(box, kMaskRgba, pattern);
-    Neighbours a(&source, 1, 1);
-    Neighbours b(&a, 1, 2);
-    Neighbours c(&source, 0, 4);  // a second reader of the source
-    Neighbours top(&b, 0, 1);
+    Sums a("a", {&source}, 1, 1);
+    Sums b("b", {&a}, 1, 2);
+    Sums c("c", {&source}, 0, 4);  // a second reader of the source, which nobody asks for
+    Sums top("top", {&b}, 0, 1);
     for (const int threads : {1, 2}) {
         Renderer renderer(threads);
         ASSERT_TRUE(renderer.render(top, box, kMaskRgba, [](int, const Row&) {}));
         ASSERT_EQ(renderer.stats().size(), 4U);
         for (const OpStats& op : renderer.stats()) {
             EXPECT_LE(static_cast<double>(op.rows), threads == 1 ? 1080.0 : 1080.0 * 1.15)
-                << op.op->class_name() << " with " << threads;
+                << op.op->context().node_name << " with " << threads;
         }
     }
-    EXPECT_EQ(c.requested().count, 0);  // nobody asked for it
+    EXPECT_EQ(c.requested().count, 0);
 }
 
 TEST(Render, ChannelsNobodyHasReadAsZero) {
@@ -124,30 +85,34 @@ TEST(Render, ChannelsNobodyHasReadAsZero) {
     EXPECT_EQ(row[kRed][9], 0.0f);
 }
 
-TEST(Render, PassThroughSharesPixels) {
+TEST(Render, RowsSharePixelsUntilTheyAreWrittenTo) {
     test::FunctionSource source({0, 0, 64, 2}, kMaskRgba, pattern);
-    Neighbours sums(&source, 0, 1);
-    Renderer renderer(1);
-    bool shared = true;
-    renderer.render(sums, {0, 0, 64, 2}, kMaskRgba, [&](int y, const Row& row) {
+    Sums sums("sums", {&source}, 0, 1);
+    test::FunctionSource alone({3, 0, 8, 2}, kMaskRgba, pattern);  // which nobody requests
+    alone.validate(true);
+    const auto expect_alone = [&](int y) {
+        Row row(0, 10);
+        row.get(alone, y, kMaskRgb);
+        EXPECT_EQ(row[kRed][0], pattern(kRed, 3, y));
+        EXPECT_EQ(row[kRed][9], pattern(kRed, 7, y));
+    };
+    expect_alone(0);
+    Renderer(1).render(sums, {0, 0, 64, 2}, kMaskRgba, [&](int y, const Row& row) {
         Row from(0, 64);
         from.get(source, y, kMaskRgb);
-        for (const Channel c : kMaskRgb) shared = shared && from[c] == row[c];
+        for (const Channel c : kMaskRgb) EXPECT_EQ(from[c], row[c]);
+        Row beyond(60, 70);  // repeats the edge
+        beyond.get(source, y, kMaskRgb);
+        EXPECT_EQ(beyond[kRed][2], pattern(kRed, 62, y));
+        EXPECT_EQ(beyond[kRed][9], pattern(kRed, 63, y));
+        expect_alone(y);
+        Row part(2, 6);
+        part.share(from, kMaskRgb);
+        part.writable(kRed)[1] = -1.0f;
+        EXPECT_EQ(part[kRed][0], pattern(kRed, 2, y));
+        EXPECT_EQ(part[kRed][1], -1.0f);
+        EXPECT_EQ(from[kRed][3], pattern(kRed, 3, y));
     });
-    EXPECT_TRUE(shared);
-}
-
-TEST(Render, WritingARowLeavesItsSourceAlone) {
-    test::FunctionSource source({0, 0, 8, 1}, kMaskRgba, pattern);
-    source.validate(true);
-    Row a(0, 8);
-    a.get(source, 0, kMaskRgba);
-    Row b(2, 6);
-    b.share(a, kMaskRgba);
-    b.writable(kRed)[1] = -1.0f;
-    EXPECT_EQ(b[kRed][0], pattern(kRed, 2, 0));
-    EXPECT_EQ(b[kRed][1], -1.0f);
-    EXPECT_EQ(a[kRed][3], pattern(kRed, 3, 0));
 }
 
 TEST(Render, AbortFromAnotherThreadStopsWithinABand) {
@@ -178,9 +143,9 @@ TEST(Render, NothingMoreIsMadeOnceAborted) {
             if (x == 0 && y == 3) abort.raise();  // while the windows fill
             return pattern(c, x, y);
         });
-        Neighbours a(&source, 0, 8);
-        Neighbours b(&a, 0, 8);
-        Neighbours c(&b, 0, 8);
+        Sums a("a", {&source}, 0, 8);
+        Sums b("b", {&a}, 0, 8);
+        Sums c("c", {&b}, 0, 8);
         EXPECT_FALSE(Renderer(threads, &abort).render(c, box, kMaskAlpha, [](int, const Row&) {}));
         EXPECT_LE(after, 16 * threads);  // the row that each thread was at
     }
@@ -200,7 +165,7 @@ TEST(Render, ExceptionsReachTheCallerAndTheRendererLives) {
 TEST(RawTile, HoldsThePixelsInsideAndOutsideARender) {
     const Box box{2, 3, 30, 50};
     test::FunctionSource source(box, kMaskRgba, pattern);
-    Neighbours sums(&source, 1, 1);
+    Sums sums("sums", {&source}, 1, 1);
     const RawGeneralTile tile(sums, {0, 0, 10, 10}, kMaskAlpha);
     ASSERT_TRUE(tile.valid());
     EXPECT_EQ(tile.line(kRed, 3), nullptr);

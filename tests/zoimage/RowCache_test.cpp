@@ -7,82 +7,28 @@
 #include <random>
 #include <stdexcept>
 
-#include "support/TestImages.h"
+#include "support/Sums.h"
 
 using namespace Zo::Image;
+using test::pattern;
+using test::Sums;
 
 namespace {
-
-// Alpha: the sum over the row and its two neighbours, of all inputs, plus an offset. Colour passes, except
-// red, which gets the offset added in place.
-class Sum final : public Iop {
-  public:
-    Sum(const char* name, std::initializer_list<Op*> sources) : Iop(NodeContext{name}) {
-        inputs(static_cast<int>(sources.size()));
-        int n = 0;
-        for (Op* source : sources) set_input(n++, source);
-    }
-    const char* class_name() const override { return "Sum"; }
-    void set_offset(float offset) {
-        offset_ = offset;
-        invalidate();
-    }
-    float offset() const { return offset_; }
-    AbortFlag* lost_flag = nullptr;  // cleared as soon as an abort is seen, and a wrong row given
-
-  protected:
-    void _validate(bool /*for_real*/) override {
-        copy_info();
-        set_out_channels(ChannelSet(kRed) + kAlpha);
-    }
-    void _request(int x, int y, int r, int t, ChannelSet channels, int count) override {
-        input(0).request(x, y, r, t, channels - kMaskAlpha, count);
-        for (int n = 0; n < inputs(); ++n) input(n).request(x, y - 1, r, t + 1, kMaskAlpha, count);
-    }
-    void engine(int y, int x, int r, const ChannelSet& channels, Row& row) override {
-        row.get(input(0), y, channels - kMaskAlpha);
-        if (channels.has(kRed)) {
-            float* red = row.writable(kRed);
-            for (int i = 0; i < r - x; ++i) red[i] += offset_;
-        }
-        if (!channels.has(kAlpha)) return;
-        float* out = row.overwrite(kAlpha);
-        std::fill_n(out, r - x, offset_);
-        for (int n = 0; n < inputs(); ++n) {
-            for (int v = y - 1; v <= y + 1; ++v) {
-                Row in(x, r);
-                in.get(input(n), v, kMaskAlpha);
-                for (int i = 0; i < r - x; ++i) out[i] += in[kAlpha][i];
-            }
-        }
-        if (lost_flag != nullptr && aborted()) {
-            lost_flag->clear();
-            std::fill_n(out, r - x, -1e9f);
-        }
-    }
-
-  private:
-    float offset_ = 0.0f;
-};
-
-float pattern(Channel c, int x, int y) {
-    return static_cast<float>((x * 7 + y * 13 + c * 29) % 31);
-}
 
 // source -> a -> b -> root and source, a -> c -> root
 struct Graph {
     explicit Graph(const Box& frame = {-3, 2, 30, 203})
         : box(frame),
           source(frame, kMaskRgba, pattern),
-          a("a", {&source}),
-          b("b", {&a}),
-          c("c", {&source, &a}),
-          root("r", {&b, &c}) {}
-    Sum& op(char name) { return name == 'a' ? a : name == 'b' ? b : name == 'c' ? c : root; }
+          a("a", {&source}, 0, 1),
+          b("b", {&a}, 0, 1),
+          c("c", {&source, &a}, 0, 1),
+          root("r", {&b, &c}, 0, 1) {}
+    Sums& op(char name) { return name == 'a' ? a : name == 'b' ? b : name == 'c' ? c : root; }
 
     Box box;
     test::FunctionSource source;
-    Sum a, b, c, root;
+    Sums a, b, c, root;
 };
 
 // A renderer with a cache, and what it computed last: one letter an operator, s for the source.
@@ -92,17 +38,8 @@ struct Cached {
         renderer.use_cache(&cache);
     }
     test::Picture render(Graph& graph, const Box& region) {
-        test::Picture picture;
-        picture.box = region;
-        const auto width = static_cast<std::size_t>(region.width());
-        for (auto& plane : picture.planes) plane.resize(width * static_cast<std::size_t>(region.height()));
-        picture.complete = renderer.render(graph.root, region, kMaskRgba, [&](int y, const Row& row) {
-            EXPECT_LE(cache.bytes(), cache.budget());
-            const std::size_t at = static_cast<std::size_t>(y - region.y) * width;
-            for (const Channel c : kMaskRgba) {
-                std::copy_n(row[c], width, picture.planes[static_cast<std::size_t>(c)].data() + at);
-            }
-        });
+        test::Picture picture = test::render(renderer, graph.root, region);
+        EXPECT_LE(cache.bytes(), cache.budget());
         computed.clear();
         rows = 0;
         for (const OpStats& op : renderer.stats()) {
@@ -131,44 +68,27 @@ test::Picture fresh(Graph& graph, const Box& region) {
 constexpr std::size_t kAmple = std::size_t{1} << 26U;
 
 TEST(RowCache, OnlyWhatDependsOnAChangeIsComputedAgain) {
-    struct Step {
-        const char* changed;
-        const char* computed;
-    };
-    // A source that computes its rows is kept like any other operator; the root never is.
-    const Step steps[] = {{"", "abcrs"},
-                          {"", "r"},
-                          {"r", "r"},
-                          {"b", "br"},
-                          {"c", "cr"},
-                          {"", "r"},
-                          {"bc", "bcr"},
-                          {"", "r"},
-                          {"a", "abcr"},
-                          {"", "r"},
-                          {"s", "abcrs"},
-                          {"", "r"},
-                          // From the second change in a row on rows are not kept, until one comes without.
-                          {"b", "br"},
-                          {"b", "br"},
-                          {"r", "br"},
-                          {"r", "r"},
-                          {"a", "abcr"}};
+    // What changed, and what is computed. A source that computes its rows is kept like any other operator;
+    // the root never is. From the second change in a row on rows are not kept, until one comes without.
+    const std::pair<std::string, const char*> steps[] = {
+        {"", "abcrs"}, {"", "r"},   {"r", "r"},    {"b", "br"}, {"c", "cr"},    {"", "r"},
+        {"bc", "bcr"}, {"", "r"},   {"a", "abcr"}, {"", "r"},   {"s", "abcrs"}, {"", "r"},
+        {"b", "br"},   {"b", "br"}, {"r", "br"},   {"r", "r"},  {"a", "abcr"}};
     for (const int threads : {1, 2, 5}) {
         Graph graph;
         Cached cached(kAmple, threads);
         float offset = 1.0f;
-        for (const Step& step : steps) {
-            for (const char* name = step.changed; *name != 0; ++name) {
-                if (*name == 's') {
+        for (const auto& [changed, computed] : steps) {
+            for (const char name : changed) {
+                if (name == 's') {
                     graph.source.set_pixel(pattern);
                 } else {
-                    graph.op(*name).set_offset(offset += 1.0f);
+                    graph.op(name).set_offset(offset += 1.0f);
                 }
             }
             const test::Picture now = cached.render(graph);
-            EXPECT_EQ(cached.computed, step.computed) << "after " << step.changed << ", threads " << threads;
-            ASSERT_EQ(now.planes, fresh(graph, graph.box).planes) << "after " << step.changed;
+            EXPECT_EQ(cached.computed, computed) << "after " << changed << ", threads " << threads;
+            ASSERT_EQ(now.planes, fresh(graph, graph.box).planes) << "after " << changed;
         }
     }
 }
@@ -229,15 +149,13 @@ TEST(RowCache, AnyBudgetGivesTheSamePixelsAndASettledChoice) {
         for (int step = 0; step < 8; ++step) {
             graph.b.set_offset(static_cast<float>(step));
             cached.render(graph);
-            if (step == 4) settled = cached.computed;
-            if (step > 4) {
-                EXPECT_EQ(cached.computed, settled) << "budget " << budget;
-            }
+            if (step <= 4) settled = cached.computed;
+            EXPECT_EQ(cached.computed, settled) << "budget " << budget;
         }
+        // Room for what b is made from and what stands beside it, and for the source only with more.
         if (budget == 0) {
             EXPECT_EQ(settled, "abcrs");
         } else if (budget >= 4 * plane) {
-            // Room for what b is made from and what stands beside it, and for the source only with more.
             EXPECT_EQ(settled, budget == kAmple ? "br" : "brs");
         }
     }

@@ -33,21 +33,6 @@ void one_after_another(int count, const std::function<void(int)>& job) {
     for (int i = 0; i < count; ++i) job(i);
 }
 
-void last_first(int count, const std::function<void(int)>& job) {
-    for (int i = count - 1; i >= 0; --i) job(i);
-}
-
-void first_alone(int /*count*/, const std::function<void(int)>& job) {
-    job(0);
-}
-
-void none(int /*count*/, const std::function<void(int)>& /*job*/) {}
-
-void all_twice(int count, const std::function<void(int)>& job) {
-    one_after_another(count, job);
-    one_after_another(count, job);
-}
-
 void new_threads(int count, const std::function<void(int)>& job) {
     std::vector<std::thread> threads;
     for (int i = 0; i < count; ++i) threads.emplace_back([&job, i] { job(i); });
@@ -94,26 +79,22 @@ class ColumnSums final : public Iop {
     std::vector<float> sums_;
 };
 
-const struct {
-    const char* name;
-    int threads;
-    Jobs jobs;
-    int runs;  // how often the source is asked
-} kSources[] = {
-    {"one after another", 4, one_after_another, 1},
-    {"last first", 4, last_first, 1},
-    {"the first alone", 4, first_alone, 1},
-    {"none", 4, none, 1},
-    {"all twice", 4, all_twice, 1},
-    {"new threads", 4, new_threads, 1},
-    {"more than there are rows", 5000, one_after_another, 1},
-    {"a single one", 1, none, 0},
-    {"a count of 0", 0, none, 0},
-};
-
 TEST(ThreadSource, EveryRowOnceHoweverJobsRun) {
-    for (const auto& given : kSources) {
-        SCOPED_TRACE(given.name);
+    const Jobs none = [](int, const auto&) {};
+    const Jobs first_alone = [](int, const auto& job) { job(0); };
+    const Jobs twice_last_first = [](int count, const auto& job) {
+        for (int i = 2 * count - 1; i >= 0; --i) job(i % count);
+    };
+    // How often the source is asked: not at all for a single thread.
+    const struct {
+        int threads;
+        Jobs jobs;
+        int runs;
+    } sources[] = {
+        {4, one_after_another, 1}, {4, twice_last_first, 1},     {4, first_alone, 1}, {4, none, 1},
+        {4, new_threads, 1},       {5000, one_after_another, 1}, {1, none, 0},        {0, none, 0}};
+    for (const auto& given : sources) {
+        SCOPED_TRACE(&given - sources);
         test::FunctionSource source(kBox, kMaskRgba,
                                     [](Channel, int x, int y) { return static_cast<float>(x + y); });
         ColumnSums sums(&source);

@@ -1,22 +1,15 @@
 #include "ofx/host/Effect.h"
 
 #include <algorithm>
-#include <climits>
 #include <cmath>
 #include <cstring>
-#include <stdexcept>
 
 namespace ofxtest {
 
 namespace {
 
 constexpr unsigned char kUnwritten = 0xA7;
-constexpr int kPadding = 5;  // channels at the end of a row
-constexpr auto kPlugin = PropertySet::kPluginSets;
-
-OfxRectI shared(const OfxRectI& a, const OfxRectI& b) {
-    return {std::max(a.x1, b.x1), std::max(a.y1, b.y1), std::min(a.x2, b.x2), std::min(a.y2, b.y2)};
-}
+constexpr std::size_t kPadding = 5;  // channels at the end of a row
 
 // A row of the field that stands for this one; the lower field has the even rows.
 int line_of(int y, const std::string& field) {
@@ -34,14 +27,8 @@ OfxRectD canonical_of(const OfxRectI& p, double scale, double aspect) {
     return {p.x1 * aspect / scale, p.y1 / scale, p.x2 * aspect / scale, p.y2 / scale};
 }
 
-Frame::Frame(const OfxRectI& b, int channel_count)
-    : box(b),
-      channels(channel_count),
-      values(static_cast<std::size_t>((b.x2 - b.x1) * (b.y2 - b.y1) * channel_count)) {}
-
-float& Frame::at(int x, int y, int c) {
-    return values[static_cast<std::size_t>(((y - box.y1) * (box.x2 - box.x1) + x - box.x1) * channels + c)];
-}
+thread_local const Call* Call::current = nullptr;
+const Call Call::kOutside;
 
 double white_of(const std::string& depth) {
     return depth == kOfxBitDepthByte ? 255.0 : depth == kOfxBitDepthShort ? 65535.0 : 1.0;
@@ -58,17 +45,16 @@ Image::Image(const Clip& clip, const OfxRectI& bounds, const OfxRectI& rod, doub
       bounds_(bounds),
       depth_(clip.props.string_at(kOfxImageEffectPropPixelDepth)),
       channels_(channels_of(clip.props.string_at(kOfxImageEffectPropComponents))),
-      bytes_(depth_ == kOfxBitDepthByte    ? 1
-             : depth_ == kOfxBitDepthFloat ? 4
-                                           : 2) {
-    const std::ptrdiff_t width = bounds.x2 - bounds.x1;
-    const std::ptrdiff_t height = bounds.y2 - bounds.y1;
-    const std::ptrdiff_t line = width * channels_ * bytes_;
-    const std::ptrdiff_t stride = line + kPadding * bytes_;
+      bytes_(depth_ == kOfxBitDepthByte    ? 1U
+             : depth_ == kOfxBitDepthFloat ? 4U
+                                           : 2U) {
+    const std::size_t line = static_cast<std::size_t>((bounds.x2 - bounds.x1) * channels_) * bytes_;
+    const std::size_t stride = line + kPadding * bytes_;
+    const auto above = static_cast<std::size_t>(std::max(bounds.y2 - bounds.y1 - 1, 0));
     const bool flipped = clip.source() != nullptr && clip.source()->upside_down;
-    memory_.assign(static_cast<std::size_t>(height > 0 ? (height - 1) * stride + line : 0), kUnwritten);
-    first_ = memory_.data() + (flipped && height > 0 ? (height - 1) * stride : 0);
-    row_bytes_ = flipped ? -stride : stride;
+    memory_.assign(bounds.y2 > bounds.y1 ? above * stride + line : 0, kUnwritten);
+    first_ = memory_.data() + (flipped ? above * stride : 0);
+    row_bytes_ = static_cast<std::ptrdiff_t>(stride) * (flipped ? -1 : 1);
 
     add(kOfxImagePropData, {static_cast<void*>(first_)});
     add(kOfxImagePropBounds, {bounds.x1, bounds.y1, bounds.x2, bounds.y2});
@@ -81,38 +67,20 @@ Image::Image(const Clip& clip, const OfxRectI& bounds, const OfxRectI& rod, doub
 }
 
 unsigned char* Image::address(int x, int y, int c) const {
-    return first_ + (y - bounds_.y1) * row_bytes_ + ((x - bounds_.x1) * channels_ + c) * bytes_;
-}
-
-void Image::store(unsigned char* at, float value) const {
-    const double level = std::clamp(static_cast<double>(value), 0.0, 1.0) * white_of(depth_);
-    if (depth_ == kOfxBitDepthFloat) {
-        std::memcpy(at, &value, sizeof value);
-    } else if (depth_ == kOfxBitDepthByte) {
-        *at = static_cast<unsigned char>(std::lround(level));
-    } else {
-        const auto wide = static_cast<unsigned short>(std::lround(level));
-        std::memcpy(at, &wide, sizeof wide);
-    }
-}
-
-float Image::load(const unsigned char* at) const {
-    if (depth_ == kOfxBitDepthByte) return *at;
-    if (depth_ == kOfxBitDepthFloat) {
-        float value = 0;
-        std::memcpy(&value, at, sizeof value);
-        return value;
-    }
-    unsigned short wide = 0;
-    std::memcpy(&wide, at, sizeof wide);
-    return wide;
+    return first_ + (y - bounds_.y1) * row_bytes_ +
+           ((x - bounds_.x1) * channels_ + c) * static_cast<std::ptrdiff_t>(bytes_);
 }
 
 void Image::fill(const Source& source, double time, const std::string& field) {
     for (int y = bounds_.y1; y < bounds_.y2; ++y) {
         for (int x = bounds_.x1; x < bounds_.x2; ++x) {
-            for (int c = 0; c < channels_; ++c)
-                store(address(x, y, c), source.pixel(time, channels_ == 1 ? 3 : c, x, line_of(y, field)));
+            for (int c = 0; c < channels_; ++c) {
+                const float value = source.pixel(time, channels_ == 1 ? 3 : c, x, line_of(y, field));
+                const double level = std::clamp(static_cast<double>(value), 0.0, 1.0) * white_of(depth_);
+                const auto whole = static_cast<unsigned>(std::lround(level));
+                const bool exact = depth_ == kOfxBitDepthFloat;
+                std::memcpy(address(x, y, c), exact ? static_cast<const void*>(&value) : &whole, bytes_);
+            }
         }
     }
 }
@@ -125,8 +93,12 @@ void Image::collect(const Call& call, Frame& frame) const {
         for (int x = w.x1; x < w.x2; ++x) {
             for (int c = 0; c < channels_; ++c) {
                 const unsigned char* at = address(x, y, c);
-                frame.at(x, y, c) = load(at);
-                window += bytes_;
+                float value = 0;
+                unsigned whole = 0;
+                const bool exact = depth_ == kOfxBitDepthFloat;
+                std::memcpy(exact ? static_cast<void*>(&value) : &whole, at, bytes_);
+                frame.at(x, y, c) = exact ? value : static_cast<float>(whole);
+                window += static_cast<std::ptrdiff_t>(bytes_);
                 unwritten += std::count(at, at + bytes_, kUnwritten);
             }
         }
@@ -136,87 +108,77 @@ void Image::collect(const Call& call, Frame& frame) const {
         note_fault("writes beside the render window or its field");
 }
 
-Clip::Clip(const std::string& name) : name_(name) {
-    props.add(kOfxPropLabel, {name}, kPlugin);
-    props.add_list(kOfxImageEffectPropSupportedComponents, std::string(), kPlugin);
-    props.add(kOfxImageClipPropOptional, {0}, kPlugin);
-    props.add(kOfxImageClipPropIsMask, {0}, kPlugin);
-    props.add(kOfxImageEffectPropTemporalClipAccess, {0}, kPlugin);
-    props.add(kOfxImageEffectPropSupportsTiles, {1}, kPlugin);
-    props.add(kOfxImageClipPropFieldExtraction, {std::string()}, kPlugin);
+namespace {
 
-    props.add(kOfxImageClipPropConnected, {0});
-    props.add(kOfxImageEffectPropPixelDepth, {std::string(kOfxBitDepthNone)});
-    props.add(kOfxImageEffectPropComponents, {std::string(kOfxImageComponentNone)});
-    props.add(kOfxImagePropPixelAspectRatio, {1.0});
-}
-
-void Clip::connect(std::shared_ptr<const Source> source) {
-    source_ = std::move(source);
-    static std::atomic<int> connections{0};
-    connection_ = ++connections;
-    const Source& s =
-        source_ ? *source_ : Source{.depth = kOfxBitDepthNone, .components = kOfxImageComponentNone};
-    const auto known = props.strings(kOfxImageEffectPropSupportedComponents);
-    if (source_ && std::find(known.begin(), known.end(), s.components) == known.end())
-        note_fault(name_ + " does not take " + s.components);
-    props.put(kOfxImageClipPropConnected, {source_ ? 1 : 0});
-    props.put(kOfxImageEffectPropPixelDepth, {s.depth});
-    props.put(kOfxImageEffectPropComponents, {s.components});
-    props.put(kOfxImagePropPixelAspectRatio, {s.aspect});
-}
-
-OfxRectD Clip::rod() const {
-    if (!source_) return {};
-    if (source_->endless) return {INT_MIN, INT_MIN, INT_MAX, INT_MAX};
-    return canonical_of(source_->box, 1.0, aspect());
-}
-
-OfxStatus Clip::fetch(double time, const OfxRectD* region, OfxPropertySetHandle* image) const {
-    const Call* call = Call::current();
-    if (call == nullptr || !call->may_fetch) {
-        note_fault("fetches an image at the wrong time: " + name_);
-        return kOfxStatFailed;
-    }
-    if (!source_ || source_->fails) return kOfxStatFailed;
-    const double scale = source_->scaled ? call->scale : 1.0;
-    const OfxRectI rod = pixels_of(this->rod(), scale, aspect());
-    OfxRectI bounds = rod;
-    const auto asked = call->regions.find(name_);
-    if (is_output()) {  // a little more than the window
-        const OfxRectI& w = call->window;
-        bounds = {w.x1 - 3, w.y1 - 2, w.x2 + 1, w.y2 + 4};
-    } else if (region != nullptr) {
-        bounds = shared(rod, pixels_of(*region, scale, aspect()));
-    } else if (asked != call->regions.end()) {
-        bounds = shared(rod, pixels_of(asked->second, scale, aspect()));
-    }
-    if (const int n = source_->missing; n > 0)
-        bounds = {bounds.x1 + n, bounds.y1 + n, bounds.x2 - n, bounds.y2 - n};
-    auto* made = new Image(*this, bounds, rod, scale);
-    if (!is_output()) {
-        if (source_->identified) {
-            made->add(kOfxImagePropUniqueIdentifier, {name_ + std::to_string(connection_)});
-        }
-        made->fill(*source_, time, call->field);
-    }
-    *image = made->handle();
+OfxStatus get_properties(OfxImageEffectHandle effect, OfxPropertySetHandle* props) {
+    *props = behind<Effect>(effect).props.handle();
     return kOfxStatOK;
 }
 
-Effect::Effect() {
-    params.effect_props = &props;
+OfxStatus get_params(OfxImageEffectHandle effect, OfxParamSetHandle* params) {
+    *params = reinterpret_cast<OfxParamSetHandle>(&behind<Effect>(effect).params);
+    return kOfxStatOK;
 }
 
-Clip* Effect::find_clip(const std::string& name) const {
-    const auto found =
-        std::find_if(clips.begin(), clips.end(), [&](const auto& c) { return c->name() == name; });
-    return found != clips.end() ? found->get() : nullptr;
+OfxStatus define_clip(OfxImageEffectHandle handle, const char* name, OfxPropertySetHandle* props) {
+    auto& effect = behind<Effect>(handle);
+    if (!effect.params.describing || effect.find_clip(name) != nullptr)
+        return note_fault(std::string("defines a clip twice, or outside a describe action: ") + name,
+                          kOfxStatErrExists);
+    Clip& clip = *effect.clips.emplace_back(std::make_unique<Clip>(name));
+    if (props != nullptr) *props = clip.props.handle();
+    return kOfxStatOK;
 }
 
-Clip& Effect::clip(const std::string& name) const {
-    if (Clip* found = find_clip(name)) return *found;
-    throw std::out_of_range("no clip " + name);
+OfxStatus clip_handle(OfxImageEffectHandle handle, const char* name, OfxImageClipHandle* clip,
+                      OfxPropertySetHandle* props) {
+    return hand_out(behind<Effect>(handle).find_clip(name), clip, props);
+}
+
+OfxStatus get_image(OfxImageClipHandle clip, OfxTime time, const OfxRectD* region,
+                    OfxPropertySetHandle* image) {
+    return behind<Clip>(clip).fetch(time, region, image);
+}
+
+OfxStatus release_image(OfxPropertySetHandle handle) {
+    PropertySet* set = PropertySet::from(handle);
+    if (set == nullptr || !set->has(kOfxImagePropData))
+        return note_fault("releases what is no image", kOfxStatErrBadHandle);
+    const std::unique_ptr<Image> image(static_cast<Image*>(set));
+    const Call& call = Call::now();
+    if (image->is_output && call.output != nullptr) image->collect(call, *call.output);
+    return kOfxStatOK;
+}
+
+OfxStatus clip_rod(OfxImageClipHandle handle, OfxTime, OfxRectD* bounds) {
+    const auto& clip = behind<Clip>(handle);
+    *bounds = clip.rod();
+    return clip.source() != nullptr ? kOfxStatOK : kOfxStatFailed;
+}
+
+int abort_wanted(OfxImageEffectHandle handle) {
+    auto& effect = behind<Effect>(handle);
+    const int polls = effect.polls.fetch_add(1, std::memory_order_relaxed) + 1;
+    const int after = effect.abort_after.load(std::memory_order_relaxed);
+    return after >= 0 && polls > after ? 1 : 0;
+}
+
+}  // namespace
+
+const OfxImageEffectSuiteV1& image_effect_suite() {
+    static const OfxImageEffectSuiteV1 suite = [] {
+        OfxImageEffectSuiteV1 s{};
+        s.getPropertySet = entered<get_properties>;
+        s.getParamSet = entered<get_params>;
+        s.clipDefine = entered<define_clip>;
+        s.clipGetHandle = entered<clip_handle>;
+        s.clipGetImage = entered<get_image>;
+        s.clipReleaseImage = entered<release_image>;
+        s.clipGetRegionOfDefinition = entered<clip_rod>;
+        s.abort = entered<abort_wanted>;
+        return s;
+    }();
+    return suite;
 }
 
 }  // namespace ofxtest

@@ -5,16 +5,39 @@
 // those of real hosts: what the plug-in sets tells the plug-in of the change before the setter returns.
 #pragma once
 
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <atomic>
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <optional>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "abi/OfxMessage.h"
+#include "abi/OfxMultiThread.h"
 #include "ofx/host/Effect.h"
 
 namespace ofxtest {
+
+// Threads, the time line and messages are the process's: their suites have no handle of a host.
+struct Services {
+    int threads = 2;                     // that multiThread runs jobs on; 1 is the calling thread
+    bool threads_fail = false;           // multiThread launches none
+    double time = 0.0;                   // that the user looks at
+    std::atomic<int> parallel_calls{0};  // of multiThread
+
+    // "type: text" each, persistent ones with a star; any thread.
+    std::vector<std::string> take_messages();
+};
+Services& services();
+
+const OfxMultiThreadSuiteV1& multi_thread_suite();
+const OfxMessageSuiteV2& message_suite();  // the first version is its beginning
 
 class Instance;
 
@@ -30,15 +53,78 @@ struct HostOptions {
 class Host {
   public:
     // Opens the binary and gives it the host; throws std::runtime_error when that fails.
-    explicit Host(const std::string& bundle, HostOptions options = {});
+    explicit Host(const std::string& bundle, HostOptions options = {}) : options_(std::move(options)) {
+        for (const char* yes :
+             {kOfxParamHostPropSupportsChoiceAnimation, kOfxParamHostPropSupportsBooleanAnimation}) {
+            if (!options_.bare) props_.add(yes, {1});
+        }
+        host_ = {props_.handle(), fetch_suite};
+        const std::string name = std::filesystem::path(bundle).stem().stem().string();
+        const std::string binary = bundle + "/Contents/Linux-x86-64/" + name + ".ofx";
+        library_ = dlopen(binary.c_str(), RTLD_NOW | RTLD_LOCAL);
+        if (library_ == nullptr) throw std::runtime_error(dlerror());
+        const auto symbol = [&](const char* what) {
+            if (void* found = dlsym(library_, what)) return found;
+            throw std::runtime_error(std::string("the binary lacks ") + what);
+        };
+        get_plugin_ = reinterpret_cast<OfxPlugin* (*)(int)>(symbol("OfxGetPlugin"));
+        reinterpret_cast<OfxStatus (*)(const OfxHost*)>(symbol("OfxSetHost"))(&host_);
+        count_ = reinterpret_cast<int (*)()>(symbol("OfxGetNumberOfPlugins"))();
+        plugin_ = get_plugin_(0);
+        plugin_->setHost(&host_);
+    }
     // Sends Unload if Load was sent, and closes the binary.
-    ~Host();
+    ~Host() {
+        if (loaded_) action(kOfxActionUnload, nullptr);
+        dlclose(library_);
+    }
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
 
     // Load, Describe, and DescribeInContext for the contexts of both sides; the first reply that is not OK.
     // May be called again, as some hosts do.
-    OfxStatus load();
+    OfxStatus load() {
+        for (const std::string& suite : options_.missing) props_.add("missing " + suite, {1});
+        OfxStatus status = action(kOfxActionLoad, nullptr);
+        loaded_ = loaded_ || status == kOfxStatOK;
+        if (status != kOfxStatOK) return status;
+        descriptor_ = std::make_unique<Effect>();
+        PropertySet& p = descriptor_->props;
+        p.add_all({kOfxPropLabel, kOfxPropShortLabel, kOfxPropLongLabel, kOfxPropVersionLabel,
+                   kOfxPropPluginDescription, kOfxImageEffectPluginPropGrouping,
+                   kOfxImageEffectPluginRenderThreadSafety},
+                  kText);
+        p.add_all({kOfxPropIcon}, kText, 2);
+        p.add_lists({kOfxPropVersion}, 0);
+        p.add_lists({kOfxImageEffectPropSupportedContexts, kOfxImageEffectPropSupportedPixelDepths,
+                     kOfxImageEffectPropClipPreferencesSlaveParam, kOfxPluginPropParamPageOrder},
+                    kText);
+        p.add_all(
+            {kOfxImageEffectPluginPropHostFrameThreading, kOfxImageEffectPropSupportsTiles,
+             kOfxImageEffectPropSupportsMultiResolution, kOfxImageEffectPluginPropFieldRenderTwiceAlways,
+             kOfxImageEffectPluginPropSingleInstance, kOfxImageEffectPropTemporalClipAccess,
+             kOfxImageEffectPropSupportsMultipleClipDepths, kOfxImageEffectPropSupportsMultipleClipPARs},
+            1);
+        status = action(kOfxActionDescribe, descriptor_.get());
+        if (status != kOfxStatOK) return status;
+        contexts_.clear();
+        const std::vector<std::string> theirs = p.strings(kOfxImageEffectPropSupportedContexts);
+        for (const std::string& context : options_.contexts) {
+            if (std::find(theirs.begin(), theirs.end(), context) == theirs.end()) continue;
+            auto effect = std::make_unique<Effect>();
+            effect->props = p;
+            effect->params.refused_types = options_.refused_types;
+            effect->params.refused_children = options_.refused_children;
+            effect->params.describing = true;
+            PropertySet in;
+            in.add(kOfxImageEffectPropContext, {context});
+            status = action(kOfxImageEffectActionDescribeInContext, effect.get(), &in);
+            if (status != kOfxStatOK) return status;
+            effect->params.describing = false;
+            contexts_[context] = std::move(effect);
+        }
+        return kOfxStatOK;
+    }
     const OfxPlugin& plugin() const { return *plugin_; }
     int plugin_count() const { return count_; }
     bool has_plugin(int n) const { return get_plugin_(n) != nullptr; }
@@ -53,11 +139,32 @@ class Host {
     std::unique_ptr<Instance> create(const std::string& context, const Values& saved = {});
 
     OfxStatus action(const char* name, Effect* effect, PropertySet* in = nullptr, PropertySet* out = nullptr,
-                     const Call& call = {});
+                     const Call& call = {}) {
+        const Call* outer = std::exchange(Call::current, &call);
+        const auto handle = [](PropertySet* set) { return set != nullptr ? set->handle() : nullptr; };
+        const OfxStatus status = plugin_->mainEntry(name, effect, handle(in), handle(out));
+        Call::current = outer;
+        begin_call();
+        return status;
+    }
 
   private:
-    static const void* fetch_suite(OfxPropertySetHandle host, const char* name, int version);
-    void close();
+    static const void* fetch_suite(OfxPropertySetHandle handle, const char* name, int version) {
+        static const std::map<std::string, const void*> suites{
+            {"OfxPropertySuite 1", &property_suite()},
+            {"OfxImageEffectSuite 1", &image_effect_suite()},
+            {"OfxParameterSuite 1", &parameter_suite()},
+            {"OfxMessageSuite 1", &message_suite()},
+            {"OfxMultiThreadSuite 1", &multi_thread_suite()},
+            {"OfxMessageSuite 2", &message_suite()}};
+        begin_call();
+        // Of the host only its property set comes along: what it lacks is noted there.
+        const PropertySet* props = PropertySet::from(handle);
+        const std::string key = std::string(name) + ' ' + std::to_string(version);
+        const auto found = suites.find(key);
+        return props == nullptr || props->has("missing " + key) || found == suites.end() ? nullptr
+                                                                                         : found->second;
+    }
 
     HostOptions options_;
     PropertySet props_;
@@ -71,47 +178,206 @@ class Host {
     std::map<std::string, std::unique_ptr<Effect>> contexts_;
 };
 
+inline constexpr auto kPlugin = PropertySet::kPluginSets;
+
+inline void add_rect(PropertySet& p, const std::string& name, const OfxRectD& r) {
+    p.add(name, {r.x1, r.y1, r.x2, r.y2}, kPlugin);
+}
+
+inline OfxRectD rect_of(const PropertySet& p, const std::string& name) {
+    return {p.double_at(name, 0), p.double_at(name, 1), p.double_at(name, 2), p.double_at(name, 3)};
+}
+
+inline PropertySet frame_arguments(double time, double scale) {
+    PropertySet in;
+    in.add(kOfxPropTime, {time});
+    in.add(kOfxImageEffectPropRenderScale, {scale, scale});
+    return in;
+}
+
+inline PropertySet window_arguments(double time, double scale, const OfxRectI& w, const std::string& field) {
+    PropertySet in = frame_arguments(time, scale);
+    in.add(kOfxImageEffectPropFieldToRender, {field});
+    in.add(kOfxImageEffectPropRenderWindow, {w.x1, w.y1, w.x2, w.y2});
+    return in;
+}
+
 class Instance final : public Effect {
   public:
-    Instance(Host& host, const std::string& context, Effect& descriptor);
-    ~Instance() override;
+    Instance(Host& host, const std::string& context, Effect& descriptor) : host_(host) {
+        props = descriptor.props;
+        props.add(kOfxImageEffectPropContext, {context});
+        props.add(kOfxPropInstanceData, {static_cast<void*>(nullptr)}, kPlugin);
+        props.add(kOfxPropParamSetNeedsSyncing, {1}, kPlugin);
+        for (const auto& clip : descriptor.clips) clips.push_back(std::make_unique<Clip>(*clip));
+        for (const auto& param : descriptor.params.all()) params.add(std::make_unique<Param>(params, *param));
+        params.when_edited = [this](Param& param) {
+            if (created_) changed(kOfxTypeParameter, param.name(), kOfxChangePluginEdited);
+        };
+    }
+    ~Instance() override { host_.action(kOfxActionDestroyInstance, this); }
 
-    OfxStatus create();
+    OfxStatus create() {
+        const OfxStatus status =
+            host_.action(kOfxActionCreateInstance, this, nullptr, nullptr, {.may_set_params = true});
+        created_ = true;
+        return status;
+    }
     // Connects a clip, or with null disconnects it, and tells the plug-in. Output takes depth and components.
-    void connect(const std::string& clip, const Source* source);
+    void connect(const std::string& name, const Source* source) {
+        clip(name).connect(source != nullptr ? std::make_shared<Source>(*source) : nullptr);
+        changed(kOfxTypeClip, name, kOfxChangeUserEdited);
+    }
     // What the user does.
-    void set(const std::string& param, std::vector<double> numbers);
-    void press(const std::string& button);
-    void undo();
-    void go_to(double time);
+    void set(const std::string& name, std::vector<double> numbers) {
+        params.get(name).assign({std::move(numbers), {}});
+        changed(kOfxTypeParameter, name, kOfxChangeUserEdited);
+    }
+    void press(const std::string& button) {
+        if (params.get(button).type() != kOfxParamTypePushButton)
+            throw std::logic_error(button + " is no button");
+        changed(kOfxTypeParameter, button, kOfxChangeUserEdited);
+    }
+    void undo() {
+        const ParamSet::Step step = params.undo.back();
+        params.undo.pop_back();
+        for (auto edit = step.rbegin(); edit != step.rend(); ++edit) edit->first->assign(edit->second);
+        for (const auto& [param, content] : step)
+            changed(kOfxTypeParameter, param->name(), kOfxChangeUserEdited);
+    }
+    void go_to(double time) {
+        services().time = time;
+        for (const auto& param : params.all()) {
+            if (param->holds_value() && param->props.int_at(kOfxParamPropIsAnimating) != 0)
+                changed(kOfxTypeParameter, param->name(), kOfxChangeTime);
+        }
+    }
     // The values that a project file holds.
-    Host::Values saved() const;
+    Host::Values saved() const {
+        Host::Values values;
+        for (const auto& param : params.all()) {
+            if (param->holds_value()) values[param->name()] = param->content();
+        }
+        return values;
+    }
 
-    OfxRectD region_of_definition(double time = 0.0, double scale = 1.0);
+    OfxRectD region_of_definition(double time = 0.0, double scale = 1.0) {
+        PropertySet in = frame_arguments(time, scale);
+        PropertySet out;
+        for (const auto& clip : clips) {
+            if (clip->is_output() || clip->props.int_at(kOfxImageClipPropOptional) != 0) continue;
+            add_rect(out, kOfxImageEffectPropRegionOfDefinition, clip->rod());
+        }
+        host_.action(kOfxImageEffectActionGetRegionOfDefinition, this, &in, &out,
+                     {.per_frame = true, .scale = scale});
+        return rect_of(out, kOfxImageEffectPropRegionOfDefinition);
+    }
     // The clip that is passed through.
-    std::optional<std::string> identity(const OfxRectI& window, double time = 0.0, double scale = 1.0);
+    std::optional<std::string> identity(const OfxRectI& w, double time = 0.0, double scale = 1.0) {
+        PropertySet in = window_arguments(time, scale, w, kOfxImageFieldNone);
+        PropertySet out;
+        out.add(kOfxPropName, {std::string()}, kPlugin);
+        out.add(kOfxPropTime, {time}, kPlugin);
+        const Call call{.per_frame = true, .scale = scale};
+        if (host_.action(kOfxImageEffectActionIsIdentity, this, &in, &out, call) != kOfxStatOK)
+            return std::nullopt;
+        return out.string_at(kOfxPropName);
+    }
     std::map<std::string, OfxRectD> regions_of_interest(const OfxRectD& region, double time = 0.0,
-                                                        double scale = 1.0);
+                                                        double scale = 1.0) {
+        PropertySet in = frame_arguments(time, scale);
+        add_rect(in, kOfxImageEffectPropRegionOfInterest, region);
+        PropertySet out;
+        for (const auto& clip : clips) {
+            if (!clip->is_output()) add_rect(out, kOfxImageClipPropRoI_ + clip->name(), region);
+        }
+        host_.action(kOfxImageEffectActionGetRegionsOfInterest, this, &in, &out,
+                     {.per_frame = true, .scale = scale});
+        std::map<std::string, OfxRectD> regions;
+        for (const auto& clip : clips) {
+            if (!clip->is_output())
+                regions[clip->name()] = rect_of(out, kOfxImageClipPropRoI_ + clip->name());
+        }
+        return regions;
+    }
     // Renders a window, or a field's rows of it, into the frame; asks for regions of interest first when the
     // host knows tiles.
-    OfxStatus render(Frame& frame, const OfxRectI& window, double time = 0.0, double scale = 1.0,
-                     const std::string& field = kOfxImageFieldNone);
+    OfxStatus render(Frame& frame, const OfxRectI& w, double time = 0.0, double scale = 1.0,
+                     const std::string& field = kOfxImageFieldNone) {
+        Call call{.per_frame = true, .may_fetch = true, .scale = scale, .window = w, .field = field};
+        call.output = &frame;
+        if (host_.options().tiles) {
+            call.regions = regions_of_interest(canonical_of(w, scale, aspect()), time, scale);
+        }
+        PropertySet in = window_arguments(time, scale, w, field);
+        return host_.action(kOfxImageEffectActionRender, this, &in, nullptr, call);
+    }
     // The window of a whole frame.
-    OfxRectI window(double time = 0.0, double scale = 1.0);
+    OfxRectI window(double time = 0.0, double scale = 1.0) {
+        return pixels_of(region_of_definition(time, scale), scale, aspect());
+    }
     // A whole frame in one piece, within a sequence. Throws when an action fails.
-    Frame render(double time = 0.0, double scale = 1.0);
-    void sequence(const char* action, double time = 0.0, double scale = 1.0);
+    Frame render(double time = 0.0, double scale = 1.0) {
+        const OfxRectI w = window(time, scale);
+        const Clip& output = clip(kOfxImageEffectOutputClipName);
+        Frame frame(w, channels_of(output.props.string_at(kOfxImageEffectPropComponents)));
+        sequence(kOfxImageEffectActionBeginSequenceRender, time, scale);
+        const OfxStatus status = render(frame, w, time, scale);
+        sequence(kOfxImageEffectActionEndSequenceRender, time, scale);
+        if (status != kOfxStatOK)
+            throw std::runtime_error("the render gave status " + std::to_string(status));
+        return frame;
+    }
+    void sequence(const char* action, double time = 0.0, double scale = 1.0) {
+        PropertySet in = frame_arguments(time, scale);
+        host_.action(action, this, &in, nullptr, {.per_frame = true, .scale = scale});
+    }
 
     PropertySet preferences;    // of clips; asked for anew after each change that they may depend on
     double viewer_scale = 1.0;  // at which the user presses buttons
 
   private:
     double aspect() const { return clip(kOfxImageEffectOutputClipName).aspect(); }
-    void ask_preferences();
-    void changed(const std::string& type, const std::string& name, const char* reason);
+    void ask_preferences() {
+        preferences = {};
+        for (const auto& clip : clips) {
+            if (clip->source() == nullptr && clip->props.int_at(kOfxImageClipPropOptional) == 0) return;
+            preferences.add(kOfxImageClipPropComponents_ + clip->name(),
+                            {clip->props.string_at(kOfxImageEffectPropComponents)}, kPlugin);
+        }
+        preferences.add(kOfxImageEffectPropPreMultiplication, {std::string()}, kPlugin);
+        host_.action(kOfxImageEffectActionGetClipPreferences, this, nullptr, &preferences);
+    }
+    void changed(const std::string& type, const std::string& name, const char* reason) {
+        PropertySet in;
+        in.add(kOfxPropChangeReason, {std::string(reason)});
+        Call call{.may_set_params = true, .scale = viewer_scale};
+        host_.action(kOfxActionBeginInstanceChanged, this, &in, nullptr, call);
+        PropertySet what = frame_arguments(services().time, viewer_scale);
+        what.add(kOfxPropType, {type});
+        what.add(kOfxPropName, {name});
+        what.add(kOfxPropChangeReason, {std::string(reason)});
+        call.may_fetch = reason == std::string(kOfxChangeUserEdited);
+        const OfxStatus status = host_.action(kOfxActionInstanceChanged, this, &what, nullptr, call);
+        if (status != kOfxStatOK && status != kOfxStatReplyDefault)
+            note_fault("the change of " + name + " gave status " + std::to_string(status));
+        call.may_fetch = false;
+        host_.action(kOfxActionEndInstanceChanged, this, &in, nullptr, call);
+        const auto slaves = props.strings(kOfxImageEffectPropClipPreferencesSlaveParam);
+        if (type == kOfxTypeClip || std::count(slaves.begin(), slaves.end(), name) != 0) ask_preferences();
+    }
 
     Host& host_;
     bool created_ = false;
 };
+
+inline std::unique_ptr<Instance> Host::create(const std::string& context, const Values& saved) {
+    auto instance = std::make_unique<Instance>(*this, context, *contexts_.at(context));
+    for (const auto& [name, content] : saved) {
+        if (Param* param = instance->params.find(name)) param->assign(content);
+    }
+    const OfxStatus status = instance->create();
+    return status == kOfxStatOK || status == kOfxStatReplyDefault ? std::move(instance) : nullptr;
+}
 
 }  // namespace ofxtest

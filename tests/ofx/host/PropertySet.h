@@ -6,11 +6,9 @@
 // The suites of this host have the functions that the plug-in calls; where there is none a table holds null.
 #pragma once
 
-#include <cstdint>
 #include <map>
 #include <set>
 #include <string>
-#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -19,45 +17,88 @@
 namespace ofxtest {
 
 // Whatever a plug-in does that a host may not put up with: unknown properties, wrong types, illegal moments.
-// Any thread. take_faults gives what was noted since, a line each.
-void note_fault(const std::string& text);
+// Any thread; gives the reply back. take_faults gives what was noted since, a line each.
+OfxStatus note_fault(const std::string& text, OfxStatus reply = kOfxStatFailed);
 std::string take_faults();
 
 using Value = std::variant<void*, std::string, double, int>;
+inline const Value kText = std::string();
+using Names = std::initializer_list<const char*>;
 
 class PropertySet {
   public:
     enum Access { kHostSets, kPluginSets };
 
-    PropertySet() = default;
-    PropertySet(const PropertySet&) = default;
-    PropertySet& operator=(const PropertySet&) = default;
     ~PropertySet() { magic_ = 0; }
 
     // A property of as many values; these are its defaults.
-    void add(const std::string& name, std::vector<Value> values, Access access = kHostSets);
-    // One of any length, empty at first; `type` is any value of its type.
-    void add_list(const std::string& name, const Value& type, Access access = kHostSets);
+    void add(const std::string& name, std::vector<Value> values, Access access = kHostSets) {
+        const std::size_t type = values.at(0).index();
+        properties_[name] = {std::move(values), type, false, access};
+    }
+    // What a plug-in sets: properties of `n` such values each, and of any length, empty at first.
+    void add_all(Names names, const Value& value, int n = 1) {
+        for (const char* name : names)
+            add(name, std::vector<Value>(static_cast<std::size_t>(n), value), kPluginSets);
+    }
+    void add_lists(Names names, const Value& type) {
+        for (const char* name : names) properties_[name] = {{}, type.index(), true, kPluginSets};
+    }
     // Sets values of a property that exists.
-    void put(const std::string& name, std::vector<Value> values);
+    void put(const std::string& name, std::vector<Value> values) {
+        properties_.at(name).values = std::move(values);
+    }
 
     bool has(const std::string& name) const { return properties_.count(name) != 0; }
-    int size(const std::string& name) const;
-    int int_at(const std::string& name, int i = 0) const { return std::get<int>(at(name, i)); }
-    double double_at(const std::string& name, int i = 0) const { return std::get<double>(at(name, i)); }
+    int size(const std::string& name) const { return static_cast<int>(properties_.at(name).values.size()); }
+    int int_at(const std::string& name, int i = 0) const { return at<int>(name, i); }
+    double double_at(const std::string& name, int i = 0) const { return at<double>(name, i); }
     const std::string& string_at(const std::string& name, int i = 0) const {
-        return std::get<std::string>(at(name, i));
+        return at<std::string>(name, i);
     }
-    std::vector<std::string> strings(const std::string& name) const;
+    std::vector<std::string> strings(const std::string& name) const {
+        std::vector<std::string> result;
+        for (int i = 0; has(name) && i < size(name); ++i) result.push_back(string_at(name, i));
+        return result;
+    }
 
     std::set<std::string> refused;  // texts that are answered ErrValue
 
     OfxPropertySetHandle handle() { return reinterpret_cast<OfxPropertySetHandle>(this); }
-    static PropertySet* from(OfxPropertySetHandle handle);
+    static PropertySet* from(OfxPropertySetHandle handle) {
+        auto* set = reinterpret_cast<PropertySet*>(handle);
+        if (set != nullptr && set->magic_ == kMagic) return set;
+        note_fault("bad property set handle");
+        return nullptr;
+    }
 
     // What the suite does.
-    OfxStatus set(const char* name, int index, const Value& value);
-    OfxStatus get(const char* name, int index, Value& value) const;
+    OfxStatus set(const char* name, int index, const Value& value) {
+        const auto found = properties_.find(name);
+        if (found == properties_.end())
+            return note_fault(std::string("sets unknown property ") + name, kOfxStatErrUnknown);
+        Property& p = found->second;
+        if (p.type != value.index() || p.access == kHostSets)
+            return note_fault(std::string("sets property of other type or of the host, ") + name,
+                              kOfxStatErrValue);
+        if (!refused.empty() && refused.count(std::get<std::string>(value)) != 0) return kOfxStatErrValue;
+        const auto i = static_cast<std::size_t>(index);
+        if (p.any_length && i == p.values.size()) p.values.emplace_back();
+        if (i >= p.values.size())
+            return note_fault(std::string("sets beyond the end of ") + name, kOfxStatErrBadIndex);
+        p.values[i] = value;
+        return kOfxStatOK;
+    }
+    OfxStatus get(const char* name, int index, Value& value) const {
+        const auto found = properties_.find(name);
+        if (found == properties_.end()) return kOfxStatErrUnknown;
+        const Property& p = found->second;
+        if (p.type != value.index())
+            return note_fault(std::string("reads property of another type, ") + name, kOfxStatErrUnknown);
+        if (static_cast<std::size_t>(index) >= p.values.size()) return kOfxStatErrBadIndex;
+        value = p.values[static_cast<std::size_t>(index)];
+        return kOfxStatOK;
+    }
 
   private:
     struct Property {
@@ -67,10 +108,13 @@ class PropertySet {
         Access access = kHostSets;
     };
 
-    const Value& at(const std::string& name, int i) const;
+    template <class T>
+    const T& at(const std::string& name, int i) const {
+        return std::get<T>(properties_.at(name).values.at(static_cast<std::size_t>(i)));
+    }
 
-    static constexpr std::uint32_t kMagic = 0x0f5e7000;
-    std::uint32_t magic_ = kMagic;
+    static constexpr unsigned kMagic = 0x0f5e7000;
+    unsigned magic_ = kMagic;
     std::map<std::string, Property, std::less<>> properties_;
 };
 
@@ -78,6 +122,28 @@ class PropertySet {
 char* lend_string(std::string text);
 // Every function of every suite begins with this.
 void begin_call();
+
+// The object behind a handle.
+template <class T, class Handle>
+T& behind(Handle handle) {
+    return *reinterpret_cast<T*>(handle);
+}
+
+// What asks for an object by name replies.
+template <class T, class Handle>
+OfxStatus hand_out(T* found, Handle* handle, OfxPropertySetHandle* props) {
+    if (found == nullptr) return kOfxStatErrUnknown;
+    *handle = reinterpret_cast<Handle>(found);
+    if (props != nullptr) *props = found->props.handle();
+    return kOfxStatOK;
+}
+
+// A function of a suite, with begin_call before it.
+template <auto kFunction>
+inline constexpr auto entered = [](auto... arguments) {
+    begin_call();
+    return kFunction(arguments...);
+};
 
 const OfxPropertySuiteV1& property_suite();
 

@@ -1,0 +1,64 @@
+// An operator that looks around: alpha is the sum over (2 dx + 1) x (2 dy + 1) pixels of every input, plus an
+// offset. Colour passes from input 0, except that red gets the offset added in place.
+#pragma once
+
+#include "ZoImage/GeneralTile.h"
+#include "support/TestImages.h"
+
+namespace test {
+
+class Sums final : public Zo::Image::Iop {
+  public:
+    Sums(const char* name, std::initializer_list<Zo::Image::Op*> sources, int dx, int dy)
+        : Iop(Zo::Image::NodeContext{name}), dx_(dx), dy_(dy) {
+        inputs(static_cast<int>(sources.size()));
+        int n = 0;
+        for (Zo::Image::Op* source : sources) set_input(n++, source);
+    }
+    const char* class_name() const override { return "Sums"; }
+    void set_offset(float offset) {
+        offset_ = offset;
+        invalidate();
+    }
+    float offset() const { return offset_; }
+    Zo::Image::AbortFlag* lost_flag = nullptr;  // cleared as soon as an abort is seen, and a wrong row given
+
+  protected:
+    void _validate(bool /*for_real*/) override {
+        copy_info();
+        set_out_channels(Zo::Image::ChannelSet(Zo::Image::kAlpha) +
+                         (offset_ != 0.0f ? Zo::Image::ChannelSet(Zo::Image::kRed) : Zo::Image::kMaskNone));
+    }
+    void _request(int x, int y, int r, int t, Zo::Image::ChannelSet channels, int count) override {
+        input(0).request(x, y, r, t, channels - Zo::Image::kMaskAlpha, count);
+        for (int n = 0; n < inputs(); ++n)
+            input(n).request(x - dx_, y - dy_, r + dx_, t + dy_, Zo::Image::kMaskAlpha, count);
+    }
+    void engine(int y, int x, int r, const Zo::Image::ChannelSet& channels, Zo::Image::Row& row) override {
+        using namespace Zo::Image;
+        row.get(input(0), y, channels - kMaskAlpha);
+        float* red = channels.has(kRed) && offset_ != 0.0f ? row.writable(kRed) : nullptr;
+        for (int i = 0; red != nullptr && i < r - x; ++i) red[i] += offset_;
+        if (!channels.has(kAlpha)) return;
+        float* out = row.overwrite(kAlpha);
+        std::fill_n(out, r - x, offset_);
+        for (int n = 0; n < inputs(); ++n) {
+            const GeneralTile tile(input(n), {x - dx_, y - dy_, r + dx_, y + dy_ + 1}, kMaskAlpha);
+            for (int i = x; i < r && tile.valid(); ++i) {
+                for (int v = y - dy_; v <= y + dy_; ++v) {
+                    for (int u = i - dx_; u <= i + dx_; ++u) out[i - x] += tile.at(kAlpha, u, v);
+                }
+            }
+        }
+        if (lost_flag != nullptr && aborted()) {
+            lost_flag->clear();
+            std::fill_n(out, r - x, -1e9f);
+        }
+    }
+
+  private:
+    int dx_, dy_;
+    float offset_ = 0.0f;
+};
+
+}  // namespace test
