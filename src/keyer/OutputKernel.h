@@ -8,7 +8,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 
 #include "lanes/LaneKernel.h"
 
@@ -17,16 +16,6 @@ enum class OverlayMode : std::int32_t { kOff = 0, kScreen = 1, kSubject = 2 };
 
 // The pivot of the output passes: where the working scale leaves the straight line.
 inline constexpr float kOutputPivot = 0.5f;
-inline constexpr float kOutputByte = 0.003921569f;
-
-// A sample of the working scale as the host's value; 255 and above become infinity, a NaN stays as it is.
-[[gnu::always_inline]] inline float decode(float v, float pivot) {
-    const float s = v * kOutputByte;
-    const float t = (s - pivot) / (1.0f - pivot);
-    const float bent = t / (1.0f - t) + pivot;
-    const float above = s >= 1.0f ? std::numeric_limits<float>::infinity() : bent;
-    return s > pivot ? above : s;
-}
 
 // Foreground opacity, 0 to 1, from the matte (255 on backing); a NaN stays one.
 using Opacity = void(const float* matte, float* k, std::size_t n);

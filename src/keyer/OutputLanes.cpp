@@ -1,5 +1,6 @@
 #include "keyer/OutputKernel.h"
 #include "lanes/KernelMath.h"
+#include "stages/WorkingScale.h"
 
 using kernel::one_nan;
 

@@ -4,6 +4,7 @@
 #include "controls/ChannelRoles.h"
 #include "controls/Controls.h"
 #include "panel/InputFlags.h"
+#include "stages/WorkingScale.h"
 
 namespace {
 
@@ -113,12 +114,6 @@ void copy_color(const KnobStorage& k, ControlBlock& out) {
 }
 
 }  // namespace
-
-float encode(float value, float pivot) {
-    const float above = value - pivot;
-    const float compressed = pivot + (1.0f - pivot) * above / (above + 1.0f);
-    return (pivot > value ? value : compressed) * 255.0f;
-}
 
 void set_backing_color(float red, float green, float blue, ControlBlock& controls) {
     std::int32_t primary = 0;

@@ -9,9 +9,6 @@
 #include "controls/ControlBlock.h"
 #include "panel/KnobStorage.h"
 
-// A knob's colour component or level as a control: the upper part compressed above the pivot, times 255.
-float encode(float value, float pivot);
-
 // Stores the backing colour (already encoded, red, green, blue) in role order and the primary that it shows:
 // green or red where that component is the greatest alone, else blue.
 void set_backing_color(float red, float green, float blue, ControlBlock& controls);

@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "keyer/OutputKernel.h"
-#include "panel/KnobCopy.h"
+#include "stages/WorkingScale.h"
 
 namespace {
 

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "keyer/Rig.h"
+#include "stages/WorkingScale.h"
 
 using namespace Zo::Image;
 using test::green_screen;
