@@ -82,8 +82,7 @@ std::vector<float> sample_mattes(const Setting& setting, std::span<const PlatedS
 }
 
 std::vector<Dial> add_matte_dials(const Setting& setting) {
-    std::vector<Dial> dials{Dial::number(&K::brights, 0.0, 1000.0), Dial::number(&K::darks, -500.0, 500.0),
-                            Dial::number(&K::warm, -1000.0, 1000.0), Dial::number(&K::cool, -1000.0, 1000.0)};
+    std::vector<Dial> dials{&K::brights, &K::darks, &K::warm, &K::cool};
     hold(dials, setting.held);
     return dials;
 }

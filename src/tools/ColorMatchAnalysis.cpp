@@ -45,9 +45,8 @@ ControlTriple levels(const Sample& sample, std::int32_t color_index) {
 }  // namespace
 
 std::vector<Dial> color_match_dials(const Setting& setting, int component) {
-    std::vector<Dial> dials{Dial::component(&K::color_darks, component, 0.0, 1.0, 0.5, 1.0 / 200.0),
-                            Dial::component(&K::color_midtones, component, 0.0, 1.0, 0.5, 1.0 / 200.0),
-                            Dial::component(&K::color_brights, component, 0.0, 1.0, 0.0, 1.0 / 200.0)};
+    std::vector<Dial> dials{
+        {&K::color_darks, component}, {&K::color_midtones, component}, {&K::color_brights, component}};
     hold(dials, setting.held);
     return dials;
 }

@@ -8,56 +8,48 @@
 namespace {
 
 constexpr double kMostCells = 4096.0;
+constexpr float kPivot = 0.5f;
 
 }  // namespace
 
-Dial Dial::number(float KnobStorage::*field, double low, double high) {
-    Dial dial;
-    dial.field = field;
-    dial.low = low;
-    dial.high = high;
-    dial.range = high - low;
-    return dial;
+Dial::Dial(float KnobStorage::*knob) : field(knob), row(knob_row(knob)), target_(knob_table()[row].target) {
+    const KnobReach& reach = knob_table()[row].reach;
+    low = reach.lowest;
+    high = reach.highest;
+    if (!level()) range = high - low;
 }
 
-Dial Dial::level(float KnobStorage::*field, double low, double high) {
-    Dial dial = number(field, low, high);
-    dial.scale = Scale::kEncoded;
-    dial.range = 1.0;
-    return dial;
+Dial::Dial(KnobStorage::Color KnobStorage::*knob, int component)
+    : color(knob),
+      index(static_cast<std::size_t>(component)),
+      row(knob_row(knob)),
+      target_(knob_table()[row].target) {}
+
+bool Dial::level() const {
+    return target_.scale == KnobTarget::Scale::kLevel;
 }
 
-Dial Dial::component(KnobStorage::Color KnobStorage::*field, int component, double low, double high,
-                     double origin, double step) {
-    Dial dial;
-    dial.color = field;
-    dial.index = static_cast<std::size_t>(component);
-    dial.low = low;
-    dial.high = high;
-    dial.range = high - low;
-    dial.origin = origin;
-    dial.step = step;
-    return dial;
+// Where control is 0, and how far on it is 1.
+double Dial::origin() const {
+    return 0.0 - static_cast<double>(target_.offset) / static_cast<double>(target_.factor);
 }
 
-Dial Dial::level_component(KnobStorage::Color KnobStorage::*field, int component, double low, double high) {
-    Dial dial = Dial::component(field, component, low, high, 0.0, 1.0);
-    dial.scale = Scale::kEncoded;
-    return dial;
+double Dial::step() const {
+    const double most = target_.scale == KnobTarget::Scale::kNumber ? 1.0 : 255.0;
+    return 1.0 / (most * static_cast<double>(target_.factor));
 }
 
 double Dial::cell(double value) const {
-    if (scale == Scale::kEncoded)
-        return std::trunc(static_cast<double>(encode(static_cast<float>(value), 0.5f)));
-    return std::trunc((value - origin) / step);
+    if (level()) return std::trunc(static_cast<double>(encode(static_cast<float>(value), kPivot)));
+    return std::trunc((value - origin()) / step());
 }
 
 // Colours and levels are entered in the middle of a cell, where rounding cannot lead out of it again; whole
 // percentages are exact.
 double Dial::entry(double cell) const {
-    const double inner = color == nullptr && scale == Scale::kPlain ? 0.0 : cell < 0.0 ? -0.5 : 0.5;
-    if (scale == Scale::kEncoded) return static_cast<double>(decode(static_cast<float>(cell + inner), 0.5f));
-    return origin + (cell + inner) * step;
+    const double inner = color == nullptr && !level() ? 0.0 : cell < 0.0 ? -0.5 : 0.5;
+    if (level()) return static_cast<double>(decode(static_cast<float>(cell + inner), kPivot));
+    return origin() + (cell + inner) * step();
 }
 
 int Dial::lowest(float present) const {
@@ -80,5 +72,5 @@ float Dial::value(float present, int cells) const {
 }
 
 void hold(std::span<Dial> dials, const KnobFields& held) {
-    for (Dial& dial : dials) dial.held = held.has(dial.place());
+    for (Dial& dial : dials) dial.held = held.has_row(dial.row);
 }

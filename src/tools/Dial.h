@@ -7,29 +7,16 @@
 #include <cstddef>
 #include <span>
 
-#include "panel/KnobFields.h"
-#include "panel/KnobStorage.h"
+#include "panel/KnobTable.h"
 
 struct Dial {
-    enum class Scale {
-        kPlain,    // control = trunc((value - origin) / step)
-        kEncoded,  // control = trunc(encode(value)): a level with the knee of the working scale
-    };
-
-    static Dial number(float KnobStorage::*field, double low, double high);
-    static Dial level(float KnobStorage::*field, double low, double high);
-    static Dial component(KnobStorage::Color KnobStorage::*field, int component, double low, double high,
-                          double origin, double step);
-    static Dial level_component(KnobStorage::Color KnobStorage::*field, int component, double low,
-                                double high);
+    // As far as its row says; components of colours from 0 to 1.
+    Dial(float KnobStorage::*field);
+    Dial(KnobStorage::Color KnobStorage::*field, int component);
 
     float& in(KnobStorage& knobs) const { return color != nullptr ? (knobs.*color)[index] : knobs.*field; }
     float in(const KnobStorage& knobs) const {
         return color != nullptr ? (knobs.*color)[index] : knobs.*field;
-    }
-
-    std::size_t place() const {
-        return color != nullptr ? KnobFields::place(color) : KnobFields::place(field);
     }
 
     // Cells that it may go down (negative) and up from the present value; none from one that is not finite,
@@ -42,17 +29,20 @@ struct Dial {
     float KnobStorage::*field = nullptr;
     KnobStorage::Color KnobStorage::*color = nullptr;
     std::size_t index = 0;
-    Scale scale = Scale::kPlain;
+    std::size_t row = 0;
     double low = 0.0;  // how far it is turned; a present value outside is a bound of its own
-    double high = 0.0;
+    double high = 1.0;
     double range = 1.0;  // what a distance is measured by
-    double origin = 0.0;
-    double step = 1.0;
     bool held = false;
 
   private:
+    bool level() const;
+    double origin() const;
+    double step() const;
     double cell(double value) const;
     double entry(double cell) const;
+
+    KnobTarget target_;
 };
 
 // Holds those whose fields are in the set.

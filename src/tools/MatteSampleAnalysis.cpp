@@ -7,17 +7,13 @@
 
 using K = KnobStorage;
 
-namespace {
-
-// Recover's control ends at 254, where no matte is left to clean.
-constexpr double kHighestRecover = 200.0;
-
-}  // namespace
-
 std::vector<Dial> matte_sample_dials(const Setting& setting, bool remove_noise) {
-    const double present = static_cast<double>(setting.knobs.cleanup_recover);
-    std::vector<Dial> dials{Dial::level(&K::cleanup_recover, remove_noise ? 0.0 : present, kHighestRecover)};
-    if (remove_noise) dials.push_back(Dial::number(&K::cleanup_cleanup, 0.0, 500.0));
+    std::vector<Dial> dials{&K::cleanup_recover};
+    if (remove_noise) {
+        dials.push_back(&K::cleanup_cleanup);
+    } else {
+        dials[0].low = static_cast<double>(setting.knobs.cleanup_recover);
+    }
     hold(dials, setting.held);
     return dials;
 }

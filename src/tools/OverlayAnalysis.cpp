@@ -59,15 +59,12 @@ std::vector<Dial> overlay_dials(const Setting& setting) {
     const std::int32_t color_index = setting.color_index();
     std::vector<Dial> dials;
     const auto tolerance = [&](int role) {
-        dials.push_back(Dial::component(&K::screen_tolerance, ChannelForRole(color_index, role), 0.0, 1.0,
-                                        0.5, 1.0 / 510.0));
+        dials.emplace_back(&K::screen_tolerance, ChannelForRole(color_index, role));
     };
     tolerance(0);
     tolerance(1);
-    dials.push_back(Dial::number(&K::screen_darks_red_larger, -50.0, 50.0));
-    dials.push_back(Dial::number(&K::screen_darks_red_smaller, -50.0, 50.0));
-    dials.push_back(Dial::number(&K::screen_brights_red_larger, 0.0, 1000.0));
-    dials.push_back(Dial::number(&K::screen_brights_red_smaller, 0.0, 1000.0));
+    dials.insert(dials.end(), {&K::screen_darks_red_larger, &K::screen_darks_red_smaller,
+                               &K::screen_brights_red_larger, &K::screen_brights_red_smaller});
     if (setting.clean_plate()) tolerance(2);
     hold(dials, setting.held);
     return dials;

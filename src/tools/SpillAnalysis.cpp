@@ -95,17 +95,13 @@ std::vector<bool> spill_agrees(const Setting& setting, const KnobStorage& knobs,
 
 std::vector<Dial> spill_dials(const Setting& setting, bool transparent) {
     const std::int32_t color_index = setting.color_index();
-    std::vector<Dial> dials{
-        Dial::number(&K::spill_cool, -300.0, 300.0),   Dial::number(&K::spill_warm, -300.0, 300.0),
-        Dial::number(&K::spill_brights, 50.0, 200.0),  Dial::number(&K::spill_strength, 0.0, 100.0),
-        Dial::number(&K::spill_midtones, -50.0, 50.0), Dial::number(&K::spill_darks, -50.0, 50.0)};
+    std::vector<Dial> dials{&K::spill_cool,     &K::spill_warm,     &K::spill_brights,
+                            &K::spill_strength, &K::spill_midtones, &K::spill_darks};
     for (int role = 0; role < 3; ++role) {
-        dials.push_back(
-            Dial::level_component(&K::spill_ambience, ChannelForRole(color_index, role), 0.0, 1.0));
+        dials.emplace_back(&K::spill_ambience, ChannelForRole(color_index, role));
     }
     if (transparent && !setting.clean_plate()) {
-        dials.push_back(Dial::component(&K::spill_backgroundveiling, ChannelForRole(color_index, 2), 0.0, 1.0,
-                                        0.0, 1.0 / 250.0));
+        dials.emplace_back(&K::spill_backgroundveiling, ChannelForRole(color_index, 2));
     }
     hold(dials, setting.held);
     return dials;

@@ -9,7 +9,7 @@ namespace {
 
 struct ToolKnobs {
     void add(const std::vector<Dial>& dials) {
-        for (const Dial& dial : dials) fields.add(dial.place());
+        for (const Dial& dial : dials) fields.add_row(dial.row);
     }
 
     KnobFields fields;

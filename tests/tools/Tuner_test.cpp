@@ -3,16 +3,19 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <limits>
+
+#include "panel/KnobCopy.h"
 
 namespace {
 
 using K = KnobStorage;
 
-const std::vector<Dial> kDials{Dial::number(&K::brights, 0.0, 1000.0), Dial::number(&K::darks, 0.0, 500.0)};
+const std::vector<Dial> kDials{&K::brights, &K::film_strength};  // 0 to 1000, 0 to 500
 
-// Sample i asks for `brights` + `darks` to reach low[i] and to stay at or below high[i], whole numbers.
+// Sample i asks for the sum of both to reach low[i] and to stay at or below high[i], whole numbers.
 struct Asked {
     double low, high;
 };
@@ -20,7 +23,7 @@ struct Asked {
 Misses sums(const std::vector<Asked>& asked) {
     return [asked](const KnobStorage& k, std::size_t first, std::span<double> out) {
         const double sum =
-            std::trunc(static_cast<double>(k.brights)) + std::trunc(static_cast<double>(k.darks));
+            std::trunc(static_cast<double>(k.brights)) + std::trunc(static_cast<double>(k.film_strength));
         for (std::size_t i = 0; i < out.size(); ++i) {
             out[i] = std::max({asked[first + i].low - sum, sum - asked[first + i].high, 0.0});
         }
@@ -31,13 +34,13 @@ TEST(Tuner, GoesToTheNearestAnswer) {
     constexpr double kFar = 1e9;
     const struct {
         std::vector<Asked> asked;
-        float present;  // brights; darks begin at 0
-        float brights, darks;
+        float present;  // brights; film_strength begins at 0
+        float brights, film_strength;
         std::vector<double> misses;
     } cases[] = {
         {{}, 100.5f, 100.5f, 0.0f, {}},
         {{{90, kFar}}, 100.5f, 100.5f, 0.0f, {0}},   // nothing to do: kept to the bit
-        {{{150, kFar}}, 100.5f, 150.0f, 0.0f, {0}},  // a step of darks counts twice as much
+        {{{150, kFar}}, 100.5f, 150.0f, 0.0f, {0}},  // a step of film_strength counts twice as much
         {{{0, 40}}, 100.5f, 40.0f, 0.0f, {0}},
         {{{120, 121}, {110, kFar}}, 100.0f, 120.0f, 0.0f, {0, 0}},
         {{{1400, kFar}}, 100.0f, 1000.0f, 400.0f, {0}},            // brights alone end at 1000
@@ -53,40 +56,58 @@ TEST(Tuner, GoesToTheNearestAnswer) {
         present.brights = c.present;
         const Tuning tuned = tune(present, kDials, std::vector<Ray>{{1, 1}}, c.asked.size(), sums(c.asked));
         EXPECT_EQ(tuned.knobs.brights, c.brights);
-        EXPECT_EQ(tuned.knobs.darks, c.darks);
+        EXPECT_EQ(tuned.knobs.film_strength, c.film_strength);
         EXPECT_EQ(tuned.misses, c.misses);
         const Tuning again =
             tune(tuned.knobs, kDials, std::vector<Ray>{{1, 1}}, c.asked.size(), sums(c.asked));
         EXPECT_EQ(again.knobs.brights, c.brights);
-        EXPECT_EQ(again.knobs.darks, c.darks);
+        EXPECT_EQ(again.knobs.film_strength, c.film_strength);
     }
 }
 
 TEST(Tuner, LeavesDialsThatAreNoNumberAlone) {
     KnobStorage present;
     present.brights = std::numeric_limits<float>::quiet_NaN();
-    present.darks = std::numeric_limits<float>::infinity();
+    present.film_strength = std::numeric_limits<float>::infinity();
     const Misses never = [](const KnobStorage&, std::size_t, std::span<double> out) { out[0] = 1.0; };
     const Tuning tuned = tune(present, kDials, {}, 1, never);
     EXPECT_TRUE(std::isnan(tuned.knobs.brights));
-    EXPECT_TRUE(std::isinf(tuned.knobs.darks));
+    EXPECT_TRUE(std::isinf(tuned.knobs.film_strength));
     EXPECT_EQ(tuned.misses[0], 1.0);
 }
 
-// Every cell of a dial is entered at a value that its control truncates to that cell.
+// Every cell of a dial is entered at a value whose control is that cell.
 TEST(Dial, CellsAreTheControls) {
-    const KnobStorage k;
-    const Dial tolerance = Dial::component(&K::screen_tolerance, 1, 0.0, 1.0, 0.5, 1.0 / 510.0);
-    for (int cell = tolerance.lowest(k.screen_tolerance[1]); cell <= 122; ++cell) {  // below the knee at 0.75
-        const float value = tolerance.value(k.screen_tolerance[1], cell);
-        const double control = std::trunc(255.0 * static_cast<double>(2.0f * (value - 0.5f)));
-        EXPECT_EQ(control, 5.0 + cell) << value;  // 0.51 is 5.1
+    KnobStorage present;
+    present.cleanup = present.color_conformance = true;
+    const Dial dials[] = {&K::brights,
+                          &K::darks,
+                          &K::spill_brights,
+                          &K::cleanup_recover,
+                          {&K::screen_tolerance, 1},
+                          {&K::spill_ambience, 0},
+                          {&K::spill_backgroundveiling, 2},
+                          {&K::color_darks, 0},
+                          {&K::color_brights, 1}};
+    const int reach[][2] = {{-100, 900}, {-500, 500}, {-50, 100},  {0, 254},   {-260, 122},  // to the knee
+                            {-127, 42},  {-100, 150}, {-100, 100}, {-100, 100}};
+    std::array<std::int32_t, ControlBlock::kCount> values{};
+    ControlBlock controls(values.data(), 1);
+    for (std::size_t n = 0; n < std::size(dials); ++n) {
+        const Dial& dial = dials[n];
+        const ControlGroup& group = knob_table()[dial.row].target.controls;
+        const int control = std::array{group.first, group.second, group.third}[dial.index];
+        const auto at = [&](int cell) {
+            KnobStorage knobs = present;
+            dial.in(knobs) = dial.value(dial.in(present), cell);
+            copy_knobs(knobs, 0, controls);
+            return controls.get(control);
+        };
+        const int here = at(0);
+        EXPECT_EQ(dial.lowest(dial.in(present)), reach[n][0]) << n;
+        EXPECT_GE(dial.highest(dial.in(present)), reach[n][1]) << n;
+        for (int cell = reach[n][0]; cell <= reach[n][1]; ++cell) ASSERT_EQ(at(cell), here + cell) << n;
     }
-    // A level of 0.75 lies at 0.5 + 0.5 * 0.25 / 1.25 = 0.6 of 255, which is 153.
-    const Dial recover = Dial::level(&K::cleanup_recover, 0.0, 200.0);
-    EXPECT_EQ(recover.highest(0.0f), 254);
-    EXPECT_NEAR(recover.value(0.0f, 153), 0.75, 0.01);
-    EXPECT_NEAR(recover.value(0.0f, 100), 100.5 / 255.0, 1e-6);
 }
 
 }  // namespace
