@@ -16,9 +16,6 @@ using namespace Zo::Image;
 
 namespace {
 
-// The floats that count pixels; what is a width and a height does so anyway.
-constexpr std::string_view kEdgeKernel = "edge_kernel";
-
 const char* type_of(Knob::Kind kind) {
     switch (kind) {
         case Knob::Kind::kBool:
@@ -90,8 +87,7 @@ bool Parameter::is_text() const {
 }
 
 double Parameter::scale(const RenderScale& scale, int i) const {
-    if (knob->kind() == Knob::Kind::kWidthHeight) return scale[i == 0 ? 0 : 1];
-    return knob->name() == kEdgeKernel ? scale[0] : 1.0;
+    return knob->flag(kKnobPixels) ? scale[i == 0 ? 0 : 1] : 1.0;
 }
 
 ParameterList::ParameterList(const KnobPanel& panel) {

@@ -57,6 +57,7 @@ Knob* setting(Knob_Closure& f, const KnobRow& row, KnobStorage& storage) {
         },
         row.field);
     if (row.reach.given()) SetRange(f, row.reach.low, row.reach.high);
+    if (row.reach.pixels) SetFlags(f, kKnobPixels);
     return knob;
 }
 

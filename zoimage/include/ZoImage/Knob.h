@@ -50,6 +50,7 @@ inline constexpr unsigned kKnobHidden = 1;
 inline constexpr unsigned kKnobDisabled = 2;
 inline constexpr unsigned kKnobNotSaved = 4;  // left out of the scripts that are written
 inline constexpr unsigned kKnobHeld = 8;      // set by front ends: the operator's own tools leave the value
+inline constexpr unsigned kKnobPixels = 16;   // its numbers count pixels of the image
 
 class Knob : public ValueStuffI {
   public:
