@@ -25,15 +25,7 @@ VeloxaSample::Sample gray(int level) {
     return {v, v, v, v};
 }
 
-TEST(VeloxaSample, KeepsTheLatestHundred) {
-    VeloxaSample samples(nullptr);
-    for (int i = 0; i < 101; ++i) samples.append(gray(i));
-    ASSERT_EQ(samples.count(), 100);
-    EXPECT_EQ(samples.samples().front(), gray(1));
-    EXPECT_EQ(samples.samples().back(), gray(100));
-}
-
-TEST(VeloxaSample, APointCountsOnceForEachPixelOfItsBox) {
+TEST(VeloxaSample, KeepsTheLatestHundredAndAPointOnceAPixel) {
     VeloxaSample samples(nullptr);
     samples.append(gray(1));
     EXPECT_EQ(samples.add_point(gray(2), 5, 5, 5, 9), 0);
@@ -41,8 +33,12 @@ TEST(VeloxaSample, APointCountsOnceForEachPixelOfItsBox) {
     EXPECT_EQ(samples.count(), 1);
     EXPECT_EQ(samples.add_point(gray(2), -1, 0, 2, 2), 1);
     EXPECT_EQ(samples.count(), 7);
+    for (int i = 1; i <= 99; ++i) samples.append(gray(i));
+    ASSERT_EQ(samples.count(), 100);  // the oldest six went
+    EXPECT_EQ(samples.samples().front(), gray(2));
+    EXPECT_EQ(samples.samples()[1], gray(1));
+    EXPECT_EQ(samples.samples().back(), gray(99));
     EXPECT_EQ(samples.add_point(gray(3), 0, 0, 20, 10), 1);
-    ASSERT_EQ(samples.count(), 100);
     EXPECT_EQ(samples.samples().front(), gray(3));
     EXPECT_EQ(samples.add_point(gray(4), -2147483647, -2147483647, 2147483647, 2147483647), 1);
     EXPECT_EQ(samples.samples().front(), gray(4));
@@ -67,28 +63,27 @@ TEST(VeloxaSample, AverageLeavesAlphaOut) {
     EXPECT_EQ(samples.average(), (VeloxaSample::Sample{0.5f, 2.5f, 0.5f, 0.0f}));
 }
 
-TEST(VeloxaSample, WritesFourNumbersASample) {
+TEST(VeloxaSample, IsGroupsOfFourNumbersInText) {
     VeloxaSample samples(nullptr);
     EXPECT_EQ(text(samples, true), "{  }");
-    EXPECT_EQ(text(samples, false), "");
     samples.append({0.1f, 0.25f, 1.0f / 3.0f, 1e-9f});
     samples.append({1.0f, 2.0f, 3.0f, 4.0f});
     EXPECT_EQ(text(samples, true), "{ 0.1 0.25 0.333333 1e-09 1 2 3 4  }");
-}
-
-TEST(VeloxaSample, ReadsGroupsOfFour) {
-    VeloxaSample samples(nullptr);
-    samples.append(gray(5));
-    EXPECT_FALSE(samples.read("1 2 3"));
-    EXPECT_EQ(samples.count(), 1);
-    EXPECT_TRUE(samples.read("{ {1 2 3 4} {5 6 7 8} }"));
-    EXPECT_EQ(text(samples, false), "1 2 3 4 5 6 7 8 ");
-    EXPECT_FALSE(samples.read("1 2 3 4 5 6 7 x"));
-    EXPECT_EQ(text(samples, false), "1 2 3 4 ");
-    EXPECT_TRUE(samples.read("{ }"));
-    EXPECT_EQ(samples.count(), 0);
-    EXPECT_TRUE(samples.read("1e300 -1e300 inf 0"));
-    EXPECT_EQ(samples.count(), 1);
+    const struct {
+        const char* words;
+        bool good;
+        const char* after;
+    } cases[] = {
+        {"{ {1 2 3 4} {5 6 7 8} }", true, "1 2 3 4 5 6 7 8 "},
+        {"1 2 3", false, "1 2 3 4 5 6 7 8 "},  // the list stays
+        {"1 2 3 4 5 6 7 x", false, "1 2 3 4 "},
+        {"{ }", true, ""},
+        {"1e300 -1e300 inf 0", true, "inf -inf inf 0 "},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(samples.read(c.words), c.good) << c.words;
+        EXPECT_EQ(text(samples, false), c.after) << c.words;
+    }
 }
 
 struct CommaPoint : std::numpunct<char> {

@@ -80,33 +80,35 @@ TEST(Tuner, LeavesDialsThatAreNoNumberAlone) {
 TEST(Dial, CellsAreTheControls) {
     KnobStorage present;
     present.cleanup = present.color_conformance = true;
-    const Dial dials[] = {&K::brights,
-                          &K::darks,
-                          &K::spill_brights,
-                          &K::cleanup_recover,
-                          {&K::screen_tolerance, 1},
-                          {&K::spill_ambience, 0},
-                          {&K::spill_backgroundveiling, 2},
-                          {&K::color_darks, 0},
-                          {&K::color_brights, 1}};
-    const int reach[][2] = {{-100, 900}, {-500, 500}, {-50, 100},  {0, 254},   {-260, 122},  // to the knee
-                            {-127, 42},  {-100, 150}, {-100, 100}, {-100, 100}};
+    const struct {
+        Dial dial;
+        int low, high;  // cells from the present value
+    } cases[] = {
+        {&K::brights, -100, 900},
+        {&K::darks, -500, 500},
+        {&K::cleanup_recover, 0, 254},
+        {{&K::screen_tolerance, 1}, -260, 122},  // to the knee
+        {{&K::spill_ambience, 0}, -127, 42},
+        {{&K::spill_backgroundveiling, 2}, -100, 150},
+        {{&K::color_darks, 0}, -100, 100},
+        {{&K::color_brights, 1}, -100, 100},
+    };
     std::array<std::int32_t, ControlBlock::kCount> values{};
     ControlBlock controls(values.data(), 1);
-    for (std::size_t n = 0; n < std::size(dials); ++n) {
-        const Dial& dial = dials[n];
+    for (const auto& [dial, low, high] : cases) {
         const ControlGroup& group = knob_table()[dial.row].target.controls;
         const int control = std::array{group.first, group.second, group.third}[dial.index];
-        const auto at = [&](int cell) {
+        const float from = dial.in(present);
+        copy_knobs(present, 0, controls);
+        const int here = controls.get(control);
+        EXPECT_EQ(dial.lowest(from), low) << control;
+        EXPECT_GE(dial.highest(from), high) << control;
+        for (int cell = low; cell <= high; ++cell) {
             KnobStorage knobs = present;
-            dial.in(knobs) = dial.value(dial.in(present), cell);
+            dial.in(knobs) = dial.value(from, cell);
             copy_knobs(knobs, 0, controls);
-            return controls.get(control);
-        };
-        const int here = at(0);
-        EXPECT_EQ(dial.lowest(dial.in(present)), reach[n][0]) << n;
-        EXPECT_GE(dial.highest(dial.in(present)), reach[n][1]) << n;
-        for (int cell = reach[n][0]; cell <= reach[n][1]; ++cell) ASSERT_EQ(at(cell), here + cell) << n;
+            ASSERT_EQ(controls.get(control), here + cell) << control;
+        }
     }
 }
 
