@@ -88,6 +88,7 @@ class VlxFilterTest : public testing::Test {
 
 TEST_F(VlxFilterTest, ComputesOnceForAllThreadsAndRenders) {
     expect_rendered(1000.0f, 3);
+    EXPECT_EQ(op.held_bytes(), 2U * 100 * 60 * sizeof(float));
     const int rows = source.rows();
     expect_rendered(1000.0f, 2, kOwn);
     EXPECT_EQ(op.computed, 1);

@@ -28,6 +28,9 @@ class Sum final : public Iop {
         invalidate();
     }
     float offset() const { return offset_; }
+    std::size_t frame = 0;  // bytes that it holds itself
+    bool ahead = false;     // it reads its last input whole before the next row that it makes
+    bool reads_ahead = false;
     AbortFlag* lost_flag = nullptr;  // cleared as soon as an abort is seen, and a wrong row given
 
   protected:
@@ -36,6 +39,9 @@ class Sum final : public Iop {
         set_out_channels(ChannelSet(kRed) + kAlpha);
     }
     void _request(int x, int y, int r, int t, ChannelSet channels, int count) override {
+        hold(frame);
+        reads_ahead = ahead;
+        if (ahead) input(inputs() - 1).read_ahead(kMaskAll);
         input(0).request(x, y, r, t, channels - kMaskAlpha, count);
         for (int n = 0; n < inputs(); ++n) input(n).request(x, y - 1, r, t + 1, kMaskAlpha, count);
     }
@@ -46,6 +52,10 @@ class Sum final : public Iop {
             for (int i = 0; i < r - x; ++i) red[i] += offset_;
         }
         if (!channels.has(kAlpha)) return;
+        for (int v = info_.box.y; reads_ahead && v < info_.box.t; ++v) {
+            Row(x, r).get(input(inputs() - 1), v, kMaskAlpha);
+        }
+        reads_ahead = false;
         float* out = row.overwrite(kAlpha);
         std::fill_n(out, r - x, offset_);
         for (int n = 0; n < inputs(); ++n) {
@@ -87,8 +97,8 @@ struct Graph {
 
 // A renderer with a cache, and what it computed last: one letter an operator, s for the source.
 struct Cached {
-    explicit Cached(std::size_t budget, int threads = 2, AbortFlag* abort = nullptr)
-        : cache(budget), renderer(threads, abort) {
+    explicit Cached(std::size_t bytes, int threads = 2, AbortFlag* abort = nullptr)
+        : budget(bytes), cache(budget), renderer(threads, abort) {
         renderer.use_cache(&cache);
     }
     test::Picture render(Graph& graph, const Box& region) {
@@ -97,7 +107,7 @@ struct Cached {
         const auto width = static_cast<std::size_t>(region.width());
         for (auto& plane : picture.planes) plane.resize(width * static_cast<std::size_t>(region.height()));
         picture.complete = renderer.render(graph.root, region, kMaskRgba, [&](int y, const Row& row) {
-            EXPECT_LE(cache.bytes(), cache.budget());
+            EXPECT_LE(cache.bytes(), budget);
             const std::size_t at = static_cast<std::size_t>(y - region.y) * width;
             for (const Channel c : kMaskRgba) {
                 std::copy_n(row[c], width, picture.planes[static_cast<std::size_t>(c)].data() + at);
@@ -115,6 +125,7 @@ struct Cached {
     }
     test::Picture render(Graph& graph) { return render(graph, graph.box); }
 
+    std::size_t budget;
     RowCache cache;
     Renderer renderer;
     std::string computed;
@@ -239,6 +250,41 @@ TEST(RowCache, AnyBudgetGivesTheSamePixelsAndASettledChoice) {
         } else if (budget >= 4 * plane) {
             // Room for what b is made from and what stands beside it, and for the source only with more.
             EXPECT_EQ(settled, budget == kAmple ? "br" : "brs");
+        }
+    }
+}
+
+TEST(RowCache, WhatOperatorsHoldThemselvesCounts) {
+    Graph graph;
+    Cached cached(kAmple);
+    cached.render(graph);
+    const std::size_t rows = cached.cache.bytes();
+    cached.render(graph);
+    EXPECT_EQ(cached.computed, "r");
+    for (Op* op : {&graph.a, &graph.c}) op->parent(&graph.root, "inner");
+    graph.c.frame = kAmple - rows;
+    cached.render(graph);
+    EXPECT_EQ(cached.computed, "r");
+    EXPECT_EQ(cached.cache.bytes(), kAmple);
+    graph.b.frame = rows;
+    cached.render(graph);
+    EXPECT_EQ(cached.computed, "abcrs");
+    // One that is wired out keeps its memory.
+    for (const int n : {0, 1}) graph.root.set_input(n, &graph.a);
+    cached.render(graph);
+    EXPECT_GT(cached.cache.bytes(), kAmple - rows);
+}
+
+TEST(RowCache, WhatIsReadAheadIsMadeOnceThoughItMoves) {
+    Graph graph;
+    graph.c.ahead = true;
+    Cached cached(kAmple, 1);
+    for (int step = 0; step < 5; ++step) {
+        graph.a.set_offset(static_cast<float>(step));
+        cached.render(graph);
+        for (const OpStats& op : cached.renderer.stats()) {
+            if (op.op != &graph.a) continue;
+            EXPECT_EQ(op.rows, graph.box.height()) << step;
         }
     }
 }
