@@ -36,10 +36,6 @@ constexpr int kLowestBrights = 50;
 // composite; from 50 on the composite suffers.
 constexpr int kGentleCleanup = 20;
 
-// It renders the frame again after every turn of a knob. Enough for what one turn leaves as it was of a 4K
-// frame.
-constexpr std::size_t kRowBudget = std::size_t{1} << 30U;
-
 // While it lives the node's tools leave these knobs alone; later strokes may turn them.
 class Hold {
   public:
@@ -67,9 +63,7 @@ bool AutoSetup::is_unclear(const Tile& tile) {
 }
 
 AutoSetup::AutoSetup(Node& node, int threads, const AbortFlag* abort)
-    : node_(node), rows_(kRowBudget), renderer_(threads, abort), abort_(abort) {
-    renderer_.use_cache(&rows_);
-}
+    : node_(node), renderer_(threads, abort), abort_(abort) {}
 
 void AutoSetup::render() {
     Iop& image = node_.image();

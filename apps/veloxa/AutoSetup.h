@@ -25,7 +25,6 @@
 #include "Node.h"
 #include "Stroke.h"
 #include "ZoImage/Render.h"
-#include "ZoImage/RowCache.h"
 
 namespace veloxa {
 
@@ -80,7 +79,6 @@ class AutoSetup {
     bool keeps_decided(const std::vector<float>& before) const;
 
     Node& node_;
-    Zo::Image::RowCache rows_;  // outlives its use by the renderer
     Zo::Image::Renderer renderer_;
     const Zo::Image::AbortFlag* abort_;
     Zo::Image::Box box_{};
