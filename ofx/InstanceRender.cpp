@@ -102,7 +102,9 @@ void Instance::render_window(OfxPropertySetHandle in) {
     }
     Hash state = identity_of(values);
     state.append(identities[kForeground]);
-    NodePool::Lease node = renderers_.take(state);
+    Hash picture = identities[kForeground];
+    for (const int side : {region.x, region.y, region.r, region.t}) picture.append(side);
+    NodePool::Lease node = renderers_.take(state, picture);
     node->set(values, scale, used);
     for (std::size_t n = 0; n < kInputs; ++n) {
         if (used[n]) node->input(n).serve(*pictures[n], foreground.frame(), identities[n]);
@@ -111,7 +113,7 @@ void Instance::render_window(OfxPropertySetHandle in) {
 
     node->image().validate(true);
     if (!node->image().error().empty()) throw Failure(kOfxStatFailed, node->image().error());
-    const bool complete = node->render(effect_, region, [&](int y, const Row& row) {
+    const bool complete = node->render(effect_, region, node.rows(), [&](int y, const Row& row) {
         if (!rows.has(y)) return;
         write_row(output.view(), y, region.x, region.r, {row[kRed], row[kGreen], row[kBlue], row[kAlpha]});
     });

@@ -4,9 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
-#include <locale>
 #include <map>
-#include <sstream>
 
 #include "abi/OfxParam.h"
 
@@ -67,13 +65,6 @@ std::string tool_label(std::string_view label, const std::string& caption) {
 bool keeps_floats(const Knob& knob) {
     return knob.kind() == Knob::Kind::kFloat || knob.kind() == Knob::Kind::kColor ||
            knob.kind() == Knob::Kind::kColorAlpha;
-}
-
-std::string saved_text(const Knob& knob) {
-    std::ostringstream out;
-    out.imbue(std::locale::classic());
-    knob.to_script(out, false);
-    return out.str();
 }
 
 }  // namespace
@@ -137,7 +128,7 @@ double shown(const Knob& knob, double value) {
 Value knob_value(const Parameter& parameter, const RenderScale& scale) {
     Value value;
     const Knob& knob = *parameter.knob;
-    if (parameter.is_text()) value.text = saved_text(knob);
+    if (parameter.is_text()) value.text = knob.text();
     for (int i = 0; i < std::min(4, knob.value_count()); ++i) {
         const double number = knob.get_value(i);
         const double factor = parameter.scale(scale, i);
@@ -150,7 +141,7 @@ bool set_knob(const Parameter& parameter, const Value& value, const RenderScale&
     Knob& knob = *parameter.knob;
     if (parameter.is_button()) return false;
     if (parameter.is_text()) {
-        if (value.text == saved_text(knob)) return false;
+        if (value.text == knob.text()) return false;
         if (!knob.from_script(value.text)) knob.restore_default();
         return true;
     }

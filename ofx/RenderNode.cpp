@@ -25,10 +25,12 @@ void RenderNode::set(const Values& values, const RenderScale& scale, const std::
     }
 }
 
-bool RenderNode::render(OfxImageEffectHandle instance, const Box& region, const Renderer::Sink& sink) {
+bool RenderNode::render(OfxImageEffectHandle instance, const Box& region, RowCache* rows,
+                        const Renderer::Sink& sink) {
     poll_.begin(instance);
     if (!renderer_ && HostThreads::offered()) renderer_.emplace(threads_, &poll_.flag());
     if (!renderer_) renderer_.emplace(0, &poll_.flag());
+    renderer_->use_cache(rows);
     return renderer_->render(image(), region, kMaskRgba, [&](int y, const Row& row) {
         poll_.poll();
         sink(y, row);

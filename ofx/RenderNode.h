@@ -24,8 +24,8 @@ class RenderNode {
     void set(const Values& values, const RenderScale& scale, const std::array<bool, kInputs>& used);
 
     // Renders a region of the frame on the host's threads, or on threads of the node's own where the host has
-    // none. False when the host gave the render up.
-    bool render(OfxImageEffectHandle instance, const Zo::Image::Box& region,
+    // none, with rows kept from before unless those are null. False when the host gave the render up.
+    bool render(OfxImageEffectHandle instance, const Zo::Image::Box& region, Zo::Image::RowCache* rows,
                 const Zo::Image::Renderer::Sink& sink);
     // Lets go of the images, and of threads of its own.
     void release() noexcept;

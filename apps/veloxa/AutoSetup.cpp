@@ -156,7 +156,7 @@ void AutoSetup::step(const char* name, const KnobValues& before) {
 bool AutoSetup::stays(const std::string& name) {
     Knob& knob = node_.panel().get(name);
     if (node_.named().count(&knob) == 0) return false;
-    const std::string value = knob.kind() == Knob::Kind::kCustom ? "" : " at " + text_of(knob);
+    const std::string value = knob.kind() == Knob::Kind::kCustom ? "" : " at " + knob.text();
     const std::string note = name + " stays" + value + ", as set";
     if (std::find(notes_.begin(), notes_.end(), note) == notes_.end()) notes_.push_back(note);
     return true;
@@ -166,8 +166,8 @@ bool AutoSetup::density_stays() {
     if (stays("brights")) return true;
     for (const char* const name : {"darks", "warm", "cool"}) {
         if (node_.scripted().count(&node_.panel().get(name)) == 0) continue;
-        notes_.push_back("brights stays at " + text_of(node_.panel().get("brights")) +
-                         ", as the script sets " + name);
+        notes_.push_back("brights stays at " + node_.panel().get("brights").text() + ", as the script sets " +
+                         name);
         return true;
     }
     return false;
@@ -270,7 +270,7 @@ void AutoSetup::set_up() {
     choose_output();
     step("auto output", before);
     // The overlay tools change places when the subject is shown.
-    const bool subject = text_of(node_.panel().get("overlay_mode")) == "subject";
+    const bool subject = node_.panel().get("overlay_mode").text() == "subject";
     stroke_tiles(subject ? "removeoverlay" : "addoverlay",
                  [](const Tile& tile) { return is_noise(tile) || is_unclear(tile); });
     before = KnobValues(node_.panel());

@@ -1,23 +1,13 @@
 #include "KnobValues.h"
 
-#include <locale>
-#include <sstream>
-
 namespace veloxa {
 
 using namespace Zo::Image;
 
-std::string text_of(const Knob& knob) {
-    std::ostringstream text;
-    text.imbue(std::locale::classic());
-    knob.to_script(text, false);
-    return text.str();
-}
-
 KnobValues::KnobValues(const KnobPanel& panel) {
     for (const auto& knob : panel.knobs()) {
         const bool own = &knob->target() == knob.get();
-        if (own && knob->takes_value()) values_.push_back({knob.get(), text_of(*knob)});
+        if (own && knob->takes_value()) values_.push_back({knob.get(), knob->text()});
     }
 }
 
@@ -33,7 +23,7 @@ std::vector<KnobChange> KnobValues::since(const KnobValues& before) const {
 
 void KnobValues::restore() const {
     for (const auto& [knob, text] : values_) {
-        if (text_of(*knob) == text) continue;
+        if (knob->text() == text) continue;
         knob->from_script(text);
         knob->changed();
     }

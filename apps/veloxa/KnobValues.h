@@ -13,9 +13,6 @@ struct KnobChange {
     std::string before, after;  // as scripts hold them
 };
 
-// The knob's value as scripts hold it, without braces.
-std::string text_of(const Zo::Image::Knob& knob);
-
 class KnobValues {
   public:
     explicit KnobValues(const Zo::Image::KnobPanel& panel);

@@ -90,11 +90,11 @@ class Session {
 
     // What its strokes came to.
     std::string values() const {
-        std::ostringstream text;
+        std::string text;
         for (const auto& knob : panel_.knobs()) {
-            if (knob->takes_value()) knob->to_script(text, true);
+            if (knob->takes_value()) text += knob->text(true);
         }
-        return text.str() + node_.diagnostic("tool");
+        return text + node_.diagnostic("tool");
     }
 
   private:

@@ -24,7 +24,12 @@ void VlxFilter::_close() {
 void VlxFilter::_request(int x, int y, int r, int t, ChannelSet channels, int count) {
     // Channels that pass through are read as far as the reader looks, beyond the frame's edges too.
     Box area{x, y, r, t};
-    if (is_active()) area.merge(info_.box);
+    if (is_active()) {
+        area.merge(info_.box);
+        const auto plane = static_cast<std::size_t>(info_.box.width()) *
+                           static_cast<std::size_t>(info_.box.height()) * sizeof(float);
+        hold(static_cast<std::size_t>(own_channels_.size()) * frame_size(plane));
+    }
     input(0).request(area.x, area.y, area.r, area.t, channels + own_channels_, count);
 }
 

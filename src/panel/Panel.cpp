@@ -57,7 +57,7 @@ Knob* setting(Knob_Closure& f, const KnobRow& row, KnobStorage& storage) {
         },
         row.field);
     if (row.reach.given()) SetRange(f, row.reach.low, row.reach.high);
-    if (row.reach.pixels) SetFlags(f, kKnobPixels);
+    if (knob != nullptr) knob->set_flag(kKnobPixels, row.reach.pixels);
     return knob;
 }
 

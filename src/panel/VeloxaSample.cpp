@@ -43,20 +43,18 @@ int VeloxaSample::add_area(Iop& source, int x, int y, int r, int t) {
     if (r <= x || t <= y) return 0;
     source.validate(true);
     source.request(x, y, r, t, channels_, 1);
-    const RawGeneralTile tile(source, {x, y, r, t}, channels_);
-    if (!tile.valid()) return 0;
-
     constexpr std::array<Channel, 4> kChannels{kRed, kGreen, kBlue, kAlpha};
-    const float pixels = static_cast<float>((std::int64_t{r} - x) * (std::int64_t{t} - y));
     Sample mean{};
-    for (std::size_t i = 0; i < kChannels.size(); ++i) {
-        float sum = 0.0f;
-        for (int row = y; row < t; ++row) {
-            const float* const line = tile.line(kChannels[i], row);
-            for (int column = 0; column < r - x; ++column) sum += line[column];
+    const auto add = [&](std::size_t, int, const Row& row) {
+        for (std::size_t i = 0; i < kChannels.size(); ++i) {
+            const float* const pixels = row[kChannels[i]];
+            for (int column = 0; column < r - x; ++column) mean[i] += pixels[column];
         }
-        mean[i] = sum / pixels;
-    }
+    };
+    const RowSource from{&source, channels_};
+    if (!fetch_rows({&from, 1}, {x, y, r, t}, nullptr, add)) return 0;
+    const float pixels = static_cast<float>((std::int64_t{r} - x) * (std::int64_t{t} - y));
+    for (float& value : mean) value /= pixels;
     begin_change();
     append(mean);
     end_change();

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <locale>
-#include <sstream>
 
 #include "ZoImage/Convert.h"
 #include "keyer/OutputKernel.h"
@@ -287,20 +285,14 @@ void ToolRun::adopt(const Tuning& tuning, std::size_t counted) {
 
 // By way of the knobs, which read and write the node's fields: what differs is found there.
 void ToolRun::set_knobs(const KnobStorage& values) {
-    const auto text = [](const Knob& knob) {
-        std::ostringstream out;
-        out.imbue(std::locale::classic());
-        knob.to_script(out, false);
-        return out.str();
-    };
     const KnobStorage present = node_.knobs_;
     const std::vector<Knob*>& settings = node_.panel_.settings();
     std::vector<std::string> before;
-    for (const Knob* const knob : settings) before.push_back(text(*knob));
+    for (const Knob* const knob : settings) before.push_back(knob->text());
     node_.knobs_ = values;
     std::vector<Knob*> changed;
     for (std::size_t i = 0; i < settings.size(); ++i) {
-        const std::string after = text(*settings[i]);
+        const std::string after = settings[i]->text();
         if (after == before[i]) continue;
         report_ += "knob\t" + settings[i]->name() + '\t' + before[i] + '\t' + after + '\n';
         changed.push_back(settings[i]);

@@ -154,7 +154,7 @@ TEST(AutoSetup, WorksAroundWhatIsSet) {
         }
         for (const std::string& stays : c.stay) {
             const std::string name = stays.substr(0, stays.find('='));
-            EXPECT_EQ(name + '=' + text_of(panel.get(name)), stays);
+            EXPECT_EQ(name + '=' + panel.get(name).text(), stays);
             EXPECT_NE(notes.find('\n' + name + " stays"), std::string::npos) << name << " in" << notes;
         }
         std::set<std::string> moved;

@@ -36,9 +36,15 @@ class AddThousand final : public VlxFilter {
         ++computed;
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
         if (failures > 0) return --failures, false;
-        RawGeneralTile tile(input(0), info().box, kOwn, &lock);
-        if (!tile.valid()) return false;
-        for (const Channel c : kOwn) frame(c) = tile.take(c);
+        const Box& box = info().box;
+        const auto columns = static_cast<std::size_t>(box.width());
+        for (const Channel c : kOwn) frame(c).resize(columns * static_cast<std::size_t>(box.height()));
+        const auto keep = [&](std::size_t, int y, const Row& row) {
+            for (const Channel c : kOwn)
+                std::copy_n(row[c], columns, frame(c).data() + static_cast<std::size_t>(y - box.y) * columns);
+        };
+        const RowSource from{&input(0), kOwn};
+        if (!fetch_rows({&from, 1}, box, &lock, keep)) return false;
         return run_kernel(lock, [&](const ParallelLoop& loop) {
             const int width = info().box.width();
             loop(0, info().box.height(), raise != nullptr ? 1000 : 1, [&](int begin, int end) {
@@ -79,6 +85,7 @@ class VlxFilterTest : public testing::Test {
 
 TEST_F(VlxFilterTest, ComputesOnceForAllThreadsAndRenders) {
     expect_rendered(1000.0f, 3);
+    EXPECT_EQ(op.held_bytes(), 2U * 100 * 60 * sizeof(float));
     const int rows = source.rows();
     expect_rendered(1000.0f, 2, kOwn);
     EXPECT_EQ(op.computed, 1);

@@ -178,6 +178,36 @@ TEST_F(Render, AnimatedParametersAtTheFramesTime) {
     }
 }
 
+TEST_F(Render, AnEditReadsLessUntilTheRowsAreGone) {
+    services().threads = 1;  // which asks at every row whether to go on
+    Settings settings{{"screen_color", kScreen}};
+    const auto effect = instance(all_clips(), settings);
+    const auto edit = [&](const char* knob, double value) {
+        settings[knob] = {value};
+        effect->set(knob, {value});
+        effect->polls = 0;
+        EXPECT_EQ(differences(effect->render(), Reference(all_clips(), settings).render()), 0) << knob;
+        return effect->polls.load();
+    };
+    double value = 40.0;
+    int whole = 0;
+    for (int n = 0; n < 3; ++n) {
+        const int first = edit("spill_strength", ++value);
+        if (n == 0) whole = first;
+        EXPECT_EQ(first, whole) << n;
+        edit("spill_strength", ++value);
+        EXPECT_LT(edit("spill_strength", ++value), whole) << n;
+        for (const char* knob : {"brights", "output_mode", "screen_correct"}) {
+            for (const double other : {0.0, 1.0}) edit(knob, other);
+        }
+        if (n == 0) {
+            EXPECT_EQ(host_->action(kOfxActionPurgeCaches, effect.get()), kOfxStatOK);
+        } else {
+            effect->render(1.0);  // another picture
+        }
+    }
+}
+
 TEST_F(Render, AbortedAndThenWhole) {
     const Settings& settings = kCleanup;
     const Frame expected = Reference(all_clips(), settings).render();

@@ -21,6 +21,8 @@ class Sums final : public Zo::Image::Iop {
         invalidate();
     }
     float offset() const { return offset_; }
+    std::size_t frame = 0;                      // bytes that it holds itself
+    bool ahead = false;                         // it reads its last input whole before its first row
     Zo::Image::AbortFlag* lost_flag = nullptr;  // cleared as soon as an abort is seen, and a wrong row given
 
   protected:
@@ -30,6 +32,9 @@ class Sums final : public Zo::Image::Iop {
                          (offset_ != 0.0f ? Zo::Image::ChannelSet(Zo::Image::kRed) : Zo::Image::kMaskNone));
     }
     void _request(int x, int y, int r, int t, Zo::Image::ChannelSet channels, int count) override {
+        hold(frame);
+        reads_ahead_ = ahead;
+        if (ahead) input(inputs() - 1).read_ahead(Zo::Image::kMaskAll);
         input(0).request(x, y, r, t, channels - Zo::Image::kMaskAlpha, count);
         for (int n = 0; n < inputs(); ++n)
             input(n).request(x - dx_, y - dy_, r + dx_, t + dy_, Zo::Image::kMaskAlpha, count);
@@ -40,6 +45,10 @@ class Sums final : public Zo::Image::Iop {
         float* red = channels.has(kRed) && offset_ != 0.0f ? row.writable(kRed) : nullptr;
         for (int i = 0; red != nullptr && i < r - x; ++i) red[i] += offset_;
         if (!channels.has(kAlpha)) return;
+        for (int v = info_.box.y; reads_ahead_ && v < info_.box.t; ++v) {
+            Row(x, r).get(input(inputs() - 1), v, kMaskAlpha);
+        }
+        reads_ahead_ = false;
         float* out = row.overwrite(kAlpha);
         std::fill_n(out, r - x, offset_);
         for (int n = 0; n < inputs(); ++n) {
@@ -58,6 +67,7 @@ class Sums final : public Zo::Image::Iop {
 
   private:
     int dx_, dy_;
+    bool reads_ahead_ = false;
     float offset_ = 0.0f;
 };
 

@@ -48,12 +48,6 @@ float plate(const std::vector<Patch>& patches, Channel c, int x, int y) {
     return color[static_cast<std::size_t>(c) - 1] + 0.002f * static_cast<float>(grain);
 }
 
-std::string text_of(const Knob& knob) {
-    std::ostringstream text;
-    knob.to_script(text, true);
-    return text.str();
-}
-
 class Rig {
   public:
     Rig()
@@ -102,7 +96,7 @@ class Rig {
     std::string values() const {
         std::string text;
         for (const auto& knob : panel.knobs()) {
-            if (knob->kind() != Knob::Kind::kCustom && knob->takes_value()) text += text_of(*knob) + '\n';
+            if (knob->kind() != Knob::Kind::kCustom && knob->takes_value()) text += knob->text(true) + '\n';
         }
         return text;
     }
@@ -252,7 +246,7 @@ TEST(Tools, HeldListsComeFirst) {
         std::string text;
         for (const char* name : {"us_add_overlay", "us_remove_ovelray"}) {
             other.panel.get(name).set_flag(kKnobHeld, true);
-            text += text_of(other.panel.get(name));
+            text += other.panel.get(name).text(true);
         }
         return text;
     };
@@ -451,7 +445,7 @@ TEST(Tools, AnUndoneStrokeAsksForNothingAnyMore) {
     const std::string before = rig.values();
     rig.stroke("toolbar_addoverlay", kShade);
     const auto* const list = rig.panel.find("us_add_overlay");
-    const auto samples = [&] { return text_of(*list); };
+    const auto samples = [&] { return list->text(true); };
     const std::string two = samples();
     while (samples() == two || rig.values() != before) ASSERT_TRUE(rig.panel.undo());
     for (Rig* const r : {&rig, &other}) r->stroke("toolbar_removeoverlay", kShade);

@@ -162,15 +162,20 @@ TEST(Render, ExceptionsReachTheCallerAndTheRendererLives) {
     EXPECT_TRUE(renderer.render(source, {0, 0, 4, 300}, kMaskRgba, [](int, const Row&) {}));
 }
 
-TEST(RawTile, HoldsThePixelsInsideAndOutsideARender) {
+TEST(FetchRows, InsideTheFrameAndOutside) {
     const Box box{2, 3, 30, 50};
     test::FunctionSource source(box, kMaskRgba, pattern);
     Sums sums("sums", {&source}, 1, 1);
-    const RawGeneralTile tile(sums, {0, 0, 10, 10}, kMaskAlpha);
-    ASSERT_TRUE(tile.valid());
-    EXPECT_EQ(tile.line(kRed, 3), nullptr);
-    EXPECT_EQ(tile.line(kAlpha, 5)[4], expected_sum(box, 4, 5, 1, 1));
-    EXPECT_EQ(tile.line(kAlpha, 0)[0], expected_sum(box, 2, 3, 1, 1));  // the corner pixel repeats
+    const RowSource from{&sums, kMaskAlpha};
+    int next = 0;
+    EXPECT_TRUE(fetch_rows({&from, 1}, {0, 0, 10, 10}, nullptr, [&](std::size_t, int y, const Row& row) {
+        EXPECT_EQ(y, next++);
+        EXPECT_EQ(row.channels(), kMaskAlpha);
+        // Beyond the box the nearest edge pixel repeats.
+        EXPECT_EQ(row[kAlpha][0], expected_sum(box, 2, std::max(y, 3), 1, 1)) << y;
+        EXPECT_EQ(row[kAlpha][4], expected_sum(box, 4, std::max(y, 3), 1, 1)) << y;
+    }));
+    EXPECT_EQ(next, 10);
 }
 
 }  // namespace

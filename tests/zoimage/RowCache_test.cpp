@@ -33,13 +33,13 @@ struct Graph {
 
 // A renderer with a cache, and what it computed last: one letter an operator, s for the source.
 struct Cached {
-    explicit Cached(std::size_t budget, int threads = 2, AbortFlag* abort = nullptr)
-        : cache(budget), renderer(threads, abort) {
+    explicit Cached(std::size_t bytes, int threads = 2, AbortFlag* abort = nullptr)
+        : budget(bytes), cache(budget), renderer(threads, abort) {
         renderer.use_cache(&cache);
     }
     test::Picture render(Graph& graph, const Box& region) {
         test::Picture picture = test::render(renderer, graph.root, region);
-        EXPECT_LE(cache.bytes(), cache.budget());
+        EXPECT_LE(cache.bytes(), budget);
         computed.clear();
         rows = 0;
         for (const OpStats& op : renderer.stats()) {
@@ -52,6 +52,7 @@ struct Cached {
     }
     test::Picture render(Graph& graph) { return render(graph, graph.box); }
 
+    std::size_t budget;
     RowCache cache;
     Renderer renderer;
     std::string computed;
@@ -157,6 +158,41 @@ TEST(RowCache, AnyBudgetGivesTheSamePixelsAndASettledChoice) {
             EXPECT_EQ(settled, "abcrs");
         } else if (budget >= 4 * plane) {
             EXPECT_EQ(settled, budget == kAmple ? "br" : "brs");
+        }
+    }
+}
+
+TEST(RowCache, WhatOperatorsHoldThemselvesCounts) {
+    Graph graph;
+    Cached cached(kAmple);
+    cached.render(graph);
+    const std::size_t rows = cached.cache.bytes();
+    cached.render(graph);
+    EXPECT_EQ(cached.computed, "r");
+    for (Op* op : {&graph.a, &graph.c}) op->parent(&graph.root, "inner");
+    graph.c.frame = kAmple - rows;
+    cached.render(graph);
+    EXPECT_EQ(cached.computed, "r");
+    EXPECT_EQ(cached.cache.bytes(), kAmple);
+    graph.b.frame = rows;
+    cached.render(graph);
+    EXPECT_EQ(cached.computed, "abcrs");
+    // One that is wired out keeps its memory.
+    for (const int n : {0, 1}) graph.root.set_input(n, &graph.a);
+    cached.render(graph);
+    EXPECT_GT(cached.cache.bytes(), kAmple - rows);
+}
+
+TEST(RowCache, WhatIsReadAheadIsMadeOnceThoughItMoves) {
+    Graph graph;
+    graph.c.ahead = true;
+    Cached cached(kAmple, 1);
+    for (int step = 0; step < 5; ++step) {
+        graph.a.set_offset(static_cast<float>(step));
+        cached.render(graph);
+        for (const OpStats& op : cached.renderer.stats()) {
+            if (op.op != &graph.a) continue;
+            EXPECT_EQ(op.rows, graph.box.height()) << step;
         }
     }
 }

@@ -51,6 +51,16 @@ ChannelSet wanted_channels(const Iop& op) {
     return op.requested().channels & op.info().channels & op.kept_channels();
 }
 
+// What the operators of the pass hold themselves, those too that the root has left out of this render.
+std::size_t held_bytes(const RequestPass& pass) {
+    if (pass.ops().empty()) return 0;
+    const Iop* const root = pass.ops().front();
+    std::size_t bytes = 0;
+    for (const Iop* op : pass.ops()) bytes += op->parent() == root ? 0 : op->held_bytes();
+    for (Op* op : root->children()) bytes += op->as_iop() == nullptr ? 0 : op->as_iop()->held_bytes();
+    return bytes;
+}
+
 }  // namespace
 
 struct CachedRender::Plan {
@@ -80,32 +90,31 @@ struct CachedRender::Plan {
 };
 
 CachedRender::CachedRender(RowCache* cache, PlaneStore& own, const RequestPass& pass)
-    : cache_(cache == nullptr ? nullptr : cache->impl_.get()), pass_(pass) {
-    if (cache_ == nullptr) {
-        try {
-            keep_what_is_read_ahead(own);
-        } catch (const std::bad_alloc&) {
-            rows_.clear();  // then it is made again
-        }
-        return;
+    : cache_(cache == nullptr ? nullptr : cache->impl_.get()), pass_(pass), rows_(pass.ops().size()) {
+    if (cache_ != nullptr) keep_in_cache();
+    try {
+        keep_what_is_read_ahead(own);
+    } catch (const std::bad_alloc&) {
+        // Then it is made again.
     }
+}
+
+void CachedRender::keep_in_cache() {
     ++cache_->renders;
     std::erase_if(cache_->entries, [&](const auto& item) {
         const RowCache::Impl::Entry& entry = item.second;
         return !entry.rows && entry.last_render + kRendersRemembered < cache_->renders;
     });
-    const std::size_t count = pass.ops().size();
-    for (const Iop* op : pass.ops()) entries_.push_back(&cache_->entries[op->serial()]);
-    rows_.resize(count);
+    for (const Iop* op : pass_.ops()) entries_.push_back(&cache_->entries[op->serial()]);
 
-    Plan plan(pass);
-    States states(pass);
-    for (std::size_t slot = 0; slot < count; ++slot) {
-        const Iop& op = *pass.ops()[slot];
+    Plan plan(pass_);
+    States states(pass_);
+    for (std::size_t slot = 0; slot < entries_.size(); ++slot) {
+        const Iop& op = *pass_.ops()[slot];
         RowCache::Impl::Entry& entry = *entries_[slot];
         KeepOption& option = plan.options[slot];
         const Hash& state = states.of(slot);
-        option.reads = &pass.reads(slot);
+        option.reads = &pass_.reads(slot);
         const bool known = entry.last_render != 0;
         option.changed = !known || entry.state != state;
         entry.changes = known && option.changed ? entry.changes + 1 : 0;
@@ -128,7 +137,9 @@ CachedRender::CachedRender(RowCache* cache, PlaneStore& own, const RequestPass& 
             option.cost = kGuessedCost * area.width() * area.height() * channels.size();
         }
     }
+    cache_->store.set_aside(held_bytes(pass_));
     choose(plan);
+    make_room(0);
     try {
         allocate(plan);
     } catch (const std::bad_alloc&) {
@@ -156,9 +167,10 @@ void CachedRender::make_room(std::size_t bytes) {
             if (!entry.rows || entry.last_render == cache_->renders) continue;
             if (oldest == nullptr || entry.last_render < oldest->last_render) oldest = &entry;
         }
-        if (oldest == nullptr) return;
+        if (oldest == nullptr) break;
         oldest->rows.reset();
     }
+    cache_->store.trim(cache_->store.budget());
 }
 
 void CachedRender::allocate(const Plan& plan) {
@@ -182,11 +194,11 @@ void CachedRender::keep_what_is_read_ahead(PlaneStore& own) {
     for (std::size_t reader = 0; reader < readers.size(); ++reader) {
         for (const std::size_t source : pass_.reads(reader)) ++readers[source];
     }
-    rows_.resize(readers.size());
     for (std::size_t slot = 0; slot < readers.size(); ++slot) {
         const Iop& op = *pass_.ops()[slot];
         const ChannelSet channels = op.requested().ahead & op.info().channels;
-        if (channels.empty() || readers[slot] < 2 || op.info().box.empty()) continue;
+        const bool kept = rows_[slot] != nullptr;
+        if (kept || channels.empty() || readers[slot] < 2 || op.info().box.empty()) continue;
         own_.push_back(std::make_unique<KeptRows>(wanted_area(op)));
         rows_[slot] = own_.back().get();
         const std::size_t bytes = KeptRows::plane_bytes(wanted_area(op));

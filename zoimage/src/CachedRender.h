@@ -36,12 +36,12 @@ struct RowCache::Impl {
 
 class CachedRender {
   public:
-    // Drops what no longer holds and makes room for what this render will compute. Without a cache the only
-    // rows are those read ahead, in planes of `own`, which outlives this.
+    // Drops what no longer holds and makes room for what this render will compute. What is read ahead and has
+    // no place in the cache, if there is one, gets planes of `own`, which outlives this.
     CachedRender(RowCache* cache, PlaneStore& own, const RequestPass& pass);
 
     // Kept rows of the operator in this slot of the pass; null when there are none.
-    KeptRows* rows(std::size_t slot) const { return rows_.empty() ? nullptr : rows_[slot]; }
+    KeptRows* rows(std::size_t slot) const { return rows_[slot]; }
     // True when an operator's cost is not known yet.
     bool wants_times() const { return wants_times_; }
     // Takes in how the render went. Its row paths are gone by then.
@@ -49,6 +49,7 @@ class CachedRender {
 
   private:
     struct Plan;
+    void keep_in_cache();
     void choose(Plan& plan);
     void make_room(std::size_t bytes);
     void allocate(const Plan& plan);

@@ -70,25 +70,4 @@ bool fetch_rows(std::span<const RowSource> sources, const Box& box, Lock* helper
     return !any.aborted();
 }
 
-RawGeneralTile::RawGeneralTile(Iop& source, const Box& box, ChannelSet channels, Lock* helpers) : box_(box) {
-    if (box.empty()) return;
-    const auto width = static_cast<std::size_t>(box.width());
-    for (const Channel c : channels) {
-        planes_[static_cast<std::size_t>(c)].resize(width * static_cast<std::size_t>(box.height()));
-    }
-    const RowSource from{&source, channels};
-    valid_ = fetch_rows({&from, 1}, box, helpers, [&](std::size_t, int y, const Row& row) {
-        for (const Channel c : channels) {
-            FramePlane<float>& plane = planes_[static_cast<std::size_t>(c)];
-            std::copy_n(row[c], width, plane.data() + static_cast<std::size_t>(y - box.y) * width);
-        }
-    });
-}
-
-const float* RawGeneralTile::line(Channel c, int y) const {
-    const FramePlane<float>& plane = planes_[static_cast<std::size_t>(c)];
-    if (plane.empty()) return nullptr;
-    return plane.data() + static_cast<std::size_t>(y - box_.y) * static_cast<std::size_t>(box_.width());
-}
-
 }  // namespace Zo::Image

@@ -3,13 +3,15 @@
 #include <algorithm>
 #include <new>
 
+#include "ZoImage/FramePlane.h"
+
 namespace Zo::Image {
 
 namespace {
 
 constexpr std::size_t kLine = 64;
-// Planes start at page boundaries. Rows of one y in different channels, which are in use at once, are moved
-// apart by this, or they would all want the same sets of the processor's cache.
+// Large planes start at page boundaries. Rows of one y in different channels, which are in use at once, are
+// moved apart by this, or they would all want the same sets of the processor's cache.
 constexpr std::size_t kStagger = 5 * kLine;
 
 std::size_t row_stride(const Box& area) {
@@ -24,8 +26,7 @@ KeptRows::KeptRows(const Box& area)
     : area_(area), stride_(row_stride(area)), states_(static_cast<std::size_t>(area.height())) {}
 
 std::size_t KeptRows::plane_bytes(const Box& area) {
-    return PlaneStore::size_of_plane(row_stride(area) * static_cast<std::size_t>(area.height()) +
-                                     kStagger * kChannelLimit);
+    return frame_size(row_stride(area) * static_cast<std::size_t>(area.height()) + kStagger * kChannelLimit);
 }
 
 void KeptRows::add(Channel c, PlaneStore::Plane plane) {
@@ -58,7 +59,7 @@ ChannelSet KeptRows::claim(int y, ChannelSet channels) {
 
 RowBuffer* KeptRows::buffer(Channel c, int y) const {
     const auto n = static_cast<std::size_t>(c);
-    std::byte* row = planes_[n].data() + n * kStagger + static_cast<std::size_t>(y - area_.y) * stride_;
+    std::byte* row = planes_[n].get() + n * kStagger + static_cast<std::size_t>(y - area_.y) * stride_;
     return reinterpret_cast<RowBuffer*>(row);
 }
 

@@ -14,7 +14,7 @@ Knob::Knob(Kind kind, std::string_view name, std::string_view label, Field field
     if (kind_ == Kind::kTab) tab_ = label_;
     if (kind_ == Kind::kToolButton) field_ = std::span<double>(tool_values_);
     if (kind_ == Kind::kScriptButton) field_ = &pressed_;
-    for (int i = 0; i < Knob::value_count(); ++i) defaults_.push_back(Knob::get_value(i));
+    for (int i = 0; i < value_count(); ++i) defaults_.push_back(get_value(i));
 }
 
 Knob::~Knob() = default;

@@ -100,10 +100,6 @@ void SetRange(Knob_Closure& f, double low, double high) {
     if (f.making() && f.last() != nullptr) f.last()->range(low, high);
 }
 
-void SetFlags(Knob_Closure& f, unsigned flags) {
-    if (f.making() && f.last() != nullptr) f.last()->set_flag(flags, true);
-}
-
 void SetDefault(Knob_Closure& f, std::span<const double> values) {
     if (f.making() && f.last() != nullptr) f.last()->set_default(values);
 }

@@ -1,9 +1,7 @@
 #include "ZoImage/KnobPanel.h"
 
 #include <algorithm>
-#include <locale>
 #include <numeric>
-#include <sstream>
 
 #include "Text.h"
 
@@ -161,11 +159,8 @@ void KnobPanel::changed(Knob& knob) {
 }
 
 void KnobPanel::new_undo(Knob& knob, const char* name) {
-    std::ostringstream text;
-    text.imbue(std::locale::classic());
-    knob.to_script(text, true);
     if (undo_.size() == kUndoSteps) undo_.erase(undo_.begin());
-    undo_.push_back({&knob, name != nullptr ? name : knob.name(), text.str()});
+    undo_.push_back({&knob, name != nullptr ? name : knob.name(), knob.text(true)});
 }
 
 bool KnobPanel::undo() {

@@ -2,6 +2,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <locale>
+#include <sstream>
 #include <system_error>
 
 #include "Text.h"
@@ -228,6 +230,13 @@ void Knob::to_script(std::ostream& out, bool quote) const {
     } else if (value_count() > 0) {
         out << (get_value() != 0.0 ? "true" : "false");
     }
+}
+
+std::string Knob::text(bool quote) const {
+    std::ostringstream out;
+    out.imbue(std::locale::classic());
+    to_script(out, quote);
+    return out.str();
 }
 
 }  // namespace Zo::Image

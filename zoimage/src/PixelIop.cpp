@@ -2,11 +2,6 @@
 
 namespace Zo::Image {
 
-void PixelIop::_validate(bool /*for_real*/) {
-    copy_info();
-    set_out_channels(kMaskAll);
-}
-
 void PixelIop::_request(int x, int y, int r, int t, ChannelSet channels, int count) {
     in_channels(0, channels);
     input(0).request(x, y, r, t, channels, count);

@@ -2,7 +2,9 @@
 
 #include <dlfcn.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -51,8 +53,6 @@ bool is_class_name(std::string_view name) {
     return !name.empty() && name.find_first_not_of(kLetters) == std::string_view::npos;
 }
 
-}  // namespace
-
 void load_module(const fs::path& path) {
     // A name without a slash would be searched for in the system's library directories.
     std::error_code error;
@@ -62,6 +62,8 @@ void load_module(const fs::path& path) {
     throw PluginError("cannot load " + path.string() + ": " +
                       (reason != nullptr ? reason : "unknown reason"));
 }
+
+}  // namespace
 
 const Op::Description& load_plugin(std::string_view class_name) {
     if (const Op::Description* const known = Op::Description::find(class_name)) return *known;

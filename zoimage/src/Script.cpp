@@ -1,9 +1,7 @@
 #include "ZoImage/Script.h"
 
 #include <algorithm>
-#include <locale>
 #include <map>
-#include <sstream>
 
 #include "Text.h"
 #include "ZoImage/KnobPanel.h"
@@ -135,18 +133,13 @@ ScriptError::ScriptError(std::string_view file, int line, std::string_view what)
       line_(line) {}
 
 std::string write_script(const KnobPanel& panel) {
-    std::ostringstream out;
-    out.imbue(std::locale::classic());
-    out << panel.op().class_name() << " {\n";
+    std::string out = std::string(panel.op().class_name()) + " {\n";
     for (const auto& knob : panel.knobs()) {
-        if (knob->kind() == Knob::Kind::kLink || knob->flag(kKnobNotSaved)) continue;
+        if (knob->kind() == Knob::Kind::kLink) continue;
         if (!knob->takes_value() || !knob->differs_from_default()) continue;
-        out << "    " << knob->name() << ' ';
-        knob->to_script(out, true);
-        out << '\n';
+        out += "    " + knob->name() + ' ' + knob->text(true) + '\n';
     }
-    out << "}\n";
-    return out.str();
+    return out + "}\n";
 }
 
 std::vector<ScriptGroup> read_script(std::string_view text, std::string_view file_name) {

@@ -15,14 +15,6 @@ struct Box {
     constexpr int height() const { return t - y; }
     constexpr bool empty() const { return r <= x || t <= y; }
 
-    // Grows by dx columns on the left and the right, dy rows at the bottom and the top.
-    constexpr void pad(int dx, int dy) {
-        x -= dx;
-        r += dx;
-        y -= dy;
-        t += dy;
-    }
-
     // True when every pixel of `other` is inside; an empty box is inside any box.
     constexpr bool contains(const Box& other) const {
         return other.empty() || (other.x >= x && other.y >= y && other.r <= r && other.t <= t);

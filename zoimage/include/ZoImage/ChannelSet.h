@@ -7,11 +7,11 @@
 namespace Zo::Image {
 
 // Channel numbers. Red, green, blue and alpha are 1 to 4; 5 up to kChannelLimit - 1 are free for others.
-enum Channel : int { kNoChannel = 0, kRed = 1, kGreen = 2, kBlue = 3, kAlpha = 4 };
+enum Channel : int { kRed = 1, kGreen = 2, kBlue = 3, kAlpha = 4 };
 
 inline constexpr int kChannelLimit = 16;
 
-// A set of channels, a plain value. Iterate with range-for, or with first() and next(); both go upward.
+// A set of channels, a plain value. Range-for goes upward.
 class ChannelSet {
   public:
     constexpr ChannelSet() = default;
@@ -42,14 +42,10 @@ class ChannelSet {
     friend constexpr ChannelSet operator&(ChannelSet a, ChannelSet b) { return from_bits(a.bits_ & b.bits_); }
     friend constexpr bool operator==(ChannelSet, ChannelSet) = default;
 
-    // The lowest channel of the set, and the one after `c`; kNoChannel at the end.
-    constexpr Channel first() const { return lowest(bits_); }
-    constexpr Channel next(Channel c) const { return lowest(bits_ & ~((bit(c) << 1U) - 1U)); }
-
     class Iterator {
       public:
         constexpr explicit Iterator(std::uint32_t bits) : bits_(bits) {}
-        constexpr Channel operator*() const { return lowest(bits_); }
+        constexpr Channel operator*() const { return static_cast<Channel>(std::countr_zero(bits_)); }
         constexpr Iterator& operator++() {
             bits_ &= bits_ - 1;
             return *this;
@@ -65,9 +61,6 @@ class ChannelSet {
   private:
     static constexpr std::uint32_t kAllBits = (1U << kChannelLimit) - 2U;  // channel 0 is no channel
     static constexpr std::uint32_t bit(Channel c) { return (1U << static_cast<unsigned>(c)) & kAllBits; }
-    static constexpr Channel lowest(std::uint32_t bits) {
-        return bits == 0 ? kNoChannel : static_cast<Channel>(std::countr_zero(bits));
-    }
 
     std::uint32_t bits_ = 0;
 };

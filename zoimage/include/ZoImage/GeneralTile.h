@@ -2,21 +2,17 @@
 //
 // GeneralTile holds several rows at once for an engine that looks up and down. Its rows are shared with
 // the source, not copied; it belongs to the thread that made it and lives within one engine call.
-// RawGeneralTile owns a copy of the pixels in contiguous planes, for work on whole frames; it may be kept.
 // fetch_rows hands out the rows of several sources as they come, for work that keeps them in its own form.
-// Beyond a source's box all of them repeat its nearest edge pixel.
+// Beyond a source's box both repeat its nearest edge pixel.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <functional>
 #include <span>
-#include <utility>
 #include <vector>
 
 #include "ZoImage/Box.h"
 #include "ZoImage/ChannelSet.h"
-#include "ZoImage/FramePlane.h"
 #include "ZoImage/Row.h"
 
 namespace Zo::Image {
@@ -49,32 +45,12 @@ struct RowSource {
     Iop* image;
     ChannelSet channels;
 };
-// Receives row y of the source with this number; from any thread, in no particular order.
+// Receives row y of the source with this number; with helpers from any thread, in no particular order.
 using RowSink = std::function<void(std::size_t source, int y, const Row& row)>;
 
 // Fetches the box of every source. A row is fetched from all sources before the next, so that what they
 // share upstream is made once. With a lock that the caller holds, threads that wait for it help. Returns
 // false when the render was aborted on the way.
 bool fetch_rows(std::span<const RowSource> sources, const Box& box, Lock* helpers, const RowSink& sink);
-
-class RawGeneralTile {
-  public:
-    // Fetches the box. With a lock that the caller holds, threads that wait for it help.
-    RawGeneralTile(Iop& source, const Box& box, ChannelSet channels, Lock* helpers = nullptr);
-
-    const Box& box() const { return box_; }
-    bool valid() const { return valid_; }  // false when the render was aborted on the way
-
-    // Row y of a channel from column box().x on; null for a channel that was not fetched.
-    const float* line(Channel c, int y) const;
-    // The whole plane, row box().y first; empty for a channel that was not fetched. take() moves it out.
-    const FramePlane<float>& plane(Channel c) const { return planes_[static_cast<std::size_t>(c)]; }
-    FramePlane<float> take(Channel c) { return std::move(planes_[static_cast<std::size_t>(c)]); }
-
-  private:
-    Box box_;
-    std::array<FramePlane<float>, kChannelLimit> planes_;
-    bool valid_ = true;
-};
 
 }  // namespace Zo::Image

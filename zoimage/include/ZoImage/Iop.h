@@ -9,6 +9,9 @@
 // validated. (Channels may be left out of a request; then they are computed when they are first read.)
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
+
 #include "ZoImage/Info.h"
 #include "ZoImage/Op.h"
 #include "ZoImage/Row.h"
@@ -37,6 +40,9 @@ class Iop : public Op {
     // None where the pixels lie in memory anyway, or cost no more to make than to read back.
     virtual ChannelSet kept_channels() const { return out_channels_; }
 
+    // The memory that it keeps by itself, which a cache of rows counts as its own.
+    std::size_t held_bytes() const { return held_bytes_; }
+
     // Announces that rows y to t - 1, columns x to r - 1 of these channels will be read `count` times.
     // Validates for real first. May be called many times; the areas add up.
     void request(int x, int y, int r, int t, ChannelSet channels, int count);
@@ -63,6 +69,9 @@ class Iop : public Op {
     // Validates input n and takes over its info.
     void copy_info(int n = 0);
     void set_out_channels(ChannelSet channels) { out_channels_ = channels; }
+    // Announces memory that the operator keeps from render to render from now on; the most that was ever
+    // announced counts.
+    void hold(std::size_t bytes) { held_bytes_ = std::max(held_bytes_, bytes); }
 
     // The default copies input 0's info and declares every channel changed.
     void _validate(bool for_real) override;
@@ -84,6 +93,7 @@ class Iop : public Op {
     std::uint64_t pass_ = 0;  // the request pass that requested_ and slot_ belong to
     int slot_ = -1;           // this operator's place in that pass
     int rows_in_use_ = 1;     // rows of this operator that the making of one output row can touch
+    std::size_t held_bytes_ = 0;
 };
 
 }  // namespace Zo::Image

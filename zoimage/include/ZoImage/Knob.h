@@ -20,16 +20,6 @@ namespace Zo::Image {
 
 class Knob;
 
-// Values by position, 0 to value_count() - 1.
-class ValueStuffI {
-  public:
-    virtual ~ValueStuffI() = default;
-    virtual int value_count() const = 0;
-    virtual double get_value(int i = 0) const = 0;  // 0 for a position that does not exist
-    // False, and nothing is changed, for a position that does not exist and for a value that is not finite.
-    virtual bool set_value(double value, int i = 0) = 0;
-};
-
 // The panel that a knob sits in.
 class KnobHost {
   public:
@@ -48,11 +38,10 @@ struct KnobRange {
 // Flags of a knob, to be combined.
 inline constexpr unsigned kKnobHidden = 1;
 inline constexpr unsigned kKnobDisabled = 2;
-inline constexpr unsigned kKnobNotSaved = 4;  // left out of the scripts that are written
-inline constexpr unsigned kKnobHeld = 8;      // set by front ends: the operator's own tools leave the value
-inline constexpr unsigned kKnobPixels = 16;   // its numbers count pixels of the image
+inline constexpr unsigned kKnobHeld = 4;    // set by front ends: the operator's own tools leave the value
+inline constexpr unsigned kKnobPixels = 8;  // its numbers count pixels of the image
 
-class Knob : public ValueStuffI {
+class Knob {
   public:
     enum class Kind {
         kBool,
@@ -78,7 +67,7 @@ class Knob : public ValueStuffI {
 
     // The values that the field holds now are the defaults.
     Knob(Kind kind, std::string_view name, std::string_view label, Field field = {});
-    ~Knob() override;
+    virtual ~Knob();
     Knob(const Knob&) = delete;
     Knob& operator=(const Knob&) = delete;
 
@@ -117,10 +106,12 @@ class Knob : public ValueStuffI {
     bool active() const { return active_tool_ != nullptr && *active_tool_ == tool_number_; }
     void activate();
 
-    // Links read and set their target.
-    int value_count() const override;
-    double get_value(int i = 0) const override;
-    bool set_value(double value, int i = 0) override;
+    // Values by position, 0 to value_count() - 1; links read and set their target's. A position that does not
+    // exist reads as 0. set_value returns false, and changes nothing, for one and for a value that is not
+    // finite or that the field cannot hold.
+    int value_count() const;
+    double get_value(int i = 0) const;
+    bool set_value(double value, int i = 0);
 
     // True for the kinds whose value scripts and command lines may set (a link's goes to its target).
     bool takes_value() const;
@@ -141,6 +132,8 @@ class Knob : public ValueStuffI {
     virtual bool from_script(std::string_view text);
     virtual void to_script(std::ostream& out, bool quote) const;
     virtual bool accepts_script(std::string_view text) const;
+    // What to_script writes, whatever the locale.
+    std::string text(bool quote = false) const;
 
     // Reads text as this knob's values: numbers separated by commas or blanks, 0, 1, true or false, a menu
     // item by name or index; braces around it do not matter. Returns what is wrong, empty when nothing is.

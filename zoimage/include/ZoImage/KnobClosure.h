@@ -61,7 +61,6 @@ Knob* tool_button(Knob_Closure& f, std::int32_t* field, std::int32_t number, std
 
 void Tooltip(Knob_Closure& f, std::string_view text);
 void SetRange(Knob_Closure& f, double low, double high);
-void SetFlags(Knob_Closure& f, unsigned flags);
 void SetDefault(Knob_Closure& f, std::span<const double> values);
 
 // A knob of the subclass T, made as T(name, args...).

@@ -18,7 +18,6 @@ class PixelIop : public Iop {
     // Computes channels of the span from `in`, which holds what in_channels asked for.
     virtual void pixel_engine(const Row& in, int y, int x, int r, ChannelSet channels, Row& out) = 0;
 
-    void _validate(bool for_real) override;
     void _request(int x, int y, int r, int t, ChannelSet channels, int count) override;
     void engine(int y, int x, int r, const ChannelSet& channels, Row& row) override;
 };

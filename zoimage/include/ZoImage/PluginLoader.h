@@ -2,7 +2,6 @@
 // loaded until the program ends. Any thread.
 #pragma once
 
-#include <filesystem>
 #include <stdexcept>
 #include <string_view>
 
@@ -20,7 +19,5 @@ class PluginError : public std::runtime_error {
 // has it: the directories of the environment variable VELOXA_PLUGIN_PATH (separated by colons), the
 // directory "veloxa" beside the engine's library, "../lib/veloxa" seen from the program's directory.
 const Op::Description& load_plugin(std::string_view class_name);
-
-void load_module(const std::filesystem::path& path);
 
 }  // namespace Zo::Image

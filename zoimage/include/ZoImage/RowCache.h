@@ -15,15 +15,16 @@ namespace Zo::Image {
 
 class RowCache {
   public:
-    // Holds at most `budget` bytes. Where that is too little for all operators of a render, those are kept
-    // whose rows save the most time per byte; see KeepChoice.h.
+    // Holds at most `budget` bytes, less what the operators hold themselves (Iop::hold). Where that is too
+    // little for all operators of a render, those are kept whose rows save the most time per byte; see
+    // KeepChoice.h.
     explicit RowCache(std::size_t budget);
     ~RowCache();
     RowCache(const RowCache&) = delete;
     RowCache& operator=(const RowCache&) = delete;
 
-    std::size_t budget() const;
-    // The memory that the cache has taken, never above the budget. Any thread.
+    // The memory that the cache has taken together with the frames that the operators of the last render hold
+    // themselves; above the budget only where those frames alone are. Any thread.
     std::size_t bytes() const;
     // Gives all memory back. Not during a render.
     void clear();
