@@ -4,7 +4,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 if [ $# -eq 0 ]; then
-    mapfile -t files < <(git ls-files -- 'zoimage/*.cpp' 'src/*.cpp' 'apps/*.cpp' 'ofx/*.cpp')
+    mapfile -t files < <(git ls-files -- 'zoimage/*.cpp' 'src/*.cpp' 'shot/*.cpp' 'plates/*.cpp' 'apps/*.cpp' 'ofx/*.cpp')
     set -- "${files[@]}"
 fi
 printf '%s\0' "$@" | xargs -0 -n 4 -P "$(nproc)" clang-tidy -p build --quiet

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "Errors.h"
+#include "Terminal.h"
 
 namespace veloxa {
 
@@ -50,10 +50,8 @@ std::string progress_text(double done, int total, double elapsed, bool bar) {
     return line + text;
 }
 
-Progress::Progress(int frames, bool quiet) : frames_(frames), terminal_(::isatty(STDERR_FILENO) == 1) {
-    if (!quiet && frames_ > 0) {
-        ticker_ = std::jthread([this](const std::stop_token& stop) { tick(stop); });
-    }
+Progress::Progress(bool quiet) : terminal_(::isatty(STDERR_FILENO) == 1) {
+    if (!quiet) ticker_ = std::jthread([this](const std::stop_token& stop) { tick(stop); });
 }
 
 Progress::~Progress() {
@@ -63,15 +61,9 @@ Progress::~Progress() {
     if (terminal_) show_status("");
 }
 
-void Progress::frame_done() {
-    done_.fetch_add(1, std::memory_order_relaxed);
-}
-
 void Progress::show(double elapsed) const {
-    // Rows run ahead of finished frames by what is still being encoded; frames that failed have no rows.
-    const double rows = static_cast<double>(parts_.load(std::memory_order_relaxed)) / kPartsPerFrame;
-    const double done = std::max(rows, static_cast<double>(done_.load(std::memory_order_relaxed)));
-    const std::string text = progress_text(done, frames_, elapsed, terminal_);
+    if (frames_ == 0) return;  // nothing has begun
+    const std::string text = progress_text(done_, frames_, elapsed, terminal_);
     if (terminal_) {
         show_status(text);
     } else {

@@ -226,6 +226,7 @@ parts.exr: warning: holds 2 parts (left, right); only the first is used, left|--
 out/w.1.jpg: warning: metadata of the foreground is left out|--fg long.tif --bg shot/bg.%04d.exr -o out/w.%d.jpg --frames 1-3
 TABLE
 expect 0 "parts.exr: warning: holds 2 parts" compare parts.exr shot/fg.0001.exr
+"$veloxa" compare parts.exr parts.exr >/dev/full 2>err.txt && fail "compare into a full disk: $(cat err.txt)"
 expect 0 "" key --fg shot/fg.0001.exr -o damaged.dpx --set screen_color=0,0,0
 printf '\321\321\321\321' | dd of=damaged.dpx bs=1 seek=32 conv=notrunc status=none
 expect 1 "damaged.dpx: has a damaged header" key --fg damaged.dpx -o out/w.exr --overwrite

@@ -6,9 +6,9 @@
 #include <memory>
 #include <string>
 
-#include "ImageSource.h"
-#include "PlateSet.h"
 #include "keyer/VeloxaKeyer.h"
+#include "plates/Set.h"
+#include "shot/node/ImageSource.h"
 #include "support/TestImages.h"
 
 using namespace Zo::Image;
