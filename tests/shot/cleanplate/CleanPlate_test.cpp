@@ -5,7 +5,6 @@
 #include <cstring>
 #include <limits>
 
-#include "plates/Set.h"
 #include "shot/Errors.h"
 #include "shot/Files.h"
 
@@ -159,26 +158,6 @@ TEST_F(CleanPlateTest, RefusesWhatShowsNoBackingAndTellsWhenTheCameraMoved) {
     EXPECT_NEAR(report_.largest.x, 2.0, 0.6);
     ASSERT_EQ(warnings_.size(), 1U);
     EXPECT_TRUE(warnings_[0].starts_with(file("fg.0004.exr") + ": warning: the backing is shifted"));
-}
-
-// A procedural shot: the set behind the figure is known, and its contact shadow is no part of it.
-TEST_F(CleanPlateTest, ProceduralShot) {
-    const plate::Options options{320, 180, 3, plate::Screen::kGreen};
-    for (int frame = 1; frame <= 3; ++frame) {
-        const plate::Set set = plate::render_set(options, 40 * frame, 2);
-        write_image(pattern().at(frame), set[plate::kForeground], {.depth = Depth::kHalf, .overwrite = true});
-    }
-    const Image plate = make({1, 3, 1}, {2}, "0.14,0.567,0.243");
-    double squares = 0.0;
-    plate::Scene(options, 40).render(0, 180, [&](int row, const std::vector<plate::Pixel>& pixels) {
-        for (std::size_t x = 0; x < 320; ++x) {
-            const float error = plate.line(kGreen, 179 - row)[x] - pixels[x].backing.y;
-            squares += static_cast<double>(error) * static_cast<double>(error);
-        }
-    });
-    EXPECT_GT(report_.seen, 0.6);
-    EXPECT_LT(report_.largest.length(), 0.25);
-    EXPECT_LT(std::sqrt(squares / (320 * 180)), 0.05);
 }
 
 }  // namespace

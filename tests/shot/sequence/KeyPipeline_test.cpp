@@ -121,16 +121,4 @@ TEST_F(KeyPipelineTest, AnAbortLeavesOnlyWholeFiles) {
     EXPECT_EQ(files(), before + whole) << "no temporary file is left";
 }
 
-TEST_F(KeyPipelineTest, AnotherSizeIsABadFrame) {
-    write_flat(file("cp.exr"), 7, 0);
-    EXPECT_FALSE(run());
-    EXPECT_EQ(keyed_, 0);
-}
-
-TEST_F(KeyPipelineTest, AnInputIsNoOutput) {
-    std::filesystem::create_symlink(name("fg", 4), name("out", 4));
-    EXPECT_THROW(run(true), UsageError);
-    EXPECT_EQ(read_image(name("fg", 4)).line(kRed, 0)[0], 4.0f);
-}
-
 }  // namespace
