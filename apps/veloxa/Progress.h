@@ -5,13 +5,9 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
-#include <string>
 #include <thread>
 
 namespace veloxa {
-
-// What the line says after `elapsed` seconds; `done` and `total` are frames, done may be a fraction.
-std::string progress_text(double done, int total, double elapsed, bool bar);
 
 class Progress {
   public:
@@ -28,10 +24,8 @@ class Progress {
 
   private:
     void tick(const std::stop_token& stop);
-    void show(double elapsed) const;
 
     const bool terminal_;
-    const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
     std::atomic<double> done_{0.0};
     std::atomic<int> frames_{0};
     std::mutex mutex_;

@@ -6,7 +6,6 @@
 #include <limits>
 
 #include "shot/Errors.h"
-#include "shot/files/FileParts.h"
 #include "shot/files/ImageFile.h"
 
 namespace veloxa {

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "ZoImage/Render.h"
+#include "shot/Caller.h"
 #include "shot/image/Image.h"
 
 namespace veloxa {
@@ -21,6 +22,9 @@ Image read_matte(const std::string& path, const Zo::Image::AbortFlag* abort = nu
 
 // The name of the alpha channel that a file has beside others, from its header; empty without one.
 std::string own_alpha(const OIIO::ImageSpec& header);
+
+// Warns of a file of several parts, pages or frames, of which only the first is read.
+void warn_of_parts(const std::string& path, const Caller& caller);
 
 // Whether the file is there and every pixel of it can be read.
 bool is_whole_image(const std::string& path, const Zo::Image::AbortFlag* abort = nullptr);

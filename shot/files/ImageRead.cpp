@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <limits>
 #include <new>
-#include <type_traits>
 #include <vector>
 
 #include "shot/Errors.h"
@@ -88,16 +87,6 @@ std::size_t maker_of(const Sources& from, std::size_t c) {
     return static_cast<std::size_t>(std::find(from.begin(), from.end(), from[c]) - from.begin());
 }
 
-// Interleaved samples of a row, as floats: themselves or through `floats`.
-const float* as_floats(const float* row, std::vector<float>& /*floats*/) {
-    return row;
-}
-
-const float* as_floats(const Half* row, std::vector<float>& floats) {
-    from_half(row, floats.data(), floats.size());
-    return floats.data();
-}
-
 // The channel at `first` out of interleaved pixels.
 void take_channel(const float* interleaved, std::size_t first, std::size_t stride, std::size_t width,
                   float* line) {
@@ -116,19 +105,15 @@ Span span_of(const Sources& from) {
     return span;
 }
 
-template <class Sample>
-void fill(FileReader& reader, Image& image, const Sources& from, const Span& span) {
-    const auto stride = static_cast<std::size_t>(span.last - span.first);
-    std::vector<float> floats(std::is_same_v<Sample, Half> ? image.width() * stride : 0);
-    reader.each_row<Sample>(span, [&](int row, const Sample* samples) {
-        const float* pixels = as_floats(samples, floats);
-        const int y = image.info.box.t - 1 - row;
-        for (std::size_t c = 0; c < from.size(); ++c) {
-            if (from[c] < 0 || maker_of(from, c) != c) continue;
-            const auto channel = static_cast<Channel>(kRed + static_cast<int>(c));
-            const auto first = static_cast<std::size_t>(from[c] - span.first);
-            take_channel(pixels, first, stride, image.width(), image.line(channel, y));
-        }
+// Calls take(row, samples of the span as floats) for every row. Halves are read as they are: the library
+// would convert them sample by sample.
+template <class Take>
+void each_row(FileReader& reader, const Span& span, const Take& take) {
+    if (!reader.is_half(span)) return reader.each_row<float>(span, take);
+    std::vector<float> floats(static_cast<std::size_t>(reader.spec().width * (span.last - span.first)));
+    reader.each_row<Half>(span, [&](int row, const Half* samples) {
+        from_half(samples, floats.data(), floats.size());
+        take(row, floats.data());
     });
 }
 
@@ -144,25 +129,17 @@ Image read_channels(FileReader& reader, const std::string& path, const Sources& 
         image.planes[c] = maker < c ? image.planes[maker] : make_plane(image.width() * image.height());
     }
     const Span span = span_of(from);
-    // Halves are read as they are: the library would convert them sample by sample.
-    if (reader.is_half(span)) {
-        fill<Half>(reader, image, from, span);
-    } else {
-        fill<float>(reader, image, from, span);
-    }
+    const auto stride = static_cast<std::size_t>(span.last - span.first);
+    each_row(reader, span, [&](int row, const float* pixels) {
+        const int y = image.info.box.t - 1 - row;
+        for (std::size_t c = 0; c < from.size(); ++c) {
+            if (from[c] < 0 || maker_of(from, c) != c) continue;
+            const auto channel = static_cast<Channel>(kRed + static_cast<int>(c));
+            const auto first = static_cast<std::size_t>(from[c] - span.first);
+            take_channel(pixels, first, stride, image.width(), image.line(channel, y));
+        }
+    });
     return image;
-}
-
-// Decodes these channels and keeps nothing.
-void decode(FileReader& reader, const std::string& path, const Sources& from) {
-    info_of(reader.spec(), path);
-    const Span span = span_of(from);
-    const auto ignore = [](int, const auto*) {};
-    if (reader.is_half(span)) {
-        reader.each_row<Half>(span, ignore);
-    } else {
-        reader.each_row<float>(span, ignore);
-    }
 }
 
 // Opens a file and calls work(reader, sources of all its channels).
@@ -174,6 +151,23 @@ auto with_reader(const std::string& path, const AbortFlag* abort, const Work& wo
     throw Error(path, "needs more memory than there is");
 } catch (const std::length_error&) {
     throw Error(path, "needs more memory than there is");
+}
+
+// A film has many; what is told of is that there are others.
+constexpr std::size_t kCounted = 100;
+constexpr std::size_t kNamed = 8;
+
+// Their names, or numbers for those without.
+std::vector<std::string> part_names(const std::string& path) {
+    const Hush hush(path);
+    std::vector<std::string> names;
+    const auto input = OIIO::ImageInput::open(path);
+    while (input && names.size() < kCounted && input->seek_subimage(static_cast<int>(names.size()), 0)) {
+        const std::string name = input->spec().get_string_attribute("oiio:subimagename");
+        names.push_back(name.empty() ? std::to_string(names.size()) : name);
+    }
+    OIIO::geterror();  // there is always an end
+    return names;
 }
 
 }  // namespace
@@ -195,8 +189,22 @@ std::string own_alpha(const OIIO::ImageSpec& header) {
     return alpha >= 0 && header.nchannels > 1 ? std::string(header.channel_name(alpha)) : "";
 }
 
+void warn_of_parts(const std::string& path, const Caller& caller) {
+    const std::vector<std::string> names = part_names(path);
+    if (names.size() < 2) return;
+    std::string list;
+    for (std::size_t n = 0; n < std::min(names.size(), kNamed); ++n) list += (n > 0 ? ", " : "") + names[n];
+    if (names.size() > kNamed) list += ", ...";
+    const std::string count = std::to_string(names.size()) + (names.size() == kCounted ? " or more" : "");
+    caller.warn(path + ": warning: holds " + count + " parts (" + list + "); only the first is used, " +
+                names.front());
+}
+
 bool is_whole_image(const std::string& path, const AbortFlag* abort) try {
-    with_reader(path, abort, [&](FileReader& reader, const Sources& from) { decode(reader, path, from); });
+    with_reader(path, abort, [&](FileReader& reader, const Sources& from) {
+        info_of(reader.spec(), path);
+        each_row(reader, span_of(from), [](int, const float*) {});
+    });
     return true;
 } catch (const Error&) {
     return false;

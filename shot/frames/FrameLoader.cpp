@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "shot/Errors.h"
-#include "shot/files/FileParts.h"
 #include "shot/files/ImageFile.h"
 
 namespace veloxa {

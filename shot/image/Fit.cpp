@@ -32,56 +32,39 @@ Box filled_box(const Image& image) {
     return box;
 }
 
-// The library works on interleaved pixels, rows in the order in which they are given; ours go upward.
-OIIO::ImageBuf interleaved(const Image& image, const std::vector<Channel>& channels) {
-    const Box box = filled_box(image);
-    const Box& data = image.info.box;
-    OIIO::ImageSpec spec(box.width(), box.height(), static_cast<int>(channels.size()), OIIO::TypeDesc::FLOAT);
+OIIO::ImageBuf buffer_of(const Box& box, const Box& frame, float* pixels) {
+    OIIO::ImageSpec spec(box.width(), box.height(), 1, OIIO::TypeDesc::FLOAT);
     spec.x = box.x;
     spec.y = box.y;
-    spec.full_width = image.info.format.box.width();
-    spec.full_height = image.info.format.box.height();
-    OIIO::ImageBuf buffer(spec);
-    auto* out = static_cast<float*>(buffer.localpixels());
-    for (int y = box.y; y < box.t; ++y) {
-        for (int x = box.x; x < box.r; ++x) {
-            const int column = std::clamp(x, data.x, data.r - 1) - data.x;
-            for (const Channel c : channels)
-                *out++ = image.line(c, std::clamp(y, data.y, data.t - 1))[column];
-        }
-    }
-    return buffer;
+    spec.full_width = frame.width();
+    spec.full_height = frame.height();
+    return OIIO::ImageBuf(spec, pixels);
 }
 
 std::shared_ptr<const Image> resized(const Image& image, const Format& format, const std::string& file) {
     const Box& from = image.info.format.box;
     const Box& to = format.box;
+    const Box& data = image.info.box;
+    const Box box = filled_box(image);
     Info info = image.info;
     info.format = format;
-    const Box box = filled_box(image);
-    info.box.x = scaled_down(box.x, to.width(), from.width());
-    info.box.r = scaled_up(box.r, to.width(), from.width());
-    info.box.y = scaled_down(box.y, to.height(), from.height());
-    info.box.t = scaled_up(box.t, to.height(), from.height());
-
-    std::vector<Channel> channels;
-    for (const Channel c : info.channels) channels.push_back(c);
-    const OIIO::ImageBuf source = interleaved(image, channels);
-    OIIO::ImageSpec spec(info.box.width(), info.box.height(), source.nchannels(), OIIO::TypeDesc::FLOAT);
-    spec.x = info.box.x;
-    spec.y = info.box.y;
-    spec.full_width = to.width();
-    spec.full_height = to.height();
-    OIIO::ImageBuf scaled(spec);
-    if (!OIIO::ImageBufAlgo::resize(scaled, source)) throw Error(file, scaled.geterror());
-
+    info.box = {scaled_down(box.x, to.width(), from.width()), scaled_down(box.y, to.height(), from.height()),
+                scaled_up(box.r, to.width(), from.width()), scaled_up(box.t, to.height(), from.height())};
     auto result = std::make_shared<Image>(info);
     result->header = image.header;
-    const auto* pixels = static_cast<const float*>(scaled.localpixels());
-    for (std::size_t n = 0; n < channels.size(); ++n) {
-        float* plane = result->plane(channels[n]).get();
-        const std::size_t count = result->width() * result->height();
-        for (std::size_t i = 0; i < count; ++i) plane[i] = pixels[i * channels.size() + n];
+    std::vector<float> filled;
+    for (const Channel c : info.channels) {
+        filled.clear();
+        for (int y = box.y; y < box.t; ++y) {
+            const float* const line = image.line(c, std::clamp(y, data.y, data.t - 1));
+            for (int x = box.x; x < box.r; ++x) {
+                filled.push_back(line[std::clamp(x, data.x, data.r - 1) - data.x]);
+            }
+        }
+        OIIO::ImageBuf scaled = buffer_of(info.box, to, result->plane(c).get());
+        if (!OIIO::ImageBufAlgo::resize(scaled, buffer_of(box, from, filled.data()))) {
+            throw Error(file, scaled.geterror());
+        }
     }
     return result;
 }
