@@ -79,7 +79,8 @@ TEST(Pick, ReadsBoxes) {
 }
 
 TEST(Fit, PlacesOtherSizes) {
-    const auto image = std::make_shared<const Image>(red(kData, kSmall, {8, 8, 8, 8, 8, 8}));
+    const auto value = [](Channel c, int, int) { return 8.0f * static_cast<float>(c); };
+    const auto image = std::make_shared<const Image>(test::image_of(kData, kSmall, kMaskRgb, value));
     Format format;
     format.box = {0, 0, 6, 8};
     EXPECT_EQ(fitted(image, image->info.format, Fit::kRefuse, "f"), image);
@@ -88,7 +89,10 @@ TEST(Fit, PlacesOtherSizes) {
     const auto resized = fitted(image, format, Fit::kResize, "f");
     EXPECT_EQ(resized->info.box, (Box{-2, 0, 6, 8})) << "the whole frame and what stands out";
     EXPECT_EQ(resized->info.format.box, format.box);
-    for (int x = 0; x < 8; ++x) EXPECT_NEAR(resized->line(kRed, 5)[x], 8.0f, 1e-5f) << x;
+    for (const Channel c : kMaskRgb) {
+        for (int x = 0; x < 8; ++x)
+            EXPECT_NEAR(resized->line(c, 5)[x], value(c, 0, 0), 1e-5f) << c << ' ' << x;
+    }
     EXPECT_THAT([&] { fitted(image, format, Fit::kRefuse, "f.exr"); },
                 testing::ThrowsMessage<Error>(testing::MatchesRegex("f.exr: .*3x4.*6x8.*")));
 }
