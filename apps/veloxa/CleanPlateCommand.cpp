@@ -1,16 +1,16 @@
 // veloxa cleanplate: a clean plate from the clear backing of a locked-off shot.
-#include <cstdio>
-#include <filesystem>
+#include <iomanip>
 #include <memory>
+#include <sstream>
 
-#include "AtomicFile.h"
-#include "CleanPlate.h"
 #include "Commands.h"
-#include "Errors.h"
 #include "Interrupt.h"
-#include "NodeOptions.h"
-#include "Pick.h"
-#include "ScreenChoice.h"
+#include "Options.h"
+#include "Progress.h"
+#include "Terminal.h"
+#include "shot/cleanplate/CleanPlate.h"
+#include "shot/files/ImageFile.h"
+#include "shot/setup/Pick.h"
 
 namespace veloxa {
 
@@ -31,67 +31,43 @@ struct Options {
     bool quiet = false;
 };
 
-FrameRange frames_of(const Options& options, const FramePattern& name) {
-    if (options.frames.empty() && name.has_frame()) {
-        throw UsageError(name.name() + ": a frame pattern needs --frames A-B");
-    }
-    if (!options.frames.empty() && !name.has_frame()) {
-        throw UsageError("--frames: " + name.name() + " has no frame pattern such as %04d or ####");
-    }
-    return options.frames.empty() ? FrameRange{} : parse_frames(options.frames);
-}
-
-void check_output(const Options& options, const FramePattern& name, const FrameRange& frames,
-                  const WriteOptions& write) {
-    AtomicFile::check(options.output, write.overwrite);
-    check_writable(options.output, write);
-    for (int n = 0; n < frames.count(); ++n) {
-        std::error_code missing;
-        if (std::filesystem::equivalent(options.output, name.at(frames.at(n)), missing)) {
-            throw UsageError(options.output + ": is an input too");
-        }
-    }
-}
-
-void choose_screen_color(KnobPanel& panel, const Options& options, const CleanPlateMaker& maker) {
-    const auto& [pick, screen] = options.screen;
-    if (!pick.empty()) {
-        set_screen_color(panel, mean_color(maker.first_image(), parse_box("--pick", pick)));
-    } else if (!screen.empty() || !has_screen_color(panel, options.settings.sets)) {
-        estimate_screen_color(panel, maker.first_image(), maker.first_file(), screen, options.quiet);
-    }
-}
-
-void print(const CleanPlateReport& report, const FramePattern& name) {
-    std::printf("frames       %d\n", report.frames);
-    std::printf("region       %s\n", report.region.c_str());
-    std::printf("truly seen   %.2f%% of the pixels; the rest is interpolated\n", 100.0 * report.seen);
+std::string table_of(const CleanPlateReport& report, const FramePattern& name) {
+    std::ostringstream table;
+    table << std::fixed << std::setprecision(2);
+    table << "frames       " << report.frames << "\nregion       " << report.region << "\ntruly seen   "
+          << 100.0 * report.seen << "% of the pixels; the rest is interpolated\nshift        ";
     if (report.compared == 0) {
-        std::printf("shift        not known: no two frames share enough detail of the backing\n");
+        table << "not known: no two frames share enough detail of the backing\n";
     } else {
-        std::printf("shift        %.2f pixels at most (%s), measured on %d frames; the bound is %.2f\n",
-                    report.largest.length(), name.at(report.largest_frame).c_str(), report.compared,
-                    kShiftBound);
+        table << report.largest.length() << " pixels at most (" << name.at(report.largest_frame)
+              << "), measured on " << report.compared << " frames; the bound is " << kShiftBound << '\n';
     }
-    if (std::fflush(stdout) != 0) throw Error("standard output could not be written");
+    return table.str();
 }
 
 int make_clean_plate(const Options& options) {
     const FramePattern name(options.foreground);
-    const FrameRange frames = frames_of(options, name);
+    const FrameRange frames = frames_of(options.frames, {&name, 1});
     if (!options.screen.pick.empty()) parse_box("--pick", options.screen.pick);
     const WriteOptions write{depth_named(options.depth), options.overwrite, &interrupt_flag()};
-    check_output(options, name, frames, write);
+    check_writable(options.output, write);
+    for (int n = 0; n < frames.count(); ++n) refuse_input(options.output, {&name, 1}, frames.at(n));
     catch_interrupts();
 
-    const auto budget = static_cast<std::size_t>(options.memory) << 20;
-    CleanPlateMaker maker(name, frames, {options.threads, budget, options.quiet, write.abort});
+    Progress progress(options.quiet);
+    Caller caller = caller_for(options.quiet);
+    caller.progress = [&](double done, int all) { progress.update(done, all); };
+    CleanPlateMaker maker(name, frames, {options.threads, static_cast<std::size_t>(options.memory) << 20},
+                          caller);
+    KnobPanel& panel = maker.node().panel();
     maker.node().apply(options.settings);
-    choose_screen_color(maker.node().panel(), options, maker);
+    choose_screen_color(
+        panel, options.screen, has_screen_color(panel, options.settings.sets), [&] { return maker.first(); },
+        caller);
     const Image plate = maker.make();
     const std::string left_out = write_image(options.output, plate, write);
-    if (!left_out.empty()) report(options.output + ": " + left_out_warning(left_out));
-    print(maker.report(), name);
+    if (!left_out.empty()) report(left_out_warning(options.output, left_out));
+    print(table_of(maker.report(), name));
     return maker.report().failed == 0 ? kExitOk : kExitFailure;
 }
 
@@ -116,20 +92,15 @@ CLI::App* add_cleanplate_command(CLI::App& app, Run& run) {
     command->add_option("-o,--output", options->output, "Clean plate; its extension chooses the format")
         ->required()
         ->type_name("FILE");
-    command->add_option("--frames", options->frames, "Frames A to B, every Nth")->type_name("A-B[xN]");
+    add_frames_option(*command, options->frames);
     add_knob_options(*command, options->settings);
     add_screen_options(*command, options->screen, "the first frame");
-    command
-        ->add_option("--depth", options->depth,
-                     "Samples: half in OpenEXR, float in RLA, else up to uint16, without it")
-        ->check(CLI::IsMember({"half", "float", "uint8", "uint16"}));
+    add_depth_option(*command, options->depth);
     command->add_option("--memory", options->memory, "MiB that samples may take")
         ->type_name("N")
         ->check(CLI::Range(1, 1 << 20))
         ->capture_default_str();
-    command->add_option("--threads", options->threads, "Threads to render with; all processors without it")
-        ->type_name("N")
-        ->check(CLI::Range(1, 1024));
+    add_threads_option(*command, options->threads);
     command->add_flag("--overwrite", options->overwrite, "Replace a file that exists");
     command->add_flag("--quiet", options->quiet, "Show no progress");
     command->callback([options, &run] { run = [options] { return make_clean_plate(*options); }; });

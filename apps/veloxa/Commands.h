@@ -1,13 +1,18 @@
 // The subcommands of the program, one file each.
 //
 // Each function adds its subcommand to `app` and puts a callback on it that stores in `run` what is to be
-// done; main calls `run` once after parsing. `run` returns the exit status, or throws Error (Errors.h).
+// done; main calls `run` once after parsing. `run` returns the exit status, or throws what shot/Errors.h has.
 #pragma once
 
 #include <CLI/CLI.hpp>
 #include <functional>
 
 namespace veloxa {
+
+inline constexpr int kExitOk = 0;
+inline constexpr int kExitFailure = 1;
+inline constexpr int kExitUsage = 2;
+inline constexpr int kExitInterrupted = 130;
 
 using Run = std::function<int()>;
 

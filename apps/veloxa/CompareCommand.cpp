@@ -1,19 +1,15 @@
 // veloxa compare: how far two images differ, channel by channel.
+#include <array>
 #include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "Commands.h"
-#include "Compare.h"
-#include "Errors.h"
-#include "FileParts.h"
-#include "Fit.h"
-#include "ImageFile.h"
+#include "Terminal.h"
+#include "shot/compare/Compare.h"
 
 namespace veloxa {
-
-using namespace Zo::Image;
 
 namespace {
 
@@ -24,41 +20,20 @@ struct Options {
     std::string channel;
 };
 
-ChannelSet wanted_channels(const Options& options, const Image& a, const Image& b) {
-    const ChannelSet present = a.info.channels + b.info.channels;
-    if (options.channel.empty()) return present;
-    for (const Channel c : kMaskRgba) {
-        if (options.channel != channel_name(c)) continue;
-        if (!present.has(c)) throw Error("neither image has channel " + options.channel);
-        return c;
-    }
-    throw UsageError("--channel " + options.channel + ": expected R, G, B or A");
-}
-
-void print(const char* name, const Difference& d) {
-    std::printf("%-8s %14.8g %14.8g %10.4g\n", name, d.largest, d.mean(), d.psnr());
+std::string row_of(const char* name, const Difference& d) {
+    std::array<char, 96> line{};
+    std::snprintf(line.data(), line.size(), "%-8s %14.8g %14.8g %10.4g\n", name, d.largest, d.mean(),
+                  d.psnr());
+    return line.data();
 }
 
 int compare(const Options& options) {
-    const Image a = read_image(options.first);
-    const Image b = read_image(options.second);
-    for (const std::string& path : {options.first, options.second}) {
-        const std::string warning = parts_warning(path);
-        if (!warning.empty()) report(path + ": " + warning);
-    }
-    if (a.info.format.box != b.info.format.box) {
-        throw Error(options.second, "is " + size_text(b.info.format.box) + ", but " + options.first + " is " +
-                                        size_text(a.info.format.box));
-    }
-    std::printf("%-8s %14s %14s %10s\n", "channel", "largest", "mean", "PSNR (dB)");
-    Difference overall;
-    for (const Channel c : wanted_channels(options, a, b)) {
-        const Difference d = difference(a, b, c);
-        print(channel_name(c), d);
-        overall.add(d);
-    }
-    print("overall", overall);
-    return options.max_diff && !(overall.largest <= *options.max_diff) ? kExitFailure : kExitOk;
+    const Comparison found = compare_files(options.first, options.second, options.channel, caller_for(false));
+    std::string table = "channel         largest           mean  PSNR (dB)\n";
+    for (const auto& [channel, difference] : found.channels)
+        table += row_of(channel_name(channel), difference);
+    print(table + row_of("overall", found.overall));
+    return options.max_diff && !(found.overall.largest <= *options.max_diff) ? kExitFailure : kExitOk;
 }
 
 }  // namespace

@@ -1,13 +1,12 @@
 // veloxa controls: the controls that a node's knobs lead to, as a listing or as a script of commands.
-#include <cstdio>
 #include <memory>
 #include <string>
 
-#include "AtomicFile.h"
 #include "Commands.h"
-#include "Errors.h"
-#include "Node.h"
-#include "NodeOptions.h"
+#include "Options.h"
+#include "Terminal.h"
+#include "shot/files/AtomicFile.h"
+#include "shot/node/Node.h"
 
 namespace veloxa {
 
@@ -28,8 +27,8 @@ int list_controls(const Options& options) {
     const std::string text = node.image().diagnostic(options.trace ? "trace" : "controls");
     if (!options.output.empty()) {
         write_text(options.output, text, options.overwrite);
-    } else if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0) {
-        throw Error("standard output could not be written");
+    } else {
+        print(text);
     }
     return kExitOk;
 }

@@ -2,20 +2,21 @@
 #include <OpenImageIO/imageio.h>
 
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 
-#include "AtomicFile.h"
 #include "Commands.h"
-#include "Errors.h"
 #include "Interrupt.h"
-#include "KeyPipeline.h"
-#include "KeySetup.h"
+#include "Options.h"
+#include "Progress.h"
+#include "StatsTable.h"
+#include "Terminal.h"
+#include "shot/Errors.h"
+#include "shot/sequence/KeyPipeline.h"
+#include "shot/setup/KeySetup.h"
 
 namespace veloxa {
 
 using namespace Zo::Image;
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -28,13 +29,15 @@ struct Options {
     int threads = 0;
     bool stats = false;
     bool resume = false;
+    bool overwrite = false;
+    bool quiet = false;
 };
 
 KeyPlan plan_for(const Options& options, const FrameRange& frames) {
     KeyPlan plan;
     plan.frames = frames;
     plan.output = FramePattern(options.output);
-    plan.write = {depth_named(options.depth), options.setup.overwrite || options.resume, &interrupt_flag()};
+    plan.write = {depth_named(options.depth), options.overwrite || options.resume};
     plan.resume = options.resume;
     plan.threads = options.threads;
     if (options.setup.frames.empty() && plan.output.has_frame()) {
@@ -46,36 +49,20 @@ KeyPlan plan_for(const Options& options, const FrameRange& frames) {
     return plan;
 }
 
-// What can be known to go wrong with the outputs is said before any frame is rendered.
-void check_outputs(const KeyPlan& plan, const FrameLoader::Names& names) {
-    for (int n = 0; n < plan.frames.count(); ++n) {
-        const int frame = plan.frames.at(n);
-        const std::string output = plan.output.at(frame);
-        AtomicFile::check(output, plan.write.overwrite);
-        if (!fs::exists(output)) continue;
-        for (const FramePattern& name : names) {
-            std::error_code missing;
-            if (!name.empty() && fs::equivalent(output, name.at(frame), missing)) {
-                throw UsageError(output + ": is an input too");
-            }
-        }
-    }
-    check_writable(plan.output.at(plan.frames.first), plan.write);
-}
-
 // What a stroke left undone; that it did as it was told needs no line.
-void report_strokes(const std::vector<ToolReport>& strokes) {
+void tell_of(const std::vector<ToolReport>& strokes, const Caller& caller) {
     for (const ToolReport& stroke : strokes) {
-        for (const std::string& note : stroke.notes) veloxa::report(stroke.tool + ": " + note);
+        for (const std::string& note : stroke.notes) caller.tell(stroke.tool + ": " + note);
         const int left = stroke.unsatisfied + stroke.unusable;
         if (left == 0) continue;
-        veloxa::report(stroke.tool + ": " + std::to_string(left) + " of " +
-                       std::to_string(left + stroke.satisfied) + " samples could not be satisfied");
+        caller.tell(stroke.tool + ": " + std::to_string(left) + " of " +
+                    std::to_string(left + stroke.satisfied) + " samples could not be satisfied");
     }
 }
 
 int key(const Options& options) {
-    KeySetup setup(options.setup, &interrupt_flag());
+    Caller caller = caller_for(options.quiet);
+    KeySetup setup(options.setup, caller);
     const KeyPlan plan = plan_for(options, setup.frames());
     catch_interrupts();
     OIIO::attribute("threads", options.threads);
@@ -90,20 +77,21 @@ int key(const Options& options) {
         const Stopwatch watch(read_ahead);
         setup.prepare();
     }
-    if (!options.setup.quiet) report_strokes(setup.strokes());
+    tell_of(setup.strokes(), caller);
     if (!options.save_script.empty()) node.save_script(options.save_script, plan.write.overwrite);
 
     bool good = false;
     KeyStats stats;
     {
-        Progress progress(plan.frames.count(), options.setup.quiet);
-        KeyPipeline pipeline(plan, setup.loader(), node.image(), root, setup.inputs(), progress);
+        Progress progress(options.quiet);
+        caller.progress = [&](double done, int all) { progress.update(done, all); };
+        KeyPipeline pipeline(plan, setup.loader(), node.image(), root, setup.inputs(), caller);
         if (options.stats) pipeline.measure_time();
         good = pipeline.run();
         stats = pipeline.stats();
         stats.read += read_ahead;
     }
-    if (options.stats) std::fputs(stats.text().c_str(), stderr);
+    if (options.stats) std::fputs(table_of(stats).c_str(), stderr);
     return good ? kExitOk : kExitFailure;
 }
 
@@ -121,21 +109,16 @@ void add_rendering(CLI::App& command, Options& options) {
     command
         .add_option("--save-script", options.save_script, "Save the knobs that differ from their defaults")
         ->type_name("FILE");
-    command.add_option("--threads", options.threads, "Threads to render with; all processors without it")
-        ->type_name("N")
-        ->check(CLI::Range(1, 1024));
+    add_threads_option(command, options.threads);
     command
         .add_option("--stage", options.stage,
                     "Write an internal operator's rows instead, on the working scale")
         ->type_name("MEMBER");
     command.add_flag("--stats", options.stats, "Print rows and time per operator");
-    command
-        .add_option("--depth", options.depth,
-                    "Samples: half in OpenEXR, float in RLA, else up to uint16, without it")
-        ->check(CLI::IsMember({"half", "float", "uint8", "uint16"}));
+    add_depth_option(command, options.depth);
     command.add_flag("--resume", options.resume, "Leave out frames whose output is there and whole");
-    command.add_flag("--overwrite", options.setup.overwrite, "Replace outputs that exist");
-    command.add_flag("--quiet", options.setup.quiet, "Show no progress");
+    command.add_flag("--overwrite", options.overwrite, "Replace outputs that exist");
+    command.add_flag("--quiet", options.quiet, "Show no progress");
 }
 
 }  // namespace

@@ -1,12 +1,11 @@
 // veloxa knobs: what the node's panel holds, as a table or as JSON.
 #include <charconv>
-#include <cstdio>
 #include <nlohmann/json.hpp>
 #include <string>
 
 #include "Commands.h"
-#include "Errors.h"
-#include "Node.h"
+#include "Terminal.h"
+#include "shot/node/Node.h"
 
 namespace veloxa {
 
@@ -75,7 +74,8 @@ std::string joined(const ordered_json& value) {
     return text;
 }
 
-void print_table(const ordered_json& list) {
+std::string table_of(const ordered_json& list) {
+    std::string table;
     for (const ordered_json& knob : list) {
         std::string line = knob["name"].get<std::string>() + "  \"" + knob["label"].get<std::string>() +
                            "\"  " + knob["kind"].get<std::string>();
@@ -83,25 +83,21 @@ void print_table(const ordered_json& list) {
         if (knob.contains("min")) line += "  " + joined(knob["min"]) + " to " + joined(knob["max"]);
         if (knob.contains("default")) line += "  default " + joined(knob["default"]);
         if (knob.contains("tab")) line += "  [" + knob["tab"].get<std::string>() + "]";
-        std::printf("%s\n", line.c_str());
+        table += line + '\n';
         if (!knob.contains("tooltip")) continue;
         std::string tooltip = "    " + knob["tooltip"].get<std::string>();
         for (std::size_t at = tooltip.find('\n'); at != std::string::npos; at = tooltip.find('\n', at + 1)) {
             tooltip.insert(at + 1, "    ");
         }
-        std::printf("%s\n", tooltip.c_str());
+        table += tooltip + '\n';
     }
+    return table;
 }
 
 int list_knobs(bool json) {
     Node node;
     const ordered_json list = describe_all(node.panel());
-    if (json) {
-        std::printf("%s\n", list.dump(2).c_str());
-    } else {
-        print_table(list);
-    }
-    if (std::fflush(stdout) != 0) throw Error("standard output could not be written");
+    print(json ? list.dump(2) + '\n' : table_of(list));
     return kExitOk;
 }
 

@@ -5,11 +5,12 @@
 #include <optional>
 
 #include "Commands.h"
-#include "Errors.h"
-#include "FramePattern.h"
 #include "Interrupt.h"
-#include "PlateSet.h"
 #include "Progress.h"
+#include "plates/Set.h"
+#include "shot/Errors.h"
+#include "shot/files/ImageFile.h"
+#include "shot/frames/FramePattern.h"
 
 namespace veloxa {
 
@@ -61,12 +62,12 @@ int make_plates(PlateOptions options) {
             check_writable(path_of(i, range.at(n)), how);
     }
     catch_interrupts();
-    Progress progress(range.count(), !sequence);
+    Progress progress(!sequence);
     for (int n = 0; n < range.count(); ++n) {
         const plate::Set set = plate::render_set(options.scene, range.at(n), 0, how.abort);
-        if (how.abort->raised()) throw Interrupted();
+        give_up_if_raised(how.abort);
         for (std::size_t i = 0; i < set.size(); ++i) write_image(path_of(i, range.at(n)), set[i], how);
-        progress.frame_done();
+        progress.update(n + 1, range.count());
     }
     return kExitOk;
 }

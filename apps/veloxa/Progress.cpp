@@ -6,7 +6,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "Errors.h"
+#include "Terminal.h"
 
 namespace veloxa {
 
@@ -31,8 +31,7 @@ std::string clock_text(double seconds) {
     return text;
 }
 
-}  // namespace
-
+// `done` and `total` are frames, done may be a fraction.
 std::string progress_text(double done, int total, double elapsed, bool bar) {
     done = std::clamp(done, 0.0, static_cast<double>(total));
     const double fps = elapsed > 0.0 ? done / elapsed : 0.0;
@@ -50,10 +49,10 @@ std::string progress_text(double done, int total, double elapsed, bool bar) {
     return line + text;
 }
 
-Progress::Progress(int frames, bool quiet) : frames_(frames), terminal_(::isatty(STDERR_FILENO) == 1) {
-    if (!quiet && frames_ > 0) {
-        ticker_ = std::jthread([this](const std::stop_token& stop) { tick(stop); });
-    }
+}  // namespace
+
+Progress::Progress(bool quiet) : terminal_(::isatty(STDERR_FILENO) == 1) {
+    if (!quiet) ticker_ = std::jthread([this](const std::stop_token& stop) { tick(stop); });
 }
 
 Progress::~Progress() {
@@ -63,28 +62,15 @@ Progress::~Progress() {
     if (terminal_) show_status("");
 }
 
-void Progress::frame_done() {
-    done_.fetch_add(1, std::memory_order_relaxed);
-}
-
-void Progress::show(double elapsed) const {
-    // Rows run ahead of finished frames by what is still being encoded; frames that failed have no rows.
-    const double rows = static_cast<double>(parts_.load(std::memory_order_relaxed)) / kPartsPerFrame;
-    const double done = std::max(rows, static_cast<double>(done_.load(std::memory_order_relaxed)));
-    const std::string text = progress_text(done, frames_, elapsed, terminal_);
-    if (terminal_) {
-        show_status(text);
-    } else {
-        report(text);
-    }
-}
-
 void Progress::tick(const std::stop_token& stop) {
+    const auto start = std::chrono::steady_clock::now();
     std::unique_lock hold(mutex_);
     Seconds wait = terminal_ ? kBarAfter : kLineEvery;
     while (!woken_.wait_for(hold, stop, wait, [] { return false; }) && !stop.stop_requested()) {
-        show(Seconds(std::chrono::steady_clock::now() - start_).count());
         wait = terminal_ ? kBarEvery : kLineEvery;
+        if (frames_ == 0) continue;  // nothing has begun
+        const double elapsed = Seconds(std::chrono::steady_clock::now() - start).count();
+        (terminal_ ? show_status : report)(progress_text(done_, frames_, elapsed, terminal_));
     }
 }
 

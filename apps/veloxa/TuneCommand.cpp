@@ -1,13 +1,13 @@
 // veloxa tune: sets the knobs from strokes and saves them as a script.
-#include <cstdio>
 #include <memory>
 
-#include "AtomicFile.h"
 #include "Commands.h"
-#include "Errors.h"
 #include "Interrupt.h"
-#include "KeySetup.h"
+#include "Options.h"
+#include "Terminal.h"
 #include "TuneReport.h"
+#include "shot/files/AtomicFile.h"
+#include "shot/setup/KeySetup.h"
 
 namespace veloxa {
 
@@ -17,21 +17,20 @@ struct Options {
     SetupOptions setup;
     std::string output;
     bool json = false;
+    bool overwrite = false;
+    bool quiet = false;
 };
 
 int tune(const Options& options) {
-    if (!options.output.empty()) AtomicFile::check(options.output, options.setup.overwrite);
+    if (!options.output.empty()) AtomicFile::check(options.output, options.overwrite);
     catch_interrupts();
-    KeySetup setup(options.setup, &interrupt_flag());
+    KeySetup setup(options.setup, caller_for(options.quiet));
     const KnobValues before(setup.node().panel());
     setup.prepare();
-    if (!options.output.empty()) setup.node().save_script(options.output, options.setup.overwrite);
+    if (!options.output.empty()) setup.node().save_script(options.output, options.overwrite);
 
     const TuneReport report{setup.strokes(), KnobValues(setup.node().panel()).since(before)};
-    const std::string text = options.json ? json_of(report) : table_of(report);
-    if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0) {
-        throw Error("standard output could not be written");
-    }
+    print(options.json ? json_of(report) : table_of(report));
     return kExitOk;
 }
 
@@ -53,8 +52,8 @@ CLI::App* add_tune_command(CLI::App& app, Run& run) {
                      "Script of the knobs that differ from their defaults; the table alone without it")
         ->type_name("FILE");
     command->add_flag("--json", options->json, "The table as JSON");
-    command->add_flag("--overwrite", options->setup.overwrite, "Replace a script that exists");
-    command->add_flag("--quiet", options->setup.quiet, "Do not tell how the screen colour was found");
+    command->add_flag("--overwrite", options->overwrite, "Replace a script that exists");
+    command->add_flag("--quiet", options->quiet, "Do not tell how the screen colour was found");
     command->callback([options, &run] { run = [options] { return tune(*options); }; });
     return command;
 }

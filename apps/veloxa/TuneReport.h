@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "KnobValues.h"
-#include "Stroke.h"
+#include "shot/node/KnobValues.h"
+#include "shot/setup/Stroke.h"
 
 namespace veloxa {
 

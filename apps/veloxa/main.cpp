@@ -3,9 +3,11 @@
 #include <iostream>
 #include <string>
 
+#include "AbortMessage.h"
 #include "Commands.h"
-#include "Errors.h"
-#include "OiioError.h"
+#include "Terminal.h"
+#include "shot/Errors.h"
+#include "shot/files/Hush.h"
 
 namespace {
 
@@ -48,9 +50,12 @@ int main(int argc, char** argv) {
         if (error.get_exit_code() == 0) return app.exit(error);
         veloxa::report(usage_message(app, error, argc > 1 ? argv[1] : ""));
         return veloxa::kExitUsage;
-    } catch (const veloxa::Error& error) {
+    } catch (const veloxa::Interrupted& error) {
         veloxa::report(error.what());
-        return error.status();
+        return veloxa::kExitInterrupted;
+    } catch (const veloxa::UsageError& error) {
+        veloxa::report(error.what());
+        return veloxa::kExitUsage;
     } catch (const std::exception& error) {
         veloxa::report(error.what());
         return veloxa::kExitFailure;

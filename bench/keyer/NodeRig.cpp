@@ -4,7 +4,7 @@
 #include <atomic>
 #include <cstring>
 
-#include "PlateSet.h"
+#include "plates/Set.h"
 
 namespace bench {
 

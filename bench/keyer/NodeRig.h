@@ -5,10 +5,10 @@
 #include <memory>
 #include <vector>
 
-#include "ImageFile.h"
 #include "ZoImage/Render.h"
 #include "ZoImage/RowCache.h"
 #include "keyer/VeloxaKeyer.h"
+#include "shot/image/Image.h"
 
 namespace bench {
 

@@ -1,0 +1,22 @@
+// Options that several commands share.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+#include "shot/setup/KeySetup.h"
+
+namespace veloxa {
+
+// --script and --set.
+void add_knob_options(CLI::App& command, KnobSettings& settings);
+// --pick and --screen; `image` says which image they look at.
+void add_screen_options(CLI::App& command, ScreenOptions& options, const std::string& image);
+
+// Those of a set-up, the above among them.
+void add_setup_options(CLI::App& command, SetupOptions& options);
+void add_frames_option(CLI::App& command, std::string& frames);
+void add_threads_option(CLI::App& command, int& threads);
+void add_depth_option(CLI::App& command, std::string& depth);
+
+}  // namespace veloxa

@@ -1,0 +1,92 @@
+#include "shot/compare/Compare.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+
+#include "shot/Errors.h"
+#include "shot/files/ImageFile.h"
+
+namespace veloxa {
+
+using namespace Zo::Image;
+
+namespace {
+
+double distance(float a, float b) {
+    if (a == b || (std::isnan(a) && std::isnan(b))) return 0.0;
+    if (std::isnan(a) || std::isnan(b)) return std::numeric_limits<double>::infinity();
+    return std::abs(static_cast<double>(a) - static_cast<double>(b));
+}
+
+float sample(const Image& image, Channel c, int x, int y) {
+    const Box& box = image.info.box;
+    if (!image.has(c) || x < box.x || x >= box.r || y < box.y || y >= box.t) return 0.0f;
+    return image.line(c, y)[x - box.x];
+}
+
+ChannelSet wanted_channels(const std::string& channel, const ChannelSet& present) {
+    if (channel.empty()) return present;
+    for (const Channel c : kMaskRgba) {
+        if (channel != channel_name(c)) continue;
+        if (!present.has(c)) throw Error("neither image has channel " + channel);
+        return c;
+    }
+    throw UsageError("--channel " + channel + ": expected R, G, B or A");
+}
+
+}  // namespace
+
+void Difference::add(double d) {
+    largest = std::max(largest, d);
+    sum += d;
+    sum_squares += d * d;
+    ++count;
+}
+
+void Difference::add(const Difference& other) {
+    largest = std::max(largest, other.largest);
+    sum += other.sum;
+    sum_squares += other.sum_squares;
+    count += other.count;
+}
+
+double Difference::psnr() const {
+    return count > 0 ? 10.0 * std::log10(static_cast<double>(count) / sum_squares)
+                     : std::numeric_limits<double>::infinity();
+}
+
+const char* channel_name(Channel c) {
+    constexpr std::array kNames{"R", "G", "B", "A"};
+    return kNames.at(static_cast<std::size_t>(c - kRed));
+}
+
+Difference difference(const Image& a, const Image& b, Channel c) {
+    Box box = a.info.box;
+    box.merge(b.info.box);
+    Difference total;
+    for (int y = box.y; y < box.t; ++y) {
+        for (int x = box.x; x < box.r; ++x) total.add(distance(sample(a, c, x, y), sample(b, c, x, y)));
+    }
+    return total;
+}
+
+Comparison compare_files(const std::string& first, const std::string& second, const std::string& channel,
+                         const Caller& caller) {
+    const Image a = read_image(first, caller.abort);
+    const Image b = read_image(second, caller.abort);
+    for (const std::string& path : {first, second}) warn_of_parts(path, caller);
+    if (a.info.format.box != b.info.format.box) {
+        throw Error(second, "is " + size_text(b.info.format.box) + ", but " + first + " is " +
+                                size_text(a.info.format.box));
+    }
+    Comparison result;
+    for (const Channel c : wanted_channels(channel, a.info.channels + b.info.channels)) {
+        result.channels.emplace_back(c, difference(a, b, c));
+        result.overall.add(result.channels.back().second);
+    }
+    return result;
+}
+
+}  // namespace veloxa

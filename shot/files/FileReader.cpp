@@ -1,0 +1,67 @@
+#include "shot/files/FileReader.h"
+
+#include <filesystem>
+#include <string_view>
+
+#include "shot/files/FileFault.h"
+#include "shot/files/OiioError.h"
+
+namespace veloxa {
+
+using namespace Zo::Image;
+namespace fs = std::filesystem;
+
+int rows_at_once(std::size_t row_bytes, const OIIO::ImageSpec& spec) {
+    constexpr std::size_t kBytes = std::size_t{4} << 20;
+    constexpr std::size_t kBlock = 32;
+    const std::size_t blocks = kBytes / kBlock / std::max<std::size_t>(row_bytes, 1);
+    int rows = static_cast<int>(kBlock * std::clamp<std::size_t>(blocks, 1, 8));
+    if (spec.tile_height > 0) rows = std::max(1, rows / spec.tile_height) * spec.tile_height;
+    return std::min(rows, spec.height);
+}
+
+FileReader::FileReader(const std::string& path, const AbortFlag* abort)
+    : hush_(path), path_(path), abort_(abort) {
+    std::error_code failed;
+    const fs::file_status status = fs::status(path_, failed);
+    if (!fs::exists(status)) throw Error(path_, "does not exist");
+    if (fs::is_directory(status)) throw Error(path_, "is a folder");
+    if (!fs::is_regular_file(status)) throw Error(path_, "is not a regular file");
+    if (fs::file_size(path_, failed) == 0) throw Error(path_, "is empty");
+
+    if (const std::string fault = fault_unseen(path_); !fault.empty()) throw Error(path_, fault);
+
+    OIIO::ImageSpec config;
+    config.attribute("oiio:UnassociatedAlpha", 1);
+    input_ = OIIO::ImageInput::open(path_, &config);
+    if (!input_) throw Error(path_, tidy_message(OIIO::geterror(), path_, "cannot be opened"));
+    if (std::string_view(input_->format_name()) == "null") throw Error(path_, "is no image file");
+    if (spec().deep) throw Error(path_, "holds deep pixels, which cannot be keyed");
+    if (spec().nchannels < 1) throw Error(path_, "has no channels");
+}
+
+void FileReader::fail() {
+    throw Error(path_, tidy_message(input_->geterror(), path_, "is damaged or not whole"));
+}
+
+bool FileReader::is_half(const Span& span) const {
+    for (int n = span.first; n < span.last; ++n) {
+        if (spec().channelformat(n) != OIIO::TypeDesc::HALF) return false;
+    }
+    return true;
+}
+
+void FileReader::read_rows(int from_row, int to_row, const Span& span, OIIO::TypeDesc type, void* into) {
+    const bool ok =
+        spec().tile_width > 0
+            ? input_->read_tiles(0, 0, spec().x, spec().x + spec().width, from_row, to_row, 0, 1, span.first,
+                                 span.last, type, into)
+            : input_->read_scanlines(0, 0, from_row, to_row, 0, span.first, span.last, type, into);
+    if (!ok || input_->has_error()) fail();
+}
+
+void FileReader::close() {
+    if (!input_->close()) fail();
+}
+
+}  // namespace veloxa

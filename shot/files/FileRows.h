@@ -1,0 +1,47 @@
+// The rows of a file, interleaved and in its samples, out of an image's planes.
+#pragma once
+
+#include <OpenImageIO/imageio.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "shot/image/HalfFloat.h"
+#include "shot/image/Image.h"
+
+namespace veloxa {
+
+class FileRows {
+  public:
+    // What this writer's format holds of the image: channels that it knows, and the data window or, where the
+    // format has none, the display window. Refers to the image.
+    FileRows(const Image& image, const OIIO::ImageOutput& output);
+
+    const std::vector<Zo::Image::Channel>& channels() const { return channels_; }
+    const Zo::Image::Box& box() const { return box_; }
+    std::size_t width() const { return static_cast<std::size_t>(box_.width()); }
+    int height() const { return box_.height(); }
+    std::size_t pitch() const { return channels_.size() * width(); }  // samples in a row
+
+    // Row n of the file from its first; black where the image has no pixel. `samples` has room for a
+    // channel's. Integers are clamped to their range and rounded to nearest; NaN becomes 0.
+    template <class Sample>
+    void fill(int n, Sample* row, Sample* samples) const;
+
+  private:
+    const Image& image_;
+    std::vector<Zo::Image::Channel> channels_;
+    Zo::Image::Box box_;
+};
+
+// Calls work(sample) with a sample of the type that rows of this type of file are made in.
+template <class Work>
+auto with_sample_of(OIIO::TypeDesc type, const Work& work) {
+    if (type == OIIO::TypeDesc::UINT8) return work(std::uint8_t{});
+    if (type == OIIO::TypeDesc::UINT16) return work(std::uint16_t{});
+    if (type == OIIO::TypeDesc::HALF) return work(Half{});
+    return work(float{});
+}
+
+}  // namespace veloxa

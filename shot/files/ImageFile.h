@@ -1,0 +1,56 @@
+// Reading and writing image files of any format that OpenImageIO knows. No colour is converted and no alpha
+// multiplied: samples are as stored.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "ZoImage/Render.h"
+#include "shot/Caller.h"
+#include "shot/image/Image.h"
+
+namespace veloxa {
+
+// Reads a file. Channels are found by the names R, G, B and A, else by their order; one colour channel fills
+// red, green and blue; other channels are left out. Throws Error when the file is missing, is no image or
+// is not whole, and Interrupted when the flag was raised on the way.
+Image read_image(const std::string& path, const Zo::Image::AbortFlag* abort = nullptr);
+
+// The same for a matte: a file without alpha supplies its first channel as alpha.
+Image read_matte(const std::string& path, const Zo::Image::AbortFlag* abort = nullptr);
+
+// The name of the alpha channel that a file has beside others, from its header; empty without one.
+std::string own_alpha(const OIIO::ImageSpec& header);
+
+// Warns of a file of several parts, pages or frames, of which only the first is read.
+void warn_of_parts(const std::string& path, const Caller& caller);
+
+// Whether the file is there and every pixel of it can be read.
+bool is_whole_image(const std::string& path, const Zo::Image::AbortFlag* abort = nullptr);
+
+enum class Depth { kHalf, kFloat, kUint8, kUint16 };
+std::optional<Depth> depth_named(std::string_view name);
+
+struct WriteOptions {
+    std::optional<Depth> depth{};  // none: half in OpenEXR, float in RLA, else up to 16-bit integers
+    bool overwrite = false;
+    const Zo::Image::AbortFlag* abort = nullptr;
+};
+
+// Throws Error when no writer answers to the file's extension, when the format cannot hold the depth, or
+// when the file cannot be made there; so that a mistake shows before any frame is rendered.
+void check_writable(const std::string& path, const WriteOptions& options);
+
+// Writes the present channels with the header's metadata. The file appears under its name when it has been
+// read back, header and pixels, and not before. OpenEXR keeps both windows; other formats get the display
+// window, black where there are no pixels. Integers are clamped to their range and rounded to nearest; NaN
+// becomes 0.
+//
+// Returns what metadata was left out because the file could not be read back with it; see Metadata.h.
+std::string write_image(const std::string& path, const Image& image, const WriteOptions& options);
+
+// What to tell about metadata that write_image left out of a file.
+std::string left_out_warning(const std::string& path, const std::string& left_out);
+
+}  // namespace veloxa

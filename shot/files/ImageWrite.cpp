@@ -1,0 +1,226 @@
+// Writing of image files; see ImageFile.h.
+#include <algorithm>
+#include <memory>
+
+#include "shot/Errors.h"
+#include "shot/files/AtomicFile.h"
+#include "shot/files/CheckedFile.h"
+#include "shot/files/FileReader.h"
+#include "shot/files/FileRows.h"
+#include "shot/files/ImageFile.h"
+#include "shot/files/Metadata.h"
+#include "shot/files/OiioError.h"
+#include "shot/files/ReadBack.h"
+
+namespace veloxa {
+
+using namespace Zo::Image;
+
+namespace {
+
+OIIO::TypeDesc type_of(Depth depth) {
+    switch (depth) {
+        case Depth::kHalf:
+            return OIIO::TypeDesc::HALF;
+        case Depth::kFloat:
+            return OIIO::TypeDesc::FLOAT;
+        case Depth::kUint8:
+            return OIIO::TypeDesc::UINT8;
+        case Depth::kUint16:
+            return OIIO::TypeDesc::UINT16;
+    }
+    return OIIO::TypeDesc::HALF;
+}
+
+std::unique_ptr<OIIO::ImageOutput> writer_for(const std::string& path) {
+    auto output = OIIO::ImageOutput::create(path);
+    if (!output) throw Error(path, tidy_message(OIIO::geterror(), path, "cannot be written"));
+    const std::string_view format = output->format_name();
+    if (format == "null" || format == "term") throw Error(path, "has no extension of an image format");
+    return output;
+}
+
+Depth usual_depth(std::string_view format) {
+    if (format == "openexr") return Depth::kHalf;
+    // The library's run lengths of integers in RLA do not always read back; floats have none.
+    return format == "rla" ? Depth::kFloat : Depth::kUint16;
+}
+
+// A file's header, out of the metadata in `spec`.
+OIIO::ImageSpec spec_for(OIIO::ImageSpec spec, const Image& image, const OIIO::ImageOutput& output,
+                         std::optional<Depth> depth) {
+    const std::string_view format = output.format_name();
+    const FileRows rows(image, output);
+    const Box& box = rows.box();
+    const Box& frame = image.info.format.box;
+    if (spec.nchannels < 3) spec.erase_attribute("ICCProfile");  // a profile of grey does not fit colour
+
+    const bool windows = format == "openexr";
+    spec.full_x = windows ? spec.full_x : 0;
+    spec.full_y = windows ? spec.full_y : 0;
+    spec.full_z = spec.z = 0;
+    spec.full_width = frame.width();
+    spec.full_height = frame.height();
+    spec.x = spec.full_x + box.x;
+    spec.y = spec.full_y + frame.t - box.t;
+    spec.width = box.width();
+    spec.height = box.height();
+    spec.depth = spec.full_depth = 1;
+    spec.tile_width = spec.tile_height = 0;
+    spec.tile_depth = 1;
+    spec.deep = false;
+
+    spec.channelformats.clear();
+    spec.channelnames.clear();
+    spec.alpha_channel = spec.z_channel = -1;
+    for (const Channel c : rows.channels()) {
+        if (c == kAlpha) spec.alpha_channel = static_cast<int>(spec.channelnames.size());
+        spec.channelnames.emplace_back(1, "RGBA"[c - kRed]);
+    }
+    spec.nchannels = static_cast<int>(spec.channelnames.size());
+    spec.set_format(type_of(depth.value_or(usual_depth(format))));
+
+    if (const float rate = spec.get_float_attribute("FramesPerSecond"); format == "dpx" && rate > 0.0f) {
+        spec.attribute("dpx:FrameRate", rate);
+        spec.attribute("dpx:TemporalFrameRate", rate);
+    }
+    if (windows || format == "tiff") {
+        spec.attribute("compression", "zip");
+    } else if (format == "iff" && spec.nchannels == 4) {
+        spec.attribute("compression", "none");  // the library's run lengths do not read back
+    }
+    if (!windows && format != "tiff") {
+        spec.attribute("oiio:UnassociatedAlpha", 1);  // store the colour as it is, do not divide by alpha
+    }
+    return spec;
+}
+
+// Behind a proxy the library gives libtiff nothing to read, but libtiff reads the image's directory again
+// after it has written one for Exif, and makes an unusable file when it cannot.
+bool takes_proxy(const OIIO::ImageOutput& output) {
+    return output.supports("ioproxy") && std::string_view(output.format_name()) != "tiff";
+}
+
+// Refuses a file that has another sample type than the one that was asked for.
+void check_type(const std::string& path, const OIIO::ImageOutput& output, std::optional<Depth> depth) {
+    const OIIO::TypeDesc type = output.spec().format;
+    if (depth && type != type_of(*depth)) {
+        throw Error(path, std::string("the format cannot hold ") + type_of(*depth).c_str() +
+                              " samples; it would hold " + type.c_str());
+    }
+}
+
+template <class Sample>
+bool write_rows(OIIO::ImageOutput& output, const FileRows& from, const AbortFlag* abort) {
+    const std::size_t pitch = from.pitch();
+    const bool tiled = output.spec().tile_width > 0;  // a writer that takes nothing else says so when opened
+    const int step = rows_at_once(pitch * sizeof(Sample), output.spec());
+    // The library's HEIF writer reads on to the end of a padded row.
+    constexpr std::size_t kPadding = 256;
+    const auto rows =
+        std::make_unique_for_overwrite<Sample[]>(pitch * static_cast<std::size_t>(step) + kPadding);
+    const auto samples = std::make_unique_for_overwrite<Sample[]>(from.width());
+    const int top = output.spec().y;
+    const int left = output.spec().x;
+    for (int done = 0; done < from.height(); done += step) {
+        give_up_if_raised(abort);
+        const int count = std::min(step, from.height() - done);
+        for (int n = 0; n < count; ++n) {
+            from.fill(done + n, rows.get() + pitch * static_cast<std::size_t>(n), samples.get());
+        }
+        const int y = top + done;
+        const bool good = tiled ? output.write_tiles(left, left + from.box().width(), y, y + count, 0, 1,
+                                                     sample_type<Sample>(), rows.get())
+                                : output.write_scanlines(y, y + count, 0, sample_type<Sample>(), rows.get());
+        if (!good) return false;
+    }
+    return true;
+}
+
+bool write_pixels(OIIO::ImageOutput& output, const Image& image, const AbortFlag* abort) {
+    const FileRows rows(image, output);
+    return with_sample_of(output.spec().format,
+                          [&]<class Sample>(Sample) { return write_rows<Sample>(output, rows, abort); });
+}
+
+// Writes the file and reads it back. Returns what went wrong that less metadata might mend, empty for
+// nothing; throws Error for the rest.
+std::string write_once(const std::string& temporary, const std::string& path, const Image& image,
+                       const OIIO::ImageSpec& header, const WriteOptions& options) {
+    const Hush hush(path);
+    std::unique_ptr<CheckedFile> bytes;  // outlives the writer, which writes once more when it goes
+    const auto output = writer_for(path);
+    if (takes_proxy(*output)) {
+        bytes = std::make_unique<CheckedFile>(temporary);
+        output->set_ioproxy(bytes.get());
+    }
+    const auto check_bytes = [&] {
+        if (bytes && !bytes->failure().empty()) throw Error(path, bytes->failure());
+    };
+    check_bytes();
+    bool good = output->open(temporary, spec_for(header, image, *output, options.depth));
+    if (good) {
+        check_type(path, *output, options.depth);
+        good = write_pixels(*output, image, options.abort);
+        good = output->close() && good;
+    }
+    if (bytes && good) bytes->close();
+    check_bytes();
+    if (!good) return tidy_message(output->geterror(), temporary, "could not be written");
+    return read_back(temporary, image, *output, options.abort);
+}
+
+}  // namespace
+
+std::optional<Depth> depth_named(std::string_view name) {
+    if (name == "half") return Depth::kHalf;
+    if (name == "float") return Depth::kFloat;
+    if (name == "uint8") return Depth::kUint8;
+    if (name == "uint16") return Depth::kUint16;
+    return std::nullopt;
+}
+
+void check_writable(const std::string& path, const WriteOptions& options) {
+    AtomicFile::check(path, options.overwrite);
+    const Hush hush(path);
+    OIIO::Filesystem::IOVecOutput memory;  // outlives the writer, which writes once more when it goes
+    const auto output = writer_for(path);
+    if (!options.depth || !output->supports("ioproxy")) return;
+    // What a writer makes of a sample type shows only when it opens a file; this one stays in memory.
+    Info info;
+    info.box = info.format.box = {0, 0, 16, 16};
+    info.channels = kMaskRgba;
+    Image image(info);
+    for (const Plane& plane : image.planes) std::fill_n(plane.get(), 16 * 16, 0.0f);
+    output->set_ioproxy(&memory);
+    if (!output->open(path, spec_for(image.header, image, *output, options.depth))) return;
+    write_pixels(*output, image, nullptr);
+    output->close();
+    check_type(path, *output, options.depth);
+}
+
+std::string write_image(const std::string& path, const Image& image, const WriteOptions& options) {
+    AtomicFile file(path, options.overwrite);
+    std::string fault;
+    std::string left_out;
+    for (const Metadata kept : {Metadata::kAll, Metadata::kPlain, Metadata::kNone}) {
+        OIIO::ImageSpec header = image.header;
+        left_out = keep_metadata(header, kept);
+        if (kept != Metadata::kAll && left_out.empty()) continue;
+        if (!fits(header, *writer_for(path))) continue;
+        const std::string now = write_once(file.temporary(), path, image, header, options);
+        if (now.empty()) {
+            file.commit();
+            return left_out;
+        }
+        if (fault.empty()) fault = now;
+    }
+    throw Error(path, fault);
+}
+
+std::string left_out_warning(const std::string& path, const std::string& left_out) {
+    return path + ": warning: metadata of the foreground is left out (" + left_out +
+           "), with which the file could not be read back";
+}
+
+}  // namespace veloxa

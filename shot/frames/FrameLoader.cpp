@@ -1,0 +1,105 @@
+#include "shot/frames/FrameLoader.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "shot/Errors.h"
+#include "shot/files/ImageFile.h"
+
+namespace veloxa {
+
+using namespace Zo::Image;
+
+namespace {
+
+Hash identity_of(const std::string& path, bool matte) {
+    Hash hash;
+    hash.append(std::string_view(path));
+    hash.append(std::int32_t{matte});
+    struct stat status {};
+    if (::stat(path.c_str(), &status) == 0) {
+        hash.append(static_cast<std::uint64_t>(status.st_size));
+        hash.append(static_cast<std::uint64_t>(status.st_mtim.tv_sec));
+        hash.append(static_cast<std::uint64_t>(status.st_mtim.tv_nsec));
+    }
+    return hash;
+}
+
+bool is_one_everywhere(const Image& image, Channel c) {
+    const float* const samples = image.plane(c).get();
+    return std::all_of(samples, samples + image.width() * image.height(), [](float v) { return v == 1.0f; });
+}
+
+}  // namespace
+
+void FrameLoader::warn(Input input, const std::string& path, const Image& image) {
+    if (!std::exchange(looked_for_parts_[input], true)) warn_of_parts(path, caller_);
+    if ((input != kGm && input != kHm) || told_alpha_[input]) return;
+    const std::string alpha = own_alpha(image.header);
+    if (alpha.empty() || !is_one_everywhere(image, kAlpha)) return;
+    told_alpha_[input] = true;
+    caller_.warn(path + ": warning: its alpha, channel " + alpha + ", is 1 everywhere, so the " +
+                 (input == kGm ? "garbage matte drops" : "holdout matte holds") +
+                 " the whole frame; its other channels are not looked at");
+}
+
+LoadedInput FrameLoader::read(Input input, int frame) {
+    const std::string path = names_[input].at(frame);
+    const bool matte = input == kGm || input == kHm;
+    const Hash identity = identity_of(path, matte);
+    Image image = matte ? read_matte(path, caller_.abort) : read_image(path, caller_.abort);
+    warn(input, path, image);
+    return {std::make_shared<const Image>(std::move(image)), identity};
+}
+
+LoadedInput FrameLoader::fitted_to(const LoadedInput& loaded, const Format& format,
+                                   const std::string& file) const {
+    LoadedInput result{fitted(loaded.image, format, fit_, file), loaded.identity};
+    result.identity.append(std::int32_t{format.box.r});
+    result.identity.append(std::int32_t{format.box.t});
+    return result;
+}
+
+void FrameLoader::load_stills() {
+    for (std::size_t n = 0; n < kInputCount; ++n) {
+        if (names_[n].empty() || names_[n].has_frame()) continue;
+        stills_[n] = read(static_cast<Input>(n), 0);
+    }
+}
+
+std::shared_ptr<const Image> FrameLoader::foreground(int frame) {
+    if (stills_[kFg].image) return stills_[kFg].image;
+    if (ahead_.image && ahead_frame_ == frame) return ahead_.image;
+    ahead_ = read(kFg, frame);
+    ahead_frame_ = frame;
+    return ahead_.image;
+}
+
+FrameInputs FrameLoader::load(int frame) {
+    FrameInputs inputs;
+    if (stills_[kFg].image) {
+        inputs[kFg] = stills_[kFg];
+    } else if (ahead_.image && ahead_frame_ == frame) {
+        inputs[kFg] = std::exchange(ahead_, {});
+    } else {
+        inputs[kFg] = read(kFg, frame);
+    }
+    const Format& format = inputs[kFg].image->info.format;
+    if (format != fitted_format_) fitted_stills_ = {};
+    fitted_format_ = format;
+    for (std::size_t n = kCp; n < kInputCount; ++n) {
+        if (names_[n].empty()) continue;
+        const std::string file = names_[n].at(frame);
+        if (names_[n].has_frame()) {
+            inputs[n] = fitted_to(read(static_cast<Input>(n), frame), format, file);
+            continue;
+        }
+        if (!fitted_stills_[n].image) fitted_stills_[n] = fitted_to(stills_[n], format, file);
+        inputs[n] = fitted_stills_[n];
+    }
+    return inputs;
+}
+
+}  // namespace veloxa

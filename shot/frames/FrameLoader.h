@@ -1,0 +1,59 @@
+// Loads the node's inputs for one frame after another.
+#pragma once
+
+#include <array>
+#include <memory>
+
+#include "ZoImage/Hash.h"
+#include "shot/Caller.h"
+#include "shot/frames/FramePattern.h"
+#include "shot/image/Fit.h"
+#include "shot/image/Image.h"
+
+namespace veloxa {
+
+// The node's inputs by number.
+enum Input : std::size_t { kFg, kCp, kBg, kGm, kHm, kInputCount };
+inline constexpr std::array<const char*, kInputCount> kInputNames{"fg", "cp", "bg", "gm", "hm"};
+
+struct LoadedInput {
+    std::shared_ptr<const Image> image;  // null for an input that is not used
+    Zo::Image::Hash identity;            // names the pixels
+};
+using FrameInputs = std::array<LoadedInput, kInputCount>;
+
+// Inputs without a frame number in their name are loaded once. One thread at a time.
+class FrameLoader {
+  public:
+    using Names = std::array<FramePattern, kInputCount>;  // empty for inputs that are not used
+
+    FrameLoader(Names names, Fit fit, Caller caller)
+        : names_(std::move(names)), fit_(fit), caller_(std::move(caller)) {}
+
+    // Loads what all frames share, so that a mistake there shows before any frame.
+    void load_stills();
+    // The foreground of a frame, kept for when that frame is loaded.
+    std::shared_ptr<const Image> foreground(int frame);
+    // Throws Error when any input of the frame cannot be used.
+    FrameInputs load(int frame);
+
+  private:
+    LoadedInput read(Input input, int frame);
+    // Warns of what the user may not expect of a file, once an input.
+    void warn(Input input, const std::string& path, const Image& image);
+    LoadedInput fitted_to(const LoadedInput& loaded, const Zo::Image::Format& format,
+                          const std::string& file) const;
+
+    Names names_;
+    Fit fit_;
+    Caller caller_;
+    LoadedInput ahead_;  // a foreground that was read before its turn, and its frame
+    int ahead_frame_ = 0;
+    FrameInputs stills_;         // as read
+    FrameInputs fitted_stills_;  // for the format below
+    Zo::Image::Format fitted_format_;
+    std::array<bool, kInputCount> looked_for_parts_{};
+    std::array<bool, kInputCount> told_alpha_{};
+};
+
+}  // namespace veloxa

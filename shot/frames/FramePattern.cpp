@@ -1,0 +1,134 @@
+#include "shot/frames/FramePattern.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <system_error>
+
+#include "shot/Errors.h"
+
+namespace veloxa {
+
+namespace {
+
+constexpr int kWidest = 32;
+constexpr int kMostFrames = 100'000'000;
+
+std::string padded(int frame, int width, bool zeros) {
+    std::string digits = std::to_string(std::abs(static_cast<std::int64_t>(frame)));
+    const std::size_t sign = frame < 0 ? 1 : 0;
+    const auto wanted = static_cast<std::size_t>(width);
+    const std::size_t missing = wanted > digits.size() + sign ? wanted - digits.size() - sign : 0;
+    if (zeros) digits.insert(0, missing, '0');
+    if (frame < 0) digits.insert(0, 1, '-');
+    if (!zeros) digits.insert(0, missing, ' ');
+    return digits;
+}
+
+// The length of a printf number field at the start of `text`, 0 when there is none.
+std::size_t number_field(std::string_view text, int& width, bool& zeros) {
+    if (text.size() < 2 || text[0] != '%') return 0;
+    std::size_t i = 1;
+    zeros = text[i] == '0';
+    width = 0;
+    for (; i < text.size() && std::isdigit(static_cast<unsigned char>(text[i])); ++i) {
+        width = std::min(width * 10 + (text[i] - '0'), kWidest);
+    }
+    width = std::max(width, 1);
+    return i < text.size() && text[i] == 'd' ? i + 1 : 0;
+}
+
+bool take_int(std::string_view& text, int& value) {
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc()) return false;
+    text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+    return true;
+}
+
+bool take(std::string_view& text, char letter) {
+    if (text.empty() || text[0] != letter) return false;
+    text.remove_prefix(1);
+    return true;
+}
+
+}  // namespace
+
+FramePattern::FramePattern(std::string_view name) : name_(name) {
+    Piece piece;
+    for (std::size_t i = 0; i < name.size();) {
+        std::size_t length = number_field(name.substr(i), piece.width, piece.zeros);
+        if (length == 0 && name[i] == '#') {
+            length = std::min(name.find_first_not_of('#', i), name.size()) - i;
+            piece.width = static_cast<int>(std::min<std::size_t>(length, kWidest));
+            piece.zeros = true;
+        }
+        if (length > 0) {
+            pieces_.push_back(std::move(piece));
+            piece = {};
+            has_frame_ = true;
+            i += length;
+        } else {
+            const std::size_t two = name.substr(i, 2) == "%%" ? 2 : 1;
+            piece.text += name[i];
+            i += two;
+        }
+    }
+    piece.width = 0;
+    pieces_.push_back(std::move(piece));
+}
+
+std::string FramePattern::at(int frame) const {
+    if (!has_frame_) return name_;
+    std::string result;
+    for (const Piece& piece : pieces_) {
+        result += piece.text;
+        if (piece.width > 0) result += padded(frame, piece.width, piece.zeros);
+    }
+    return result;
+}
+
+FrameRange parse_frames(const std::string& text) {
+    FrameRange range;
+    std::string_view rest = text;
+    bool good = take_int(rest, range.first);
+    range.last = range.first;
+    if (good && take(rest, '-')) {
+        good = take_int(rest, range.last);
+        if (good && take(rest, 'x')) good = take_int(rest, range.step);
+    }
+    if (!good || !rest.empty()) {
+        throw UsageError("--frames " + text + ": expected A-B or A-BxN, as in 1001-1100 or 1-99x2");
+    }
+    if (range.last < range.first)
+        throw UsageError("--frames " + text + ": the last frame is before the first");
+    if (range.step < 1) throw UsageError("--frames " + text + ": the step must be at least 1");
+    const std::int64_t span = static_cast<std::int64_t>(range.last) - range.first;
+    if (span / range.step >= kMostFrames) throw UsageError("--frames " + text + ": too many frames");
+    return range;
+}
+
+FrameRange frames_of(const std::string& text, std::span<const FramePattern> inputs) {
+    const auto moving = std::find_if(inputs.begin(), inputs.end(), std::mem_fn(&FramePattern::has_frame));
+    if (text.empty()) {
+        if (moving == inputs.end()) return {};
+        throw UsageError(moving->name() + ": a frame pattern needs --frames A-B");
+    }
+    const FrameRange frames = parse_frames(text);
+    if (moving != inputs.end()) return frames;
+    const std::string none = inputs.size() == 1 ? inputs.front().name() + " has no" : "no input has a";
+    throw UsageError("--frames: " + none + " frame pattern such as %04d or ####");
+}
+
+void refuse_input(const std::string& output, std::span<const FramePattern> inputs, int frame) {
+    for (const FramePattern& input : inputs) {
+        std::error_code missing;
+        if (!input.empty() && std::filesystem::equivalent(output, input.at(frame), missing)) {
+            throw UsageError(output + ": is an input too");
+        }
+    }
+}
+
+}  // namespace veloxa

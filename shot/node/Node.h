@@ -1,0 +1,46 @@
+// The keyer node, found through its plug-in, with its panel and the settings that the user gives it.
+#pragma once
+
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "ZoImage/Iop.h"
+#include "ZoImage/KnobPanel.h"
+
+namespace veloxa {
+
+struct KnobSettings {
+    std::string script;             // a file; empty for none
+    std::vector<std::string> sets;  // KNOB=VALUE, after the script
+};
+
+class Node {
+  public:
+    Node();
+
+    Zo::Image::Iop& image() const { return *image_; }
+    Zo::Image::KnobPanel& panel() { return *panel_; }
+
+    // Throws Error for a script that does not fit, UsageError for a bad KNOB=VALUE.
+    void apply(const KnobSettings& settings);
+    // The knobs that the settings applied so far name, whatever the value; a link names its target.
+    const std::set<Zo::Image::Knob*>& named() const { return named_; }
+    // Those of them that a script names.
+    const std::set<Zo::Image::Knob*>& scripted() const { return scripted_; }
+    // Writes the knobs that differ from their defaults.
+    void save_script(const std::string& path, bool overwrite) const;
+
+    // The internal operator of this name. Throws UsageError with the names that there are.
+    Zo::Image::Iop& member(const std::string& name) const;
+
+  private:
+    std::unique_ptr<Zo::Image::Op> op_;
+    Zo::Image::Iop* image_;
+    std::unique_ptr<Zo::Image::KnobPanel> panel_;
+    std::set<Zo::Image::Knob*> named_;
+    std::set<Zo::Image::Knob*> scripted_;
+};
+
+}  // namespace veloxa

@@ -1,0 +1,95 @@
+// Renders frames: while one is keyed, the next is decoded and the last encoded.
+//
+// Three threads hand frames on; at most kFramesInFlight are in memory. A frame that cannot be read, keyed or
+// written is reported, and the others go on. When the flag is raised everything in flight is given up, and
+// no unfinished file is left.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <semaphore>
+#include <string>
+#include <vector>
+
+#include "ZoImage/Render.h"
+#include "shot/Caller.h"
+#include "shot/files/ImageFile.h"
+#include "shot/frames/FrameLoader.h"
+#include "shot/frames/FramePattern.h"
+#include "shot/node/NodeInputs.h"
+#include "shot/sequence/KeyStats.h"
+#include "shot/sequence/Queue.h"
+
+namespace veloxa {
+
+struct KeyPlan {
+    FrameRange frames;  // one frame, of any number, for a still
+    FramePattern output;
+    WriteOptions write;
+    bool resume = false;  // leave out frames whose output is whole
+    int threads = 0;
+};
+
+// Says what can be known to go wrong with the outputs before any frame is rendered. Throws Error.
+void check_outputs(const KeyPlan& plan, const FrameLoader::Names& inputs);
+
+class KeyPipeline {
+  public:
+    // Puts each frame on `inputs`, which are the node's, and renders `root`, which is the node or one of its
+    // operators, over the node's box.
+    KeyPipeline(KeyPlan plan, FrameLoader& loader, Zo::Image::Iop& node, Zo::Image::Iop& root,
+                NodeInputs& inputs, const Caller& caller);
+
+    void measure_time() { renderer_.measure_time(true); }
+    // Renders all frames; false when one could not be done. Throws Interrupted.
+    bool run();
+    const KeyStats& stats() const { return stats_; }
+
+  private:
+    static constexpr int kFramesInFlight = 3;
+    using Slots = std::counting_semaphore<kFramesInFlight>;
+    struct GiveBack {
+        void operator()(Slots* slots) const { slots->release(); }
+    };
+    using Slot = std::unique_ptr<Slots, GiveBack>;  // the right to hold a frame
+
+    struct Decoded {
+        int frame;
+        FrameInputs inputs;
+        Slot slot;
+    };
+    struct Keyed {
+        int frame;
+        Image image;
+        Slot slot;
+    };
+
+    void decode();
+    void key();
+    void encode();
+    Image render(const FrameInputs& inputs);
+    bool stopped() const { return caller_.abort && caller_.abort->raised(); }
+    // So many more rows, as parts of a frame, are rendered, and frames finished or given up.
+    void count(double rows, int frames);
+    // Runs one stage's work for a frame; false, with a report, when it fails.
+    template <class Work>
+    bool attempt(int frame, const Work& work);
+
+    KeyPlan plan_;
+    FrameLoader& loader_;
+    Zo::Image::Iop& node_;
+    Zo::Image::Iop& root_;
+    NodeInputs& inputs_;
+    Caller caller_;
+    Zo::Image::Renderer renderer_;
+    KeyStats stats_;
+    std::atomic<bool> failed_{false};
+    std::atomic<double> rendered_{0.0};
+    std::atomic<int> finished_{0};
+    bool told_left_out_ = false;  // metadata; the frames of a sequence are alike
+    Slots slots_{kFramesInFlight};
+    Queue<Decoded> decoded_;
+    Queue<Keyed> keyed_;
+};
+
+}  // namespace veloxa

@@ -1,0 +1,108 @@
+#include "shot/setup/KeySetup.h"
+
+#include "shot/Errors.h"
+#include "shot/setup/AutoSetup.h"
+#include "shot/setup/Pick.h"
+#include "shot/setup/ScreenChoice.h"
+
+namespace veloxa {
+
+using namespace Zo::Image;
+
+namespace {
+
+constexpr const char* kScreenTool = "toolbar_screen";
+
+FrameLoader::Names input_names(const SetupOptions& options) {
+    FrameLoader::Names names;
+    for (std::size_t n = 0; n < kInputCount; ++n) names[n] = FramePattern(options.inputs[n]);
+    return names;
+}
+
+}  // namespace
+
+KeySetup::KeySetup(const SetupOptions& options, const Caller& caller)
+    : options_(options),
+      caller_(caller),
+      names_(input_names(options)),
+      frames_(frames_of(options.frames, names_)),
+      loader_(names_, fit_named(options.fit).value_or(Fit::kRefuse), caller) {
+    node_.apply(options.settings);
+    inputs_.connect(node_.image(), names_);
+    if (!options.screen.pick.empty()) parse_box("--pick", options.screen.pick);
+    for (const std::string& text : options.strokes) {
+        strokes_.push_back(parse_stroke(node_.panel(), text));
+        if (strokes_.back().frame && options.frames.empty()) {
+            throw UsageError("--stroke " + text + ": @FRAME needs --frames A-B");
+        }
+    }
+}
+
+std::pair<std::shared_ptr<const Image>, int> KeySetup::first_foreground() {
+    for (int n = 0;; ++n) {
+        try {
+            return {loader_.foreground(frames_.at(n)), frames_.at(n)};
+        } catch (const Error&) {
+            if (n + 1 == frames_.count()) throw;
+        }
+    }
+}
+
+bool KeySetup::picks_screen() const {
+    return !strokes_.empty() && strokes_.front().tool->name() == kScreenTool;
+}
+
+void KeySetup::choose_screen_color() {
+    KnobPanel& panel = node_.panel();
+    const bool chosen = picks_screen() || has_screen_color(panel, options_.settings.sets);
+    const auto first = [this] {
+        const auto [image, frame] = first_foreground();
+        return NamedImage{image, names_[kFg].at(frame)};
+    };
+    veloxa::choose_screen_color(panel, options_.screen, chosen, first, caller_);
+}
+
+void KeySetup::show(int frame) {
+    if (shown_ == frame) return;
+    const FrameInputs images = loader_.load(frame);
+    inputs_.set(images);
+    foreground_ = images[kFg].image;
+    shown_ = frame;
+}
+
+void KeySetup::set_up_automatically() {
+    show(first_foreground().second);
+    for (ToolReport& report : AutoSetup(node_, 0, caller_.abort).run()) {
+        reports_.push_back(std::move(report));
+        reports_.back().frame = *shown_;
+    }
+}
+
+void KeySetup::apply_strokes(std::size_t begin, std::size_t end) {
+    for (std::size_t n = begin; n < end; ++n) {
+        const Stroke& stroke = strokes_[n];
+        show(stroke.frame ? *stroke.frame : first_foreground().second);
+        check_inside("--stroke " + options_.strokes[n], *foreground_, stroke.box);
+        reports_.push_back(apply_stroke(node_, stroke));
+        give_up_if_raised(caller_.abort);
+        reports_.back().frame = *shown_;
+    }
+}
+
+void KeySetup::prepare() {
+    loader_.load_stills();
+    choose_screen_color();
+    // There is nothing to set up before a screen colour is chosen.
+    const std::size_t before = picks_screen() ? 1 : 0;
+    apply_strokes(0, before);
+    if (options_.automatic) set_up_automatically();
+    apply_strokes(before, strokes_.size());
+    inputs_.clear();
+    foreground_ = nullptr;
+    shown_.reset();
+    if (!has_screen_color(node_.panel(), {})) {
+        caller_.warn("warning: screen_color is 0,0,0, so the foreground passes through");
+    }
+}
+
+}  // namespace veloxa

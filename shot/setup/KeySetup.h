@@ -1,0 +1,75 @@
+// What comes before the first frame, for keying and for tuning alike: files on the node's inputs, its knobs,
+// the screen colour, the strokes.
+#pragma once
+
+#include <array>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "shot/frames/FrameLoader.h"
+#include "shot/frames/FramePattern.h"
+#include "shot/node/NodeInputs.h"
+#include "shot/setup/ScreenChoice.h"
+#include "shot/setup/Stroke.h"
+
+namespace veloxa {
+
+// As the command line gives them.
+struct SetupOptions {
+    std::array<std::string, kInputCount> inputs;
+    KnobSettings settings;
+    ScreenOptions screen;
+    bool automatic = false;  // set up from the foreground before the strokes
+    std::vector<std::string> strokes;
+    std::string frames;
+    std::string fit;
+};
+
+class KeySetup {
+  public:
+    // Sets the knobs and connects the inputs; reads no image. Throws UsageError, and Error for a script.
+    KeySetup(const SetupOptions& options, const Caller& caller);
+
+    Node& node() { return node_; }
+    NodeInputs& inputs() { return inputs_; }
+    FrameLoader& loader() { return loader_; }
+    const FrameLoader::Names& names() const { return names_; }
+    // One frame, of any number, for stills.
+    const FrameRange& frames() const { return frames_; }
+
+    // Loads what all frames share, chooses the screen colour, sets up automatically if asked to, and applies
+    // the strokes. Throws Error, for strokes too when their frame cannot be read.
+    void prepare();
+    // What the automatic steps and the strokes did, in their order.
+    const std::vector<ToolReport>& strokes() const { return reports_; }
+
+  private:
+    // The foreground of the first frame that can be read, and its number: a broken one is reported when its
+    // turn comes.
+    std::pair<std::shared_ptr<const Image>, int> first_foreground();
+    // Whether the first stroke chooses the screen colour.
+    bool picks_screen() const;
+    void choose_screen_color();
+    // Puts a frame on the node's inputs.
+    void show(int frame);
+    void set_up_automatically();
+    // Of these numbers.
+    void apply_strokes(std::size_t begin, std::size_t end);
+
+    SetupOptions options_;
+    Caller caller_;
+    FrameLoader::Names names_;
+    FrameRange frames_;
+    FrameLoader loader_;
+    NodeInputs inputs_;  // outlive the node
+    Node node_;
+    std::optional<int> shown_;                 // the frame on the inputs
+    std::shared_ptr<const Image> foreground_;  // its foreground
+    std::vector<Stroke> strokes_;
+    std::vector<ToolReport> reports_;
+};
+
+}  // namespace veloxa

@@ -1,0 +1,40 @@
+// Finds the backing of a plate: which primary it is and what colour it has.
+//
+// The frame is cut into cells, at most kCells to a side, whose mean colours are looked at. A cell counts the
+// more the nearer it lies to the left, right or top border, where backing shows; the bottom is the subject's.
+// For each primary the cells that it dominates are put on a plane of the two other channels over it, which
+// light does not move; the largest heap there is the primary's candidate. Deterministic; any scale of light.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+
+#include "shot/image/Image.h"
+
+namespace veloxa {
+
+struct ScreenEstimate {
+    Zo::Image::Channel primary = Zo::Image::kGreen;
+    std::array<double, 3> color{};  // red, green, blue: the median of the candidate's cells
+    double share = 0.0;             // of the weighted frame that the candidate's cells make
+    double rival = 0.0;             // the largest share that another primary's candidate has
+    double needed = 0.0;            // the confidence to go by
+
+    double confidence() const { return share - rival; }
+    bool found() const { return share > 0.0 && confidence() >= needed; }
+};
+
+// What an estimate needs to be believed: about a quarter of the frame above any other colour; less when the
+// primary is known.
+inline constexpr double kConfidenceNeeded = 0.25;
+inline constexpr double kConfidenceNeededNamed = 0.10;
+
+// With a primary given, looks for that one alone and knows no rival.
+ScreenEstimate estimate_screen(const Image& image, std::optional<Zo::Image::Channel> primary = {});
+
+// "green", "blue" or "red".
+const char* screen_name(Zo::Image::Channel primary);
+std::optional<Zo::Image::Channel> screen_named(const std::string& name);
+
+}  // namespace veloxa

@@ -1,0 +1,215 @@
+// The automatic set-up on procedural plates, against the defaults and what is known to be true.
+#include "shot/setup/AutoSetup.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <fstream>
+#include <functional>
+#include <limits>
+#include <set>
+#include <string>
+
+#include "ZoImage/Iop.h"
+#include "plates/Set.h"
+#include "shot/node/NodeInputs.h"
+#include "support/TestImages.h"
+
+using namespace veloxa;
+using namespace Zo::Image;
+
+namespace {
+
+constexpr int kWidth = 480;
+constexpr int kHeight = 270;
+// Left of the figure nothing but backing, but for the stand that the garbage matte is for.
+constexpr Box kLeft{40, 120, 110, 260};
+
+// A node that keys a plate whose foreground was changed by `change`.
+struct Rig {
+    explicit Rig(plate::Screen screen, std::uint64_t seed, const std::function<void(Image&)>& change = {})
+        : set(plate::render_set({kWidth, kHeight, seed, screen}, 0, 2)) {
+        auto fg = std::make_shared<Image>(set[plate::kForeground]);
+        if (change) change(*fg);
+        FrameLoader::Names names;
+        names[kFg] = FramePattern("fg");
+        inputs.connect(node.image(), names);
+        FrameInputs images;
+        images[kFg] = {fg, Hash{}};
+        inputs.set(images);
+        node.panel().set_from_text("screen_color",
+                                   screen == plate::Screen::kBlue ? "0.09,0.22,0.6" : "0.14,0.6,0.24");
+    }
+    // The mean difference of the alpha from the true one.
+    double error() {
+        const test::Picture picture = test::render(node.image(), 2);
+        double sum = 0.0;
+        for (int y = 0; y < kHeight; ++y) {
+            for (int x = 0; x < kWidth; ++x) {
+                const float truth = set[plate::kAlphaTrue].line(kAlpha, y)[x];
+                sum += std::fabs(static_cast<double>(picture.at(kAlpha, x, y) - truth));
+            }
+        }
+        return sum / (kWidth * kHeight);
+    }
+    std::vector<ToolReport> set_up() { return AutoSetup(node, 2, nullptr).run(); }
+
+    plate::Set set;
+    NodeInputs inputs;
+    Node node;
+};
+
+TEST(AutoSetup, ComesNearerToTheTruthThanTheDefaults) {
+    for (const plate::Screen screen : {plate::Screen::kGreen, plate::Screen::kBlue}) {
+        for (const std::uint64_t seed : {1, 5, 9}) {
+            Rig rig(screen, seed);
+            const double before = rig.error();
+            rig.set_up();
+            EXPECT_LT(rig.error(), before)
+                << "seed " << seed << (screen == plate::Screen::kBlue ? " blue" : "");
+        }
+    }
+}
+
+// Backing so pale that the region leaves it out, as where light falls on cloth.
+void make_pale(Image& fg) {
+    for (int y = kLeft.y; y < kLeft.t; ++y) {
+        for (const Channel c : {kRed, kBlue}) {
+            for (int x = kLeft.x; x < kLeft.r; ++x) fg.line(c, y)[x] += 0.07f;
+        }
+    }
+}
+
+TEST(AutoSetup, CoversPaleBacking) {
+    for (const char* const overlay : {"off", "subject"}) {  // there the overlay tools change places
+        Rig rig(plate::Screen::kGreen, 1, make_pale);
+        const auto opaque = [&] {
+            const test::Picture picture = test::render(rig.node.image(), 2);
+            int count = 0;
+            for (int y = kLeft.y + 8; y < kLeft.t - 8; ++y) {
+                for (int x = kLeft.x + 8; x < kLeft.r - 8; ++x) {
+                    count += picture.at(kAlpha, x, y) > 0.0f ? 1 : 0;
+                }
+            }
+            return count;
+        };
+        rig.node.panel().set_from_text("overlay_mode", overlay);
+        rig.node.panel().set_from_text("matte_scale", "linear");
+        ASSERT_GT(opaque(), 2000) << "the patch was meant to be left out by the default region";
+        rig.set_up();
+        EXPECT_EQ(opaque(), 0) << overlay;
+    }
+}
+
+// On a plate where it turns matte_scale, merge, screen_tolerance, brights, cleanup and cleanup_cleanup.
+TEST(AutoSetup, WorksAroundWhatIsSet) {
+    using Names = std::vector<std::string>;
+    const std::string list = "0.14 0.58 0.25 0";
+    const struct {
+        Names script;  // NAME VALUE
+        Names sets;
+        Names stay;       // NAME=VALUE as scripts hold it; noted
+        Names moved;      // all the same
+        Names kept = {};  // as a consequence
+    } cases[] = {
+        {{}, {"brights=150"}, {"brights=150"}, {"merge", "matte_scale", "cleanup"}},
+        {{}, {"brights=100"}, {"brights=100"}, {"merge", "screen_tolerance"}},
+        {{}, {"merge=multiply"}, {"merge=multiply"}, {"matte_scale", "brights"}},
+        {{"merge multiply", "brights 90"},
+         {"matte_scale=knee"},
+         {"merge=multiply", "brights=90", "matte_scale=knee"},
+         {"cleanup"}},
+        {{"darks 1"}, {}, {"brights=100"}, {"merge"}},
+        {{}, {"cleanup_enable=0"}, {"cleanup=false"}, {"brights"}},
+        {{}, {"cleanup_cleanup=30"}, {"cleanup_cleanup=30"}, {"cleanup"}},
+        {{}, {"cleanup_cleanup=400"}, {"cleanup_cleanup=400"}, {"brights"}, {"cleanup"}},
+        {{},
+         {"screen_tolerance=0.51,0.51,0.52"},
+         {"screen_tolerance=0.51 0.51 0.52"},
+         {"screen_brights_red_larger"}},
+        {{},
+         {"screen_tolerance=0.51,0.51,0.52", "screen_darks_red_larger=0", "screen_darks_red_smaller=0",
+          "screen_brights_red_larger=100", "screen_brights_red_smaller=100"},
+         {"screen_tolerance=0.51 0.51 0.52", "screen_darks_red_larger=0", "screen_brights_red_smaller=100"},
+         {"brights"}},
+        {{"us_add_overlay {" + list + "}"}, {}, {"us_add_overlay=" + list + " "}, {"screen_tolerance"}},
+    };
+    const std::string path = testing::TempDir() + std::to_string(::getpid()) + "_named.vlx";
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.stay));
+        Rig rig(plate::Screen::kGreen, 1, make_pale);
+        KnobPanel& panel = rig.node.panel();
+        {
+            std::ofstream script(path);
+            script << "Veloxa {\n";
+            for (const std::string& line : c.script) script << line << '\n';
+            script << "}\n";
+        }
+        rig.node.apply({path, c.sets});
+        const KnobValues before(panel);
+        std::string notes;
+        for (const ToolReport& report : rig.set_up()) {
+            for (const std::string& note : report.notes) notes += '\n' + note;
+        }
+        for (const std::string& stays : c.stay) {
+            const std::string name = stays.substr(0, stays.find('='));
+            EXPECT_EQ(name + '=' + panel.get(name).text(), stays);
+            EXPECT_NE(notes.find('\n' + name + " stays"), std::string::npos) << name << " in" << notes;
+        }
+        std::set<std::string> moved;
+        for (const KnobChange& change : KnobValues(panel).since(before)) moved.insert(change.knob);
+        for (const std::string& name : c.moved)
+            EXPECT_EQ(moved.count(name), 1U) << name << " in " << testing::PrintToString(moved);
+        for (const std::string& name : c.kept) EXPECT_EQ(moved.count(name), 0U) << name;
+        for (const auto& knob : panel.knobs()) EXPECT_FALSE(knob->flag(kKnobHeld)) << knob->name();
+    }
+}
+
+// A script has the knobs that strokes found and the means of some, not their pixels.
+TEST(AutoSetup, UndoesNoStrokeOfAScript) {
+    const std::string path = testing::TempDir() + std::to_string(::getpid()) + "_strokes.vlx";
+    const Box cleared{15, 230, 45, 260};
+    Rig made(plate::Screen::kBlue, 1);
+    for (const auto& [tool, box] :
+         {std::pair{"removeoverlay", Box{420, 187, 450, 217}}, {"addoverlay", cleared}}) {
+        apply_stroke(made.node, {&tool_named(made.node.panel(), tool), box, {}});
+    }
+    made.node.save_script(path, true);
+    Rig rig(plate::Screen::kBlue, 1);
+    rig.node.apply({path, {}});
+    const test::Picture before = test::render(rig.node.image(), 2);
+    rig.set_up();
+    const test::Picture after = test::render(rig.node.image(), 2);
+    int undone = 0;
+    for (int y = cleared.y; y < cleared.t; ++y) {
+        for (int x = cleared.x; x < cleared.r; ++x) {
+            undone += before.at(kAlpha, x, y) <= 0.0f && after.at(kAlpha, x, y) > 0.0f ? 1 : 0;
+        }
+    }
+    EXPECT_EQ(undone, 0);
+}
+
+TEST(AutoSetup, SurvivesPlatesWithNothingToGoBy) {
+    const std::function<void(Image&)> changes[] = {
+        [](Image& fg) {  // backing alone
+            for (const Channel c : kMaskRgb)
+                std::fill_n(fg.line(c, 0), kWidth * kHeight, c == kGreen ? 0.6f : 0.15f);
+        },
+        [](Image& fg) {  // no backing at all
+            for (const Channel c : kMaskRgb) std::fill_n(fg.line(c, 0), kWidth * kHeight, 0.4f);
+        },
+        [](Image& fg) {
+            for (const Channel c : kMaskRgb)
+                std::fill_n(fg.line(c, 100), 40 * kWidth, std::numeric_limits<float>::quiet_NaN());
+        },
+    };
+    for (const auto& change : changes) {
+        Rig rig(plate::Screen::kGreen, 1, change);
+        rig.set_up();
+        EXPECT_GE(rig.node.panel().get("brights").get_value(), 50.0);
+        EXPECT_EQ(rig.node.panel().get("matte_scale").get_value(), 1.0);
+    }
+}
+
+}  // namespace

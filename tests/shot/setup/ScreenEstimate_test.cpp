@@ -1,0 +1,132 @@
+// The estimate of the backing: shares worked out by hand, and plates with and without a backing.
+#include "shot/setup/ScreenEstimate.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <random>
+
+#include "plates/Set.h"
+
+using namespace veloxa;
+using namespace Zo::Image;
+
+namespace {
+
+using Color = std::array<double, 3>;
+constexpr Color kGreenish{0.125, 0.625, 0.25};
+constexpr Color kBluish{0.125, 0.25, 0.5};
+constexpr Color kGrey{0.5, 0.5, 0.5};
+
+Image painted(const Box& box, const std::function<Color(int, int)>& color) {
+    Info info;
+    info.box = box;
+    info.format.box = {0, 0, 64, 48};
+    info.channels = kMaskRgb;
+    Image image(info);
+    for (int y = box.y; y < box.t; ++y) {
+        for (int x = box.x; x < box.r; ++x) {
+            const Color c = color(x, y);
+            for (const Channel channel : kMaskRgb) {
+                image.line(channel, y)[x - box.x] =
+                    static_cast<float>(c[static_cast<std::size_t>(channel - 1)]);
+            }
+        }
+    }
+    return image;
+}
+
+const Box kFrame{0, 0, 64, 48};
+
+TEST(ScreenEstimate, SharesOfHalves) {
+    const Image half = painted(kFrame, [](int x, int) { return x < 32 ? kGreenish : kGrey; });
+    const ScreenEstimate one = estimate_screen(half);
+    EXPECT_EQ(one.primary, kGreen);
+    EXPECT_EQ(one.color, kGreenish);
+    EXPECT_NEAR(one.share, 0.5, 1e-12);  // the weights are the same left and right
+    EXPECT_EQ(one.rival, 0.0);
+    EXPECT_TRUE(one.found());
+
+    const Image both = painted(kFrame, [](int x, int) { return x < 32 ? kGreenish : kBluish; });
+    EXPECT_NEAR(estimate_screen(both).confidence(), 0.0, 1e-12);
+    EXPECT_FALSE(estimate_screen(both).found());
+    const ScreenEstimate named = estimate_screen(both, kBlue);
+    EXPECT_TRUE(named.found());
+    EXPECT_EQ(named.color, kBluish);
+    EXPECT_FALSE(estimate_screen(both, kRed).found());
+}
+
+// Blue fills the middle, green a border on three sides; the weights by the rule, pixel by pixel.
+TEST(ScreenEstimate, BordersCountMost) {
+    const auto inside = [](int x, int y) { return x >= 8 && x < 56 && y < 42; };
+    const Image image = painted(kFrame, [&](int x, int y) { return inside(x, y) ? kBluish : kGreenish; });
+    double blue = 0.0, all = 0.0;
+    for (int y = 0; y < 48; ++y) {
+        for (int x = 0; x < 64; ++x) {
+            const double way = std::min({(x + 0.5) / 32.0, (63.5 - x) / 32.0, (47.5 - y) / 24.0});
+            const double weight = way < 0.4 ? 1.0 + 3.0 * (1.0 - way / 0.4) : 1.0;
+            all += weight;
+            blue += inside(x, y) ? weight : 0.0;
+        }
+    }
+    const ScreenEstimate found = estimate_screen(image);
+    EXPECT_EQ(found.primary, kGreen);  // on a third of the pixels
+    EXPECT_NEAR(found.share, 1.0 - blue / all, 1e-9);
+    EXPECT_NEAR(found.rival, blue / all, 1e-9);
+}
+
+TEST(ScreenEstimate, FallingLightAndWildPixelsDoNotMoveIt) {
+    constexpr double kInf = std::numeric_limits<double>::infinity();
+    const Image image = painted({-6, -6, 70, 54}, [&](int x, int y) -> Color {
+        if (x < 0 || y < 0 || x >= 64 || y >= 48) return {9.0, 0.0, 0.0};  // not seen
+        if ((x * 7 + y * 13) % 10 == 0) return {kInf, -kInf, std::numeric_limits<double>::quiet_NaN()};
+        if ((x * 7 + y * 13) % 10 == 1) return {50.0, 60.0, 55.0};
+        const double light = 0.25 + 0.75 * (x + 0.5) / 64.0;
+        return {kGreenish[0] * light, kGreenish[1] * light, kGreenish[2] * light};
+    });
+    const ScreenEstimate found = estimate_screen(image);
+    EXPECT_EQ(found.primary, kGreen);
+    EXPECT_TRUE(found.found());
+    EXPECT_NEAR(found.color[0] / found.color[1], 0.2, 0.01);
+    EXPECT_NEAR(found.color[1], 0.39, 0.03);  // in the middle of the light
+}
+
+TEST(ScreenEstimate, StopsWithoutABacking) {
+    std::mt19937 random(5);
+    const auto noise = [&](int, int) -> Color {
+        const auto draw = [&] { return static_cast<double>(random() % 1024) / 1024.0; };
+        return {draw(), draw(), draw()};
+    };
+    const auto nothing = [](int, int) -> Color { return {}; };
+    const auto ramp = [](int x, int) -> Color { return {x / 64.0, x / 64.0, x / 64.0}; };
+    const auto pale = [](int, int) -> Color { return {0.5, 0.57, 0.5}; };
+    const auto nan = [](int, int) -> Color { return {std::nan(""), std::nan(""), std::nan("")}; };
+    for (const std::function<Color(int, int)>& plain :
+         {std::function<Color(int, int)>(noise), {nothing}, {ramp}, {pale}, {nan}}) {
+        EXPECT_FALSE(estimate_screen(painted(kFrame, plain)).found());
+    }
+    EXPECT_FALSE(estimate_screen(painted({70, 0, 80, 48}, [](int, int) { return kGreenish; })).found());
+}
+
+TEST(ScreenEstimate, FindsTheBackingOfPlates) {
+    for (const std::uint64_t seed : {1, 2, 3, 7, 11, 23}) {
+        for (const plate::Screen screen : {plate::Screen::kGreen, plate::Screen::kBlue}) {
+            const plate::Set set = plate::render_set({160, 90, seed, screen}, 0, 2);
+            const ScreenEstimate found = estimate_screen(set[plate::kForeground]);
+            EXPECT_EQ(found.primary, screen == plate::Screen::kGreen ? kGreen : kBlue) << seed;
+            EXPECT_GT(found.confidence(), 0.6) << seed;
+            // Near the backing as it is beside the figure, where the light is not at its brightest.
+            for (const Channel c : kMaskRgb) {
+                const auto i = static_cast<std::size_t>(c - kRed);
+                const double beside = static_cast<double>(set[plate::kCleanPlate].line(c, 66)[112]);
+                EXPECT_NEAR(found.color[i], beside, 0.12 * beside + 0.02) << seed << ' ' << c;
+            }
+            EXPECT_FALSE(estimate_screen(set[plate::kBackground]).found()) << seed;
+        }
+    }
+}
+
+}  // namespace
