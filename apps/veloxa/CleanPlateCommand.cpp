@@ -53,12 +53,13 @@ void check_output(const Options& options, const FramePattern& name, const FrameR
     }
 }
 
-void choose_screen_color(KnobPanel& panel, const Options& options, const CleanPlateMaker& maker) {
+void choose_screen_color(const Options& options, CleanPlateMaker& maker) {
+    KnobPanel& panel = maker.node().panel();
     const auto& [pick, screen] = options.screen;
     if (!pick.empty()) {
         set_screen_color(panel, mean_color(maker.first_image(), parse_box("--pick", pick)));
     } else if (!screen.empty() || !has_screen_color(panel, options.settings.sets)) {
-        estimate_screen_color(panel, maker.first_image(), maker.first_file(), screen, options.quiet);
+        find_screen_color(maker.node(), maker.first_image(), maker.first_file(), screen, options.quiet);
     }
 }
 
@@ -87,7 +88,7 @@ int make_clean_plate(const Options& options) {
     const auto budget = static_cast<std::size_t>(options.memory) << 20;
     CleanPlateMaker maker(name, frames, {options.threads, budget, options.quiet, write.abort});
     maker.node().apply(options.settings);
-    choose_screen_color(maker.node().panel(), options, maker);
+    choose_screen_color(options, maker);
     const Image plate = maker.make();
     const std::string left_out = write_image(options.output, plate, write);
     if (!left_out.empty()) report(options.output + ": " + left_out_warning(left_out));

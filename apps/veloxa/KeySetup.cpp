@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "AutoSetup.h"
 #include "Errors.h"
 #include "Pick.h"
 #include "ScreenChoice.h"
@@ -69,10 +68,10 @@ void add_setup_options(CLI::App& command, SetupOptions& options) {
 
 KeySetup::KeySetup(const SetupOptions& options, const AbortFlag* abort)
     : options_(options),
-      abort_(abort),
       names_(input_names(options)),
       frames_(frames_of(options, names_)),
-      loader_(names_, fit_named(options.fit).value_or(Fit::kRefuse), abort) {
+      loader_(names_, fit_named(options.fit).value_or(Fit::kRefuse), abort),
+      node_(abort) {
     node_.apply(options.settings);
     inputs_.connect(node_.image(), names_);
     if (!options.screen.pick.empty()) parse_box("--pick", options.screen.pick);
@@ -108,7 +107,7 @@ void KeySetup::choose_screen_color() {
     } else if (!screen.screen.empty() ||
                (!picks_screen() && !has_screen_color(panel, options_.settings.sets))) {
         const auto [image, frame] = first_foreground();
-        estimate_screen_color(panel, *image, names_[kFg].at(frame), screen.screen, options_.quiet);
+        find_screen_color(node_, *image, names_[kFg].at(frame), screen.screen, options_.quiet);
     }
 }
 
@@ -120,9 +119,8 @@ void KeySetup::show(int frame) {
     shown_ = frame;
 }
 
-void KeySetup::set_up_automatically() {
-    show(first_foreground().second);
-    for (ToolReport& report : AutoSetup(node_, 0, abort_).run()) {
+void KeySetup::note(std::vector<ToolReport> reports) {
+    for (ToolReport& report : reports) {
         reports_.push_back(std::move(report));
         reports_.back().frame = *shown_;
     }
@@ -133,9 +131,7 @@ void KeySetup::apply_strokes(std::size_t begin, std::size_t end) {
         const Stroke& stroke = strokes_[n];
         show(stroke.frame ? *stroke.frame : first_foreground().second);
         check_inside("--stroke " + options_.strokes[n], *foreground_, stroke.box);
-        reports_.push_back(apply_stroke(node_, stroke));
-        if (abort_ != nullptr && abort_->raised()) throw Interrupted();
-        reports_.back().frame = *shown_;
+        note({apply_stroke(node_, stroke)});
     }
 }
 
@@ -145,7 +141,10 @@ void KeySetup::prepare() {
     // There is nothing to set up before a screen colour is chosen.
     const std::size_t before = picks_screen() ? 1 : 0;
     apply_strokes(0, before);
-    if (options_.automatic) set_up_automatically();
+    if (options_.automatic) {
+        show(first_foreground().second);
+        note(set_up_automatically(node_, names_[kFg].at(*shown_)));
+    }
     apply_strokes(before, strokes_.size());
     inputs_.clear();
     foreground_ = nullptr;

@@ -1,10 +1,9 @@
 #include "ScreenChoice.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "Errors.h"
-#include "ScreenEstimate.h"
+#include "ImageSource.h"
 
 namespace veloxa {
 
@@ -12,12 +11,24 @@ using namespace Zo::Image;
 
 namespace {
 
-template <class... Values>
-std::string text_of(const char* format, Values... values) {
-    char text[256];
-    std::snprintf(text, sizeof text, format, values...);
-    return text;
-}
+constexpr int kForeground = 0;
+
+// Puts an image on the node's foreground for a scope.
+class Shown {
+  public:
+    Shown(Iop& node, const Image& image) : node_(node), before_(node.input_op(kForeground)) {
+        source_.set(std::shared_ptr<const Image>(std::shared_ptr<void>(), &image), Hash{});
+        node_.set_input(kForeground, &source_);
+    }
+    ~Shown() { node_.set_input(kForeground, before_); }
+    Shown(const Shown&) = delete;
+    Shown& operator=(const Shown&) = delete;
+
+  private:
+    Iop& node_;
+    Op* before_;
+    ImageSource source_{NodeContext{}};
+};
 
 }  // namespace
 
@@ -34,24 +45,18 @@ void set_screen_color(KnobPanel& panel, const std::array<double, 3>& color) {
     knob.changed();
 }
 
-void estimate_screen_color(KnobPanel& panel, const Image& image, const std::string& file,
-                           const std::string& choice, bool quiet) {
-    const ScreenEstimate found = estimate_screen(image, screen_named(choice));
-    const char* const name = screen_name(found.primary);
-    if (!found.found()) {
-        throw Error(file,
-                    text_of("no backing stands out: the likeliest, %s, has confidence %.2f, below %.2f; "
-                            "sample the backing with --pick X,Y,R,T",
-                            name, found.confidence(), found.needed));
+void find_screen_color(Node& node, const Image& image, const std::string& file, const std::string& choice,
+                       bool quiet) {
+    Knob& button = node.panel().get("find_screen");
+    const auto& choices = kScreenChoices;
+    const auto chosen = std::find(choices.begin(), choices.end(), choice.empty() ? choices.front() : choice);
+    button.set_value(static_cast<double>(chosen - choices.begin()));
+    const Shown shown(node.image(), image);
+    const ToolReport found = node.use_tool(button).front();
+    if (!found.failure.empty()) {
+        throw Error(file, found.failure + "; sample the backing with --pick X,Y,R,T");
     }
-    set_screen_color(panel, found.color);
-    if (quiet) return;
-    report(
-        file + ": " +
-        text_of("%s screen, screen_color %.4g,%.4g,%.4g: colours like it fill %.0f%% of the frame, borders "
-                "counting most, another primary's %.0f%% (confidence %.2f)",
-                name, found.color[0], found.color[1], found.color[2], 100.0 * found.share,
-                100.0 * found.rival, found.confidence()));
+    if (!quiet) report(file + ": " + found.notes.front());
 }
 
 }  // namespace veloxa

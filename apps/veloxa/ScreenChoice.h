@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "ImageFile.h"
-#include "ZoImage/KnobPanel.h"
+#include "Node.h"
 
 namespace veloxa {
 
@@ -18,9 +18,10 @@ bool has_screen_color(const Zo::Image::KnobPanel& panel, const std::vector<std::
 
 void set_screen_color(Zo::Image::KnobPanel& panel, const std::array<double, 3>& color);
 
-// Estimates the colour for a choice of the above ("" is auto), sets it, and says on standard error, unless
-// `quiet`, which it is and why. `file` is the image's, for messages. Throws Error when no backing stands out.
-void estimate_screen_color(Zo::Image::KnobPanel& panel, const Image& image, const std::string& file,
-                           const std::string& choice, bool quiet);
+// Has the node look for the screen in the image, for a choice of the above ("" is auto), and says on standard
+// error, unless `quiet`, what it found and why. `file` is the image's, for messages. Throws Error when no
+// backing stands out, Interrupted.
+void find_screen_color(Node& node, const Image& image, const std::string& file, const std::string& choice,
+                       bool quiet);
 
 }  // namespace veloxa

@@ -8,6 +8,7 @@
 #include "Interrupt.h"
 #include "KeySetup.h"
 #include "TuneReport.h"
+#include "ZoImage/KnobValues.h"
 
 namespace veloxa {
 
@@ -23,11 +24,11 @@ int tune(const Options& options) {
     if (!options.output.empty()) AtomicFile::check(options.output, options.setup.overwrite);
     catch_interrupts();
     KeySetup setup(options.setup, &interrupt_flag());
-    const KnobValues before(setup.node().panel());
+    const Zo::Image::KnobValues before(setup.node().panel());
     setup.prepare();
     if (!options.output.empty()) setup.node().save_script(options.output, options.setup.overwrite);
 
-    const TuneReport report{setup.strokes(), KnobValues(setup.node().panel()).since(before)};
+    const TuneReport report{setup.strokes(), before.changes()};
     const std::string text = options.json ? json_of(report) : table_of(report);
     if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0) {
         throw Error("standard output could not be written");

@@ -94,7 +94,8 @@ class Session {
         for (const auto& knob : panel_.knobs()) {
             if (knob->takes_value()) knob->to_script(text, true);
         }
-        return text.str() + node_.diagnostic("tool");
+        for (const ToolReport& r : node_.tool_reports()) text << r.satisfied << ' ' << r.unsatisfied << '\n';
+        return text.str();
     }
 
   private:

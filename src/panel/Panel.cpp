@@ -225,6 +225,22 @@ void PanelBuilder::sample_lists() {
     }
 }
 
+void PanelBuilder::automatic() {
+    const auto note_tool = [this](Tool tool, Knob* knob, Text tooltip) {
+        refs_.tools_[static_cast<std::size_t>(tool)] = knob;
+        SetFlags(closure_, kKnobLooks);
+        Tooltip(closure_, tooltip);
+    };
+    note_tool(Tool::kFindScreen,
+              button(closure_, "find_screen", "Find Screen", &storage_.screen_choice,
+                     {"auto", "green", "blue", "red"}),
+              "Find the backing in the foreground and take its color for the screen color.");
+    note_tool(
+        Tool::kSetUp, button(closure_, "set_up", "Set Up Automatically"),
+        "Set output, overlay, density and clean up from the foreground, and the screen color where none is "
+        "chosen.");
+}
+
 void build_panel(Knob_Closure& closure, KnobStorage& storage, PanelKnobs& refs) {
     PanelBuilder panel(closure, storage, refs);
     panel.main_group();
@@ -238,5 +254,6 @@ void build_panel(Knob_Closure& closure, KnobStorage& storage, PanelKnobs& refs) 
     panel.output_tab();
     panel.toolbar();
     panel.sample_lists();
+    panel.automatic();
     panel.finish();
 }

@@ -20,7 +20,8 @@ enum class SampleAction {
     kRemoveSpill
 };
 
-// The tools of the viewer's toolbar, in panel order; the numbers are what the toolbar's field holds.
+// The tools of the viewer's toolbar, in panel order; the numbers are what the toolbar's field holds. Behind
+// them those that look at the whole foreground.
 enum class Tool {
     kScreen,
     kAddOverlay,
@@ -32,7 +33,9 @@ enum class Tool {
     kMatchColor,
     kMatchShadow,
     kHoldShadow,
-    kRestoreDetail
+    kRestoreDetail,
+    kFindScreen,
+    kSetUp
 };
 
 // The knobs that the node acts on. All null, and every call does nothing, until the panel was made.
@@ -56,6 +59,8 @@ class PanelKnobs {
     std::optional<Tool> tool_of(const Zo::Image::Knob* knob) const;
     // The knobs that hold the settings, in panel order.
     const std::vector<Zo::Image::Knob*>& settings() const { return settings_; }
+    // Those and the lists of samples: all that a tool may change.
+    std::vector<Zo::Image::Knob*> valued() const;
     // The fields of those that are held.
     KnobFields held() const;
     // Those of the settings that are held and write one of these fields.
@@ -80,7 +85,7 @@ class PanelKnobs {
     std::vector<Zo::Image::Knob*> screen_correct_knobs_;  // what the tab's "reset" restores
     std::vector<Zo::Image::Knob*> spill_knobs_;
     std::array<VeloxaSample_Knob*, 6> samples_{};
-    std::array<Zo::Image::Knob*, 11> tools_{};
+    std::array<Zo::Image::Knob*, 13> tools_{};
     Zo::Image::Knob* screen_color_ = nullptr;
     Zo::Image::Knob* overlay_mode_ = nullptr;
     Zo::Image::Knob* shadows_tint_ = nullptr;

@@ -27,6 +27,7 @@ class PanelBuilder {
     void output_tab();
     void toolbar();
     void sample_lists();
+    void automatic();
     void finish();
 
   private:

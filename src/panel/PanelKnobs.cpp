@@ -45,6 +45,13 @@ std::optional<Tool> PanelKnobs::tool_of(const Knob* knob) const {
     return static_cast<Tool>(found - tools_.begin());
 }
 
+std::vector<Knob*> PanelKnobs::valued() const {
+    std::vector<Knob*> knobs = settings_;
+    std::copy_if(samples_.begin(), samples_.end(), std::back_inserter(knobs),
+                 [](const Knob* list) { return list != nullptr; });
+    return knobs;
+}
+
 KnobFields PanelKnobs::held() const {
     KnobFields fields;
     for (std::size_t i = 0; i < settings_.size(); ++i) {

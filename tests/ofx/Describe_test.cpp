@@ -149,7 +149,9 @@ TEST_F(Describe, WhereUsersFindTheControls) {
     Layout once{{"sampling_first_corner", {"Sampling"}},
                 {"sampling_second_corner", {"Sampling"}},
                 {"screen_correct_reset", {"Screen Correct"}},
-                {"spill_reset", {"Spill"}}};
+                {"spill_reset", {"Spill"}},
+                {"find_screen", {"Sampling"}},
+                {"set_up", {"Sampling"}}};
     Layout with_enables = once;  // a page repeats what switches it on
     Reference node({}, {});
     for (const auto& knob : node.panel.knobs()) {

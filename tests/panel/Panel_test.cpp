@@ -47,7 +47,7 @@ TEST(Panel, KnobsInOrder) {
         "overlay_toolbar | 'matte' toolbar_addmatte toolbar_removenoise | 'spill' toolbar_restorespill "
         "toolbar_removespill | 'match' toolbar_matchcolor toolbar_matchshadow | toolbar_holdShadow "
         "toolbar_restoreDetail  us_add_overlay us_add_overlay_cp us_remove_ovelray "
-        "us_remove_ovelray_cp us_restore_spill us_remove_spill ");
+        "us_remove_ovelray_cp us_restore_spill us_remove_spill find_screen set_up ");
 }
 
 TEST(Panel, DefaultsAreThoseOfAFreshNode) {

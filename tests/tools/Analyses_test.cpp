@@ -1,7 +1,6 @@
-// The analyses on many samples at once: what they may turn, what contradictions cost, and time.
+// The analyses on many samples at once: the same answer each time, which holds.
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <random>
 
 #include "panel/KnobCopy.h"
@@ -47,45 +46,16 @@ class Random {
     std::mt19937 engine_{7};
 };
 
-// The fields that analyses turn, for comparison.
-using Fields = std::vector<float>;
-Fields copy_of(const KnobStorage& k) {
-    Fields fields{k.brights,
-                  k.darks,
-                  k.warm,
-                  k.cool,
-                  k.screen_darks_red_smaller,
-                  k.screen_darks_red_larger,
-                  k.screen_brights_red_smaller,
-                  k.screen_brights_red_larger,
-                  k.spill_cool,
-                  k.spill_warm,
-                  k.spill_midtones,
-                  k.spill_brights,
-                  k.spill_darks,
-                  k.spill_strength,
-                  k.cleanup_cleanup,
-                  k.cleanup_recover};
-    for (const auto& color : {k.screen_tolerance, k.spill_ambience, k.spill_backgroundveiling, k.color_darks,
-                              k.color_midtones, k.color_brights}) {
-        fields.insert(fields.end(), color.begin(), color.end());
-    }
-    return fields;
-}
-
 // Runs an analysis and runs it again on what it found: the second time nothing moves. Returns the misses.
 template <class Analyse>
 std::vector<double> settle(const char* name, Node& node, const Analyse& analyse) {
-    const auto begin = std::chrono::steady_clock::now();
     const Tuning tuned = analyse(node.setting());
-    const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - begin;
-    testing::Test::RecordProperty(name, std::to_string(taken.count()) + " ms");
     const Tuning once_more = analyse(node.setting());
-    EXPECT_EQ(copy_of(once_more.knobs), copy_of(tuned.knobs)) << name << ": not the same twice";
+    EXPECT_TRUE(once_more.knobs == tuned.knobs) << name << ": not the same twice";
     node.knobs = tuned.knobs;
     copy_knobs(node.knobs, 0, node.controls);
     const Tuning again = analyse(node.setting());
-    EXPECT_EQ(copy_of(again.knobs), copy_of(tuned.knobs)) << name;
+    EXPECT_TRUE(again.knobs == tuned.knobs) << name << ": moved once more";
     return tuned.misses;
 }
 
@@ -153,14 +123,12 @@ TEST(Analyses, AHundredSamples) {
 }
 
 TEST(Analyses, NothingAskedNothingTurned) {
-    Node node;
-    const Fields before = copy_of(node.knobs);
+    const Node node;
     const Setting s = node.setting();
-    EXPECT_EQ(copy_of(analyse_overlay(s, {}).knobs), before);
-    EXPECT_EQ(copy_of(analyse_add_matte(s, {}, {}, {}).knobs), before);
-    EXPECT_EQ(copy_of(analyse_matte_samples(s, false, {}).knobs), before);
-    EXPECT_EQ(copy_of(analyse_spill(s, {}).knobs), before);
-    EXPECT_EQ(copy_of(match_colors(s, {}, {}).tuning.knobs), before);
+    const Tuning tunings[] = {analyse_overlay(s, {}), analyse_add_matte(s, {}, {}, {}),
+                              analyse_matte_samples(s, false, {}), analyse_spill(s, {}),
+                              match_colors(s, {}, {}).tuning};
+    for (const Tuning& t : tunings) EXPECT_TRUE(t.knobs == node.knobs) << &t - tunings;
 }
 
 }  // namespace

@@ -1,15 +1,13 @@
 // The toolbar's tools on a small picture of patches: after a stroke the stage it is about says, in the
 // picture, what the user asked; once more changes nothing; other tabs stay as they were.
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
+#include <atomic>
 #include <limits>
-#include <set>
-#include <sstream>
+#include <stdexcept>
 
-#include "ZoImage/KnobPanel.h"
 #include "ZoImage/Script.h"
-#include "keyer/VeloxaKeyer.h"
-#include "support/TestImages.h"
+#include "tools/ToolRig.h"
 
 using namespace Zo::Image;
 
@@ -48,32 +46,21 @@ float plate(const std::vector<Patch>& patches, Channel c, int x, int y) {
     return color[static_cast<std::size_t>(c) - 1] + 0.002f * static_cast<float>(grain);
 }
 
-std::string text_of(const Knob& knob) {
-    std::ostringstream text;
-    knob.to_script(text, true);
-    return text.str();
-}
-
-class Rig {
+class Rig : public test::ToolRig {
   public:
-    Rig()
-        : fg(kFrame, kMaskRgb, [this](Channel c, int x, int y) { return plate(patches, c, x, y); }),
-          bg(kFrame, kMaskRgb, [](Channel c, int, int) { return 0.1f * static_cast<float>(c) + 0.1f; }),
-          node(NodeContext{}),
-          panel(node) {
+    Rig() : Rig(NodeContext{}) {}
+    explicit Rig(const NodeContext& context)
+        : ToolRig(context),
+          fg(kFrame, kMaskRgb, [this](Channel c, int x, int y) { return plate(patches, c, x, y); }),
+          bg(kFrame, kMaskRgb, [](Channel c, int, int) { return 0.1f * static_cast<float>(c) + 0.1f; }) {
         node.set_input(0, &fg);
         node.set_input(2, &bg);
         set("screen_color", "0.15,0.6,0.2");
     }
 
-    void set(const char* knob, const char* text) { panel.set_from_text(knob, text); }
-
-    // A stroke inside the box, so that shrinking at its borders does not matter.
+    // Inside the box, so that shrinking at its borders does not matter.
     void stroke(const char* tool, const Box& box) {
-        Knob& button = panel.get(tool);
-        const double values[] = {box.x + 3.2, box.y + 3.9, box.r - 3.4, box.t - 3.8};
-        for (int i = 0; i < 4; ++i) button.set_value(values[i], 4 + i);
-        button.changed();
+        use(tool, {box.x + 3.2, box.y + 3.9, box.r - 3.4, box.t - 3.8});
     }
     static Box under(const Box& box) { return {box.x + 3, box.y + 3, box.r - 3, box.t - 3}; }
 
@@ -88,30 +75,8 @@ class Rig {
         return {*low, *high};
     }
 
-    // Knobs that differ from their defaults, without the sample lists.
-    std::set<std::string> turned() const {
-        std::set<std::string> names;
-        for (const auto& knob : panel.knobs()) {
-            if (knob->kind() == Knob::Kind::kCustom || knob->kind() == Knob::Kind::kLink) continue;
-            if (knob->takes_value() && knob->differs_from_default()) {
-                names.insert(knob->name());
-            }
-        }
-        return names;
-    }
-    std::string values() const {
-        std::string text;
-        for (const auto& knob : panel.knobs()) {
-            if (knob->kind() != Knob::Kind::kCustom && knob->takes_value()) text += text_of(*knob) + '\n';
-        }
-        return text;
-    }
-    std::string report() const { return node.diagnostic("tool"); }
-
     std::vector<Patch> patches = kPatches;
     test::FunctionSource fg, bg;
-    VeloxaKeyer node;
-    KnobPanel panel;
 };
 
 using Values = std::pair<float, float>;
@@ -172,8 +137,8 @@ TEST(Tools, WhatWasAskedIsInThePicture) {
         EXPECT_GE(before.first, c.before.first);
         EXPECT_LE(before.second, c.before.second);
         rig.stroke(c.tool, *c.box);
-        EXPECT_EQ(rig.span(c.stage, kAlpha, *c.box), c.after) << rig.report();
-        EXPECT_NE(rig.report().find("\t0\t0\n"), std::string::npos) << rig.report();
+        EXPECT_EQ(rig.span(c.stage, kAlpha, *c.box), c.after) << rig.told();
+        EXPECT_TRUE(rig.satisfied()) << rig.told();
 
         std::set<std::string> may_turn = c.may_turn;
         may_turn.insert("screen_color");
@@ -183,7 +148,7 @@ TEST(Tools, WhatWasAskedIsInThePicture) {
 
         const std::string values = rig.values();
         rig.stroke(c.tool, *c.box);
-        EXPECT_EQ(rig.values(), values) << rig.report();
+        EXPECT_EQ(rig.values(), values) << rig.told();
     }
 }
 
@@ -219,11 +184,11 @@ TEST(Tools, HeldKnobsStay) {
         const std::string script = write_script(rig.panel);
         rig.stroke(c.tool, *c.box);
         EXPECT_EQ(write_script(rig.panel), script);
-        EXPECT_NE(rig.report().find("note\t"), std::string::npos) << rig.report();
-        EXPECT_NE(rig.report().find(std::string("held\t") + c.hold.front()), std::string::npos);
+        EXPECT_FALSE(rig.report().notes.empty()) << rig.told();
+        EXPECT_THAT(rig.report().held, testing::Contains(c.hold.front()));
         for (const char* name : c.hold_too) rig.panel.get(name).set_flag(kKnobHeld, false);
         rig.stroke(c.tool, *c.box);
-        EXPECT_EQ(rig.span(c.stage, kAlpha, *c.box), c.after) << rig.report();
+        EXPECT_EQ(rig.span(c.stage, kAlpha, *c.box), c.after) << rig.told();
         for (const char* name : c.hold) EXPECT_FALSE(rig.panel.get(name).differs_from_default()) << name;
     }
     for (const auto& [tool, knob] : {std::pair{"toolbar_screen", "screen_color"},
@@ -238,7 +203,7 @@ TEST(Tools, HeldKnobsStay) {
         const std::string script = write_script(rig.panel);
         rig.stroke(tool, kLeaf);
         EXPECT_EQ(write_script(rig.panel), script) << tool;
-        EXPECT_NE(rig.report().find("note\t"), std::string::npos) << rig.report();
+        EXPECT_FALSE(rig.report().notes.empty()) << rig.told();
     }
 }
 
@@ -259,7 +224,7 @@ TEST(Tools, HeldListsComeFirst) {
     const std::string before = lists();
     other.stroke("toolbar_removeoverlay", kShade);
     EXPECT_EQ(lists(), before);
-    EXPECT_EQ(other.span("clearRegion", kAlpha, kShade).second, 255.0f) << other.report();
+    EXPECT_EQ(other.span("clearRegion", kAlpha, kShade).second, 255.0f) << other.told();
 }
 
 // The primary that leaves spill suppression under the box, less what enters it.
@@ -290,11 +255,9 @@ TEST(Tools, SpillComesBackAndGoes) {
     };
     EXPECT_GT(excess(), 5.0f);
     rig.stroke("toolbar_removespill", kGrey);
-    EXPECT_LE(excess(), 2.0f) << rig.report();  // 1 at the mean, 1 for the grain
+    EXPECT_LE(excess(), 2.0f) << rig.told();  // 1 at the mean, 1 for the grain
 
-    for (const auto& knob : rig.panel.knobs()) {
-        if (knob->name() == "reset" && knob->tab() == "Spill") rig.panel.press(*knob);
-    }
+    rig.reset("Spill");
     EXPECT_EQ(rig.turned(), (std::set<std::string>{"brights", "screen_color"}));
     EXPECT_FALSE(rig.panel.get("us_restore_spill").differs_from_default());
     EXPECT_FALSE(rig.panel.get("us_remove_spill").differs_from_default());
@@ -309,8 +272,8 @@ TEST(Tools, HeldShadowStaysWhereNoiseGoes) {
         rig.stroke(tool, kShade);
         EXPECT_EQ(rig.span("cleanup", kAlpha, kShade), keyed);
         rig.stroke("toolbar_removenoise", kNoise);
-        EXPECT_EQ(rig.span("cleanup", kAlpha, kNoise), kFull) << rig.report();
-        EXPECT_EQ(rig.span("cleanup", kAlpha, kShade), keyed) << rig.report();
+        EXPECT_EQ(rig.span("cleanup", kAlpha, kNoise), kFull) << rig.told();
+        EXPECT_EQ(rig.span("cleanup", kAlpha, kShade), keyed) << rig.told();
         EXPECT_EQ(rig.turned(),
                   (std::set<std::string>{"screen_color", "cleanup", "cleanup_cleanup", "cleanup_recover"}));
     }
@@ -323,7 +286,7 @@ TEST(Tools, ColoursMatchTheBackground) {
     for (const Channel c : {kRed, kGreen, kBlue}) {
         const float wanted = 255.0f * (0.1f * static_cast<float>(c) + 0.1f);  // below the knee
         const auto [low, high] = rig.span("colorCorrection", c, kWarm);
-        EXPECT_NEAR(0.5f * (low + high), wanted, 10.0f) << rig.report();
+        EXPECT_NEAR(0.5f * (low + high), wanted, 10.0f) << rig.told();
     }
     const ControlTriple bg = rig.node.controls().get(controls::kBgSample);
     EXPECT_EQ(bg, (ControlTriple{51, 102, 76}));  // red, blue, green
@@ -357,8 +320,8 @@ TEST(Tools, BackingKeepsItsMatteWithoutScreenCorrection) {
     for (const Box* box : {&kGrey, &kLeaf, &kShade, &kNoise, &kBacking}) {
         rig.stroke("toolbar_addmatte", *box);
         const Values after = rig.span("outputMatte", kAlpha, kBacking);
-        EXPECT_NEAR(after.first, before.first, 1.0f) << rig.report();
-        EXPECT_NEAR(after.second, before.second, 1.0f) << rig.report();
+        EXPECT_NEAR(after.first, before.first, 1.0f) << rig.told();
+        EXPECT_NEAR(after.second, before.second, 1.0f) << rig.told();
     }
 }
 
@@ -369,7 +332,7 @@ TEST(Tools, BlackClothBecomesSolid) {
     rig.patches.push_back({cloth, {0.02f, 0.08f, 0.04f}});
     EXPECT_GT(rig.span("outputMatte", kAlpha, cloth).first, 20.0f);
     rig.stroke("toolbar_addmatte", cloth);
-    EXPECT_EQ(rig.span("outputMatte", kAlpha, cloth), kNone) << rig.report();
+    EXPECT_EQ(rig.span("outputMatte", kAlpha, cloth), kNone) << rig.told();
     EXPECT_EQ(rig.turned(), (std::set<std::string>{"darks", "screen_color"}));
 }
 
@@ -381,13 +344,9 @@ TEST(Tools, AStrokeWithinWhatIsWrongIsTransparentToItsMargin) {
     rig.patches.push_back({veil, {0.28f, 0.5f, 0.3f}});
     rig.patches.push_back({part, {0.26f, 0.52f, 0.28f}});
     EXPECT_GT(rig.span("", kAlpha, part).first, 0.0f);
-    Knob& button = rig.panel.get("toolbar_addoverlay");
-    for (int i = 0; i < 4; ++i) button.set_value(i % 2 == 0 ? (i < 2 ? 28 : 36) : (i < 2 ? 26 : 34), 4 + i);
-    button.changed();
-    rig.node.invalidate();
-    rig.node.validate(true);
+    rig.use("toolbar_addoverlay", {28, 26, 36, 34});
     const test::Picture picture = test::render(rig.node, part);
-    for (const float alpha : picture.planes[kAlpha]) EXPECT_EQ(alpha, 0.0f) << rig.report();
+    for (const float alpha : picture.planes[kAlpha]) EXPECT_EQ(alpha, 0.0f) << rig.told();
 }
 
 // Three pixels a stroke, of which the inner one is no extreme in any direction.
@@ -427,16 +386,14 @@ TEST(Tools, ContradictionsGoToTheNewerStroke) {
     rig.stroke("toolbar_addoverlay", kShade);
     rig.stroke("toolbar_removeoverlay", kShade);
     EXPECT_EQ(rig.span("clearRegion", kAlpha, kShade), kNone);
-    EXPECT_EQ(rig.report().find("\t0\t0\n"), std::string::npos) << rig.report();
+    EXPECT_FALSE(rig.satisfied()) << rig.told();
     const std::string values = rig.values();
     rig.stroke("toolbar_removeoverlay", kShade);
     EXPECT_EQ(rig.values(), values);
     rig.stroke("toolbar_addoverlay", kShade);
     EXPECT_EQ(rig.span("clearRegion", kAlpha, kShade), kFull);
 
-    for (const auto& knob : rig.panel.knobs()) {
-        if (knob->name() == "reset" && knob->tab() == "Screen Correct") rig.panel.press(*knob);
-    }
+    rig.reset("Screen Correct");
     EXPECT_EQ(rig.turned(), std::set<std::string>{"screen_color"});
     for (const char* list :
          {"us_add_overlay", "us_add_overlay_cp", "us_remove_ovelray", "us_remove_ovelray_cp"}) {
@@ -456,7 +413,7 @@ TEST(Tools, AnUndoneStrokeAsksForNothingAnyMore) {
     while (samples() == two || rig.values() != before) ASSERT_TRUE(rig.panel.undo());
     for (Rig* const r : {&rig, &other}) r->stroke("toolbar_removeoverlay", kShade);
     EXPECT_EQ(rig.values(), other.values());
-    EXPECT_NE(rig.report().find("\t0\t0\n"), std::string::npos) << rig.report();
+    EXPECT_TRUE(rig.satisfied()) << rig.told();
 }
 
 TEST(Tools, ASavedScriptNeedsNoFurtherTuning) {
@@ -482,9 +439,89 @@ TEST(Tools, SurviveWhatIsNoColour) {
         rig.stroke(tool, {9, 9, 5, 5});
         rig.stroke(tool, {-2000000000, 0, 2000000000, 2000000000});
         EXPECT_EQ(rig.values(), values) << tool;
-        EXPECT_EQ(rig.report().find("samples"), std::string::npos) << rig.report();
-        for (const Box* box : {&kBroken, &kHuge, &kBacking}) rig.stroke(tool, *box);
-        EXPECT_NE(rig.report().find("samples"), std::string::npos) << rig.report();
+        EXPECT_EQ(rig.report().samples(), 0) << rig.told();
+        for (const Box* box : {&kHuge, &kBacking, &kBroken}) rig.stroke(tool, *box);
+        EXPECT_GT(rig.report().samples(), 0) << tool << rig.told();
+    }
+}
+
+TEST(Tools, FindTheScreen) {
+    Rig rig;
+    for (const char* wanted : {"auto", "green", "blue", "red"}) {
+        SCOPED_TRACE(wanted);
+        Knob& button = rig.panel.get("find_screen");
+        const auto choice = std::find(button.items().begin(), button.items().end(), wanted);
+        ASSERT_TRUE(button.set_value(static_cast<double>(choice - button.items().begin())));
+        rig.set("screen_color", "0.5,0.5,0.5");
+        rig.use("find_screen");
+        const bool there = choice - button.items().begin() < 2;
+        EXPECT_EQ(rig.report().failure.empty(), there) << rig.told();
+        EXPECT_EQ(rig.report().changes.size(), there ? 1U : 0U);
+        EXPECT_NEAR(rig.panel.get("screen_color").get_value(1), there ? 0.6 : 0.5, 0.005) << rig.told();
+        EXPECT_EQ(rig.report().box, kFrame);
+    }
+    rig.panel.get("screen_color").set_flag(kKnobHeld, true);
+    const std::string values = rig.values();
+    rig.use("find_screen");
+    EXPECT_EQ(rig.values(), values);
+}
+
+// At some row of the foreground a render throws, or the user gives the tool up.
+TEST(Tools, LeaveNothingHalfDone) {
+    const struct {
+        const char* tool;
+        const Box* box;
+        const char* knob;  // that it tries values of, or begins with
+        const char* value;
+    } cases[] = {{"toolbar_restorespill", &kLeaf, "spill_backgroundveiling", "0.1,0.2,0.3"},
+                 {"toolbar_addoverlay", &kShade, "screen_shrink", "3,3"},
+                 {"set_up", &kBacking, "screen_color", "0,0,0"}};
+    constexpr int kNever = std::numeric_limits<int>::max();
+    for (const auto& c : cases) {
+        const auto prepare = [&](Rig& rig) {
+            rig.stroke("toolbar_addoverlay", kNoise);
+            rig.set(c.knob, c.value);
+        };
+        std::atomic<int> pixels{0};
+        const auto count = [&](Channel channel, int x, int y) {
+            ++pixels;
+            return plate(kPatches, channel, x, y);
+        };
+        Rig whole;
+        prepare(whole);
+        whole.fg.set_pixel(count);
+        whole.stroke(c.tool, *c.box);
+        const int all = pixels;
+        for (const bool thrown : {true, false}) {
+            AbortFlag abort;
+            int last = kNever;
+            Rig rig(NodeContext{"", nullptr, &abort});
+            prepare(rig);
+            rig.fg.set_pixel([&](Channel channel, int x, int y) {
+                if (pixels > last && thrown) throw std::runtime_error("no picture");
+                if (pixels > last) abort.raise();
+                return count(channel, x, y);
+            });
+            const std::string before = rig.values(true);
+            for (const double part : {0.1, 0.5, 0.9}) {
+                SCOPED_TRACE(c.tool + std::string(thrown ? " throws at " : " stops at ") +
+                             std::to_string(part));
+                pixels = 0;
+                last = static_cast<int>(part * all);
+                if (thrown) {
+                    EXPECT_THROW(rig.stroke(c.tool, *c.box), std::runtime_error);
+                } else {
+                    rig.stroke(c.tool, *c.box);
+                    EXPECT_TRUE(rig.reports.empty() && abort.raised());
+                }
+                EXPECT_EQ(rig.values(true), before);
+                abort.clear();
+            }
+            last = kNever;
+            rig.stroke(c.tool, *c.box);
+            EXPECT_EQ(rig.values(true), whole.values(true)) << c.tool << ": something was remembered";
+            EXPECT_NE(rig.values(true), before) << c.tool;
+        }
     }
 }
 

@@ -1,63 +1,58 @@
 // The automatic set-up on procedural plates, against the defaults and what is known to be true.
-#include "AutoSetup.h"
-
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cmath>
-#include <fstream>
 #include <functional>
 #include <limits>
-#include <set>
-#include <string>
 
-#include "NodeInputs.h"
+#include "ImageSource.h"
 #include "PlateSet.h"
-#include "ZoImage/Iop.h"
-#include "support/TestImages.h"
+#include "ZoImage/Script.h"
+#include "tools/ToolRig.h"
 
-using namespace veloxa;
 using namespace Zo::Image;
 
 namespace {
+
+using veloxa::Image;
 
 constexpr int kWidth = 480;
 constexpr int kHeight = 270;
 // Left of the figure nothing but backing, but for the stand that the garbage matte is for.
 constexpr Box kLeft{40, 120, 110, 260};
 
-// A node that keys a plate whose foreground was changed by `change`.
-struct Rig {
+// Keys a plate whose foreground was changed by `change`.
+struct Rig : test::ToolRig {
     explicit Rig(plate::Screen screen, std::uint64_t seed, const std::function<void(Image&)>& change = {})
-        : set(plate::render_set({kWidth, kHeight, seed, screen}, 0, 2)) {
-        auto fg = std::make_shared<Image>(set[plate::kForeground]);
-        if (change) change(*fg);
-        FrameLoader::Names names;
-        names[kFg] = FramePattern("fg");
-        inputs.connect(node.image(), names);
-        FrameInputs images;
-        images[kFg] = {fg, Hash{}};
-        inputs.set(images);
-        node.panel().set_from_text("screen_color",
-                                   screen == plate::Screen::kBlue ? "0.09,0.22,0.6" : "0.14,0.6,0.24");
+        : set_of_plates(plate::render_set({kWidth, kHeight, seed, screen}, 0, 2)) {
+        auto picture = std::make_shared<Image>(set_of_plates[plate::kForeground]);
+        if (change) change(*picture);
+        fg.set(picture, Hash{});
+        node.set_input(0, &fg);
+        set("screen_color", screen == plate::Screen::kBlue ? "0.09,0.22,0.6" : "0.14,0.6,0.24");
     }
     // The mean difference of the alpha from the true one.
     double error() {
-        const test::Picture picture = test::render(node.image(), 2);
+        const test::Picture picture = test::render(node, 2);
         double sum = 0.0;
         for (int y = 0; y < kHeight; ++y) {
             for (int x = 0; x < kWidth; ++x) {
-                const float truth = set[plate::kAlphaTrue].line(kAlpha, y)[x];
+                const float truth = set_of_plates[plate::kAlphaTrue].line(kAlpha, y)[x];
                 sum += std::fabs(static_cast<double>(picture.at(kAlpha, x, y) - truth));
             }
         }
         return sum / (kWidth * kHeight);
     }
-    std::vector<ToolReport> set_up() { return AutoSetup(node, 2, nullptr).run(); }
+    // What a front end does with a script: its knobs are held while the node sets itself up.
+    void apply(const std::string& script) {
+        const ScriptGroup group = read_script("Veloxa {\n" + script + "\n}", "script").at(0);
+        apply_script(panel, group, "script");
+        for (const ScriptEntry& entry : group.entries)
+            panel.get(entry.name).target().set_flag(kKnobScripted | kKnobHeld, true);
+    }
 
-    plate::Set set;
-    NodeInputs inputs;
-    Node node;
+    plate::Set set_of_plates;
+    veloxa::ImageSource fg{NodeContext{}};
 };
 
 TEST(AutoSetup, ComesNearerToTheTruthThanTheDefaults) {
@@ -65,7 +60,7 @@ TEST(AutoSetup, ComesNearerToTheTruthThanTheDefaults) {
         for (const std::uint64_t seed : {1, 5, 9}) {
             Rig rig(screen, seed);
             const double before = rig.error();
-            rig.set_up();
+            rig.use("set_up");
             EXPECT_LT(rig.error(), before)
                 << "seed " << seed << (screen == plate::Screen::kBlue ? " blue" : "");
         }
@@ -85,7 +80,7 @@ TEST(AutoSetup, CoversPaleBacking) {
     for (const char* const overlay : {"off", "subject"}) {  // there the overlay tools change places
         Rig rig(plate::Screen::kGreen, 1, make_pale);
         const auto opaque = [&] {
-            const test::Picture picture = test::render(rig.node.image(), 2);
+            const test::Picture picture = test::render(rig.node, 2);
             int count = 0;
             for (int y = kLeft.y + 8; y < kLeft.t - 8; ++y) {
                 for (int x = kLeft.x + 8; x < kLeft.r - 8; ++x) {
@@ -94,10 +89,10 @@ TEST(AutoSetup, CoversPaleBacking) {
             }
             return count;
         };
-        rig.node.panel().set_from_text("overlay_mode", overlay);
-        rig.node.panel().set_from_text("matte_scale", "linear");
+        rig.set("overlay_mode", overlay);
+        rig.set("matte_scale", "linear");
         ASSERT_GT(opaque(), 2000) << "the patch was meant to be left out by the default region";
-        rig.set_up();
+        rig.use("set_up");
         EXPECT_EQ(opaque(), 0) << overlay;
     }
 }
@@ -135,52 +130,45 @@ TEST(AutoSetup, WorksAroundWhatIsSet) {
          {"brights"}},
         {{"us_add_overlay {" + list + "}"}, {}, {"us_add_overlay=" + list + " "}, {"screen_tolerance"}},
     };
-    const std::string path = testing::TempDir() + std::to_string(::getpid()) + "_named.vlx";
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.stay));
         Rig rig(plate::Screen::kGreen, 1, make_pale);
-        KnobPanel& panel = rig.node.panel();
-        {
-            std::ofstream script(path);
-            script << "Veloxa {\n";
-            for (const std::string& line : c.script) script << line << '\n';
-            script << "}\n";
+        std::string script;
+        for (const std::string& line : c.script) script += line + '\n';
+        if (!script.empty()) rig.apply(script);
+        for (const std::string& setting : c.sets) {
+            const std::size_t equals = setting.find('=');
+            rig.set(setting.substr(0, equals), setting.substr(equals + 1));
+            rig.panel.get(setting.substr(0, equals)).target().set_flag(kKnobHeld, true);
         }
-        rig.node.apply({path, c.sets});
-        const KnobValues before(panel);
-        std::string notes;
-        for (const ToolReport& report : rig.set_up()) {
-            for (const std::string& note : report.notes) notes += '\n' + note;
-        }
+        const KnobValues before(rig.panel);
+        rig.use("set_up");
+        const std::string told = rig.told();
         for (const std::string& stays : c.stay) {
             const std::string name = stays.substr(0, stays.find('='));
-            EXPECT_EQ(name + '=' + text_of(panel.get(name)), stays);
-            EXPECT_NE(notes.find('\n' + name + " stays"), std::string::npos) << name << " in" << notes;
+            EXPECT_EQ(name + '=' + rig.text(name.c_str()), stays);
+            EXPECT_NE(told.find('\n' + name + " stays"), std::string::npos) << name << " in" << told;
         }
         std::set<std::string> moved;
-        for (const KnobChange& change : KnobValues(panel).since(before)) moved.insert(change.knob);
+        for (const KnobChange& change : before.changes()) moved.insert(change.knob);
         for (const std::string& name : c.moved)
             EXPECT_EQ(moved.count(name), 1U) << name << " in " << testing::PrintToString(moved);
         for (const std::string& name : c.kept) EXPECT_EQ(moved.count(name), 0U) << name;
-        for (const auto& knob : panel.knobs()) EXPECT_FALSE(knob->flag(kKnobHeld)) << knob->name();
     }
 }
 
 // A script has the knobs that strokes found and the means of some, not their pixels.
 TEST(AutoSetup, UndoesNoStrokeOfAScript) {
-    const std::string path = testing::TempDir() + std::to_string(::getpid()) + "_strokes.vlx";
     const Box cleared{15, 230, 45, 260};
     Rig made(plate::Screen::kBlue, 1);
-    for (const auto& [tool, box] :
-         {std::pair{"removeoverlay", Box{420, 187, 450, 217}}, {"addoverlay", cleared}}) {
-        apply_stroke(made.node, {&tool_named(made.node.panel(), tool), box, {}});
-    }
-    made.node.save_script(path, true);
+    made.use("toolbar_removeoverlay", {420, 187, 450, 217});
+    made.use("toolbar_addoverlay", {15, 230, 45, 260});
+    const std::string script = write_script(made.panel);
     Rig rig(plate::Screen::kBlue, 1);
-    rig.node.apply({path, {}});
-    const test::Picture before = test::render(rig.node.image(), 2);
-    rig.set_up();
-    const test::Picture after = test::render(rig.node.image(), 2);
+    rig.apply(script.substr(script.find('\n'), script.rfind('}') - script.find('\n')));
+    const test::Picture before = test::render(rig.node, 2);
+    rig.use("set_up");
+    const test::Picture after = test::render(rig.node, 2);
     int undone = 0;
     for (int y = cleared.y; y < cleared.t; ++y) {
         for (int x = cleared.x; x < cleared.r; ++x) {
@@ -188,6 +176,27 @@ TEST(AutoSetup, UndoesNoStrokeOfAScript) {
         }
     }
     EXPECT_EQ(undone, 0);
+}
+
+TEST(AutoSetup, FindsTheScreenWhereNoneIsChosen) {
+    Rig rig(plate::Screen::kBlue, 1);
+    Knob& color = rig.panel.get("screen_color");
+    rig.set("screen_color", "0,0,0");
+    color.set_flag(kKnobHeld, true);  // meant so
+    rig.use("set_up");
+    EXPECT_EQ(rig.text("screen_color"), "0 0 0");
+    EXPECT_EQ(rig.told().find("find_screen"), std::string::npos);
+    color.set_flag(kKnobHeld, false);
+    rig.use("set_up");
+    EXPECT_NEAR(color.get_value(2), 0.6, 0.1) << rig.told();
+    EXPECT_GT(rig.turned().size(), 2U);
+    Rig grey(plate::Screen::kBlue, 1, [](Image& fg) {
+        for (const Channel c : kMaskRgb) std::fill_n(fg.line(c, 0), kWidth * kHeight, 0.4f);
+    });
+    grey.set("screen_color", "0,0,0");
+    grey.use("set_up");
+    EXPECT_NE(grey.report().failure, "");
+    EXPECT_EQ(grey.turned(), std::set<std::string>());
 }
 
 TEST(AutoSetup, SurvivesPlatesWithNothingToGoBy) {
@@ -206,9 +215,9 @@ TEST(AutoSetup, SurvivesPlatesWithNothingToGoBy) {
     };
     for (const auto& change : changes) {
         Rig rig(plate::Screen::kGreen, 1, change);
-        rig.set_up();
-        EXPECT_GE(rig.node.panel().get("brights").get_value(), 50.0);
-        EXPECT_EQ(rig.node.panel().get("matte_scale").get_value(), 1.0);
+        rig.use("set_up");
+        EXPECT_GE(rig.panel.get("brights").get_value(), 50.0);
+        EXPECT_EQ(rig.panel.get("matte_scale").get_value(), 1.0);
     }
 }
 
