@@ -1,5 +1,5 @@
 // The automatic set-up on procedural plates, against the defaults and what is known to be true.
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <cmath>
 #include <functional>
@@ -139,7 +139,7 @@ TEST(AutoSetup, WorksAroundWhatIsSet) {
         for (const std::string& setting : c.sets) {
             const std::size_t equals = setting.find('=');
             rig.set(setting.substr(0, equals), setting.substr(equals + 1));
-            rig.panel.get(setting.substr(0, equals)).target().set_flag(kKnobHeld, true);
+            rig.hold(setting.substr(0, equals));
         }
         const KnobValues before(rig.panel);
         rig.use("set_up");
@@ -149,11 +149,10 @@ TEST(AutoSetup, WorksAroundWhatIsSet) {
             EXPECT_EQ(name + '=' + rig.text(name.c_str()), stays);
             EXPECT_NE(told.find('\n' + name + " stays"), std::string::npos) << name << " in" << told;
         }
-        std::set<std::string> moved;
-        for (const KnobChange& change : before.changes()) moved.insert(change.knob);
-        for (const std::string& name : c.moved)
-            EXPECT_EQ(moved.count(name), 1U) << name << " in " << testing::PrintToString(moved);
-        for (const std::string& name : c.kept) EXPECT_EQ(moved.count(name), 0U) << name;
+        std::vector<std::string> moved;
+        for (const KnobChange& change : before.changes()) moved.push_back(change.knob);
+        EXPECT_THAT(moved, testing::IsSupersetOf(c.moved));
+        for (const std::string& name : c.kept) EXPECT_THAT(moved, testing::Not(testing::Contains(name)));
     }
 }
 
@@ -161,8 +160,8 @@ TEST(AutoSetup, WorksAroundWhatIsSet) {
 TEST(AutoSetup, UndoesNoStrokeOfAScript) {
     const Box cleared{15, 230, 45, 260};
     Rig made(plate::Screen::kBlue, 1);
-    made.use("toolbar_removeoverlay", {420, 187, 450, 217});
-    made.use("toolbar_addoverlay", {15, 230, 45, 260});
+    made.use("removeoverlay", {420, 187, 450, 217});
+    made.use("addoverlay", {15, 230, 45, 260});
     const std::string script = write_script(made.panel);
     Rig rig(plate::Screen::kBlue, 1);
     rig.apply(script.substr(script.find('\n'), script.rfind('}') - script.find('\n')));
@@ -182,21 +181,21 @@ TEST(AutoSetup, FindsTheScreenWhereNoneIsChosen) {
     Rig rig(plate::Screen::kBlue, 1);
     Knob& color = rig.panel.get("screen_color");
     rig.set("screen_color", "0,0,0");
-    color.set_flag(kKnobHeld, true);  // meant so
+    rig.hold("screen_color");  // meant so
     rig.use("set_up");
     EXPECT_EQ(rig.text("screen_color"), "0 0 0");
     EXPECT_EQ(rig.told().find("find_screen"), std::string::npos);
-    color.set_flag(kKnobHeld, false);
+    rig.hold("screen_color", false);
     rig.use("set_up");
     EXPECT_NEAR(color.get_value(2), 0.6, 0.1) << rig.told();
-    EXPECT_GT(rig.turned().size(), 2U);
+    EXPECT_THAT(test::words(rig.turned()), testing::Contains("merge"));
     Rig grey(plate::Screen::kBlue, 1, [](Image& fg) {
         for (const Channel c : kMaskRgb) std::fill_n(fg.line(c, 0), kWidth * kHeight, 0.4f);
     });
     grey.set("screen_color", "0,0,0");
     grey.use("set_up");
     EXPECT_NE(grey.report().failure, "");
-    EXPECT_EQ(grey.turned(), std::set<std::string>());
+    EXPECT_EQ(grey.turned(), "");
 }
 
 TEST(AutoSetup, SurvivesPlatesWithNothingToGoBy) {

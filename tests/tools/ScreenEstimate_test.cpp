@@ -11,6 +11,7 @@
 
 #include "ImageSource.h"
 #include "PlateSet.h"
+#include "support/TestImages.h"
 
 using namespace Zo::Image;
 
@@ -26,28 +27,18 @@ const Box kFrame{0, 0, 64, 48};
 using Paint = std::function<Color(int, int)>;
 
 // Has pixels in a box of its own, whatever the frame shows.
-class Painted final : public Iop {
+class Painted final : public test::FunctionSource {
   public:
-    Painted(const Box& box, const Paint& paint) : Iop(NodeContext{}), box_(box), paint_(paint) {}
-    const char* class_name() const override { return "Painted"; }
+    Painted(const Box& box, const Paint& paint)
+        : FunctionSource(box, kMaskRgb, [paint](Channel c, int x, int y) {
+              return static_cast<float>(paint(x, y)[static_cast<std::size_t>(c - kRed)]);
+          }) {}
 
   protected:
-    void _validate(bool /*for_real*/) override {
-        info_.box = box_;
+    void _validate(bool for_real) override {
+        FunctionSource::_validate(for_real);
         info_.format.box = kFrame;
-        info_.channels = kMaskRgb;
     }
-    void engine(int y, int x, int r, const ChannelSet& channels, Row& row) override {
-        for (const Channel c : channels) {
-            float* const out = row.overwrite(c);
-            for (int i = x; i < r; ++i)
-                out[i - x] = static_cast<float>(paint_(i, y)[static_cast<std::size_t>(c - kRed)]);
-        }
-    }
-
-  private:
-    Box box_;
-    Paint paint_;
 };
 
 ScreenEstimate look(Iop& image, std::optional<Channel> primary = {}) {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -14,20 +13,31 @@ namespace test {
 
 using namespace Zo::Image;
 
+// Names with blanks between them.
+inline std::vector<std::string> words(const std::string& text) {
+    std::vector<std::string> list;
+    Knob::Script_List(text, list);
+    return list;
+}
+
 class ToolRig {
   public:
     explicit ToolRig(const NodeContext& context = {}) : node(context), panel(node) {}
 
     void set(const std::string& knob, const std::string& text) { panel.set_from_text(knob, text); }
     std::string text(const char* knob) const { return text_of(panel.get(knob)); }
+    void hold(const std::string& names, bool on = true) {
+        for (const std::string& name : words(names)) panel.get(name).target().set_flag(kKnobHeld, on);
+    }
     void reset(const char* tab) {
         for (const auto& knob : panel.knobs()) {
             if (knob->name() == "reset" && knob->tab() == tab) panel.press(*knob);
         }
     }
 
-    void use(const char* tool, const std::array<double, 4>& box = {}) {
-        Knob& button = panel.get(tool);
+    void use(const std::string& tool, const std::array<double, 4>& box = {}) {
+        Knob* const stroke = panel.find("toolbar_" + tool);
+        Knob& button = stroke != nullptr ? *stroke : panel.get(tool);
         for (int i = 0; i < 4; ++i) button.set_value(box[static_cast<std::size_t>(i)], 4 + i);
         button.changed();
         reports = node.tool_reports();
@@ -39,19 +49,20 @@ class ToolRig {
     std::string told() const {
         std::string text;
         for (const ToolReport& r : reports) {
-            text += '\n' + r.tool + ": " + std::to_string(r.satisfied) + " of " + std::to_string(r.samples()) +
-                    ' ' + r.failure;
+            text += '\n' + r.tool + ": " + std::to_string(r.satisfied) + " of " +
+                    std::to_string(r.samples()) + ' ' + r.failure;
             for (const std::string& note : r.notes) text += '\n' + note;
         }
         return text;
     }
 
-    // Knobs that differ from their defaults, without the sample lists.
-    std::set<std::string> turned() const {
-        std::set<std::string> names;
+    // Knobs that differ from their defaults, in panel order, without the sample lists.
+    std::string turned() const {
+        std::string names;
         for (const auto& knob : panel.knobs()) {
             const bool value = knob->kind() != Knob::Kind::kCustom && knob->kind() != Knob::Kind::kLink;
-            if (value && knob->takes_value() && knob->differs_from_default()) names.insert(knob->name());
+            if (!value || !knob->takes_value() || !knob->differs_from_default()) continue;
+            names += (names.empty() ? "" : " ") + knob->name();
         }
         return names;
     }
