@@ -4,6 +4,7 @@
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <numeric>
 
 #include "ImageSource.h"
 #include "PlateSet.h"
@@ -31,17 +32,12 @@ struct Rig : test::ToolRig {
         node.set_input(0, &fg);
         set("screen_color", screen == plate::Screen::kBlue ? "0.09,0.22,0.6" : "0.14,0.6,0.24");
     }
-    // The mean difference of the alpha from the true one.
+    std::vector<float> alpha() { return test::render(node, 2).planes[kAlpha]; }
+    // The sum of the alpha's differences from the true one.
     double error() {
-        const test::Picture picture = test::render(node, 2);
-        double sum = 0.0;
-        for (int y = 0; y < kHeight; ++y) {
-            for (int x = 0; x < kWidth; ++x) {
-                const float truth = set_of_plates[plate::kAlphaTrue].line(kAlpha, y)[x];
-                sum += std::fabs(static_cast<double>(picture.at(kAlpha, x, y) - truth));
-            }
-        }
-        return sum / (kWidth * kHeight);
+        const std::vector<float> now = alpha();
+        return std::transform_reduce(now.begin(), now.end(), set_of_plates[plate::kAlphaTrue].line(kAlpha, 0),
+                                     0.0, std::plus<>(), [](float a, float b) { return std::fabs(a - b); });
     }
     // What a front end does with a script: its knobs are held while the node sets itself up.
     void apply(const std::string& script) {
@@ -54,6 +50,16 @@ struct Rig : test::ToolRig {
     plate::Set set_of_plates;
     veloxa::ImageSource fg{NodeContext{}};
 };
+
+// How many pixels of the box there are of which `counts` holds, given their place in a plane.
+template <class Counts>
+int count(const Box& box, const Counts& counts) {
+    int sum = 0;
+    for (int y = box.y; y < box.t; ++y) {
+        for (int x = box.x; x < box.r; ++x) sum += counts(static_cast<std::size_t>(y * kWidth + x)) ? 1 : 0;
+    }
+    return sum;
+}
 
 TEST(AutoSetup, ComesNearerToTheTruthThanTheDefaults) {
     for (const plate::Screen screen : {plate::Screen::kGreen, plate::Screen::kBlue}) {
@@ -80,14 +86,9 @@ TEST(AutoSetup, CoversPaleBacking) {
     for (const char* const overlay : {"off", "subject"}) {  // there the overlay tools change places
         Rig rig(plate::Screen::kGreen, 1, make_pale);
         const auto opaque = [&] {
-            const test::Picture picture = test::render(rig.node, 2);
-            int count = 0;
-            for (int y = kLeft.y + 8; y < kLeft.t - 8; ++y) {
-                for (int x = kLeft.x + 8; x < kLeft.r - 8; ++x) {
-                    count += picture.at(kAlpha, x, y) > 0.0f ? 1 : 0;
-                }
-            }
-            return count;
+            const std::vector<float> alpha = rig.alpha();
+            return count({kLeft.x + 8, kLeft.y + 8, kLeft.r - 8, kLeft.t - 8},
+                         [&](std::size_t at) { return alpha[at] > 0.0f; });
         };
         rig.set("overlay_mode", overlay);
         rig.set("matte_scale", "linear");
@@ -99,60 +100,45 @@ TEST(AutoSetup, CoversPaleBacking) {
 
 // On a plate where it turns matte_scale, merge, screen_tolerance, brights, cleanup and cleanup_cleanup.
 TEST(AutoSetup, WorksAroundWhatIsSet) {
-    using Names = std::vector<std::string>;
-    const std::string list = "0.14 0.58 0.25 0";
     const struct {
-        Names script;  // NAME VALUE
-        Names sets;
-        Names stay;       // NAME=VALUE as scripts hold it; noted
-        Names moved;      // all the same
-        Names kept = {};  // as a consequence
+        std::string script, sets;  // NAME VALUE; NAME=VALUE
+        const char* stay;          // noted
+        const char* moved;         // all the same
+        const char* kept = "";     // as a consequence
     } cases[] = {
-        {{}, {"brights=150"}, {"brights=150"}, {"merge", "matte_scale", "cleanup"}},
-        {{}, {"brights=100"}, {"brights=100"}, {"merge", "screen_tolerance"}},
-        {{}, {"merge=multiply"}, {"merge=multiply"}, {"matte_scale", "brights"}},
-        {{"merge multiply", "brights 90"},
-         {"matte_scale=knee"},
-         {"merge=multiply", "brights=90", "matte_scale=knee"},
-         {"cleanup"}},
-        {{"darks 1"}, {}, {"brights=100"}, {"merge"}},
-        {{}, {"cleanup_enable=0"}, {"cleanup=false"}, {"brights"}},
-        {{}, {"cleanup_cleanup=30"}, {"cleanup_cleanup=30"}, {"cleanup"}},
-        {{}, {"cleanup_cleanup=400"}, {"cleanup_cleanup=400"}, {"brights"}, {"cleanup"}},
-        {{},
-         {"screen_tolerance=0.51,0.51,0.52"},
-         {"screen_tolerance=0.51 0.51 0.52"},
-         {"screen_brights_red_larger"}},
-        {{},
-         {"screen_tolerance=0.51,0.51,0.52", "screen_darks_red_larger=0", "screen_darks_red_smaller=0",
-          "screen_brights_red_larger=100", "screen_brights_red_smaller=100"},
-         {"screen_tolerance=0.51 0.51 0.52", "screen_darks_red_larger=0", "screen_brights_red_smaller=100"},
-         {"brights"}},
-        {{"us_add_overlay {" + list + "}"}, {}, {"us_add_overlay=" + list + " "}, {"screen_tolerance"}},
+        {"", "brights=150", "brights", "merge matte_scale cleanup"},
+        {"", "brights=100", "brights", "merge screen_tolerance"},
+        {"", "merge=multiply", "merge", "matte_scale brights"},
+        {"merge multiply\nbrights 90", "matte_scale=knee", "merge brights matte_scale", "cleanup"},
+        {"darks 1", "", "brights", "merge"},
+        {"", "cleanup_enable=0", "cleanup", "brights"},
+        {"", "cleanup_cleanup=30", "cleanup_cleanup", "cleanup"},
+        {"", "cleanup_cleanup=400", "cleanup_cleanup", "brights", "cleanup"},
+        {"", "screen_tolerance=0.51,0.51,0.52", "screen_tolerance", "screen_brights_red_larger"},
+        {"",
+         "screen_tolerance=0.51,0.51,0.52 screen_darks_red_larger=0 screen_darks_red_smaller=0 "
+         "screen_brights_red_larger=100 screen_brights_red_smaller=100",
+         "screen_tolerance screen_darks_red_larger screen_brights_red_smaller", "brights"},
+        {"us_add_overlay {0.14 0.58 0.25 0}", "", "us_add_overlay", "screen_tolerance"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.stay));
+        SCOPED_TRACE(c.script + c.sets);
         Rig rig(plate::Screen::kGreen, 1, make_pale);
-        std::string script;
-        for (const std::string& line : c.script) script += line + '\n';
-        if (!script.empty()) rig.apply(script);
-        for (const std::string& setting : c.sets) {
+        if (!c.script.empty()) rig.apply(c.script);
+        for (const std::string& setting : test::words(c.sets)) {
             const std::size_t equals = setting.find('=');
             rig.set(setting.substr(0, equals), setting.substr(equals + 1));
             rig.hold(setting.substr(0, equals));
         }
         const KnobValues before(rig.panel);
         rig.use("set_up");
-        const std::string told = rig.told();
-        for (const std::string& stays : c.stay) {
-            const std::string name = stays.substr(0, stays.find('='));
-            EXPECT_EQ(name + '=' + rig.text(name.c_str()), stays);
-            EXPECT_NE(told.find('\n' + name + " stays"), std::string::npos) << name << " in" << told;
-        }
         std::vector<std::string> moved;
-        for (const KnobChange& change : before.changes()) moved.push_back(change.knob);
-        EXPECT_THAT(moved, testing::IsSupersetOf(c.moved));
-        for (const std::string& name : c.kept) EXPECT_THAT(moved, testing::Not(testing::Contains(name)));
+        for (const Knob* knob : before.changed()) moved.push_back(knob->name());
+        EXPECT_THAT(moved, testing::IsSupersetOf(test::words(c.moved)));
+        for (const std::string& name : test::words(std::string(c.stay) + ' ' + c.kept))
+            EXPECT_THAT(moved, testing::Not(testing::Contains(name)));
+        for (const std::string& name : test::words(c.stay))
+            EXPECT_THAT(rig.told(), testing::HasSubstr('\n' + name + " stays"));
     }
 }
 
@@ -165,16 +151,10 @@ TEST(AutoSetup, UndoesNoStrokeOfAScript) {
     const std::string script = write_script(made.panel);
     Rig rig(plate::Screen::kBlue, 1);
     rig.apply(script.substr(script.find('\n'), script.rfind('}') - script.find('\n')));
-    const test::Picture before = test::render(rig.node, 2);
+    const std::vector<float> before = rig.alpha();
     rig.use("set_up");
-    const test::Picture after = test::render(rig.node, 2);
-    int undone = 0;
-    for (int y = cleared.y; y < cleared.t; ++y) {
-        for (int x = cleared.x; x < cleared.r; ++x) {
-            undone += before.at(kAlpha, x, y) <= 0.0f && after.at(kAlpha, x, y) > 0.0f ? 1 : 0;
-        }
-    }
-    EXPECT_EQ(undone, 0);
+    const std::vector<float> after = rig.alpha();
+    EXPECT_EQ(count(cleared, [&](std::size_t at) { return before[at] <= 0.0f && after[at] > 0.0f; }), 0);
 }
 
 TEST(AutoSetup, FindsTheScreenWhereNoneIsChosen) {
