@@ -176,20 +176,6 @@ TEST(Tools, HeldKnobsStay) {
     }
 }
 
-// What of a held list is right stays right, though a newer stroke contradicts it.
-TEST(Tools, HeldListsComeFirst) {
-    Rig rig;
-    rig.stroke("addoverlay", kShade);
-    Rig other;
-    apply_script(other.panel, read_script(write_script(rig.panel), "s").at(0), "s");
-    other.hold("us_add_overlay us_remove_ovelray");
-    const auto lists = [&] { return other.text("us_add_overlay") + '/' + other.text("us_remove_ovelray"); };
-    const std::string before = lists();
-    other.stroke("removeoverlay", kShade);
-    EXPECT_EQ(lists(), before);
-    EXPECT_EQ(other.span("clearRegion", kAlpha, kShade).second, 255.0f) << other.told();
-}
-
 // The primary that leaves spill suppression under the box, less what enters it.
 Values primary_gain(Rig& rig, const Box& box) {
     const Values in = rig.span("outputMatte", kGreen, box);
@@ -317,15 +303,15 @@ TEST(Strokes, TakeInWhatTheAnswerLeavesOut) {
     const auto stroke = [&](float from) {
         return std::vector<PlatedSample>{pixel(from), pixel(from + 0.01f), pixel(from + 0.02f)};
     };
-    const auto reds = [](const Strokes<PlatedSample>& strokes) {
+    const auto reds = [](const auto& samples) {
         std::vector<float> list;
-        for (const PlatedSample& s : strokes.samples()) list.push_back(s.fg[0]);
+        for (const PlatedSample& s : samples) list.push_back(s.fg[0]);
         return list;
     };
-    const auto without = [](float red) {
-        return [red](const std::vector<PlatedSample>& pixels) {
+    const auto without = [&](float red) {
+        return [&reds, red](const std::vector<PlatedSample>& pixels) {
             std::vector<bool> right;
-            for (const PlatedSample& p : pixels) right.push_back(p.fg[0] != red);
+            for (const float r : reds(pixels)) right.push_back(r != red);
             return right;
         };
     };
@@ -335,12 +321,12 @@ TEST(Strokes, TakeInWhatTheAnswerLeavesOut) {
     strokes.begin(stroke(0.1f));
     strokes.begin(stroke(0.2f));
     const std::vector<float> ends{0.1f, 0.1f + 0.02f, 0.2f, 0.2f + 0.02f};
-    EXPECT_EQ(reds(strokes), ends);
+    EXPECT_EQ(reds(strokes.samples()), ends);
     EXPECT_FALSE(strokes.take_missed(without(7.0f)));
     EXPECT_TRUE(strokes.take_missed(without(fresh)));  // before its own stroke's, behind the older one's
     EXPECT_TRUE(strokes.take_missed(without(old)));    // before all
     EXPECT_FALSE(strokes.take_missed(without(old)));
-    EXPECT_EQ(reds(strokes), (std::vector<float>{old, ends[0], ends[1], fresh, ends[2], ends[3]}));
+    EXPECT_EQ(reds(strokes.samples()), (std::vector<float>{old, ends[0], ends[1], fresh, ends[2], ends[3]}));
 }
 
 TEST(Tools, ContradictionsGoToTheNewerStroke) {
@@ -378,17 +364,24 @@ TEST(Tools, AnUndoneStrokeAsksForNothingAnyMore) {
     EXPECT_TRUE(rig.satisfied()) << rig.told();
 }
 
+// What of a held list is right stays right, though a newer stroke contradicts it.
 TEST(Tools, ASavedScriptNeedsNoFurtherTuning) {
-    Rig rig;
+    Rig rig, other;
     rig.stroke("addoverlay", kShade);
     rig.stroke("removeoverlay", kWarm);
     rig.stroke("restorespill", kLeaf);
-    Rig other;
     apply_script(other.panel, read_script(write_script(rig.panel), "s").at(0), "s");
     EXPECT_EQ(other.values(), rig.values());
     other.stroke("removeoverlay", kWarm);
     other.stroke("restorespill", kLeaf);
     EXPECT_EQ(other.values(), rig.values());
+
+    other.hold("us_add_overlay us_remove_ovelray");
+    const auto lists = [&] { return other.text("us_add_overlay") + '/' + other.text("us_remove_ovelray"); };
+    const std::string before = lists();
+    other.stroke("removeoverlay", kShade);
+    EXPECT_EQ(lists(), before);
+    EXPECT_EQ(other.span("clearRegion", kAlpha, kShade).second, 255.0f) << other.told();
 }
 
 TEST(Tools, SurviveWhatIsNoColour) {
@@ -415,8 +408,7 @@ TEST(Tools, FindTheScreen) {
         SCOPED_TRACE(wanted);
         button.set_value(choice);
         rig.set("screen_color", "0.5,0.5,0.5");
-        button.changed();
-        rig.reports = rig.node.tool_reports();
+        rig.use("find_screen");
         const bool there = wanted == "auto" || wanted == "green";
         EXPECT_EQ(rig.report().failure.empty(), there) << rig.told();
         EXPECT_EQ(rig.report().changes.size(), there ? 1U : 0U);
