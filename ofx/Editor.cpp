@@ -1,8 +1,10 @@
 #include "Editor.h"
 
-#include <sstream>
+#include <algorithm>
 
+#include "Host.h"
 #include "Identity.h"
+#include "ZoImage/KnobValues.h"
 
 namespace veloxa::ofx {
 
@@ -12,32 +14,20 @@ namespace {
 
 constexpr RenderScale kFullSize{1.0, 1.0};
 
-// The report's lines have fields separated by tabs; see diagnostic("tool") of the node. Its notes, and its
-// samples that no knob could satisfy, are for the user.
-std::string remarks(const std::string& report) {
+// What of the reports is for the user: failures, notes, and samples that no knob could satisfy.
+std::string remarks(const std::vector<ToolReport>& reports) {
     std::string text;
-    std::istringstream lines(report);
-    for (std::string line; std::getline(lines, line);) {
-        std::istringstream fields(line);
-        std::string kind;
-        std::getline(fields, kind, '\t');
-        if (kind == "note") {
-            std::string note;
-            std::getline(fields, note);
-            text += (text.empty() ? "" : "\n") + note;
-        } else if (kind == "samples") {
-            int satisfied = 0;
-            int unsatisfied = 0;
-            int unusable = 0;
-            fields >> satisfied >> unsatisfied >> unusable;
-            if (unsatisfied > 0) {
-                text += (text.empty() ? "" : "\n") + std::to_string(unsatisfied) + " of " +
-                        std::to_string(satisfied + unsatisfied) + " samples could not be satisfied";
-            }
-            if (unusable > 0) {
-                text += (text.empty() ? "" : "\n") + std::to_string(unusable) +
-                        " samples hold values that are not finite";
-            }
+    const auto line = [&](const std::string& remark) { text += (text.empty() ? "" : "\n") + remark; };
+    for (const ToolReport& report : reports) {
+        if (!report.failure.empty()) line(report.failure);
+        for (const std::string& note : report.notes) line(note);
+        const int usable = report.satisfied + report.unsatisfied;
+        if (report.unsatisfied > 0) {
+            line(std::to_string(report.unsatisfied) + " of " + std::to_string(usable) +
+                 " samples could not be satisfied");
+        }
+        if (report.unusable > 0) {
+            line(std::to_string(report.unusable) + " samples hold values that are not finite");
         }
     }
     return text;
@@ -48,10 +38,11 @@ std::string remarks(const std::string& report) {
 // Connects images to the node's inputs for a scope.
 class Editor::Wired {
   public:
-    Wired(Iop& node, const Pictures& pictures) : node_(node) {
+    Wired(Iop& node, const Pictures& pictures, AbortPoll& poll) : node_(node) {
         const Box foreground = pictures[kForeground] ? pictures[kForeground]->frame() : Box{};
         for (std::size_t n = 0; n < kInputs; ++n) {
             if (pictures[n]) inputs_[n].serve(*pictures[n], foreground, fresh_identity());
+            inputs_[n].poll(&poll);
             const bool used = pictures[n].has_value() || n == kForeground || n == kBackground;
             node_.set_input(static_cast<int>(n), used ? &inputs_[n] : nullptr);
         }
@@ -70,10 +61,14 @@ class Editor::Wired {
 };
 
 Editor::Editor(OfxImageEffectHandle effect)
-    : parameters_(effect, node_.list()), enabled_(node_.list().parameters().size(), -1) {}
+    : effect_(effect),
+      node_(HostThreads::offered() ? &threads_ : nullptr, &poll_.flag()),
+      parameters_(effect, node_.list()),
+      enabled_(node_.list().parameters().size(), -1) {}
 
 bool Editor::is_tool(std::size_t n) const {
-    return list().parameters()[n].knob->kind() == Knob::Kind::kToolButton;
+    const Knob& knob = *list().parameters()[n].knob;
+    return knob.kind() == Knob::Kind::kToolButton || knob.flag(kKnobLooks);
 }
 
 void Editor::load() {
@@ -112,22 +107,18 @@ void Editor::show_enables() {
 template <class Work>
 void Editor::edit(std::size_t n, OfxTime time, const RenderScale& scale, const Work& work) try {
     const std::vector<Parameter>& all = list().parameters();
-    const auto snapshot = [&] {
-        Values values;
-        for (const Parameter& parameter : all) values.push_back(knob_value(parameter, scale));
-        return values;
-    };
     set_knobs(scale);
-    const Values before = snapshot();
+    const KnobValues before(node_.panel());
     work();
-    const Values after = snapshot();
-    {
-        std::optional<ParameterSet::Edit> step;
-        for (std::size_t i = 0; i < all.size(); ++i) {
-            if (all[i].is_button() || after[i] == before[i]) continue;
-            if (!step) step.emplace(parameters_, all[n].label);
-            parameters_.set(i, after[i], time);
-        }
+    const std::vector<Knob*> changed = before.changed();
+    std::vector<std::pair<std::size_t, Value>> found;
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        const bool other = std::find(changed.begin(), changed.end(), all[i].knob) != changed.end();
+        if (other) found.emplace_back(i, knob_value(all[i], scale));
+    }
+    if (!found.empty()) {
+        const ParameterSet::Edit step(parameters_, all[n].label);
+        for (const auto& [i, value] : found) parameters_.set(i, value, time);
     }
     load();
 } catch (...) {
@@ -142,16 +133,20 @@ void Editor::press(std::size_t n, OfxTime time) {
 std::string Editor::use_tool(std::size_t n, OfxTime time, const PixelGrid& grid, const Pictures& pictures) {
     const OfxRectD area = parameters_.sampling_rectangle(time);
     Knob& tool = *list().parameters()[n].knob;
+    poll_.begin(effect_);
     edit(n, time, grid.scale, [&] {
-        const Wired wired(node_.image(), pictures);
-        tool.set_value(grid.x_pixels(area.x1), 4);
-        tool.set_value(grid.y_pixels(area.y1), 5);
-        tool.set_value(grid.x_pixels(area.x2), 6);
-        tool.set_value(grid.y_pixels(area.y2), 7);
-        tool.activate();
+        const Wired wired(node_.image(), pictures, poll_);
+        if (tool.kind() == Knob::Kind::kToolButton) {
+            tool.set_value(grid.x_pixels(area.x1), 4);
+            tool.set_value(grid.y_pixels(area.y1), 5);
+            tool.set_value(grid.x_pixels(area.x2), 6);
+            tool.set_value(grid.y_pixels(area.y2), 7);
+            tool.activate();
+        }
         tool.changed();
     });
-    return remarks(node_.image().diagnostic("tool"));
+    if (poll_.flag().raised()) throw Failure(kOfxStatFailed);  // the host does not want it any more
+    return remarks(node_.image().tool_reports());
 }
 
 }  // namespace veloxa::ofx

@@ -7,7 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "AbortPoll.h"
 #include "Clips.h"
+#include "HostThreads.h"
 #include "Image.h"
 #include "Node.h"
 #include "ParameterSet.h"
@@ -30,8 +32,9 @@ class Editor {
     void follow(std::size_t n);
     // Presses a button that is no tool. What the node changes goes to the parameters as one undoable step.
     void press(std::size_t n, OfxTime time);
-    // Uses a tool over the sampling rectangle, likewise. `grid` is that of the foreground's picture. Returns
-    // what the user has to know of it, empty for nothing.
+    // Uses a tool, those of the toolbar over the sampling rectangle, likewise. `grid` is that of the
+    // foreground's picture. Returns what the user has to know of it, empty for nothing. Throws Failure, and
+    // has changed nothing, when the host gives it up.
     std::string use_tool(std::size_t n, OfxTime time, const PixelGrid& grid, const Pictures& pictures);
 
   private:
@@ -41,7 +44,10 @@ class Editor {
     void edit(std::size_t n, OfxTime time, const RenderScale& scale, const Work& work);
     void show_enables();
 
-    Node node_;
+    OfxImageEffectHandle effect_;
+    AbortPoll poll_;
+    HostThreads threads_{poll_};
+    Node node_;  // whose tools use the three
     ParameterSet parameters_;
     std::vector<int> enabled_;  // as the host was told; -1 for not yet
 };

@@ -10,9 +10,9 @@ namespace {
 
 constexpr const char* kClassName = "Veloxa";
 
-std::unique_ptr<Op> make() {
+std::unique_ptr<Op> make(const NodeContext& context) {
     const Op::Description* const description = Op::Description::find(kClassName);
-    std::unique_ptr<Op> op(description != nullptr ? description->construct({kClassName}) : nullptr);
+    std::unique_ptr<Op> op(description != nullptr ? description->construct(context) : nullptr);
     if (op == nullptr || op->as_iop() == nullptr) {
         throw Failure(kOfxStatErrMemory, "the keyer could not be made");
     }
@@ -21,6 +21,7 @@ std::unique_ptr<Op> make() {
 
 }  // namespace
 
-Node::Node() : op_(make()), image_(op_->as_iop()), panel_(*op_), list_(panel_) {}
+Node::Node(ThreadSource* threads, const AbortFlag* abort)
+    : op_(make({kClassName, threads, abort})), image_(op_->as_iop()), panel_(*op_), list_(panel_) {}
 
 }  // namespace veloxa::ofx

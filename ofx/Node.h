@@ -11,8 +11,9 @@ namespace veloxa::ofx {
 
 class Node {
   public:
-    // Throws Failure when there is no memory.
-    Node();
+    // Threads and flag are for the node's tools, may be null, and outlive it. Throws Failure when there is no
+    // memory.
+    explicit Node(Zo::Image::ThreadSource* threads = nullptr, const Zo::Image::AbortFlag* abort = nullptr);
 
     Zo::Image::Iop& image() const { return *image_; }
     Zo::Image::KnobPanel& panel() { return panel_; }

@@ -86,6 +86,7 @@ ParameterList::ParameterList(const KnobPanel& panel) {
     for (const auto& knob : panel.knobs()) ++uses[knob->name()];
     std::string caption;
     std::size_t group = Parameter::kNoGroup;
+    std::size_t sampling = Parameter::kNoGroup;
     std::string tab;
     for (const auto& knob : panel.knobs()) {
         if (knob->tab() != tab) {
@@ -95,6 +96,7 @@ ParameterList::ParameterList(const KnobPanel& panel) {
                 group = groups_.size();
                 const bool toolbar = knob->kind() == Knob::Kind::kBeginToolbar;
                 const std::string name = toolbar ? "sampling" : identifier(tab);
+                if (toolbar) sampling = group;
                 groups_.push_back({"group_" + name, "page_" + name, toolbar ? "Sampling" : tab, {}, toolbar});
             }
         }
@@ -109,8 +111,9 @@ ParameterList::ParameterList(const KnobPanel& panel) {
         std::string name = knob->name();
         if (uses[name] > 1) name = identifier(tab) + "_" + name;
         const std::string label = tool ? tool_label(knob->label(), caption) : knob->label();
-        if (group != Parameter::kNoGroup) groups_[group].members.push_back(name);
-        parameters_.push_back({knob.get(), name, label, type, group});
+        const std::size_t place = knob->flag(kKnobLooks) ? sampling : group;
+        if (place != Parameter::kNoGroup) groups_[place].members.push_back(name);
+        parameters_.push_back({knob.get(), name, label, type, place});
     }
 }
 

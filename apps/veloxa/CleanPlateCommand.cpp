@@ -62,8 +62,8 @@ int make_clean_plate(const Options& options) {
     KnobPanel& panel = maker.node().panel();
     maker.node().apply(options.settings);
     choose_screen_color(
-        panel, options.screen, has_screen_color(panel, options.settings.sets), [&] { return maker.first(); },
-        caller);
+        maker.node(), options.screen, has_screen_color(panel, options.settings.sets),
+        [&] { return maker.first(); }, caller);
     const Image plate = maker.make();
     const std::string left_out = write_image(options.output, plate, write);
     if (!left_out.empty()) report(left_out_warning(options.output, left_out));

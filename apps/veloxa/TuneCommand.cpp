@@ -6,6 +6,7 @@
 #include "Options.h"
 #include "Terminal.h"
 #include "TuneReport.h"
+#include "ZoImage/KnobValues.h"
 #include "shot/files/AtomicFile.h"
 #include "shot/setup/KeySetup.h"
 
@@ -25,11 +26,11 @@ int tune(const Options& options) {
     if (!options.output.empty()) AtomicFile::check(options.output, options.overwrite);
     catch_interrupts();
     KeySetup setup(options.setup, caller_for(options.quiet));
-    const KnobValues before(setup.node().panel());
+    const Zo::Image::KnobValues before(setup.node().panel());
     setup.prepare();
     if (!options.output.empty()) setup.node().save_script(options.output, options.overwrite);
 
-    const TuneReport report{setup.strokes(), KnobValues(setup.node().panel()).since(before)};
+    const TuneReport report{setup.strokes(), before.changes()};
     print(options.json ? json_of(report) : table_of(report));
     return kExitOk;
 }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "ZoImage/Knob.h"
+
 namespace veloxa {
 
 using namespace Zo::Image;

@@ -4,14 +4,13 @@
 #include <string>
 #include <vector>
 
-#include "shot/node/KnobValues.h"
-#include "shot/setup/Stroke.h"
+#include "ZoImage/ToolReport.h"
 
 namespace veloxa {
 
 struct TuneReport {
-    std::vector<ToolReport> strokes;
-    std::vector<KnobChange> changes;  // all in all, the screen colour's too
+    std::vector<Zo::Image::ToolReport> strokes;
+    std::vector<Zo::Image::KnobChange> changes;  // all in all, the screen colour's too
 };
 
 std::string table_of(const TuneReport& report);

@@ -94,7 +94,10 @@ class Session {
         for (const auto& knob : panel_.knobs()) {
             if (knob->takes_value()) text += knob->text(true);
         }
-        return text + node_.diagnostic("tool");
+        for (const auto& r : node_.tool_reports()) {
+            text += std::to_string(r.satisfied) + ' ' + std::to_string(r.unsatisfied) + '\n';
+        }
+        return text;
     }
 
   private:

@@ -40,6 +40,7 @@ CleanPlateMaker::CleanPlateMaker(const FramePattern& name, const FrameRange& fra
       source_(NodeContext{kInputNames[kFg]}),
       partial_(NodeContext{"partial"}),
       seen_mask_(NodeContext{"seen"}),
+      node_(caller.abort),
       renderer_(limits.threads, caller.abort) {
     loader_.load_stills();
     for (int n = 0; n < frames.count(); ++n) frames_.push_back(frames.at(n));

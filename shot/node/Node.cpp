@@ -39,7 +39,11 @@ std::set<Knob*> apply_script_file(KnobPanel& panel, const std::string& path) {
         }
         if (!ours) throw Error(path, "has no Veloxa { ... } group");
         apply_script(panel, *ours, path);
-        for (const ScriptEntry& entry : ours->entries) named.insert(&panel.get(entry.name).target());
+        for (const ScriptEntry& entry : ours->entries) {
+            Knob& knob = panel.get(entry.name).target();
+            knob.set_flag(kKnobScripted, true);
+            named.insert(&knob);
+        }
     } catch (const ScriptError& error) {
         throw Error(error.what());
     }
@@ -63,15 +67,23 @@ Knob& apply_set(KnobPanel& panel, const std::string& setting) {
 
 }  // namespace
 
-Node::Node() : op_(load_plugin(kClassName).construct({kClassName})), image_(op_ ? op_->as_iop() : nullptr) {
+Node::Node(const AbortFlag* abort)
+    : op_(load_plugin(kClassName).construct({kClassName, nullptr, abort})),
+      image_(op_ ? op_->as_iop() : nullptr) {
     if (!image_) throw Error("the keyer could not be made");
     panel_ = std::make_unique<KnobPanel>(*op_);
 }
 
 void Node::apply(const KnobSettings& settings) {
-    if (!settings.script.empty()) scripted_.merge(apply_script_file(*panel_, settings.script));
-    named_.insert(scripted_.begin(), scripted_.end());
+    if (!settings.script.empty()) named_.merge(apply_script_file(*panel_, settings.script));
     for (const std::string& setting : settings.sets) named_.insert(&apply_set(*panel_, setting));
+}
+
+std::vector<ToolReport> Node::use_tool(Knob& button) const {
+    button.changed();
+    const AbortFlag* const abort = op_->context().abort;
+    if (abort != nullptr && abort->raised()) throw Interrupted();
+    return op_->tool_reports();
 }
 
 void Node::save_script(const std::string& path, bool overwrite) const {

@@ -8,6 +8,7 @@
 
 #include "ZoImage/Iop.h"
 #include "ZoImage/KnobPanel.h"
+#include "ZoImage/Render.h"
 
 namespace veloxa {
 
@@ -18,7 +19,8 @@ struct KnobSettings {
 
 class Node {
   public:
-    Node();
+    // The flag, if given, outlives the node; raised, it stops the node's tools.
+    explicit Node(const Zo::Image::AbortFlag* abort = nullptr);
 
     Zo::Image::Iop& image() const { return *image_; }
     Zo::Image::KnobPanel& panel() { return *panel_; }
@@ -27,8 +29,8 @@ class Node {
     void apply(const KnobSettings& settings);
     // The knobs that the settings applied so far name, whatever the value; a link names its target.
     const std::set<Zo::Image::Knob*>& named() const { return named_; }
-    // Those of them that a script names.
-    const std::set<Zo::Image::Knob*>& scripted() const { return scripted_; }
+    // Presses a button that starts a tool, and tells what the tool did. Throws Interrupted.
+    std::vector<Zo::Image::ToolReport> use_tool(Zo::Image::Knob& button) const;
     // Writes the knobs that differ from their defaults.
     void save_script(const std::string& path, bool overwrite) const;
 
@@ -40,7 +42,6 @@ class Node {
     Zo::Image::Iop* image_;
     std::unique_ptr<Zo::Image::KnobPanel> panel_;
     std::set<Zo::Image::Knob*> named_;
-    std::set<Zo::Image::Knob*> scripted_;
 };
 
 }  // namespace veloxa

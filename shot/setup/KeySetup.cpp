@@ -1,7 +1,6 @@
 #include "shot/setup/KeySetup.h"
 
 #include "shot/Errors.h"
-#include "shot/setup/AutoSetup.h"
 #include "shot/setup/Pick.h"
 #include "shot/setup/ScreenChoice.h"
 
@@ -26,7 +25,8 @@ KeySetup::KeySetup(const SetupOptions& options, const Caller& caller)
       caller_(caller),
       names_(input_names(options)),
       frames_(frames_of(options.frames, names_)),
-      loader_(names_, fit_named(options.fit).value_or(Fit::kRefuse), caller) {
+      loader_(names_, fit_named(options.fit).value_or(Fit::kRefuse), caller),
+      node_(caller.abort) {
     node_.apply(options.settings);
     inputs_.connect(node_.image(), names_);
     if (!options.screen.pick.empty()) parse_box("--pick", options.screen.pick);
@@ -53,13 +53,12 @@ bool KeySetup::picks_screen() const {
 }
 
 void KeySetup::choose_screen_color() {
-    KnobPanel& panel = node_.panel();
-    const bool chosen = picks_screen() || has_screen_color(panel, options_.settings.sets);
+    const bool chosen = picks_screen() || has_screen_color(node_.panel(), options_.settings.sets);
     const auto first = [this] {
         const auto [image, frame] = first_foreground();
         return NamedImage{image, names_[kFg].at(frame)};
     };
-    veloxa::choose_screen_color(panel, options_.screen, chosen, first, caller_);
+    veloxa::choose_screen_color(node_, options_.screen, chosen, first, caller_);
 }
 
 void KeySetup::show(int frame) {
@@ -70,9 +69,8 @@ void KeySetup::show(int frame) {
     shown_ = frame;
 }
 
-void KeySetup::set_up_automatically() {
-    show(first_foreground().second);
-    for (ToolReport& report : AutoSetup(node_, 0, caller_.abort).run()) {
+void KeySetup::note(std::vector<ToolReport> reports) {
+    for (ToolReport& report : reports) {
         reports_.push_back(std::move(report));
         reports_.back().frame = *shown_;
     }
@@ -83,9 +81,7 @@ void KeySetup::apply_strokes(std::size_t begin, std::size_t end) {
         const Stroke& stroke = strokes_[n];
         show(stroke.frame ? *stroke.frame : first_foreground().second);
         check_inside("--stroke " + options_.strokes[n], *foreground_, stroke.box);
-        reports_.push_back(apply_stroke(node_, stroke));
-        give_up_if_raised(caller_.abort);
-        reports_.back().frame = *shown_;
+        note({apply_stroke(node_, stroke)});
     }
 }
 
@@ -95,7 +91,10 @@ void KeySetup::prepare() {
     // There is nothing to set up before a screen colour is chosen.
     const std::size_t before = picks_screen() ? 1 : 0;
     apply_strokes(0, before);
-    if (options_.automatic) set_up_automatically();
+    if (options_.automatic) {
+        show(first_foreground().second);
+        note(set_up_automatically(node_, names_[kFg].at(*shown_)));
+    }
     apply_strokes(before, strokes_.size());
     inputs_.clear();
     foreground_ = nullptr;

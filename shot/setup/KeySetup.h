@@ -44,7 +44,7 @@ class KeySetup {
     // the strokes. Throws Error, for strokes too when their frame cannot be read.
     void prepare();
     // What the automatic steps and the strokes did, in their order.
-    const std::vector<ToolReport>& strokes() const { return reports_; }
+    const std::vector<Zo::Image::ToolReport>& strokes() const { return reports_; }
 
   private:
     // The foreground of the first frame that can be read, and its number: a broken one is reported when its
@@ -55,7 +55,8 @@ class KeySetup {
     void choose_screen_color();
     // Puts a frame on the node's inputs.
     void show(int frame);
-    void set_up_automatically();
+    // Takes in what was done to the frame that is shown.
+    void note(std::vector<Zo::Image::ToolReport> reports);
     // Of these numbers.
     void apply_strokes(std::size_t begin, std::size_t end);
 
@@ -69,7 +70,7 @@ class KeySetup {
     std::optional<int> shown_;                 // the frame on the inputs
     std::shared_ptr<const Image> foreground_;  // its foreground
     std::vector<Stroke> strokes_;
-    std::vector<ToolReport> reports_;
+    std::vector<Zo::Image::ToolReport> reports_;
 };
 
 }  // namespace veloxa

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "ZoImage/KnobPanel.h"
 #include "shot/Caller.h"
 #include "shot/image/Image.h"
+#include "shot/node/Node.h"
 
 namespace veloxa {
 
@@ -18,13 +18,6 @@ inline const std::vector<std::string> kScreenChoices{"auto", "green", "blue", "r
 
 // Whether a screen colour was chosen: it is not 0, 0, 0, or one of the KNOB=VALUE settings names it.
 bool has_screen_color(const Zo::Image::KnobPanel& panel, const std::vector<std::string>& sets);
-
-void set_screen_color(Zo::Image::KnobPanel& panel, const std::array<double, 3>& color);
-
-// Estimates the colour for a choice of the above ("" is auto), sets it, and tells which it is and why. `file`
-// is the image's, for messages. Throws Error when no backing stands out.
-void estimate_screen_color(Zo::Image::KnobPanel& panel, const Image& image, const std::string& file,
-                           const std::string& choice, const Caller& caller);
 
 // Where the screen colour comes from when not from the knobs themselves; at most one of the two is set.
 struct ScreenOptions {
@@ -38,8 +31,9 @@ struct NamedImage {
 };
 
 // Sets the colour as the options say; without any, as for auto unless it is `chosen` already. Asks for the
-// image when it needs it.
-void choose_screen_color(Zo::Image::KnobPanel& panel, const ScreenOptions& options, bool chosen,
+// image when it needs it, and tells what the node found there and why. Throws Error when no backing stands
+// out, Interrupted.
+void choose_screen_color(Node& node, const ScreenOptions& options, bool chosen,
                          const std::function<NamedImage()>& image, const Caller& caller);
 
 }  // namespace veloxa

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cctype>
 #include <charconv>
-#include <sstream>
 #include <string_view>
 
 #include "shot/Errors.h"
@@ -27,20 +26,6 @@ std::string plain_name(std::string_view name) {
     return plain;
 }
 
-std::vector<std::string> fields_of(const std::string& line) {
-    std::vector<std::string> fields(1);
-    for (const char c : line) {
-        if (c == '\t') {
-            fields.emplace_back();
-        } else {
-            fields.back() += c;
-        }
-    }
-    return fields;
-}
-
-}  // namespace
-
 Knob& tool_named(const KnobPanel& panel, const std::string& name) {
     std::string names;
     for (const auto& knob : panel.knobs()) {
@@ -50,6 +35,24 @@ Knob& tool_named(const KnobPanel& panel, const std::string& name) {
     }
     throw UsageError("--stroke " + name + ": there is no such tool; there are " + names);
 }
+
+// While it lives the node's tools leave these knobs alone; later strokes may turn them.
+class Hold {
+  public:
+    explicit Hold(const std::set<Knob*>& knobs) : knobs_(knobs) { hold(true); }
+    ~Hold() { hold(false); }
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+
+  private:
+    void hold(bool on) const {
+        for (Knob* const knob : knobs_) knob->set_flag(kKnobHeld, on);
+    }
+
+    const std::set<Knob*>& knobs_;
+};
+
+}  // namespace
 
 Stroke parse_stroke(const KnobPanel& panel, const std::string& text) {
     const std::size_t equals = text.find('=');
@@ -75,27 +78,14 @@ ToolReport apply_stroke(const Node& node, const Stroke& stroke) {
     const Box& box = stroke.box;
     int value = 4;
     for (const int edge : {box.x, box.y, box.r, box.t}) stroke.tool->set_value(edge, value++);
-    stroke.tool->changed();
+    return node.use_tool(*stroke.tool).front();
+}
 
-    ToolReport report;
-    report.tool = stroke.tool->name();
-    report.box = box;
-    std::istringstream lines(node.image().diagnostic("tool"));
-    for (std::string line; std::getline(lines, line);) {
-        const std::vector<std::string> fields = fields_of(line);
-        if (fields[0] == "knob") {
-            report.changes.push_back({fields.at(1), fields.at(2), fields.at(3)});
-        } else if (fields[0] == "samples") {
-            report.satisfied = std::stoi(fields.at(1));
-            report.unsatisfied = std::stoi(fields.at(2));
-            report.unusable = std::stoi(fields.at(3));
-        } else if (fields[0] == "held") {
-            report.held.push_back(fields.at(1));
-        } else if (fields[0] == "note") {
-            report.notes.push_back(fields.at(1));
-        }
-    }
-    return report;
+std::vector<ToolReport> set_up_automatically(Node& node, const std::string& file) {
+    const Hold hold(node.named());
+    std::vector<ToolReport> reports = node.use_tool(node.panel().get("set_up"));
+    if (!reports.empty() && !reports.back().failure.empty()) throw Error(file, reports.back().failure);
+    return reports;
 }
 
 }  // namespace veloxa

@@ -1,4 +1,4 @@
-// Strokes of the toolbar's sampling tools, given as text.
+// Uses of the node's tools; strokes of those of the toolbar are given as text.
 #pragma once
 
 #include <optional>
@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "ZoImage/Box.h"
-#include "shot/node/KnobValues.h"
 #include "shot/node/Node.h"
 
 namespace veloxa {
@@ -20,25 +19,10 @@ struct Stroke {
 // Reads TOOL=X,Y,R,T or TOOL@FRAME=X,Y,R,T. A tool goes by its knob's name; "toolbar_", capitals and
 // underscores may be left out. Throws UsageError, for a tool that does not exist with those that there are.
 Stroke parse_stroke(const Zo::Image::KnobPanel& panel, const std::string& text);
-// The tool button of a name as above.
-Zo::Image::Knob& tool_named(const Zo::Image::KnobPanel& panel, const std::string& name);
-
-// What a tool did. Samples are all that the tool keeps, those of earlier strokes too.
-struct ToolReport {
-    int samples() const { return satisfied + unsatisfied + unusable; }
-
-    std::string tool;
-    Zo::Image::Box box{};
-    int frame = 0;
-    std::vector<KnobChange> changes;
-    int satisfied = 0;
-    int unsatisfied = 0;
-    int unusable = 0;               // not finite
-    std::vector<std::string> held;  // knobs that the tool could have turned
-    std::vector<std::string> notes;
-};
-
-// Strokes over the images that are on the node's inputs.
-ToolReport apply_stroke(const Node& node, const Stroke& stroke);
+// Over the images that are on the node's inputs. All throw Interrupted when the node's flag is raised.
+Zo::Image::ToolReport apply_stroke(const Node& node, const Stroke& stroke);
+// Has the node set itself up; what the settings named stays. `file` is the foreground's, for messages. Throws
+// Error where no backing stands out.
+std::vector<Zo::Image::ToolReport> set_up_automatically(Node& node, const std::string& file);
 
 }  // namespace veloxa

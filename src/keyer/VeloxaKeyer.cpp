@@ -4,7 +4,6 @@
 #include "controls/ControlTrace.h"
 #include "keyer/HelpText.h"
 #include "panel/KnobCopy.h"
-#include "tools/ToolRun.h"
 
 using namespace Zo::Image;
 
@@ -34,13 +33,17 @@ void VeloxaKeyer::knobs(Knob_Closure& closure) {
 
 int VeloxaKeyer::knob_changed(Knob* knob) {
     const int handled = panel_.knob_changed(knob);
-    if (const auto tool = panel_.tool_of(knob)) ToolRun(*this).run(*tool);
+    if (const auto tool = panel_.tool_of(knob)) use_tool(tool_node(), *tool);
     return handled;
+}
+
+ToolNode VeloxaKeyer::tool_node() {
+    return {*this,    knobs_,      panel_,  controls_,       inputFlags_,
+            session_, outputMatte, cleanup, colorCorrection, [this]() -> Iop& { return screen_region(); }};
 }
 
 std::string VeloxaKeyer::diagnostic(std::string_view what) const {
     if (what == "controls") return control_listing(controls_);
-    if (what == "tool") return session_.report;
     if (what != "trace") return {};
     std::string text(trace_capacity(), '\0');
     write_trace(controls_, text.data(), text.size());

@@ -40,7 +40,7 @@
 #include "stages/VlxNormalize.h"
 #include "stages/VlxOutputMatte.h"
 #include "stages/VlxSpillSuppression.h"
-#include "tools/ToolSession.h"
+#include "tools/ToolNode.h"
 
 class VeloxaKeyer final : public Zo::Image::Iop {
   public:
@@ -53,8 +53,8 @@ class VeloxaKeyer final : public Zo::Image::Iop {
 
     void knobs(Zo::Image::Knob_Closure& closure) override;
     int knob_changed(Zo::Image::Knob* knob) override;
-    // "controls" lists the controls, "trace" gives them as a script of commands, "tool" tells what the latest
-    // tool did (see ToolRun.h).
+    std::vector<Zo::Image::ToolReport> tool_reports() const override { return session_.reports; }
+    // "controls" lists the controls, "trace" gives them as a script of commands.
     std::string diagnostic(std::string_view what) const override;
 
     const KnobStorage& knob_values() const { return knobs_; }
@@ -69,12 +69,11 @@ class VeloxaKeyer final : public Zo::Image::Iop {
     void engine(int y, int x, int r, const Zo::Image::ChannelSet& channels, Zo::Image::Row& row) override;
 
   private:
-    friend class ToolRun;
-
     bool flag(std::uint32_t bit) const { return (inputFlags_ & bit) != 0; }
     void set_flag(std::uint32_t bit, bool on) { inputFlags_ = on ? inputFlags_ | bit : inputFlags_ & ~bit; }
     bool shadows_on() const { return knobs_.screen_correct && knobs_.shadow; }
 
+    ToolNode tool_node();
     void adopt_operators();
     void refresh_controls();
     void wire_graph();

@@ -87,8 +87,10 @@ struct KnobStorage {
 
     bool linear_matte() const { return matte_scale == 1; }
     bool adds() const { return merge == 1; }
+    bool shows_subject() const { return overlay_mode == 2; }
 
-    std::int32_t active_tool = 0;  // the toolbar's: number of the tool in hand
+    std::int32_t active_tool = 0;    // the toolbar's: number of the tool in hand
+    std::int32_t screen_choice = 0;  // what "find_screen" looks for: auto, green, blue, red
 
     // No knob shows these. Where the encoding of colours leaves the straight line, per channel.
     ColorAlpha encodePivot{0.5f, 0.5f, 0.5f, 0.5f};

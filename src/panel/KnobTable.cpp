@@ -283,6 +283,19 @@ constexpr KnobRow kTable[] = {
     samples(SampleAction::kRemoveOverlayCp, "us_remove_ovelray_cp", "Screen Correct"),
     samples(SampleAction::kRestoreSpill, "us_restore_spill", "Spill"),
     samples(SampleAction::kRemoveSpill, "us_remove_spill", "Spill"),
+    {.name = "find_screen",
+     .label = "Find Screen",
+     .tooltip = "Find the backing in the foreground and take its color for the screen color.",
+     .items = {"auto", "green", "blue", "red"},
+     .kind = Kind::kButton,
+     .number = static_cast<int>(Tool::kFindScreen)},
+    {.name = "set_up",
+     .label = "Set Up Automatically",
+     .tooltip =
+         "Set output, overlay, density and clean up from the foreground, and the screen color where none "
+         "is chosen.",
+     .kind = Kind::kButton,
+     .number = static_cast<int>(Tool::kSetUp)},
 };
 
 static_assert(std::size(kTable) <= KnobFields::kMost);

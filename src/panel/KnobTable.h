@@ -26,7 +26,8 @@ enum class SampleAction {
     kRemoveSpill
 };
 
-// The tools of the viewer's toolbar, in panel order; the numbers are what the toolbar's field holds.
+// The tools of the viewer's toolbar, in panel order; the numbers are what the toolbar's field holds. Behind
+// them those that look at the whole foreground.
 enum class Tool {
     kScreen,
     kAddOverlay,
@@ -38,7 +39,9 @@ enum class Tool {
     kMatchColor,
     kMatchShadow,
     kHoldShadow,
-    kRestoreDetail
+    kRestoreDetail,
+    kFindScreen,
+    kSetUp
 };
 
 using KnobField = std::variant<std::monostate, bool KnobStorage::*, float KnobStorage::*,
@@ -103,7 +106,7 @@ struct KnobRow {
     std::optional<Kind> kind{};           // of rows that are no setting
     bool KnobStorage::*enable = nullptr;  // tabs: what their knobs, and the copies of them, wait for
     bool KnobStorage::*second_enable = nullptr;
-    int number = 0;  // a Tool or a SampleAction
+    int number = 0;  // a Tool or a SampleAction; of a button 0 for "reset"
 
     constexpr bool setting() const { return !kind; }
     bool on(const KnobStorage& knobs) const {

@@ -61,6 +61,17 @@ Knob* setting(Knob_Closure& f, const KnobRow& row, KnobStorage& storage) {
     return knob;
 }
 
+// A "reset", or a tool that looks at the whole foreground.
+Knob* action(Knob_Closure& f, const KnobRow& row, KnobStorage& storage) {
+    if (row.number == 0) return button(f, row.name, row.label);
+    const auto& items = row.items;
+    Knob* const knob = items[0].empty() ? button(f, row.name, row.label)
+                                        : button(f, row.name, row.label, &storage.screen_choice,
+                                                 {items[0], items[1], items[2], items[3]});
+    if (knob != nullptr) knob->set_flag(kKnobLooks, true);
+    return knob;
+}
+
 // What is no setting; `knobs` are those of the rows before.
 Knob* piece(Knob_Closure& f, const KnobRow& row, KnobStorage& storage, std::span<Knob* const> knobs) {
     switch (*row.kind) {
@@ -71,7 +82,7 @@ Knob* piece(Knob_Closure& f, const KnobRow& row, KnobStorage& storage, std::span
         case Kind::kText:
             return text_knob(f, row.label);
         case Kind::kButton:
-            return button(f, row.name, row.label);
+            return action(f, row, storage);
         case Kind::kScriptButton:
             return script_button(f, "knob overlay_mono $value", row.name, row.label);
         case Kind::kBeginToolbar:
@@ -111,12 +122,12 @@ int PanelKnobs::knob_changed(Knob* knob) {
         show_color(at, Tool::kScreen);
     } else if (row.field == KnobField(&K::shadows_tint)) {
         show_color(at, Tool::kMatchShadow);
-    } else if (row.kind == Kind::kButton) {
+    } else if (row.kind == Kind::kButton && row.number == 0) {
         reset_tab(at);
     } else if (is_enable(row.field)) {
         update_enables();
     } else {
-        return row.kind == Kind::kToolButton ? 1 : 0;
+        return tool_of(knob) ? 1 : 0;
     }
     return 1;
 }
@@ -126,7 +137,7 @@ VeloxaSample_Knob* PanelKnobs::samples(SampleAction action) const {
 }
 
 Knob* PanelKnobs::tool(Tool tool) const {
-    return find(Kind::kToolButton, static_cast<int>(tool));
+    return find(tool < Tool::kFindScreen ? Kind::kToolButton : Kind::kButton, static_cast<int>(tool));
 }
 
 Knob* PanelKnobs::find(Kind kind, int number) const {
@@ -139,8 +150,10 @@ Knob* PanelKnobs::find(Kind kind, int number) const {
 
 std::optional<Tool> PanelKnobs::tool_of(const Knob* knob) const {
     const auto found = std::find(knobs_.begin(), knobs_.end(), knob);
-    if (knob == nullptr || knob->kind() != Kind::kToolButton || found == knobs_.end()) return std::nullopt;
-    return static_cast<Tool>(knob_table()[static_cast<std::size_t>(found - knobs_.begin())].number);
+    if (knob == nullptr || found == knobs_.end()) return std::nullopt;
+    const KnobRow& row = knob_table()[static_cast<std::size_t>(found - knobs_.begin())];
+    const bool starts = row.kind == Kind::kToolButton || (row.kind == Kind::kButton && row.number != 0);
+    return starts ? std::optional(static_cast<Tool>(row.number)) : std::nullopt;
 }
 
 std::vector<Knob*> PanelKnobs::settings() const {
@@ -149,6 +162,14 @@ std::vector<Knob*> PanelKnobs::settings() const {
         if (knob_table()[i].setting()) settings.push_back(knobs_[i]);
     }
     return settings;
+}
+
+std::vector<Knob*> PanelKnobs::valued() const {
+    std::vector<Knob*> knobs = settings();
+    for (int i = 0; i <= static_cast<int>(SampleAction::kRemoveSpill); ++i) {
+        if (Knob* const list = find(Kind::kCustom, i)) knobs.push_back(list);
+    }
+    return knobs;
 }
 
 KnobFields PanelKnobs::held() const {

@@ -21,6 +21,8 @@ class PanelKnobs {
     std::optional<Tool> tool_of(const Zo::Image::Knob* knob) const;
     // The knobs that hold the settings, in panel order.
     std::vector<Zo::Image::Knob*> settings() const;
+    // Those and the lists of samples: all that a tool may change.
+    std::vector<Zo::Image::Knob*> valued() const;
     // The fields of those that are held.
     KnobFields held() const;
     // Those of the settings that are held and write one of these fields.

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "ZoImage/Render.h"
-
 using namespace Zo::Image;
 
 namespace {
@@ -25,7 +23,13 @@ Measures measures(const VeloxaSample::Sample& s) {
 
 }  // namespace
 
-std::vector<StrokePixel> read_pixels(Iop& first, Iop* second, Iop* keep, const Box& box) {
+void render_or_give_up(Renderer& renderer, Iop& image, const Box& box, ChannelSet channels,
+                       const Renderer::Sink& sink) {
+    if (!renderer.render(image, box, channels, sink)) throw GivenUp();
+}
+
+std::vector<StrokePixel> read_pixels(Iop& first, Iop* second, Iop* keep, const Box& box,
+                                     const AbortFlag* abort) {
     std::vector<StrokePixel> pixels;
     int step_x = 1;
     int step_y = 1;
@@ -34,7 +38,7 @@ std::vector<StrokePixel> read_pixels(Iop& first, Iop* second, Iop* keep, const B
     const std::size_t columns = steps(box.width(), step_x);
     // In a render what an operator looks up and down is made once for all that ask for it; where rows are
     // left out, once a row.
-    Renderer renderer(1);
+    Renderer renderer(1, abort);
     const auto read = [&](Iop* image, ChannelSet channels, const auto& take) {
         if (image == nullptr) return;
         const auto every = [&](int y, const Row& row) {
@@ -43,7 +47,8 @@ std::vector<StrokePixel> read_pixels(Iop& first, Iop* second, Iop* keep, const B
         };
         const int height = step_y == 1 ? box.height() : 1;
         for (int y = 0; y < box.height(); y += step_y * height) {
-            renderer.render(*image, {box.x, box.y + y, box.r, box.y + y + height}, channels, every);
+            render_or_give_up(renderer, *image, {box.x, box.y + y, box.r, box.y + y + height}, channels,
+                              every);
         }
     };
     std::vector<StrokePixel> all(columns * steps(box.height(), step_y));

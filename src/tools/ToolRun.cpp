@@ -2,10 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 
 #include "ZoImage/Convert.h"
-#include "keyer/OutputKernel.h"
+#include "ZoImage/KnobValues.h"
+#include "panel/InputFlags.h"
+#include "stages/VlxNormalize.h"
 #include "tools/ColorMatchAnalysis.h"
+#include "tools/ScreenEstimate.h"
 #include "tools/SpillAnalysis.h"
 
 using namespace Zo::Image;
@@ -30,28 +34,27 @@ std::vector<PlatedSample> spread_over(const std::vector<PlatedSample>& pixels) {
 
 }  // namespace
 
-void ToolRun::run(Tool tool) {
-    const Knob& button = *node_.panel_.tool(tool);
-    report_ = "tool\t" + button.name() + "\n";
-    if (take_box(button)) {
-        node_.validate(true);
+ToolReport ToolRun::run(Tool tool, const Box& box) {
+    report_.tool = node_.panel.tool(tool)->name();
+    if (tool == Tool::kFindScreen || take_box(box)) {
+        node_.image.validate(true);
         if (may_turn(tool)) use(tool);
     }
-    for (std::size_t i = 0; i < node_.session_.saved_counts.size(); ++i) {
-        node_.session_.saved_counts[i] = node_.panel_.samples(static_cast<SampleAction>(i))->count();
+    for (std::size_t i = 0; i < node_.session.saved_counts.size(); ++i) {
+        node_.session.saved_counts[i] = node_.panel.samples(static_cast<SampleAction>(i))->count();
     }
-    node_.session_.knobs = node_.knobs_;
-    node_.session_.report = std::move(report_);
+    node_.session.knobs = node_.knobs;
+    return std::move(report_);
 }
 
 void ToolRun::use(Tool tool) {
-    const bool subject = node_.knobs_.overlay_mode == static_cast<std::int32_t>(OverlayMode::kSubject);
+    const bool subject = node_.knobs.shows_subject();
     switch (tool) {
         case Tool::kScreen:
-            pick_color(node_.input(0), &KnobStorage::screen_color, false);
+            pick_color(node_.image.input(0), &KnobStorage::screen_color, false);
             break;
         case Tool::kMatchShadow:
-            pick_color(node_.input(2), &KnobStorage::shadows_tint, true);
+            pick_color(node_.image.input(2), &KnobStorage::shadows_tint, true);
             break;
         case Tool::kAddOverlay:
             overlay(!subject);
@@ -74,23 +77,23 @@ void ToolRun::use(Tool tool) {
         case Tool::kMatchColor:
             match_color();
             break;
+        case Tool::kFindScreen:
+            find_screen();
+            break;
+        case Tool::kSetUp:
+            break;
     }
 }
 
 bool ToolRun::taken_back(SampleAction action) const {
     // A held list takes no sample that could be missed.
-    if (is_held(action)) return node_.session_.knobs != node_.knobs_;
-    const int count = node_.panel_.samples(action)->count();
-    return count == 0 || count < node_.session_.saved_counts[static_cast<std::size_t>(action)];
+    if (is_held(action)) return node_.session.knobs != node_.knobs;
+    const int count = node_.panel.samples(action)->count();
+    return count == 0 || count < node_.session.saved_counts[static_cast<std::size_t>(action)];
 }
 
-bool ToolRun::take_box(const Knob& tool) {
-    const auto down = [&](int i) { return to_int(std::floor(tool.get_value(i))); };
-    const auto up = [&](int i) { return to_int(std::ceil(tool.get_value(i))); };
-    box_ = {down(4), down(5), up(6), up(7)};
-    report_ += "box";
-    for (const int v : {box_.x, box_.y, box_.r, box_.t}) report_ += '\t' + std::to_string(v);
-    report_ += '\n';
+bool ToolRun::take_box(const Box& box) {
+    report_.box = box_ = box;
     const std::int64_t width = std::int64_t{box_.r} - box_.x;
     const std::int64_t height = std::int64_t{box_.t} - box_.y;
     if (width <= 0 || height <= 0) {
@@ -105,52 +108,79 @@ bool ToolRun::take_box(const Knob& tool) {
 }
 
 ToolRun::Sample ToolRun::mean(Iop& source) const {
-    VeloxaSample stroke(&node_);
+    VeloxaSample stroke(&node_.image);
     stroke.add_area(source, box_.x, box_.y, box_.r, box_.t);
     return stroke.count() == 0 ? Sample{} : stroke.samples().front();
 }
 
 std::vector<StrokePixel> ToolRun::pixels(Iop& first, Iop* second) {
-    std::vector<StrokePixel> stroke = read_pixels(first, second, nullptr, box_);
+    std::vector<StrokePixel> stroke = read_pixels(first, second, nullptr, box_, node_.abort());
     if (stroke.empty()) ++unusable_;
     return stroke;
 }
 
 Setting ToolRun::setting(const KnobStorage& knobs) const {
-    return {knobs, node_.controls_, node_.inputFlags_, node_.panel_.held()};
+    return {knobs, node_.controls, node_.input_flags, node_.panel.held()};
 }
 
 Iop* ToolRun::plate() const {
-    return node_.flag(kCpUsable) ? &node_.input(1) : nullptr;
+    return node_.flag(kCpUsable) ? &node_.image.input(1) : nullptr;
 }
 
 void ToolRun::note(std::string_view text) {
-    report_ += "note\t" + std::string(text) + '\n';
+    report_.notes.emplace_back(text);
+}
+
+void ToolRun::find_screen() {
+    const Knob& button = *node_.panel.tool(Tool::kFindScreen);
+    const std::string& wanted = button.items()[static_cast<std::size_t>(node_.knobs.screen_choice)];
+    Renderer renderer = node_.renderer();
+    const ScreenEstimate found = estimate_screen(node_.image.input(0), screen_named(wanted), renderer);
+    report_.box = found.frame;
+    const char* const name = screen_name(found.primary);
+    char text[256];
+    if (!found.found()) {
+        std::snprintf(text, sizeof text,
+                      "no backing stands out: the likeliest, %s, has confidence %.2f, below %.2f", name,
+                      found.confidence(), found.needed);
+        report_.failure = text;
+        return;
+    }
+    KnobStorage values = node_.knobs;
+    std::transform(found.color.begin(), found.color.end(), values.screen_color.begin(),
+                   [](double v) { return static_cast<float>(v); });
+    set_knobs(values);
+    std::snprintf(text, sizeof text,
+                  "%s screen, screen_color %.4g,%.4g,%.4g: colours like it fill %.0f%% of the frame, borders "
+                  "counting most, another primary's %.0f%% (confidence %.2f)",
+                  name, found.color[0], found.color[1], found.color[2], 100.0 * found.share,
+                  100.0 * found.rival, found.confidence());
+    note(text);
 }
 
 // A bright background would make the shadow's tint no shadow.
 void ToolRun::pick_color(Iop& source, KnobStorage::Color KnobStorage::*field, bool darken) {
-    VeloxaSample stroke(&node_);
+    VeloxaSample stroke(&node_.image);
     stroke.add_area(source, box_.x, box_.y, box_.r, box_.t);
     Sample color = stroke.average();
     if (!usable(color)) {
         note("the stroke's colour is not finite");
-        report_ += "samples\t0\t0\t1\n";
+        report_.unusable = 1;
         return;
     }
     while (darken && color[0] + color[1] + color[2] > 0.5f) {
         for (std::size_t i = 0; i < 3; ++i) color[i] *= 0.85f;
     }
-    KnobStorage values = node_.knobs_;
+    KnobStorage values = node_.knobs;
     values.*field = {color[0], color[1], color[2]};
     set_knobs(values);
-    report_ += "samples\t1\t0\t0\n";
+    report_.satisfied = 1;
 }
 
 void ToolRun::add_matte() {
-    ToolSession& session = node_.session_;
+    ToolSession& session = node_.session;
     std::vector<PlatedSample> asked;
-    for (const StrokePixel& p : pixels(node_.input(0), plate())) asked.push_back({p.first, p.second});
+    for (const StrokePixel& p : pixels(node_.image.input(0), plate())) asked.push_back({p.first, p.second});
     session.opaque.begin(std::move(asked));
     gather_backing();
     const auto analyse = [&] {
@@ -171,33 +201,34 @@ void ToolRun::add_matte() {
 // The bounds hold from stroke to stroke, or many small steps would be a large one. They are taken anew for
 // another screen colour, and where the density was turned by hand.
 void ToolRun::gather_backing() {
-    ToolSession& session = node_.session_;
+    ToolSession& session = node_.session;
     const auto kept = [&] {
         const std::vector<float> mattes = sample_mattes(setting(), session.backing);
         return std::equal(mattes.begin(), mattes.end(), session.backing_mattes.begin(),
                           [](float a, float b) { return std::abs(a - b) <= 1.0f; });
     };
-    if (session.backing_color == node_.knobs_.screen_color && !session.backing.empty() && kept()) return;
-    Iop& fg = node_.input(0);
+    if (session.backing_color == node_.knobs.screen_color && !session.backing.empty() && kept()) return;
+    Iop& fg = node_.image.input(0);
     std::vector<OverlaySample> region;
-    for (const StrokePixel& p : read_pixels(fg, plate(), &node_.screen_region(), fg.info().box)) {
+    for (const StrokePixel& p :
+         read_pixels(fg, plate(), &node_.screen_area(), fg.info().box, node_.abort())) {
         region.push_back({p.first, p.second, true});
     }
     // A pixel that is of the region only by its neighbours would be judged without them.
     const std::vector<bool> clear = overlay_agrees(setting(), region);
     std::vector<PlatedSample> pixels;
     for (std::size_t i = 0; i < region.size(); ++i) {
-        if (clear[i] || !node_.knobs_.screen_correct) pixels.push_back({region[i].fg, region[i].plate});
+        if (clear[i] || !node_.knobs.screen_correct) pixels.push_back({region[i].fg, region[i].plate});
     }
     session.backing = spread_over(pixels);
     session.backing_mattes = sample_mattes(setting(), session.backing);
-    session.backing_color = node_.knobs_.screen_color;
+    session.backing_color = node_.knobs.screen_color;
 }
 
 void ToolRun::matte_samples(Tool tool) {
     const bool noise = tool == Tool::kRemoveNoise;
     Iop& matte = node_.cleanup.input(0);
-    std::vector<MatteSample>& list = node_.session_.mattes;
+    std::vector<MatteSample>& list = node_.session.mattes;
     std::vector<Sample> stroke;
     for (const StrokePixel& p : pixels(matte, nullptr)) stroke.push_back(p.first);
     for (const std::size_t i : extremes(stroke)) remember(list, {stroke[i][3], noise});
@@ -208,19 +239,19 @@ void ToolRun::matte_samples(Tool tool) {
 // foreground after each change of it.
 void ToolRun::spill(bool restore) {
     auto* const list =
-        node_.panel_.samples(restore ? SampleAction::kRestoreSpill : SampleAction::kRemoveSpill);
-    Strokes<SpillSample>& strokes = node_.session_.spill;
+        node_.panel.samples(restore ? SampleAction::kRestoreSpill : SampleAction::kRemoveSpill);
+    Strokes<SpillSample>& strokes = node_.session.spill;
     const bool restored_gone = taken_back(SampleAction::kRestoreSpill);
     const bool removed_gone = taken_back(SampleAction::kRemoveSpill);
     strokes.forget([&](const SpillSample& s) { return s.restore ? restored_gone : removed_gone; });
-    KnobStorage bare = node_.knobs_;
+    KnobStorage bare = node_.knobs;
     bare.spill_backgroundveiling = KnobStorage{}.spill_backgroundveiling;
     with(bare, [&] {
         std::vector<SpillSample> asked;
-        for (const StrokePixel& p : pixels(node_.outputMatte, nullptr)) asked.push_back({p.first, restore});
+        for (const StrokePixel& p : pixels(node_.output_matte, nullptr)) asked.push_back({p.first, restore});
         strokes.begin(std::move(asked));
         if (list->flag(kKnobHeld)) return tell_held(*list);
-        list->add_area(node_.outputMatte, box_.x, box_.y, box_.r, box_.t);
+        list->add_area(node_.output_matte, box_.x, box_.y, box_.r, box_.t);
     });
 
     const auto samples = [&] {
@@ -228,7 +259,7 @@ void ToolRun::spill(bool restore) {
         unusable_ = 0;
         for (const bool mode : {!restore, restore}) {
             const auto action = mode ? SampleAction::kRestoreSpill : SampleAction::kRemoveSpill;
-            for (const Sample& sample : node_.panel_.samples(action)->samples()) {
+            for (const Sample& sample : node_.panel.samples(action)->samples()) {
                 if (usable(sample)) {
                     all.push_back({as_saved(sample), mode});
                 } else {
@@ -249,11 +280,11 @@ void ToolRun::spill(bool restore) {
 }
 
 void ToolRun::match_color() {
-    ToolSession& session = node_.session_;
-    const Sample keyed = mean(node_.colorCorrection.input(0));
-    const Sample matte = mean(node_.outputMatte);
-    VlxNormalize normal(node_.context());
-    normal.set_input(0, &node_.input(2));
+    ToolSession& session = node_.session;
+    const Sample keyed = mean(node_.color_correction.input(0));
+    const Sample matte = mean(node_.output_matte);
+    VlxNormalize normal(node_.image.context());
+    normal.set_input(0, &node_.image.input(2));
     normal.setup();
     const Sample behind = mean(normal);
     if (!usable(keyed) || !usable(matte) || !usable(behind)) {
@@ -268,8 +299,8 @@ void ToolRun::match_color() {
     if (!compared) note("no stroke on the background yet: the background behind the subject counts");
     const ColorMatch match =
         match_colors(setting(), session.keyed, compared ? session.background : session.behind);
-    node_.controls_.set(controls::kFgSample, match.fg[0], match.fg[1], match.fg[2]);
-    node_.controls_.set(controls::kBgSample, match.bg[0], match.bg[1], match.bg[2]);
+    node_.controls.set(controls::kFgSample, match.fg[0], match.fg[1], match.fg[2]);
+    node_.controls.set(controls::kBgSample, match.bg[0], match.bg[1], match.bg[2]);
     adopt(match.tuning, match.tuning.misses.size());
 }
 
@@ -278,27 +309,20 @@ void ToolRun::adopt(const Tuning& tuning, std::size_t counted) {
     set_knobs(tuning.knobs);
     const auto begin = tuning.misses.begin();
     const auto satisfied = std::count(begin, begin + static_cast<std::ptrdiff_t>(counted), 0.0);
-    report_ += "samples\t" + std::to_string(satisfied) + '\t' +
-               std::to_string(static_cast<std::ptrdiff_t>(counted) - satisfied) + '\t' +
-               std::to_string(unusable_) + '\n';
+    report_.satisfied = static_cast<int>(satisfied);
+    report_.unsatisfied = static_cast<int>(counted) - report_.satisfied;
+    report_.unusable = unusable_;
 }
 
 // By way of the knobs, which read and write the node's fields: what differs is found there.
 void ToolRun::set_knobs(const KnobStorage& values) {
-    const KnobStorage present = node_.knobs_;
-    const std::vector<Knob*>& settings = node_.panel_.settings();
-    std::vector<std::string> before;
-    for (const Knob* const knob : settings) before.push_back(knob->text());
-    node_.knobs_ = values;
-    std::vector<Knob*> changed;
-    for (std::size_t i = 0; i < settings.size(); ++i) {
-        const std::string after = settings[i]->text();
-        if (after == before[i]) continue;
-        report_ += "knob\t" + settings[i]->name() + '\t' + before[i] + '\t' + after + '\n';
-        changed.push_back(settings[i]);
-    }
-    node_.knobs_ = present;
+    const KnobStorage present = node_.knobs;
+    const KnobValues before(node_.panel.settings());
+    node_.knobs = values;
+    report_.changes = before.changes();
+    const std::vector<Knob*> changed = before.changed();
+    node_.knobs = present;
     for (Knob* const knob : changed) knob->new_undo(knob->name().c_str());
-    node_.knobs_ = values;
+    node_.knobs = values;
     for (Knob* const knob : changed) knob->changed();
 }

@@ -1,15 +1,5 @@
-// One use of a toolbar tool: gathers the stroke's samples, starts the tool's analysis, and sets the knobs
-// that it found, each with an undo step.
-//
-// The stroke's box comes from the tool's values 4 to 7, rounded outward. Report, one line each, fields
-// separated by tabs:
-//
-//   tool     NAME
-//   box      X Y R T
-//   knob     NAME, value before, value after      one line for each knob that changed
-//   samples  satisfied, unsatisfied, unusable     the last are NaN or infinite
-//   held     NAME                                 one line for each knob that it leaves for that reason
-//   note     what else there is to say
+// One use of a tool: gathers the stroke's samples, starts the tool's analysis, and sets the knobs that it
+// found, each with an undo step.
 //
 // Where a tool has nothing left to turn it asks for nothing: no sample is kept. Held sample lists stay as
 // they are; what of them is as asked counts before all strokes.
@@ -19,23 +9,25 @@
 #include <limits>
 #include <string>
 
-#include "keyer/VeloxaKeyer.h"
 #include "tools/StrokePixels.h"
+#include "tools/ToolNode.h"
 
 class ToolRun {
   public:
-    explicit ToolRun(VeloxaKeyer& node) : node_(node) {}
+    explicit ToolRun(const ToolNode& node) : node_(node) {}
 
-    void run(Tool tool);
+    // Any tool but that which sets up by means of the others. The box is the foreground's; that which looks
+    // at all of it takes none.
+    Zo::Image::ToolReport run(Tool tool, const Zo::Image::Box& box);
 
   private:
     using Sample = VeloxaSample::Sample;
 
-    bool take_box(const Zo::Image::Knob& tool);
+    bool take_box(const Zo::Image::Box& box);
     // Whether a held knob leaves the tool anything to turn; says which are held.
     bool may_turn(Tool tool);
     void use(Tool tool);
-    // Calls `look` while the node stands as with these knobs.
+    // Calls `look` while the node stands as with these knobs. Where that throws it stays so.
     template <class Look>
     void with(const KnobStorage& knobs, const Look& look);
     Sample mean(Zo::Image::Iop& source) const;
@@ -45,6 +37,7 @@ class ToolRun {
     Tuning refine(Strokes<T>& strokes, const Analyse& analyse, const Agrees& agrees);
     template <class T, class Agrees>
     void note_missed(const Strokes<T>& strokes, const Agrees& agrees);
+    void find_screen();
     void pick_color(Zo::Image::Iop& source, KnobStorage::Color KnobStorage::*field, bool darken);
     void overlay(bool add);
     void gather_overlay(bool add);
@@ -60,7 +53,7 @@ class ToolRun {
     void spill(bool restore);
     void match_color();
 
-    Setting setting() const { return setting(node_.knobs_); }
+    Setting setting() const { return setting(node_.knobs); }
     Setting setting(const KnobStorage& knobs) const;
     void tell_held(const Zo::Image::Knob& knob);
     bool is_held(SampleAction action) const;
@@ -74,10 +67,10 @@ class ToolRun {
     static constexpr int kMostRounds = 12;
     static constexpr int kMostIdleRounds = 2;
 
-    VeloxaKeyer& node_;
+    const ToolNode& node_;
     Zo::Image::Box box_{};
-    int unusable_ = 0;
-    std::string report_;
+    int unusable_ = 0;  // so far; what the analysis says goes to the report
+    Zo::Image::ToolReport report_;
 };
 
 template <class T, class Analyse, class Agrees>
@@ -106,13 +99,8 @@ void ToolRun::note_missed(const Strokes<T>& strokes, const Agrees& agrees) {
 
 template <class Look>
 void ToolRun::with(const KnobStorage& knobs, const Look& look) {
-    const KnobStorage present = node_.knobs_;
-    const auto set = [this](const KnobStorage& values) {
-        node_.knobs_ = values;
-        node_.invalidate();
-        node_.validate(true);
-    };
-    set(knobs);
+    const KnobStorage present = node_.knobs;
+    node_.stand_as(knobs);
     look();
-    set(present);
+    node_.stand_as(present);
 }

@@ -20,6 +20,7 @@ ToolKnobs knobs_of(Tool tool, const Setting& setting) {
     ToolKnobs knobs;
     switch (tool) {
         case Tool::kScreen:
+        case Tool::kFindScreen:
             knobs.fields.add(&K::screen_color);
             break;
         case Tool::kMatchShadow:
@@ -51,6 +52,8 @@ ToolKnobs knobs_of(Tool tool, const Setting& setting) {
                 knobs.add(color_match_dials(setting, component));
             }
             break;
+        case Tool::kSetUp:
+            break;
     }
     return knobs;
 }
@@ -62,7 +65,7 @@ bool ToolRun::may_turn(Tool tool) {
     ToolKnobs knobs = knobs_of(tool, present);
     const bool off = knobs.enable != nullptr && !(present.knobs.*knobs.enable);
     if (off) knobs.fields.add(knobs.enable);
-    for (const Knob* const knob : node_.panel_.held_among(knobs.fields)) tell_held(*knob);
+    for (const Knob* const knob : node_.panel.held_among(knobs.fields)) tell_held(*knob);
     if (off && present.held.has(knobs.enable)) {
         note("what the tool works by is off, and held so");
         return false;
@@ -73,9 +76,9 @@ bool ToolRun::may_turn(Tool tool) {
 }
 
 void ToolRun::tell_held(const Knob& knob) {
-    report_ += "held\t" + knob.name() + '\n';
+    report_.held.push_back(knob.name());
 }
 
 bool ToolRun::is_held(SampleAction action) const {
-    return node_.panel_.samples(action)->flag(kKnobHeld);
+    return node_.panel.samples(action)->flag(kKnobHeld);
 }

@@ -27,12 +27,12 @@ std::vector<OverlaySample> ToolRun::overlay_samples(bool add) {
             ++unusable_;
         }
     };
-    const KnobStorage::Color& screen = node_.knobs_.screen_color;
+    const KnobStorage::Color& screen = node_.knobs.screen_color;
     for (const bool mode : {!add, add}) {
         const SampleAction action = mode ? SampleAction::kAddOverlay : SampleAction::kRemoveOverlay;
-        const auto* const fg = node_.panel_.samples(action);
+        const auto* const fg = node_.panel.samples(action);
         const auto* const cp =
-            node_.panel_.samples(mode ? SampleAction::kAddOverlayCp : SampleAction::kRemoveOverlayCp);
+            node_.panel.samples(mode ? SampleAction::kAddOverlayCp : SampleAction::kRemoveOverlayCp);
         for (std::size_t i = 0; i < fg->samples().size(); ++i) {
             const std::size_t back = fg->samples().size() - i;
             const std::size_t plates = cp->samples().size();
@@ -46,14 +46,14 @@ std::vector<OverlaySample> ToolRun::overlay_samples(bool add) {
             }
         }
     }
-    for (const OverlaySample& pixel : node_.session_.overlay.samples()) append(pixel);
+    for (const OverlaySample& pixel : node_.session.overlay.samples()) append(pixel);
     for (const OverlaySample& sample : kept) append(sample);
     return samples;
 }
 
 void ToolRun::overlay(bool add) {
     gather_overlay(add);
-    Strokes<OverlaySample>& strokes = node_.session_.overlay;
+    Strokes<OverlaySample>& strokes = node_.session.overlay;
     const auto analyse = [&] { return analyse_overlay(setting(), overlay_samples(add)); };
     const auto agrees = [&](const KnobStorage& knobs, const std::vector<OverlaySample>& asked) {
         return overlay_agrees(setting(knobs), asked);
@@ -89,7 +89,8 @@ std::vector<std::array<int, 2>> ToolRun::visible(const KnobStorage& knobs) {
     if (decimate(box_.x, box_.y, box_.r, box_.t, step_x, step_y) == 0) return places;
     with(knobs, [&] {
         // A render makes what the stages look up and down for once.
-        Renderer(1).render(node_, box_, kMaskRgba, [&](int y, const Row& row) {
+        Renderer renderer(1, node_.abort());
+        render_or_give_up(renderer, node_.image, box_, kMaskRgba, [&](int y, const Row& row) {
             if ((y - box_.y) % step_y != 0) return;
             for (int x = box_.x; x < box_.r; x += step_x) {
                 if (row[kAlpha][x - box_.x] != 0.0f) places.push_back({x, y});
@@ -102,19 +103,20 @@ std::vector<std::array<int, 2>> ToolRun::visible(const KnobStorage& knobs) {
 std::vector<OverlaySample> ToolRun::surroundings(const KnobStorage& knobs,
                                                  const std::vector<std::array<int, 2>>& places) {
     const auto reach = [&](std::size_t axis) {
-        const double radius = std::ceil(std::clamp(node_.knobs_.screen_shrink[axis], 0.0, kWidestMargin));
-        return to_int(radius) + (node_.knobs_.screen_orphans > 0 ? 1 : 0);
+        const double radius = std::ceil(std::clamp(node_.knobs.screen_shrink[axis], 0.0, kWidestMargin));
+        return to_int(radius) + (node_.knobs.screen_orphans > 0 ? 1 : 0);
     };
-    const KnobStorage::Color& screen = node_.knobs_.screen_color;
+    const KnobStorage::Color& screen = node_.knobs.screen_color;
     const Sample constant{screen[0], screen[1], screen[2], 0.0f};
-    const Box& frame = node_.input(0).info().box;
+    const Box& frame = node_.image.input(0).info().box;
     std::vector<OverlaySample> beside;
     const std::size_t count = std::min(places.size(), kMostPlaces);
     for (std::size_t i = 0; i < count; ++i) {
         const auto [x, y] = places[i * places.size() / count];
         const Box near{std::max(x - reach(0), frame.x), std::max(y - reach(1), frame.y),
                        std::min(x + reach(0) + 1, frame.r), std::min(y + reach(1) + 1, frame.t)};
-        for (const StrokePixel& p : read_pixels(node_.input(0), plate(), nullptr, near)) {
+        for (const StrokePixel& p :
+             read_pixels(node_.image.input(0), plate(), nullptr, near, node_.abort())) {
             beside.push_back({p.first, plate() != nullptr ? p.second : constant, true});
         }
     }
@@ -127,30 +129,30 @@ std::vector<OverlaySample> ToolRun::surroundings(const KnobStorage& knobs,
 }
 
 void ToolRun::gather_overlay(bool add) {
-    const auto list = [this](SampleAction action) { return node_.panel_.samples(action); };
+    const auto list = [this](SampleAction action) { return node_.panel.samples(action); };
     auto* const fg = list(add ? SampleAction::kAddOverlay : SampleAction::kRemoveOverlay);
     auto* const cp = list(add ? SampleAction::kAddOverlayCp : SampleAction::kRemoveOverlayCp);
-    const KnobStorage::Color& screen = node_.knobs_.screen_color;
+    const KnobStorage::Color& screen = node_.knobs.screen_color;
     const Sample constant{screen[0], screen[1], screen[2], 0.0f};
     const bool added_gone = taken_back(SampleAction::kAddOverlay);
     const bool removed_gone = taken_back(SampleAction::kRemoveOverlay);
-    node_.session_.overlay.forget(
+    node_.session.overlay.forget(
         [&](const OverlaySample& s) { return s.screen ? added_gone : removed_gone; });
     std::vector<OverlaySample> asked;
-    for (const StrokePixel& p : pixels(node_.input(0), plate())) {
+    for (const StrokePixel& p : pixels(node_.image.input(0), plate())) {
         asked.push_back({p.first, plate() != nullptr ? p.second : constant, add});
     }
-    node_.session_.overlay.begin(std::move(asked));
+    node_.session.overlay.begin(std::move(asked));
     // A plate's sample belongs to one of the foreground.
     for (const Knob* const samples : {fg, cp}) {
         if (samples->flag(kKnobHeld)) return tell_held(*samples);
     }
-    fg->add_area(node_.input(0), box_.x, box_.y, box_.r, box_.t);
-    node_.validate(true);
+    fg->add_area(node_.image.input(0), box_.x, box_.y, box_.r, box_.t);
+    node_.image.validate(true);
     if (plate() == nullptr) {
         cp->add_point(constant, box_.x, box_.y, box_.r, box_.t);
     } else {
         cp->add_area(*plate(), box_.x, box_.y, box_.r, box_.t);
     }
-    node_.validate(true);
+    node_.image.validate(true);
 }

@@ -13,9 +13,9 @@
 #pragma once
 
 #include <array>
-#include <string>
 #include <vector>
 
+#include "ZoImage/ToolReport.h"
 #include "tools/MatteSampleAnalysis.h"
 #include "tools/Strokes.h"
 
@@ -36,5 +36,5 @@ struct ToolSession {
     std::vector<VeloxaSample::Sample> background;
     std::vector<VeloxaSample::Sample> behind;  // the background under each of `keyed`
 
-    std::string report;  // of the latest tool
+    std::vector<Zo::Image::ToolReport> reports;  // of the latest tool
 };

@@ -134,6 +134,9 @@ expect 0 '"name": "screen_color"' tune "${shot[@]}" "${strokes[@]}" --json
 expect 0 "veloxa: auto: merge stays at multiply, as set" key --fg shot/fg.0001.exr -o out/set.exr --auto \
     --set merge=multiply
 expect 0 '"merge stays at multiply, as set"' tune --fg shot/fg.0001.exr --auto --set merge=multiply --json
+expect 0 "" plate -o solid --size 160x120
+printf 'Veloxa {\n darks 1\n}\n' >darks.script
+expect 0 "brights stays at 100, as the script sets darks" tune --fg solid/fg.exr --auto --script darks.script
 expect 0 "auto output" tune --fg shot/fg.0001.exr --auto "${strokes[0]}" "${strokes[1]}"
 head -1 out.txt | grep -q '^toolbar_screen' || fail "set up without a screen colour: $(head -1 out.txt)"
 

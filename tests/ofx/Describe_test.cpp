@@ -146,6 +146,8 @@ TEST_F(Describe, WhereUsersFindTheControls) {
         pages[name] = places(effect, *param, kPages);
         EXPECT_THAT(pages[name], Contains(label));
     }
+    EXPECT_THAT(pages["find_screen"], ElementsAre("Sampling"));
+    EXPECT_THAT(pages["set_up"], ElementsAre("Sampling"));
     const HostOptions strict{.refused_children = {"group_density", "group_output"}};
     const Effect& other = host(strict).descriptor(kOfxImageEffectContextGeneral);
     for (const auto& [name, labels] : pages)

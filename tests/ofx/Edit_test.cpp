@@ -1,4 +1,6 @@
 // What becomes of the parameters when the user changes, presses, samples, undoes and saves.
+#include <gmock/gmock.h>
+
 #include <sstream>
 
 #include "ofx/Scene.h"
@@ -151,18 +153,54 @@ TEST_F(Edit, ToolsOnAProxyOfOblongPixels) {
     services().take_messages();
 }
 
+// As the program does: one reference presses the buttons of the node itself.
+TEST_F(Edit, FindsTheScreenAndSetsItselfUp) {
+    for (const char* button : {"find_screen", "set_up"}) {
+        SCOPED_TRACE(button);
+        const auto effect = instance(two_clips(), {{"cleanup_recover", {0.1}}});
+        Reference node(two_clips(), {{"cleanup_recover", {0.1}}});
+        const Host::Values before = effect->saved();
+        effect->params.undo.clear();
+        effect->polls = 0;
+        effect->press(button);
+        const int polls = effect->polls;
+        node.panel.get(button).changed();
+        expect_same(*effect, node.panel);
+        EXPECT_NEAR(effect->params.get("screen_color").value().numbers[1], 0.6, 0.05);
+        EXPECT_EQ(effect->params.get("merge").value().numbers[0],
+                  button == std::string("set_up") ? 1.0 : 0.0);
+        EXPECT_THAT(services().take_messages(), testing::Contains(testing::HasSubstr("green screen")));
+        ASSERT_EQ(effect->params.undo.size(), 1U);
+        effect->undo();
+        EXPECT_EQ(effect->saved(), before);
+        // Given up half way, it leaves nothing behind. One thread alone polls, so let it have all rows.
+        services().threads = 1;
+        effect->abort_after = effect->polls + polls / 2;
+        effect->press(button);
+        EXPECT_EQ(effect->saved(), before);
+        EXPECT_NE(take_faults(), "") << "the action should fail";
+        effect->abort_after = -1;
+        services().threads = 2;
+        effect->press(button);
+        expect_same(*effect, node.panel);
+        services().take_messages();
+    }
+}
+
 TEST_F(Edit, ToolsNeedPixels) {
-    Clips clips = two_clips();
-    const auto effect = instance(clips, {{"screen_color", kScreen}});
-    const Host::Values before = effect->saved();
-    clips["fg"].fails = true;
-    effect->connect("fg", &clips["fg"]);
-    effect->press("toolbar_screen");
-    effect->connect("fg", nullptr);
-    effect->press("toolbar_screen");
-    EXPECT_EQ(effect->saved(), before);
-    EXPECT_EQ(services().take_messages().size(), 2U);
-    EXPECT_NE(take_faults(), "") << "the action should fail";
+    for (const char* tool : {"toolbar_screen", "find_screen", "set_up"}) {
+        Clips clips = two_clips();
+        const auto effect = instance(clips, {{"screen_color", kScreen}});
+        const Host::Values before = effect->saved();
+        clips["fg"].fails = true;
+        effect->connect("fg", &clips["fg"]);
+        effect->press(tool);
+        effect->connect("fg", nullptr);
+        effect->press(tool);
+        EXPECT_EQ(effect->saved(), before);
+        EXPECT_EQ(services().take_messages().size(), 2U);
+        EXPECT_NE(take_faults(), "") << "the action should fail";
+    }
 }
 
 TEST_F(Edit, EnablesGreyOut) {

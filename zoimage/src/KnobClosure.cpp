@@ -62,8 +62,12 @@ Knob* spacer(Knob_Closure& f) {
     return text_knob(f, " ");
 }
 
-Knob* button(Knob_Closure& f, std::string_view name, std::string_view label) {
-    return make_or_find(f, Kind::kButton, name, label);
+Knob* button(Knob_Closure& f, std::string_view name, std::string_view label, std::int32_t* field,
+             std::initializer_list<std::string_view> items) {
+    Knob* const knob =
+        make_or_find(f, Kind::kButton, name, label, field ? Knob::Field(field) : Knob::Field());
+    if (f.making()) knob->items({items.begin(), items.end()});
+    return knob;
 }
 
 Knob* script_button(Knob_Closure& f, std::string_view command, std::string_view name,

@@ -38,22 +38,24 @@ struct KnobRange {
 // Flags of a knob, to be combined.
 inline constexpr unsigned kKnobHidden = 1;
 inline constexpr unsigned kKnobDisabled = 2;
-inline constexpr unsigned kKnobHeld = 4;    // set by front ends: the operator's own tools leave the value
-inline constexpr unsigned kKnobPixels = 8;  // its numbers count pixels of the image
+inline constexpr unsigned kKnobHeld = 4;       // set by front ends: the operator's own tools leave the value
+inline constexpr unsigned kKnobPixels = 8;     // its numbers count pixels of the image
+inline constexpr unsigned kKnobScripted = 16;  // set by front ends: the value is a script's
+inline constexpr unsigned kKnobLooks = 32;     // buttons: pressing it looks at the images on the inputs
 
 class Knob {
   public:
     enum class Kind {
         kBool,
         kFloat,
-        kMenu,         // index into items()
-        kColor,        // red, green, blue
-        kColorAlpha,   // red, green, blue, alpha
-        kWidthHeight,  // width, height
-        kLink,         // shows and edits target()
-        kTab,          // the knobs that follow stand on this tab
-        kText,         // a caption; the label " " is a spacer
-        kButton,
+        kMenu,          // index into items()
+        kColor,         // red, green, blue
+        kColorAlpha,    // red, green, blue, alpha
+        kWidthHeight,   // width, height
+        kLink,          // shows and edits target()
+        kTab,           // the knobs that follow stand on this tab
+        kText,          // a caption; the label " " is a spacer
+        kButton,        // may choose one of items(), for what pressing it does
         kScriptButton,  // runs its command with the value that pressing it toggles between 0 and 1
         kBeginToolbar,
         kEndToolbar,

@@ -48,7 +48,9 @@ Knob* link_knob(Knob_Closure& f, Knob* target, std::string_view name, std::strin
 Knob* tab_knob(Knob_Closure& f, std::string_view label);
 Knob* text_knob(Knob_Closure& f, std::string_view text);
 Knob* spacer(Knob_Closure& f);
-Knob* button(Knob_Closure& f, std::string_view name, std::string_view label);
+// With items, `field` holds the index of the one by which the button goes.
+Knob* button(Knob_Closure& f, std::string_view name, std::string_view label, std::int32_t* field = nullptr,
+             std::initializer_list<std::string_view> items = {});
 // `command` is "knob NAME VALUE", where $value stands for the button's own value, 0 or 1.
 Knob* script_button(Knob_Closure& f, std::string_view command, std::string_view name, std::string_view label);
 

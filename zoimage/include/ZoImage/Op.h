@@ -17,18 +17,24 @@
 #include <vector>
 
 #include "ZoImage/Hash.h"
+#include "ZoImage/ToolReport.h"
 
 namespace Zo::Image {
 
+class AbortFlag;
 class Iop;
 class Knob;
 class Knob_Closure;
 class Op;
+class ThreadSource;
 
 // What a host hands to the constructor of the operators that it creates. Internal operators get the one
 // of the node that owns them.
 struct NodeContext {
     std::string node_name;  // the node's name in messages; may be empty
+    // For the renders that a node's tools make; both outlive the node.
+    ThreadSource* threads = nullptr;   // null for threads of their own
+    const AbortFlag* abort = nullptr;  // a tool that is given up leaves the node as it was
 };
 
 class Op {
@@ -125,6 +131,9 @@ class Op {
     virtual void knobs(Knob_Closure&) {}
     // Called after the user changed a knob. Returns non-zero when the change was handled.
     virtual int knob_changed(Knob*) { return 0; }
+
+    // What the latest tool that a button of the panel started did, step by step.
+    virtual std::vector<ToolReport> tool_reports() const { return {}; }
 
     // A report in plain text about the operator as it stands, for people and front ends; which there are is
     // up to the operator. Empty for one that it does not know.

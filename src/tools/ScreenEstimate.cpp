@@ -1,10 +1,11 @@
-#include "shot/setup/ScreenEstimate.h"
+#include "tools/ScreenEstimate.h"
 
 #include <algorithm>
 #include <cmath>
 #include <vector>
 
-namespace veloxa {
+#include "ZoImage/FramePlane.h"
+#include "tools/StrokePixels.h"
 
 using namespace Zo::Image;
 
@@ -25,7 +26,40 @@ struct Cell {
     double weight;
 };
 
-std::optional<Color> mean_of(const Image& image, const Box& cell) {
+// The part of the picture that is seen.
+class Picture {
+  public:
+    Picture(Iop& image, Renderer& renderer) {
+        image.validate(true);
+        frame_ = image.info().box;
+        frame_.intersect(image.info().format.box);
+        if (frame_.empty()) return;
+        for (auto& plane : planes_) {
+            plane.resize(static_cast<std::size_t>(frame_.width()) *
+                         static_cast<std::size_t>(frame_.height()));
+        }
+        render_or_give_up(renderer, image, frame_, kMaskRgb, [&](int y, const Row& row) {
+            for (std::size_t i = 0; i < 3; ++i) {
+                const float* const line = row[static_cast<Channel>(kRed + static_cast<int>(i))];
+                std::copy_n(line, frame_.width(), planes_[i].data() + offset(frame_.x, y));
+            }
+        });
+    }
+    const Box& frame() const { return frame_; }
+    double at(std::size_t channel, int x, int y) const {
+        return static_cast<double>(planes_[channel].data()[offset(x, y)]);
+    }
+
+  private:
+    std::ptrdiff_t offset(int x, int y) const {
+        return static_cast<std::ptrdiff_t>(y - frame_.y) * frame_.width() + (x - frame_.x);
+    }
+
+    Box frame_{};
+    std::array<FramePlane<float>, 3> planes_;
+};
+
+std::optional<Color> mean_of(const Picture& picture, const Box& cell) {
     Color sum{};
     double count = 0.0;
     for (int y = cell.y; y < cell.t; ++y) {
@@ -33,8 +67,7 @@ std::optional<Color> mean_of(const Image& image, const Box& cell) {
             Color pixel{};
             bool finite = true;
             for (std::size_t i = 0; i < 3; ++i) {
-                const auto c = static_cast<Channel>(kRed + static_cast<int>(i));
-                if (image.has(c)) pixel[i] = static_cast<double>(image.line(c, y)[x - image.info.box.x]);
+                pixel[i] = picture.at(i, x, y);
                 finite = finite && std::isfinite(pixel[i]);
             }
             if (!finite) continue;
@@ -53,19 +86,15 @@ double border_weight(const Box& frame, const Box& cell) {
     return 1.0 + kBorderWeight * std::max(0.0, 1.0 - from_border / kBorder);
 }
 
-// The part of the picture that is seen, in cells.
-std::vector<Cell> cells_of(const Image& image) {
-    const Box& data = image.info.box;
-    const Box& shown = image.info.format.box;
-    const Box frame{std::max(data.x, shown.x), std::max(data.y, shown.y), std::min(data.r, shown.r),
-                    std::min(data.t, shown.t)};
+std::vector<Cell> cells_of(const Picture& picture) {
+    const Box& frame = picture.frame();
     std::vector<Cell> cells;
     if (frame.empty()) return cells;
     const int size = (std::max(frame.width(), frame.height()) + kCells - 1) / kCells;
     for (int y = frame.y; y < frame.t; y += size) {
         for (int x = frame.x; x < frame.r; x += size) {
             const Box cell{x, y, std::min(x + size, frame.r), std::min(y + size, frame.t)};
-            if (const auto color = mean_of(image, cell))
+            if (const auto color = mean_of(picture, cell))
                 cells.push_back({*color, border_weight(frame, cell)});
         }
     }
@@ -145,20 +174,21 @@ ScreenEstimate candidate(Channel primary, const std::vector<Cell>& cells) {
 
 }  // namespace
 
-ScreenEstimate estimate_screen(const Image& image, std::optional<Channel> primary) {
-    const std::vector<Cell> cells = cells_of(image);
+ScreenEstimate estimate_screen(Iop& image, std::optional<Channel> primary, Renderer& renderer) {
+    const Picture picture(image, renderer);
+    const std::vector<Cell> cells = cells_of(picture);
     ScreenEstimate best;
     if (primary) {
         best = candidate(*primary, cells);
-        best.needed = kConfidenceNeededNamed;
-        return best;
+    } else {
+        for (const Channel c : {kGreen, kBlue, kRed}) {
+            ScreenEstimate one = candidate(c, cells);
+            if (one.share > best.share) std::swap(one, best);
+            best.rival = std::max(best.rival, one.share);
+        }
     }
-    for (const Channel c : {kGreen, kBlue, kRed}) {
-        ScreenEstimate one = candidate(c, cells);
-        if (one.share > best.share) std::swap(one, best);
-        best.rival = std::max(best.rival, one.share);
-    }
-    best.needed = kConfidenceNeeded;
+    best.needed = primary ? kConfidenceNeededNamed : kConfidenceNeeded;
+    best.frame = picture.frame();
     return best;
 }
 
@@ -172,5 +202,3 @@ std::optional<Channel> screen_named(const std::string& name) {
     }
     return std::nullopt;
 }
-
-}  // namespace veloxa

@@ -1,5 +1,5 @@
 // The estimate of the backing: shares worked out by hand, and plates with and without a backing.
-#include "shot/setup/ScreenEstimate.h"
+#include "tools/ScreenEstimate.h"
 
 #include <gtest/gtest.h>
 
@@ -10,8 +10,9 @@
 #include <random>
 
 #include "plates/Set.h"
+#include "shot/node/ImageSource.h"
+#include "support/TestImages.h"
 
-using namespace veloxa;
 using namespace Zo::Image;
 
 namespace {
@@ -21,48 +22,55 @@ constexpr Color kGreenish{0.125, 0.625, 0.25};
 constexpr Color kBluish{0.125, 0.25, 0.5};
 constexpr Color kGrey{0.5, 0.5, 0.5};
 
-Image painted(const Box& box, const std::function<Color(int, int)>& color) {
-    Info info;
-    info.box = box;
-    info.format.box = {0, 0, 64, 48};
-    info.channels = kMaskRgb;
-    Image image(info);
-    for (int y = box.y; y < box.t; ++y) {
-        for (int x = box.x; x < box.r; ++x) {
-            const Color c = color(x, y);
-            for (const Channel channel : kMaskRgb) {
-                image.line(channel, y)[x - box.x] =
-                    static_cast<float>(c[static_cast<std::size_t>(channel - 1)]);
-            }
-        }
-    }
-    return image;
-}
-
 const Box kFrame{0, 0, 64, 48};
 
+using Paint = std::function<Color(int, int)>;
+
+// Has pixels in a box of its own, whatever the frame shows.
+class Painted final : public test::FunctionSource {
+  public:
+    Painted(const Box& box, const Paint& paint)
+        : FunctionSource(box, kMaskRgb, [paint](Channel c, int x, int y) {
+              return static_cast<float>(paint(x, y)[static_cast<std::size_t>(c - kRed)]);
+          }) {}
+
+  protected:
+    void _validate(bool for_real) override {
+        FunctionSource::_validate(for_real);
+        info_.format.box = kFrame;
+    }
+};
+
+ScreenEstimate look(Iop& image, std::optional<Channel> primary = {}) {
+    Renderer renderer(2);
+    return estimate_screen(image, primary, renderer);
+}
+
+ScreenEstimate look(const Paint& paint, std::optional<Channel> primary = {}, const Box& box = kFrame) {
+    Painted image(box, paint);
+    return look(image, primary);
+}
+
 TEST(ScreenEstimate, SharesOfHalves) {
-    const Image half = painted(kFrame, [](int x, int) { return x < 32 ? kGreenish : kGrey; });
-    const ScreenEstimate one = estimate_screen(half);
+    const ScreenEstimate one = look([](int x, int) { return x < 32 ? kGreenish : kGrey; });
     EXPECT_EQ(one.primary, kGreen);
     EXPECT_EQ(one.color, kGreenish);
     EXPECT_NEAR(one.share, 0.5, 1e-12);  // the weights are the same left and right
     EXPECT_EQ(one.rival, 0.0);
     EXPECT_TRUE(one.found());
 
-    const Image both = painted(kFrame, [](int x, int) { return x < 32 ? kGreenish : kBluish; });
-    EXPECT_NEAR(estimate_screen(both).confidence(), 0.0, 1e-12);
-    EXPECT_FALSE(estimate_screen(both).found());
-    const ScreenEstimate named = estimate_screen(both, kBlue);
+    const Paint both = [](int x, int) { return x < 32 ? kGreenish : kBluish; };
+    EXPECT_NEAR(look(both).confidence(), 0.0, 1e-12);
+    EXPECT_FALSE(look(both).found());
+    const ScreenEstimate named = look(both, kBlue);
     EXPECT_TRUE(named.found());
     EXPECT_EQ(named.color, kBluish);
-    EXPECT_FALSE(estimate_screen(both, kRed).found());
+    EXPECT_FALSE(look(both, kRed).found());
 }
 
 // Blue fills the middle, green a border on three sides; the weights by the rule, pixel by pixel.
 TEST(ScreenEstimate, BordersCountMost) {
     const auto inside = [](int x, int y) { return x >= 8 && x < 56 && y < 42; };
-    const Image image = painted(kFrame, [&](int x, int y) { return inside(x, y) ? kBluish : kGreenish; });
     double blue = 0.0, all = 0.0;
     for (int y = 0; y < 48; ++y) {
         for (int x = 0; x < 64; ++x) {
@@ -72,7 +80,7 @@ TEST(ScreenEstimate, BordersCountMost) {
             blue += inside(x, y) ? weight : 0.0;
         }
     }
-    const ScreenEstimate found = estimate_screen(image);
+    const ScreenEstimate found = look([&](int x, int y) { return inside(x, y) ? kBluish : kGreenish; });
     EXPECT_EQ(found.primary, kGreen);  // on a third of the pixels
     EXPECT_NEAR(found.share, 1.0 - blue / all, 1e-9);
     EXPECT_NEAR(found.rival, blue / all, 1e-9);
@@ -80,14 +88,14 @@ TEST(ScreenEstimate, BordersCountMost) {
 
 TEST(ScreenEstimate, FallingLightAndWildPixelsDoNotMoveIt) {
     constexpr double kInf = std::numeric_limits<double>::infinity();
-    const Image image = painted({-6, -6, 70, 54}, [&](int x, int y) -> Color {
+    const Paint wild = [&](int x, int y) -> Color {
         if (x < 0 || y < 0 || x >= 64 || y >= 48) return {9.0, 0.0, 0.0};  // not seen
         if ((x * 7 + y * 13) % 10 == 0) return {kInf, -kInf, std::numeric_limits<double>::quiet_NaN()};
         if ((x * 7 + y * 13) % 10 == 1) return {50.0, 60.0, 55.0};
         const double light = 0.25 + 0.75 * (x + 0.5) / 64.0;
         return {kGreenish[0] * light, kGreenish[1] * light, kGreenish[2] * light};
-    });
-    const ScreenEstimate found = estimate_screen(image);
+    };
+    const ScreenEstimate found = look(wild, {}, {-6, -6, 70, 54});
     EXPECT_EQ(found.primary, kGreen);
     EXPECT_TRUE(found.found());
     EXPECT_NEAR(found.color[0] / found.color[1], 0.2, 0.01);
@@ -104,18 +112,22 @@ TEST(ScreenEstimate, StopsWithoutABacking) {
     const auto ramp = [](int x, int) -> Color { return {x / 64.0, x / 64.0, x / 64.0}; };
     const auto pale = [](int, int) -> Color { return {0.5, 0.57, 0.5}; };
     const auto nan = [](int, int) -> Color { return {std::nan(""), std::nan(""), std::nan("")}; };
-    for (const std::function<Color(int, int)>& plain :
-         {std::function<Color(int, int)>(noise), {nothing}, {ramp}, {pale}, {nan}}) {
-        EXPECT_FALSE(estimate_screen(painted(kFrame, plain)).found());
+    for (const Paint& plain : {Paint(noise), {nothing}, {ramp}, {pale}, {nan}}) {
+        EXPECT_FALSE(look(plain).found());
     }
-    EXPECT_FALSE(estimate_screen(painted({70, 0, 80, 48}, [](int, int) { return kGreenish; })).found());
+    EXPECT_FALSE(look([](int, int) { return kGreenish; }, {}, {70, 0, 80, 48}).found());
 }
 
 TEST(ScreenEstimate, FindsTheBackingOfPlates) {
     for (const std::uint64_t seed : {1, 2, 3, 7, 11, 23}) {
         for (const plate::Screen screen : {plate::Screen::kGreen, plate::Screen::kBlue}) {
             const plate::Set set = plate::render_set({160, 90, seed, screen}, 0, 2);
-            const ScreenEstimate found = estimate_screen(set[plate::kForeground]);
+            const auto shown = [&](plate::Picture picture) {
+                veloxa::ImageSource source(NodeContext{});
+                source.set(std::make_shared<veloxa::Image>(set[picture]), Hash{});
+                return look(source);
+            };
+            const ScreenEstimate found = shown(plate::kForeground);
             EXPECT_EQ(found.primary, screen == plate::Screen::kGreen ? kGreen : kBlue) << seed;
             EXPECT_GT(found.confidence(), 0.6) << seed;
             // Near the backing as it is beside the figure, where the light is not at its brightest.
@@ -124,7 +136,7 @@ TEST(ScreenEstimate, FindsTheBackingOfPlates) {
                 const double beside = static_cast<double>(set[plate::kCleanPlate].line(c, 66)[112]);
                 EXPECT_NEAR(found.color[i], beside, 0.12 * beside + 0.02) << seed << ' ' << c;
             }
-            EXPECT_FALSE(estimate_screen(set[plate::kBackground]).found()) << seed;
+            EXPECT_FALSE(shown(plate::kBackground).found()) << seed;
         }
     }
 }

@@ -1,13 +1,9 @@
-#include "shot/setup/AutoSetup.h"
+#include "tools/AutoSetup.h"
 
 #include <algorithm>
 #include <cstdlib>
-#include <set>
 
-#include "ZoImage/Iop.h"
-#include "shot/Errors.h"
-
-namespace veloxa {
+#include "tools/ToolRun.h"
 
 using namespace Zo::Image;
 
@@ -36,22 +32,6 @@ constexpr int kLowestBrights = 50;
 // composite; from 50 on the composite suffers.
 constexpr int kGentleCleanup = 20;
 
-// While it lives the node's tools leave these knobs alone; later strokes may turn them.
-class Hold {
-  public:
-    explicit Hold(const std::set<Knob*>& knobs) : knobs_(knobs) { hold(true); }
-    ~Hold() { hold(false); }
-    Hold(const Hold&) = delete;
-    Hold& operator=(const Hold&) = delete;
-
-  private:
-    void hold(bool on) const {
-        for (Knob* const knob : knobs_) knob->set_flag(kKnobHeld, on);
-    }
-
-    const std::set<Knob*>& knobs_;
-};
-
 }  // namespace
 
 bool AutoSetup::is_noise(const Tile& tile) {
@@ -62,20 +42,18 @@ bool AutoSetup::is_unclear(const Tile& tile) {
     return tile.largest <= kBackingAlpha && tile.left() * 100 >= kUnclearShare * tile.count;
 }
 
-AutoSetup::AutoSetup(Node& node, int threads, const AbortFlag* abort)
-    : node_(node), renderer_(threads, abort), abort_(abort) {}
+AutoSetup::AutoSetup(const ToolNode& node)
+    : node_(node), knobs_(node.panel.valued()), renderer_(node.renderer()) {}
 
 void AutoSetup::render() {
-    Iop& image = node_.image();
+    Iop& image = node_.image;
     image.validate(true);
     box_ = image.info().box;
     const auto width = static_cast<std::size_t>(box_.width());
     alpha_.resize(width * static_cast<std::size_t>(box_.height()));
-    const bool complete = renderer_.render(image, box_, kAlpha, [&](int y, const Row& row) {
+    render_or_give_up(renderer_, image, box_, kAlpha, [&](int y, const Row& row) {
         std::copy_n(row[kAlpha], width, alpha_.data() + static_cast<std::size_t>(y - box_.y) * width);
     });
-    if (abort_ != nullptr && abort_->raised()) throw Interrupted();
-    if (!complete) throw Error("the frame could not be rendered");
 }
 
 AutoSetup::Tile AutoSetup::tile_at(int x, int y) const {
@@ -144,19 +122,27 @@ bool AutoSetup::keeps_decided(const std::vector<float>& before) const {
     });
 }
 
+Knob& AutoSetup::knob(std::string_view name) const {
+    return **std::find_if(knobs_.begin(), knobs_.end(), [&](const Knob* k) { return k->name() == name; });
+}
+
+bool AutoSetup::scripted() const {
+    return std::any_of(knobs_.begin(), knobs_.end(), [](const Knob* k) { return k->flag(kKnobScripted); });
+}
+
 void AutoSetup::step(const char* name, const KnobValues& before) {
     ToolReport report;
     report.tool = name;
     report.box = box_;
-    report.changes = KnobValues(node_.panel()).since(before);
+    report.changes = before.changes();
     if (report.changes.empty()) return;
     reports_.push_back(report);
 }
 
 bool AutoSetup::stays(const std::string& name) {
-    Knob& knob = node_.panel().get(name);
-    if (node_.named().count(&knob) == 0) return false;
-    const std::string value = knob.kind() == Knob::Kind::kCustom ? "" : " at " + knob.text();
+    const Knob& held = knob(name);
+    if (!held.flag(kKnobHeld)) return false;
+    const std::string value = held.kind() == Knob::Kind::kCustom ? "" : " at " + held.text();
     const std::string note = name + " stays" + value + ", as set";
     if (std::find(notes_.begin(), notes_.end(), note) == notes_.end()) notes_.push_back(note);
     return true;
@@ -165,17 +151,16 @@ bool AutoSetup::stays(const std::string& name) {
 bool AutoSetup::density_stays() {
     if (stays("brights")) return true;
     for (const char* const name : {"darks", "warm", "cool"}) {
-        if (node_.scripted().count(&node_.panel().get(name)) == 0) continue;
-        notes_.push_back("brights stays at " + node_.panel().get("brights").text() + ", as the script sets " +
-                         name);
+        if (!knob(name).flag(kKnobScripted)) continue;
+        notes_.push_back("brights stays at " + knob("brights").text() + ", as the script sets " + name);
         return true;
     }
     return false;
 }
 
 void AutoSetup::choose_output() {
-    if (!stays("matte_scale")) node_.panel().set_from_text("matte_scale", "linear");
-    if (!stays("merge")) node_.panel().set_from_text("merge", "add");
+    if (!stays("matte_scale")) knob("matte_scale").from_script("linear");
+    if (!stays("merge")) knob("merge").from_script("add");
     render();
     side_ = std::max(kSmallestTile, std::min(box_.width(), box_.height()) / kTilesAcross);
     for (const Tile& tile : tiles()) {
@@ -184,8 +169,7 @@ void AutoSetup::choose_output() {
 }
 
 template <class Wanted>
-void AutoSetup::stroke_tiles(const char* tool, const Wanted& wanted) {
-    Knob& button = tool_named(node_.panel(), tool);
+void AutoSetup::stroke_tiles(Tool tool, const Wanted& wanted) {
     std::vector<Tile> found = tiles();
     std::erase_if(found, [&](const Tile& tile) { return !wanted(tile); });
     for (int n = 0; n < kMostStrokes && !found.empty(); ++n) {
@@ -193,14 +177,14 @@ void AutoSetup::stroke_tiles(const char* tool, const Wanted& wanted) {
                                             [](const Tile& a, const Tile& b) { return a.left() < b.left(); });
         const Box box = worst->box;
         found.erase(worst);
-        const KnobValues before(node_.panel());
+        const KnobValues before = values();
         const std::vector<double> solid = solidity();
         const std::vector<float> alpha = alpha_;
-        ToolReport report = apply_stroke(node_, {&button, box, {}});
+        ToolReport report = ToolRun(node_).run(tool, box);
         for (const std::string& name : report.held) stays(name);
         if (!report.held.empty() && report.samples() == 0) return;  // the tool has nothing left to turn
         render();
-        if (!keeps_solid(solid) || (!node_.scripted().empty() && !keeps_decided(alpha))) {
+        if (!keeps_solid(solid) || (scripted() && !keeps_decided(alpha))) {
             before.restore();
             render();
         } else if (!report.changes.empty()) {
@@ -214,15 +198,15 @@ void AutoSetup::stroke_tiles(const char* tool, const Wanted& wanted) {
 
 // From where it is, which the solid tiles bear, to the value nearest to `wanted` that they bear too.
 void AutoSetup::turn(const char* name, int wanted) {
-    Knob& knob = node_.panel().get(name);
+    Knob& turned = knob(name);
     const std::vector<double> solid = solidity();
     const auto holds = [&](int value) {
-        knob.set_value(value);
-        knob.changed();
+        turned.set_value(value);
+        turned.changed();
         render();
         return keeps_solid(solid);
     };
-    int good = static_cast<int>(knob.get_value());
+    int good = static_cast<int>(turned.get_value());
     int bad = wanted + (wanted < good ? -1 : 1);
     while (std::abs(good - bad) > 1) {
         const int middle = bad + (good - bad) / 2;
@@ -233,18 +217,17 @@ void AutoSetup::turn(const char* name, int wanted) {
 
 void AutoSetup::lower_density() {
     if (solid_.empty() || density_stays()) return;
-    if (node_.panel().get("brights").get_value() > kLowestBrights) turn("brights", kLowestBrights);
+    if (knob("brights").get_value() > kLowestBrights) turn("brights", kLowestBrights);
 }
 
 void AutoSetup::clean_up() {
-    const Knob& cleanup = node_.panel().get("cleanup");
-    const Knob& strength = node_.panel().get("cleanup_cleanup");
-    if (stays("cleanup") || cleanup.get_value() != 0.0) return;
-    const KnobValues before(node_.panel());
+    Knob& strength = knob("cleanup_cleanup");
+    if (stays("cleanup") || node_.knobs.cleanup) return;
+    const KnobValues before = values();
     const bool given = stays("cleanup_cleanup");
     const std::vector<double> solid = solidity();
-    if (!given) node_.panel().set_from_text("cleanup_cleanup", "0");
-    node_.panel().set_from_text("cleanup", "1");
+    if (!given) strength.from_script("0");
+    knob("cleanup").from_script("1");
     render();
     if (!given) turn("cleanup_cleanup", kGentleCleanup);
     if (strength.get_value() > 0.0 && keeps_solid(solid)) return;
@@ -253,7 +236,7 @@ void AutoSetup::clean_up() {
 }
 
 std::vector<ToolReport> AutoSetup::run() {
-    const Hold hold(node_.named());
+    if (!find_screen()) return std::move(reports_);
     set_up();
     if (!notes_.empty()) {
         ToolReport report;
@@ -265,21 +248,25 @@ std::vector<ToolReport> AutoSetup::run() {
     return std::move(reports_);
 }
 
+// A colour of 0, 0, 0 that is held was meant so.
+bool AutoSetup::find_screen() {
+    if (node_.knobs.screen_color != KnobStorage::Color{} || knob("screen_color").flag(kKnobHeld)) return true;
+    reports_.push_back(ToolRun(node_).run(Tool::kFindScreen, {}));
+    return reports_.back().failure.empty();
+}
+
 void AutoSetup::set_up() {
-    KnobValues before(node_.panel());
+    KnobValues before = values();
     choose_output();
     step("auto output", before);
     // The overlay tools change places when the subject is shown.
-    const bool subject = node_.panel().get("overlay_mode").text() == "subject";
-    stroke_tiles(subject ? "removeoverlay" : "addoverlay",
+    stroke_tiles(node_.knobs.shows_subject() ? Tool::kRemoveOverlay : Tool::kAddOverlay,
                  [](const Tile& tile) { return is_noise(tile) || is_unclear(tile); });
-    before = KnobValues(node_.panel());
+    before = values();
     lower_density();
     step("auto density", before);
-    before = KnobValues(node_.panel());
+    before = values();
     clean_up();
     step("auto clean-up", before);
-    stroke_tiles("removenoise", [](const Tile& tile) { return is_noise(tile); });
+    stroke_tiles(Tool::kRemoveNoise, [](const Tile& tile) { return is_noise(tile); });
 }
-
-}  // namespace veloxa

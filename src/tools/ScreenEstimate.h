@@ -10,9 +10,8 @@
 #include <optional>
 #include <string>
 
-#include "shot/image/Image.h"
-
-namespace veloxa {
+#include "ZoImage/Iop.h"
+#include "ZoImage/Render.h"
 
 struct ScreenEstimate {
     Zo::Image::Channel primary = Zo::Image::kGreen;
@@ -20,6 +19,7 @@ struct ScreenEstimate {
     double share = 0.0;             // of the weighted frame that the candidate's cells make
     double rival = 0.0;             // the largest share that another primary's candidate has
     double needed = 0.0;            // the confidence to go by
+    Zo::Image::Box frame{};         // what was looked at
 
     double confidence() const { return share - rival; }
     bool found() const { return share > 0.0 && confidence() >= needed; }
@@ -30,11 +30,11 @@ struct ScreenEstimate {
 inline constexpr double kConfidenceNeeded = 0.25;
 inline constexpr double kConfidenceNeededNamed = 0.10;
 
-// With a primary given, looks for that one alone and knows no rival.
-ScreenEstimate estimate_screen(const Image& image, std::optional<Zo::Image::Channel> primary = {});
+// Looks at what the image shows. With a primary given, looks for that one alone and knows no rival. Throws
+// GivenUp when the renderer's flag is raised.
+ScreenEstimate estimate_screen(Zo::Image::Iop& image, std::optional<Zo::Image::Channel> primary,
+                               Zo::Image::Renderer& renderer);
 
 // "green", "blue" or "red".
 const char* screen_name(Zo::Image::Channel primary);
 std::optional<Zo::Image::Channel> screen_named(const std::string& name);
-
-}  // namespace veloxa

@@ -1,4 +1,5 @@
-// Sets a node up from nothing but its foreground: what a compositor would do first, by the same tools.
+// Sets a node up from nothing but its foreground: what a compositor would do first, by the same tools. Where
+// no screen colour is chosen it looks for the screen first.
 //
 // All that it looks at is the node's own alpha of the frame that is on its inputs, in tiles. A tile is judged
 // together with those around it, for nearer to the subject's outline there may be hair: solid where all are
@@ -15,27 +16,25 @@
 // What takes from the solid tiles is taken back. Where there are none the density stays; so does clean-up
 // that is on already.
 //
-// Knobs that the node's settings name stay as they are, and the tools turn the others. So does "brights"
-// where a script names any knob of the density: a stroke may have found them together. On top of a script the
-// strokes leave what is decided as it is.
+// Knobs that are held stay as they are, and the tools turn the others. So does "brights" where a script names
+// any knob of the density: a stroke may have found them together. On top of a script the strokes leave what
+// is decided as it is.
 #pragma once
 
+#include <string>
+#include <string_view>
 #include <vector>
 
-#include "ZoImage/Render.h"
-#include "shot/node/Node.h"
-#include "shot/setup/Stroke.h"
-
-namespace veloxa {
+#include "ZoImage/KnobValues.h"
+#include "tools/ToolNode.h"
 
 class AutoSetup {
   public:
-    // The node has its inputs and a screen colour.
-    AutoSetup(Node& node, int threads, const Zo::Image::AbortFlag* abort);
+    explicit AutoSetup(const ToolNode& node);
 
-    // Throws Interrupted. One report a step that changed something; the samples are those of its strokes. A
-    // last one, named "auto", notes what was left alone.
-    std::vector<ToolReport> run();
+    // Throws GivenUp. One report a step that changed something; the samples are those of its strokes. A last
+    // one, named "auto", notes what was left alone. Where there is no screen, nothing but the report on that.
+    std::vector<Zo::Image::ToolReport> run();
 
   private:
     struct Tile {
@@ -60,15 +59,20 @@ class AutoSetup {
     std::vector<Tile> tiles() const;
     // The mean opacity of each tile that was solid at first.
     std::vector<double> solidity() const;
-    void step(const char* name, const KnobValues& before);
-    // Whether a knob was named, and so stays; that is noted.
+    Zo::Image::Knob& knob(std::string_view name) const;
+    Zo::Image::KnobValues values() const { return Zo::Image::KnobValues(knobs_); }
+    bool scripted() const;
+    void step(const char* name, const Zo::Image::KnobValues& before);
+    // Whether a knob is held; that is noted.
     bool stays(const std::string& name);
     bool density_stays();
+    // False where no screen colour is chosen and none is found.
+    bool find_screen();
     void set_up();
     void choose_output();
     // Strokes one after another of the tiles that are wanted now, the one with the most pixels left first.
     template <class Wanted>
-    void stroke_tiles(const char* tool, const Wanted& wanted);
+    void stroke_tiles(Tool tool, const Wanted& wanted);
     void turn(const char* name, int wanted);
     void lower_density();
     void clean_up();
@@ -78,15 +82,13 @@ class AutoSetup {
     // strokes were that it was made by.
     bool keeps_decided(const std::vector<float>& before) const;
 
-    Node& node_;
+    const ToolNode& node_;
+    std::vector<Zo::Image::Knob*> knobs_;
     Zo::Image::Renderer renderer_;
-    const Zo::Image::AbortFlag* abort_;
     Zo::Image::Box box_{};
     int side_ = 0;
     std::vector<float> alpha_;
     std::vector<Tile> solid_;
-    std::vector<ToolReport> reports_;
+    std::vector<Zo::Image::ToolReport> reports_;
     std::vector<std::string> notes_;
 };
-
-}  // namespace veloxa

@@ -1,0 +1,203 @@
+// The automatic set-up on procedural plates, against the defaults and what is known to be true.
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <numeric>
+
+#include "ZoImage/Script.h"
+#include "plates/Set.h"
+#include "shot/node/ImageSource.h"
+#include "tools/ToolRig.h"
+
+using namespace Zo::Image;
+
+namespace {
+
+using veloxa::Image;
+
+constexpr int kWidth = 480;
+constexpr int kHeight = 270;
+// Left of the figure nothing but backing, but for the stand that the garbage matte is for.
+constexpr Box kLeft{40, 120, 110, 260};
+
+// Keys a plate whose foreground was changed by `change`.
+struct Rig : test::ToolRig {
+    explicit Rig(plate::Screen screen, std::uint64_t seed, const std::function<void(Image&)>& change = {})
+        : set_of_plates(plate::render_set({kWidth, kHeight, seed, screen}, 0, 2)) {
+        auto picture = std::make_shared<Image>(set_of_plates[plate::kForeground]);
+        if (change) change(*picture);
+        fg.set(picture, Hash{});
+        node.set_input(0, &fg);
+        set("screen_color", screen == plate::Screen::kBlue ? "0.09,0.22,0.6" : "0.14,0.6,0.24");
+    }
+    std::vector<float> alpha() { return test::render(node, 2).planes[kAlpha]; }
+    // The sum of the alpha's differences from the true one.
+    double error() {
+        const std::vector<float> now = alpha();
+        return std::transform_reduce(now.begin(), now.end(), set_of_plates[plate::kAlphaTrue].line(kAlpha, 0),
+                                     0.0, std::plus<>(), [](float a, float b) { return std::fabs(a - b); });
+    }
+    // What a front end does with a script: its knobs are held while the node sets itself up.
+    void apply(const std::string& script) {
+        const ScriptGroup group = read_script("Veloxa {\n" + script + "\n}", "script").at(0);
+        apply_script(panel, group, "script");
+        for (const ScriptEntry& entry : group.entries)
+            panel.get(entry.name).target().set_flag(kKnobScripted | kKnobHeld, true);
+    }
+
+    plate::Set set_of_plates;
+    veloxa::ImageSource fg{NodeContext{}};
+};
+
+// How many pixels of the box there are of which `counts` holds, given their place in a plane.
+template <class Counts>
+int count(const Box& box, const Counts& counts) {
+    int sum = 0;
+    for (int y = box.y; y < box.t; ++y) {
+        for (int x = box.x; x < box.r; ++x) sum += counts(static_cast<std::size_t>(y * kWidth + x)) ? 1 : 0;
+    }
+    return sum;
+}
+
+TEST(AutoSetup, ComesNearerToTheTruthThanTheDefaults) {
+    for (const plate::Screen screen : {plate::Screen::kGreen, plate::Screen::kBlue}) {
+        for (const std::uint64_t seed : {1, 5, 9}) {
+            Rig rig(screen, seed);
+            const double before = rig.error();
+            rig.use("set_up");
+            EXPECT_LT(rig.error(), before)
+                << "seed " << seed << (screen == plate::Screen::kBlue ? " blue" : "");
+        }
+    }
+}
+
+// Backing so pale that the region leaves it out, as where light falls on cloth.
+void make_pale(Image& fg) {
+    for (int y = kLeft.y; y < kLeft.t; ++y) {
+        for (const Channel c : {kRed, kBlue}) {
+            for (int x = kLeft.x; x < kLeft.r; ++x) fg.line(c, y)[x] += 0.07f;
+        }
+    }
+}
+
+TEST(AutoSetup, CoversPaleBacking) {
+    for (const char* const overlay : {"off", "subject"}) {  // there the overlay tools change places
+        Rig rig(plate::Screen::kGreen, 1, make_pale);
+        const auto opaque = [&] {
+            const std::vector<float> alpha = rig.alpha();
+            return count({kLeft.x + 8, kLeft.y + 8, kLeft.r - 8, kLeft.t - 8},
+                         [&](std::size_t at) { return alpha[at] > 0.0f; });
+        };
+        rig.set("overlay_mode", overlay);
+        rig.set("matte_scale", "linear");
+        ASSERT_GT(opaque(), 2000) << "the patch was meant to be left out by the default region";
+        rig.use("set_up");
+        EXPECT_EQ(opaque(), 0) << overlay;
+    }
+}
+
+// On a plate where it turns matte_scale, merge, screen_tolerance, brights, cleanup and cleanup_cleanup.
+TEST(AutoSetup, WorksAroundWhatIsSet) {
+    const struct {
+        std::string script, sets;  // NAME VALUE; NAME=VALUE
+        const char* stay;          // noted
+        const char* moved;         // all the same
+        const char* kept = "";     // as a consequence
+    } cases[] = {
+        {"", "brights=150", "brights", "merge matte_scale cleanup"},
+        {"", "brights=100", "brights", "merge screen_tolerance"},
+        {"", "merge=multiply", "merge", "matte_scale brights"},
+        {"merge multiply\nbrights 90", "matte_scale=knee", "merge brights matte_scale", "cleanup"},
+        {"darks 1", "", "brights", "merge"},
+        {"", "cleanup_enable=0", "cleanup", "brights"},
+        {"", "cleanup_cleanup=30", "cleanup_cleanup", "cleanup"},
+        {"", "cleanup_cleanup=400", "cleanup_cleanup", "brights", "cleanup"},
+        {"", "screen_tolerance=0.51,0.51,0.52", "screen_tolerance", "screen_brights_red_larger"},
+        {"",
+         "screen_tolerance=0.51,0.51,0.52 screen_darks_red_larger=0 screen_darks_red_smaller=0 "
+         "screen_brights_red_larger=100 screen_brights_red_smaller=100",
+         "screen_tolerance screen_darks_red_larger screen_brights_red_smaller", "brights"},
+        {"us_add_overlay {0.14 0.58 0.25 0}", "", "us_add_overlay", "screen_tolerance"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.script + c.sets);
+        Rig rig(plate::Screen::kGreen, 1, make_pale);
+        if (!c.script.empty()) rig.apply(c.script);
+        for (const std::string& setting : test::words(c.sets)) {
+            const std::size_t equals = setting.find('=');
+            rig.set(setting.substr(0, equals), setting.substr(equals + 1));
+            rig.hold(setting.substr(0, equals));
+        }
+        const KnobValues before(rig.panel);
+        rig.use("set_up");
+        std::vector<std::string> moved;
+        for (const Knob* knob : before.changed()) moved.push_back(knob->name());
+        EXPECT_THAT(moved, testing::IsSupersetOf(test::words(c.moved)));
+        for (const std::string& name : test::words(std::string(c.stay) + ' ' + c.kept))
+            EXPECT_THAT(moved, testing::Not(testing::Contains(name)));
+        for (const std::string& name : test::words(c.stay))
+            EXPECT_THAT(rig.told(), testing::HasSubstr('\n' + name + " stays"));
+    }
+}
+
+// A script has the knobs that strokes found and the means of some, not their pixels.
+TEST(AutoSetup, UndoesNoStrokeOfAScript) {
+    const Box cleared{15, 230, 45, 260};
+    Rig made(plate::Screen::kBlue, 1);
+    made.use("removeoverlay", {420, 187, 450, 217});
+    made.use("addoverlay", {15, 230, 45, 260});
+    const std::string script = write_script(made.panel);
+    Rig rig(plate::Screen::kBlue, 1);
+    rig.apply(script.substr(script.find('\n'), script.rfind('}') - script.find('\n')));
+    const std::vector<float> before = rig.alpha();
+    rig.use("set_up");
+    const std::vector<float> after = rig.alpha();
+    EXPECT_EQ(count(cleared, [&](std::size_t at) { return before[at] <= 0.0f && after[at] > 0.0f; }), 0);
+}
+
+TEST(AutoSetup, FindsTheScreenWhereNoneIsChosen) {
+    Rig rig(plate::Screen::kBlue, 1);
+    Knob& color = rig.panel.get("screen_color");
+    rig.set("screen_color", "0,0,0");
+    rig.hold("screen_color");  // meant so
+    rig.use("set_up");
+    EXPECT_EQ(rig.text("screen_color"), "0 0 0");
+    EXPECT_EQ(rig.told().find("find_screen"), std::string::npos);
+    rig.hold("screen_color", false);
+    rig.use("set_up");
+    EXPECT_NEAR(color.get_value(2), 0.6, 0.1) << rig.told();
+    EXPECT_THAT(test::words(rig.turned()), testing::Contains("merge"));
+    Rig grey(plate::Screen::kBlue, 1, [](Image& fg) {
+        for (const Channel c : kMaskRgb) std::fill_n(fg.line(c, 0), kWidth * kHeight, 0.4f);
+    });
+    grey.set("screen_color", "0,0,0");
+    grey.use("set_up");
+    EXPECT_NE(grey.report().failure, "");
+    EXPECT_EQ(grey.turned(), "");
+}
+
+TEST(AutoSetup, SurvivesPlatesWithNothingToGoBy) {
+    const std::function<void(Image&)> changes[] = {
+        [](Image& fg) {  // backing alone
+            for (const Channel c : kMaskRgb)
+                std::fill_n(fg.line(c, 0), kWidth * kHeight, c == kGreen ? 0.6f : 0.15f);
+        },
+        [](Image& fg) {  // no backing at all
+            for (const Channel c : kMaskRgb) std::fill_n(fg.line(c, 0), kWidth * kHeight, 0.4f);
+        },
+        [](Image& fg) {
+            for (const Channel c : kMaskRgb)
+                std::fill_n(fg.line(c, 100), 40 * kWidth, std::numeric_limits<float>::quiet_NaN());
+        },
+    };
+    for (const auto& change : changes) {
+        Rig rig(plate::Screen::kGreen, 1, change);
+        rig.use("set_up");
+        EXPECT_GE(rig.panel.get("brights").get_value(), 50.0);
+        EXPECT_EQ(rig.panel.get("matte_scale").get_value(), 1.0);
+    }
+}
+
+}  // namespace

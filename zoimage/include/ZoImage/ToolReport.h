@@ -1,0 +1,32 @@
+// What a tool of an operator did, for front ends to show.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "ZoImage/Box.h"
+
+namespace Zo::Image {
+
+struct KnobChange {
+    std::string knob;
+    std::string before, after;  // as scripts hold them
+};
+
+struct ToolReport {
+    // All that the tool keeps, those of earlier strokes too.
+    int samples() const { return satisfied + unsatisfied + unusable; }
+
+    std::string tool;
+    Box box{};      // that it looked at
+    int frame = 0;  // of a sequence; for front ends to fill in
+    std::vector<KnobChange> changes;
+    int satisfied = 0;
+    int unsatisfied = 0;
+    int unusable = 0;               // not finite
+    std::vector<std::string> held;  // knobs that the tool could have turned
+    std::vector<std::string> notes;
+    std::string failure;  // why the tool could not do what it is for; empty when it could
+};
+
+}  // namespace Zo::Image
