@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "controls/ChannelRoles.h"
+#include "lanes/Quad.h"
 #include "screen/NearestClear.h"
 
 namespace {
@@ -20,27 +21,7 @@ constexpr int kChunk = 32;
 // Rows that are asked for ahead; no two pixels of a column share a page, so nobody else does it.
 constexpr int kAhead = 8;
 
-using Quad = float __attribute__((vector_size(16)));
 using IntQuad = std::int32_t __attribute__((vector_size(16)));
-
-Quad load(const float* from) {
-    Quad result;
-    __builtin_memcpy(&result, from, sizeof result);
-    return result;
-}
-void store(float* to, Quad v) {
-    __builtin_memcpy(to, &v, sizeof v);
-}
-void transpose(Quad (&v)[4]) {
-    const Quad a = __builtin_shufflevector(v[0], v[1], 0, 4, 1, 5);
-    const Quad b = __builtin_shufflevector(v[2], v[3], 0, 4, 1, 5);
-    const Quad c = __builtin_shufflevector(v[0], v[1], 2, 6, 3, 7);
-    const Quad d = __builtin_shufflevector(v[2], v[3], 2, 6, 3, 7);
-    v[0] = __builtin_shufflevector(a, b, 0, 1, 4, 5);
-    v[1] = __builtin_shufflevector(a, b, 2, 3, 6, 7);
-    v[2] = __builtin_shufflevector(c, d, 0, 1, 4, 5);
-    v[3] = __builtin_shufflevector(c, d, 2, 3, 6, 7);
-}
 
 // Copied lines: three floats a pixel, read and written four at a time.
 constexpr int kPixel = 3;
@@ -67,9 +48,9 @@ struct Window {
         const std::int32_t new_end = std::min(centre + reach + 1, length);
         const std::int32_t new_begin = std::max(centre - reach, 0);
         const float* const enter_until = line + std::ptrdiff_t{new_end} * kPixel;
-        for (; end != enter_until; end += kPixel) sum += load(end);
+        for (; end != enter_until; end += kPixel) sum += load_quad(end);
         const float* const leave_until = line + std::ptrdiff_t{new_begin} * kPixel;
-        for (; begin != leave_until; begin += kPixel) sum -= load(begin);
+        for (; begin != leave_until; begin += kPixel) sum -= load_quad(begin);
         return new_end - new_begin;
     }
 };
@@ -113,7 +94,7 @@ using Planes = std::array<float*, 3>;
 
 // The pixels' red, green and blue and four zeros.
 [[gnu::always_inline]] inline void get_four(const Planes& planes, std::size_t at, Quad (&pixels)[4]) {
-    for (std::size_t k = 0; k < 3; ++k) pixels[k] = load(planes[k] + at);
+    for (std::size_t k = 0; k < 3; ++k) pixels[k] = load_quad(planes[k] + at);
     pixels[3] = Quad{};
     transpose(pixels);
 }
@@ -144,7 +125,7 @@ void get_last(const Planes& planes, std::size_t at, int n, Quad (&pixels)[4]) {
                                             const Planes& planes, std::size_t at) {
     Quad result[4];
     means(sum, count, spacing, result);
-    for (std::size_t k = 0; k < 3; ++k) store(planes[k] + at, result[k]);
+    for (std::size_t k = 0; k < 3; ++k) store_quad(planes[k] + at, result[k]);
 }
 
 void put_last(const Quad* sum, const std::int32_t* count, int spacing, const Planes& planes, std::size_t at,
@@ -172,10 +153,10 @@ void smooth_rows(int width, int begin, int end, const Steps* distance, const Pla
         int x = 0;
         for (; x + 4 <= width; x += 4, to += std::ptrdiff_t{4} * kPixel) {
             get_four(planes, at + static_cast<std::size_t>(x), pixels);
-            for (int k = 0; k < 4; ++k) store(to + k * kPixel, pixels[k]);
+            for (int k = 0; k < 4; ++k) store_quad(to + k * kPixel, pixels[k]);
         }
         get_last(planes, at + static_cast<std::size_t>(x), width - x, pixels);
-        for (int k = 0; k < width - x; ++k) store(to + k * kPixel, pixels[k]);
+        for (int k = 0; k < width - x; ++k) store_quad(to + k * kPixel, pixels[k]);
     }
     Sums<kRows> sums{};
     for (int x = 0; x < width; x += kChunk) {
@@ -226,7 +207,7 @@ void smooth_columns(int width, int height, int begin, int end, const Steps* dist
                 get_last(planes, at(x, y), n, pixels);
             }
             for (int k = 0; k < n; ++k)
-                store(to + static_cast<std::size_t>(x + k) * pitch(height), pixels[k]);
+                store_quad(to + static_cast<std::size_t>(x + k) * pitch(height), pixels[k]);
         }
     }
     Sums<kColumns> sums{};

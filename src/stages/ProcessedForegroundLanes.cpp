@@ -1,11 +1,21 @@
 #include "lanes/ForPacks.h"
-#include "stages/ProcessedForegroundPixel.h"
+#include "lanes/KernelMath.h"
+#include "stages/ProcessedForegroundKernel.h"
 
 namespace LANES {
 
 using namespace kernel;
 
 namespace {
+
+// One channel: `c` as it came, without `veil`, the backing's share in it, where there is some.
+[[gnu::always_inline]] inline Floats unveiled(Floats matte, Floats c, Doubles veil) {
+    return choose(matte > 0.0f, clamp_to(0.0f, 255.0f, narrow(wide(c) - veil)), c);
+}
+
+[[gnu::always_inline]] inline Floats opacity_of(Floats matte) {
+    return choose(matte > 0.0f, narrow(255.0 - cap_at(255.0, wide(matte))), 255.0f);
+}
 
 // `blackout` tells which pixels are certain backing, veil(from, role, share of the matte) what to take out.
 template <std::size_t kIn, class Blackout, class Veil>
