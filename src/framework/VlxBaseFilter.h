@@ -3,7 +3,7 @@
 // A radius of 0 or less makes the pass an identity. Otherwise its box is its input's, grown by the radius
 // along its direction; beyond the input's box the edge pixels repeat. The owner sets the radius before
 // validation; a pass knows no controls. A pass class answers horizontal() and implements engine, which gives
-// every requested channel of input 0, the filtered ones replaced.
+// every requested channel of input 0, the filtered ones replaced; on any thread.
 #pragma once
 
 #include "ZoImage/Iop.h"

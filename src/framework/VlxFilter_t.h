@@ -4,7 +4,7 @@
 //
 // A subclass supplies its description and configure(), which sets the parameters of both passes from the
 // controls and runs at the head of every validation. The passes are wired during validation: who requests one
-// validates it after that.
+// validates it after that. Rows may be made on any thread.
 #pragma once
 
 #include "framework/VlxBaseFilter.h"

@@ -1,6 +1,7 @@
 // The clean-up blur: softens the matte before the clean-up.
 //
-// Input 0: alpha. Radii "Clean-up Blur " and "CUBlurV", in pixels; hashes both.
+// Input 0: alpha. Radii "Clean-up Blur " and "CUBlurV", in pixels; hashes both. Rows may be made on any
+// thread.
 #pragma once
 
 #include "framework/VlxBlur.h"

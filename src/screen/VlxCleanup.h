@@ -1,7 +1,8 @@
 // Clears the noise that is left in the backing area.
 //
 // Input 0: colour and matte on the working scale (matte 255 = full backing). Output: both, cleaned.
-// Reads and hashes "Clean-up Recover " (the threshold) and "Clean-up " (the strength in per cent).
+// Reads and hashes "Clean-up Recover " (the threshold) and "Clean-up " (the strength in per cent). Rows are
+// independent, on any thread.
 #pragma once
 
 #include "framework/RowStage.h"

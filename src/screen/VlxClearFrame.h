@@ -4,7 +4,7 @@
 // scale. Output: corrected colour, alpha = how far each pixel is darker than the clear frame, which serves
 // as shadow density. Without alpha in the request input 0 passes. Reads "ColorIndex"; hashes inputs alone.
 // A pixel whose clear frame is black takes its alpha from the pixel to its left, from the box's left edge
-// on, so that pixels do not depend on how a caller cuts rows.
+// on, so that pixels do not depend on how a caller cuts rows. Rows are independent, on any thread.
 #pragma once
 
 #include "framework/RowStage.h"

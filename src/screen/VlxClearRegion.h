@@ -4,7 +4,7 @@
 // 1: clean plate, 2: garbage matte, 3: holdout matte, each read while its control ("CleanPlate", "Garbage",
 // "Holdout") is set. Output: input 0's colour, alpha = 255 for clear, 0 for the rest.
 // Reads "Backing Color ", "Screen Tolerance ", the four "Roto Brights/Darks", the flags and "ColorIndex";
-// hashes all but the last.
+// hashes all but the last. Rows are independent, on any thread.
 #pragma once
 
 #include "framework/RowStage.h"

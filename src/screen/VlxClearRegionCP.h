@@ -3,7 +3,7 @@
 // Input 0: foreground, input 1: clean plate (read while "CleanPlate" is set, else the foreground stands in);
 // colour on the working scale. Output: the foreground's colour, alpha = 255 or 0.
 // Reads "Screen Tolerance ", "CleanPlate", "ColorIndex"; hashes "Backing Color ", "Screen Tolerance ",
-// "CleanPlate".
+// "CleanPlate". Rows are independent, on any thread.
 #pragma once
 
 #include "framework/RowStage.h"

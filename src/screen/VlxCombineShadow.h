@@ -3,7 +3,7 @@
 // Input 0 "Foreground": keyed colour, 1 "Matte": alpha, 255 = backing, 2 "Shadow": alpha, shadow density; all
 // on the working scale. Output: colour with the shadow's tint, alpha = the matte lowered where there is
 // shadow. Reads "Shadow Tint ", "Shadow Density ", "Shadow High ", "Shadow Low " and "ColorIndex"; hashes all
-// but the last.
+// but the last. Rows are independent, on any thread.
 #pragma once
 
 #include "framework/RowStage.h"

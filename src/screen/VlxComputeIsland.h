@@ -2,7 +2,7 @@
 //
 // Input 0: the clear region, alpha 255 or 0. Output: the same with orphans flipped; colour unchanged.
 // Reads and hashes "Roto Orphans ", the number of disagreeing neighbours that flips a pixel; 0 switches the
-// operator off.
+// operator off. Rows are independent, on any thread.
 #pragma once
 
 #include "framework/VlxIop.h"

@@ -1,7 +1,7 @@
 // Shadow density without a clean plate, from the interpolated backing.
 //
 // Input 0: the backing's colour on the working scale. Output: the same colour, alpha = shadow density, 0 to
-// 255. Reads "Backing Color " and "ColorIndex"; hashes the first.
+// 255. Reads "Backing Color " and "ColorIndex"; hashes the first. Rows are independent, on any thread.
 #pragma once
 
 #include "framework/RowStage.h"

@@ -1,6 +1,7 @@
 // The shadow blur: softens the shadow density before it is combined with the matte.
 //
-// Input 0: alpha, 255 = full shadow. Radii "Shadow Blur " and "ShadowBlurV", in pixels; hashes both.
+// Input 0: alpha, 255 = full shadow. Radii "Shadow Blur " and "ShadowBlurV", in pixels; hashes both. Rows may
+// be made on any thread.
 #pragma once
 
 #include "framework/VlxBlur.h"

@@ -2,7 +2,7 @@
 // every 0 and keeps its value elsewhere.
 //
 // Input 0: alpha, 255 = backing. Horizontal radius "Screen Overlay Shrink ", vertical radius the control
-// block's overlayShrinkV, each enlarged by the mode. Hashes both values.
+// block's overlayShrinkV, each enlarged by the mode. Hashes both values. Rows may be made on any thread.
 #pragma once
 
 #include "framework/VlxFilter_t.h"

@@ -3,7 +3,7 @@
 //
 // Input 0: alpha. Radii "Clean-up Shrink " and "CUShrinkV", in tenths of a pixel; hashes both. A pass is
 // skipped while its half-width is below 1, that is from a radius of -1 pixel down; a radius of 0 clips
-// negative alpha to 0.
+// negative alpha to 0. Rows may be made on any thread.
 #pragma once
 
 #include "framework/VlxFilter_t.h"

@@ -1,7 +1,7 @@
 // The shrink of the subject area: as VlxShrink, with radii of its own.
 //
 // Input 0: alpha. Horizontal radius "Shrink Subject Overlay ", vertical radius the control block's
-// subjectShrinkV. Hashes both values.
+// subjectShrinkV. Hashes both values. Rows may be made on any thread.
 #pragma once
 
 #include "screen/VlxShrink.h"

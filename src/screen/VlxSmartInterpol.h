@@ -3,7 +3,8 @@
 // Input 0: the clean plate or the foreground, red, green, blue on the working scale. Input 1 "PreMatte":
 // alpha not 0 where the backing is clear. Output: red, green, blue as if the subject were not there; all
 // else as it came from input 0.
-// Reads "Backing Color", "ColorIndex"; hashes the first. A whole-frame operator.
+// Reads "Backing Color", "ColorIndex"; hashes the first. A whole-frame operator. The frame is made once, by
+// the threads that wait for it; its rows serve any thread.
 #pragma once
 
 #include "framework/VlxFilter.h"

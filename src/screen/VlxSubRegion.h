@@ -2,7 +2,7 @@
 //
 // Input 0: colour on the working scale. Output: the same colour, alpha = 255 or 0.
 // Reads "Backing Color ", "Film Brights ", "Film Darks ", "InnerCoolDensity", "InnerWarmDensity" and
-// "ColorIndex"; hashes all but the last.
+// "ColorIndex"; hashes all but the last. Rows are independent, on any thread.
 #pragma once
 
 #include "framework/RowStage.h"

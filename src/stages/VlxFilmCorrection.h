@@ -4,7 +4,7 @@
 //
 // Input 0: the image, red, green, blue on the working scale. Input 1: the matte, alpha; only pixels where it
 // is exactly 0 are corrected. Output: the image, its colour corrected; the box is the image's.
-// Reads and hashes "Film Strength " and the three "Film Correnction ".
+// Reads and hashes "Film Strength " and the three "Film Correnction ". Rows may be made on any thread.
 #pragma once
 
 #include "framework/VlxFilter_t.h"

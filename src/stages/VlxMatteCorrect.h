@@ -3,7 +3,8 @@
 // Input 0: alpha = the matte. Input 1 "PreMatte": alpha above 0 where the pixel is certain backing; such
 // pixels keep their matte. Mode 0 limits to 255 from above, mode 1 to 0 from below.
 // Output: alpha corrected, all else as it came. With "Edge Kernel" (pixels) below 1 the input as it is.
-// Reads "Edge Kernel"; hashes it and "KernelHeight". A whole-frame operator.
+// Reads "Edge Kernel"; hashes it and "KernelHeight". A whole-frame operator. The frame is made once, by the
+// threads that wait for it; its rows serve any thread.
 #pragma once
 
 #include "framework/VlxFilter.h"

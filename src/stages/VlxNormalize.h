@@ -1,7 +1,7 @@
 // Brings an image input of the node onto the working scale 0 to 255, every channel alike.
 //
 // Input 0: the image as the host delivers it. Output: the same channels; highlights roll off softly.
-// Depends on no control.
+// Depends on no control. Rows are independent, on any thread.
 #pragma once
 
 #include "ZoImage/PixelIop.h"
