@@ -23,7 +23,7 @@ void expect_same(const Instance& instance, const Zo::Image::KnobPanel& panel) {
             EXPECT_TRUE(empty || content.text == knob->text()) << knob->name() << ": " << content.text;
             continue;
         }
-        for (int i = 0; i < param->dimension(); ++i)
+        for (int i = 0; i < param->dimension; ++i)
             EXPECT_EQ(content.numbers[static_cast<std::size_t>(i)], shortest(knob->get_value(i)))
                 << knob->name();
     }
@@ -95,7 +95,7 @@ TEST_F(Edit, ToolsSetParametersInOneUndoableStep) {
     }
     node.node.invalidate();
     EXPECT_EQ(differences(effect->render(), node.render()), 0);
-    services().take_messages();  // remarks on samples
+    take_messages();  // remarks on samples
 }
 
 TEST_F(Edit, Buttons) {
@@ -113,7 +113,7 @@ TEST_F(Edit, Buttons) {
     EXPECT_EQ(effect->params.undo.size(), 1U);
     effect->press("spill_reset");
     EXPECT_EQ(number(*effect, "spill_strength"), 40.0);
-    services().take_messages();
+    take_messages();
 }
 
 TEST_F(Edit, ToolsKeyWhatIsAnimated) {
@@ -150,7 +150,7 @@ TEST_F(Edit, ToolsOnAProxyOfOblongPixels) {
     node.panel.set_from_text("edge_kernel", "5");
     for (const char* size : {"screen_shrink", "film_shrink"}) node.panel.set_from_text(size, "2,2");
     expect_same(*effect, node.panel);
-    services().take_messages();
+    take_messages();
 }
 
 // As the program does: one reference presses the buttons of the node itself.
@@ -169,7 +169,7 @@ TEST_F(Edit, FindsTheScreenAndSetsItselfUp) {
         EXPECT_NEAR(effect->params.get("screen_color").value().numbers[1], 0.6, 0.05);
         EXPECT_EQ(effect->params.get("merge").value().numbers[0],
                   button == std::string("set_up") ? 1.0 : 0.0);
-        EXPECT_THAT(services().take_messages(), testing::Contains(testing::HasSubstr("green screen")));
+        EXPECT_THAT(take_messages(), testing::Contains(testing::HasSubstr("green screen")));
         ASSERT_EQ(effect->params.undo.size(), 1U);
         effect->undo();
         EXPECT_EQ(effect->saved(), before);
@@ -183,7 +183,7 @@ TEST_F(Edit, FindsTheScreenAndSetsItselfUp) {
         services().threads = 2;
         effect->press(button);
         expect_same(*effect, node.panel);
-        services().take_messages();
+        take_messages();
     }
 }
 
@@ -198,7 +198,7 @@ TEST_F(Edit, ToolsNeedPixels) {
         effect->connect("fg", nullptr);
         effect->press(tool);
         EXPECT_EQ(effect->saved(), before);
-        EXPECT_EQ(services().take_messages().size(), 2U);
+        EXPECT_EQ(take_messages().size(), 2U);
         EXPECT_NE(take_faults(), "") << "the action should fail";
     }
 }
@@ -215,10 +215,10 @@ TEST_F(Edit, EnablesGreyOut) {
         effect->set(name, {value});
         node.panel.get(name).set_value(value);
         node.panel.get(name).changed();
-        for (const auto& param : effect->params.all()) {
-            const Knob* knob = node.panel.find(param->name());
+        for (const auto& param : effect->params.all) {
+            const Knob* knob = node.panel.find(param->name);
             EXPECT_TRUE(knob == nullptr || param->enabled() == knob->enabled())
-                << name << ": " << param->name();
+                << name << ": " << param->name;
         }
     }
     EXPECT_FALSE(effect->params.get("screen_shrink").enabled());
@@ -231,8 +231,8 @@ TEST_F(Edit, EnablesGreyOut) {
     }
     // As values come from a project, so do the states.
     const auto loaded = instance(two_clips(), {}, kOfxImageEffectContextGeneral, effect->saved());
-    for (const auto& param : loaded->params.all())
-        EXPECT_EQ(param->enabled(), effect->params.get(param->name()).enabled()) << param->name();
+    for (const auto& param : loaded->params.all)
+        EXPECT_EQ(param->enabled(), effect->params.get(param->name).enabled()) << param->name;
 }
 
 TEST_F(Edit, ValuesAloneBringAnInstanceBack) {
@@ -259,7 +259,7 @@ TEST_F(Edit, ValuesAloneBringAnInstanceBack) {
     // The context does not matter to them.
     const auto filter = instance(two_clips(), {}, kOfxImageEffectContextFilter, saved);
     EXPECT_EQ(filter->saved(), saved);
-    services().take_messages();
+    take_messages();
 }
 
 TEST_F(Edit, PreferencesSayWhetherColourIsMultiplied) {
@@ -285,18 +285,18 @@ TEST_F(Edit, PreferencesSayWhetherColourIsMultiplied) {
 
 TEST_F(Edit, IdentityAndComponents) {
     const auto effect = instance(two_clips(), {});
-    EXPECT_EQ(effect->identity(kFrame), "fg");
+    EXPECT_EQ(effect->identity(), "fg");
     EXPECT_EQ(effect->preferences.string_at("OfxImageClipPropComponents_Output"), kOfxImageComponentRGBA);
     Param& color = effect->params.get("screen_color");
     color.set_key(0, {0, 0, 0});
     color.set_key(4, {0, 0.5, 0});
-    EXPECT_EQ(effect->identity(kFrame, 0.0), "fg");
-    EXPECT_EQ(effect->identity(kFrame, 1.0), std::nullopt);
+    EXPECT_EQ(effect->identity(0.0), "fg");
+    EXPECT_EQ(effect->identity(1.0), "none");
 
     const auto filter = instance(two_clips(), {}, kOfxImageEffectContextFilter);
-    EXPECT_EQ(filter->identity(kFrame), "Source");
+    EXPECT_EQ(filter->identity(), "Source");
     filter->set("screen_color", kScreen);
-    EXPECT_EQ(filter->identity(kFrame), std::nullopt);
+    EXPECT_EQ(filter->identity(), "none");
 }
 
 }  // namespace

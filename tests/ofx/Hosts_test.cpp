@@ -38,7 +38,6 @@ TEST_F(Hosts, DoNotNeedWhatIsOptional) {
                                  {.missing = {threads, message, "OfxMessageSuite 2"}},
                                  {.tiles = false},
                                  {.refused_types = {kOfxParamTypeString, kOfxParamTypePage}, .bare = true},
-                                 {.contexts = {kOfxImageEffectContextGeneral}},
                                  {}};
     std::thread([] {}).join();  // a sanitizer's own thread comes with the first
     for (std::size_t n = 0; n < std::size(cases); ++n) {
@@ -51,8 +50,6 @@ TEST_F(Hosts, DoNotNeedWhatIsOptional) {
         EXPECT_EQ(differences(effect->render(), expected), 0);
         EXPECT_TRUE(threads_become(running));
     }
-    host({.contexts = {kOfxImageEffectContextFilter}});
-    EXPECT_FALSE(host_->describes(kOfxImageEffectContextGeneral));
     const Clips source{{"fg", two_clips()["fg"]}};
     const auto filter = instance(source, kLook, kOfxImageEffectContextFilter);
     EXPECT_EQ(differences(filter->render(), Reference(source, kLook).render()), 0);
@@ -66,8 +63,7 @@ TEST_F(Hosts, ToldOnceOfFramesThatFail) {
         Frame frame(kFrame);
         effect->connect("fg", nullptr);
         for (int tile = 0; tile < 3; ++tile) EXPECT_EQ(effect->render(frame, kFrame), kOfxStatFailed);
-        EXPECT_EQ(services().take_messages(),
-                  std::vector<std::string>{"OfxMessageError: no foreground is connected"});
+        EXPECT_EQ(take_messages(), std::vector<std::string>{"OfxMessageError: no foreground is connected"});
         effect->connect("fg", &clips.at("fg"));
         effect->render();
     }
@@ -79,7 +75,7 @@ TEST_F(Hosts, AreRefusedWithoutTheIndispensable) {
         EXPECT_EQ(host_->load(), kOfxStatErrMissingHostFeature) << suite;
         Effect effect;
         EXPECT_NE(host_->action(kOfxActionDescribe, &effect), kOfxStatOK) << suite;
-        EXPECT_EQ(services().take_messages().size(), 1U) << suite;
+        EXPECT_EQ(take_messages().size(), 1U) << suite;
         host_.reset();
     }
 }
@@ -135,7 +131,7 @@ TEST_F(Hosts, FailingImages) {
         Frame frame(scaled_box(kFrame, c.scale));
         EXPECT_EQ(effect->render(frame, frame.box, 0.0, c.scale), c.status);
         EXPECT_EQ(Image::held, 0);
-        const auto messages = services().take_messages();
+        const auto messages = take_messages();
         ASSERT_EQ(messages.size(), *c.message != 0 ? 1U : 0U);
         EXPECT_TRUE(messages.empty() || messages[0].starts_with(c.message));
         if (c.status == kOfxStatOK) {
@@ -152,16 +148,16 @@ TEST_F(Hosts, ValuesThatNoUserWouldSet) {
     const double odd[] = {std::nan(""), std::numeric_limits<double>::infinity(), 1e300, -1e300, 3e9};
     Frame frame(kFrame);
     for (const double value : odd) {
-        for (const auto& param : effect->params.all()) {
+        for (const auto& param : effect->params.all) {
             if (!param->holds_value() || param->is_text()) continue;
             const double number = param->is_int() ? 99.0 : value;
-            param->assign({std::vector<double>(static_cast<std::size_t>(param->dimension()), number), {}});
+            param->assign({std::vector<double>(static_cast<std::size_t>(param->dimension), number), {}});
         }
         effect->params.get("us_add_overlay").assign({{}, "{no list at all"});
         EXPECT_EQ(effect->render(frame, kFrame), kOfxStatOK) << value;
         effect->press("toolbar_addoverlay");
     }
-    services().take_messages();
+    take_messages();
     take_faults();
 }
 

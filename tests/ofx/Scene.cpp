@@ -146,14 +146,14 @@ void OfxTest::SetUp() {
     services().threads_fail = false;
     services().time = 0.0;
     take_faults();
-    services().take_messages();
+    take_messages();
 }
 
 void OfxTest::TearDown() {
     host_.reset();
     EXPECT_EQ(take_faults(), "");
     EXPECT_EQ(Image::held, 0);
-    EXPECT_EQ(services().take_messages(), std::vector<std::string>());
+    EXPECT_EQ(take_messages(), std::vector<std::string>());
 }
 
 Host& OfxTest::host(HostOptions options) {

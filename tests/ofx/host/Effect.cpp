@@ -125,8 +125,7 @@ OfxStatus define_clip(OfxImageEffectHandle handle, const char* name, OfxProperty
     if (!effect.params.describing || effect.find_clip(name) != nullptr)
         return note_fault(std::string("defines a clip twice, or outside a describe action: ") + name,
                           kOfxStatErrExists);
-    Clip& clip = *effect.clips.emplace_back(std::make_unique<Clip>(name));
-    if (props != nullptr) *props = clip.props.handle();
+    *props = effect.clips.emplace_back(std::make_unique<Clip>(name))->props.handle();
     return kOfxStatOK;
 }
 
@@ -141,10 +140,7 @@ OfxStatus get_image(OfxImageClipHandle clip, OfxTime time, const OfxRectD* regio
 }
 
 OfxStatus release_image(OfxPropertySetHandle handle) {
-    PropertySet* set = PropertySet::from(handle);
-    if (set == nullptr || !set->has(kOfxImagePropData))
-        return note_fault("releases what is no image", kOfxStatErrBadHandle);
-    const std::unique_ptr<Image> image(static_cast<Image*>(set));
+    const std::unique_ptr<Image> image(static_cast<Image*>(&behind<PropertySet>(handle)));
     const Call& call = Call::now();
     if (image->is_output && call.output != nullptr) image->collect(call, *call.output);
     return kOfxStatOK;
@@ -165,20 +161,17 @@ int abort_wanted(OfxImageEffectHandle handle) {
 
 }  // namespace
 
-const OfxImageEffectSuiteV1& image_effect_suite() {
-    static const OfxImageEffectSuiteV1 suite = [] {
-        OfxImageEffectSuiteV1 s{};
-        s.getPropertySet = entered<get_properties>;
-        s.getParamSet = entered<get_params>;
-        s.clipDefine = entered<define_clip>;
-        s.clipGetHandle = entered<clip_handle>;
-        s.clipGetImage = entered<get_image>;
-        s.clipReleaseImage = entered<release_image>;
-        s.clipGetRegionOfDefinition = entered<clip_rod>;
-        s.abort = entered<abort_wanted>;
-        return s;
-    }();
-    return suite;
-}
+const OfxImageEffectSuiteV1 kImageEffectSuite = [] {
+    OfxImageEffectSuiteV1 s{};
+    s.getPropertySet = entered<get_properties>;
+    s.getParamSet = entered<get_params>;
+    s.clipDefine = entered<define_clip>;
+    s.clipGetHandle = entered<clip_handle>;
+    s.clipGetImage = entered<get_image>;
+    s.clipReleaseImage = entered<release_image>;
+    s.clipGetRegionOfDefinition = entered<clip_rod>;
+    s.abort = entered<abort_wanted>;
+    return s;
+}();
 
 }  // namespace ofxtest
