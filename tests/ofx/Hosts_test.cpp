@@ -175,7 +175,7 @@ constexpr bool kPlain = true;
 
 TEST_F(Hosts, IdleInstancesHoldOneNode) {
     const auto effect = instance(two_clips(), kLook);
-    effect->render();
+    for (int i = 0; i < 3; ++i) effect->render();  // rows are kept from the second on
     const std::size_t heap = mallinfo2().uordblks;
     effect->sequence(kOfxImageEffectActionBeginSequenceRender);
     {
@@ -188,7 +188,7 @@ TEST_F(Hosts, IdleInstancesHoldOneNode) {
         }
     }
     effect->sequence(kOfxImageEffectActionEndSequenceRender);
-    EXPECT_TRUE(!kPlain || mallinfo2().uordblks <= heap + 200000);
+    EXPECT_TRUE(!kPlain || mallinfo2().uordblks <= heap + 200000) << mallinfo2().uordblks - heap;
 }
 
 TEST_F(Hosts, LoadingAHundredTimesLeavesNothing) {

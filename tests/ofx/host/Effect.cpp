@@ -34,6 +34,12 @@ double white_of(const std::string& depth) {
     return depth == kOfxBitDepthByte ? 255.0 : depth == kOfxBitDepthShort ? 65535.0 : 1.0;
 }
 
+double level_of(float value, const std::string& depth) {
+    if (depth == kOfxBitDepthFloat) return value;
+    return static_cast<double>(
+        std::lround(std::clamp(static_cast<double>(value), 0.0, 1.0) * white_of(depth)));
+}
+
 int channels_of(const std::string& components) {
     return components == kOfxImageComponentRGBA ? 4 : components == kOfxImageComponentRGB ? 3 : 1;
 }
@@ -76,9 +82,8 @@ void Image::fill(const Source& source, double time, const std::string& field) {
         for (int x = bounds_.x1; x < bounds_.x2; ++x) {
             for (int c = 0; c < channels_; ++c) {
                 const float value = source.pixel(time, channels_ == 1 ? 3 : c, x, line_of(y, field));
-                const double level = std::clamp(static_cast<double>(value), 0.0, 1.0) * white_of(depth_);
-                const auto whole = static_cast<unsigned>(std::lround(level));
                 const bool exact = depth_ == kOfxBitDepthFloat;
+                const auto whole = exact ? 0U : static_cast<unsigned>(level_of(value, depth_));
                 std::memcpy(address(x, y, c), exact ? static_cast<const void*>(&value) : &whole, bytes_);
             }
         }

@@ -116,10 +116,11 @@ class Param {
         content_ = content;
         props.put(kOfxParamPropIsAnimating, {content_.keys.empty() ? 0 : 1});
     }
-    void set_key(double time, std::vector<double> numbers) {
+    // These, and the keys that are there already.
+    void set_keys(const std::map<double, std::vector<double>>& keys) {
         if (props.int_at(kOfxParamPropAnimates) == 0) note_fault(name + " does not animate");
         Content keyed = content();
-        keyed.keys[time] = std::move(numbers);
+        for (const auto& [time, numbers] : keys) keyed.keys[time] = numbers;
         assign(keyed);
     }
 
@@ -155,7 +156,7 @@ class ParamSet {
         if (open_blocks == 0) undo.emplace_back();
         undo.back().emplace_back(&param, param.content());
         if (key != nullptr) {
-            param.set_key(*key, content.numbers);
+            param.set_keys({{*key, content.numbers}});
         } else {
             param.assign(content);
         }
@@ -235,8 +236,9 @@ struct Source {
     bool scaled = true;        // false: images come at full scale whatever was asked for
 };
 
-// Values from black to white of a depth; channels of a pixel.
+// Values from black to white of a depth, and the one that stands for 0 to 1; channels of a pixel.
 double white_of(const std::string& depth);
+double level_of(float value, const std::string& depth);
 int channels_of(const std::string& components);
 
 // An image that a plug-in holds. Rows are padded; memory is exactly as large as needed.

@@ -233,14 +233,6 @@ class Instance final : public Effect {
         return values;
     }
 
-    OfxRectD region_of_definition(double time = 0.0, double scale = 1.0) {
-        PropertySet in = frame_arguments(time, scale);
-        PropertySet out;
-        add_rect(out, kOfxImageEffectPropRegionOfDefinition, clips[0]->rod());
-        host_.action(kOfxImageEffectActionGetRegionOfDefinition, this, &in, &out,
-                     {.per_frame = true, .scale = scale});
-        return rect_of(out, kOfxImageEffectPropRegionOfDefinition);
-    }
     // The clip that is passed through, or "none".
     std::string identity(double time = 0.0) {
         PropertySet in = frame_arguments(time, 1.0);
@@ -281,7 +273,12 @@ class Instance final : public Effect {
     }
     // The window of a whole frame.
     OfxRectI window(double time = 0.0, double scale = 1.0) {
-        return pixels_of(region_of_definition(time, scale), scale, aspect());
+        PropertySet in = frame_arguments(time, scale);
+        PropertySet out;
+        add_rect(out, kOfxImageEffectPropRegionOfDefinition, clips[0]->rod());
+        host_.action(kOfxImageEffectActionGetRegionOfDefinition, this, &in, &out,
+                     {.per_frame = true, .scale = scale});
+        return pixels_of(rect_of(out, kOfxImageEffectPropRegionOfDefinition), scale, aspect());
     }
     // A whole frame in one piece, within a sequence. Throws when an action fails.
     Frame render(double time = 0.0, double scale = 1.0) {
@@ -298,6 +295,10 @@ class Instance final : public Effect {
     void sequence(const char* action, double time = 0.0, double scale = 1.0) {
         PropertySet in = frame_arguments(time, scale);
         host_.action(action, this, &in, nullptr, {.per_frame = true, .scale = scale});
+    }
+
+    const std::string& premultiplication() const {
+        return preferences.string_at(kOfxImageEffectPropPreMultiplication);
     }
 
     PropertySet preferences;    // of clips; asked for anew after each change that they may depend on
