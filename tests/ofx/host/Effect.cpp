@@ -159,6 +159,7 @@ OfxStatus clip_rod(OfxImageClipHandle handle, OfxTime, OfxRectD* bounds) {
 
 int abort_wanted(OfxImageEffectHandle handle) {
     auto& effect = behind<Effect>(handle);
+    if (effect.when_polled) effect.when_polled();
     const int polls = effect.polls.fetch_add(1, std::memory_order_relaxed) + 1;
     const int after = effect.abort_after.load(std::memory_order_relaxed);
     return after >= 0 && polls > after ? 1 : 0;

@@ -357,6 +357,7 @@ class Effect {
     std::vector<std::unique_ptr<Clip>> clips;
     std::atomic<int> polls{0};         // of abort
     std::atomic<int> abort_after{-1};  // polls until the user aborts; never when negative
+    std::function<void()> when_polled;
 };
 
 extern const OfxImageEffectSuiteV1 kImageEffectSuite;
