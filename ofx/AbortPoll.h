@@ -6,18 +6,25 @@
 #include <atomic>
 #include <thread>
 
+#include "Host.h"
 #include "ZoImage/Render.h"
-#include "abi/OfxImageEffect.h"
 
 namespace veloxa::ofx {
 
 class AbortPoll {
   public:
     // Lowers the flag. Not during a render.
-    void begin(OfxImageEffectHandle instance);
+    void begin(OfxImageEffectHandle instance) {
+        instance_ = instance;
+        flag_.clear();
+        adopt();
+    }
     void adopt() { thread_.store(std::this_thread::get_id(), std::memory_order_relaxed); }
     // Any thread, as often as every row.
-    void poll();
+    void poll() {
+        if (flag_.raised() || thread_.load(std::memory_order_relaxed) != std::this_thread::get_id()) return;
+        if (suites().effect->abort(instance_) != 0) flag_.raise();
+    }
 
     const Zo::Image::AbortFlag& flag() const { return flag_; }
 

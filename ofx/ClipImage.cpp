@@ -10,25 +10,17 @@ namespace veloxa::ofx {
 using namespace Zo::Image;
 
 void ClipImage::serve(const veloxa::ofx::Image& image, const Box& foreground, const Hash& identity) {
+    outline(image.empty() ? Box{} : image.frame(), foreground, identity);
     view_ = image.view();
-    place(image.empty() ? Box{} : image.frame(), foreground);
-    Hash hash = identity;
-    for (const int v : {box_.x, box_.y, box_.r, box_.t}) hash.append(v);
-    invalidate(hash);
 }
 
-void ClipImage::outline(const Box& frame, const Box& foreground) {
+void ClipImage::outline(const Box& frame, const Box& foreground, Hash identity) {
     view_ = {};
-    place(frame, foreground);
-    Hash hash;
-    for (const int v : {box_.x, box_.y, box_.r, box_.t}) hash.append(v);
-    invalidate(hash);
-}
-
-void ClipImage::place(const Box& frame, const Box& foreground) {
     frame_ = frame;
     box_ = frame;
     if (role_ != Role::kPicture) box_.merge(foreground);
+    for (const int v : {box_.x, box_.y, box_.r, box_.t}) identity.append(v);
+    invalidate(identity);
 }
 
 void ClipImage::_validate(bool /*for_real*/) {

@@ -25,7 +25,8 @@ class ClipImage final : public Zo::Image::Iop {
     // outlives its use. Validation thread.
     void serve(const Image& image, const Zo::Image::Box& foreground, const Zo::Image::Hash& identity);
     // Has no pixels but the box that they would have, so that requests can be made.
-    void outline(const Zo::Image::Box& frame, const Zo::Image::Box& foreground);
+    void outline(const Zo::Image::Box& frame, const Zo::Image::Box& foreground,
+                 Zo::Image::Hash identity = {});
     void clear() { view_ = {}; }
     // Asked at every row, so that a host can give a render up while no row of the result is made yet.
     void poll(AbortPoll* poll) { poll_ = poll; }
@@ -43,7 +44,6 @@ class ClipImage final : public Zo::Image::Iop {
     void engine(int y, int x, int r, const Zo::Image::ChannelSet& channels, Zo::Image::Row& row) override;
 
   private:
-    void place(const Zo::Image::Box& frame, const Zo::Image::Box& foreground);
     // The pixel's component that feeds the channel; -1 for none.
     int component(Zo::Image::Channel c) const;
 

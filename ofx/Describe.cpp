@@ -1,9 +1,6 @@
 #include "Describe.h"
 
-#include <array>
-
 #include "Clips.h"
-#include "DescribeParameters.h"
 #include "Host.h"
 #include "Node.h"
 #include "Properties.h"
@@ -25,10 +22,7 @@ Properties define_clip(OfxImageEffectHandle effect, const char* name, bool optio
     return clip;
 }
 
-void components(const Properties& clip, std::initializer_list<const char*> names) {
-    int n = 0;
-    for (const char* const name : names) clip.set(kOfxImageEffectPropSupportedComponents, name, n++);
-}
+constexpr std::initializer_list<const char*> kColour{kOfxImageComponentRGBA, kOfxImageComponentRGB};
 
 // With all five inputs the output may have an alpha whatever the foreground has. Where the output follows the
 // source, only a source with alpha gives one.
@@ -37,18 +31,20 @@ void define_general_clips(OfxImageEffectHandle effect) {
         const Properties clip = define_clip(effect, input.name, &input != kInputClips.data());
         if (input.role == ClipImage::Role::kMatte) {
             clip.set(kOfxImageClipPropIsMask, 1);
-            components(clip, {kOfxImageComponentAlpha, kOfxImageComponentRGBA, kOfxImageComponentRGB});
+            clip.set_all<const char*>(
+                kOfxImageEffectPropSupportedComponents,
+                {kOfxImageComponentAlpha, kOfxImageComponentRGBA, kOfxImageComponentRGB});
         } else {
-            components(clip, {kOfxImageComponentRGBA, kOfxImageComponentRGB});
+            clip.set_all(kOfxImageEffectPropSupportedComponents, kColour);
         }
     }
-    components(define_clip(effect, kOfxImageEffectOutputClipName, false),
-               {kOfxImageComponentRGBA, kOfxImageComponentRGB});
+    define_clip(effect, kOfxImageEffectOutputClipName, false)
+        .set_all(kOfxImageEffectPropSupportedComponents, kColour);
 }
 
 void define_filter_clips(OfxImageEffectHandle effect) {
     for (const char* const name : {kOfxImageEffectSimpleSourceClipName, kOfxImageEffectOutputClipName}) {
-        components(define_clip(effect, name, false), {kOfxImageComponentRGBA});
+        define_clip(effect, name, false).set(kOfxImageEffectPropSupportedComponents, kOfxImageComponentRGBA);
     }
 }
 
@@ -63,18 +59,14 @@ void describe(OfxImageEffectHandle effect) {
     p.set(kOfxPropLongLabel, "Veloxa Keyer");
     p.set(kOfxImageEffectPluginPropGrouping, "Keyer");
     p.set(kOfxPropPluginDescription, Node().image().help_text());
-    p.set(kOfxPropVersion, VELOXA_VERSION_MAJOR, 0);
-    p.set(kOfxPropVersion, VELOXA_VERSION_MINOR, 1);
-    p.set(kOfxPropVersion, VELOXA_VERSION_PATCH, 2);
+    p.set_all(kOfxPropVersion, {VELOXA_VERSION_MAJOR, VELOXA_VERSION_MINOR, VELOXA_VERSION_PATCH});
     p.set(kOfxPropVersionLabel, VELOXA_VERSION);
-    p.set(kOfxPropIcon, "", 0);
-    p.set(kOfxPropIcon, VELOXA_PLUGIN_ID ".png", 1);
+    p.set_all<const char*>(kOfxPropIcon, {"", VELOXA_PLUGIN_ID ".png"});
 
-    p.set(kOfxImageEffectPropSupportedContexts, kOfxImageEffectContextGeneral, 0);
-    p.set(kOfxImageEffectPropSupportedContexts, kOfxImageEffectContextFilter, 1);
-    p.set(kOfxImageEffectPropSupportedPixelDepths, kOfxBitDepthFloat, 0);
-    p.set(kOfxImageEffectPropSupportedPixelDepths, kOfxBitDepthShort, 1);
-    p.set(kOfxImageEffectPropSupportedPixelDepths, kOfxBitDepthByte, 2);
+    p.set_all<const char*>(kOfxImageEffectPropSupportedContexts,
+                           {kOfxImageEffectContextGeneral, kOfxImageEffectContextFilter});
+    p.set_all<const char*>(kOfxImageEffectPropSupportedPixelDepths,
+                           {kOfxBitDepthFloat, kOfxBitDepthShort, kOfxBitDepthByte});
     p.set(kOfxImageEffectPluginPropSingleInstance, 0);
     // Frames and tiles may come at once; a whole frame that stages need is made anew for each that does, so
     // the host need not cut one frame up for the sake of threads: a render takes them itself.

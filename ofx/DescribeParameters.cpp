@@ -1,4 +1,4 @@
-#include "DescribeParameters.h"
+#include "Describe.h"
 
 #include "Host.h"
 #include "ParameterSet.h"
@@ -9,6 +9,19 @@ namespace veloxa::ofx {
 using namespace Zo::Image;
 
 namespace {
+
+// A tooltip as plain text: list items become lines that begin with a dash, other marks go.
+std::string plain_text(std::string_view tooltip) {
+    std::string text;
+    for (;;) {
+        const std::size_t open = tooltip.find('<');
+        const std::size_t close = tooltip.find('>', open);
+        if (close == tooltip.npos) return text.append(tooltip);
+        text += tooltip.substr(0, open);
+        if (tooltip.substr(open, close + 1 - open) == "<li>") text += "\n- ";
+        tooltip.remove_prefix(close + 1);
+    }
+}
 
 // Without properties where the host does not know the type.
 Properties define(OfxParamSetHandle set, const char* type, const std::string& name,
@@ -133,24 +146,6 @@ void describe_parameters(OfxParamSetHandle set, const ParameterList& list) {
         for (const std::string& name : group.members) show(name);
         Properties(properties).set(kOfxPluginPropParamPageOrder, group.page, n++);
     }
-}
-
-std::string plain_text(std::string_view tooltip) {
-    std::string text;
-    while (!tooltip.empty()) {
-        const std::size_t open = tooltip.find('<');
-        text += tooltip.substr(0, open);
-        if (open == tooltip.npos) break;
-        tooltip.remove_prefix(open);
-        const std::size_t close = tooltip.find('>');
-        if (close == tooltip.npos) {
-            text += tooltip;
-            break;
-        }
-        if (tooltip.substr(0, close + 1) == "<li>") text += "\n- ";
-        tooltip.remove_prefix(close + 1);
-    }
-    return text;
 }
 
 }  // namespace veloxa::ofx

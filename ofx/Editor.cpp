@@ -38,14 +38,13 @@ std::string remarks(const std::vector<ToolReport>& reports) {
 // Connects images to the node's inputs for a scope.
 class Editor::Wired {
   public:
-    Wired(Iop& node, const Pictures& pictures, AbortPoll& poll) : node_(node) {
-        const Box foreground = pictures[kForeground] ? pictures[kForeground]->frame() : Box{};
+    Wired(Iop& node, const Pictures& pictures, AbortPoll& poll) : node_(node), inputs_(poll) {
+        std::array<bool, kInputs> used{};
         for (std::size_t n = 0; n < kInputs; ++n) {
-            if (pictures[n]) inputs_[n].serve(*pictures[n], foreground, fresh_identity());
-            inputs_[n].poll(&poll);
-            const bool used = pictures[n].has_value() || n == kForeground || n == kBackground;
-            node_.set_input(static_cast<int>(n), used ? &inputs_[n] : nullptr);
+            used[n] = pictures[n].has_value();
+            if (used[n]) inputs_[n].serve(*pictures[n], pictures[kForeground]->frame(), fresh_identity());
         }
+        inputs_.connect(node_, used);
     }
     ~Wired() {
         for (std::size_t n = 0; n < kInputs; ++n) node_.set_input(static_cast<int>(n), nullptr);
@@ -55,9 +54,7 @@ class Editor::Wired {
 
   private:
     Iop& node_;
-    std::array<ClipImage, kInputs> inputs_{{ClipImage(kInputClips[0].role), ClipImage(kInputClips[1].role),
-                                            ClipImage(kInputClips[2].role), ClipImage(kInputClips[3].role),
-                                            ClipImage(kInputClips[4].role)}};
+    InputImages inputs_;
 };
 
 Editor::Editor(OfxImageEffectHandle effect)

@@ -1,7 +1,6 @@
 #include "Image.h"
 
 #include <cmath>
-#include <utility>
 
 #include "Host.h"
 #include "Properties.h"
@@ -30,31 +29,17 @@ bool close_to(double a, double b) {
 
 }  // namespace
 
+void Image::Release::operator()(OfxPropertySetHandle image) const {
+    suites().effect->clipReleaseImage(image);
+}
+
 Image::Image(OfxImageClipHandle clip, OfxTime time, const OfxRectD* region, const RenderScale& scale) {
-    const OfxStatus status = suites().effect->clipGetImage(clip, time, region, &handle_);
-    if (status != kOfxStatOK) handle_ = nullptr;
+    OfxPropertySetHandle handle = nullptr;
+    const OfxStatus status = suites().effect->clipGetImage(clip, time, region, &handle);
     if (status == kOfxStatFailed) return;
     check(status, "the host could not deliver an image");
-    try {
-        read(scale);
-    } catch (...) {
-        suites().effect->clipReleaseImage(handle_);
-        throw;
-    }
-}
-
-Image::Image(Image&& other) noexcept
-    : handle_(std::exchange(other.handle_, nullptr)),
-      view_(std::exchange(other.view_, {})),
-      frame_(other.frame_),
-      identifier_(std::move(other.identifier_)) {}
-
-Image::~Image() {
-    if (handle_ != nullptr) suites().effect->clipReleaseImage(handle_);
-}
-
-void Image::read(const RenderScale& scale) {
-    const Properties properties(handle_);
+    handle_.reset(handle);
+    const Properties properties(handle);
     view_.data = static_cast<std::byte*>(properties.pointer(kOfxImagePropData));
     if (view_.data == nullptr || !properties.box(kOfxImagePropBounds, view_.bounds) || view_.empty()) {
         view_ = {};

@@ -1,7 +1,7 @@
 // An image that the host lends for the length of an action.
 #pragma once
 
-#include <optional>
+#include <memory>
 #include <string>
 
 #include "Coordinates.h"
@@ -16,9 +16,6 @@ class Image {
     // stands for black. Throws Failure when it fails for another reason, when the image is of a depth or of
     // components that the keyer does not take, and when its scale is not the action's.
     Image(OfxImageClipHandle clip, OfxTime time, const OfxRectD* region, const RenderScale& scale);
-    ~Image();
-    Image(Image&& other) noexcept;
-    Image& operator=(Image&&) = delete;
 
     bool empty() const { return view_.empty(); }
     const PixelView& view() const { return view_; }
@@ -28,9 +25,10 @@ class Image {
     const std::string& identifier() const { return identifier_; }
 
   private:
-    void read(const RenderScale& scale);
-
-    OfxPropertySetHandle handle_ = nullptr;
+    struct Release {
+        void operator()(OfxPropertySetHandle image) const;
+    };
+    std::unique_ptr<OfxPropertySetStruct, Release> handle_;
     PixelView view_;
     Zo::Image::Box frame_;
     std::string identifier_;

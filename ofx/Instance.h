@@ -52,7 +52,6 @@ class Instance {
     const char* premultiplication() const;
 
     void render_window(OfxPropertySetHandle in);
-    void show_failure(const char* text);
     // The images of what is connected: as much as the render asked for before, or the whole frames, the
     // foreground's where a clip has no end.
     Pictures fetch(OfxTime time, const RenderScale& scale, bool whole) const;

@@ -45,17 +45,11 @@ OfxStatus Instance::render(OfxPropertySetHandle in, OfxPropertySetHandle /*out*/
     } catch (const std::bad_alloc&) {  // the host sees to that
         throw;
     } catch (const std::exception& error) {
-        show_failure(error.what());
+        if (error.what()[0] != '\0') show_error(effect_, error.what(), error_shown_.exchange(true));
         throw;
     }
     if (error_shown_.exchange(false)) clear_error(effect_);
     return kOfxStatOK;
-}
-
-void Instance::show_failure(const char* text) {
-    if (text[0] == '\0') return;
-    const bool again = error_shown_.exchange(true);
-    show_error(effect_, text, again);
 }
 
 OfxStatus Instance::begin_sequence(OfxPropertySetHandle /*in*/, OfxPropertySetHandle /*out*/) {

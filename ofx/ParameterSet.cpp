@@ -17,6 +17,7 @@ OfxParamHandle handle_of(OfxParamSetHandle set, const char* name, OfxPropertySet
     return status == kOfxStatOK ? handle : nullptr;
 }
 
+// A host reads as many of the pointers or values as the parameter has.
 template <class... Pointers>
 bool get(OfxParamHandle handle, std::optional<OfxTime> time, Pointers... pointers) {
     const OfxParameterSuiteV1& suite = *suites().parameter;
@@ -55,8 +56,7 @@ Value ParameterSet::value(std::size_t n, std::optional<OfxTime> time) const {
     const Parameter& parameter = list_.parameters()[n];
     const OfxParamHandle handle = slots_[n].handle;
     Value value;
-    const int count = parameter.knob->value_count();
-    for (int i = 0; i < std::min(count, 4); ++i) {
+    for (int i = 0; i < std::min(parameter.knob->value_count(), 4); ++i) {
         value.numbers[static_cast<std::size_t>(i)] = parameter.knob->default_value(i);
     }
     if (handle == nullptr || parameter.is_button()) return value;
@@ -67,10 +67,7 @@ Value ParameterSet::value(std::size_t n, std::optional<OfxTime> time) const {
     } else if (is_integer(parameter)) {
         int number = 0;
         if (get(handle, time, &number)) value.numbers[0] = number;
-    } else if (count == 1   ? get(handle, time, &v[0])
-               : count == 2 ? get(handle, time, &v[0], &v[1])
-               : count == 3 ? get(handle, time, &v[0], &v[1], &v[2])
-                            : get(handle, time, &v[0], &v[1], &v[2], &v[3])) {
+    } else if (get(handle, time, &v[0], &v[1], &v[2], &v[3])) {
         value.numbers = v;
     }
     return value;
@@ -109,20 +106,7 @@ void ParameterSet::set(std::size_t n, const Value& value, OfxTime time) const {
     } else if (is_integer(parameter)) {
         put(slot.handle, key, static_cast<int>(v[0]));
     } else {
-        switch (parameter.knob->value_count()) {
-            case 1:
-                put(slot.handle, key, v[0]);
-                break;
-            case 2:
-                put(slot.handle, key, v[0], v[1]);
-                break;
-            case 3:
-                put(slot.handle, key, v[0], v[1], v[2]);
-                break;
-            default:
-                put(slot.handle, key, v[0], v[1], v[2], v[3]);
-                break;
-        }
+        put(slot.handle, key, v[0], v[1], v[2], v[3]);
     }
 }
 

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 #include <map>
+#include <utility>
 
 #include "abi/OfxParam.h"
 
@@ -14,29 +15,23 @@ using namespace Zo::Image;
 
 namespace {
 
+// Null for knobs that are no parameter.
 const char* type_of(Knob::Kind kind) {
-    switch (kind) {
-        case Knob::Kind::kBool:
-            return kOfxParamTypeBoolean;
-        case Knob::Kind::kFloat:
-            return kOfxParamTypeDouble;
-        case Knob::Kind::kMenu:
-            return kOfxParamTypeChoice;
-        case Knob::Kind::kColor:
-            return kOfxParamTypeRGB;
-        case Knob::Kind::kColorAlpha:
-            return kOfxParamTypeRGBA;
-        case Knob::Kind::kWidthHeight:
-            return kOfxParamTypeDouble2D;
-        case Knob::Kind::kCustom:
-            return kOfxParamTypeString;
-        case Knob::Kind::kButton:
-        case Knob::Kind::kScriptButton:
-        case Knob::Kind::kToolButton:
-            return kOfxParamTypePushButton;
-        default:
-            return nullptr;
+    static constexpr std::pair<Knob::Kind, const char*> kTypes[]{
+        {Knob::Kind::kBool, kOfxParamTypeBoolean},
+        {Knob::Kind::kFloat, kOfxParamTypeDouble},
+        {Knob::Kind::kMenu, kOfxParamTypeChoice},
+        {Knob::Kind::kColor, kOfxParamTypeRGB},
+        {Knob::Kind::kColorAlpha, kOfxParamTypeRGBA},
+        {Knob::Kind::kWidthHeight, kOfxParamTypeDouble2D},
+        {Knob::Kind::kCustom, kOfxParamTypeString},
+        {Knob::Kind::kButton, kOfxParamTypePushButton},
+        {Knob::Kind::kScriptButton, kOfxParamTypePushButton},
+        {Knob::Kind::kToolButton, kOfxParamTypePushButton}};
+    for (const auto& [known, type] : kTypes) {
+        if (known == kind) return type;
     }
+    return nullptr;
 }
 
 // "Screen Correct" becomes "screen_correct".

@@ -9,9 +9,16 @@ namespace veloxa::ofx {
 
 namespace {
 
+// The work with a sample of the depth.
+template <class Work>
+auto with_sample(Depth depth, const Work& work) {
+    if (depth == Depth::kByte) return work(std::uint8_t{});
+    if (depth == Depth::kShort) return work(std::uint16_t{});
+    return work(float{});
+}
+
 std::size_t sample_bytes(Depth depth) {
-    if (depth == Depth::kByte) return sizeof(std::uint8_t);
-    return depth == Depth::kShort ? sizeof(std::uint16_t) : sizeof(float);
+    return with_sample(depth, [](auto sample) { return sizeof sample; });
 }
 
 std::byte* address(const PixelView& view, int y, int x) {
@@ -20,14 +27,11 @@ std::byte* address(const PixelView& view, int y, int x) {
            (std::ptrdiff_t{x} - view.bounds.x) * pixel;
 }
 
-float to_float(float v) {
-    return v;
-}
-float to_float(std::uint8_t v) {
-    return static_cast<float>(v) / 255.0f;
-}
-float to_float(std::uint16_t v) {
-    return static_cast<float>(v) / 65535.0f;
+template <class Sample>
+float to_float(Sample v) {
+    return std::is_same_v<Sample, float>
+               ? v
+               : static_cast<float>(v) / static_cast<float>(static_cast<Sample>(-1));
 }
 
 template <class Sample>
@@ -99,13 +103,7 @@ void read_row(const PixelView& view, int y, int x, int r, const std::array<float
     std::array<float*, 4> target = out;
     for (float*& pixels : target) pixels = pixels != nullptr ? pixels + before : nullptr;
     const std::byte* const at = address(view, y, from);
-    if (view.depth == Depth::kByte) {
-        read<std::uint8_t>(at, view.components, target, count);
-    } else if (view.depth == Depth::kShort) {
-        read<std::uint16_t>(at, view.components, target, count);
-    } else {
-        read<float>(at, view.components, target, count);
-    }
+    with_sample(view.depth, [&](auto sample) { read<decltype(sample)>(at, view.components, target, count); });
     for (std::size_t n = 0; n < static_cast<std::size_t>(view.components); ++n) {
         if (out[n] == nullptr) continue;
         std::fill(out[n], target[n], target[n][0]);
@@ -114,14 +112,9 @@ void read_row(const PixelView& view, int y, int x, int r, const std::array<float
 }
 
 void write_row(const PixelView& view, int y, int x, int r, const std::array<const float*, 4>& rgba) {
-    std::byte* const at = address(view, y, x);
-    if (view.depth == Depth::kByte) {
-        write<std::uint8_t>(rgba, at, view.components, r - x);
-    } else if (view.depth == Depth::kShort) {
-        write<std::uint16_t>(rgba, at, view.components, r - x);
-    } else {
-        write<float>(rgba, at, view.components, r - x);
-    }
+    with_sample(view.depth, [&](auto sample) {
+        write<decltype(sample)>(rgba, address(view, y, x), view.components, r - x);
+    });
 }
 
 void clear_row(const PixelView& view, int y, int x, int r) {

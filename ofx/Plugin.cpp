@@ -13,31 +13,9 @@ namespace {
 
 OfxStatus dispatch(std::string_view action, OfxImageEffectHandle effect, OfxPropertySetHandle in,
                    OfxPropertySetHandle out) {
-    if (action == kOfxActionLoad) {
-        load();
-        return kOfxStatOK;
-    }
-    if (action == kOfxActionUnload) return kOfxStatOK;
-    if (action == kOfxActionDescribe) {
-        describe(effect);
-        return kOfxStatOK;
-    }
-    if (action == kOfxImageEffectActionDescribeInContext) {
-        describe_in_context(effect, in);
-        return kOfxStatOK;
-    }
-    if (action == kOfxActionCreateInstance) {
-        Instance::create(effect);
-        return kOfxStatOK;
-    }
-    if (action == kOfxActionDestroyInstance) {
-        Instance::destroy(effect);
-        return kOfxStatOK;
-    }
-    using Handler = OfxStatus (Instance::*)(OfxPropertySetHandle, OfxPropertySetHandle);
     struct Entry {
         std::string_view action;
-        Handler handler;
+        OfxStatus (Instance::*handler)(OfxPropertySetHandle, OfxPropertySetHandle);
     };
     static constexpr Entry kEntries[]{
         {kOfxImageEffectActionRender, &Instance::render},
@@ -53,7 +31,20 @@ OfxStatus dispatch(std::string_view action, OfxImageEffectHandle effect, OfxProp
     for (const Entry& entry : kEntries) {
         if (entry.action == action) return (Instance::of(effect).*entry.handler)(in, out);
     }
-    return kOfxStatReplyDefault;
+    if (action == kOfxActionLoad) {
+        load();
+    } else if (action == kOfxActionDescribe) {
+        describe(effect);
+    } else if (action == kOfxImageEffectActionDescribeInContext) {
+        describe_in_context(effect, in);
+    } else if (action == kOfxActionCreateInstance) {
+        Instance::create(effect);
+    } else if (action == kOfxActionDestroyInstance) {
+        Instance::destroy(effect);
+    } else if (action != kOfxActionUnload) {
+        return kOfxStatReplyDefault;
+    }
+    return kOfxStatOK;
 }
 
 OfxStatus main_entry(const char* action, const void* handle, OfxPropertySetHandle in,
@@ -72,7 +63,7 @@ OfxStatus main_entry(const char* action, const void* handle, OfxPropertySetHandl
     } catch (const Failure& failure) {
         return fail(failure.status(), failure.what());
     } catch (const std::bad_alloc&) {
-        return fail(kOfxStatErrMemory, "");
+        return kOfxStatErrMemory;
     } catch (const std::exception& error) {
         return fail(kOfxStatFailed, error.what());
     } catch (...) {

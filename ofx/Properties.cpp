@@ -5,60 +5,49 @@
 
 namespace veloxa::ofx {
 
-std::string Properties::text(const char* name, std::string_view fallback) const {
-    char* value = nullptr;
-    if (set_ == nullptr || suites().property->propGetString(set_, name, 0, &value) != kOfxStatOK ||
-        value == nullptr) {
-        return std::string(fallback);
-    }
-    return value;
+namespace {
+
+// False where the property is not there.
+template <class Get, class T>
+bool get(Get OfxPropertySuiteV1::*getter, OfxPropertySetHandle set, const char* name, int index, T& value) {
+    return set != nullptr && (suites().property->*getter)(set, name, index, &value) == kOfxStatOK;
 }
 
-int Properties::integer(const char* name, int fallback, int index) const {
-    int value = fallback;
-    if (set_ == nullptr || suites().property->propGetInt(set_, name, index, &value) != kOfxStatOK) {
-        return fallback;
-    }
-    return value;
+}  // namespace
+
+std::string Properties::text(const char* name) const {
+    char* value = nullptr;
+    return get(&OfxPropertySuiteV1::propGetString, set_, name, 0, value) && value != nullptr ? value : "";
+}
+
+int Properties::integer(const char* name) const {
+    int value = 0;
+    return get(&OfxPropertySuiteV1::propGetInt, set_, name, 0, value) ? value : 0;
 }
 
 double Properties::number(const char* name, double fallback, int index) const {
     double value = fallback;
-    if (set_ == nullptr || suites().property->propGetDouble(set_, name, index, &value) != kOfxStatOK) {
-        return fallback;
-    }
-    return value;
+    return get(&OfxPropertySuiteV1::propGetDouble, set_, name, index, value) ? value : fallback;
 }
 
 void* Properties::pointer(const char* name) const {
     void* value = nullptr;
-    if (set_ == nullptr || suites().property->propGetPointer(set_, name, 0, &value) != kOfxStatOK) {
-        return nullptr;
-    }
-    return value;
+    return get(&OfxPropertySuiteV1::propGetPointer, set_, name, 0, value) ? value : nullptr;
 }
 
 bool Properties::box(const char* name, Zo::Image::Box& box) const {
-    std::array<int, 4> v{};
-    for (int i = 0; i < 4; ++i) {
-        if (set_ == nullptr ||
-            suites().property->propGetInt(set_, name, i, &v[static_cast<std::size_t>(i)]) != kOfxStatOK) {
-            return false;
-        }
+    int n = 0;
+    for (int* const side : {&box.x, &box.y, &box.r, &box.t}) {
+        if (!get(&OfxPropertySuiteV1::propGetInt, set_, name, n++, *side)) return false;
     }
-    box = {v[0], v[1], v[2], v[3]};
     return true;
 }
 
 bool Properties::rectangle(const char* name, OfxRectD& rectangle) const {
-    std::array<double, 4> v{};
-    for (int i = 0; i < 4; ++i) {
-        if (set_ == nullptr ||
-            suites().property->propGetDouble(set_, name, i, &v[static_cast<std::size_t>(i)]) != kOfxStatOK) {
-            return false;
-        }
+    int n = 0;
+    for (double* const side : {&rectangle.x1, &rectangle.y1, &rectangle.x2, &rectangle.y2}) {
+        if (!get(&OfxPropertySuiteV1::propGetDouble, set_, name, n++, *side)) return false;
     }
-    rectangle = {v[0], v[1], v[2], v[3]};
     return true;
 }
 

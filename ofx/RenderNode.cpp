@@ -4,12 +4,6 @@ namespace veloxa::ofx {
 
 using namespace Zo::Image;
 
-RenderNode::RenderNode()
-    : inputs_{{ClipImage(kInputClips[0].role), ClipImage(kInputClips[1].role), ClipImage(kInputClips[2].role),
-               ClipImage(kInputClips[3].role), ClipImage(kInputClips[4].role)}} {
-    for (ClipImage& input : inputs_) input.poll(&poll_);
-}
-
 void RenderNode::set(const Values& values, const RenderScale& scale, const std::array<bool, kInputs>& used) {
     bool changed = false;
     const std::vector<Parameter>& parameters = node_.list().parameters();
@@ -19,10 +13,7 @@ void RenderNode::set(const Values& values, const RenderScale& scale, const std::
         changed = set_knob(parameters[n], values[n], scale) || changed;
     }
     if (changed) image().invalidate();
-    for (std::size_t n = 0; n < kInputs; ++n) {
-        const bool always = n == kForeground || n == kBackground;
-        image().set_input(static_cast<int>(n), always || used[n] ? &inputs_[n] : nullptr);
-    }
+    inputs_.connect(image(), used);
 }
 
 bool RenderNode::render(OfxImageEffectHandle instance, const Box& region, RowCache* rows,
@@ -38,7 +29,7 @@ bool RenderNode::render(OfxImageEffectHandle instance, const Box& region, RowCac
 }
 
 void RenderNode::release() noexcept {
-    for (ClipImage& input : inputs_) input.clear();
+    for (std::size_t n = 0; n < kInputs; ++n) inputs_[n].clear();
     if (!HostThreads::offered()) renderer_.reset();
 }
 

@@ -14,13 +14,11 @@ namespace veloxa::ofx {
 
 class RenderNode {
   public:
-    RenderNode();
-
     Zo::Image::Iop& image() const { return node_.image(); }
     ClipImage& input(std::size_t n) { return inputs_[n]; }
 
-    // Sets the knobs, and wires the inputs that are used: fg and bg are black otherwise. What was computed
-    // before is kept where it does not depend on what changed.
+    // Sets the knobs, and connects the inputs. What was computed before is kept where it does not depend on
+    // what changed.
     void set(const Values& values, const RenderScale& scale, const std::array<bool, kInputs>& used);
 
     // Renders a region of the frame on the host's threads, or on threads of the node's own where the host has
@@ -31,9 +29,9 @@ class RenderNode {
     void release() noexcept;
 
   private:
-    std::array<ClipImage, kInputs> inputs_;  // outlive the node
-    Node node_;
     AbortPoll poll_;
+    InputImages inputs_{poll_};  // outlive the node
+    Node node_;
     HostThreads threads_{poll_};
     std::optional<Zo::Image::Renderer> renderer_;  // made by the first render
 };

@@ -1,18 +1,15 @@
-/* The binary interface between an OpenFX host and its plug-ins, in plain C: handles, status codes, the entry
- * points of a plug-in's binary and the actions every kind of plug-in gets.
+/* The binary interface between an OpenFX host and its plug-ins, with C's linkage: handles, status codes, the
+ * entry points of a plug-in's binary and the actions every kind of plug-in gets.
  *
  * Strings: names (properties, actions, suites, types) may be kept as pointers by the receiver for as long as
  * the plug-in is loaded, so they are literals. Values belong to whoever passes them and are copied at once; a
  * string that a host returns is good until the next call of any function of the host.
  * Rectangles are half open: x1 <= x < x2, y1 <= y < y2, y grows upward. */
-#ifndef VELOXA_OFX_CORE_H
-#define VELOXA_OFX_CORE_H
+#pragma once
 
 #include <stddef.h>
 
-#ifdef __cplusplus
 extern "C" {
-#endif
 
 typedef struct OfxPropertySetStruct* OfxPropertySetHandle;
 typedef struct OfxParamStruct* OfxParamHandle;
@@ -57,11 +54,7 @@ typedef struct OfxPlugin {
 
 /* What a plug-in's binary exports. GetPlugin: 0 <= nth < number, the same static object each time, null for
  * any other index. SetHost is optional and comes first. */
-#if defined(_WIN32)
-#define OfxExport __declspec(dllexport)
-#else
 #define OfxExport __attribute__((visibility("default")))
-#endif
 OfxExport int OfxGetNumberOfPlugins(void);
 OfxExport OfxPlugin* OfxGetPlugin(int nth);
 OfxExport OfxStatus OfxSetHost(const OfxHost* host);
@@ -110,9 +103,4 @@ OfxExport OfxStatus OfxSetHost(const OfxHost* host);
 #define kOfxPropVersionLabel "OfxPropVersionLabel"                 /* string */
 #define kOfxPropPluginDescription "OfxPropPluginDescription"       /* string */
 #define kOfxPropParamSetNeedsSyncing "OfxPropParamSetNeedsSyncing" /* bool */
-
-#ifdef __cplusplus
 }
-#endif
-
-#endif

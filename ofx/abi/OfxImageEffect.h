@@ -3,14 +3,11 @@
  * Canonical coordinates are doubles over square pixels at full resolution (regions of definition and
  * interest); pixel coordinates are ints of this render (bounds, render window): x_pixel = x * scale.x /
  * aspect, y_pixel = y * scale.y. */
-#ifndef VELOXA_OFX_IMAGE_EFFECT_H
-#define VELOXA_OFX_IMAGE_EFFECT_H
+#pragma once
 
 #include "OfxCore.h"
 
-#ifdef __cplusplus
 extern "C" {
-#endif
 
 typedef struct OfxImageEffectStruct* OfxImageEffectHandle; /* descriptor or instance */
 typedef struct OfxImageClipStruct* OfxImageClipHandle;
@@ -129,9 +126,4 @@ typedef struct OfxImageEffectSuiteV1 {
 #define kOfxImageEffectPropFieldToRender "OfxImageEffectPropFieldToRender"           /* string */
 #define kOfxImageClipPropRoI_ "OfxImageClipPropRoI_"                                 /* double x4 */
 #define kOfxImageClipPropComponents_ "OfxImageClipPropComponents_"                   /* string */
-
-#ifdef __cplusplus
 }
-#endif
-
-#endif

@@ -1,12 +1,9 @@
 /* The message suite: what an effect tells the user. */
-#ifndef VELOXA_OFX_MESSAGE_H
-#define VELOXA_OFX_MESSAGE_H
+#pragma once
 
 #include "OfxCore.h"
 
-#ifdef __cplusplus
 extern "C" {
-#endif
 
 #define kOfxMessageSuite "OfxMessageSuite"
 
@@ -27,9 +24,4 @@ typedef struct OfxMessageSuiteV2 {
                                       const char* format, ...);
     OfxStatus (*clearPersistentMessage)(void* handle);
 } OfxMessageSuiteV2;
-
-#ifdef __cplusplus
 }
-#endif
-
-#endif

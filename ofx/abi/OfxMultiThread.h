@@ -1,12 +1,9 @@
 /* The multi-thread suite: threads and mutexes that the host provides. */
-#ifndef VELOXA_OFX_MULTI_THREAD_H
-#define VELOXA_OFX_MULTI_THREAD_H
+#pragma once
 
 #include "OfxCore.h"
 
-#ifdef __cplusplus
 extern "C" {
-#endif
 
 typedef struct OfxMutex* OfxMutexHandle;
 
@@ -27,9 +24,4 @@ typedef struct OfxMultiThreadSuiteV1 {
     OfxStatus (*mutexUnLock)(const OfxMutexHandle mutex);
     OfxStatus (*mutexTryLock)(const OfxMutexHandle mutex);
 } OfxMultiThreadSuiteV1;
-
-#ifdef __cplusplus
 }
-#endif
-
-#endif

@@ -1,12 +1,9 @@
 /* The parameter suite: the values of an effect that the user edits and the host animates and saves. */
-#ifndef VELOXA_OFX_PARAM_H
-#define VELOXA_OFX_PARAM_H
+#pragma once
 
 #include "OfxCore.h"
 
-#ifdef __cplusplus
 extern "C" {
-#endif
 
 #define kOfxParameterSuite "OfxParameterSuite"
 
@@ -86,9 +83,4 @@ typedef struct OfxParameterSuiteV1 {
 /* Of the host. */
 #define kOfxParamHostPropSupportsChoiceAnimation "OfxParamHostPropSupportsChoiceAnimation"
 #define kOfxParamHostPropSupportsBooleanAnimation "OfxParamHostPropSupportsBooleanAnimation"
-
-#ifdef __cplusplus
 }
-#endif
-
-#endif

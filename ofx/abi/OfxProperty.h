@@ -1,12 +1,9 @@
 /* The property suite: every object of a host carries a set of named, typed arrays. */
-#ifndef VELOXA_OFX_PROPERTY_H
-#define VELOXA_OFX_PROPERTY_H
+#pragma once
 
 #include "OfxCore.h"
 
-#ifdef __cplusplus
 extern "C" {
-#endif
 
 #define kOfxPropertySuite "OfxPropertySuite"
 
@@ -46,9 +43,4 @@ typedef struct OfxPropertySuiteV1 {
     OfxStatus (*propReset)(OfxPropertySetHandle properties, const char* property);
     OfxStatus (*propGetDimension)(OfxPropertySetHandle properties, const char* property, int* count);
 } OfxPropertySuiteV1;
-
-#ifdef __cplusplus
 }
-#endif
-
-#endif

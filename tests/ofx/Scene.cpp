@@ -14,10 +14,6 @@ namespace {
 
 constexpr std::array<const char*, 5> kInputs{"fg", "cp", "bg", "gm", "hm"};
 
-bool inside(const OfxRectI& box, int x, int y) {
-    return x >= box.x1 && x < box.x2 && y >= box.y1 && y < box.y2;
-}
-
 // Backing with grain, half light on a part of it, a figure that moves a pixel a frame, its edge soft.
 float foreground(double time, int c, int x, int y) {
     if (c == 3) return 0.5f + 0.01f * static_cast<float>((x + y) % 7);
@@ -96,11 +92,8 @@ Reference::Reference(const Clips& clips, const Settings& settings, double time, 
         const auto pixel = [source, time, rgb, matte](Channel c, int x, int y) {
             if (rgb && c == kAlpha && !matte) return 0.0f;
             const int component = rgb && matte ? 0 : static_cast<int>(c) - 1;
-            const float value = source.pixel(time, component, x, y);
-            if (source.depth == kOfxBitDepthFloat) return value;
-            const double white = white_of(source.depth);
-            const double level = std::clamp(static_cast<double>(value), 0.0, 1.0) * white;
-            return static_cast<float>(std::lround(level)) / static_cast<float>(white);
+            const double level = level_of(source.pixel(time, component, x, y), source.depth);
+            return static_cast<float>(level) / static_cast<float>(white_of(source.depth));
         };
         sources_.push_back(std::make_unique<test::FunctionSource>(
             Box{b.x1, b.y1, b.x2, b.y2}, rgb && !matte ? kMaskRgb : kMaskRgba, pixel));
@@ -146,14 +139,14 @@ void OfxTest::SetUp() {
     services().threads_fail = false;
     services().time = 0.0;
     take_faults();
-    services().take_messages();
+    take_messages();
 }
 
 void OfxTest::TearDown() {
     host_.reset();
     EXPECT_EQ(take_faults(), "");
     EXPECT_EQ(Image::held, 0);
-    EXPECT_EQ(services().take_messages(), std::vector<std::string>());
+    EXPECT_EQ(take_messages(), std::vector<std::string>());
 }
 
 Host& OfxTest::host(HostOptions options) {

@@ -28,6 +28,10 @@ inline constexpr OfxRectI kBacking{-4, 6, 8, 16};
 inline constexpr OfxRectI kShade{12, 6, 24, 16};
 inline const std::vector<double> kScreen{0.15, 0.6, 0.2};
 
+inline bool inside(const OfxRectI& box, int x, int y) {
+    return x >= box.x1 && x < box.x2 && y >= box.y1 && y < box.y2;
+}
+
 // fg, cp, bg, gm, hm of float RGBA; channels are 0 to 3.
 Clips all_clips();
 // fg and bg alone.

@@ -34,6 +34,12 @@ double white_of(const std::string& depth) {
     return depth == kOfxBitDepthByte ? 255.0 : depth == kOfxBitDepthShort ? 65535.0 : 1.0;
 }
 
+double level_of(float value, const std::string& depth) {
+    if (depth == kOfxBitDepthFloat) return value;
+    return static_cast<double>(
+        std::lround(std::clamp(static_cast<double>(value), 0.0, 1.0) * white_of(depth)));
+}
+
 int channels_of(const std::string& components) {
     return components == kOfxImageComponentRGBA ? 4 : components == kOfxImageComponentRGB ? 3 : 1;
 }
@@ -76,9 +82,8 @@ void Image::fill(const Source& source, double time, const std::string& field) {
         for (int x = bounds_.x1; x < bounds_.x2; ++x) {
             for (int c = 0; c < channels_; ++c) {
                 const float value = source.pixel(time, channels_ == 1 ? 3 : c, x, line_of(y, field));
-                const double level = std::clamp(static_cast<double>(value), 0.0, 1.0) * white_of(depth_);
-                const auto whole = static_cast<unsigned>(std::lround(level));
                 const bool exact = depth_ == kOfxBitDepthFloat;
+                const auto whole = exact ? 0U : static_cast<unsigned>(level_of(value, depth_));
                 std::memcpy(address(x, y, c), exact ? static_cast<const void*>(&value) : &whole, bytes_);
             }
         }
@@ -125,8 +130,7 @@ OfxStatus define_clip(OfxImageEffectHandle handle, const char* name, OfxProperty
     if (!effect.params.describing || effect.find_clip(name) != nullptr)
         return note_fault(std::string("defines a clip twice, or outside a describe action: ") + name,
                           kOfxStatErrExists);
-    Clip& clip = *effect.clips.emplace_back(std::make_unique<Clip>(name));
-    if (props != nullptr) *props = clip.props.handle();
+    *props = effect.clips.emplace_back(std::make_unique<Clip>(name))->props.handle();
     return kOfxStatOK;
 }
 
@@ -141,10 +145,7 @@ OfxStatus get_image(OfxImageClipHandle clip, OfxTime time, const OfxRectD* regio
 }
 
 OfxStatus release_image(OfxPropertySetHandle handle) {
-    PropertySet* set = PropertySet::from(handle);
-    if (set == nullptr || !set->has(kOfxImagePropData))
-        return note_fault("releases what is no image", kOfxStatErrBadHandle);
-    const std::unique_ptr<Image> image(static_cast<Image*>(set));
+    const std::unique_ptr<Image> image(static_cast<Image*>(&behind<PropertySet>(handle)));
     const Call& call = Call::now();
     if (image->is_output && call.output != nullptr) image->collect(call, *call.output);
     return kOfxStatOK;
@@ -158,6 +159,7 @@ OfxStatus clip_rod(OfxImageClipHandle handle, OfxTime, OfxRectD* bounds) {
 
 int abort_wanted(OfxImageEffectHandle handle) {
     auto& effect = behind<Effect>(handle);
+    if (effect.when_polled) effect.when_polled();
     const int polls = effect.polls.fetch_add(1, std::memory_order_relaxed) + 1;
     const int after = effect.abort_after.load(std::memory_order_relaxed);
     return after >= 0 && polls > after ? 1 : 0;
@@ -165,20 +167,17 @@ int abort_wanted(OfxImageEffectHandle handle) {
 
 }  // namespace
 
-const OfxImageEffectSuiteV1& image_effect_suite() {
-    static const OfxImageEffectSuiteV1 suite = [] {
-        OfxImageEffectSuiteV1 s{};
-        s.getPropertySet = entered<get_properties>;
-        s.getParamSet = entered<get_params>;
-        s.clipDefine = entered<define_clip>;
-        s.clipGetHandle = entered<clip_handle>;
-        s.clipGetImage = entered<get_image>;
-        s.clipReleaseImage = entered<release_image>;
-        s.clipGetRegionOfDefinition = entered<clip_rod>;
-        s.abort = entered<abort_wanted>;
-        return s;
-    }();
-    return suite;
-}
+const OfxImageEffectSuiteV1 kImageEffectSuite = [] {
+    OfxImageEffectSuiteV1 s{};
+    s.getPropertySet = entered<get_properties>;
+    s.getParamSet = entered<get_params>;
+    s.clipDefine = entered<define_clip>;
+    s.clipGetHandle = entered<clip_handle>;
+    s.clipGetImage = entered<get_image>;
+    s.clipReleaseImage = entered<release_image>;
+    s.clipGetRegionOfDefinition = entered<clip_rod>;
+    s.abort = entered<abort_wanted>;
+    return s;
+}();
 
 }  // namespace ofxtest

@@ -47,7 +47,7 @@ class Param {
         const auto known = dimensions.find(type);
         if (known == dimensions.end()) return nullptr;
         const int n = known->second;
-        std::unique_ptr<Param> param(new Param(owner, type, name, n));
+        auto param = std::make_unique<Param>(owner, type, name, n);
         PropertySet& p = param->props;
         p.add_all({kOfxPropLabel, kOfxParamPropScriptName, kOfxParamPropHint, kOfxParamPropParent}, kText);
         p.add_all({kOfxParamPropSecret}, 0);
@@ -72,27 +72,22 @@ class Param {
         if (n > 1) p.add_all({kOfxParamPropDimensionLabel}, kText, n);
         return param;
     }
+    Param(ParamSet& set, std::string kind, std::string called, int values)
+        : owner(set), type(std::move(kind)), name(std::move(called)), dimension(values) {}
     // An instance's, at its default.
-    Param(ParamSet& owner, const Param& descriptor)
-        : props(descriptor.props),
-          owner_(owner),
-          type_(descriptor.type_),
-          name_(descriptor.name_),
-          dimension_(descriptor.dimension_) {
+    Param(ParamSet& set, const Param& descriptor)
+        : Param(set, descriptor.type, descriptor.name, descriptor.dimension) {
+        props = descriptor.props;
         if (is_text()) content_.text = props.string_at(kOfxParamPropDefault);
-        for (int i = 0; i < dimension_ && !is_text(); ++i) {
+        for (int i = 0; i < dimension && !is_text(); ++i) {
             content_.numbers.push_back(is_int() ? props.int_at(kOfxParamPropDefault, i)
                                                 : props.double_at(kOfxParamPropDefault, i));
         }
     }
 
-    const std::string& name() const { return name_; }
-    const std::string& type() const { return type_; }
-    ParamSet& owner() const { return owner_; }
-    bool is_text() const { return type_ == kOfxParamTypeString; }
-    bool is_int() const { return type_ == kOfxParamTypeBoolean || type_ == kOfxParamTypeChoice; }
-    bool holds_value() const { return dimension_ > 0; }
-    int dimension() const { return dimension_; }
+    bool is_text() const { return type == kOfxParamTypeString; }
+    bool is_int() const { return type == kOfxParamTypeBoolean || type == kOfxParamTypeChoice; }
+    bool holds_value() const { return dimension > 0; }
     bool enabled() const { return props.int_at(kOfxParamPropEnabled) != 0; }
 
     // Linear between keys, held beyond them; Booleans, choices and texts step. Without keys the value.
@@ -121,40 +116,39 @@ class Param {
         content_ = content;
         props.put(kOfxParamPropIsAnimating, {content_.keys.empty() ? 0 : 1});
     }
-    void set_key(double time, std::vector<double> numbers) {
-        if (props.int_at(kOfxParamPropAnimates) == 0) note_fault(name_ + " does not animate");
+    // These, and the keys that are there already.
+    void set_keys(const std::map<double, std::vector<double>>& keys) {
+        if (props.int_at(kOfxParamPropAnimates) == 0) note_fault(name + " does not animate");
         Content keyed = content();
-        keyed.keys[time] = std::move(numbers);
+        for (const auto& [time, numbers] : keys) keyed.keys[time] = numbers;
         assign(keyed);
     }
 
+    ParamSet& owner;
+    const std::string type, name;
+    const int dimension;
     PropertySet props;
 
   private:
-    Param(ParamSet& owner, std::string type, std::string name, int dimension)
-        : owner_(owner), type_(std::move(type)), name_(std::move(name)), dimension_(dimension) {}
-
-    ParamSet& owner_;
-    std::string type_;
-    std::string name_;
-    int dimension_;
     mutable std::shared_mutex lock_;
     Content content_;
 };
 
+// The one of this name, or null.
+template <class T>
+T* named(const std::vector<std::unique_ptr<T>>& all, const std::string& name) {
+    const auto found =
+        std::find_if(all.begin(), all.end(), [&](const auto& one) { return one->name == name; });
+    return found != all.end() ? found->get() : nullptr;
+}
+
 class ParamSet {
   public:
-    Param* find(const std::string& name) const {
-        const auto found =
-            std::find_if(params_.begin(), params_.end(), [&](const auto& p) { return p->name() == name; });
-        return found != params_.end() ? found->get() : nullptr;
-    }
+    Param* find(const std::string& name) const { return named(all, name); }
     Param& get(const std::string& name) const {
         if (Param* param = find(name)) return *param;
         throw std::out_of_range("no parameter " + name);
     }
-    const std::vector<std::unique_ptr<Param>>& all() const { return params_; }
-    void add(std::unique_ptr<Param> param) { params_.push_back(std::move(param)); }
 
     // What the plug-in sets, at a key's time if there is one: a step of its own, or part of the block that it
     // opened.
@@ -162,7 +156,7 @@ class ParamSet {
         if (open_blocks == 0) undo.emplace_back();
         undo.back().emplace_back(&param, param.content());
         if (key != nullptr) {
-            param.set_key(*key, content.numbers);
+            param.set_keys({{*key, content.numbers}});
         } else {
             param.assign(content);
         }
@@ -178,12 +172,10 @@ class ParamSet {
     std::function<void(Param&)> when_edited;  // tells the plug-in of its own change
     bool describing = false;
     PropertySet* effect_props = nullptr;
-
-  private:
-    std::vector<std::unique_ptr<Param>> params_;
+    std::vector<std::unique_ptr<Param>> all;
 };
 
-const OfxParameterSuiteV1& parameter_suite();
+extern const OfxParameterSuiteV1 kParameterSuite;
 
 // Pixels of a render at a scale, of this width over height, that cover a canonical rectangle; and back.
 OfxRectI pixels_of(const OfxRectD& canonical, double scale, double aspect = 1.0);
@@ -244,8 +236,9 @@ struct Source {
     bool scaled = true;        // false: images come at full scale whatever was asked for
 };
 
-// Values from black to white of a depth; channels of a pixel.
+// Values from black to white of a depth, and the one that stands for 0 to 1; channels of a pixel.
 double white_of(const std::string& depth);
+double level_of(float value, const std::string& depth);
 int channels_of(const std::string& components);
 
 // An image that a plug-in holds. Rows are padded; memory is exactly as large as needed.
@@ -279,7 +272,7 @@ class Image final : public PropertySet {
 
 class Clip {
   public:
-    explicit Clip(const std::string& name) : name_(name) {
+    explicit Clip(std::string called) : name(std::move(called)) {
         props.add_all({kOfxPropLabel, kOfxImageClipPropFieldExtraction}, kText);
         props.add_lists({kOfxImageEffectPropSupportedComponents}, kText);
         props.add_all({kOfxImageClipPropOptional, kOfxImageClipPropIsMask,
@@ -291,7 +284,6 @@ class Clip {
         props.add(kOfxImagePropPixelAspectRatio, {1.0});
     }
 
-    const std::string& name() const { return name_; }
     void connect(std::shared_ptr<const Source> source) {
         source_ = std::move(source);
         static std::atomic<int> connections{0};
@@ -300,14 +292,14 @@ class Clip {
             source_ ? *source_ : Source{.depth = kOfxBitDepthNone, .components = kOfxImageComponentNone};
         const auto known = props.strings(kOfxImageEffectPropSupportedComponents);
         if (source_ && std::find(known.begin(), known.end(), s.components) == known.end())
-            note_fault(name_ + " does not take " + s.components);
+            note_fault(name + " does not take " + s.components);
         props.put(kOfxImageClipPropConnected, {source_ ? 1 : 0});
         props.put(kOfxImageEffectPropPixelDepth, {s.depth});
         props.put(kOfxImageEffectPropComponents, {s.components});
         props.put(kOfxImagePropPixelAspectRatio, {s.aspect});
     }
     const Source* source() const { return source_.get(); }
-    bool is_output() const { return name_ == kOfxImageEffectOutputClipName; }
+    bool is_output() const { return name == kOfxImageEffectOutputClipName; }
     double aspect() const { return props.double_at(kOfxImagePropPixelAspectRatio); }
     OfxRectD rod() const {
         if (!source_) return {};
@@ -317,11 +309,11 @@ class Clip {
 
     OfxStatus fetch(double time, const OfxRectD* region, OfxPropertySetHandle* image) const {
         const Call& call = Call::now();
-        if (!call.may_fetch) return note_fault("fetches an image at the wrong time: " + name_);
+        if (!call.may_fetch) return note_fault("fetches an image at the wrong time: " + name);
         if (!source_ || source_->fails) return kOfxStatFailed;
         const double scale = source_->scaled ? call.scale : 1.0;
         const OfxRectI rod = pixels_of(this->rod(), scale, aspect());
-        const auto asked = call.regions.find(name_);
+        const auto asked = call.regions.find(name);
         if (region == nullptr && asked != call.regions.end()) region = &asked->second;
         OfxRectI bounds = region != nullptr ? shared(rod, pixels_of(*region, scale, aspect())) : rod;
         const OfxRectI& w = call.window;
@@ -331,17 +323,17 @@ class Clip {
             *this, OfxRectI{bounds.x1 + n, bounds.y1 + n, bounds.x2 - n, bounds.y2 - n}, rod, scale);
         if (!is_output()) {
             if (source_->identified)
-                made->add(kOfxImagePropUniqueIdentifier, {name_ + std::to_string(connection_)});
+                made->add(kOfxImagePropUniqueIdentifier, {name + std::to_string(connection_)});
             made->fill(*source_, time, call.field);
         }
         *image = made.release()->handle();
         return kOfxStatOK;
     }
 
+    const std::string name;
     PropertySet props;
 
   private:
-    std::string name_;
     std::shared_ptr<const Source> source_;
     int connection_ = 0;  // no other of the process has this number
 };
@@ -358,19 +350,16 @@ class Effect {
         if (Clip* found = find_clip(name)) return *found;
         throw std::out_of_range("no clip " + name);
     }
-    Clip* find_clip(const std::string& name) const {
-        const auto found =
-            std::find_if(clips.begin(), clips.end(), [&](const auto& c) { return c->name() == name; });
-        return found != clips.end() ? found->get() : nullptr;
-    }
+    Clip* find_clip(const std::string& name) const { return named(clips, name); }
 
     PropertySet props;
     ParamSet params;
     std::vector<std::unique_ptr<Clip>> clips;
     std::atomic<int> polls{0};         // of abort
     std::atomic<int> abort_after{-1};  // polls until the user aborts; never when negative
+    std::function<void()> when_polled;
 };
 
-const OfxImageEffectSuiteV1& image_effect_suite();
+extern const OfxImageEffectSuiteV1 kImageEffectSuite;
 
 }  // namespace ofxtest

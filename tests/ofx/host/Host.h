@@ -9,10 +9,8 @@
 
 #include <algorithm>
 #include <atomic>
-#include <filesystem>
 #include <map>
 #include <memory>
-#include <optional>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -31,19 +29,18 @@ struct Services {
     double time = 0.0;                   // that the user looks at
     std::atomic<int> parallel_calls{0};  // of multiThread
 
-    // "type: text" each, persistent ones with a star; any thread.
-    std::vector<std::string> take_messages();
+    std::vector<std::string> messages{};  // "type: text" each, persistent ones with a star
 };
 Services& services();
+std::vector<std::string> take_messages();
 
-const OfxMultiThreadSuiteV1& multi_thread_suite();
-const OfxMessageSuiteV2& message_suite();  // the first version is its beginning
+extern const OfxMultiThreadSuiteV1 kMultiThreadSuite;
+extern const OfxMessageSuiteV2 kMessageSuite;  // the first version is its beginning
 
 class Instance;
 
 struct HostOptions {
-    std::set<std::string> missing{};  // suites, name and version: "OfxMessageSuite 2"
-    std::vector<std::string> contexts{kOfxImageEffectContextGeneral, kOfxImageEffectContextFilter};
+    std::set<std::string> missing{};           // suites, name and version: "OfxMessageSuite 2"
     std::set<std::string> refused_types{};     // of parameters
     std::set<std::string> refused_children{};  // of pages
     bool tiles = true;
@@ -59,19 +56,14 @@ class Host {
             if (!options_.bare) props_.add(yes, {1});
         }
         host_ = {props_.handle(), fetch_suite};
-        const std::string name = std::filesystem::path(bundle).stem().stem().string();
-        const std::string binary = bundle + "/Contents/Linux-x86-64/" + name + ".ofx";
+        for (const std::string& suite : options_.missing) props_.add("missing " + suite, {1});
+        const std::string binary = bundle + "/Contents/Linux-x86-64/Veloxa.ofx";
         library_ = dlopen(binary.c_str(), RTLD_NOW | RTLD_LOCAL);
         if (library_ == nullptr) throw std::runtime_error(dlerror());
-        const auto symbol = [&](const char* what) {
-            if (void* found = dlsym(library_, what)) return found;
-            throw std::runtime_error(std::string("the binary lacks ") + what);
-        };
-        get_plugin_ = reinterpret_cast<OfxPlugin* (*)(int)>(symbol("OfxGetPlugin"));
-        reinterpret_cast<OfxStatus (*)(const OfxHost*)>(symbol("OfxSetHost"))(&host_);
-        count_ = reinterpret_cast<int (*)()>(symbol("OfxGetNumberOfPlugins"))();
-        plugin_ = get_plugin_(0);
-        plugin_->setHost(&host_);
+        reinterpret_cast<decltype(&OfxSetHost)>(dlsym(library_, "OfxSetHost"))(&host_);
+        count = reinterpret_cast<decltype(&OfxGetNumberOfPlugins)>(dlsym(library_, "OfxGetNumberOfPlugins"));
+        plugin = reinterpret_cast<decltype(&OfxGetPlugin)>(dlsym(library_, "OfxGetPlugin"));
+        plugin(0)->setHost(&host_);
     }
     // Sends Unload if Load was sent, and closes the binary.
     ~Host() {
@@ -84,7 +76,6 @@ class Host {
     // Load, Describe, and DescribeInContext for the contexts of both sides; the first reply that is not OK.
     // May be called again, as some hosts do.
     OfxStatus load() {
-        for (const std::string& suite : options_.missing) props_.add("missing " + suite, {1});
         OfxStatus status = action(kOfxActionLoad, nullptr);
         loaded_ = loaded_ || status == kOfxStatOK;
         if (status != kOfxStatOK) return status;
@@ -108,9 +99,7 @@ class Host {
         status = action(kOfxActionDescribe, descriptor_.get());
         if (status != kOfxStatOK) return status;
         contexts_.clear();
-        const std::vector<std::string> theirs = p.strings(kOfxImageEffectPropSupportedContexts);
-        for (const std::string& context : options_.contexts) {
-            if (std::find(theirs.begin(), theirs.end(), context) == theirs.end()) continue;
+        for (const std::string& context : p.strings(kOfxImageEffectPropSupportedContexts)) {
             auto effect = std::make_unique<Effect>();
             effect->props = p;
             effect->params.refused_types = options_.refused_types;
@@ -125,12 +114,10 @@ class Host {
         }
         return kOfxStatOK;
     }
-    const OfxPlugin& plugin() const { return *plugin_; }
-    int plugin_count() const { return count_; }
-    bool has_plugin(int n) const { return get_plugin_(n) != nullptr; }
+    decltype(&OfxGetNumberOfPlugins) count;
+    decltype(&OfxGetPlugin) plugin;
     Effect& descriptor() { return *descriptor_; }
     Effect& descriptor(const std::string& context) { return *contexts_.at(context); }
-    bool describes(const std::string& context) const { return contexts_.count(context) != 0; }
     const HostOptions& options() const { return options_; }
 
     // Defaults, then the given values, then CreateInstance; null when the plug-in fails. Clips are connected
@@ -142,7 +129,7 @@ class Host {
                      const Call& call = {}) {
         const Call* outer = std::exchange(Call::current, &call);
         const auto handle = [](PropertySet* set) { return set != nullptr ? set->handle() : nullptr; };
-        const OfxStatus status = plugin_->mainEntry(name, effect, handle(in), handle(out));
+        const OfxStatus status = plugin(0)->mainEntry(name, effect, handle(in), handle(out));
         Call::current = outer;
         begin_call();
         return status;
@@ -151,37 +138,28 @@ class Host {
   private:
     static const void* fetch_suite(OfxPropertySetHandle handle, const char* name, int version) {
         static const std::map<std::string, const void*> suites{
-            {"OfxPropertySuite 1", &property_suite()},
-            {"OfxImageEffectSuite 1", &image_effect_suite()},
-            {"OfxParameterSuite 1", &parameter_suite()},
-            {"OfxMessageSuite 1", &message_suite()},
-            {"OfxMultiThreadSuite 1", &multi_thread_suite()},
-            {"OfxMessageSuite 2", &message_suite()}};
+            {"OfxPropertySuite 1", &kPropertySuite},       {"OfxImageEffectSuite 1", &kImageEffectSuite},
+            {"OfxParameterSuite 1", &kParameterSuite},     {"OfxMessageSuite 1", &kMessageSuite},
+            {"OfxMultiThreadSuite 1", &kMultiThreadSuite}, {"OfxMessageSuite 2", &kMessageSuite}};
         begin_call();
         // Of the host only its property set comes along: what it lacks is noted there.
-        const PropertySet* props = PropertySet::from(handle);
         const std::string key = std::string(name) + ' ' + std::to_string(version);
         const auto found = suites.find(key);
-        return props == nullptr || props->has("missing " + key) || found == suites.end() ? nullptr
-                                                                                         : found->second;
+        return behind<PropertySet>(handle).has("missing " + key) || found == suites.end() ? nullptr
+                                                                                          : found->second;
     }
 
     HostOptions options_;
     PropertySet props_;
     OfxHost host_{};
     void* library_ = nullptr;
-    OfxPlugin* (*get_plugin_)(int) = nullptr;
-    int count_ = 0;
-    OfxPlugin* plugin_ = nullptr;
     bool loaded_ = false;
     std::unique_ptr<Effect> descriptor_;
     std::map<std::string, std::unique_ptr<Effect>> contexts_;
 };
 
-inline constexpr auto kPlugin = PropertySet::kPluginSets;
-
 inline void add_rect(PropertySet& p, const std::string& name, const OfxRectD& r) {
-    p.add(name, {r.x1, r.y1, r.x2, r.y2}, kPlugin);
+    p.add(name, {r.x1, r.y1, r.x2, r.y2}, true);
 }
 
 inline OfxRectD rect_of(const PropertySet& p, const std::string& name) {
@@ -195,24 +173,18 @@ inline PropertySet frame_arguments(double time, double scale) {
     return in;
 }
 
-inline PropertySet window_arguments(double time, double scale, const OfxRectI& w, const std::string& field) {
-    PropertySet in = frame_arguments(time, scale);
-    in.add(kOfxImageEffectPropFieldToRender, {field});
-    in.add(kOfxImageEffectPropRenderWindow, {w.x1, w.y1, w.x2, w.y2});
-    return in;
-}
-
 class Instance final : public Effect {
   public:
     Instance(Host& host, const std::string& context, Effect& descriptor) : host_(host) {
         props = descriptor.props;
         props.add(kOfxImageEffectPropContext, {context});
-        props.add(kOfxPropInstanceData, {static_cast<void*>(nullptr)}, kPlugin);
-        props.add(kOfxPropParamSetNeedsSyncing, {1}, kPlugin);
+        props.add(kOfxPropInstanceData, {static_cast<void*>(nullptr)}, true);
+        props.add(kOfxPropParamSetNeedsSyncing, {1}, true);
         for (const auto& clip : descriptor.clips) clips.push_back(std::make_unique<Clip>(*clip));
-        for (const auto& param : descriptor.params.all()) params.add(std::make_unique<Param>(params, *param));
+        for (const auto& param : descriptor.params.all)
+            params.all.push_back(std::make_unique<Param>(params, *param));
         params.when_edited = [this](Param& param) {
-            if (created_) changed(kOfxTypeParameter, param.name(), kOfxChangePluginEdited);
+            if (created_) changed(kOfxTypeParameter, param.name, kOfxChangePluginEdited);
         };
     }
     ~Instance() override { host_.action(kOfxActionDestroyInstance, this); }
@@ -234,7 +206,7 @@ class Instance final : public Effect {
         changed(kOfxTypeParameter, name, kOfxChangeUserEdited);
     }
     void press(const std::string& button) {
-        if (params.get(button).type() != kOfxParamTypePushButton)
+        if (params.get(button).type != kOfxParamTypePushButton)
             throw std::logic_error(button + " is no button");
         changed(kOfxTypeParameter, button, kOfxChangeUserEdited);
     }
@@ -243,44 +215,30 @@ class Instance final : public Effect {
         params.undo.pop_back();
         for (auto edit = step.rbegin(); edit != step.rend(); ++edit) edit->first->assign(edit->second);
         for (const auto& [param, content] : step)
-            changed(kOfxTypeParameter, param->name(), kOfxChangeUserEdited);
+            changed(kOfxTypeParameter, param->name, kOfxChangeUserEdited);
     }
     void go_to(double time) {
         services().time = time;
-        for (const auto& param : params.all()) {
+        for (const auto& param : params.all) {
             if (param->holds_value() && param->props.int_at(kOfxParamPropIsAnimating) != 0)
-                changed(kOfxTypeParameter, param->name(), kOfxChangeTime);
+                changed(kOfxTypeParameter, param->name, kOfxChangeTime);
         }
     }
     // The values that a project file holds.
     Host::Values saved() const {
         Host::Values values;
-        for (const auto& param : params.all()) {
-            if (param->holds_value()) values[param->name()] = param->content();
+        for (const auto& param : params.all) {
+            if (param->holds_value()) values[param->name] = param->content();
         }
         return values;
     }
 
-    OfxRectD region_of_definition(double time = 0.0, double scale = 1.0) {
-        PropertySet in = frame_arguments(time, scale);
+    // The clip that is passed through, or "none".
+    std::string identity(double time = 0.0) {
+        PropertySet in = frame_arguments(time, 1.0);
         PropertySet out;
-        for (const auto& clip : clips) {
-            if (clip->is_output() || clip->props.int_at(kOfxImageClipPropOptional) != 0) continue;
-            add_rect(out, kOfxImageEffectPropRegionOfDefinition, clip->rod());
-        }
-        host_.action(kOfxImageEffectActionGetRegionOfDefinition, this, &in, &out,
-                     {.per_frame = true, .scale = scale});
-        return rect_of(out, kOfxImageEffectPropRegionOfDefinition);
-    }
-    // The clip that is passed through.
-    std::optional<std::string> identity(const OfxRectI& w, double time = 0.0, double scale = 1.0) {
-        PropertySet in = window_arguments(time, scale, w, kOfxImageFieldNone);
-        PropertySet out;
-        out.add(kOfxPropName, {std::string()}, kPlugin);
-        out.add(kOfxPropTime, {time}, kPlugin);
-        const Call call{.per_frame = true, .scale = scale};
-        if (host_.action(kOfxImageEffectActionIsIdentity, this, &in, &out, call) != kOfxStatOK)
-            return std::nullopt;
+        out.add_all({kOfxPropName}, std::string("none"));
+        host_.action(kOfxImageEffectActionIsIdentity, this, &in, &out, {.per_frame = true});
         return out.string_at(kOfxPropName);
     }
     std::map<std::string, OfxRectD> regions_of_interest(const OfxRectD& region, double time = 0.0,
@@ -289,14 +247,13 @@ class Instance final : public Effect {
         add_rect(in, kOfxImageEffectPropRegionOfInterest, region);
         PropertySet out;
         for (const auto& clip : clips) {
-            if (!clip->is_output()) add_rect(out, kOfxImageClipPropRoI_ + clip->name(), region);
+            if (!clip->is_output()) add_rect(out, kOfxImageClipPropRoI_ + clip->name, region);
         }
         host_.action(kOfxImageEffectActionGetRegionsOfInterest, this, &in, &out,
                      {.per_frame = true, .scale = scale});
         std::map<std::string, OfxRectD> regions;
         for (const auto& clip : clips) {
-            if (!clip->is_output())
-                regions[clip->name()] = rect_of(out, kOfxImageClipPropRoI_ + clip->name());
+            if (!clip->is_output()) regions[clip->name] = rect_of(out, kOfxImageClipPropRoI_ + clip->name);
         }
         return regions;
     }
@@ -309,12 +266,19 @@ class Instance final : public Effect {
         if (host_.options().tiles) {
             call.regions = regions_of_interest(canonical_of(w, scale, aspect()), time, scale);
         }
-        PropertySet in = window_arguments(time, scale, w, field);
+        PropertySet in = frame_arguments(time, scale);
+        in.add(kOfxImageEffectPropFieldToRender, {field});
+        in.add(kOfxImageEffectPropRenderWindow, {w.x1, w.y1, w.x2, w.y2});
         return host_.action(kOfxImageEffectActionRender, this, &in, nullptr, call);
     }
     // The window of a whole frame.
     OfxRectI window(double time = 0.0, double scale = 1.0) {
-        return pixels_of(region_of_definition(time, scale), scale, aspect());
+        PropertySet in = frame_arguments(time, scale);
+        PropertySet out;
+        add_rect(out, kOfxImageEffectPropRegionOfDefinition, clips[0]->rod());
+        host_.action(kOfxImageEffectActionGetRegionOfDefinition, this, &in, &out,
+                     {.per_frame = true, .scale = scale});
+        return pixels_of(rect_of(out, kOfxImageEffectPropRegionOfDefinition), scale, aspect());
     }
     // A whole frame in one piece, within a sequence. Throws when an action fails.
     Frame render(double time = 0.0, double scale = 1.0) {
@@ -333,6 +297,10 @@ class Instance final : public Effect {
         host_.action(action, this, &in, nullptr, {.per_frame = true, .scale = scale});
     }
 
+    const std::string& premultiplication() const {
+        return preferences.string_at(kOfxImageEffectPropPreMultiplication);
+    }
+
     PropertySet preferences;    // of clips; asked for anew after each change that they may depend on
     double viewer_scale = 1.0;  // at which the user presses buttons
 
@@ -342,27 +310,22 @@ class Instance final : public Effect {
         preferences = {};
         for (const auto& clip : clips) {
             if (clip->source() == nullptr && clip->props.int_at(kOfxImageClipPropOptional) == 0) return;
-            preferences.add(kOfxImageClipPropComponents_ + clip->name(),
-                            {clip->props.string_at(kOfxImageEffectPropComponents)}, kPlugin);
+            preferences.add_all({(kOfxImageClipPropComponents_ + clip->name).c_str()}, kText);
         }
-        preferences.add(kOfxImageEffectPropPreMultiplication, {std::string()}, kPlugin);
+        preferences.add_all({kOfxImageEffectPropPreMultiplication}, kText);
         host_.action(kOfxImageEffectActionGetClipPreferences, this, nullptr, &preferences);
     }
     void changed(const std::string& type, const std::string& name, const char* reason) {
-        PropertySet in;
-        in.add(kOfxPropChangeReason, {std::string(reason)});
-        Call call{.may_set_params = true, .scale = viewer_scale};
-        host_.action(kOfxActionBeginInstanceChanged, this, &in, nullptr, call);
         PropertySet what = frame_arguments(services().time, viewer_scale);
         what.add(kOfxPropType, {type});
         what.add(kOfxPropName, {name});
         what.add(kOfxPropChangeReason, {std::string(reason)});
-        call.may_fetch = reason == std::string(kOfxChangeUserEdited);
+        const Call call{.may_set_params = true,
+                        .may_fetch = reason == std::string(kOfxChangeUserEdited),
+                        .scale = viewer_scale};
         const OfxStatus status = host_.action(kOfxActionInstanceChanged, this, &what, nullptr, call);
         if (status != kOfxStatOK && status != kOfxStatReplyDefault)
             note_fault("the change of " + name + " gave status " + std::to_string(status));
-        call.may_fetch = false;
-        host_.action(kOfxActionEndInstanceChanged, this, &in, nullptr, call);
         const auto slaves = props.strings(kOfxImageEffectPropClipPreferencesSlaveParam);
         if (type == kOfxTypeClip || std::count(slaves.begin(), slaves.end(), name) != 0) ask_preferences();
     }

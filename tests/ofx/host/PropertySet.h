@@ -27,22 +27,18 @@ using Names = std::initializer_list<const char*>;
 
 class PropertySet {
   public:
-    enum Access { kHostSets, kPluginSets };
-
-    ~PropertySet() { magic_ = 0; }
-
-    // A property of as many values; these are its defaults.
-    void add(const std::string& name, std::vector<Value> values, Access access = kHostSets) {
+    // A property of as many values, these by default, which a plug-in may set or not.
+    void add(const std::string& name, std::vector<Value> values, bool plugin_sets = false) {
         const std::size_t type = values.at(0).index();
-        properties_[name] = {std::move(values), type, false, access};
+        properties_[name] = {std::move(values), type, false, plugin_sets};
     }
     // What a plug-in sets: properties of `n` such values each, and of any length, empty at first.
     void add_all(Names names, const Value& value, int n = 1) {
         for (const char* name : names)
-            add(name, std::vector<Value>(static_cast<std::size_t>(n), value), kPluginSets);
+            add(name, std::vector<Value>(static_cast<std::size_t>(n), value), true);
     }
     void add_lists(Names names, const Value& type) {
-        for (const char* name : names) properties_[name] = {{}, type.index(), true, kPluginSets};
+        for (const char* name : names) properties_[name] = {{}, type.index(), true, true};
     }
     // Sets values of a property that exists.
     void put(const std::string& name, std::vector<Value> values) {
@@ -50,7 +46,6 @@ class PropertySet {
     }
 
     bool has(const std::string& name) const { return properties_.count(name) != 0; }
-    int size(const std::string& name) const { return static_cast<int>(properties_.at(name).values.size()); }
     int int_at(const std::string& name, int i = 0) const { return at<int>(name, i); }
     double double_at(const std::string& name, int i = 0) const { return at<double>(name, i); }
     const std::string& string_at(const std::string& name, int i = 0) const {
@@ -58,19 +53,15 @@ class PropertySet {
     }
     std::vector<std::string> strings(const std::string& name) const {
         std::vector<std::string> result;
-        for (int i = 0; has(name) && i < size(name); ++i) result.push_back(string_at(name, i));
+        const auto found = properties_.find(name);
+        if (found == properties_.end()) return result;
+        for (const Value& value : found->second.values) result.push_back(std::get<std::string>(value));
         return result;
     }
 
     std::set<std::string> refused;  // texts that are answered ErrValue
 
     OfxPropertySetHandle handle() { return reinterpret_cast<OfxPropertySetHandle>(this); }
-    static PropertySet* from(OfxPropertySetHandle handle) {
-        auto* set = reinterpret_cast<PropertySet*>(handle);
-        if (set != nullptr && set->magic_ == kMagic) return set;
-        note_fault("bad property set handle");
-        return nullptr;
-    }
 
     // What the suite does.
     OfxStatus set(const char* name, int index, const Value& value) {
@@ -78,7 +69,7 @@ class PropertySet {
         if (found == properties_.end())
             return note_fault(std::string("sets unknown property ") + name, kOfxStatErrUnknown);
         Property& p = found->second;
-        if (p.type != value.index() || p.access == kHostSets)
+        if (p.type != value.index() || !p.plugin_sets)
             return note_fault(std::string("sets property of other type or of the host, ") + name,
                               kOfxStatErrValue);
         if (!refused.empty() && refused.count(std::get<std::string>(value)) != 0) return kOfxStatErrValue;
@@ -105,7 +96,7 @@ class PropertySet {
         std::vector<Value> values;
         std::size_t type = 0;  // of Value
         bool any_length = false;
-        Access access = kHostSets;
+        bool plugin_sets = false;
     };
 
     template <class T>
@@ -113,8 +104,6 @@ class PropertySet {
         return std::get<T>(properties_.at(name).values.at(static_cast<std::size_t>(i)));
     }
 
-    static constexpr unsigned kMagic = 0x0f5e7000;
-    unsigned magic_ = kMagic;
     std::map<std::string, Property, std::less<>> properties_;
 };
 
@@ -133,7 +122,7 @@ T& behind(Handle handle) {
 template <class T, class Handle>
 OfxStatus hand_out(T* found, Handle* handle, OfxPropertySetHandle* props) {
     if (found == nullptr) return kOfxStatErrUnknown;
-    *handle = reinterpret_cast<Handle>(found);
+    if (handle != nullptr) *handle = reinterpret_cast<Handle>(found);
     if (props != nullptr) *props = found->props.handle();
     return kOfxStatOK;
 }
@@ -145,6 +134,6 @@ inline constexpr auto entered = [](auto... arguments) {
     return kFunction(arguments...);
 };
 
-const OfxPropertySuiteV1& property_suite();
+extern const OfxPropertySuiteV1 kPropertySuite;
 
 }  // namespace ofxtest

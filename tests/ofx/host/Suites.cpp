@@ -13,21 +13,31 @@ namespace ofxtest {
 
 namespace {
 
-std::mutex faults_lock;
+std::mutex notes_lock;
 std::string faults;
 
 thread_local std::deque<std::string> lent;
 
 }  // namespace
 
+Services& services() {
+    static Services instance;
+    return instance;
+}
+
+std::vector<std::string> take_messages() {
+    const std::lock_guard lock(notes_lock);
+    return std::exchange(services().messages, {});
+}
+
 OfxStatus note_fault(const std::string& text, OfxStatus reply) {
-    const std::lock_guard lock(faults_lock);
+    const std::lock_guard lock(notes_lock);
     faults += text + '\n';
     return reply;
 }
 
 std::string take_faults() {
-    const std::lock_guard lock(faults_lock);
+    const std::lock_guard lock(notes_lock);
     return std::exchange(faults, {});
 }
 
@@ -45,8 +55,7 @@ namespace {
 template <class Stored, class T = Stored>
 OfxStatus set_one(OfxPropertySetHandle properties, const char* name, int index, T value) {
     begin_call();
-    PropertySet* set = PropertySet::from(properties);
-    return set != nullptr ? set->set(name, index, Stored(value)) : kOfxStatErrBadHandle;
+    return behind<PropertySet>(properties).set(name, index, Stored(value));
 }
 
 OfxStatus set_doubles(OfxPropertySetHandle properties, const char* name, int count, const double* values) {
@@ -59,9 +68,8 @@ OfxStatus set_doubles(OfxPropertySetHandle properties, const char* name, int cou
 template <class Stored, class T = Stored>
 OfxStatus get_one(OfxPropertySetHandle properties, const char* name, int index, T* out) {
     begin_call();
-    const PropertySet* set = PropertySet::from(properties);
     Value value = Stored{};
-    const OfxStatus status = set != nullptr ? set->get(name, index, value) : kOfxStatErrBadHandle;
+    const OfxStatus status = behind<PropertySet>(properties).get(name, index, value);
     if (status != kOfxStatOK) return status;
     if constexpr (std::is_same_v<T, char*>) {
         *out = lend_string(std::get<std::string>(value));
@@ -73,18 +81,15 @@ OfxStatus get_one(OfxPropertySetHandle properties, const char* name, int index, 
 
 }  // namespace
 
-const OfxPropertySuiteV1& property_suite() {
-    static const OfxPropertySuiteV1 suite{set_one<void*>,  set_one<std::string, const char*>,
-                                          set_one<double>, set_one<int>,
-                                          nullptr,         nullptr,
-                                          set_doubles,     nullptr,
-                                          get_one<void*>,  get_one<std::string, char*>,
-                                          get_one<double>, get_one<int>,
-                                          nullptr,         nullptr,
-                                          nullptr,         nullptr,
-                                          nullptr,         nullptr};
-    return suite;
-}
+const OfxPropertySuiteV1 kPropertySuite{set_one<void*>,  set_one<std::string, const char*>,
+                                        set_one<double>, set_one<int>,
+                                        nullptr,         nullptr,
+                                        set_doubles,     nullptr,
+                                        get_one<void*>,  get_one<std::string, char*>,
+                                        get_one<double>, get_one<int>,
+                                        nullptr,         nullptr,
+                                        nullptr,         nullptr,
+                                        nullptr,         nullptr};
 
 namespace {
 
@@ -96,10 +101,9 @@ OfxStatus define(OfxParamSetHandle handle, const char* type, const char* name, O
         return note_fault(std::string("defines twice: ") + name, kOfxStatErrExists);
     auto param = Param::described(set, type, name);
     if (!param) return kOfxStatErrUnknown;
-    if (param->type() == kOfxParamTypePage) param->props.refused = set.refused_children;
-    if (props != nullptr) *props = param->props.handle();
-    set.add(std::move(param));
-    return kOfxStatOK;
+    if (param->type == kOfxParamTypePage) param->props.refused = set.refused_children;
+    return hand_out(set.all.emplace_back(std::move(param)).get(), static_cast<OfxParamHandle*>(nullptr),
+                    props);
 }
 
 OfxStatus get_handle(OfxParamSetHandle set, const char* name, OfxParamHandle* param,
@@ -116,7 +120,7 @@ OfxStatus give(OfxParamHandle handle, double time, std::va_list out) {
     begin_call();
     const auto& param = behind<Param>(handle);
     if (!param.holds_value())
-        return note_fault("reads a parameter without a value: " + param.name(), kOfxStatErrUnsupported);
+        return note_fault("reads a parameter without a value: " + param.name, kOfxStatErrUnsupported);
     const Param::Content content = param.at(time);
     if (param.is_text()) {
         if (Call::now().per_frame) note_fault("reads a text that its user may be editing");
@@ -135,14 +139,14 @@ OfxStatus give(OfxParamHandle handle, double time, std::va_list out) {
 OfxStatus take(OfxParamHandle handle, const OfxTime* key, std::va_list in) {
     begin_call();
     auto& param = behind<Param>(handle);
-    if (!Call::now().may_set_params) note_fault("sets a parameter at the wrong time: " + param.name());
+    if (!Call::now().may_set_params) note_fault("sets a parameter at the wrong time: " + param.name);
     if (!param.holds_value())
-        return note_fault("sets a parameter without a value: " + param.name(), kOfxStatErrUnsupported);
+        return note_fault("sets a parameter without a value: " + param.name, kOfxStatErrUnsupported);
     Param::Content content;
     if (param.is_text()) content.text = va_arg(in, const char*);
-    for (int i = 0; i < param.dimension() && !param.is_text(); ++i)
+    for (int i = 0; i < param.dimension && !param.is_text(); ++i)
         content.numbers.push_back(param.is_int() ? va_arg(in, int) : va_arg(in, double));
-    param.owner().edit(param, content, key);
+    param.owner.edit(param, content, key);
     return kOfxStatOK;
 }
 
@@ -194,43 +198,23 @@ OfxStatus edit_end(OfxParamSetHandle handle) {
 
 }  // namespace
 
-const OfxParameterSuiteV1& parameter_suite() {
-    static const OfxParameterSuiteV1 suite = [] {
-        OfxParameterSuiteV1 s{};
-        s.paramDefine = entered<define>;
-        s.paramGetHandle = entered<get_handle>;
-        s.paramSetGetPropertySet = entered<set_properties>;
-        s.paramGetValue = get_value;
-        s.paramGetValueAtTime = get_value_at;
-        s.paramSetValue = set_value;
-        s.paramSetValueAtTime = set_value_at;
-        s.paramEditBegin = entered<edit_begin>;
-        s.paramEditEnd = entered<edit_end>;
-        return s;
-    }();
-    return suite;
-}
+const OfxParameterSuiteV1 kParameterSuite = [] {
+    OfxParameterSuiteV1 s{};
+    s.paramDefine = entered<define>;
+    s.paramGetHandle = entered<get_handle>;
+    s.paramSetGetPropertySet = entered<set_properties>;
+    s.paramGetValue = get_value;
+    s.paramGetValueAtTime = get_value_at;
+    s.paramSetValue = set_value;
+    s.paramSetValueAtTime = set_value_at;
+    s.paramEditBegin = entered<edit_begin>;
+    s.paramEditEnd = entered<edit_end>;
+    return s;
+}();
 
 namespace {
-
-std::mutex messages_lock;
-std::vector<std::string> messages;
 
 thread_local bool spawned = false;
-
-}  // namespace
-
-Services& services() {
-    static Services instance;
-    return instance;
-}
-
-std::vector<std::string> Services::take_messages() {
-    const std::lock_guard lock(messages_lock);
-    return std::exchange(messages, {});
-}
-
-namespace {
 
 OfxStatus multi_thread(OfxThreadFunctionV1 function, unsigned count, void* argument) {
     if (spawned) return kOfxStatErrExists;
@@ -257,8 +241,8 @@ OfxStatus cpus(unsigned* count) {
 }
 
 void note_message(std::string text) {
-    const std::lock_guard lock(messages_lock);
-    messages.push_back(std::move(text));
+    const std::lock_guard lock(notes_lock);
+    services().messages.push_back(std::move(text));
 }
 
 template <bool kPersistent>
@@ -281,19 +265,13 @@ OfxStatus clear_persistent(void*) {
 
 }  // namespace
 
-const OfxMultiThreadSuiteV1& multi_thread_suite() {
-    static const OfxMultiThreadSuiteV1 suite = [] {
-        OfxMultiThreadSuiteV1 s{};
-        s.multiThread = entered<multi_thread>;
-        s.multiThreadNumCPUs = entered<cpus>;
-        return s;
-    }();
-    return suite;
-}
+const OfxMultiThreadSuiteV1 kMultiThreadSuite = [] {
+    OfxMultiThreadSuiteV1 s{};
+    s.multiThread = entered<multi_thread>;
+    s.multiThreadNumCPUs = entered<cpus>;
+    return s;
+}();
 
-const OfxMessageSuiteV2& message_suite() {
-    static const OfxMessageSuiteV2 suite{message<false>, message<true>, entered<clear_persistent>};
-    return suite;
-}
+const OfxMessageSuiteV2 kMessageSuite{message<false>, message<true>, entered<clear_persistent>};
 
 }  // namespace ofxtest
