@@ -15,26 +15,15 @@ bool is_enable(const KnobField& field) {
            });
 }
 
-Knob* make(Knob_Closure& f, const KnobRow& row, bool* field) {
-    return bool_knob(f, field, row.name, row.label);
-}
-Knob* make(Knob_Closure& f, const KnobRow& row, float* field) {
-    return float_knob(f, field, row.name, row.label);
-}
-Knob* make(Knob_Closure& f, const KnobRow& row, K::Color* field) {
-    return color_knob(f, field, row.name, row.label);
-}
-Knob* make(Knob_Closure& f, const KnobRow& row, K::ColorAlpha* field) {
-    return color_alpha_knob(f, field, row.name, row.label);
-}
-Knob* make(Knob_Closure& f, const KnobRow& row, K::Size* field) {
-    return width_height_knob(f, field, row.name, row.label);
-}
-Knob* make(Knob_Closure& f, const KnobRow& row, std::int32_t* field) {
-    Knob* const knob = menu_knob(f, field, {}, row.name, row.label);
-    const auto* const end = std::find(row.items.begin(), row.items.end(), "");
-    if (f.making()) knob->items({row.items.begin(), end});
-    return knob;
+template <class T>
+Knob::Field field_at(T& value) {
+    if constexpr (std::is_same_v<T, float>) {
+        return std::span(&value, 1);
+    } else if constexpr (std::is_arithmetic_v<T>) {
+        return &value;
+    } else {
+        return std::span(value);
+    }
 }
 
 template <class T>
@@ -51,7 +40,8 @@ Knob* setting(Knob_Closure& f, const KnobRow& row, KnobStorage& storage) {
     std::visit(
         [&](auto field) {
             if constexpr (!std::is_same_v<decltype(field), std::monostate>) {
-                knob = make(f, row, &(storage.*field));
+                const auto* const end = std::find(row.items.begin(), row.items.end(), "");
+                knob = value_knob(f, field_at(storage.*field), row.name, row.label, {row.items.begin(), end});
                 set_default(f, KnobStorage{}.*field);
             }
         },
@@ -78,19 +68,16 @@ Knob* piece(Knob_Closure& f, const KnobRow& row, KnobStorage& storage, std::span
         case Kind::kLink:
             return link_knob(f, knobs[knob_row(row.field)], row.name, row.label);
         case Kind::kTab:
-            return tab_knob(f, row.label);
+            return plain_knob(f, *row.kind, row.label, row.label);
         case Kind::kText:
-            return text_knob(f, row.label);
+        case Kind::kBeginToolbar:
+        case Kind::kToolbarSeparator:
+        case Kind::kEndToolbar:
+            return plain_knob(f, *row.kind, row.name, row.label);
         case Kind::kButton:
             return action(f, row, storage);
         case Kind::kScriptButton:
             return script_button(f, "knob overlay_mono $value", row.name, row.label);
-        case Kind::kBeginToolbar:
-            return begin_toolbar(f, row.name);
-        case Kind::kEndToolbar:
-            return end_toolbar(f);
-        case Kind::kToolbarSeparator:
-            return toolbar_separator(f);
         case Kind::kToolButton:
             return tool_button(f, &storage.active_tool, row.number, row.name, row.label);
         default:

@@ -19,7 +19,7 @@ class Sharpen final : public Iop {
     const char* help_text() const override { return "Sharpens along columns."; }
 
     void knobs(Knob_Closure& f) override {
-        float_knob(f, &amount_, "amount", "amount");
+        value_knob(f, std::span(&amount_, 1), "amount", "amount");
         SetRange(f, 0.0, 4.0);
         Tooltip(f, "How much of the difference is added.");
     }

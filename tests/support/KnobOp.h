@@ -39,23 +39,23 @@ class KnobOp final : public Zo::Image::Op {
     void knobs(Zo::Image::Knob_Closure& f) override {
         using namespace Zo::Image;
         found.clear();
-        found.push_back(bool_knob(f, &on, "on", "On"));
+        found.push_back(value_knob(f, &on, "on", "On"));
         Tooltip(f, "Whether it is on.");
-        found.push_back(menu_knob(f, &mode, {"off", "soft light", "hard"}, "mode", "Mode"));
+        found.push_back(value_knob(f, &mode, "mode", "Mode", {"off", "soft light", "hard"}));
         found.push_back(script_button(f, "knob on $value", "invert", "invert"));
-        found.push_back(tab_knob(f, "More"));
+        found.push_back(plain_knob(f, Knob::Kind::kTab, "More", "More"));
         found.push_back(link_knob(f, found[0], "more_on", "enable"));
-        found.push_back(float_knob(f, &gain, "gain", "Gain"));
+        found.push_back(value_knob(f, std::span(&gain, 1), "gain", "Gain"));
         SetRange(f, 0.0, 10.0);
         found.push_back(button(f, "reset", "reset"));
-        found.push_back(color_knob(f, &tint, "tint", "Tint"));
-        found.push_back(color_alpha_knob(f, &fill, "fill", "Fill"));
+        found.push_back(value_knob(f, std::span(tint), "tint", "Tint"));
+        found.push_back(value_knob(f, std::span(fill), "fill", "Fill"));
         found.push_back(button(f, "reset", "reset"));
-        found.push_back(begin_toolbar(f, "bar"));
+        found.push_back(plain_knob(f, Knob::Kind::kBeginToolbar, "bar"));
         found.push_back(tool_button(f, &tool, 0, "pick", "Pick"));
         found.push_back(tool_button(f, &tool, 1, "wipe", "Wipe"));
-        found.push_back(end_toolbar(f));
-        found.push_back(width_height_knob(f, &size, "size", "Size"));
+        found.push_back(plain_knob(f, Knob::Kind::kEndToolbar));
+        found.push_back(value_knob(f, std::span(size), "size", "Size"));
         found.push_back(custom_knob<ListKnob>(f, "list"));
     }
     int knob_changed(Zo::Image::Knob* knob) override {

@@ -45,10 +45,8 @@ class Sums final : public Zo::Image::Iop {
         float* red = channels.has(kRed) && offset_ != 0.0f ? row.writable(kRed) : nullptr;
         for (int i = 0; red != nullptr && i < r - x; ++i) red[i] += offset_;
         if (!channels.has(kAlpha)) return;
-        for (int v = info_.box.y; reads_ahead_ && v < info_.box.t; ++v) {
-            Row(x, r).get(input(inputs() - 1), v, kMaskAlpha);
-        }
-        reads_ahead_ = false;
+        const int ahead_end = reads_ahead_.exchange(false) ? info_.box.t : info_.box.y;
+        for (int v = info_.box.y; v < ahead_end; ++v) Row(x, r).get(input(inputs() - 1), v, kMaskAlpha);
         float* out = row.overwrite(kAlpha);
         std::fill_n(out, r - x, offset_);
         for (int n = 0; n < inputs(); ++n) {
@@ -67,7 +65,7 @@ class Sums final : public Zo::Image::Iop {
 
   private:
     int dx_, dy_;
-    bool reads_ahead_ = false;
+    std::atomic<bool> reads_ahead_{false};
     float offset_ = 0.0f;
 };
 

@@ -2,10 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <mutex>
 #include <thread>
 
+#include "ZoImage/GeneralTile.h"
 #include "ZoImage/Lock.h"
-#include "ZoImage/Render.h"
 #include "support/TestImages.h"
 
 using namespace Zo::Image;
@@ -58,16 +59,14 @@ class ColumnSums final : public Iop {
         {
             const Guard guard(lock_);
             if (sums_.empty()) {
+                std::mutex mutex;
                 std::vector<float> sums(static_cast<std::size_t>(r - x));
-                lock_.parallel_for(x, r, 1, [&](int begin, int end) {
-                    for (int y = kBox.y; y < kBox.t; ++y) {
-                        Row from(begin, end);
-                        from.get(input(0), y, ChannelSet(kRed));
-                        for (int i = begin; i < end; ++i) {
-                            sums[static_cast<std::size_t>(i - x)] += from[kRed][i - begin];
-                        }
-                    }
-                });
+                const RowSource from{&input(0), kRed};
+                fetch_rows(
+                    {&from, 1}, {x, kBox.y, r, kBox.t}, &lock_, [&](std::size_t, int, const Row& input_row) {
+                        const std::lock_guard hold(mutex);
+                        std::transform(sums.begin(), sums.end(), input_row[kRed], sums.begin(), std::plus());
+                    });
                 sums_ = std::move(sums);
             }
         }
@@ -132,21 +131,18 @@ TEST(ThreadSource, AbortAndExceptionsComeThrough) {
 // Threads with graphs of their own have nothing in common but the image that stands in for missing inputs.
 TEST(ThreadSource, GraphsOnSeveralThreads) {
     std::atomic<int> wrong{0};
-    const auto wire_and_render = [&](int thread) {
+    new_threads(4, [&](int thread) {
         for (int round = 0; round < 60; ++round) {
             test::FunctionSource source({0, 0, 8, 4}, kMaskRgba,
                                         [&](Channel, int, int) { return static_cast<float>(thread); });
             ColumnSums open(nullptr);
             open.set_input(0, open.default_input(0));
-            const test::Picture nothing = test::render(open, {0, 0, 8, 4});
-            wrong += nothing.at(kAlpha, 3, 2) != 0.0f;
+            wrong += test::render(open, {0, 0, 8, 4}).at(kAlpha, 3, 2) != 0.0f;
             open.set_input(0, &source);
-            const test::Picture sums = test::render(open, {0, 0, 8, 4});
             // Rows beyond the source's box repeat the nearest.
-            wrong += sums.at(kAlpha, 3, 2) != static_cast<float>(400 * thread);
+            wrong += test::render(open, {0, 0, 8, 4}).at(kAlpha, 3, 2) != static_cast<float>(400 * thread);
         }
-    };
-    new_threads(4, wire_and_render);
+    });
     EXPECT_EQ(wrong, 0);
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <bit>
+#include <memory>
 #include <new>
 #include <utility>
 
@@ -39,15 +40,21 @@ BufferPool::~BufferPool() {
     }
 }
 
+RowBuffer*& BufferPool::free_of(std::size_t capacity) {
+    for (FreeList& list : free_) {
+        if (list.capacity == capacity) return list.head;
+    }
+    free_.push_back({capacity, nullptr});
+    return free_.back().head;
+}
+
 RowBuffer* BufferPool::take(std::size_t floats) {
     const std::size_t capacity = size_class(floats);
     if (BufferPool* pool = this_thread().buffers) {
-        for (FreeList& list : pool->free_) {
-            if (list.capacity != capacity || list.head == nullptr) continue;
-            RowBuffer* buffer = list.head;
-            list.head = buffer->next;
-            buffer->references = 1;
-            return buffer;
+        RowBuffer*& free = pool->free_of(capacity);
+        if (free != nullptr) {
+            free->references = 1;
+            return std::exchange(free, free->next);
         }
     }
     void* memory = ::operator new(RowBuffer::kHeader + capacity * sizeof(float), kAlignment);
@@ -56,18 +63,9 @@ RowBuffer* BufferPool::take(std::size_t floats) {
 
 void BufferPool::give_back(RowBuffer* buffer) {
     BufferPool* pool = this_thread().buffers;
-    if (pool == nullptr) {
-        free_buffer(buffer);
-        return;
-    }
-    for (FreeList& list : pool->free_) {
-        if (list.capacity != buffer->capacity) continue;
-        buffer->next = list.head;
-        list.head = buffer;
-        return;
-    }
-    buffer->next = nullptr;
-    pool->free_.push_back({buffer->capacity, buffer});
+    if (pool == nullptr) return free_buffer(buffer);
+    RowBuffer*& free = pool->free_of(buffer->capacity);
+    buffer->next = std::exchange(free, buffer);
 }
 
 std::vector<Row> BufferPool::take_list() {
@@ -83,22 +81,17 @@ void BufferPool::give_back(std::vector<Row> list) {
     if (BufferPool* pool = this_thread().buffers) pool->lists_.push_back(std::move(list));
 }
 
-std::unique_ptr<BufferPool> BufferPools::take() {
+std::list<BufferPool> BufferPools::take() {
     const std::lock_guard hold(mutex_);
-    if (idle_.empty()) {
-        idle_.reserve(made_ + 1);  // giving back must not fail
-        auto pool = std::make_unique<BufferPool>();
-        ++made_;
-        return pool;
-    }
-    std::unique_ptr<BufferPool> pool = std::move(idle_.back());
-    idle_.pop_back();
+    if (idle_.empty()) idle_.emplace_back();
+    std::list<BufferPool> pool;
+    pool.splice(pool.begin(), idle_, idle_.begin());
     return pool;
 }
 
-void BufferPools::give_back(std::unique_ptr<BufferPool> pool) {
+void BufferPools::give_back(std::list<BufferPool>& pool) {
     const std::lock_guard hold(mutex_);
-    idle_.push_back(std::move(pool));
+    idle_.splice(idle_.begin(), pool);
 }
 
 const float* zeros(std::size_t floats) {

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
+#include <list>
 #include <mutex>
 #include <vector>
 
@@ -47,6 +47,9 @@ class BufferPool {
         std::size_t capacity;
         RowBuffer* head;
     };
+    // The free buffers of this many floats.
+    RowBuffer*& free_of(std::size_t capacity);
+
     std::vector<FreeList> free_;
     std::vector<std::vector<Row>> lists_;
 };
@@ -58,24 +61,24 @@ class BufferPools {
     class Lease {
       public:
         explicit Lease(BufferPools& pools)
-            : pools_(pools), pool_(pools.take()), use_(&ThisThread::buffers, *pool_) {}
-        ~Lease() { pools_.give_back(std::move(pool_)); }
+            : pools_(pools), pool_(pools.take()), lent_(this_thread().buffers, &pool_.front()) {}
+        ~Lease() { pools_.give_back(pool_); }
         Lease(const Lease&) = delete;
         Lease& operator=(const Lease&) = delete;
 
       private:
         BufferPools& pools_;
-        std::unique_ptr<BufferPool> pool_;
-        Use<BufferPool> use_;
+        std::list<BufferPool> pool_;
+        Scoped<BufferPool*> lent_;
     };
 
   private:
-    std::unique_ptr<BufferPool> take();
-    void give_back(std::unique_ptr<BufferPool> pool);
+    // Lists of one, so that giving back cannot fail.
+    std::list<BufferPool> take();
+    void give_back(std::list<BufferPool>& pool);
 
     std::mutex mutex_;
-    std::size_t made_ = 0;
-    std::vector<std::unique_ptr<BufferPool>> idle_;
+    std::list<BufferPool> idle_;
 };
 
 // At least `floats` zeros, which stay as long as the engine. Any thread.

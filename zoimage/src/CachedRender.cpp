@@ -4,7 +4,6 @@
 #include <new>
 #include <optional>
 
-#include "KeepChoice.h"
 #include "ZoImage/Iop.h"
 
 namespace Zo::Image {
@@ -19,27 +18,18 @@ constexpr double kGuessedCost = 1.0;  // nanoseconds a pixel and channel
 
 // Names what an operator's rows are made from: its own state and, whatever that says of them, the states of
 // all it reads. An operator whose hash its owner has yet to bring up to date is told apart by this too.
-class States {
-  public:
-    explicit States(const RequestPass& pass) : pass_(pass), states_(pass.ops().size()) {}
-
-    const Hash& of(std::size_t slot) {
-        if (states_[slot]) return *states_[slot];
-        const Iop& op = *pass_.ops()[slot];
-        const Box& box = op.info().box;
-        Hash hash = op.hash();
-        for (const int side : {box.x, box.y, box.r, box.t}) hash.append(side);
-        for (const std::size_t source : pass_.reads(slot)) {
-            hash.append(pass_.ops()[source]->serial());
-            hash.append(of(source));
-        }
-        return states_[slot].emplace(hash);
+const Hash& state_of(std::size_t slot, const RequestPass& pass, std::vector<std::optional<Hash>>& states) {
+    if (states[slot]) return *states[slot];
+    const Iop& op = *pass.ops()[slot];
+    const Box& box = op.info().box;
+    Hash hash = op.hash();
+    for (const int side : {box.x, box.y, box.r, box.t}) hash.append(side);
+    for (const std::size_t source : pass.reads(slot)) {
+        hash.append(pass.ops()[source]->serial());
+        hash.append(state_of(source, pass, states));
     }
-
-  private:
-    const RequestPass& pass_;
-    std::vector<std::optional<Hash>> states_;
-};
+    return states[slot].emplace(hash);
+}
 
 Box wanted_area(const Iop& op) {
     Box area = op.requested().box;
@@ -61,33 +51,25 @@ std::size_t held_bytes(const RequestPass& pass) {
     return bytes;
 }
 
-}  // namespace
-
-struct CachedRender::Plan {
-    explicit Plan(const RequestPass& p) : pass(p), options(p.ops().size()) { find_halves(); }
-
-    // An operator inside one that is itself internal, such as a pass of a filter, and read by nobody else:
-    // the outer one's rows stand for its own.
-    void find_halves() {
-        half.resize(options.size());
-        for (std::size_t slot = 0; slot < options.size(); ++slot) {
-            const Op* outer = pass.ops()[slot]->parent();
-            half[slot] =
-                slot != 0 && outer != nullptr && outer->parent() != nullptr && outer != pass.ops()[0];
-        }
-        for (std::size_t reader = 0; reader < options.size(); ++reader) {
-            const Op* op = pass.ops()[reader];
-            for (const std::size_t source : pass.reads(reader)) {
-                const Op* outer = pass.ops()[source]->parent();
-                if (op != outer && op->parent() != outer) half[source] = false;
-            }
+// The operators inside one that is itself internal, such as a pass of a filter, and read by nobody else: the
+// outer one's rows stand for theirs.
+std::vector<bool> find_halves(const RequestPass& pass) {
+    const std::vector<Iop*>& ops = pass.ops();
+    std::vector<bool> half(ops.size());
+    for (std::size_t slot = 1; slot < ops.size(); ++slot) {
+        const Op* outer = ops[slot]->parent();
+        half[slot] = outer != nullptr && outer->parent() != nullptr && outer != ops[0];
+    }
+    for (std::size_t reader = 0; reader < ops.size(); ++reader) {
+        for (const std::size_t source : pass.reads(reader)) {
+            const Op* outer = ops[source]->parent();
+            if (ops[reader] != outer && ops[reader]->parent() != outer) half[source] = false;
         }
     }
+    return half;
+}
 
-    const RequestPass& pass;
-    std::vector<KeepOption> options;
-    std::vector<bool> half;
-};
+}  // namespace
 
 CachedRender::CachedRender(RowCache* cache, PlaneStore& own, const RequestPass& pass)
     : cache_(cache == nullptr ? nullptr : cache->impl_.get()), pass_(pass), rows_(pass.ops().size()) {
@@ -107,13 +89,14 @@ void CachedRender::keep_in_cache() {
     });
     for (const Iop* op : pass_.ops()) entries_.push_back(&cache_->entries[op->serial()]);
 
-    Plan plan(pass_);
-    States states(pass_);
+    std::vector<KeepOption> options(entries_.size());
+    std::vector<std::optional<Hash>> states(entries_.size());
+    const std::vector<bool> half = find_halves(pass_);
     for (std::size_t slot = 0; slot < entries_.size(); ++slot) {
         const Iop& op = *pass_.ops()[slot];
         RowCache::Impl::Entry& entry = *entries_[slot];
-        KeepOption& option = plan.options[slot];
-        const Hash& state = states.of(slot);
+        KeepOption& option = options[slot];
+        const Hash& state = state_of(slot, pass_, states);
         option.reads = &pass_.reads(slot);
         const bool known = entry.last_render != 0;
         option.changed = !known || entry.state != state;
@@ -123,7 +106,7 @@ void CachedRender::keep_in_cache() {
 
         const Box area = wanted_area(op);
         const ChannelSet channels = wanted_channels(op);
-        const bool keep = slot != 0 && !plan.half[slot] && !entry.elsewhere && entry.changes < kMoving &&
+        const bool keep = slot != 0 && !half[slot] && !entry.elsewhere && entry.changes < kMoving &&
                           !channels.empty() && !area.empty();
         if (entry.rows && (option.changed || !keep || !entry.rows->area().contains(area))) entry.rows.reset();
         option.ready = entry.rows != nullptr;
@@ -138,23 +121,23 @@ void CachedRender::keep_in_cache() {
         }
     }
     cache_->store.set_aside(held_bytes(pass_));
-    choose(plan);
+    choose(options);
     make_room(0);
     try {
-        allocate(plan);
+        allocate(options);
     } catch (const std::bad_alloc&) {
         // Then less is kept. A cache is no reason for a render to fail.
     }
 }
 
-void CachedRender::choose(Plan& plan) {
+void CachedRender::choose(std::vector<KeepOption>& options) {
     std::size_t all = 0;
-    for (const KeepOption& option : plan.options) all += option.bytes;
+    for (const KeepOption& option : options) all += option.bytes;
     if (all <= cache_->store.budget()) return;
-    const std::vector<bool> kept = choose_kept(plan.options, cache_->store.budget());
+    const std::vector<bool> kept = choose_kept(options, cache_->store.budget());
     for (std::size_t slot = 0; slot < kept.size(); ++slot) {
         if (kept[slot]) continue;
-        plan.options[slot].bytes = 0;
+        options[slot].bytes = 0;
         entries_[slot]->rows.reset();
     }
 }
@@ -173,9 +156,9 @@ void CachedRender::make_room(std::size_t bytes) {
     cache_->store.trim(cache_->store.budget());
 }
 
-void CachedRender::allocate(const Plan& plan) {
-    for (std::size_t slot = 0; slot < plan.options.size(); ++slot) {
-        if (plan.options[slot].bytes == 0) continue;
+void CachedRender::allocate(const std::vector<KeepOption>& options) {
+    for (std::size_t slot = 0; slot < options.size(); ++slot) {
+        if (options[slot].bytes == 0) continue;
         const Iop& op = *pass_.ops()[slot];
         std::unique_ptr<KeptRows>& rows = entries_[slot]->rows;
         if (!rows) rows = std::make_unique<KeptRows>(wanted_area(op));

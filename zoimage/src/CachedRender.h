@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "KeepChoice.h"
 #include "KeptRows.h"
 #include "PlaneStore.h"
 #include "RequestPass.h"
@@ -48,11 +49,10 @@ class CachedRender {
     void learn(const std::vector<OpStats>& stats, bool complete);
 
   private:
-    struct Plan;
     void keep_in_cache();
-    void choose(Plan& plan);
+    void choose(std::vector<KeepOption>& options);
     void make_room(std::size_t bytes);
-    void allocate(const Plan& plan);
+    void allocate(const std::vector<KeepOption>& options);
     void keep_what_is_read_ahead(PlaneStore& own);
 
     RowCache::Impl* cache_;

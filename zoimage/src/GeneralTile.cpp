@@ -15,7 +15,6 @@ namespace Zo::Image {
 namespace {
 
 // As in a render, threads keep to ranges of rows: at a seam of two, rows upstream are made twice.
-constexpr int kBandRows = 16;
 constexpr int kLeastRange = 64;
 
 }  // namespace
@@ -47,20 +46,17 @@ bool fetch_rows(std::span<const RowSource> sources, const Box& box, Lock* helper
     const int processors = helpers == nullptr ? 1 : static_cast<int>(std::thread::hardware_concurrency());
     const int workers = std::clamp(processors, 1, std::max(1, box.height() / kLeastRange));
     RowRanges ranges(box.y, box.t, workers, kLeastRange);
-    const auto fetch = [&](int begin, int end) {
-        for (int worker = begin; worker < end; ++worker) {
-            for (Band band = ranges.take(worker, kBandRows); !band.empty();
-                 band = ranges.take(worker, kBandRows)) {
-                for (int y = band.y; y < band.t; ++y) {
-                    for (std::size_t i = 0; i < sources.size(); ++i) {
-                        if (any.aborted()) return;
-                        Row row(box.x, box.r);
-                        row.get(*sources[i].image, y, sources[i].channels);
-                        sink(i, y, row);
-                    }
-                }
-            }
+    const auto fetch_row = [&](int y) {
+        for (std::size_t i = 0; i < sources.size(); ++i) {
+            if (any.aborted()) return false;
+            Row row(box.x, box.r);
+            row.get(*sources[i].image, y, sources[i].channels);
+            sink(i, y, row);
         }
+        return true;
+    };
+    const auto fetch = [&](int begin, int end) {
+        for (int worker = begin; worker < end; ++worker) ranges.walk(worker, fetch_row);
     };
     if (helpers != nullptr) {
         helpers->parallel_for(0, workers, 1, fetch);

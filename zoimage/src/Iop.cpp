@@ -81,7 +81,7 @@ void Iop::request(int x, int y, int r, int t, ChannelSet channels, int count) {
         _request(x, y, r, t, channels, count);
     } else {
         // The whole of what is wanted by now, so that the test above is exact.
-        const RequestPass::Reader reader(*pass, *this);
+        const auto reader = pass->read_by(*this);
         _request(all.x, all.y, all.r, all.t, requested_.channels, count);
     }
 }

@@ -8,26 +8,15 @@ constexpr double kChanged = 0.25;
 constexpr double kReadByChanged = 4.0;
 constexpr double kReady = 2.0;
 
-// Time to make one operator's rows from what is kept.
-class CostFromKept {
-  public:
-    CostFromKept(const std::vector<KeepOption>& options, const std::vector<bool>& kept)
-        : options_(options), kept_(kept), seen_(options.size()) {}
-
-    double of(std::size_t option) {
-        seen_[option] = true;
-        double cost = options_[option].cost;
-        for (const std::size_t source : *options_[option].reads) {
-            if (!seen_[source] && !kept_[source]) cost += of(source);
-        }
-        return cost;
+// Time to make one operator's rows from those that are there: kept ones, or made on the way.
+double cost_of(std::size_t option, const std::vector<KeepOption>& options, std::vector<bool>& there) {
+    there[option] = true;
+    double cost = options[option].cost;
+    for (const std::size_t source : *options[option].reads) {
+        if (!there[source]) cost += cost_of(source, options, there);
     }
-
-  private:
-    const std::vector<KeepOption>& options_;
-    const std::vector<bool>& kept_;
-    std::vector<bool> seen_;
-};
+    return cost;
+}
 
 std::vector<double> weights(const std::vector<KeepOption>& options) {
     std::vector<double> result(options.size());
@@ -54,8 +43,9 @@ std::vector<bool> choose_kept(const std::vector<KeepOption>& options, std::size_
         double best_gain = 0.0;
         for (std::size_t i = 1; i < options.size(); ++i) {
             if (kept[i] || options[i].bytes == 0 || options[i].bytes > budget) continue;
-            const double saved = CostFromKept(options, kept).of(i) * weight[i];
-            const double gain = saved / static_cast<double>(options[i].bytes);
+            std::vector<bool> there = kept;
+            const double gain =
+                cost_of(i, options, there) * weight[i] / static_cast<double>(options[i].bytes);
             if (gain > best_gain) {
                 best = i;
                 best_gain = gain;

@@ -6,12 +6,12 @@
 #include <limits>
 
 #include "ZoImage/Convert.h"
+#include "ZoImage/KnobPanel.h"
 
 namespace Zo::Image {
 
 Knob::Knob(Kind kind, std::string_view name, std::string_view label, Field field)
     : kind_(kind), name_(name), label_(label), field_(field) {
-    if (kind_ == Kind::kTab) tab_ = label_;
     if (kind_ == Kind::kToolButton) field_ = std::span<double>(tool_values_);
     if (kind_ == Kind::kScriptButton) field_ = &pressed_;
     for (int i = 0; i < value_count(); ++i) defaults_.push_back(get_value(i));
@@ -119,12 +119,12 @@ bool Knob::differs_from_default() const {
 
 void Knob::changed() {
     Knob& knob = target();
-    if (knob.host_ != nullptr) knob.host_->changed(knob);
+    if (knob.panel_ != nullptr) knob.panel_->changed(knob);
 }
 
 void Knob::new_undo(const char* name) {
     Knob& knob = target();
-    if (knob.host_ != nullptr) knob.host_->new_undo(knob, name);
+    if (knob.panel_ != nullptr) knob.panel_->new_undo(knob, name);
 }
 
 const char* kind_name(Knob::Kind kind) {

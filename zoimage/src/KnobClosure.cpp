@@ -12,54 +12,32 @@ Knob* make_or_find(Knob_Closure& f, Kind kind, std::string_view name, std::strin
     return f.add(std::make_unique<Knob>(kind, name, label, field));
 }
 
+// The kind of a knob that writes through to the field.
+Kind kind_of(const Knob::Field& field) {
+    if (std::holds_alternative<bool*>(field)) return Kind::kBool;
+    if (std::holds_alternative<std::int32_t*>(field)) return Kind::kMenu;
+    if (std::holds_alternative<std::span<double>>(field)) return Kind::kWidthHeight;
+    const std::size_t floats = std::get<std::span<float>>(field).size();
+    return floats == 1 ? Kind::kFloat : floats == 3 ? Kind::kColor : Kind::kColorAlpha;
+}
+
 }  // namespace
 
-Knob* bool_knob(Knob_Closure& f, bool* field, std::string_view name, std::string_view label) {
-    return make_or_find(f, Kind::kBool, name, label, field);
-}
-
-Knob* float_knob(Knob_Closure& f, float* field, std::string_view name, std::string_view label) {
-    return make_or_find(f, Kind::kFloat, name, label, std::span<float>(field, 1));
-}
-
-Knob* menu_knob(Knob_Closure& f, std::int32_t* field, std::initializer_list<std::string_view> items,
-                std::string_view name, std::string_view label) {
-    Knob* const knob = make_or_find(f, Kind::kMenu, name, label, field);
-    if (f.making()) knob->items({items.begin(), items.end()});
+Knob* value_knob(Knob_Closure& f, Knob::Field field, std::string_view name, std::string_view label,
+                 std::vector<std::string> items) {
+    Knob* const knob = make_or_find(f, kind_of(field), name, label, field);
+    if (f.making()) knob->items(std::move(items));
     return knob;
 }
 
-Knob* color_knob(Knob_Closure& f, std::array<float, 3>* field, std::string_view name,
-                 std::string_view label) {
-    return make_or_find(f, Kind::kColor, name, label, std::span<float>(*field));
-}
-
-Knob* color_alpha_knob(Knob_Closure& f, std::array<float, 4>* field, std::string_view name,
-                       std::string_view label) {
-    return make_or_find(f, Kind::kColorAlpha, name, label, std::span<float>(*field));
-}
-
-Knob* width_height_knob(Knob_Closure& f, std::array<double, 2>* field, std::string_view name,
-                        std::string_view label) {
-    return make_or_find(f, Kind::kWidthHeight, name, label, std::span<double>(*field));
+Knob* plain_knob(Knob_Closure& f, Kind kind, std::string_view name, std::string_view label) {
+    return make_or_find(f, kind, name, label);
 }
 
 Knob* link_knob(Knob_Closure& f, Knob* target, std::string_view name, std::string_view label) {
     Knob* const knob = make_or_find(f, Kind::kLink, name, label);
     if (f.making() && target != nullptr) knob->link_to(&target->target());
     return knob;
-}
-
-Knob* tab_knob(Knob_Closure& f, std::string_view label) {
-    return make_or_find(f, Kind::kTab, label, label);
-}
-
-Knob* text_knob(Knob_Closure& f, std::string_view text) {
-    return make_or_find(f, Kind::kText, "", text);
-}
-
-Knob* spacer(Knob_Closure& f) {
-    return text_knob(f, " ");
 }
 
 Knob* button(Knob_Closure& f, std::string_view name, std::string_view label, std::int32_t* field,
@@ -75,18 +53,6 @@ Knob* script_button(Knob_Closure& f, std::string_view command, std::string_view 
     Knob* const knob = make_or_find(f, Kind::kScriptButton, name, label);
     if (f.making()) knob->command(command);
     return knob;
-}
-
-Knob* begin_toolbar(Knob_Closure& f, std::string_view name) {
-    return make_or_find(f, Kind::kBeginToolbar, name, "");
-}
-
-Knob* end_toolbar(Knob_Closure& f) {
-    return make_or_find(f, Kind::kEndToolbar, "", "");
-}
-
-Knob* toolbar_separator(Knob_Closure& f) {
-    return make_or_find(f, Kind::kToolbarSeparator, "", "");
 }
 
 Knob* tool_button(Knob_Closure& f, std::int32_t* field, std::int32_t number, std::string_view name,

@@ -31,6 +31,12 @@ std::string label_of(const Knob& knob) {
     return "knob '" + knob.name() + "' ";
 }
 
+void check(const Knob& knob, std::string_view text) {
+    std::vector<double> values;
+    const std::string fault = knob.parse_text(text, values);
+    if (!fault.empty()) throw KnobError(label_of(knob) + fault);
+}
+
 }  // namespace
 
 KnobPanel::KnobPanel(Op& op) : op_(op), tab_(op.class_name()), making_(true) {
@@ -47,17 +53,9 @@ void KnobPanel::refresh() {
 }
 
 Knob* KnobPanel::add(std::unique_ptr<Knob> knob) {
-    knob->host(this);
-    switch (knob->kind()) {
-        case Knob::Kind::kTab:
-            tab_ = knob->label();
-            break;
-        case Knob::Kind::kBeginToolbar:
-            tab_ = knob->name();
-            break;
-        default:
-            break;
-    }
+    knob->panel(this);
+    const bool opens = knob->kind() == Knob::Kind::kTab || knob->kind() == Knob::Kind::kBeginToolbar;
+    if (opens) tab_ = knob->name();
     knob->tab(tab_);
     if (knob->kind() == Knob::Kind::kEndToolbar) tab_.clear();
     knobs_.push_back(std::move(knob));
@@ -100,20 +98,16 @@ Knob& KnobPanel::get(std::string_view name) const {
 
 Knob& KnobPanel::check_text(std::string_view name, std::string_view text) const {
     Knob& knob = get(name);
-    std::vector<double> values;
-    const std::string fault = knob.parse_text(text, values);
-    if (!fault.empty()) throw KnobError(label_of(knob) + fault);
+    check(knob, text);
     return knob.target();
 }
 
 void KnobPanel::set_from_text(std::string_view name, std::string_view text) {
-    check_text(name, text).from_script(text);
+    set_from_text(get(name), text);
 }
 
 void KnobPanel::set_from_text(Knob& knob, std::string_view text) {
-    std::vector<double> values;
-    const std::string fault = knob.parse_text(text, values);
-    if (!fault.empty()) throw KnobError(label_of(knob) + fault);
+    check(knob, text);
     knob.from_script(text);
 }
 

@@ -213,7 +213,7 @@ bool Knob::accepts_script(std::string_view text) const {
 bool Knob::from_script(std::string_view text) {
     if (target_ != nullptr) return target_->from_script(text);
     std::vector<double> values;
-    if (!takes_value() || !parse_text(text, values).empty()) return false;
+    if (!parse_text(text, values).empty()) return false;
     for (std::size_t i = 0; i < values.size(); ++i) write_field(values[i], i);
     changed();
     return true;

@@ -65,10 +65,8 @@ void Op::parent(Op* owner, std::string_view member_name) {
 }
 
 Op* Op::child(std::string_view member_name) const {
-    for (Op* op : children_) {
-        if (op->member_name_ == member_name) return op;
-    }
-    return nullptr;
+    const auto found = std::ranges::find(children_, member_name, &Op::member_name_);
+    return found == children_.end() ? nullptr : *found;
 }
 
 void Op::validate(bool for_real) {
@@ -94,26 +92,27 @@ void Op::mark_invalid() {
     for (Op* output : outputs_) output->mark_invalid();
 }
 
-void Op::invalidate() {
-    ++changes_;
+void Op::drop() {
     _invalidate();
     state_ = State::kReal;  // so that the mark reaches everything downstream
     mark_invalid();
 }
 
+void Op::invalidate() {
+    ++changes_;
+    drop();
+}
+
 void Op::invalidate(const Hash& hash) {
-    if (has_setup_hash_ && setup_hash_ == hash) return;
-    has_setup_hash_ = true;
+    if (setup_hash_ == hash) return;
     setup_hash_ = hash;
-    _invalidate();
-    state_ = State::kReal;
-    mark_invalid();
+    drop();
 }
 
 Hash Op::hash() const {
-    Hash hash = setup_hash_;
+    Hash hash = setup_hash_.value_or(Hash());
     if (changes_ != 0) hash.append(changes_);
-    if (has_setup_hash_) return hash;
+    if (setup_hash_) return hash;
     for (const Op* input : inputs_) {
         if (input != nullptr) hash.append(input->hash());
     }

@@ -53,14 +53,14 @@ bool is_class_name(std::string_view name) {
     return !name.empty() && name.find_first_not_of(kLetters) == std::string_view::npos;
 }
 
-void load_module(const fs::path& path) {
+// Loads a module; returns what is wrong, empty when nothing is.
+std::string load_module(const fs::path& path) {
     // A name without a slash would be searched for in the system's library directories.
     std::error_code error;
     const fs::path absolute = fs::absolute(path, error);
-    if (dlopen((error ? path : absolute).c_str(), RTLD_NOW | RTLD_LOCAL) != nullptr) return;
+    if (dlopen((error ? path : absolute).c_str(), RTLD_NOW | RTLD_LOCAL) != nullptr) return {};
     const char* const reason = dlerror();
-    throw PluginError("cannot load " + path.string() + ": " +
-                      (reason != nullptr ? reason : "unknown reason"));
+    return reason != nullptr ? reason : "unknown reason";
 }
 
 }  // namespace
@@ -78,11 +78,8 @@ const Op::Description& load_plugin(std::string_view class_name) {
         std::error_code error;
         if (!fs::exists(path, error)) continue;
         const std::string places = " (looked at " + looked_at + ")";
-        try {
-            load_module(path);
-        } catch (const PluginError& fault) {
-            throw PluginError(fault.what() + places);
-        }
+        const std::string fault = load_module(path);
+        if (!fault.empty()) throw PluginError("cannot load " + path.string() + ": " + fault + places);
         if (const Op::Description* const found = Op::Description::find(class_name)) return *found;
         throw PluginError(path.string() + " registers no operator " + quoted(class_name) + places);
     }

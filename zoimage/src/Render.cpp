@@ -20,8 +20,6 @@ namespace Zo::Image {
 
 namespace {
 
-constexpr int kBandRows = 16;
-
 // At the seam of two ranges the rows that an operator looks up and down are made twice. Ranges this many
 // times taller than that keep it to a few per cent.
 constexpr int kRowsPerSeam = 8;
@@ -126,18 +124,14 @@ bool Renderer::render(Iop& root, const Box& region, ChannelSet channels, const S
     const auto walk = [&](int worker) {
         const BufferPools::Lease buffers(impl_->pools);
         RowPath path(pass, cached, state);
-        const Use use(&ThisThread::path, path);
-        bool finished = true;
-        for (Band band = ranges.take(worker, kBandRows); finished && !band.empty();
-             band = ranges.take(worker, kBandRows)) {
-            for (int y = band.y; y < band.t; ++y) {
-                Row row(region.x, region.r);
-                row.get(root, y, channels);
-                finished = !path.aborted();
-                if (!finished) break;
-                sink(y, row);
-            }
-        }
+        const Scoped walked(this_thread().path, &path);
+        const bool finished = ranges.walk(worker, [&](int y) {
+            Row row(region.x, region.r);
+            row.get(root, y, channels);
+            if (path.aborted()) return false;
+            sink(y, row);
+            return true;
+        });
         const std::lock_guard hold(mutex);
         complete = complete && finished;
         for (std::size_t slot = 0; slot < stats.size(); ++slot) {

@@ -2,9 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
-#include <utility>
 
-#include "ThisThread.h"
 #include "ZoImage/Iop.h"
 
 namespace Zo::Image {
@@ -16,7 +14,7 @@ std::atomic<std::uint64_t> last_id{0};
 }  // namespace
 
 RequestPass::RequestPass(Iop& root, const Box& box, ChannelSet channels) : id_(++last_id) {
-    const Use scope(&ThisThread::requests, *this);
+    const Scoped walked(this_thread().requests, this);
     root.request(box.x, box.y, box.r, box.t, channels, 1);
 }
 
@@ -44,9 +42,6 @@ bool RequestPass::enter(Iop& op) {
 std::size_t RequestPass::slot_of(const Iop& op) {
     return static_cast<std::size_t>(op.slot_);
 }
-
-RequestPass::Reader::Reader(RequestPass& pass, const Iop& op)
-    : pass_(pass), before_(std::exchange(pass.reader_, slot_of(op))) {}
 
 void RequestPass::note_rows_in_use(const Box& root_box) {
     if (ops_.empty()) return;  // black is in no pass

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "ThisThread.h"
 #include "ZoImage/Box.h"
 #include "ZoImage/ChannelSet.h"
 
@@ -23,18 +24,8 @@ class RequestPass {
     // Called by Iop::request: takes the operator into the pass and notes who reads it. True when it is its
     // first request.
     bool enter(Iop& op);
-    // While it lives, whatever is requested is read by `op`.
-    class Reader {
-      public:
-        Reader(RequestPass& pass, const Iop& op);
-        ~Reader() { pass_.reader_ = before_; }
-        Reader(const Reader&) = delete;
-        Reader& operator=(const Reader&) = delete;
-
-      private:
-        RequestPass& pass_;
-        std::size_t before_;
-    };
+    // While the result lives, whatever is requested is read by `op`.
+    Scoped<std::size_t> read_by(const Iop& op) { return {reader_, slot_of(op)}; }
 
     std::uint64_t id() const { return id_; }
     // The operators that were requested; an operator's slot is its index here.

@@ -2,25 +2,20 @@
 
 #include <algorithm>
 #include <cassert>
+#include <utility>
 
 #include "BufferPool.h"
 #include "ZoImage/Iop.h"
 
 namespace Zo::Image {
 
-Row::Row(Row&& other) noexcept : x_(other.x_), r_(other.r_), present_(other.present_) {
-    for (const Channel c : present_) slot(c) = other.slot(c);
-    other.present_ = kMaskNone;
-}
-
 Row& Row::operator=(Row&& other) noexcept {
     if (this == &other) return *this;
     clear(present_);
     x_ = other.x_;
     r_ = other.r_;
-    present_ = other.present_;
+    present_ = std::exchange(other.present_, kMaskNone);
     for (const Channel c : present_) slot(c) = other.slot(c);
-    other.present_ = kMaskNone;
     return *this;
 }
 
@@ -33,15 +28,14 @@ const float* Row::zeros() const {
 }
 
 void Row::set(Channel c, RowBuffer* buffer, const float* pixels) {
-    Slot& s = slot(c);
-    if (present_.has(c) && s.buffer != nullptr) BufferPool::release(s.buffer);
-    s = {buffer, pixels};
+    clear(c);
+    slot(c) = {buffer, pixels};
     present_ += c;
 }
 
 void Row::clear(ChannelSet channels) {
     for (const Channel c : channels& present_) {
-        if (slot(c).buffer != nullptr) BufferPool::release(slot(c).buffer);
+        if (counted(c)) BufferPool::release(slot(c).buffer);
     }
     present_ -= channels;
 }
@@ -58,23 +52,18 @@ RowBuffer* Row::storage_for(Channel c) {
 }
 
 bool Row::sole(Channel c) const {
-    return counted(c) && slot(c).buffer->references == 1;
+    return present_.has(c) && counted(c) && slot(c).buffer->references == 1;
 }
 
 float* Row::overwrite(Channel c) {
-    if (present_.has(c)) {
-        Slot& s = slot(c);
-        if (s.buffer != nullptr && s.buffer->references == 1) {
-            return s.buffer->data() + (s.pixels - s.buffer->data());
-        }
-    }
+    if (sole(c)) return const_cast<float*>(slot(c).pixels);
     RowBuffer* buffer = storage_for(c);
     set(c, buffer, buffer->data());
     return buffer->data();
 }
 
 float* Row::writable(Channel c) {
-    if (present_.has(c) && slot(c).buffer != nullptr && slot(c).buffer->references == 1) return overwrite(c);
+    if (sole(c)) return overwrite(c);
     RowBuffer* buffer = storage_for(c);
     std::copy_n((*this)[c], width(), buffer->data());
     set(c, buffer, buffer->data());

@@ -6,15 +6,7 @@ namespace Zo::Image {
 
 namespace {
 
-std::uint64_t pack(Band band) {
-    return (static_cast<std::uint64_t>(static_cast<std::uint32_t>(band.t)) << 32U) |
-           static_cast<std::uint32_t>(band.y);
-}
-
-Band unpack(std::uint64_t ends) {
-    return {static_cast<int>(static_cast<std::uint32_t>(ends)),
-            static_cast<int>(static_cast<std::uint32_t>(ends >> 32U))};
-}
+constexpr int kBandRows = 16;
 
 }  // namespace
 
@@ -22,16 +14,15 @@ RowRanges::RowRanges(int y, int t, int workers, int least)
     : ranges_(static_cast<std::size_t>(workers)), least_(std::max(1, least)) {
     const std::int64_t rows = std::int64_t{t} - y;
     const auto cut = [&](int part) { return static_cast<int>(y + rows * part / workers); };
-    for (int i = 0; i < workers; ++i) ranges_[static_cast<std::size_t>(i)].ends = pack({cut(i), cut(i + 1)});
+    for (int i = 0; i < workers; ++i) ranges_[static_cast<std::size_t>(i)].left = {cut(i), cut(i + 1)};
 }
 
-Band RowRanges::take(int worker, int rows) {
+Band RowRanges::take(int worker) {
     Range& own = ranges_[static_cast<std::size_t>(worker)];
     do {
-        std::uint64_t ends = own.ends.load();
-        for (Band left = unpack(ends); !left.empty(); left = unpack(ends)) {
-            const int next = left.t - left.y > rows ? left.y + rows : left.t;
-            if (own.ends.compare_exchange_weak(ends, pack({next, left.t}))) return {left.y, next};
+        for (Band left = own.left.load(); !left.empty();) {
+            const int next = left.rows() > kBandRows ? left.y + kBandRows : left.t;
+            if (own.left.compare_exchange_weak(left, {next, left.t})) return {left.y, next};
         }
     } while (steal(worker));
     return {0, 0};
@@ -40,22 +31,18 @@ Band RowRanges::take(int worker, int rows) {
 bool RowRanges::steal(int thief) {
     for (;;) {
         Range* victim = nullptr;
-        std::uint64_t victim_ends = 0;
-        int most = least_ - 1;
+        Band most{0, least_ - 1};
         for (Range& range : ranges_) {
-            const std::uint64_t ends = range.ends.load();
-            const Band left = unpack(ends);
-            if (left.t - left.y > most) {
-                most = left.t - left.y;
-                victim = &range;
-                victim_ends = ends;
-            }
+            const Band left = range.left.load();
+            if (left.rows() <= most.rows()) continue;
+            most = left;
+            victim = &range;
         }
         if (victim == nullptr) return false;
-        const Band left = unpack(victim_ends);
-        const int middle = left.y + (left.t - left.y) / 2;
-        if (victim->ends.compare_exchange_strong(victim_ends, pack({left.y, middle}))) {
-            ranges_[static_cast<std::size_t>(thief)].ends = pack({middle, left.t});
+        const int middle = most.y + most.rows() / 2;
+        const Band rest{middle, most.t};
+        if (victim->left.compare_exchange_strong(most, {most.y, middle})) {
+            ranges_[static_cast<std::size_t>(thief)].left = rest;
             return true;
         }
     }

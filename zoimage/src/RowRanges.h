@@ -13,6 +13,7 @@ namespace Zo::Image {
 struct Band {
     int y;
     int t;
+    int rows() const { return t - y; }
     bool empty() const { return t <= y; }
 };
 
@@ -21,14 +22,26 @@ class RowRanges {
     // Rows y to t - 1 for `workers` workers. A range is not split below `least` rows.
     RowRanges(int y, int t, int workers, int least);
 
-    // The next band of at most `rows` rows for this worker; empty when nothing is left.
-    Band take(int worker, int rows);
+    // Calls `row` with each row that falls to this worker, band after band, until nothing is left or it
+    // returns false, which this then does too.
+    template <class MakeRow>
+    bool walk(int worker, MakeRow&& row) {
+        for (Band band = take(worker); !band.empty(); band = take(worker)) {
+            for (int y = band.y; y < band.t; ++y) {
+                if (!row(y)) return false;
+            }
+        }
+        return true;
+    }
 
   private:
     // Both ends in one word, so that taking and stealing are single atomic steps.
     struct alignas(64) Range {
-        std::atomic<std::uint64_t> ends{0};
+        std::atomic<Band> left{Band{0, 0}};
+        static_assert(std::atomic<Band>::is_always_lock_free);
     };
+    // The next band for this worker; empty when nothing is left.
+    Band take(int worker);
     bool steal(int thief);
 
     std::vector<Range> ranges_;

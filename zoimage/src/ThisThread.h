@@ -20,19 +20,18 @@ struct ThisThread {
 // Read for every row, so that the ways to it differ: see ThisThread.cpp.
 ThisThread& this_thread();
 
-// Sets one of the pointers for a scope.
+// Sets a variable for a scope.
 template <typename T>
-class Use {
+class Scoped {
   public:
-    Use(T* ThisThread::*place, T& value)
-        : place_(place), before_(std::exchange(this_thread().*place, &value)) {}
-    ~Use() { this_thread().*place_ = before_; }
-    Use(const Use&) = delete;
-    Use& operator=(const Use&) = delete;
+    Scoped(T& place, T value) : place_(place), before_(std::exchange(place, value)) {}
+    ~Scoped() { place_ = before_; }
+    Scoped(const Scoped&) = delete;
+    Scoped& operator=(const Scoped&) = delete;
 
   private:
-    T* ThisThread::*place_;
-    T* before_;
+    T& place_;
+    T before_;
 };
 
 }  // namespace Zo::Image

@@ -18,17 +18,7 @@
 
 namespace Zo::Image {
 
-class Knob;
-
-// The panel that a knob sits in.
-class KnobHost {
-  public:
-    virtual void changed(Knob& knob) = 0;
-    virtual void new_undo(Knob& knob, const char* name) = 0;
-
-  protected:
-    ~KnobHost() = default;
-};
+class KnobPanel;
 
 struct KnobRange {
     double low;
@@ -126,7 +116,8 @@ class Knob {
     void changed();
     // Opens a step that the panel's undo returns to; the name is for menus, may be null.
     void new_undo(const char* name = nullptr);
-    void host(KnobHost* host) { host_ = host; }
+    // The panel that it sits in.
+    void panel(KnobPanel* panel) { panel_ = panel; }
 
     // The value as scripts hold it. from_script returns false when the text is no value for this knob;
     // to_script puts several values in braces when `quote`. accepts_script says beforehand, changing
@@ -169,7 +160,7 @@ class Knob {
     std::int32_t* active_tool_ = nullptr;
     std::int32_t tool_number_ = 0;
     Knob* target_ = nullptr;
-    KnobHost* host_ = nullptr;
+    KnobPanel* panel_ = nullptr;
 };
 
 // "boolean", "float", "menu", "color", "color_alpha", "width_height", "link", "tab", "text", "button",

@@ -34,29 +34,19 @@ class Knob_Closure {
     virtual Knob* last() const = 0;
 };
 
-Knob* bool_knob(Knob_Closure& f, bool* field, std::string_view name, std::string_view label);
-Knob* float_knob(Knob_Closure& f, float* field, std::string_view name, std::string_view label);
-Knob* menu_knob(Knob_Closure& f, std::int32_t* field, std::initializer_list<std::string_view> items,
-                std::string_view name, std::string_view label);
-Knob* color_knob(Knob_Closure& f, std::array<float, 3>* field, std::string_view name, std::string_view label);
-Knob* color_alpha_knob(Knob_Closure& f, std::array<float, 4>* field, std::string_view name,
-                       std::string_view label);
-Knob* width_height_knob(Knob_Closure& f, std::array<double, 2>* field, std::string_view name,
-                        std::string_view label);
+// A knob for what the field holds: true or false, one float, the three or four of a colour, width and height,
+// or the index of one of the items.
+Knob* value_knob(Knob_Closure& f, Knob::Field field, std::string_view name, std::string_view label,
+                 std::vector<std::string> items = {});
 Knob* link_knob(Knob_Closure& f, Knob* target, std::string_view name, std::string_view label);
-
-Knob* tab_knob(Knob_Closure& f, std::string_view label);
-Knob* text_knob(Knob_Closure& f, std::string_view text);
-Knob* spacer(Knob_Closure& f);
+// Tabs, whose name is their label, texts, and a toolbar's ends and separators.
+Knob* plain_knob(Knob_Closure& f, Knob::Kind kind, std::string_view name = {}, std::string_view label = {});
 // With items, `field` holds the index of the one by which the button goes.
 Knob* button(Knob_Closure& f, std::string_view name, std::string_view label, std::int32_t* field = nullptr,
              std::initializer_list<std::string_view> items = {});
 // `command` is "knob NAME VALUE", where $value stands for the button's own value, 0 or 1.
 Knob* script_button(Knob_Closure& f, std::string_view command, std::string_view name, std::string_view label);
 
-Knob* begin_toolbar(Knob_Closure& f, std::string_view name);
-Knob* end_toolbar(Knob_Closure& f);
-Knob* toolbar_separator(Knob_Closure& f);
 // `field` is the toolbar's: it holds `number` while this tool is the active one.
 Knob* tool_button(Knob_Closure& f, std::int32_t* field, std::int32_t number, std::string_view name,
                   std::string_view label);

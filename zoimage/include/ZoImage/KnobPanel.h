@@ -22,7 +22,7 @@ class KnobError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-class KnobPanel final : public Knob_Closure, private KnobHost {
+class KnobPanel final : public Knob_Closure {
   public:
     explicit KnobPanel(Op& op);
     ~KnobPanel() override;
@@ -67,8 +67,9 @@ class KnobPanel final : public Knob_Closure, private KnobHost {
         std::string text;
     };
 
-    void changed(Knob& knob) override;
-    void new_undo(Knob& knob, const char* name) override;
+    friend class Knob;
+    void changed(Knob& knob);
+    void new_undo(Knob& knob, const char* name);
     void run_command(const Knob& knob);
 
     Op& op_;

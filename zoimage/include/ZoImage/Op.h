@@ -12,6 +12,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -154,6 +155,7 @@ class Op {
 
     void unlink_input(std::size_t n);
     void mark_invalid();
+    void drop();
 
     NodeContext context_;
     std::uint64_t serial_;
@@ -163,8 +165,7 @@ class Op {
     std::vector<Op*> children_;
     std::string member_name_;
     State state_ = State::kInvalid;
-    Hash setup_hash_;
-    bool has_setup_hash_ = false;
+    std::optional<Hash> setup_hash_;
     std::uint64_t changes_ = 0;  // plain invalidations so far
     bool serves_all_graphs_ = false;
     int users_ = 0;

@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cstddef>
+#include <utility>
 
 #include "ZoImage/ChannelSet.h"
 
@@ -22,7 +23,7 @@ class Row {
   public:
     Row() = default;
     Row(int x, int r) : x_(x), r_(r) {}
-    Row(Row&& other) noexcept;
+    Row(Row&& other) noexcept { *this = std::move(other); }
     Row& operator=(Row&& other) noexcept;
     Row(const Row&) = delete;
     Row& operator=(const Row&) = delete;
@@ -65,7 +66,7 @@ class Row {
     using Places = std::array<RowBuffer*, kChannelLimit>;
     RowBuffer* storage_for(Channel c);
     // Whether the pixels of a present channel are in a pool's or a kept row's memory, which goes when the
-    // rows that use it go; and whether this row alone uses them.
+    // rows that use it go; and whether the channel is present and this row alone uses them.
     bool counted(Channel c) const { return slot(c).buffer != nullptr; }
     bool sole(Channel c) const;
 
