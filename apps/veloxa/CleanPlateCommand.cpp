@@ -4,9 +4,9 @@
 #include <sstream>
 
 #include "Commands.h"
-#include "Interrupt.h"
 #include "Options.h"
 #include "Progress.h"
+#include "Signals.h"
 #include "Terminal.h"
 #include "shot/cleanplate/CleanPlate.h"
 #include "shot/files/ImageFile.h"
@@ -82,7 +82,7 @@ constexpr const char* kFooter =
 
 }  // namespace
 
-CLI::App* add_cleanplate_command(CLI::App& app, Run& run) {
+void add_cleanplate_command(CLI::App& app, Run& run) {
     CLI::App* command = app.add_subcommand("cleanplate", "Make a clean plate from a locked-off sequence.");
     command->footer(kFooter);
     auto options = std::make_shared<Options>();
@@ -104,7 +104,6 @@ CLI::App* add_cleanplate_command(CLI::App& app, Run& run) {
     command->add_flag("--overwrite", options->overwrite, "Replace a file that exists");
     command->add_flag("--quiet", options->quiet, "Show no progress");
     command->callback([options, &run] { run = [options] { return make_clean_plate(*options); }; });
-    return command;
 }
 
 }  // namespace veloxa

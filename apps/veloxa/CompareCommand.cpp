@@ -38,7 +38,7 @@ int compare(const Options& options) {
 
 }  // namespace
 
-CLI::App* add_compare_command(CLI::App& app, Run& run) {
+void add_compare_command(CLI::App& app, Run& run) {
     CLI::App* command = app.add_subcommand("compare", "Compare two images of one size.");
     command->footer(
         "Prints the largest and the mean absolute difference and the PSNR (peak 1.0) of each channel and of "
@@ -54,7 +54,6 @@ CLI::App* add_compare_command(CLI::App& app, Run& run) {
     command->add_option("--channel", options->channel, "Compare this channel only: R, G, B or A")
         ->type_name("C");
     command->callback([options, &run] { run = [options] { return compare(*options); }; });
-    return command;
 }
 
 }  // namespace veloxa

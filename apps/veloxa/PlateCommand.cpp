@@ -5,8 +5,8 @@
 #include <optional>
 
 #include "Commands.h"
-#include "Interrupt.h"
 #include "Progress.h"
+#include "Signals.h"
 #include "plates/Set.h"
 #include "shot/Errors.h"
 #include "shot/files/ImageFile.h"
@@ -74,7 +74,7 @@ int make_plates(PlateOptions options) {
 
 }  // namespace
 
-CLI::App* add_plate_command(CLI::App& app, Run& run) {
+void add_plate_command(CLI::App& app, Run& run) {
     CLI::App* command = app.add_subcommand("plate", "Make a test plate set whose true matte is known.");
     command->footer(
         "Writes half-float OpenEXR files, with --frames as fg.0001.exr and so on:\n"
@@ -102,7 +102,6 @@ CLI::App* add_plate_command(CLI::App& app, Run& run) {
     command->add_option("--frames", options->frames, "Frames of a sequence")->type_name("A-B");
     command->add_flag("--overwrite", options->overwrite, "Replace files that exist");
     command->callback([options, &run] { run = [options] { return make_plates(*options); }; });
-    return command;
 }
 
 }  // namespace veloxa

@@ -1,4 +1,4 @@
-#include "AbortMessage.h"
+#include "Signals.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@
 namespace veloxa {
 namespace {
 
-TEST(AbortMessage, AnAbortUnderAFileNamesIt) {
+TEST(Signals, AnAbortUnderAFileNamesIt) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto abort_over = [](const std::string& file) {
         report_aborts();
