@@ -10,7 +10,6 @@
 #include "Terminal.h"
 #include "shot/cleanplate/CleanPlate.h"
 #include "shot/files/ImageFile.h"
-#include "shot/setup/Pick.h"
 
 namespace veloxa {
 
@@ -49,7 +48,7 @@ int make_clean_plate(const Options& options) {
     const FramePattern name(options.foreground);
     const FrameRange frames = frames_of(options.frames, {&name, 1});
     if (!options.screen.pick.empty()) parse_box("--pick", options.screen.pick);
-    const WriteOptions write{depth_named(options.depth), options.overwrite, &interrupt_flag()};
+    const WriteOptions write{Depth(options.depth), options.overwrite, &interrupt_flag()};
     check_writable(options.output, write);
     for (int n = 0; n < frames.count(); ++n) refuse_input(options.output, {&name, 1}, frames.at(n));
     catch_interrupts();

@@ -20,9 +20,9 @@ struct Options {
     std::string channel;
 };
 
-std::string row_of(const char* name, const Difference& d) {
+std::string row_of(const std::string& name, const Difference& d) {
     std::array<char, 96> line{};
-    std::snprintf(line.data(), line.size(), "%-8s %14.8g %14.8g %10.4g\n", name, d.largest, d.mean(),
+    std::snprintf(line.data(), line.size(), "%-8s %14.8g %14.8g %10.4g\n", name.c_str(), d.largest, d.mean(),
                   d.psnr());
     return line.data();
 }
@@ -30,8 +30,7 @@ std::string row_of(const char* name, const Difference& d) {
 int compare(const Options& options) {
     const Comparison found = compare_files(options.first, options.second, options.channel, caller_for(false));
     std::string table = "channel         largest           mean  PSNR (dB)\n";
-    for (const auto& [channel, difference] : found.channels)
-        table += row_of(channel_name(channel), difference);
+    for (const auto& [channel, difference] : found.channels) table += row_of(channel, difference);
     print(table + row_of("overall", found.overall));
     return options.max_diff && !(found.overall.largest <= *options.max_diff) ? kExitFailure : kExitOk;
 }

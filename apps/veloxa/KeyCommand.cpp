@@ -41,7 +41,7 @@ KeyPlan plan_for(const Options& options, const FrameRange& frames) {
     KeyPlan plan;
     plan.frames = frames;
     plan.output = FramePattern(options.output);
-    plan.write = {depth_named(options.depth), options.overwrite || options.resume};
+    plan.write = {Depth(options.depth), options.overwrite || options.resume};
     plan.resume = options.resume;
     plan.threads = options.threads;
     if (options.setup.frames.empty() && plan.output.has_frame()) {

@@ -7,7 +7,7 @@
 #include <tuple>
 
 #include "Terminal.h"
-#include "shot/files/Hush.h"
+#include "shot/files/ImageLibrary.h"
 
 namespace veloxa {
 

@@ -7,7 +7,7 @@
 #include "Signals.h"
 #include "Terminal.h"
 #include "shot/Errors.h"
-#include "shot/files/Hush.h"
+#include "shot/files/ImageLibrary.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <csignal>
 #include <cstdlib>
 
-#include "shot/files/Hush.h"
+#include "shot/files/ImageLibrary.h"
 
 namespace veloxa {
 namespace {
