@@ -1,7 +1,5 @@
 #include "plates/Backing.h"
 
-#include "plates/Random.h"
-
 namespace plate {
 
 namespace {

@@ -1,6 +1,4 @@
-#include "plates/Body.h"
-
-#include "plates/Random.h"
+#include "plates/Figure.h"
 
 namespace plate {
 
@@ -18,8 +16,6 @@ float softness(Vec2 p, float pixel) {
 }
 
 }  // namespace
-
-Body::Body(const Look& look, const Pose& pose, float pixel) : look_(look), pose_(pose), pixel_(pixel) {}
 
 float Body::outline(Vec2 p) const {
     const float x = std::abs(p.x);

@@ -1,14 +1,12 @@
 #include "plates/Hair.h"
 
-#include "plates/Head.h"
-#include "plates/Random.h"
+#include "plates/Figure.h"
 
 namespace plate {
 
 namespace {
 
 constexpr float kQuarter = 1.57079633f;
-constexpr float kAspect = kHeadHeight / kHeadWidth;
 
 // Widths are given for a picture 1080 pixels high.
 struct Grower {
@@ -97,7 +95,7 @@ struct Grower {
             const float n = static_cast<float>(k), t = n / static_cast<float>(Strand::kPoints - 1);
             strand.points[k] = place.from_head({q.x + 1.6f * swing(t, phase), q.y + 0.3f * swing(t, phase)});
             q.x += side * step * std::sin(heading);
-            q.y += step * std::cos(heading) / kAspect;
+            q.y += step * std::cos(heading) / kHeadAspect;
             heading += bend + curl * std::sin(frequency * n + phase);
         }
         strand.root_width = 0.5f * unit * (bold ? draw.between(1.8f, 4.2f) : draw.between(0.5f, 1.7f));
@@ -110,6 +108,12 @@ struct Grower {
         return strand;
     }
 };
+
+// The share of a tent two pixels wide that lies below x. A box would leave thin slanting hairs beaded.
+float tent_below(float x) {
+    const float t = std::clamp(x, -1.0f, 1.0f);
+    return t < 0.0f ? 0.5f * square(1.0f + t) : 1.0f - 0.5f * square(1.0f - t);
+}
 
 }  // namespace
 
@@ -138,8 +142,8 @@ Hair grow_hair(const Look& look, const Pose& pose, const Placement& placement) {
 
 float hair_behind(const Look& look, Vec2 q) {
     const float skull = length({q.x / 1.09f, q.y / 1.08f}) - 1.0f;
-    const float fall = round_box({q.x, (q.y - 0.5f * look.hair_length + 0.18f) * kAspect},
-                                 {1.04f, 0.5f * (look.hair_length - 0.25f) * kAspect}, 0.28f);
+    const float fall = round_box({q.x, (q.y - 0.5f * look.hair_length + 0.18f) * kHeadAspect},
+                                 {1.04f, 0.5f * (look.hair_length - 0.25f) * kHeadAspect}, 0.28f);
     return blend_union(skull, fall, 0.2f);
 }
 
@@ -150,6 +154,71 @@ float hair_cap(const Look& look, Vec2 q) {
     const float sides = std::abs(q.x) - 0.93f + 0.05f * q.y;
     const float open = std::max(peak - q.y, sides);
     return std::max(skull, -open);
+}
+
+void Strand::measure() {
+    top = bottom = points[0].y;
+    for (const Vec2 p : points) {
+        top = std::min(top, p.y);
+        bottom = std::max(bottom, p.y);
+    }
+    const float reach = std::max(root_width, tip_width) + 1.0f;
+    top -= reach;
+    bottom += reach;
+}
+
+float Strand::half_width(float t) const {
+    const float near_root = 0.7f + 0.3f * smooth(0.0f, 0.15f, t);
+    return mix(root_width, tip_width, saturate((t - taper_from) / (1.0f - taper_from))) * near_root;
+}
+
+Shade Strand::shade(float t, float across) const {
+    const Vec3 base = mix(root, tip, smooth(0.05f, 0.95f, t));
+    // A lock is round: dark at its sides, bright where it turns through the light.
+    const float round = 1.0f - 0.42f * across * across;
+    const float shine = bell(t - shine_at, 0.10f) * (0.4f + 0.6f * bell(across + 0.2f, 0.6f));
+    Shade s;
+    s.colour = base * round + (tip * 0.55f + Vec3{0.085f, 0.075f, 0.07f}) * shine;
+    s.spill = spill * (1.0f + across * across);
+    return s;
+}
+
+void StrandPainter::paint(const std::vector<Strand>& strands, int row, std::vector<Stack>& pixels) {
+    const float y = static_cast<float>(row) + 0.5f;
+    const float last = static_cast<float>(pixels.size()) - 1.0f;
+    for (const Strand& strand : strands) {
+        if (y < strand.top || y > strand.bottom) continue;
+        const float reach = std::max(strand.root_width, strand.tip_width) + 1.0f;
+        int low = static_cast<int>(pixels.size()), high = -1;
+        for (std::size_t k = 0; k + 1 < Strand::kPoints; ++k) {
+            const Vec2 a = strand.points[k], b = strand.points[k + 1];
+            if (y < std::min(a.y, b.y) - reach || y > std::max(a.y, b.y) + reach) continue;
+            const float left = std::max(std::min(a.x, b.x) - reach - 0.5f, 0.0f);
+            const float right = std::min(std::max(a.x, b.x) + reach - 0.5f, last);
+            if (left > right) continue;
+            for (int x = static_cast<int>(left); x <= static_cast<int>(right); ++x) {
+                const Vec2 p{static_cast<float>(x) + 0.5f, y};
+                const float s = along(p, a, b);
+                const Vec2 off = p - a - (b - a) * s;
+                const float t = (static_cast<float>(k) + s) / static_cast<float>(Strand::kPoints - 1);
+                const float d = length(off), half = strand.half_width(t);
+                const auto i = static_cast<std::size_t>(x);
+                if (d - half >= 1.0f || (cover_[i] > 0.0f && d - half >= hit_[i].distance)) continue;
+                cover_[i] = tent_below(half - d) - tent_below(-half - d);
+                const float turn = (b.x - a.x) * off.y - (b.y - a.y) * off.x;
+                hit_[i] = {d - half, t,
+                           std::clamp((turn < 0.0f ? -d : d) / std::max(half, 0.5f), -1.0f, 1.0f)};
+                low = std::min(low, x);
+                high = std::max(high, x);
+            }
+        }
+        for (int x = low; x <= high; ++x) {
+            const auto i = static_cast<std::size_t>(x);
+            if (cover_[i] <= 0.0f) continue;
+            pixels[i].over(strand.shade(hit_[i].t, hit_[i].across), cover_[i]);
+            cover_[i] = 0.0f;
+        }
+    }
 }
 
 }  // namespace plate

@@ -32,7 +32,7 @@ struct Placement {
     float tilt;
 
     Vec2 to_pixels(Vec2 p) const { return {0.5f * width + mirror * p.x * height, p.y * height}; }
-    // From head units (PlateHead.h) to pixels.
+    // From head units (Figure.h) to pixels.
     Vec2 from_head(Vec2 q) const;
 };
 

@@ -1,12 +1,8 @@
-#include "plates/Head.h"
-
-#include "plates/Random.h"
+#include "plates/Figure.h"
 
 namespace plate {
 
 namespace {
-
-constexpr float kAspect = kHeadHeight / kHeadWidth;
 
 // The distance from the outline, in half widths: skull above, narrowing to the chin below.
 float outline(Vec2 q) {
@@ -41,7 +37,7 @@ Shade Head::surface(Vec2 q) const {
             const float dx = q.x - side * b.x, dy = q.y - b.y;
             const float h = b.amount * bell(dx, dy, b.width, b.height);
             slope.x -= 2.0f * dx / square(b.width) * h;
-            slope.y -= 2.0f * dy / square(b.height) * h / kAspect;
+            slope.y -= 2.0f * dy / square(b.height) * h / kHeadAspect;
         }
     }
     const float x = q.x / (1.0f - 0.24f * smooth(-0.1f, 1.05f, q.y));
@@ -64,7 +60,7 @@ Shade Head::surface(Vec2 q) const {
 
 void Head::eye(Vec2 q, Shade& shade) const {
     const float side = q.x < 0.0f ? -1.0f : 1.0f;
-    const Vec2 e{std::abs(q.x) - 0.375f, (q.y - 0.035f) * kAspect};
+    const Vec2 e{std::abs(q.x) - 0.375f, (q.y - 0.035f) * kHeadAspect};
     const float s = std::clamp(e.x / 0.165f, -1.0f, 1.0f);
     const float arch = 1.0f - s * s;
     const float tilt = -0.012f * s;
@@ -131,7 +127,7 @@ void Head::mouth(Vec2 q, Shade& shade) const {
 
 void Head::face(Vec2 q, Stack& stack) const {
     if (std::abs(q.x) > 1.3f || std::abs(q.y) > 1.2f) return;
-    const Vec2 ear{std::abs(q.x) - 1.00f, (q.y - 0.10f) * kAspect};
+    const Vec2 ear{std::abs(q.x) - 1.00f, (q.y - 0.10f) * kHeadAspect};
     const float lobe = length({ear.x / 0.12f, ear.y / 0.27f}) - 1.0f;
     const float ear_cover = coverage(0.14f * lobe, 0.7f * pixel_);
     if (ear_cover > 0.0f) {
@@ -150,7 +146,7 @@ void Head::face(Vec2 q, Stack& stack) const {
 void Head::glasses(Vec2 q, Stack& stack) const {
     if (q.y < -0.4f || q.y > 0.6f || std::abs(q.x) > 1.15f) return;
     const float x = std::abs(q.x);
-    const Vec2 lens{x - 0.415f, (q.y - 0.075f) * kAspect};
+    const Vec2 lens{x - 0.415f, (q.y - 0.075f) * kHeadAspect};
     const float d = round_box(lens, {0.295f, 0.225f}, 0.15f);
     const float half = std::max(0.0130f, 0.35f * pixel_);
     const float fine = 0.7f * pixel_;
@@ -168,8 +164,8 @@ void Head::glasses(Vec2 q, Stack& stack) const {
     stack.over({{0.08f, 0.04f, 0.03f}, 0.0f},
                0.22f * bell(round_box({lens.x - 0.015f, lens.y - 0.035f}, {0.295f, 0.225f}, 0.15f), 0.020f));
     const float bridge =
-        std::max(std::abs(q.y + 0.005f + 0.35f * (0.12f - x) * 0.3f) * kAspect - half, x - 0.14f);
-    const float temple = std::max(std::abs(q.y + 0.02f) * kAspect - half, std::max(0.70f - x, x - 1.04f));
+        std::max(std::abs(q.y + 0.005f + 0.35f * (0.12f - x) * 0.3f) * kHeadAspect - half, x - 0.14f);
+    const float temple = std::max(std::abs(q.y + 0.02f) * kHeadAspect - half, std::max(0.70f - x, x - 1.04f));
     const float rim = std::min(std::abs(d) - half, std::min(bridge, temple));
     const float cover = coverage(rim, fine);
     if (cover <= 0.0f) return;

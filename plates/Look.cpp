@@ -1,7 +1,5 @@
 #include "plates/Look.h"
 
-#include "plates/Random.h"
-
 namespace plate {
 
 namespace {

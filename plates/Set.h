@@ -1,14 +1,79 @@
-// The pictures of one frame of a plate set, as they are written.
+// A procedural plate set: a figure before an uneven screen, with everything about it known.
+//
+// A scene is one frame. Its pixels depend on the options and the frame alone, so rows may be rendered by
+// any number of threads in any order. Row 0 is the top one.
 #pragma once
 
 #include <array>
+#include <cstdint>
+#include <utility>
+#include <vector>
 
 #include "ZoImage/Render.h"
-#include "plates/Scene.h"
+#include "plates/Backing.h"
+#include "plates/Figure.h"
+#include "plates/Hair.h"
 #include "shot/image/Image.h"
 
 namespace plate {
 
+struct Options {
+    int width = 1920, height = 1080;
+    std::uint64_t seed = 1;
+    Screen screen = Screen::kGreen;
+};
+
+// What is true of one pixel. Colours are on the keyer's input scale, where most lie from 0 to 1.
+struct Pixel {
+    Vec3 colour;    // of the subject, premultiplied, without spill
+    Vec3 spill;     // premultiplied: what the screen's light adds to it
+    float alpha;    // of the subject
+    Vec3 backing;   // the empty set, unshadowed
+    float shadow;   // what the subject leaves of the backing's light
+    float garbage;  // 1 where nothing is to be keyed
+    Vec3 background;
+};
+
+// What a camera without grain sees, and what a perfect key over the background gives.
+Vec3 photographed(const Pixel& pixel);
+Vec3 composited(const Pixel& pixel);
+
+enum class Plate { kForeground, kClean };
+// One channel's grain at a pixel; it grows with the level. The clean plate is averaged and has less.
+float grain(const Options& options, Plate plate, int frame, int x, int y, int channel, float level);
+
+class Scene {
+  public:
+    Scene(const Options& options, int frame);
+    // Calls use(y, pixels) for each row from y0 to before y1.
+    template <class Use>
+    void render(int y0, int y1, Use&& use) const {
+        StrandPainter painter(options_.width);
+        std::vector<Stack> stacks;
+        std::vector<Pixel> pixels(static_cast<std::size_t>(options_.width));
+        for (int y = y0; y < y1; ++y) {
+            render_row(y, painter, stacks, pixels);
+            use(y, std::as_const(pixels));
+        }
+    }
+
+  private:
+    void render_row(int y, StrandPainter& painter, std::vector<Stack>& stacks,
+                    std::vector<Pixel>& pixels) const;
+    float shadow(Vec2 p) const;
+
+    Options options_;
+    Look look_;
+    Pose pose_;
+    Placement placement_;
+    Body body_;
+    Head head_;
+    Hair hair_;
+    Backing backing_;
+    Background background_;
+};
+
+// The pictures of one frame, as they are written.
 enum Picture { kForeground, kCleanPlate, kBackground, kGarbage, kAlphaTrue, kColourTrue, kCompTrue };
 inline constexpr std::array kPictureNames{"fg", "cp", "bg", "gm", "alpha_true", "fgcol_true", "comp_true"};
 

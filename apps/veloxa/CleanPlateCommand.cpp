@@ -4,13 +4,12 @@
 #include <sstream>
 
 #include "Commands.h"
-#include "Interrupt.h"
 #include "Options.h"
 #include "Progress.h"
+#include "Signals.h"
 #include "Terminal.h"
 #include "shot/cleanplate/CleanPlate.h"
 #include "shot/files/ImageFile.h"
-#include "shot/setup/Pick.h"
 
 namespace veloxa {
 
@@ -49,7 +48,7 @@ int make_clean_plate(const Options& options) {
     const FramePattern name(options.foreground);
     const FrameRange frames = frames_of(options.frames, {&name, 1});
     if (!options.screen.pick.empty()) parse_box("--pick", options.screen.pick);
-    const WriteOptions write{depth_named(options.depth), options.overwrite, &interrupt_flag()};
+    const WriteOptions write{Depth(options.depth), options.overwrite, &interrupt_flag()};
     check_writable(options.output, write);
     for (int n = 0; n < frames.count(); ++n) refuse_input(options.output, {&name, 1}, frames.at(n));
     catch_interrupts();
@@ -82,7 +81,7 @@ constexpr const char* kFooter =
 
 }  // namespace
 
-CLI::App* add_cleanplate_command(CLI::App& app, Run& run) {
+void add_cleanplate_command(CLI::App& app, Run& run) {
     CLI::App* command = app.add_subcommand("cleanplate", "Make a clean plate from a locked-off sequence.");
     command->footer(kFooter);
     auto options = std::make_shared<Options>();
@@ -104,7 +103,6 @@ CLI::App* add_cleanplate_command(CLI::App& app, Run& run) {
     command->add_flag("--overwrite", options->overwrite, "Replace a file that exists");
     command->add_flag("--quiet", options->quiet, "Show no progress");
     command->callback([options, &run] { run = [options] { return make_clean_plate(*options); }; });
-    return command;
 }
 
 }  // namespace veloxa

@@ -16,12 +16,12 @@ inline constexpr int kExitInterrupted = 130;
 
 using Run = std::function<int()>;
 
-CLI::App* add_key_command(CLI::App& app, Run& run);
-CLI::App* add_knobs_command(CLI::App& app, Run& run);
-CLI::App* add_controls_command(CLI::App& app, Run& run);
-CLI::App* add_cleanplate_command(CLI::App& app, Run& run);
-CLI::App* add_tune_command(CLI::App& app, Run& run);
-CLI::App* add_plate_command(CLI::App& app, Run& run);
-CLI::App* add_compare_command(CLI::App& app, Run& run);
+void add_key_command(CLI::App& app, Run& run);
+void add_knobs_command(CLI::App& app, Run& run);
+void add_controls_command(CLI::App& app, Run& run);
+void add_cleanplate_command(CLI::App& app, Run& run);
+void add_tune_command(CLI::App& app, Run& run);
+void add_plate_command(CLI::App& app, Run& run);
+void add_compare_command(CLI::App& app, Run& run);
 
 }  // namespace veloxa

@@ -20,9 +20,9 @@ struct Options {
     std::string channel;
 };
 
-std::string row_of(const char* name, const Difference& d) {
+std::string row_of(const std::string& name, const Difference& d) {
     std::array<char, 96> line{};
-    std::snprintf(line.data(), line.size(), "%-8s %14.8g %14.8g %10.4g\n", name, d.largest, d.mean(),
+    std::snprintf(line.data(), line.size(), "%-8s %14.8g %14.8g %10.4g\n", name.c_str(), d.largest, d.mean(),
                   d.psnr());
     return line.data();
 }
@@ -30,15 +30,14 @@ std::string row_of(const char* name, const Difference& d) {
 int compare(const Options& options) {
     const Comparison found = compare_files(options.first, options.second, options.channel, caller_for(false));
     std::string table = "channel         largest           mean  PSNR (dB)\n";
-    for (const auto& [channel, difference] : found.channels)
-        table += row_of(channel_name(channel), difference);
+    for (const auto& [channel, difference] : found.channels) table += row_of(channel, difference);
     print(table + row_of("overall", found.overall));
     return options.max_diff && !(found.overall.largest <= *options.max_diff) ? kExitFailure : kExitOk;
 }
 
 }  // namespace
 
-CLI::App* add_compare_command(CLI::App& app, Run& run) {
+void add_compare_command(CLI::App& app, Run& run) {
     CLI::App* command = app.add_subcommand("compare", "Compare two images of one size.");
     command->footer(
         "Prints the largest and the mean absolute difference and the PSNR (peak 1.0) of each channel and of "
@@ -54,7 +53,6 @@ CLI::App* add_compare_command(CLI::App& app, Run& run) {
     command->add_option("--channel", options->channel, "Compare this channel only: R, G, B or A")
         ->type_name("C");
     command->callback([options, &run] { run = [options] { return compare(*options); }; });
-    return command;
 }
 
 }  // namespace veloxa

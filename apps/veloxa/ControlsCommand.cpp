@@ -35,7 +35,7 @@ int list_controls(const Options& options) {
 
 }  // namespace
 
-CLI::App* add_controls_command(CLI::App& app, Run& run) {
+void add_controls_command(CLI::App& app, Run& run) {
     CLI::App* command = app.add_subcommand("controls", "List the 250 controls, or trace them as commands.");
     command->footer(
         "The listing has a line a control: its stored value, a tab, its name. With --script or --set the "
@@ -48,7 +48,6 @@ CLI::App* add_controls_command(CLI::App& app, Run& run) {
         ->type_name("FILE");
     command->add_flag("--overwrite", options->overwrite, "Replace a file that exists");
     command->callback([options, &run] { run = [options] { return list_controls(*options); }; });
-    return command;
 }
 
 }  // namespace veloxa

@@ -1,15 +1,19 @@
 // veloxa key: keys a still or a sequence.
 #include <OpenImageIO/imageio.h>
+#include <cxxabi.h>
+#include <sys/resource.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 
 #include "Commands.h"
-#include "Interrupt.h"
 #include "Options.h"
 #include "Progress.h"
-#include "StatsTable.h"
+#include "Signals.h"
 #include "Terminal.h"
+#include "ZoImage/Iop.h"
 #include "shot/Errors.h"
 #include "shot/sequence/KeyPipeline.h"
 #include "shot/setup/KeySetup.h"
@@ -37,7 +41,7 @@ KeyPlan plan_for(const Options& options, const FrameRange& frames) {
     KeyPlan plan;
     plan.frames = frames;
     plan.output = FramePattern(options.output);
-    plan.write = {depth_named(options.depth), options.overwrite || options.resume};
+    plan.write = {Depth(options.depth), options.overwrite || options.resume};
     plan.resume = options.resume;
     plan.threads = options.threads;
     if (options.setup.frames.empty() && plan.output.has_frame()) {
@@ -58,6 +62,55 @@ void tell_of(const std::vector<ToolReport>& strokes, const Caller& caller) {
         caller.tell(stroke.tool + ": " + std::to_string(left) + " of " +
                     std::to_string(left + stroke.satisfied) + " samples could not be satisfied");
     }
+}
+
+double milliseconds(std::chrono::nanoseconds time, int frames) {
+    return std::chrono::duration<double, std::milli>(time).count() / std::max(frames, 1);
+}
+
+// Member names down from the node's own operators; the node and its inputs have none.
+std::string name_of(const Iop& op) {
+    if (op.member_name().empty()) return op.context().node_name;
+    const Op* owner = op.parent();
+    const bool nested = owner && !owner->member_name().empty();
+    return (nested ? owner->member_name() + "." : std::string()) + op.member_name();
+}
+
+// Some classes go by the platform's name of their type, which starts with its length.
+std::string class_of(const Iop& op) {
+    const std::string name = op.class_name();
+    if (name.find_first_of("0123456789") != 0) return name;
+    int failed = 0;
+    const std::unique_ptr<char, decltype(&std::free)> readable(
+        abi::__cxa_demangle(name.c_str(), nullptr, nullptr, &failed), &std::free);
+    return failed == 0 ? readable.get() : name;
+}
+
+// What --stats prints: one line an operator with its name, class, rows, rows over the frames' rows,
+// milliseconds a frame (of all threads); then milliseconds a frame of reading, keying and writing, and the
+// most memory that the program has had at a time.
+std::string table_of(const KeyStats& stats) {
+    char line[160];
+    std::snprintf(line, sizeof line, "%-24s %-22s %10s %7s %10s\n", "operator", "class", "rows", "ratio",
+                  "ms/frame");
+    std::string table = line;
+    for (const OpStats& one : stats.ops) {
+        const double ratio = stats.frame_rows > 0
+                                 ? static_cast<double>(one.rows) / static_cast<double>(stats.frame_rows)
+                                 : 0.0;
+        std::snprintf(line, sizeof line, "%-24s %-22s %10lld %7.3f %10.2f\n", name_of(*one.op).c_str(),
+                      class_of(*one.op).c_str(), static_cast<long long>(one.rows), ratio,
+                      milliseconds(one.time, stats.frames));
+        table += line;
+    }
+    std::snprintf(line, sizeof line, "%d frames: read %.2f ms, key %.2f ms, write %.2f ms a frame\n",
+                  stats.frames, milliseconds(stats.read, stats.frames), milliseconds(stats.key, stats.frames),
+                  milliseconds(stats.write, stats.frames));
+    table += line;
+    struct rusage usage {};
+    ::getrusage(RUSAGE_SELF, &usage);
+    std::snprintf(line, sizeof line, "peak memory %ld MB\n", usage.ru_maxrss / 1024);
+    return table + line;
 }
 
 int key(const Options& options) {
@@ -123,14 +176,13 @@ void add_rendering(CLI::App& command, Options& options) {
 
 }  // namespace
 
-CLI::App* add_key_command(CLI::App& app, Run& run) {
+void add_key_command(CLI::App& app, Run& run) {
     CLI::App* command = app.add_subcommand("key", "Key a still or an image sequence.");
     command->footer(kFooter);
     auto options = std::make_shared<Options>();
     add_setup_options(*command, options->setup);
     add_rendering(*command, *options);
     command->callback([options, &run] { run = [options] { return key(*options); }; });
-    return command;
 }
 
 }  // namespace veloxa

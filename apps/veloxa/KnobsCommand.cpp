@@ -103,13 +103,12 @@ int list_knobs(bool json) {
 
 }  // namespace
 
-CLI::App* add_knobs_command(CLI::App& app, Run& run) {
+void add_knobs_command(CLI::App& app, Run& run) {
     CLI::App* command =
         app.add_subcommand("knobs", "List every knob: name, label, kind, range, default, tooltip.");
     auto json = std::make_shared<bool>(false);
     command->add_flag("--json", *json, "As a JSON array in panel order");
     command->callback([json, &run] { run = [json] { return list_knobs(*json); }; });
-    return command;
 }
 
 }  // namespace veloxa

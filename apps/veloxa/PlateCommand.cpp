@@ -1,14 +1,14 @@
 // veloxa plate: writes a procedural plate set whose true matte, colour and composite are known.
-#include <charconv>
 #include <filesystem>
 #include <memory>
 #include <optional>
 
 #include "Commands.h"
-#include "Interrupt.h"
 #include "Progress.h"
+#include "Signals.h"
 #include "plates/Set.h"
 #include "shot/Errors.h"
+#include "shot/Numbers.h"
 #include "shot/files/ImageFile.h"
 #include "shot/frames/FramePattern.h"
 
@@ -29,13 +29,11 @@ struct PlateOptions {
 
 // WxH.
 void read_size(const std::string& text, plate::Options& scene) {
-    const char* const end = text.data() + text.size();
-    const auto [cross, error] = std::from_chars(text.data(), end, scene.width);
-    if (error == std::errc{} && cross != end && (*cross == 'x' || *cross == 'X')) {
-        const auto [last, wrong] = std::from_chars(cross + 1, end, scene.height);
-        const auto fits = [](int n) { return n >= 1 && n <= kLargest; };
-        if (wrong == std::errc{} && last == end && fits(scene.width) && fits(scene.height)) return;
-    }
+    std::string_view rest = text;
+    const bool good = take(rest, scene.width) && (take(rest, 'x') || take(rest, 'X')) &&
+                      take(rest, scene.height) && rest.empty();
+    const auto fits = [](int n) { return n >= 1 && n <= kLargest; };
+    if (good && fits(scene.width) && fits(scene.height)) return;
     throw UsageError("--size " + text + ": expected WxH, each from 1 to " + std::to_string(kLargest));
 }
 
@@ -56,7 +54,7 @@ int make_plates(PlateOptions options) {
         const FramePattern pattern(sequence ? name + ".%04d.exr" : name + ".exr");
         return (std::filesystem::path(options.folder) / pattern.at(frame)).string();
     };
-    const WriteOptions how{.depth = Depth::kHalf, .overwrite = options.overwrite, .abort = &interrupt_flag()};
+    const WriteOptions how{.depth = Depth::HALF, .overwrite = options.overwrite, .abort = &interrupt_flag()};
     for (int n = 0; n < range.count(); ++n) {
         for (std::size_t i = 0; i < plate::kPictureNames.size(); ++i)
             check_writable(path_of(i, range.at(n)), how);
@@ -74,7 +72,7 @@ int make_plates(PlateOptions options) {
 
 }  // namespace
 
-CLI::App* add_plate_command(CLI::App& app, Run& run) {
+void add_plate_command(CLI::App& app, Run& run) {
     CLI::App* command = app.add_subcommand("plate", "Make a test plate set whose true matte is known.");
     command->footer(
         "Writes half-float OpenEXR files, with --frames as fg.0001.exr and so on:\n"
@@ -102,7 +100,6 @@ CLI::App* add_plate_command(CLI::App& app, Run& run) {
     command->add_option("--frames", options->frames, "Frames of a sequence")->type_name("A-B");
     command->add_flag("--overwrite", options->overwrite, "Replace files that exist");
     command->callback([options, &run] { run = [options] { return make_plates(*options); }; });
-    return command;
 }
 
 }  // namespace veloxa

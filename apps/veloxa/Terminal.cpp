@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <mutex>
 
-#include "Interrupt.h"
+#include "Signals.h"
 #include "shot/Errors.h"
 
 namespace veloxa {

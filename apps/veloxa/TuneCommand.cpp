@@ -1,16 +1,23 @@
 // veloxa tune: sets the knobs from strokes and saves them as a script.
+#include <algorithm>
 #include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
 
 #include "Commands.h"
-#include "Interrupt.h"
 #include "Options.h"
+#include "Signals.h"
 #include "Terminal.h"
-#include "TuneReport.h"
+#include "ZoImage/Knob.h"
 #include "ZoImage/KnobValues.h"
 #include "shot/files/AtomicFile.h"
 #include "shot/setup/KeySetup.h"
 
 namespace veloxa {
+
+using namespace Zo::Image;
+using nlohmann::ordered_json;
 
 namespace {
 
@@ -22,11 +29,106 @@ struct Options {
     bool quiet = false;
 };
 
+struct TuneReport {
+    std::vector<ToolReport> strokes;
+    std::vector<KnobChange> changes;  // all in all, the screen colour's too
+};
+
+ordered_json value_of(const std::string& word) {
+    if (word == "true" || word == "false") return word == "true";
+    double number = 0.0;
+    return Knob::to_double(word, number) ? ordered_json(number) : ordered_json(word);
+}
+
+ordered_json values_of(const std::string& text) {
+    std::vector<std::string> words;
+    Knob::Script_List(text, words);
+    if (words.size() == 1) return value_of(words.front());
+    ordered_json list = ordered_json::array();
+    for (const std::string& word : words) list.push_back(value_of(word));
+    return list;
+}
+
+ordered_json changes_of(const std::vector<KnobChange>& changes) {
+    ordered_json list = ordered_json::array();
+    for (const KnobChange& c : changes) {
+        list.push_back({{"name", c.knob}, {"before", values_of(c.before)}, {"after", values_of(c.after)}});
+    }
+    return list;
+}
+
+struct Widths {
+    std::size_t knob = 4;
+    std::size_t before = 6;
+};
+
+std::string padded(std::string text, std::size_t width) {
+    text.resize(std::max(text.size(), width), ' ');
+    return text;
+}
+
+std::string line_of(const KnobChange& change, const Widths& widths) {
+    return "  " + padded(change.knob, widths.knob) + "  " + padded(change.before, widths.before) + "  " +
+           change.after + "\n";
+}
+
+std::string title_of(const ToolReport& stroke) {
+    std::string title = stroke.tool + " @" + std::to_string(stroke.frame) + " ";
+    for (const int edge : {stroke.box.x, stroke.box.y, stroke.box.r, stroke.box.t}) {
+        title += (title.back() == ' ' ? "" : ",") + std::to_string(edge);
+    }
+    if (stroke.samples() == 0) return title + "\n";
+    title += ": " + std::to_string(stroke.satisfied) + " samples satisfied, " +
+             std::to_string(stroke.unsatisfied) + " not";
+    if (stroke.unusable > 0) title += ", " + std::to_string(stroke.unusable) + " unusable";
+    return title + "\n";
+}
+
+std::string table_of(const TuneReport& report) {
+    Widths widths;
+    const auto widen = [&](const std::vector<KnobChange>& changes) {
+        for (const KnobChange& c : changes) {
+            widths.knob = std::max(widths.knob, c.knob.size());
+            widths.before = std::max(widths.before, c.before.size());
+        }
+    };
+    widen(report.changes);
+    for (const ToolReport& stroke : report.strokes) widen(stroke.changes);
+
+    std::string text;
+    for (const ToolReport& stroke : report.strokes) {
+        text += title_of(stroke);
+        for (const KnobChange& change : stroke.changes) text += line_of(change, widths);
+        for (const std::string& note : stroke.notes) text += "  note: " + note + "\n";
+    }
+    if (report.changes.empty()) return text + "no knob changed\n";
+    text += "all in all\n" + line_of({"knob", "before", "after"}, widths);
+    for (const KnobChange& change : report.changes) text += line_of(change, widths);
+    return text;
+}
+
+// {"strokes": [{"tool", "frame", "box", "knobs": [{"name", "before", "after"}], "satisfied", "unsatisfied",
+// "unusable", "notes"}], "knobs": [...]}; values are numbers, lists of numbers, true, false or menu items.
+std::string json_of(const TuneReport& report) {
+    ordered_json strokes = ordered_json::array();
+    for (const ToolReport& s : report.strokes) {
+        strokes.push_back({{"tool", s.tool},
+                           {"frame", s.frame},
+                           {"box", {s.box.x, s.box.y, s.box.r, s.box.t}},
+                           {"knobs", changes_of(s.changes)},
+                           {"satisfied", s.satisfied},
+                           {"unsatisfied", s.unsatisfied},
+                           {"unusable", s.unusable},
+                           {"notes", s.notes}});
+    }
+    return ordered_json{{"strokes", strokes}, {"knobs", changes_of(report.changes)}}.dump(2) + "\n";
+}
+
 int tune(const Options& options) {
     if (!options.output.empty()) AtomicFile::check(options.output, options.overwrite);
     catch_interrupts();
     KeySetup setup(options.setup, caller_for(options.quiet));
-    const Zo::Image::KnobValues before(setup.node().panel());
+    const KnobValues before(setup.node().panel());
     setup.prepare();
     if (!options.output.empty()) setup.node().save_script(options.output, options.overwrite);
 
@@ -43,7 +145,7 @@ constexpr const char* kFooter =
 
 }  // namespace
 
-CLI::App* add_tune_command(CLI::App& app, Run& run) {
+void add_tune_command(CLI::App& app, Run& run) {
     CLI::App* command = app.add_subcommand("tune", "Set the knobs by strokes of the sampling tools.");
     command->footer(kFooter);
     auto options = std::make_shared<Options>();
@@ -56,7 +158,6 @@ CLI::App* add_tune_command(CLI::App& app, Run& run) {
     command->add_flag("--overwrite", options->overwrite, "Replace a script that exists");
     command->add_flag("--quiet", options->quiet, "Do not tell how the screen colour was found");
     command->callback([options, &run] { run = [options] { return tune(*options); }; });
-    return command;
 }
 
 }  // namespace veloxa

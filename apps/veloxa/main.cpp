@@ -3,11 +3,11 @@
 #include <iostream>
 #include <string>
 
-#include "AbortMessage.h"
 #include "Commands.h"
+#include "Signals.h"
 #include "Terminal.h"
 #include "shot/Errors.h"
-#include "shot/files/Hush.h"
+#include "shot/files/ImageLibrary.h"
 
 namespace {
 
@@ -35,13 +35,11 @@ int main(int argc, char** argv) {
     app.set_version_flag("--version", "veloxa " VELOXA_VERSION);
     app.require_subcommand(1);
     veloxa::Run run;
-    veloxa::add_key_command(app, run);
-    veloxa::add_knobs_command(app, run);
-    veloxa::add_controls_command(app, run);
-    veloxa::add_cleanplate_command(app, run);
-    veloxa::add_tune_command(app, run);
-    veloxa::add_plate_command(app, run);
-    veloxa::add_compare_command(app, run);
+    for (const auto add : {veloxa::add_key_command, veloxa::add_knobs_command, veloxa::add_controls_command,
+                           veloxa::add_cleanplate_command, veloxa::add_tune_command,
+                           veloxa::add_plate_command, veloxa::add_compare_command}) {
+        add(app, run);
+    }
     try {
         app.parse(argc, argv);
         return run();

@@ -1,7 +1,6 @@
 #include "shot/compare/Compare.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
 
@@ -26,6 +25,10 @@ float sample(const Image& image, Channel c, int x, int y) {
     return image.line(c, y)[x - box.x];
 }
 
+std::string channel_name(Channel c) {
+    return std::string(1, "RGBA"[c - kRed]);
+}
+
 ChannelSet wanted_channels(const std::string& channel, const ChannelSet& present) {
     if (channel.empty()) return present;
     for (const Channel c : kMaskRgba) {
@@ -37,13 +40,6 @@ ChannelSet wanted_channels(const std::string& channel, const ChannelSet& present
 }
 
 }  // namespace
-
-void Difference::add(double d) {
-    largest = std::max(largest, d);
-    sum += d;
-    sum_squares += d * d;
-    ++count;
-}
 
 void Difference::add(const Difference& other) {
     largest = std::max(largest, other.largest);
@@ -57,17 +53,15 @@ double Difference::psnr() const {
                      : std::numeric_limits<double>::infinity();
 }
 
-const char* channel_name(Channel c) {
-    constexpr std::array kNames{"R", "G", "B", "A"};
-    return kNames.at(static_cast<std::size_t>(c - kRed));
-}
-
 Difference difference(const Image& a, const Image& b, Channel c) {
     Box box = a.info.box;
     box.merge(b.info.box);
     Difference total;
     for (int y = box.y; y < box.t; ++y) {
-        for (int x = box.x; x < box.r; ++x) total.add(distance(sample(a, c, x, y), sample(b, c, x, y)));
+        for (int x = box.x; x < box.r; ++x) {
+            const double d = distance(sample(a, c, x, y), sample(b, c, x, y));
+            total.add({d, d, d * d, 1});
+        }
     }
     return total;
 }
@@ -83,7 +77,7 @@ Comparison compare_files(const std::string& first, const std::string& second, co
     }
     Comparison result;
     for (const Channel c : wanted_channels(channel, a.info.channels + b.info.channels)) {
-        result.channels.emplace_back(c, difference(a, b, c));
+        result.channels.emplace_back(channel_name(c), difference(a, b, c));
         result.overall.add(result.channels.back().second);
     }
     return result;

@@ -17,22 +17,18 @@ struct Difference {
     double sum_squares = 0.0;
     std::int64_t count = 0;
 
-    void add(double d);
     void add(const Difference& other);
     double mean() const { return count > 0 ? sum / static_cast<double>(count) : 0.0; }
     // In dB for a peak of 1; infinite for equal images.
     double psnr() const;
 };
 
-// "R", "G", "B" or "A".
-const char* channel_name(Zo::Image::Channel c);
-
 // Over the pixels that either image has; a missing pixel or channel counts as 0. NaN equals NaN, and is
 // infinitely far from any number.
 Difference difference(const Image& a, const Image& b, Zo::Image::Channel c);
 
 struct Comparison {
-    std::vector<std::pair<Zo::Image::Channel, Difference>> channels;
+    std::vector<std::pair<std::string, Difference>> channels;  // by name: R, G, B, A
     Difference overall;
 };
 

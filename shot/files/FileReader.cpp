@@ -3,9 +3,6 @@
 #include <filesystem>
 #include <string_view>
 
-#include "shot/files/FileFault.h"
-#include "shot/files/OiioError.h"
-
 namespace veloxa {
 
 using namespace Zo::Image;

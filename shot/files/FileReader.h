@@ -13,7 +13,7 @@
 
 #include "ZoImage/Render.h"
 #include "shot/Errors.h"
-#include "shot/files/Hush.h"
+#include "shot/files/ImageLibrary.h"
 #include "shot/image/HalfFloat.h"
 #include "shot/image/Image.h"
 

@@ -2,9 +2,7 @@
 // multiplied: samples are as stored.
 #pragma once
 
-#include <optional>
 #include <string>
-#include <string_view>
 
 #include "ZoImage/Render.h"
 #include "shot/Caller.h"
@@ -29,11 +27,11 @@ void warn_of_parts(const std::string& path, const Caller& caller);
 // Whether the file is there and every pixel of it can be read.
 bool is_whole_image(const std::string& path, const Zo::Image::AbortFlag* abort = nullptr);
 
-enum class Depth { kHalf, kFloat, kUint8, kUint16 };
-std::optional<Depth> depth_named(std::string_view name);
+// The type of a file's samples: half, float, uint8 or uint16.
+using Depth = OIIO::TypeDesc;
 
 struct WriteOptions {
-    std::optional<Depth> depth{};  // none: half in OpenEXR, float in RLA, else up to 16-bit integers
+    Depth depth{};  // unknown: half in OpenEXR, float in RLA, else up to 16-bit integers
     bool overwrite = false;
     const Zo::Image::AbortFlag* abort = nullptr;
 };

@@ -87,12 +87,6 @@ std::size_t maker_of(const Sources& from, std::size_t c) {
     return static_cast<std::size_t>(std::find(from.begin(), from.end(), from[c]) - from.begin());
 }
 
-// The channel at `first` out of interleaved pixels.
-void take_channel(const float* interleaved, std::size_t first, std::size_t stride, std::size_t width,
-                  float* line) {
-    for (std::size_t x = 0; x < width; ++x) line[x] = interleaved[x * stride + first];
-}
-
 using Span = FileReader::Span;
 
 // The file's channels that hold all sources.
@@ -130,13 +124,15 @@ Image read_channels(FileReader& reader, const std::string& path, const Sources& 
     }
     const Span span = span_of(from);
     const auto stride = static_cast<std::size_t>(span.last - span.first);
+    const std::size_t width = image.width();
     each_row(reader, span, [&](int row, const float* pixels) {
         const int y = image.info.box.t - 1 - row;
         for (std::size_t c = 0; c < from.size(); ++c) {
             if (from[c] < 0 || maker_of(from, c) != c) continue;
             const auto channel = static_cast<Channel>(kRed + static_cast<int>(c));
-            const auto first = static_cast<std::size_t>(from[c] - span.first);
-            take_channel(pixels, first, stride, image.width(), image.line(channel, y));
+            const float* const samples = pixels + (from[c] - span.first);
+            float* const line = image.line(channel, y);
+            for (std::size_t x = 0; x < width; ++x) line[x] = samples[x * stride];
         }
     });
     return image;

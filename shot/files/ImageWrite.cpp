@@ -1,6 +1,8 @@
 // Writing of image files; see ImageFile.h.
 #include <algorithm>
+#include <cstring>
 #include <memory>
+#include <string_view>
 
 #include "shot/Errors.h"
 #include "shot/files/AtomicFile.h"
@@ -8,29 +10,14 @@
 #include "shot/files/FileReader.h"
 #include "shot/files/FileRows.h"
 #include "shot/files/ImageFile.h"
+#include "shot/files/ImageLibrary.h"
 #include "shot/files/Metadata.h"
-#include "shot/files/OiioError.h"
-#include "shot/files/ReadBack.h"
 
 namespace veloxa {
 
 using namespace Zo::Image;
 
 namespace {
-
-OIIO::TypeDesc type_of(Depth depth) {
-    switch (depth) {
-        case Depth::kHalf:
-            return OIIO::TypeDesc::HALF;
-        case Depth::kFloat:
-            return OIIO::TypeDesc::FLOAT;
-        case Depth::kUint8:
-            return OIIO::TypeDesc::UINT8;
-        case Depth::kUint16:
-            return OIIO::TypeDesc::UINT16;
-    }
-    return OIIO::TypeDesc::HALF;
-}
 
 std::unique_ptr<OIIO::ImageOutput> writer_for(const std::string& path) {
     auto output = OIIO::ImageOutput::create(path);
@@ -41,14 +28,14 @@ std::unique_ptr<OIIO::ImageOutput> writer_for(const std::string& path) {
 }
 
 Depth usual_depth(std::string_view format) {
-    if (format == "openexr") return Depth::kHalf;
+    if (format == "openexr") return Depth::HALF;
     // The library's run lengths of integers in RLA do not always read back; floats have none.
-    return format == "rla" ? Depth::kFloat : Depth::kUint16;
+    return format == "rla" ? Depth::FLOAT : Depth::UINT16;
 }
 
 // A file's header, out of the metadata in `spec`.
 OIIO::ImageSpec spec_for(OIIO::ImageSpec spec, const Image& image, const OIIO::ImageOutput& output,
-                         std::optional<Depth> depth) {
+                         Depth depth) {
     const std::string_view format = output.format_name();
     const FileRows rows(image, output);
     const Box& box = rows.box();
@@ -78,7 +65,7 @@ OIIO::ImageSpec spec_for(OIIO::ImageSpec spec, const Image& image, const OIIO::I
         spec.channelnames.emplace_back(1, "RGBA"[c - kRed]);
     }
     spec.nchannels = static_cast<int>(spec.channelnames.size());
-    spec.set_format(type_of(depth.value_or(usual_depth(format))));
+    spec.set_format(depth == Depth::UNKNOWN ? usual_depth(format) : depth);
 
     if (const float rate = spec.get_float_attribute("FramesPerSecond"); format == "dpx" && rate > 0.0f) {
         spec.attribute("dpx:FrameRate", rate);
@@ -102,10 +89,10 @@ bool takes_proxy(const OIIO::ImageOutput& output) {
 }
 
 // Refuses a file that has another sample type than the one that was asked for.
-void check_type(const std::string& path, const OIIO::ImageOutput& output, std::optional<Depth> depth) {
-    const OIIO::TypeDesc type = output.spec().format;
-    if (depth && type != type_of(*depth)) {
-        throw Error(path, std::string("the format cannot hold ") + type_of(*depth).c_str() +
+void check_type(const std::string& path, const OIIO::ImageOutput& output, Depth depth) {
+    const Depth type = output.spec().format;
+    if (depth != Depth::UNKNOWN && type != depth) {
+        throw Error(path, std::string("the format cannot hold ") + depth.c_str() +
                               " samples; it would hold " + type.c_str());
     }
 }
@@ -143,6 +130,73 @@ bool write_pixels(OIIO::ImageOutput& output, const Image& image, const AbortFlag
                           [&]<class Sample>(Sample) { return write_rows<Sample>(output, rows, abort); });
 }
 
+bool keeps_samples(const OIIO::ImageOutput& output) {
+    for (const std::string_view format : {"gif", "hdr", "heif", "jpeg", "webp"}) {
+        if (format == output.format_name()) return false;
+    }
+    const OIIO::TypeDesc type = output.spec().format;
+    return type == OIIO::TypeDesc::UINT8 || type == OIIO::TypeDesc::UINT16 || type == OIIO::TypeDesc::HALF ||
+           type == OIIO::TypeDesc::FLOAT;
+}
+
+std::string header_fault(const OIIO::ImageSpec& read, const OIIO::ImageOutput& output) {
+    const OIIO::ImageSpec& written = output.spec();
+    const bool windows = std::string_view(output.format_name()) == "openexr";
+    const bool webp = std::string_view(output.format_name()) == "webp";
+    if (read.width != written.width || read.height != written.height) {
+        return "its size reads back as " + size_text(read.width, read.height) + ", not " +
+               size_text(written.width, written.height);
+    }
+    if (windows && (read.x != written.x || read.y != written.y || read.full_x != written.full_x ||
+                    read.full_y != written.full_y || read.full_width != written.full_width ||
+                    read.full_height != written.full_height)) {
+        return "its windows read back otherwise";
+    }
+    // Some formats have an alpha always, and WebP drops one that is 1 everywhere.
+    const bool same = read.nchannels == written.nchannels ||
+                      (written.nchannels == 3 && read.nchannels == 4) ||
+                      (webp && written.nchannels == 4 && read.nchannels == 3);
+    if (!same) {
+        return "it reads back with " + std::to_string(read.nchannels) + " channels, not " +
+               std::to_string(written.nchannels);
+    }
+    if (read.format != written.format) {
+        return std::string("its samples read back as ") + read.format.c_str() + ", not " +
+               written.format.c_str();
+    }
+    return {};
+}
+
+template <class Sample>
+std::string sample_fault(FileReader& reader, const FileRows& rows, bool exact) {
+    const auto row = std::make_unique_for_overwrite<Sample[]>(rows.pitch());
+    const auto samples = std::make_unique_for_overwrite<Sample[]>(rows.width());
+    bool same = true;
+    const int channels = std::min(static_cast<int>(rows.channels().size()), reader.spec().nchannels);
+    reader.each_row<Sample>({0, channels}, [&](int n, const Sample* read) {
+        if (!exact || !same) return;
+        rows.fill(n, row.get(), samples.get());
+        same = std::memcmp(row.get(), read, rows.pitch() * sizeof(Sample)) == 0;
+    });
+    return same ? "" : "its pixels read back otherwise";
+}
+
+// Reads a file back that `output` has written from the image and closed. Empty when it has the size, windows,
+// channels and type that the writer opened it with, and every sample of it: the same bits, or, for formats
+// that only approximate samples, any; else what is wrong. Throws Interrupted.
+std::string read_back(const std::string& path, const Image& image, const OIIO::ImageOutput& output,
+                      const AbortFlag* abort) try {
+    FileReader reader(path, abort);
+    std::string fault = header_fault(reader.spec(), output);
+    if (!fault.empty()) return fault;
+    const FileRows rows(image, output);
+    return with_sample_of(output.spec().format, [&]<class Sample>(Sample) {
+        return sample_fault<Sample>(reader, rows, keeps_samples(output));
+    });
+} catch (const Error& error) {
+    return std::string("it cannot be read back: ") + error.what();
+}
+
 // Writes the file and reads it back. Returns what went wrong that less metadata might mend, empty for
 // nothing; throws Error for the rest.
 std::string write_once(const std::string& temporary, const std::string& path, const Image& image,
@@ -172,20 +226,12 @@ std::string write_once(const std::string& temporary, const std::string& path, co
 
 }  // namespace
 
-std::optional<Depth> depth_named(std::string_view name) {
-    if (name == "half") return Depth::kHalf;
-    if (name == "float") return Depth::kFloat;
-    if (name == "uint8") return Depth::kUint8;
-    if (name == "uint16") return Depth::kUint16;
-    return std::nullopt;
-}
-
 void check_writable(const std::string& path, const WriteOptions& options) {
     AtomicFile::check(path, options.overwrite);
     const Hush hush(path);
     OIIO::Filesystem::IOVecOutput memory;  // outlives the writer, which writes once more when it goes
     const auto output = writer_for(path);
-    if (!options.depth || !output->supports("ioproxy")) return;
+    if (options.depth == Depth::UNKNOWN || !output->supports("ioproxy")) return;
     // What a writer makes of a sample type shows only when it opens a file; this one stays in memory.
     Info info;
     info.box = info.format.box = {0, 0, 16, 16};

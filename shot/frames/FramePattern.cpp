@@ -1,14 +1,15 @@
 #include "shot/frames/FramePattern.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
-#include <charconv>
-#include <cstdlib>
+#include <cstdio>
 #include <filesystem>
 #include <functional>
 #include <system_error>
 
 #include "shot/Errors.h"
+#include "shot/Numbers.h"
 
 namespace veloxa {
 
@@ -16,17 +17,6 @@ namespace {
 
 constexpr int kWidest = 32;
 constexpr int kMostFrames = 100'000'000;
-
-std::string padded(int frame, int width, bool zeros) {
-    std::string digits = std::to_string(std::abs(static_cast<std::int64_t>(frame)));
-    const std::size_t sign = frame < 0 ? 1 : 0;
-    const auto wanted = static_cast<std::size_t>(width);
-    const std::size_t missing = wanted > digits.size() + sign ? wanted - digits.size() - sign : 0;
-    if (zeros) digits.insert(0, missing, '0');
-    if (frame < 0) digits.insert(0, 1, '-');
-    if (!zeros) digits.insert(0, missing, ' ');
-    return digits;
-}
 
 // The length of a printf number field at the start of `text`, 0 when there is none.
 std::size_t number_field(std::string_view text, int& width, bool& zeros) {
@@ -39,19 +29,6 @@ std::size_t number_field(std::string_view text, int& width, bool& zeros) {
     }
     width = std::max(width, 1);
     return i < text.size() && text[i] == 'd' ? i + 1 : 0;
-}
-
-bool take_int(std::string_view& text, int& value) {
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc()) return false;
-    text.remove_prefix(static_cast<std::size_t>(end - text.data()));
-    return true;
-}
-
-bool take(std::string_view& text, char letter) {
-    if (text.empty() || text[0] != letter) return false;
-    text.remove_prefix(1);
-    return true;
 }
 
 }  // namespace
@@ -85,7 +62,10 @@ std::string FramePattern::at(int frame) const {
     std::string result;
     for (const Piece& piece : pieces_) {
         result += piece.text;
-        if (piece.width > 0) result += padded(frame, piece.width, piece.zeros);
+        if (piece.width == 0) continue;
+        std::array<char, kWidest + 1> number{};
+        std::snprintf(number.data(), number.size(), piece.zeros ? "%0*d" : "%*d", piece.width, frame);
+        result += number.data();
     }
     return result;
 }
@@ -93,11 +73,11 @@ std::string FramePattern::at(int frame) const {
 FrameRange parse_frames(const std::string& text) {
     FrameRange range;
     std::string_view rest = text;
-    bool good = take_int(rest, range.first);
+    bool good = take(rest, range.first);
     range.last = range.first;
     if (good && take(rest, '-')) {
-        good = take_int(rest, range.last);
-        if (good && take(rest, 'x')) good = take_int(rest, range.step);
+        good = take(rest, range.last);
+        if (good && take(rest, 'x')) good = take(rest, range.step);
     }
     if (!good || !rest.empty()) {
         throw UsageError("--frames " + text + ": expected A-B or A-BxN, as in 1001-1100 or 1-99x2");

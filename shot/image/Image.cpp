@@ -1,8 +1,15 @@
 #include "shot/image/Image.h"
 
+#include "ZoImage/FramePlane.h"
+
 namespace veloxa {
 
 using namespace Zo::Image;
+
+Plane make_plane(std::size_t pixels) {
+    using Memory = FrameAllocator<float>;
+    return {Memory().allocate(pixels), [pixels](float* plane) { Memory().deallocate(plane, pixels); }};
+}
 
 Image::Image(const Info& of) : info(of) {
     for (const Channel c : info.channels& kMaskRgba) {

@@ -10,12 +10,18 @@
 
 #include <array>
 #include <cstddef>
+#include <memory>
 #include <string>
 
 #include "ZoImage/Info.h"
-#include "shot/image/Plane.h"
 
 namespace veloxa {
+
+// One channel's pixels. Planes are shared: a grey file has one plane for red, green and blue.
+using Plane = std::shared_ptr<float[]>;
+
+// A plane of undefined pixels, from the engine's memory for frames.
+Plane make_plane(std::size_t pixels);
 
 struct Image {
     Image() = default;

@@ -4,9 +4,11 @@
 // that is set again for every frame keeps what was computed from it.
 #pragma once
 
+#include <array>
 #include <memory>
 
 #include "ZoImage/Iop.h"
+#include "shot/frames/FrameLoader.h"
 #include "shot/image/Image.h"
 
 namespace veloxa {
@@ -30,6 +32,20 @@ class ImageSource final : public Zo::Image::Iop {
 
   private:
     std::shared_ptr<const Image> image_;
+};
+
+// The images on all of the node's inputs. Must outlive the node's last use. Not while rendering.
+class NodeInputs {
+  public:
+    // Puts a source on every input that `names` names; the others get what the node puts there itself.
+    void connect(Zo::Image::Iop& node, const FrameLoader::Names& names);
+    // Serves a frame's images until the next ones.
+    void set(const FrameInputs& inputs);
+    // Lets the images go.
+    void clear();
+
+  private:
+    std::array<std::unique_ptr<ImageSource>, kInputCount> sources_;
 };
 
 }  // namespace veloxa

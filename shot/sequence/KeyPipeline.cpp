@@ -21,6 +21,19 @@ void check_outputs(const KeyPlan& plan, const FrameLoader::Names& inputs) {
     check_writable(plan.output.at(plan.frames.first), plan.write);
 }
 
+void KeyStats::add(const std::vector<OpStats>& frame) {
+    for (const OpStats& one : frame) {
+        const auto same =
+            std::find_if(ops.begin(), ops.end(), [&](const OpStats& o) { return o.op == one.op; });
+        if (same == ops.end()) {
+            ops.push_back(one);
+        } else {
+            same->rows += one.rows;
+            same->time += one.time;
+        }
+    }
+}
+
 KeyPipeline::KeyPipeline(KeyPlan plan, FrameLoader& loader, Iop& node, Iop& root, NodeInputs& inputs,
                          const Caller& caller)
     : plan_(std::move(plan)),

@@ -6,6 +6,8 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
+#include <cstdint>
 #include <memory>
 #include <semaphore>
 #include <string>
@@ -16,8 +18,7 @@
 #include "shot/files/ImageFile.h"
 #include "shot/frames/FrameLoader.h"
 #include "shot/frames/FramePattern.h"
-#include "shot/node/NodeInputs.h"
-#include "shot/sequence/KeyStats.h"
+#include "shot/node/ImageSource.h"
 #include "shot/sequence/Queue.h"
 
 namespace veloxa {
@@ -32,6 +33,32 @@ struct KeyPlan {
 
 // Says what can be known to go wrong with the outputs before any frame is rendered. Throws Error.
 void check_outputs(const KeyPlan& plan, const FrameLoader::Names& inputs);
+
+// What keying frames took: sums over the frames of a run. Each stage of the pipeline writes only its own
+// time.
+struct KeyStats {
+    std::chrono::nanoseconds read{0};
+    std::chrono::nanoseconds key{0};
+    std::chrono::nanoseconds write{0};
+    int frames = 0;               // keyed
+    std::int64_t frame_rows = 0;  // of the node's box, over all of them
+    std::vector<Zo::Image::OpStats> ops;
+
+    void add(const std::vector<Zo::Image::OpStats>& frame);
+};
+
+// Adds the time from construction to destruction.
+class Stopwatch {
+  public:
+    explicit Stopwatch(std::chrono::nanoseconds& sum) : sum_(sum) {}
+    ~Stopwatch() { sum_ += std::chrono::steady_clock::now() - start_; }
+    Stopwatch(const Stopwatch&) = delete;
+    Stopwatch& operator=(const Stopwatch&) = delete;
+
+  private:
+    std::chrono::nanoseconds& sum_;
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
 
 class KeyPipeline {
   public:

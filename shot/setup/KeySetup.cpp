@@ -1,7 +1,6 @@
 #include "shot/setup/KeySetup.h"
 
 #include "shot/Errors.h"
-#include "shot/setup/Pick.h"
 #include "shot/setup/ScreenChoice.h"
 
 namespace veloxa {

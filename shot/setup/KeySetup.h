@@ -11,7 +11,7 @@
 
 #include "shot/frames/FrameLoader.h"
 #include "shot/frames/FramePattern.h"
-#include "shot/node/NodeInputs.h"
+#include "shot/node/ImageSource.h"
 #include "shot/setup/ScreenChoice.h"
 #include "shot/setup/Stroke.h"
 

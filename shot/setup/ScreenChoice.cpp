@@ -1,10 +1,12 @@
 #include "shot/setup/ScreenChoice.h"
 
 #include <algorithm>
+#include <cmath>
+#include <string_view>
 
 #include "shot/Errors.h"
+#include "shot/Numbers.h"
 #include "shot/node/ImageSource.h"
-#include "shot/setup/Pick.h"
 
 namespace veloxa {
 
@@ -52,6 +54,45 @@ void find_screen_color(Node& node, const NamedImage& from, const std::string& ch
 }
 
 }  // namespace
+
+Box parse_box(const std::string& option, const std::string& text) {
+    Box box;
+    std::string_view rest = text;
+    const bool good = take(rest, box.x) && take(rest, ',') && take(rest, box.y) && take(rest, ',') &&
+                      take(rest, box.r) && take(rest, ',') && take(rest, box.t);
+    if (!good || !rest.empty())
+        throw UsageError(option + " " + text + ": expected X,Y,R,T, as in 10,20,30,40");
+    if (box.empty())
+        throw UsageError(option + " " + text + ": the box is empty; R must be above X and T above Y");
+    return box;
+}
+
+void check_inside(const std::string& option, const Image& image, const Box& box) {
+    const Box& frame = image.info.format.box;
+    if (!frame.contains(box)) {
+        throw UsageError(option + ": the box reaches outside the foreground, which is " + size_text(frame));
+    }
+}
+
+std::array<double, 3> mean_color(const Image& image, const Box& box) {
+    check_inside("--pick", image, box);
+    const Box& data = image.info.box;
+    std::array<double, 3> mean{};
+    for (const Channel c : kMaskRgb) {
+        if (!image.has(c)) continue;
+        double sum = 0.0;
+        for (int y = box.y; y < box.t; ++y) {
+            const float* line = image.line(c, std::clamp(y, data.y, data.t - 1));
+            for (int x = box.x; x < box.r; ++x) {
+                sum += static_cast<double>(line[std::clamp(x, data.x, data.r - 1) - data.x]);
+            }
+        }
+        const double value = sum / (static_cast<double>(box.width()) * box.height());
+        if (!std::isfinite(value)) throw Error("--pick: the box holds values that are not finite");
+        mean[static_cast<std::size_t>(c - kRed)] = value;
+    }
+    return mean;
+}
 
 bool has_screen_color(const KnobPanel& panel, const std::vector<std::string>& sets) {
     const Knob& knob = panel.get("screen_color");

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <cctype>
-#include <charconv>
 #include <string_view>
 
 #include "shot/Errors.h"
-#include "shot/setup/Pick.h"
+#include "shot/Numbers.h"
+#include "shot/setup/ScreenChoice.h"
 
 namespace veloxa {
 
@@ -63,9 +63,8 @@ Stroke parse_stroke(const KnobPanel& panel, const std::string& text) {
     std::optional<int> frame;
     if (const std::size_t at = name.find('@'); at != std::string::npos) {
         int number = 0;
-        const char* const end = name.data() + name.size();
-        const auto [rest, error] = std::from_chars(name.data() + at + 1, end, number);
-        if (error != std::errc() || rest != end) {
+        std::string_view rest = std::string_view(name).substr(at + 1);
+        if (!take(rest, number) || !rest.empty()) {
             throw UsageError("--stroke " + text + ": expected a frame's number after @");
         }
         frame = number;

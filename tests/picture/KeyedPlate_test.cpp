@@ -9,7 +9,7 @@
 #include "keyer/VeloxaKeyer.h"
 #include "plates/Set.h"
 #include "shot/node/ImageSource.h"
-#include "shot/setup/Pick.h"
+#include "shot/setup/ScreenChoice.h"
 #include "support/TestImages.h"
 
 using namespace Zo::Image;
@@ -23,22 +23,12 @@ struct Key {
     plate::Set set;
     test::Picture picture;
 
-    float truth(int x, int y) const {
-        x = std::clamp(x, 0, kWidth - 1);
-        y = std::clamp(y, 0, kHeight - 1);
-        return set[plate::kAlphaTrue].line(kAlpha, y)[x];
-    }
-    bool garbage_near(int x, int y) const {
-        const float* line = set[plate::kGarbage].line(kAlpha, y);
-        return std::any_of(line + std::max(0, x - 4), line + std::min(kWidth, x + 5),
-                           [](float v) { return v > 0.0f; });
-    }
-    // True when the true alpha is `value` in the 9 x 9 pixels around.
-    bool surely(float value, int x, int y) const {
-        for (int dy = -4; dy <= 4; ++dy) {
-            for (int dx = -4; dx <= 4; ++dx) {
-                if (truth(x + dx, y + dy) != value) return false;
-            }
+    // Whether all values of a picture's alpha in the 9 x 9 pixels around are true to `good`.
+    template <class Good>
+    bool around(plate::Picture which, int x, int y, const Good& good) const {
+        for (int v = std::max(y - 4, 0); v < std::min(y + 5, kHeight); ++v) {
+            const float* const line = set[which].line(kAlpha, v);
+            if (!std::all_of(line + std::max(x - 4, 0), line + std::min(x + 5, kWidth), good)) return false;
         }
         return true;
     }
@@ -64,34 +54,38 @@ Key key_of(plate::Screen screen, std::uint64_t seed, bool clean_plate) {
     return key;
 }
 
-// Counts of pixels: of a kind, and those of them that are keyed wrongly.
-struct Findings {
+void expect_good(const Key& key) {
+    // Counts of pixels: of a kind, and those of them that are keyed wrongly.
     int solid = 0, holes = 0, clear = 0, residue = 0, border = 0, dense = 0, lost = 0;
     double error = 0.0;
-};
-
-Findings findings(const Key& key) {
-    Findings f;
     for (int y = 0; y < kHeight; ++y) {
         for (int x = 0; x < kWidth; ++x) {
-            if (key.garbage_near(x, y)) continue;
+            if (!key.around(plate::kGarbage, x, y, [](float v) { return v == 0.0f; })) continue;
             const float alpha = key.picture.at(kAlpha, x, y);
+            const float truth = key.set[plate::kAlphaTrue].line(kAlpha, y)[x];
             EXPECT_TRUE(alpha >= 0.0f && alpha <= 1.0f);
-            f.error += std::fabs(static_cast<double>(alpha - key.truth(x, y))) / (kWidth * kHeight);
-            const bool solid = key.surely(1.0f, x, y), clear = key.surely(0.0f, x, y);
+            error += std::fabs(static_cast<double>(alpha - truth)) / (kWidth * kHeight);
+            const bool is_solid = key.around(plate::kAlphaTrue, x, y, [](float v) { return v == 1.0f; });
+            const bool is_clear = key.around(plate::kAlphaTrue, x, y, [](float v) { return v == 0.0f; });
             const bool at_edge = x == 0 || y == 0 || x == kWidth - 1 || y == kHeight - 1;
             // What covers three quarters of a pixel or more is seen, hair included.
-            const bool dense = key.truth(x, y) > 0.75f;
-            f.solid += solid;
-            f.holes += solid && alpha < 0.9f;
-            f.clear += clear;
-            f.residue += clear && alpha > 0.02f;
-            f.border += clear && at_edge && alpha > 0.0f;
-            f.dense += dense;
-            f.lost += dense && alpha < 0.2f;
+            const bool is_dense = truth > 0.75f;
+            solid += is_solid;
+            holes += is_solid && alpha < 0.9f;
+            clear += is_clear;
+            residue += is_clear && alpha > 0.02f;
+            border += is_clear && at_edge && alpha > 0.0f;
+            dense += is_dense;
+            lost += is_dense && alpha < 0.2f;
         }
     }
-    return f;
+    EXPECT_GT(solid, 10000);
+    EXPECT_GT(clear, 50000);
+    EXPECT_LT(holes, solid / 500);
+    EXPECT_LT(residue, clear / 500);
+    EXPECT_EQ(border, 0);
+    EXPECT_LT(lost, dense / 100);
+    EXPECT_LT(error, 0.015);
 }
 
 TEST(KeyedPlate, SubjectIsSolidBackingIsGoneHairIsThere) {
@@ -100,14 +94,7 @@ TEST(KeyedPlate, SubjectIsSolidBackingIsGoneHairIsThere) {
             for (const bool clean_plate : {false, true}) {
                 SCOPED_TRACE(testing::Message() << "screen " << static_cast<int>(screen) << " seed " << seed
                                                 << " clean plate " << clean_plate);
-                const Findings f = findings(key_of(screen, seed, clean_plate));
-                EXPECT_GT(f.solid, 10000);
-                EXPECT_GT(f.clear, 50000);
-                EXPECT_LT(f.holes, f.solid / 500);
-                EXPECT_LT(f.residue, f.clear / 500);
-                EXPECT_EQ(f.border, 0);
-                EXPECT_LT(f.lost, f.dense / 100);
-                EXPECT_LT(f.error, 0.015);
+                expect_good(key_of(screen, seed, clean_plate));
             }
         }
     }

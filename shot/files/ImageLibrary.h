@@ -1,7 +1,8 @@
-// Keeps the image library, and those below it, from printing to standard error.
+// What the image library lacks: silence, messages for people, an eye for some faults of files.
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace veloxa {
 
@@ -24,5 +25,14 @@ class Hush {
 // Stops what the image library prints by itself, whatever the environment asks for. Before any file is
 // opened.
 void silence_library();
+
+// The first line, without the file's name, which the program's own message already has. `otherwise` stands
+// in for an empty message.
+std::string tidy_message(std::string_view message, std::string_view path, std::string_view otherwise);
+
+// What is wrong with the file; empty for all that is well or not looked for here. The library that decodes
+// PNG prints to standard error when a chunk is cut off, and never looks at what follows the last pixel; a DPX
+// that claims more user data than it has bytes ends the program.
+std::string fault_unseen(const std::string& path);
 
 }  // namespace veloxa

@@ -1,6 +1,13 @@
-#include "Interrupt.h"
+#include "Signals.h"
+
+#include <unistd.h>
 
 #include <csignal>
+#include <string_view>
+#include <tuple>
+
+#include "Terminal.h"
+#include "shot/files/ImageLibrary.h"
 
 namespace veloxa {
 
@@ -10,6 +17,16 @@ Zo::Image::AbortFlag flag;
 
 extern "C" void raise_flag(int) {
     flag.raise();
+}
+
+// Calls nothing that a signal's handler may not. abort goes on once it returns.
+extern "C" void name_file(int) {
+    const std::string* const file = Hush::file();
+    if (file == nullptr) return;
+    for (const std::string_view text : {"veloxa: ", file->c_str(), ": the image library gave up over it\n"}) {
+        // Nobody is left to tell when a line cannot be printed.
+        std::ignore = ::write(message_file(), text.data(), text.size());
+    }
 }
 
 }  // namespace
@@ -27,6 +44,11 @@ void catch_interrupts() {
     struct sigaction present {};
     sigaction(SIGHUP, nullptr, &present);
     if (present.sa_handler != SIG_IGN) sigaction(SIGHUP, &action, nullptr);  // nohup means to go on
+}
+
+void report_aborts() {
+    message_file();
+    std::signal(SIGABRT, name_file);
 }
 
 }  // namespace veloxa

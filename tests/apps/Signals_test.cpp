@@ -1,16 +1,16 @@
-#include "AbortMessage.h"
+#include "Signals.h"
 
 #include <gtest/gtest.h>
 
 #include <csignal>
 #include <cstdlib>
 
-#include "shot/files/Hush.h"
+#include "shot/files/ImageLibrary.h"
 
 namespace veloxa {
 namespace {
 
-TEST(AbortMessage, AnAbortUnderAFileNamesIt) {
+TEST(Signals, AnAbortUnderAFileNamesIt) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto abort_over = [](const std::string& file) {
         report_aborts();

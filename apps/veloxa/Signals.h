@@ -1,7 +1,13 @@
-// A last word when a library ends the program.
+// What signals do to the program.
 #pragma once
 
+#include "ZoImage/Render.h"
+
 namespace veloxa {
+
+// Raised by SIGINT, SIGTERM and SIGHUP once catch_interrupts was called.
+Zo::Image::AbortFlag& interrupt_flag();
+void catch_interrupts();
 
 // From now on, when a library aborts the whole program over a damaged file, the name of the file is reported:
 // what the library says is dropped.
