@@ -18,6 +18,7 @@
 // until it changes nothing: so a second call changes nothing. Same input, same result; no clock, no chance.
 #pragma once
 
+#include <cstdlib>
 #include <functional>
 #include <span>
 #include <vector>
@@ -38,3 +39,14 @@ struct Tuning {
 
 Tuning tune(const KnobStorage& present, std::span<const Dial> dials, std::span<const Ray> combinations,
             std::size_t samples, const Misses& misses);
+
+// Halves the way from a number of which `holds` is false to one where it holds, and returns the last of
+// these.
+template <class Holds>
+int halve(int bad, int good, const Holds& holds) {
+    while (std::abs(good - bad) > 1) {
+        const int middle = bad + (good - bad) / 2;
+        (holds(middle) ? good : bad) = middle;
+    }
+    return good;
+}
