@@ -77,23 +77,25 @@ class Tried {
 // One search around fixed knobs.
 class Search {
   public:
-    Search(const KnobStorage& base, std::span<const Dial> dials, std::span<const Ray> combinations,
-           std::size_t samples, const Misses& misses)
+    Search(const KnobStorage& base, std::span<const Dial> dials, const KnobFields& held,
+           std::span<const Ray> combinations, std::size_t samples, const Misses& misses)
         : base_(base), dials_(dials), misses_(misses), samples_(samples), tried_(samples), wanted_(samples) {
         std::iota(wanted_.begin(), wanted_.end(), std::size_t{0});
         for (std::size_t i = 0; i < dials.size(); ++i) {
-            lowest_.push_back(dials[i].lowest(dials[i].in(base)));
-            highest_.push_back(dials[i].highest(dials[i].in(base)));
+            const bool stays = held.has_row(dials[i].row);
+            lowest_.push_back(stays ? 0 : dials[i].lowest(dials[i].in(base)));
+            highest_.push_back(stays ? 0 : dials[i].highest(dials[i].in(base)));
             for (const double sign : {1.0, -1.0}) {
                 Ray ray(dials.size(), 0.0);
                 ray[i] = sign;
                 rays_.push_back(ray);
             }
         }
-        for (const Ray& ray : combinations) {
+        for (Ray ray : combinations) {
+            ray.resize(dials.size());
             rays_.push_back(ray);
+            for (double& share : ray) share = -share;
             rays_.push_back(ray);
-            for (double& share : rays_.back()) share = -share;
         }
     }
 
@@ -347,14 +349,15 @@ bool newer_satisfied(std::span<const double> a, std::span<const double> b) {
 
 }  // namespace
 
-Tuning tune(const KnobStorage& present, std::span<const Dial> dials, std::span<const Ray> combinations,
-            std::size_t samples, const Misses& misses) {
+Tuning tune(const KnobStorage& present, std::span<const Dial> dials, const KnobFields& held,
+            std::span<const Ray> combinations, std::size_t samples, const Misses& misses) {
     Tuning result{present, std::vector<double>(samples)};
     misses(present, 0, result.misses);
     for (int round = 0; round < kMostRounds; ++round) {
         if (std::all_of(result.misses.begin(), result.misses.end(), [](double m) { return m == 0.0; })) break;
         const KnobStorage base = result.knobs;
-        Tuning tried{Search(base, dials, combinations, samples, misses).run(), std::vector<double>(samples)};
+        Tuning tried{Search(base, dials, held, combinations, samples, misses).run(),
+                     std::vector<double>(samples)};
         misses(tried.knobs, 0, tried.misses);
         if (!newer_satisfied(tried.misses, result.misses)) break;
         result = std::move(tried);
