@@ -354,7 +354,7 @@ Tuning tune(const KnobStorage& present, std::span<const Dial> dials, const KnobF
     Tuning result{present, std::vector<double>(samples)};
     misses(present, 0, result.misses);
     for (int round = 0; round < kMostRounds; ++round) {
-        if (std::all_of(result.misses.begin(), result.misses.end(), [](double m) { return m == 0.0; })) break;
+        if (std::ranges::all_of(result.misses, [](double m) { return m == 0.0; })) break;
         const KnobStorage base = result.knobs;
         Tuning tried{Search(base, dials, held, combinations, samples, misses).run(),
                      std::vector<double>(samples)};
