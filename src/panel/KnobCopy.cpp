@@ -1,5 +1,7 @@
 #include "panel/KnobCopy.h"
 
+#include <vector>
+
 #include "ZoImage/Convert.h"
 #include "controls/ChannelRoles.h"
 #include "controls/Controls.h"
@@ -20,32 +22,26 @@ std::int32_t color_index(const KnobStorage& k) {
     return red > green && red > blue ? 2 : 0;
 }
 
-// Copies the knob of one row.
 struct Copy {
-    void operator()(float KnobStorage::*field) const {
-        const std::int32_t v = value(knobs.*field, 3);
-        controls.set(target.controls.first, v);
-        if (target.controls.second != KnobTarget::kNone) controls.set(target.controls.second, v);
+    void operator()(float v) const {
+        const std::int32_t level = value(v, 3);
+        controls.set(target.controls.first, level);
+        if (target.controls.second != KnobTarget::kNone) controls.set(target.controls.second, level);
     }
-    void operator()(std::int32_t KnobStorage::*field) const {
-        controls.set(target.controls.first, value(static_cast<float>(knobs.*field), 3));
-    }
-    void operator()(KnobStorage::Color KnobStorage::*field) const {
+    void operator()(std::int32_t v) const { (*this)(static_cast<float>(v)); }
+    void operator()(const KnobStorage::Color& color) const {
         const auto level = [&](int n) {
             const int channel = target.by_role ? ChannelForRole(controls.get(controls::kColorIndex), n) : n;
             const auto i = static_cast<std::size_t>(channel);
-            return value((knobs.*field)[i], i);
+            return value(color[i], i);
         };
         controls.set(target.controls, level(0), level(1), level(2));
     }
-    void operator()(KnobStorage::Size KnobStorage::*field) const {
-        const KnobStorage::Size& size = knobs.*field;
+    void operator()(const KnobStorage::Size& size) const {
         controls.set(target.controls.first, size[0]);
         if (target.height == nullptr) return controls.set(target.controls.second, size[1]);
         controls.*target.height = Zo::Image::to_int(size[1]);
     }
-    template <class T>
-    void operator()(T) const {}
 
     std::int32_t value(float v, std::size_t channel) const {
         const float scaled = target.factor * v + target.offset;
@@ -58,6 +54,36 @@ struct Copy {
     ControlBlock& controls;
 };
 
+template <class T>
+struct Step {
+    T KnobStorage::*field;
+    KnobTarget target;
+    const KnobRow* tab;
+};
+
+template <class T>
+std::vector<Step<T>> steps_of(std::span<const KnobRow> table) {
+    std::vector<Step<T>> steps;
+    const KnobRow* tab = &table.front();  // what stands before all tabs waits for no switch
+    for (const KnobRow& row : table) {
+        if (row.kind == KnobRow::Kind::kTab) tab = &row;
+        const auto* const field = std::get_if<T KnobStorage::*>(&row.field);
+        const bool copied = field != nullptr && row.target.controls.first != KnobTarget::kNone;
+        if (copied) steps.push_back({*field, row.target, tab});
+    }
+    return steps;
+}
+
+// Copies the knobs of one type. The tuner copies for every trial, so the table is walked once for all.
+template <class T>
+void copy_all(const KnobStorage& knobs, ControlBlock& controls) {
+    static const std::vector<Step<T>> steps = steps_of<T>(knob_table());
+    for (const Step<T>& step : steps) {
+        const bool copied = step.target.always || step.tab->on(knobs);
+        if (copied) Copy{knobs, step.target, controls}(knobs.*step.field);
+    }
+}
+
 }  // namespace
 
 void copy_knobs(const KnobStorage& knobs, std::uint32_t input_flags, ControlBlock& controls) {
@@ -67,10 +93,8 @@ void copy_knobs(const KnobStorage& knobs, std::uint32_t input_flags, ControlBloc
     controls.set(controls::kHoldout, flag(kHmConnected));
     controls.set(controls::kGarbage, flag(kGmConnected));
     controls.set(controls::kScreenCorrect, knobs.overlay_mode != 0 || knobs.screen_correct ? 1 : 0);
-    bool on = true;
-    for (const KnobRow& row : knob_table()) {
-        if (row.kind == KnobRow::Kind::kTab) on = row.on(knobs);
-        const bool copied = row.target.controls.first != KnobTarget::kNone && (on || row.target.always);
-        if (copied) std::visit(Copy{knobs, row.target, controls}, row.field);
-    }
+    copy_all<float>(knobs, controls);
+    copy_all<std::int32_t>(knobs, controls);
+    copy_all<KnobStorage::Color>(knobs, controls);
+    copy_all<KnobStorage::Size>(knobs, controls);
 }

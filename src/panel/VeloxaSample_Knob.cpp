@@ -1,9 +1,5 @@
 #include "panel/VeloxaSample_Knob.h"
 
-#include <algorithm>
-#include <string>
-#include <vector>
-
 using namespace Zo::Image;
 
 VeloxaSample_Knob::VeloxaSample_Knob(std::string_view name, Op* owner)
@@ -22,9 +18,5 @@ void VeloxaSample_Knob::to_script(std::ostream& out, bool quote) const {
 }
 
 bool VeloxaSample_Knob::accepts_script(std::string_view text) const {
-    std::vector<std::string> words;
-    Script_List(text, words);
-    double value = 0.0;
-    return words.size() % 4 == 0 &&
-           std::all_of(words.begin(), words.end(), [&](const auto& word) { return to_double(word, value); });
+    return VeloxaSample(owner()).read(text);
 }

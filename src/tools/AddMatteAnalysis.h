@@ -20,7 +20,7 @@ struct PlatedSample {
 std::vector<float> sample_mattes(const Setting& setting, std::span<const PlatedSample> samples);
 
 // What the analysis may turn.
-std::vector<Dial> add_matte_dials(const Setting& setting);
+std::vector<Dial> add_matte_dials();
 // `mattes` are those that the backing has to keep. The misses of the result are the samples', then the
 // backing's.
 Tuning analyse_add_matte(const Setting& setting, std::span<const PlatedSample> samples,

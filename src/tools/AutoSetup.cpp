@@ -1,8 +1,8 @@
 #include "tools/AutoSetup.h"
 
 #include <algorithm>
-#include <cstdlib>
 
+#include "ZoImage/KnobValues.h"
 #include "tools/ToolRun.h"
 
 using namespace Zo::Image;
@@ -32,241 +32,259 @@ constexpr int kLowestBrights = 50;
 // composite; from 50 on the composite suffers.
 constexpr int kGentleCleanup = 20;
 
-}  // namespace
+struct Tile {
+    int left() const { return count - clear; }
 
-bool AutoSetup::is_noise(const Tile& tile) {
+    Box box;
+    int count = 0;       // of pixels
+    int clear = 0;       // of alpha 0
+    float least = 1.0f;  // alphas, the tiles around it counted too
+    float largest = 0.0f;
+};
+
+bool is_noise(const Tile& tile) {
     return tile.largest <= kNoiseAlpha && tile.left() * 100 >= kNoiseShare * tile.count;
 }
 
-bool AutoSetup::is_unclear(const Tile& tile) {
+bool is_unclear(const Tile& tile) {
     return tile.largest <= kBackingAlpha && tile.left() * 100 >= kUnclearShare * tile.count;
 }
 
-AutoSetup::AutoSetup(const ToolNode& node)
-    : node_(node), knobs_(node.panel.valued()), renderer_(node.renderer()) {}
+class AutoSetup {
+  public:
+    explicit AutoSetup(const ToolNode& node)
+        : node_(node), knobs_(node.panel.valued()), renderer_(node.renderer()) {}
 
-void AutoSetup::render() {
-    Iop& image = node_.image;
-    image.validate(true);
-    box_ = image.info().box;
-    const auto width = static_cast<std::size_t>(box_.width());
-    alpha_.resize(width * static_cast<std::size_t>(box_.height()));
-    render_or_give_up(renderer_, image, box_, kAlpha, [&](int y, const Row& row) {
-        std::copy_n(row[kAlpha], width, alpha_.data() + static_cast<std::size_t>(y - box_.y) * width);
-    });
-}
-
-AutoSetup::Tile AutoSetup::tile_at(int x, int y) const {
-    Tile tile;
-    tile.box = {x, y, std::min(x + side_, box_.r), std::min(y + side_, box_.t)};
-    tile.count = tile.box.width() * tile.box.height();
-    for (int row = tile.box.y; row < tile.box.t; ++row) {
-        const float* const line = line_of(row);
-        for (int column = tile.box.x; column < tile.box.r; ++column) {
-            tile.least = std::min(tile.least, line[column]);
-            tile.largest = std::max(tile.largest, line[column]);
-            tile.clear += line[column] <= 0.0f ? 1 : 0;
+    std::vector<ToolReport> run() {
+        // A colour of 0, 0, 0 that is held was meant so.
+        if (node_.knobs.screen_color == KnobStorage::Color{} && !knob("screen_color").flag(kKnobHeld)) {
+            reports_.push_back(ToolRun(node_).run(Tool::kFindScreen, {}));
+            if (!reports_.back().failure.empty()) return std::move(reports_);
         }
+        step("auto output", [this] { choose_output(); });
+        // The overlay tools change places when the subject is shown.
+        stroke_tiles(node_.knobs.shows_subject() ? Tool::kRemoveOverlay : Tool::kAddOverlay,
+                     [](const Tile& tile) { return is_noise(tile) || is_unclear(tile); });
+        step("auto density", [this] { lower_density(); });
+        step("auto clean-up", [this] { clean_up(); });
+        stroke_tiles(Tool::kRemoveNoise, is_noise);
+        if (!notes_.empty()) {
+            ToolReport report;
+            report.tool = "auto";
+            report.box = box_;
+            report.notes = std::move(notes_);
+            reports_.push_back(std::move(report));
+        }
+        return std::move(reports_);
     }
-    return tile;
-}
 
-std::vector<AutoSetup::Tile> AutoSetup::tiles() const {
-    std::vector<Tile> alone;
-    for (int y = box_.y; y < box_.t; y += side_) {
-        for (int x = box_.x; x < box_.r; x += side_) alone.push_back(tile_at(x, y));
+  private:
+    // Reports what changed, if anything.
+    template <class Turn>
+    void step(const char* name, const Turn& turn_knobs) {
+        const KnobValues before(knobs_);
+        turn_knobs();
+        ToolReport report;
+        report.tool = name;
+        report.box = box_;
+        report.changes = before.changes();
+        if (!report.changes.empty()) reports_.push_back(std::move(report));
     }
-    const int across = (box_.width() + side_ - 1) / side_;
-    const int up = static_cast<int>(alone.size()) / across;
-    const auto number = [&](int x, int y) {
-        return static_cast<std::size_t>(y) * static_cast<std::size_t>(across) + static_cast<std::size_t>(x);
-    };
-    std::vector<Tile> tiles = alone;
-    for (int y = 0; y < up; ++y) {
-        for (int x = 0; x < across; ++x) {
-            Tile& tile = tiles[number(x, y)];
-            for (int near_y = std::max(y - 1, 0); near_y <= std::min(y + 1, up - 1); ++near_y) {
-                for (int near_x = std::max(x - 1, 0); near_x <= std::min(x + 1, across - 1); ++near_x) {
-                    const Tile& near = alone[number(near_x, near_y)];
-                    tile.least = std::min(tile.least, near.least);
-                    tile.largest = std::max(tile.largest, near.largest);
+
+    void render() {
+        Iop& image = node_.image;
+        image.validate(true);
+        box_ = image.info().box;
+        const auto width = static_cast<std::size_t>(box_.width());
+        alpha_.resize(width * static_cast<std::size_t>(box_.height()));
+        render_or_give_up(renderer_, image, box_, kAlpha, [&](int y, const Row& row) {
+            std::copy_n(row[kAlpha], width, alpha_.data() + static_cast<std::size_t>(y - box_.y) * width);
+        });
+    }
+
+    // Row y of the alpha; its columns count as the box's do.
+    const float* line_of(int y) const {
+        return alpha_.data() + static_cast<std::ptrdiff_t>(y - box_.y) * box_.width() - box_.x;
+    }
+
+    Tile tile_at(int x, int y) const {
+        Tile tile;
+        tile.box = {x, y, std::min(x + side_, box_.r), std::min(y + side_, box_.t)};
+        tile.count = tile.box.width() * tile.box.height();
+        for (int row = tile.box.y; row < tile.box.t; ++row) {
+            const float* const line = line_of(row);
+            for (int column = tile.box.x; column < tile.box.r; ++column) {
+                tile.least = std::min(tile.least, line[column]);
+                tile.largest = std::max(tile.largest, line[column]);
+                tile.clear += line[column] <= 0.0f ? 1 : 0;
+            }
+        }
+        return tile;
+    }
+
+    std::vector<Tile> tiles() const {
+        std::vector<Tile> alone;
+        for (int y = box_.y; y < box_.t; y += side_) {
+            for (int x = box_.x; x < box_.r; x += side_) alone.push_back(tile_at(x, y));
+        }
+        const int across = (box_.width() + side_ - 1) / side_;
+        const int up = static_cast<int>(alone.size()) / across;
+        const auto number = [&](int x, int y) {
+            return static_cast<std::size_t>(y) * static_cast<std::size_t>(across) +
+                   static_cast<std::size_t>(x);
+        };
+        std::vector<Tile> tiles = alone;
+        for (int y = 0; y < up; ++y) {
+            for (int x = 0; x < across; ++x) {
+                Tile& tile = tiles[number(x, y)];
+                for (int near_y = std::max(y - 1, 0); near_y <= std::min(y + 1, up - 1); ++near_y) {
+                    for (int near_x = std::max(x - 1, 0); near_x <= std::min(x + 1, across - 1); ++near_x) {
+                        const Tile& near = alone[number(near_x, near_y)];
+                        tile.least = std::min(tile.least, near.least);
+                        tile.largest = std::max(tile.largest, near.largest);
+                    }
                 }
             }
         }
+        return tiles;
     }
-    return tiles;
-}
 
-std::vector<double> AutoSetup::solidity() const {
-    std::vector<double> means;
-    for (const Tile& tile : solid_) {
-        double sum = 0.0;
-        for (int y = tile.box.y; y < tile.box.t; ++y) {
-            const float* const line = line_of(y);
-            for (int x = tile.box.x; x < tile.box.r; ++x) sum += static_cast<double>(line[x]);
+    // The mean opacity of each tile that was solid at first.
+    std::vector<double> solidity() const {
+        std::vector<double> means;
+        for (const Tile& tile : solid_) {
+            double sum = 0.0;
+            for (int y = tile.box.y; y < tile.box.t; ++y) {
+                const float* const line = line_of(y);
+                for (int x = tile.box.x; x < tile.box.r; ++x) sum += static_cast<double>(line[x]);
+            }
+            means.push_back(sum / tile.count);
         }
-        means.push_back(sum / tile.count);
+        return means;
     }
-    return means;
-}
 
-bool AutoSetup::keeps_solid(const std::vector<double>& before) const {
-    const std::vector<double> now = solidity();
-    return std::equal(now.begin(), now.end(), before.begin(),
-                      [](double a, double b) { return a >= b - kMostLost; });
-}
+    // Whether every solid tile is as opaque as before, but for a trace.
+    bool keeps_solid(const std::vector<double>& before) const {
+        return std::ranges::equal(solidity(), before,
+                                  [](double now, double then) { return now >= then - kMostLost; });
+    }
 
-bool AutoSetup::keeps_decided(const std::vector<float>& before) const {
-    return std::equal(alpha_.begin(), alpha_.end(), before.begin(), [](float now, float then) {
-        return !(then <= 0.0f && now > 0.0f) && !(then >= 1.0f && now < 1.0f);
-    });
-}
+    // Whether what was quite transparent, or quite opaque, is so still: a script does not tell where the
+    // strokes were that it was made by.
+    bool keeps_decided(const std::vector<float>& before) const {
+        return std::ranges::equal(alpha_, before, [](float now, float then) {
+            return !(then <= 0.0f && now > 0.0f) && !(then >= 1.0f && now < 1.0f);
+        });
+    }
 
-Knob& AutoSetup::knob(std::string_view name) const {
-    return **std::find_if(knobs_.begin(), knobs_.end(), [&](const Knob* k) { return k->name() == name; });
-}
+    Knob& knob(std::string_view name) const {
+        return **std::ranges::find_if(knobs_, [&](const Knob* k) { return k->name() == name; });
+    }
 
-bool AutoSetup::scripted() const {
-    return std::any_of(knobs_.begin(), knobs_.end(), [](const Knob* k) { return k->flag(kKnobScripted); });
-}
+    bool scripted() const {
+        return std::ranges::any_of(knobs_, [](const Knob* k) { return k->flag(kKnobScripted); });
+    }
 
-void AutoSetup::step(const char* name, const KnobValues& before) {
-    ToolReport report;
-    report.tool = name;
-    report.box = box_;
-    report.changes = before.changes();
-    if (report.changes.empty()) return;
-    reports_.push_back(report);
-}
-
-bool AutoSetup::stays(const std::string& name) {
-    const Knob& held = knob(name);
-    if (!held.flag(kKnobHeld)) return false;
-    const std::string value = held.kind() == Knob::Kind::kCustom ? "" : " at " + held.text();
-    const std::string note = name + " stays" + value + ", as set";
-    if (std::find(notes_.begin(), notes_.end(), note) == notes_.end()) notes_.push_back(note);
-    return true;
-}
-
-bool AutoSetup::density_stays() {
-    if (stays("brights")) return true;
-    for (const char* const name : {"darks", "warm", "cool"}) {
-        if (!knob(name).flag(kKnobScripted)) continue;
-        notes_.push_back("brights stays at " + knob("brights").text() + ", as the script sets " + name);
+    // Whether a knob is held; that is noted.
+    bool stays(const std::string& name) {
+        const Knob& held = knob(name);
+        if (!held.flag(kKnobHeld)) return false;
+        const std::string value = held.kind() == Knob::Kind::kCustom ? "" : " at " + held.text();
+        const std::string note = name + " stays" + value + ", as set";
+        if (std::ranges::find(notes_, note) == notes_.end()) notes_.push_back(note);
         return true;
     }
-    return false;
-}
 
-void AutoSetup::choose_output() {
-    if (!stays("matte_scale")) knob("matte_scale").from_script("linear");
-    if (!stays("merge")) knob("merge").from_script("add");
-    render();
-    side_ = std::max(kSmallestTile, std::min(box_.width(), box_.height()) / kTilesAcross);
-    for (const Tile& tile : tiles()) {
-        if (tile.least >= kSolidAlpha) solid_.push_back(tile);
-    }
-}
-
-template <class Wanted>
-void AutoSetup::stroke_tiles(Tool tool, const Wanted& wanted) {
-    std::vector<Tile> found = tiles();
-    std::erase_if(found, [&](const Tile& tile) { return !wanted(tile); });
-    for (int n = 0; n < kMostStrokes && !found.empty(); ++n) {
-        const auto worst = std::max_element(found.begin(), found.end(),
-                                            [](const Tile& a, const Tile& b) { return a.left() < b.left(); });
-        const Box box = worst->box;
-        found.erase(worst);
-        const KnobValues before = values();
-        const std::vector<double> solid = solidity();
-        const std::vector<float> alpha = alpha_;
-        ToolReport report = ToolRun(node_).run(tool, box);
-        for (const std::string& name : report.held) stays(name);
-        if (!report.held.empty() && report.samples() == 0) return;  // the tool has nothing left to turn
+    void choose_output() {
+        if (!stays("matte_scale")) knob("matte_scale").from_script("linear");
+        if (!stays("merge")) knob("merge").from_script("add");
         render();
-        if (!keeps_solid(solid) || (scripted() && !keeps_decided(alpha))) {
-            before.restore();
-            render();
-        } else if (!report.changes.empty()) {
-            reports_.push_back(std::move(report));
+        side_ = std::max(kSmallestTile, std::min(box_.width(), box_.height()) / kTilesAcross);
+        for (const Tile& tile : tiles()) {
+            if (tile.least >= kSolidAlpha) solid_.push_back(tile);
         }
-        // What the stroke did for other tiles counts; what it made look like noise does not.
-        for (Tile& tile : found) tile.clear = tile_at(tile.box.x, tile.box.y).clear;
+    }
+
+    // Strokes one after another of the tiles that are wanted now, the one with the most pixels left first.
+    template <class Wanted>
+    void stroke_tiles(Tool tool, const Wanted& wanted) {
+        std::vector<Tile> found = tiles();
         std::erase_if(found, [&](const Tile& tile) { return !wanted(tile); });
+        for (int n = 0; n < kMostStrokes && !found.empty(); ++n) {
+            const auto worst = std::ranges::max_element(found, {}, &Tile::left);
+            const Box box = worst->box;
+            found.erase(worst);
+            const KnobValues before(knobs_);
+            const std::vector<double> solid = solidity();
+            const std::vector<float> alpha = alpha_;
+            ToolReport report = ToolRun(node_).run(tool, box);
+            for (const std::string& name : report.held) stays(name);
+            if (!report.held.empty() && report.samples() == 0) return;  // the tool has nothing left to turn
+            render();
+            if (!keeps_solid(solid) || (scripted() && !keeps_decided(alpha))) {
+                before.restore();
+                render();
+            } else if (!report.changes.empty()) {
+                reports_.push_back(std::move(report));
+            }
+            // What the stroke did for other tiles counts; what it made look like noise does not.
+            for (Tile& tile : found) tile.clear = tile_at(tile.box.x, tile.box.y).clear;
+            std::erase_if(found, [&](const Tile& tile) { return !wanted(tile); });
+        }
     }
-}
 
-// From where it is, which the solid tiles bear, to the value nearest to `wanted` that they bear too.
-void AutoSetup::turn(const char* name, int wanted) {
-    Knob& turned = knob(name);
-    const std::vector<double> solid = solidity();
-    const auto holds = [&](int value) {
-        turned.set_value(value);
-        turned.changed();
+    // From where it is, which the solid tiles bear, to the value nearest to `wanted` that they bear too.
+    void turn(const char* name, int wanted) {
+        Knob& turned = knob(name);
+        const std::vector<double> solid = solidity();
+        const auto holds = [&](int value) {
+            turned.set_value(value);
+            turned.changed();
+            render();
+            return keeps_solid(solid);
+        };
+        const int good = static_cast<int>(turned.get_value());
+        holds(halve(wanted + (wanted < good ? -1 : 1), good, holds));
+    }
+
+    void lower_density() {
+        if (solid_.empty() || stays("brights")) return;
+        for (const char* const name : {"darks", "warm", "cool"}) {
+            if (!knob(name).flag(kKnobScripted)) continue;
+            notes_.push_back("brights stays at " + knob("brights").text() + ", as the script sets " + name);
+            return;
+        }
+        if (knob("brights").get_value() > kLowestBrights) turn("brights", kLowestBrights);
+    }
+
+    void clean_up() {
+        Knob& strength = knob("cleanup_cleanup");
+        if (stays("cleanup") || node_.knobs.cleanup) return;
+        const KnobValues before(knobs_);
+        const bool given = stays("cleanup_cleanup");
+        const std::vector<double> solid = solidity();
+        if (!given) strength.from_script("0");
+        knob("cleanup").from_script("1");
         render();
-        return keeps_solid(solid);
-    };
-    int good = static_cast<int>(turned.get_value());
-    int bad = wanted + (wanted < good ? -1 : 1);
-    while (std::abs(good - bad) > 1) {
-        const int middle = bad + (good - bad) / 2;
-        (holds(middle) ? good : bad) = middle;
+        if (!given) turn("cleanup_cleanup", kGentleCleanup);
+        if (strength.get_value() > 0.0 && keeps_solid(solid)) return;
+        before.restore();
+        render();
     }
-    holds(good);
-}
 
-void AutoSetup::lower_density() {
-    if (solid_.empty() || density_stays()) return;
-    if (knob("brights").get_value() > kLowestBrights) turn("brights", kLowestBrights);
-}
+    const ToolNode& node_;
+    std::vector<Knob*> knobs_;
+    Renderer renderer_;
+    Box box_{};
+    int side_ = 0;
+    std::vector<float> alpha_;
+    std::vector<Tile> solid_;
+    std::vector<ToolReport> reports_;
+    std::vector<std::string> notes_;
+};
 
-void AutoSetup::clean_up() {
-    Knob& strength = knob("cleanup_cleanup");
-    if (stays("cleanup") || node_.knobs.cleanup) return;
-    const KnobValues before = values();
-    const bool given = stays("cleanup_cleanup");
-    const std::vector<double> solid = solidity();
-    if (!given) strength.from_script("0");
-    knob("cleanup").from_script("1");
-    render();
-    if (!given) turn("cleanup_cleanup", kGentleCleanup);
-    if (strength.get_value() > 0.0 && keeps_solid(solid)) return;
-    before.restore();
-    render();
-}
+}  // namespace
 
-std::vector<ToolReport> AutoSetup::run() {
-    if (!find_screen()) return std::move(reports_);
-    set_up();
-    if (!notes_.empty()) {
-        ToolReport report;
-        report.tool = "auto";
-        report.box = box_;
-        report.notes = std::move(notes_);
-        reports_.push_back(std::move(report));
-    }
-    return std::move(reports_);
-}
-
-// A colour of 0, 0, 0 that is held was meant so.
-bool AutoSetup::find_screen() {
-    if (node_.knobs.screen_color != KnobStorage::Color{} || knob("screen_color").flag(kKnobHeld)) return true;
-    reports_.push_back(ToolRun(node_).run(Tool::kFindScreen, {}));
-    return reports_.back().failure.empty();
-}
-
-void AutoSetup::set_up() {
-    KnobValues before = values();
-    choose_output();
-    step("auto output", before);
-    // The overlay tools change places when the subject is shown.
-    stroke_tiles(node_.knobs.shows_subject() ? Tool::kRemoveOverlay : Tool::kAddOverlay,
-                 [](const Tile& tile) { return is_noise(tile) || is_unclear(tile); });
-    before = values();
-    lower_density();
-    step("auto density", before);
-    before = values();
-    clean_up();
-    step("auto clean-up", before);
-    stroke_tiles(Tool::kRemoveNoise, [](const Tile& tile) { return is_noise(tile); });
+std::vector<ToolReport> set_up(const ToolNode& node) {
+    return AutoSetup(node).run();
 }

@@ -44,11 +44,8 @@ ControlTriple levels(const Sample& sample, std::int32_t color_index) {
 
 }  // namespace
 
-std::vector<Dial> color_match_dials(const Setting& setting, int component) {
-    std::vector<Dial> dials{
-        {&K::color_darks, component}, {&K::color_midtones, component}, {&K::color_brights, component}};
-    hold(dials, setting.held);
-    return dials;
+std::vector<Dial> color_match_dials(int component) {
+    return {{&K::color_darks, component}, {&K::color_midtones, component}, {&K::color_brights, component}};
 }
 
 ColorMatch match_colors(const Setting& setting, std::span<const Sample> keyed,
@@ -66,32 +63,27 @@ ColorMatch match_colors(const Setting& setting, std::span<const Sample> keyed,
     const std::vector<float> opaque(bands, 255.0f);
     TrialControls trial(setting);
     Planes out(bands, color_index);
-    const auto off = [&](const KnobStorage& knobs, std::size_t role, std::size_t first,
-                         std::span<double> misses) {
+    const auto judge = [&](const KnobStorage& knobs, std::size_t role, std::size_t first,
+                           std::span<double> misses) {
         conform_colour(conform_params(trial.with(knobs)), fg.pixels(first), opaque.data(), out.output(first),
                        misses.size());
         for (std::size_t i = first; i < first + misses.size(); ++i) {
-            const double miss =
-                std::abs(static_cast<double>(out.role(role)[i]) - static_cast<double>(bg.role(role)[i]));
-            misses[i - first] = miss <= kMatchBound   ? 0.0
-                                : std::isfinite(miss) ? (miss - kMatchBound) / 255.0
-                                                      : 2.0;
+            const double off = static_cast<double>(out.role(role)[i]) - static_cast<double>(bg.role(role)[i]);
+            misses[i - first] = miss_of(std::abs(off) - kMatchBound);
         }
     };
     const std::vector<Ray> rays{{1, 1, 1},  {1, 1, 0},  {1, 0, 1}, {0, 1, 1},
                                 {1, 0, -1}, {1, -1, 0}, {0, 1, -1}};
     for (std::size_t role = 0; role < 3; ++role) {
-        const std::vector<Dial> dials =
-            color_match_dials(setting, ChannelForRole(color_index, static_cast<int>(role)));
-        match.tuning.knobs = tune(match.tuning.knobs, dials, rays, bands,
-                                  [&](const KnobStorage& knobs, std::size_t first, std::span<double> misses) {
-                                      off(knobs, role, first, misses);
-                                  })
-                                 .knobs;
+        const auto dials = color_match_dials(ChannelForRole(color_index, static_cast<int>(role)));
+        const auto misses = [&](const KnobStorage& knobs, std::size_t first, std::span<double> list) {
+            judge(knobs, role, first, list);
+        };
+        match.tuning.knobs = tune(match.tuning.knobs, dials, setting.held, rays, bands, misses).knobs;
     }
     std::vector<double> misses(bands);
     for (std::size_t role = 0; role < 3; ++role) {
-        off(match.tuning.knobs, role, 0, misses);
+        judge(match.tuning.knobs, role, 0, misses);
         for (std::size_t i = 0; i < bands; ++i) {
             match.tuning.misses[i] = std::max(match.tuning.misses[i], misses[i]);
         }

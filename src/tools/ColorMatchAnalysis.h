@@ -17,7 +17,7 @@ struct ColorMatch {
 };
 
 // What the analysis may turn of a channel.
-std::vector<Dial> color_match_dials(const Setting& setting, int component);
+std::vector<Dial> color_match_dials(int component);
 // Colours on the working scale.
 ColorMatch match_colors(const Setting& setting, std::span<const VeloxaSample::Sample> keyed,
                         std::span<const VeloxaSample::Sample> background);

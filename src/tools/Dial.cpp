@@ -54,13 +54,13 @@ double Dial::entry(double cell) const {
 
 int Dial::lowest(float present) const {
     const double v = static_cast<double>(present);
-    if (held || !std::isfinite(v) || v <= low) return 0;
+    if (!std::isfinite(v) || v <= low) return 0;
     return static_cast<int>(std::max(-kMostCells, std::min(0.0, cell(low) - cell(v))));
 }
 
 int Dial::highest(float present) const {
     const double v = static_cast<double>(present);
-    if (held || !std::isfinite(v) || v >= high) return 0;
+    if (!std::isfinite(v) || v >= high) return 0;
     return static_cast<int>(std::min(kMostCells, std::max(0.0, cell(high) - cell(v))));
 }
 
@@ -69,8 +69,4 @@ float Dial::value(float present, int cells) const {
     const double v = entry(cell(static_cast<double>(present)) + cells);
     return static_cast<float>(std::clamp(v, std::min(low, static_cast<double>(present)),
                                          std::max(high, static_cast<double>(present))));
-}
-
-void hold(std::span<Dial> dials, const KnobFields& held) {
-    for (Dial& dial : dials) dial.held = held.has_row(dial.row);
 }

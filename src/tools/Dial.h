@@ -5,7 +5,6 @@
 #pragma once
 
 #include <cstddef>
-#include <span>
 
 #include "panel/KnobTable.h"
 
@@ -19,8 +18,7 @@ struct Dial {
         return color != nullptr ? (knobs.*color)[index] : knobs.*field;
     }
 
-    // Cells that it may go down (negative) and up from the present value; none from one that is not finite,
-    // and none when the dial is held.
+    // Cells that it may go down (negative) and up from the present value; none from one that is not finite.
     int lowest(float present) const;
     int highest(float present) const;
     // The value `cells` away from the present one.
@@ -33,7 +31,6 @@ struct Dial {
     double low = 0.0;  // how far it is turned; a present value outside is a bound of its own
     double high = 1.0;
     double range = 1.0;  // what a distance is measured by
-    bool held = false;
 
   private:
     bool level() const;
@@ -44,6 +41,3 @@ struct Dial {
 
     KnobTarget target_;
 };
-
-// Holds those whose fields are in the set.
-void hold(std::span<Dial> dials, const KnobFields& held);

@@ -14,7 +14,6 @@ std::vector<Dial> matte_sample_dials(const Setting& setting, bool remove_noise) 
     } else {
         dials[0].low = static_cast<double>(setting.knobs.cleanup_recover);
     }
-    hold(dials, setting.held);
     return dials;
 }
 
@@ -26,7 +25,6 @@ Tuning analyse_matte_samples(const Setting& setting, bool remove_noise,
 
     KnobStorage base = setting.knobs;
     base.cleanup = base.cleanup || remove_noise;
-    const std::vector<Dial> dials = matte_sample_dials(setting, remove_noise);
     std::vector<Ray> rays;
     // Strength to its end for clear-cut thresholds: what keeps detail needs recover close below noise.
     if (remove_noise) rays = {{1, 1}, {0.5, 1}, {0.25, 1}, {-1, 1}};
@@ -46,5 +44,5 @@ Tuning analyse_matte_samples(const Setting& setting, bool remove_noise,
             out[i - first] = result[i] == wanted ? 0.0 : off / 255.0;
         }
     };
-    return tune(base, dials, rays, n, misses);
+    return tune(base, matte_sample_dials(setting, remove_noise), setting.held, rays, n, misses);
 }

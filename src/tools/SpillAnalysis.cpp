@@ -64,7 +64,7 @@ class Spills {
             const double over = samples_[i].restore
                                     ? std::abs(level(out_, 2) - level(keyed_, 2)) - kRestoreBound
                                     : level(out_, 2) - allowed - kRemoveBound;
-            misses[i - first] = over <= 0.0 ? 0.0 : std::isfinite(over) ? over / 255.0 : 2.0;
+            misses[i - first] = miss_of(over);
         }
     }
 
@@ -103,24 +103,21 @@ std::vector<Dial> spill_dials(const Setting& setting, bool transparent) {
     if (transparent && !setting.clean_plate()) {
         dials.emplace_back(&K::spill_backgroundveiling, ChannelForRole(color_index, 2));
     }
-    hold(dials, setting.held);
     return dials;
 }
 
 Tuning analyse_spill(const Setting& setting, std::span<const SpillSample> samples) {
-    const bool transparent = std::any_of(samples.begin(), samples.end(), [](const SpillSample& s) {
-        return s.keyed[3] > 0.0f && s.keyed[3] < 255.0f;
-    });
-    const std::vector<Dial> dials = spill_dials(setting, transparent);
-    std::vector<Ray> rays{{1, 1, 0, 0, 0, 0, 0, 0, 0},   {1, 1, 0, -1, 0, 0, 0, 0, 0},
-                          {1, 1, 1, 0, 0, 0, 0, 0, 0},   {1, 0, 0, -1, 0, 0, 0, 0, 0},
-                          {0, 1, 0, -1, 0, 0, 0, 0, 0},  {0, 0, 0, 0, 0, 0, 1, 1, 1},
-                          {0, 0, 0, 0, 0, 0, -1, -1, 1}, {1, 1, 0, 0, 0, 0, 1, 1, -1}};
-    for (Ray& ray : rays) ray.resize(dials.size());
+    const bool transparent = std::ranges::any_of(
+        samples, [](const SpillSample& s) { return s.keyed[3] > 0.0f && s.keyed[3] < 255.0f; });
+    const std::vector<Ray> rays{{1, 1, 0, 0, 0, 0, 0, 0, 0},   {1, 1, 0, -1, 0, 0, 0, 0, 0},
+                                {1, 1, 1, 0, 0, 0, 0, 0, 0},   {1, 0, 0, -1, 0, 0, 0, 0, 0},
+                                {0, 1, 0, -1, 0, 0, 0, 0, 0},  {0, 0, 0, 0, 0, 0, 1, 1, 1},
+                                {0, 0, 0, 0, 0, 0, -1, -1, 1}, {1, 1, 0, 0, 0, 0, 1, 1, -1}};
 
     Spills spills(setting, samples);
     const auto misses = [&](const KnobStorage& knobs, std::size_t first, std::span<double> out) {
         spills.miss(knobs, first, out);
     };
-    return tune(Spills::suppressed(setting.knobs), dials, rays, samples.size(), misses);
+    return tune(Spills::suppressed(setting.knobs), spill_dials(setting, transparent), setting.held, rays,
+                samples.size(), misses);
 }

@@ -6,6 +6,8 @@
 
 #include "panel/InputFlags.h"
 #include "panel/KnobCopy.h"
+#include "screen/ClearRegionKernel.h"
+#include "screen/CrudeMatteKernel.h"
 #include "stages/NormalizeKernel.h"
 
 bool Setting::clean_plate() const {
@@ -43,8 +45,19 @@ void Planes::normalise() {
     }
 }
 
+const ControlBlock& Regions::decide(const KnobStorage& knobs, std::size_t first, std::size_t n) {
+    const ControlBlock& controls = trial_.with(knobs);
+    const RolePixels pixels = fg.pixels(first);
+    const RolePixels plates = plate.pixels(first);
+    float* const crude = clean_plate ? crude_.data() + first : nullptr;
+    if (clean_plate) crude_matte(crude_matte_params(controls), pixels, plates, crude, n);
+    clear_region(clear_region_params(controls), pixels, clean_plate ? &plates : nullptr,
+                 {nullptr, crude, nullptr}, decision.data() + first, n);
+    return controls;
+}
+
 bool usable(const VeloxaSample::Sample& sample) {
-    return std::all_of(sample.begin(), sample.end(), [](float v) { return std::isfinite(v); });
+    return std::ranges::all_of(sample, [](float v) { return std::isfinite(v); });
 }
 
 VeloxaSample::Sample as_saved(const VeloxaSample::Sample& sample) {

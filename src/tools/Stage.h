@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -59,6 +60,42 @@ class Planes {
     std::array<std::vector<float>, 4> planes_;
     std::int32_t color_index_;
 };
+
+// What the clear region makes of samples, which have an `fg` and a `plate` in the host's values.
+class Regions {
+  public:
+    template <class T>
+    Regions(const Setting& setting, std::span<const T> samples)
+        : fg(samples.size(), setting.color_index()),
+          plate(samples.size(), setting.color_index()),
+          decision(samples.size()),
+          clean_plate(setting.clean_plate()),
+          crude_(samples.size()),
+          trial_(setting) {
+        for (std::size_t i = 0; i < samples.size(); ++i) {
+            fg.put(i, samples[i].fg);
+            plate.put(i, samples[i].plate);
+        }
+        fg.normalise();
+        plate.normalise();
+    }
+
+    // Of n samples from `first` on. Returns the controls that the knobs give.
+    const ControlBlock& decide(const KnobStorage& knobs, std::size_t first, std::size_t n);
+
+    Planes fg, plate;  // on the working scale
+    std::vector<float> decision;
+    const bool clean_plate;
+
+  private:
+    std::vector<float> crude_;
+    TrialControls trial_;
+};
+
+// What a sample misses that is `over` what is allowed, in levels; most of all where that is no number.
+inline double miss_of(double over) {
+    return over <= 0.0 ? 0.0 : std::isfinite(over) ? over / 255.0 : 2.0;
+}
 
 // Whether an analysis can use a sample: it says nothing when a component is NaN or infinite.
 bool usable(const VeloxaSample::Sample& sample);

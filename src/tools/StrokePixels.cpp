@@ -1,15 +1,12 @@
 #include "tools/StrokePixels.h"
 
 #include <algorithm>
-#include <cmath>
+
+#include "tools/Stage.h"
 
 using namespace Zo::Image;
 
 namespace {
-
-bool finite(const VeloxaSample::Sample& sample) {
-    return std::all_of(sample.begin(), sample.end(), [](float v) { return std::isfinite(v); });
-}
 
 VeloxaSample::Sample pixel_of(const Row& row, int i) {
     return {row[kRed][i], row[kGreen][i], row[kBlue][i], row[kAlpha][i]};
@@ -58,7 +55,7 @@ std::vector<StrokePixel> read_pixels(Iop& first, Iop* second, Iop* keep, const B
          [&](std::size_t at, const Row& row, int i) { all[at].second = pixel_of(row, i); });
     read(keep, kMaskAlpha, [&](std::size_t at, const Row& row, int i) { kept[at] = row[kAlpha][i] != 0.0f; });
     for (std::size_t i = 0; i < all.size(); ++i) {
-        if (kept[i] && finite(all[i].first) && finite(all[i].second)) pixels.push_back(all[i]);
+        if (kept[i] && usable(all[i].first) && usable(all[i].second)) pixels.push_back(all[i]);
     }
     return pixels;
 }

@@ -37,7 +37,7 @@ class Strokes {
     const std::vector<T>& samples() const { return samples_; }
 
     void begin(std::vector<T> pixels) {
-        pixels_.erase(std::remove(pixels_.begin(), pixels_.end(), pixels), pixels_.end());
+        std::erase(pixels_, pixels);
         if (pixels_.size() == kKept) pixels_.erase(pixels_.begin());
         const std::vector<std::size_t> picks = extremes_of(pixels);
         for (const std::size_t i : picks) remember(samples_, pixels[i]);
@@ -81,9 +81,19 @@ class Strokes {
     // Forgets the strokes of which `drop` holds.
     template <class Drop>
     void forget(const Drop& drop) {
-        samples_.erase(std::remove_if(samples_.begin(), samples_.end(), drop), samples_.end());
-        const auto all = [&](const std::vector<T>& pixels) { return pixels.empty() || drop(pixels.front()); };
-        pixels_.erase(std::remove_if(pixels_.begin(), pixels_.end(), all), pixels_.end());
+        std::erase_if(samples_, drop);
+        std::erase_if(pixels_, [&](const auto& pixels) { return pixels.empty() || drop(pixels.front()); });
+    }
+
+    // Those of the pixels that do not say what was asked.
+    template <class Agrees>
+    static std::vector<T> left(const std::vector<T>& pixels, const Agrees& agrees) {
+        const std::vector<bool> right = agrees(pixels);
+        std::vector<T> missed;
+        for (std::size_t i = 0; i < pixels.size(); ++i) {
+            if (!right[i]) missed.push_back(pixels[i]);
+        }
+        return missed;
     }
 
   private:
@@ -97,16 +107,6 @@ class Strokes {
         colors.reserve(pixels.size());
         for (const T& pixel : pixels) colors.push_back(color_of(pixel));
         return extremes(colors);
-    }
-
-    template <class Agrees>
-    static std::vector<T> left(const std::vector<T>& pixels, const Agrees& agrees) {
-        const std::vector<bool> right = agrees(pixels);
-        std::vector<T> missed;
-        for (std::size_t i = 0; i < pixels.size(); ++i) {
-            if (!right[i]) missed.push_back(pixels[i]);
-        }
-        return missed;
     }
 
     void take_in(const T& item, bool newest) {

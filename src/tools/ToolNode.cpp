@@ -48,7 +48,7 @@ void use_tool(const ToolNode& node, Tool tool) try {
     Attempt attempt(node);
     std::vector<ToolReport> reports;
     if (tool == Tool::kSetUp) {
-        reports = AutoSetup(node).run();
+        reports = set_up(node);
     } else {
         reports.push_back(ToolRun(node).run(tool, box_of(*node.panel.tool(tool))));
     }

@@ -51,35 +51,26 @@ void ToolRun::use(Tool tool) {
     const bool subject = node_.knobs.shows_subject();
     switch (tool) {
         case Tool::kScreen:
-            pick_color(node_.image.input(0), &KnobStorage::screen_color, false);
-            break;
+            return pick_color(node_.image.input(0), &KnobStorage::screen_color, false);
         case Tool::kMatchShadow:
-            pick_color(node_.image.input(2), &KnobStorage::shadows_tint, true);
-            break;
+            return pick_color(node_.image.input(2), &KnobStorage::shadows_tint, true);
         case Tool::kAddOverlay:
-            overlay(!subject);
-            break;
+            return overlay(!subject);
         case Tool::kRemoveOverlay:
-            overlay(subject);
-            break;
+            return overlay(subject);
         case Tool::kAddMatte:
-            add_matte();
-            break;
+            return add_matte();
         case Tool::kRemoveNoise:
         case Tool::kHoldShadow:
         case Tool::kRestoreDetail:
-            matte_samples(tool);
-            break;
+            return matte_samples(tool == Tool::kRemoveNoise);
         case Tool::kRestoreSpill:
         case Tool::kRemoveSpill:
-            spill(tool == Tool::kRestoreSpill);
-            break;
+            return spill(tool == Tool::kRestoreSpill);
         case Tool::kMatchColor:
-            match_color();
-            break;
+            return match_color();
         case Tool::kFindScreen:
-            find_screen();
-            break;
+            return find_screen();
         case Tool::kSetUp:
             break;
     }
@@ -194,7 +185,7 @@ void ToolRun::add_matte() {
         return solid;
     };
     const Tuning tuning = refine(session.opaque, analyse, agrees);
-    note_missed(session.opaque, [&](const auto& pixels) { return agrees(tuning.knobs, pixels); });
+    note_missed(session.opaque, tuning, agrees);
     adopt(tuning, session.opaque.samples().size());
 }
 
@@ -225,8 +216,7 @@ void ToolRun::gather_backing() {
     session.backing_color = node_.knobs.screen_color;
 }
 
-void ToolRun::matte_samples(Tool tool) {
-    const bool noise = tool == Tool::kRemoveNoise;
+void ToolRun::matte_samples(bool noise) {
     Iop& matte = node_.cleanup.input(0);
     std::vector<MatteSample>& list = node_.session.mattes;
     std::vector<Sample> stroke;
@@ -260,11 +250,7 @@ void ToolRun::spill(bool restore) {
         for (const bool mode : {!restore, restore}) {
             const auto action = mode ? SampleAction::kRestoreSpill : SampleAction::kRemoveSpill;
             for (const Sample& sample : node_.panel.samples(action)->samples()) {
-                if (usable(sample)) {
-                    all.push_back({as_saved(sample), mode});
-                } else {
-                    ++unusable_;
-                }
+                if (counts(usable(sample))) all.push_back({as_saved(sample), mode});
             }
         }
         all.insert(all.end(), strokes.samples().begin(), strokes.samples().end());
@@ -275,7 +261,7 @@ void ToolRun::spill(bool restore) {
     };
     const Tuning tuning = refine(
         strokes, [&] { return analyse_spill(setting(), samples()); }, agrees);
-    note_missed(strokes, [&](const auto& pixels) { return agrees(tuning.knobs, pixels); });
+    note_missed(strokes, tuning, agrees);
     adopt(tuning, tuning.misses.size());
 }
 

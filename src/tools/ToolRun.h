@@ -30,17 +30,25 @@ class ToolRun {
     // Calls `look` while the node stands as with these knobs. Where that throws it stays so.
     template <class Look>
     void with(const KnobStorage& knobs, const Look& look);
+    // Whether a sample counts; those that do not are told at the end.
+    bool counts(bool usable) {
+        unusable_ += usable ? 0 : 1;
+        return usable;
+    }
     Sample mean(Zo::Image::Iop& source) const;
     std::vector<StrokePixel> pixels(Zo::Image::Iop& first, Zo::Image::Iop* second);
     // Analyses, and takes in pixels of the strokes that the answer leaves out, until it leaves out none.
     template <class T, class Analyse, class Agrees>
     Tuning refine(Strokes<T>& strokes, const Analyse& analyse, const Agrees& agrees);
     template <class T, class Agrees>
-    void note_missed(const Strokes<T>& strokes, const Agrees& agrees);
+    void note_missed(const Strokes<T>& strokes, const Tuning& tuning, const Agrees& agrees);
     void find_screen();
     void pick_color(Zo::Image::Iop& source, KnobStorage::Color KnobStorage::*field, bool darken);
     void overlay(bool add);
     void gather_overlay(bool add);
+    // The pixels of a box with the plate's or, without one, the screen colour.
+    std::vector<OverlaySample> overlay_pixels(const std::vector<StrokePixel>& pixels, bool screen) const;
+    Sample screen_sample() const;
     // Where the stroke is not transparent in the picture that the knobs would give; spread over it, if many.
     std::vector<std::array<int, 2>> visible(const KnobStorage& knobs);
     // What lies so near to those places that it takes the screen area away from them.
@@ -49,7 +57,7 @@ class ToolRun {
     std::vector<OverlaySample> overlay_samples(bool add);
     void add_matte();
     void gather_backing();
-    void matte_samples(Tool tool);
+    void matte_samples(bool noise);
     void spill(bool restore);
     void match_color();
 
@@ -81,8 +89,7 @@ Tuning ToolRun::refine(Strokes<T>& strokes, const Analyse& analyse, const Agrees
         Tuning tuning = analyse();
         const auto satisfied = [&](const std::vector<T>& pixels) { return agrees(tuning.knobs, pixels); };
         // Where samples contradict each other more of them help for a while only.
-        const bool all =
-            std::all_of(tuning.misses.begin(), tuning.misses.end(), [](double m) { return m == 0.0; });
+        const bool all = std::ranges::all_of(tuning.misses, [](double m) { return m == 0.0; });
         const std::size_t left = strokes.unsatisfied(satisfied);
         idle = all || left < least ? 0 : idle + 1;
         least = std::min(least, left);
@@ -92,8 +99,9 @@ Tuning ToolRun::refine(Strokes<T>& strokes, const Analyse& analyse, const Agrees
 }
 
 template <class T, class Agrees>
-void ToolRun::note_missed(const Strokes<T>& strokes, const Agrees& agrees) {
-    const std::size_t missed = strokes.unsatisfied(agrees);
+void ToolRun::note_missed(const Strokes<T>& strokes, const Tuning& tuning, const Agrees& agrees) {
+    const auto right = [&](const std::vector<T>& pixels) { return agrees(tuning.knobs, pixels); };
+    const std::size_t missed = strokes.unsatisfied(right);
     if (missed > 0) note(std::to_string(missed) + " pixels of the stroke are not as asked");
 }
 

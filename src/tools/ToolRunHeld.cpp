@@ -8,54 +8,43 @@ using K = KnobStorage;
 namespace {
 
 struct ToolKnobs {
-    void add(const std::vector<Dial>& dials) {
-        for (const Dial& dial : dials) fields.add_row(dial.row);
-    }
-
-    KnobFields fields;
-    bool K::*enable = nullptr;  // without which the fields say nothing
+    std::vector<Dial> dials;
+    KnobFields fields{};        // beside those of the dials
+    bool K::*enable = nullptr;  // without which they say nothing
 };
 
+KnobFields only(KnobField field) {
+    KnobFields fields;
+    fields.add(field);
+    return fields;
+}
+
 ToolKnobs knobs_of(Tool tool, const Setting& setting) {
-    ToolKnobs knobs;
     switch (tool) {
         case Tool::kScreen:
         case Tool::kFindScreen:
-            knobs.fields.add(&K::screen_color);
-            break;
+            return {{}, only(&K::screen_color)};
         case Tool::kMatchShadow:
-            knobs.fields.add(&K::shadows_tint);
-            break;
+            return {{}, only(&K::shadows_tint)};
         case Tool::kAddOverlay:
         case Tool::kRemoveOverlay:
-            knobs.add(overlay_dials(setting));
-            break;
+            return {overlay_dials(setting)};
         case Tool::kAddMatte:
-            knobs.add(add_matte_dials(setting));
-            break;
+            return {add_matte_dials()};
         case Tool::kRemoveNoise:
-            knobs.enable = &K::cleanup;
-            knobs.add(matte_sample_dials(setting, true));
-            break;
+            return {matte_sample_dials(setting, true), {}, &K::cleanup};
         case Tool::kHoldShadow:
         case Tool::kRestoreDetail:
-            knobs.add(matte_sample_dials(setting, false));
-            break;
+            return {matte_sample_dials(setting, false)};
         case Tool::kRestoreSpill:
         case Tool::kRemoveSpill:
-            knobs.enable = &K::spill_suppression;
-            knobs.add(spill_dials(setting, true));
-            break;
+            return {spill_dials(setting, true), {}, &K::spill_suppression};
         case Tool::kMatchColor:
-            knobs.enable = &K::color_conformance;
-            for (int component = 0; component < 3; ++component) {
-                knobs.add(color_match_dials(setting, component));
-            }
-            break;
+            return {color_match_dials(0), {}, &K::color_conformance};  // holding knows no components
         case Tool::kSetUp:
             break;
     }
-    return knobs;
+    return {};
 }
 
 }  // namespace
@@ -63,6 +52,7 @@ ToolKnobs knobs_of(Tool tool, const Setting& setting) {
 bool ToolRun::may_turn(Tool tool) {
     const Setting present = setting();
     ToolKnobs knobs = knobs_of(tool, present);
+    for (const Dial& dial : knobs.dials) knobs.fields.add_row(dial.row);
     const bool off = knobs.enable != nullptr && !(present.knobs.*knobs.enable);
     if (off) knobs.fields.add(knobs.enable);
     for (const Knob* const knob : node_.panel.held_among(knobs.fields)) tell_held(*knob);

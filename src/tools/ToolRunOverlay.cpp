@@ -21,13 +21,8 @@ std::vector<OverlaySample> ToolRun::overlay_samples(bool add) {
     std::vector<OverlaySample> samples, kept;
     unusable_ = 0;
     const auto append = [&](const OverlaySample& sample) {
-        if (usable(sample.fg) && usable(sample.plate)) {
-            samples.push_back(sample);
-        } else {
-            ++unusable_;
-        }
+        if (counts(usable(sample.fg) && usable(sample.plate))) samples.push_back(sample);
     };
-    const KnobStorage::Color& screen = node_.knobs.screen_color;
     for (const bool mode : {!add, add}) {
         const SampleAction action = mode ? SampleAction::kAddOverlay : SampleAction::kRemoveOverlay;
         const auto* const fg = node_.panel.samples(action);
@@ -36,8 +31,7 @@ std::vector<OverlaySample> ToolRun::overlay_samples(bool add) {
         for (std::size_t i = 0; i < fg->samples().size(); ++i) {
             const std::size_t back = fg->samples().size() - i;
             const std::size_t plates = cp->samples().size();
-            const Sample plated =
-                back <= plates ? cp->samples()[plates - back] : Sample{screen[0], screen[1], screen[2], 0.0f};
+            const Sample plated = back <= plates ? cp->samples()[plates - back] : screen_sample();
             const OverlaySample sample{as_saved(fg->samples()[i]), as_saved(plated), mode};
             if (is_held(action) && overlay_agrees(setting(), {&sample, 1}).front()) {
                 kept.push_back(sample);
@@ -68,7 +62,7 @@ void ToolRun::overlay(bool add) {
         Tuning wider = refine(strokes, analyse, agrees);
         auto still = visible(wider.knobs);
         const auto missed = [](const Tuning& t) {
-            return std::count_if(t.misses.begin(), t.misses.end(), [](double m) { return m != 0.0; });
+            return std::ranges::count_if(t.misses, [](double m) { return m != 0.0; });
         };
         if (still.size() >= lost.size() || missed(wider) > missed(tuning)) {
             strokes = before;
@@ -77,7 +71,7 @@ void ToolRun::overlay(bool add) {
         tuning = std::move(wider);
         lost = std::move(still);
     }
-    note_missed(strokes, [&](const auto& pixels) { return agrees(tuning.knobs, pixels); });
+    note_missed(strokes, tuning, agrees);
     if (!lost.empty()) note("not all of the stroke is transparent: what lies beside it is no backing");
     adopt(tuning, tuning.misses.size());
 }
@@ -106,8 +100,6 @@ std::vector<OverlaySample> ToolRun::surroundings(const KnobStorage& knobs,
         const double radius = std::ceil(std::clamp(node_.knobs.screen_shrink[axis], 0.0, kWidestMargin));
         return to_int(radius) + (node_.knobs.screen_orphans > 0 ? 1 : 0);
     };
-    const KnobStorage::Color& screen = node_.knobs.screen_color;
-    const Sample constant{screen[0], screen[1], screen[2], 0.0f};
     const Box& frame = node_.image.input(0).info().box;
     std::vector<OverlaySample> beside;
     const std::size_t count = std::min(places.size(), kMostPlaces);
@@ -115,34 +107,37 @@ std::vector<OverlaySample> ToolRun::surroundings(const KnobStorage& knobs,
         const auto [x, y] = places[i * places.size() / count];
         const Box near{std::max(x - reach(0), frame.x), std::max(y - reach(1), frame.y),
                        std::min(x + reach(0) + 1, frame.r), std::min(y + reach(1) + 1, frame.t)};
-        for (const StrokePixel& p :
-             read_pixels(node_.image.input(0), plate(), nullptr, near, node_.abort())) {
-            beside.push_back({p.first, plate() != nullptr ? p.second : constant, true});
-        }
+        const auto pixels = read_pixels(node_.image.input(0), plate(), nullptr, near, node_.abort());
+        const std::vector<OverlaySample> samples = overlay_pixels(pixels, true);
+        beside.insert(beside.end(), samples.begin(), samples.end());
     }
-    const std::vector<bool> clear = overlay_agrees(setting(knobs), beside);
-    std::vector<OverlaySample> missed;
-    for (std::size_t i = 0; i < beside.size(); ++i) {
-        if (!clear[i]) missed.push_back(beside[i]);
+    return Strokes<OverlaySample>::left(
+        beside, [&](const auto& samples) { return overlay_agrees(setting(knobs), samples); });
+}
+
+ToolRun::Sample ToolRun::screen_sample() const {
+    const KnobStorage::Color& screen = node_.knobs.screen_color;
+    return {screen[0], screen[1], screen[2], 0.0f};
+}
+
+std::vector<OverlaySample> ToolRun::overlay_pixels(const std::vector<StrokePixel>& pixels,
+                                                   bool screen) const {
+    std::vector<OverlaySample> samples;
+    for (const StrokePixel& p : pixels) {
+        samples.push_back({p.first, plate() != nullptr ? p.second : screen_sample(), screen});
     }
-    return missed;
+    return samples;
 }
 
 void ToolRun::gather_overlay(bool add) {
     const auto list = [this](SampleAction action) { return node_.panel.samples(action); };
     auto* const fg = list(add ? SampleAction::kAddOverlay : SampleAction::kRemoveOverlay);
     auto* const cp = list(add ? SampleAction::kAddOverlayCp : SampleAction::kRemoveOverlayCp);
-    const KnobStorage::Color& screen = node_.knobs.screen_color;
-    const Sample constant{screen[0], screen[1], screen[2], 0.0f};
     const bool added_gone = taken_back(SampleAction::kAddOverlay);
     const bool removed_gone = taken_back(SampleAction::kRemoveOverlay);
     node_.session.overlay.forget(
         [&](const OverlaySample& s) { return s.screen ? added_gone : removed_gone; });
-    std::vector<OverlaySample> asked;
-    for (const StrokePixel& p : pixels(node_.image.input(0), plate())) {
-        asked.push_back({p.first, plate() != nullptr ? p.second : constant, add});
-    }
-    node_.session.overlay.begin(std::move(asked));
+    node_.session.overlay.begin(overlay_pixels(pixels(node_.image.input(0), plate()), add));
     // A plate's sample belongs to one of the foreground.
     for (const Knob* const samples : {fg, cp}) {
         if (samples->flag(kKnobHeld)) return tell_held(*samples);
@@ -150,7 +145,7 @@ void ToolRun::gather_overlay(bool add) {
     fg->add_area(node_.image.input(0), box_.x, box_.y, box_.r, box_.t);
     node_.image.validate(true);
     if (plate() == nullptr) {
-        cp->add_point(constant, box_.x, box_.y, box_.r, box_.t);
+        cp->add_point(screen_sample(), box_.x, box_.y, box_.r, box_.t);
     } else {
         cp->add_area(*plate(), box_.x, box_.y, box_.r, box_.t);
     }

@@ -77,21 +77,25 @@ class Tried {
 // One search around fixed knobs.
 class Search {
   public:
-    Search(const KnobStorage& base, std::span<const Dial> dials, std::span<const Ray> combinations,
-           std::size_t samples, const Misses& misses)
+    Search(const KnobStorage& base, std::span<const Dial> dials, const KnobFields& held,
+           std::span<const Ray> combinations, std::size_t samples, const Misses& misses)
         : base_(base), dials_(dials), misses_(misses), samples_(samples), tried_(samples), wanted_(samples) {
         std::iota(wanted_.begin(), wanted_.end(), std::size_t{0});
         for (std::size_t i = 0; i < dials.size(); ++i) {
+            const bool stays = held.has_row(dials[i].row);
+            lowest_.push_back(stays ? 0 : dials[i].lowest(dials[i].in(base)));
+            highest_.push_back(stays ? 0 : dials[i].highest(dials[i].in(base)));
             for (const double sign : {1.0, -1.0}) {
                 Ray ray(dials.size(), 0.0);
                 ray[i] = sign;
                 rays_.push_back(ray);
             }
         }
-        for (const Ray& ray : combinations) {
+        for (Ray ray : combinations) {
+            ray.resize(dials.size());
             rays_.push_back(ray);
+            for (double& share : ray) share = -share;
             rays_.push_back(ray);
-            for (double& share : rays_.back()) share = -share;
         }
     }
 
@@ -178,13 +182,14 @@ class Search {
         return sum;
     }
 
+    // The last cell that the ray leads the dial to.
+    int end(std::size_t dial, const Ray& ray) const { return (ray[dial] > 0.0 ? highest_ : lowest_)[dial]; }
+
     Cells along(const Cells& from, const Ray& ray, int s, int most) const {
         Cells cells = from;
         for (std::size_t i = 0; i < cells.size(); ++i) {
             if (ray[i] == 0.0) continue;
-            const float present = dials_[i].in(base_);
-            const int end = ray[i] > 0.0 ? dials_[i].highest(present) : dials_[i].lowest(present);
-            const double way = (end - from[i]) * std::abs(ray[i]) * s / most;
+            const double way = (end(i, ray) - from[i]) * std::abs(ray[i]) * s / most;
             cells[i] = from[i] + static_cast<int>(std::lround(way));
         }
         return cells;
@@ -196,9 +201,7 @@ class Search {
         int turned = 0;
         for (std::size_t i = 0; i < from.size(); ++i) {
             if (ray[i] == 0.0) continue;
-            const float present = dials_[i].in(base_);
-            const int end = ray[i] > 0.0 ? dials_[i].highest(present) : dials_[i].lowest(present);
-            most = std::max(most, std::abs(end - from[i]));
+            most = std::max(most, std::abs(end(i, ray) - from[i]));
             ++turned;
         }
         return turned > 1 ? std::min(most, kRaySteps) : most;
@@ -213,7 +216,7 @@ class Search {
         int gap = 0;
         for (int s = 1; s <= most; last = s, s = next_probe(s, most)) {
             const Point probe = point(from, ray, s, most, best.score);
-            if (probe.score == 0.0) return first(from, ray, most, last, {probe.cells, 0.0}, s);
+            if (probe.score == 0.0) return first(from, ray, most, last, s);
             if (probe.score < best.score) {
                 best = probe;
                 best_at = s;
@@ -247,18 +250,9 @@ class Search {
     }
 
     // Halves the way between a point that does not satisfy and one that does.
-    Point first(const Cells& from, const Ray& ray, int most, int bad, Point good, int good_at) {
-        while (good_at - bad > 1) {
-            const int middle = bad + (good_at - bad) / 2;
-            Point probe = point(from, ray, middle, most, kAny);
-            if (probe.score == 0.0) {
-                good = std::move(probe);
-                good_at = middle;
-            } else {
-                bad = middle;
-            }
-        }
-        return good;
+    Point first(const Cells& from, const Ray& ray, int most, int bad, int good) {
+        const auto fits = [&](int s) { return point(from, ray, s, most, kAny).score == 0.0; };
+        return {along(from, ray, halve(bad, good, fits), most), 0.0};
     }
 
     // The cells where all wanted samples are satisfied; `near` is where the samples wanted so far are.
@@ -306,11 +300,10 @@ class Search {
     // A dial that is turned to its end may spare others more than it costs.
     void exchange(Cells& cells) {
         for (std::size_t i = 0; i < cells.size(); ++i) {
-            const float present = dials_[i].in(base_);
-            for (const int end : {dials_[i].highest(present), dials_[i].lowest(present)}) {
+            for (const int last : {highest_[i], lowest_[i]}) {
                 Cells other = cells;
-                other[i] = end;
-                if (end == cells[i] || score(other, kAny) != 0.0) continue;
+                other[i] = last;
+                if (last == cells[i] || score(other, kAny) != 0.0) continue;
                 draw_back(other, i);
                 if (distance(other) < distance(cells)) cells = other;
             }
@@ -325,19 +318,11 @@ class Search {
                 const std::size_t i = (last + turn) % cells.size();
                 const int held = cells[i];
                 if (held == 0) continue;
-                int bad = 0;
-                int good = std::abs(held);
-                const int sign = held < 0 ? -1 : 1;
-                const auto fits = [&](int n) {
-                    cells[i] = sign * n;
+                const auto fits = [&](int cell) {
+                    cells[i] = cell;
                     return score(cells, kAny) == 0.0;
                 };
-                if (fits(0)) good = 0;
-                while (good - bad > 1) {
-                    const int middle = bad + (good - bad) / 2;
-                    (fits(middle) ? good : bad) = middle;
-                }
-                cells[i] = sign * good;
+                cells[i] = fits(0) ? 0 : halve(0, held, fits);
                 moved |= cells[i] != held;
             }
         }
@@ -346,6 +331,7 @@ class Search {
     const KnobStorage& base_;
     std::span<const Dial> dials_;
     const Misses& misses_;
+    Cells lowest_, highest_;  // of each dial, from where it is
     std::vector<Ray> rays_;
     std::size_t samples_;
     Tried tried_;
@@ -363,14 +349,15 @@ bool newer_satisfied(std::span<const double> a, std::span<const double> b) {
 
 }  // namespace
 
-Tuning tune(const KnobStorage& present, std::span<const Dial> dials, std::span<const Ray> combinations,
-            std::size_t samples, const Misses& misses) {
+Tuning tune(const KnobStorage& present, std::span<const Dial> dials, const KnobFields& held,
+            std::span<const Ray> combinations, std::size_t samples, const Misses& misses) {
     Tuning result{present, std::vector<double>(samples)};
     misses(present, 0, result.misses);
     for (int round = 0; round < kMostRounds; ++round) {
-        if (std::all_of(result.misses.begin(), result.misses.end(), [](double m) { return m == 0.0; })) break;
+        if (std::ranges::all_of(result.misses, [](double m) { return m == 0.0; })) break;
         const KnobStorage base = result.knobs;
-        Tuning tried{Search(base, dials, combinations, samples, misses).run(), std::vector<double>(samples)};
+        Tuning tried{Search(base, dials, held, combinations, samples, misses).run(),
+                     std::vector<double>(samples)};
         misses(tried.knobs, 0, tried.misses);
         if (!newer_satisfied(tried.misses, result.misses)) break;
         result = std::move(tried);

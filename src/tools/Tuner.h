@@ -18,6 +18,7 @@
 // until it changes nothing: so a second call changes nothing. Same input, same result; no clock, no chance.
 #pragma once
 
+#include <cstdlib>
 #include <functional>
 #include <span>
 #include <vector>
@@ -28,7 +29,8 @@
 // asked, else above 0.
 using Misses = std::function<void(const KnobStorage& knobs, std::size_t first, std::span<double> misses)>;
 
-// A combination of dials to turn together, each by its share of what is left of its range, from -1 to 1.
+// A combination of dials to turn together, each by its share of what is left of its range, from -1 to 1. The
+// shares of dials that there are not are left out.
 using Ray = std::vector<double>;
 
 struct Tuning {
@@ -36,5 +38,16 @@ struct Tuning {
     std::vector<double> misses;  // that are left
 };
 
-Tuning tune(const KnobStorage& present, std::span<const Dial> dials, std::span<const Ray> combinations,
-            std::size_t samples, const Misses& misses);
+Tuning tune(const KnobStorage& present, std::span<const Dial> dials, const KnobFields& held,
+            std::span<const Ray> combinations, std::size_t samples, const Misses& misses);
+
+// Halves the way from a number of which `holds` is false to one where it holds, and returns the last of
+// these.
+template <class Holds>
+int halve(int bad, int good, const Holds& holds) {
+    while (std::abs(good - bad) > 1) {
+        const int middle = bad + (good - bad) / 2;
+        (holds(middle) ? good : bad) = middle;
+    }
+    return good;
+}

@@ -77,21 +77,31 @@ const Row kRows[] = {
     {"color_brightness", "7", {{236, 7}}},
 };
 
+// Or keeps them, in a tab that is off.
 TEST(KnobCopy, EveryKnobReachesItsControls) {
-    Copy copy;
-    auto& k = copy.op.storage;
-    k.film = k.screen_correct = k.shadow = k.spill_suppression = k.cleanup = k.color_conformance = true;
-    for (const Row& row : kRows) copy.panel.set_from_text(row.knob, row.text);
-    copy();
-    for (const Row& row : kRows) {
-        for (const Expected& e : row.expected) {
-            EXPECT_EQ(copy.controls.get(e.control), e.value) << row.knob << " " << e.control;
+    const std::set<int> kept{4,   5,   7,   8,   10,  11,  12,  13,  55,  56,  57,  58,  62,  63,  65,
+                             66,  67,  68,  69,  105, 106, 107, 110, 111, 115, 116, 117, 118, 161, 162,
+                             163, 202, 203, 204, 207, 208, 209, 212, 213, 214, 234, 235, 236};
+    const Copy fresh;
+    for (const bool on : {true, false}) {
+        Copy copy;
+        auto& k = copy.op.storage;
+        k.shadow = true;  // without screen correction it does nothing
+        k.film = k.screen_correct = k.spill_suppression = k.cleanup = k.color_conformance = on;
+        for (const Row& row : kRows) copy.panel.set_from_text(row.knob, row.text);
+        copy();
+        for (const Row& row : kRows) {
+            for (const Expected& e : row.expected) {
+                const bool stays = !on && kept.count(e.control) == 1;
+                EXPECT_EQ(copy.controls.get(e.control), stays ? fresh.controls.get(e.control) : e.value)
+                    << row.knob << " " << e.control;
+            }
         }
+        EXPECT_EQ(copy.controls.stored(5), on ? -6 : fresh.controls.stored(5));
+        EXPECT_EQ(copy.controls.overlayShrinkV, 7);
+        EXPECT_EQ(copy.controls.subjectShrinkV, on ? 5 : 2);
+        EXPECT_EQ(copy.controls.dirty(), ControlBlock::kClean);
     }
-    EXPECT_EQ(copy.controls.stored(5), -6);
-    EXPECT_EQ(copy.controls.overlayShrinkV, 7);
-    EXPECT_EQ(copy.controls.subjectShrinkV, 5);
-    EXPECT_EQ(copy.controls.dirty(), ControlBlock::kClean);
 }
 
 // A knob that is new, or has another name, is missed here.
@@ -104,28 +114,6 @@ TEST(KnobCopy, EveryKnobIsOneOfThese) {
     std::set<std::string> names;
     for (const auto* knob : copy.op.refs.settings()) names.insert(knob->name());
     EXPECT_EQ(names, known);
-}
-
-TEST(KnobCopy, SectionsThatAreOffKeepTheirControls) {
-    const std::set<int> kept{4,   5,   7,   8,   10,  11,  12,  13,  55,  56,  57,  58,  62,  63,  65,
-                             66,  67,  68,  69,  105, 106, 107, 110, 111, 115, 116, 117, 118, 161, 162,
-                             163, 202, 203, 204, 207, 208, 209, 212, 213, 214, 234, 235, 236};
-    const Copy fresh;
-    Copy copy;
-    auto& k = copy.op.storage;
-    for (const Row& row : kRows) copy.panel.set_from_text(row.knob, row.text);
-    k.film = k.screen_correct = k.spill_suppression = k.cleanup = k.color_conformance = false;
-    k.shadow = true;  // without screen correction it does nothing
-    copy();
-    for (const Row& row : kRows) {
-        for (const Expected& e : row.expected) {
-            const bool stays = kept.count(e.control) == 1;
-            EXPECT_EQ(copy.controls.get(e.control), stays ? fresh.controls.get(e.control) : e.value)
-                << row.knob << " " << e.control;
-        }
-    }
-    EXPECT_EQ(copy.controls.overlayShrinkV, 7);
-    EXPECT_EQ(copy.controls.subjectShrinkV, 2);
 }
 
 TEST(KnobCopy, PrimaryIsTheGreatestComponentAlone) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <random>
 
+#include "panel/InputFlags.h"
 #include "panel/KnobCopy.h"
 #include "tools/AddMatteAnalysis.h"
 #include "tools/ColorMatchAnalysis.h"
@@ -109,13 +110,34 @@ TEST(Analyses, AHundredSamples) {
         [&] { std::reverse(background.begin(), background.end()); });
 }
 
-TEST(Analyses, NothingAskedNothingTurned) {
+TEST(Analyses, SpillIsJudgedInBothDirections) {
+    Node node;
+    node.knobs.spill_warm = node.knobs.spill_cool = -200.0f;  // suppresses nothing
+    const struct {
+        SpillSample sample;
+        float veiling;  // of the primary; 0.4 takes all of the backing out
+        bool agrees;
+    } cases[] = {
+        {{{150, 150, 50, 0}, false}, 0.4f, true},  // as much as the larger of the two others
+        {{{150, 160, 50, 0}, false}, 0.4f, false},  {{{100, 60, 100, 128}, true}, 0.4f, true},
+        {{{100, 60, 100, 128}, true}, 0.3f, false},  // too much comes back
+        {{{100, 60, 100, 128}, true}, 0.5f, false},
+    };
+    for (const auto& c : cases) {
+        KnobStorage knobs = node.knobs;
+        knobs.spill_backgroundveiling[1] = c.veiling;
+        EXPECT_EQ(spill_agrees(node.setting(), knobs, {&c.sample, 1}).front(), c.agrees) << &c - cases;
+    }
+}
+
+// The tolerance of the primary is the crude matte's, the veiling that of a constant backing.
+TEST(Analyses, ACleanPlateChangesWhatIsTurned) {
     const Node node;
-    const Setting s = node.setting();
-    const Tuning tunings[] = {analyse_overlay(s, {}), analyse_add_matte(s, {}, {}, {}),
-                              analyse_matte_samples(s, false, {}), analyse_spill(s, {}),
-                              match_colors(s, {}, {}).tuning};
-    for (const Tuning& t : tunings) EXPECT_TRUE(t.knobs == node.knobs) << &t - tunings;
+    for (const std::uint32_t flags : {std::uint32_t{0}, kCpUsable}) {
+        const Setting setting{node.knobs, node.controls, flags};
+        EXPECT_EQ(overlay_dials(setting).size(), flags != 0 ? 7U : 6U);
+        EXPECT_EQ(spill_dials(setting, true).size(), flags != 0 ? 9U : 10U);
+    }
 }
 
 }  // namespace

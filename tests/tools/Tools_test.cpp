@@ -7,82 +7,12 @@
 #include <stdexcept>
 
 #include "ZoImage/Script.h"
-#include "tools/ToolRig.h"
+#include "tools/PatchRig.h"
 
 using namespace Zo::Image;
+using namespace test;
 
 namespace {
-
-constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInf = std::numeric_limits<float>::infinity();
-
-using Rgb = std::array<float, 3>;
-
-struct Patch {
-    Box box;
-    Rgb color;
-};
-
-const Box kFrame{0, 0, 96, 64};
-const Box kBacking{4, 4, 20, 20};
-const Box kShade{24, 4, 40, 20};    // backing in half light
-const Box kGrey{44, 4, 60, 20};     // solid, with green in it
-const Box kLeaf{64, 4, 80, 20};     // green of the subject's own
-const Box kNoise{4, 40, 20, 56};    // backing that is not quite
-const Box kWarm{24, 40, 40, 56};    // backing's brightness on skin
-const Box kBroken{44, 40, 60, 56};  // NaN
-const Box kHuge{64, 40, 80, 56};    // infinite
-const std::vector<Patch> kPatches{{kShade, {0.1f, 0.3f, 0.12f}}, {kGrey, {0.3f, 0.42f, 0.31f}},
-                                  {kLeaf, {0.2f, 0.3f, 0.1f}},   {kNoise, {0.2f, 0.56f, 0.24f}},
-                                  {kWarm, {0.45f, 0.5f, 0.35f}}, {kBroken, {kNan, 0.4f, 0.3f}},
-                                  {kHuge, {0.2f, kInf, 0.2f}}};
-
-float plate(const std::vector<Patch>& patches, Channel c, int x, int y) {
-    Rgb color{0.15f, 0.6f, 0.2f};
-    for (const Patch& p : patches) {
-        if (x >= p.box.x && x < p.box.r && y >= p.box.y && y < p.box.t) color = p.color;
-    }
-    const int grain = (x * 7 + y * 13 + static_cast<int>(c) * 5) % 5 - 2;
-    return color[static_cast<std::size_t>(c) - 1] + 0.002f * static_cast<float>(grain);
-}
-
-class Rig : public test::ToolRig {
-  public:
-    Rig() : Rig(NodeContext{}) {}
-    explicit Rig(const NodeContext& context)
-        : ToolRig(context),
-          fg(kFrame, kMaskRgb, [this](Channel c, int x, int y) { return plate(patches, c, x, y); }),
-          bg(kFrame, kMaskRgb, [](Channel c, int, int) { return 0.1f * static_cast<float>(c) + 0.1f; }) {
-        node.set_input(0, &fg);
-        node.set_input(2, &bg);
-        set("screen_color", "0.15,0.6,0.2");
-    }
-
-    // Inside the box, so that shrinking at its borders does not matter.
-    void stroke(const std::string& tool, const Box& box) {
-        use(tool, {box.x + 3.2, box.y + 3.9, box.r - 3.4, box.t - 3.8});
-    }
-    static Box under(const Box& box) { return {box.x + 3, box.y + 3, box.r - 3, box.t - 3}; }
-
-    // The least and greatest value of a stage under the stroke.
-    std::pair<float, float> span(const char* stage, Channel c, const Box& box) {
-        node.invalidate();
-        node.validate(true);
-        Iop& op = *stage == '\0' ? node : *node.child(stage)->as_iop();
-        const test::Picture picture = test::render(op, under(box));
-        const auto& plane = picture.planes[static_cast<std::size_t>(c)];
-        const auto [low, high] = std::minmax_element(plane.begin(), plane.end());
-        return {*low, *high};
-    }
-
-    std::vector<Patch> patches = kPatches;
-    test::FunctionSource fg, bg;
-};
-
-using Values = std::pair<float, float>;
-
-const Values kFull{255.0f, 255.0f};
-const Values kNone{0.0f, 0.0f};
 
 constexpr const char* kOverlay =
     "screen_tolerance screen_darks_red_smaller screen_darks_red_larger screen_brights_red_smaller "
@@ -103,6 +33,7 @@ TEST(Tools, WhatWasAskedIsInThePicture) {
         {"addoverlay", &kBacking, "clearRegion", kFull, kNone, kOverlay, "subject"},
         {"removeoverlay", &kShade, "clearRegion", kNone, kFull, kOverlay, "subject"},
         {"addmatte", &kGrey, "outputMatte", {1.0f, 200.0f}, kNone, "brights darks warm cool"},
+        {"addmatte", &kCloth, "outputMatte", {20.0f, 255.0f}, kNone, "darks"},
         {"removenoise",
          &kNoise,
          "cleanup",
@@ -173,6 +104,7 @@ TEST(Tools, HeldKnobsStay) {
         rig.stroke(tool, kLeaf);
         EXPECT_EQ(write_script(rig.panel), script) << tool;
         EXPECT_FALSE(rig.report().notes.empty()) << rig.told();
+        EXPECT_THAT(rig.report().held, testing::Contains(knob));
     }
 }
 
@@ -273,17 +205,6 @@ TEST(Tools, BackingKeepsItsMatteWithoutScreenCorrection) {
     }
 }
 
-// Black with a little green holds no content at all: brights and the two colours cannot make it solid.
-TEST(Tools, BlackClothBecomesSolid) {
-    Rig rig;
-    const Box cloth{44, 24, 60, 36};
-    rig.patches.push_back({cloth, {0.02f, 0.08f, 0.04f}});
-    EXPECT_GT(rig.span("outputMatte", kAlpha, cloth).first, 20.0f);
-    rig.stroke("addmatte", cloth);
-    EXPECT_EQ(rig.span("outputMatte", kAlpha, cloth), kNone) << rig.told();
-    EXPECT_EQ(rig.turned(), "screen_color darks");
-}
-
 // The rim of the stroke would stay in the picture, since the half light around it is no screen area.
 TEST(Tools, AStrokeWithinWhatIsWrongIsTransparentToItsMargin) {
     Rig rig;
@@ -295,38 +216,6 @@ TEST(Tools, AStrokeWithinWhatIsWrongIsTransparentToItsMargin) {
     rig.use("addoverlay", {28, 26, 36, 34});
     const test::Picture picture = test::render(rig.node, part);
     for (const float alpha : picture.planes[kAlpha]) EXPECT_EQ(alpha, 0.0f) << rig.told();
-}
-
-// Three pixels a stroke, of which the inner one is no extreme in any direction.
-TEST(Strokes, TakeInWhatTheAnswerLeavesOut) {
-    const auto pixel = [](float red) { return PlatedSample{{red, 0.5f, 0.5f, 0.0f}, {}}; };
-    const auto stroke = [&](float from) {
-        return std::vector<PlatedSample>{pixel(from), pixel(from + 0.01f), pixel(from + 0.02f)};
-    };
-    const auto reds = [](const auto& samples) {
-        std::vector<float> list;
-        for (const PlatedSample& s : samples) list.push_back(s.fg[0]);
-        return list;
-    };
-    const auto without = [&](float red) {
-        return [&reds, red](const std::vector<PlatedSample>& pixels) {
-            std::vector<bool> right;
-            for (const float r : reds(pixels)) right.push_back(r != red);
-            return right;
-        };
-    };
-    const float old = 0.1f + 0.01f;
-    const float fresh = 0.2f + 0.01f;
-    Strokes<PlatedSample> strokes;
-    strokes.begin(stroke(0.1f));
-    strokes.begin(stroke(0.2f));
-    const std::vector<float> ends{0.1f, 0.1f + 0.02f, 0.2f, 0.2f + 0.02f};
-    EXPECT_EQ(reds(strokes.samples()), ends);
-    EXPECT_FALSE(strokes.take_missed(without(7.0f)));
-    EXPECT_TRUE(strokes.take_missed(without(fresh)));  // before its own stroke's, behind the older one's
-    EXPECT_TRUE(strokes.take_missed(without(old)));    // before all
-    EXPECT_FALSE(strokes.take_missed(without(old)));
-    EXPECT_EQ(reds(strokes.samples()), (std::vector<float>{old, ends[0], ends[1], fresh, ends[2], ends[3]}));
 }
 
 TEST(Tools, ContradictionsGoToTheNewerStroke) {

@@ -54,12 +54,13 @@ TEST(Tuner, GoesToTheNearestAnswer) {
     for (const auto& c : cases) {
         KnobStorage present;
         present.brights = c.present;
-        const Tuning tuned = tune(present, kDials, std::vector<Ray>{{1, 1}}, c.asked.size(), sums(c.asked));
+        const Tuning tuned =
+            tune(present, kDials, {}, std::vector<Ray>{{1, 1}}, c.asked.size(), sums(c.asked));
         EXPECT_EQ(tuned.knobs.brights, c.brights);
         EXPECT_EQ(tuned.knobs.film_strength, c.film_strength);
         EXPECT_EQ(tuned.misses, c.misses);
         const Tuning again =
-            tune(tuned.knobs, kDials, std::vector<Ray>{{1, 1}}, c.asked.size(), sums(c.asked));
+            tune(tuned.knobs, kDials, {}, std::vector<Ray>{{1, 1}}, c.asked.size(), sums(c.asked));
         EXPECT_EQ(again.knobs.brights, c.brights);
         EXPECT_EQ(again.knobs.film_strength, c.film_strength);
     }
@@ -70,7 +71,7 @@ TEST(Tuner, LeavesDialsThatAreNoNumberAlone) {
     present.brights = std::numeric_limits<float>::quiet_NaN();
     present.film_strength = std::numeric_limits<float>::infinity();
     const Misses never = [](const KnobStorage&, std::size_t, std::span<double> out) { out[0] = 1.0; };
-    const Tuning tuned = tune(present, kDials, {}, 1, never);
+    const Tuning tuned = tune(present, kDials, {}, {}, 1, never);
     EXPECT_TRUE(std::isnan(tuned.knobs.brights));
     EXPECT_TRUE(std::isinf(tuned.knobs.film_strength));
     EXPECT_EQ(tuned.misses[0], 1.0);
