@@ -16,14 +16,6 @@ using test::same_bits;
 
 namespace {
 
-const std::vector<const char*> kMembers{
-    "normFg",          "normCp",         "normGm",           "normHm",          "subRegion",
-    "shrinkS",         "filmCorrection", "clearRegionCP",    "shrinkCP",        "clearRegion",
-    "computeIsland",   "shrinkScreen",   "computeMatte",     "matteCorrectRaw", "computePFG",
-    "matteCorrectPFG", "outputMatte",    "spillSuppression", "colorCorrection", "shrinkCU",
-    "blurCU",          "cleanup",        "smartInterpol",    "computeShadow",   "clearFrame",
-    "shadowBlur",      "combineShadow"};
-
 const char* const kEverythingOn =
     "film 1; shadow 1; cleanup 1; color_conformance 1; edge_kernel 3; cleanup_shrink 15,5; cleanup_blur 2,1; "
     "shadows_blur 2,3; film_strength 50; color_hue 20; overlay_mode screen";
@@ -83,6 +75,16 @@ TEST(Graph, AlternativesOfTheWiring) {
             words >> reader >> input >> source;
             EXPECT_EQ(rig.reads(reader.c_str(), input), source) << c.settings << ": " << expected;
         }
+    }
+}
+
+TEST(Graph, EveryMemberIsWired) {
+    Rig rig;
+    rig.connect_all();
+    rig.update();
+    for (const Op* member : rig.node.children()) {
+        for (int n = 0; n < member->inputs(); ++n)
+            EXPECT_TRUE(member->connected(n)) << member->member_name() << n;
     }
 }
 
@@ -152,7 +154,8 @@ TEST(Graph, ASpillKnobLeavesEverythingUpstreamAsItIs) {
     rig.knobs().spill_cool = 71.0f;
     rig.update();
     const std::vector<std::string> downstream{"spillSuppression", "colorCorrection", "combineShadow"};
-    for (const char* name : kMembers) {
+    for (const Op* member : rig.node.children()) {
+        const std::string name = member->member_name();
         const bool touched = std::find(downstream.begin(), downstream.end(), name) != downstream.end();
         // A member that nobody requested has never been validated; the others keep what they have.
         if (rig.member(name).requested().count > 0) {
@@ -233,7 +236,8 @@ TEST(Graph, MembersDoNotDependOnThreadsWindowsOrSize) {
         for (const Configuration& configuration : {kConfigurations[0], kConfigurations[7]}) {
             Rig rig(frame, awkward);
             configure(rig, configuration);
-            for (const char* name : kMembers) {
+            for (const Op* member : rig.node.children()) {
+                const std::string& name = member->member_name();
                 const test::Picture one = test::render(rig.member(name), frame, 1);
                 rig.node.close();  // forgets whole frames
                 rig.update();

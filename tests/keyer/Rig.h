@@ -71,7 +71,7 @@ struct Rig {
         node.set_input(3, &gm);
         node.set_input(4, &hm);
     }
-    Iop& member(const char* name) { return *node.child(name)->as_iop(); }
+    Iop& member(const std::string& name) { return *node.child(name)->as_iop(); }
     std::string reads(const char* name, int n) {
         const Op* op = node.child(name)->input_op(n);
         return op == nullptr ? "" : op->member_name();
