@@ -103,8 +103,8 @@ TEST(ScreenEstimate, FallingLightAndWildPixelsDoNotMoveIt) {
 }
 
 TEST(ScreenEstimate, StopsWithoutABacking) {
-    std::mt19937 random(5);
-    const auto noise = [&](int, int) -> Color {
+    const auto noise = [](int x, int y) -> Color {
+        std::mt19937 random(static_cast<unsigned>(y * 64 + x));  // rows are made on several threads
         const auto draw = [&] { return static_cast<double>(random() % 1024) / 1024.0; };
         return {draw(), draw(), draw()};
     };
