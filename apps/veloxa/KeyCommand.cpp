@@ -78,7 +78,7 @@ std::string name_of(const Iop& op) {
 
 // Some classes go by the platform's name of their type, which starts with its length.
 std::string class_of(const Iop& op) {
-    const std::string name = op.class_name();
+    std::string name = op.class_name();
     if (name.find_first_of("0123456789") != 0) return name;
     int failed = 0;
     const std::unique_ptr<char, decltype(&std::free)> readable(
