@@ -24,7 +24,7 @@ void Instance::create(OfxImageEffectHandle effect) {
     if (!properties_of(effect).set_pointer(kOfxPropInstanceData, instance.get())) {
         throw Failure(kOfxStatFailed, "the host does not keep the instance");
     }
-    instance.release();
+    static_cast<void>(instance.release());  // the host has it now
 }
 
 void Instance::destroy(OfxImageEffectHandle effect) {

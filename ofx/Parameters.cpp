@@ -104,7 +104,7 @@ ParameterList::ParameterList(const KnobPanel& panel) {
         if (type == nullptr) continue;
         const bool tool = knob->kind() == Knob::Kind::kToolButton;
         std::string name = knob->name();
-        if (uses[name] > 1) name = identifier(tab) + "_" + name;
+        if (uses[name] > 1) name.insert(0, identifier(tab) + "_");
         const std::string label = tool ? tool_label(knob->label(), caption) : knob->label();
         const std::size_t place = knob->flag(kKnobLooks) ? sampling : group;
         if (place != Parameter::kNoGroup) groups_[place].members.push_back(name);

@@ -42,7 +42,7 @@ Sample from_float(float v) {
         // Exact in double; in float the sum would round once more.
         constexpr double kWhite = static_cast<Sample>(-1);
         const float clipped = v > 0.0f ? (v < 1.0f ? v : 1.0f) : 0.0f;
-        return static_cast<Sample>(static_cast<double>(clipped) * kWhite + 0.5);
+        return static_cast<Sample>(static_cast<double>(clipped) * kWhite + 0.5);  // NOLINT: never negative
     }
 }
 

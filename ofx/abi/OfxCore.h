@@ -7,7 +7,7 @@
  * Rectangles are half open: x1 <= x < x2, y1 <= y < y2, y grows upward. */
 #pragma once
 
-#include <stddef.h>
+#include <cstddef>
 
 extern "C" {
 
@@ -55,7 +55,7 @@ typedef struct OfxPlugin {
 /* What a plug-in's binary exports. GetPlugin: 0 <= nth < number, the same static object each time, null for
  * any other index. SetHost is optional and comes first. */
 #define OfxExport __attribute__((visibility("default")))
-OfxExport int OfxGetNumberOfPlugins(void);
+OfxExport int OfxGetNumberOfPlugins();
 OfxExport OfxPlugin* OfxGetPlugin(int nth);
 OfxExport OfxStatus OfxSetHost(const OfxHost* host);
 

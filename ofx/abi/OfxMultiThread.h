@@ -17,7 +17,7 @@ typedef struct OfxMultiThreadSuiteV1 {
     OfxStatus (*multiThread)(OfxThreadFunctionV1 func, unsigned int nThreads, void* customArg);
     OfxStatus (*multiThreadNumCPUs)(unsigned int* nCPUs);
     OfxStatus (*multiThreadIndex)(unsigned int* threadIndex);
-    int (*multiThreadIsSpawnedThread)(void);
+    int (*multiThreadIsSpawnedThread)();
     OfxStatus (*mutexCreate)(OfxMutexHandle* mutex, int lockCount);
     OfxStatus (*mutexDestroy)(const OfxMutexHandle mutex);
     OfxStatus (*mutexLock)(const OfxMutexHandle mutex);
