@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Lints the sources with clang-tidy. Arguments are the files to look at; without any, all of them. With --changed
-# those that differ from the main branch that this one left, or on that branch itself from the commit before.
+# those that the latest commit changed.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -8,8 +8,7 @@ cd "$(dirname "$0")/.."
 sources=(':!src/*Lanes.cpp' 'zoimage/*.cpp' 'src/*.cpp' 'shot/*.cpp' 'plates/*.cpp' 'apps/*.cpp' 'ofx/*.cpp')
 files=("$@")
 if [ "${1:-}" = --changed ]; then
-    base=$(git merge-base HEAD origin/main 2>/dev/null || true)
-    [ -n "$base" ] && [ "$base" != "$(git rev-parse HEAD)" ] || base=$(git rev-parse -q --verify HEAD~1 || true)
+    base=$(git rev-parse -q --verify HEAD~1 || true)
     [ -n "$base" ] || exit 0
     mapfile -t files < <(git diff --name-only --diff-filter=d "$base" -- "${sources[@]}")
     [ ${#files[@]} -gt 0 ] || exit 0
