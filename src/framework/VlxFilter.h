@@ -8,11 +8,9 @@
 #pragma once
 
 #include <array>
-#include <atomic>
 
 #include "ZoImage/FramePlane.h"
-#include "ZoImage/Lock.h"
-#include "framework/ParallelLoop.h"
+#include "framework/FrameOnce.h"
 #include "framework/VlxIop.h"
 
 class VlxFilter : public VlxIop {
@@ -37,10 +35,6 @@ class VlxFilter : public VlxIop {
         return frame_[static_cast<std::size_t>(c - Zo::Image::kRed)];
     }
 
-    // Gives a kernel a loop that the waiting threads share and that leaves out all pieces once the
-    // render is aborted, so that none reads what an earlier one did not write. False when any was.
-    bool run_kernel(Zo::Image::Lock& lock, const std::function<void(const ParallelLoop&)>& kernel) const;
-
     void _validate(bool for_real) override;
     void _close() override;
     void _request(int x, int y, int r, int t, Zo::Image::ChannelSet channels, int count) override;
@@ -48,10 +42,8 @@ class VlxFilter : public VlxIop {
 
   private:
     void forget_frame();
-    bool ensure_frame();
 
-    Zo::Image::Lock lock_;
-    std::atomic<bool> done_{false};
+    FrameOnce once_;
     std::array<Zo::Image::FramePlane<float>, 4> frame_;
     Zo::Image::ChannelSet own_channels_;
 };

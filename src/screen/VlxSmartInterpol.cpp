@@ -36,5 +36,5 @@ bool VlxSmartInterpol::compute_frame(Lock& lock) {
     };
     if (!fetch_rows(sources, box, &lock, keep)) return false;
     const SmartInterpolParams params = smart_interpol_params(controls());
-    return run_kernel(lock, [&](const ParallelLoop& loop) { interpol.run(params, planes, loop); });
+    return run_kernel(*this, lock, [&](const ParallelLoop& loop) { interpol.run(params, planes, loop); });
 }

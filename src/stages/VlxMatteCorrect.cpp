@@ -38,7 +38,7 @@ bool VlxMatteCorrect::compute_frame(Lock& lock) {
 
     const auto limit = mode_ == 0 ? MatteLimit::kAbove : MatteLimit::kBelow;
     const std::int32_t radius = controls().get(controls::kEdgeKernel);
-    return run_kernel(lock, [&](const ParallelLoop& loop) {
+    return run_kernel(*this, lock, [&](const ParallelLoop& loop) {
         matte_correct(limit, radius, box.width(), box.height(), matte.data(),
                       shared ? matte.data() : result.data(), result.data(), loop);
     });
