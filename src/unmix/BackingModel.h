@@ -1,0 +1,38 @@
+// What is known of the backing: its colour everywhere, its noise, where the plate surely shows it.
+//
+// Colours are in light: what the plate's values stand for, so that a mixture is a weighted sum. Values that are
+// no number count as 0 there.
+#pragma once
+
+#include <array>
+
+#include "unmix/FrameScale.h"
+#include "unmix/Plane.h"
+
+namespace unmix {
+
+// A symmetric 3 x 3 matrix: rr, rg, rb, gg, gb, bb.
+using Covariance = std::array<float, 6>;
+
+struct BackingModel {
+    FrameScale scale;
+    int screen = 1;                 // the screen's primary
+    std::array<int, 2> others{0, 2};  // and the two other channels
+
+    Colours light;   // the plate, every pixel
+    Colours means;   // and its means, coarse
+    Colours clean;   // the clean plate in light, every pixel; empty without one
+    Colours coarse;  // the backing at the coarse cells
+    Colours added;   // with a clean plate: coarse, what the backing has beyond it
+    Bytes sure;      // coarse: the plate shows it
+
+    bool found = false;  // whether any pixel is sure
+    Covariance noise{};  // of a pixel
+    std::array<float, 3> sigma{};
+    std::array<float, 3> colour{};  // of the screen: the median backing over its primary's
+
+    // The backing at pixels x to r - 1 of row y.
+    void row(int y, int x, int r, const std::array<float*, 3>& out) const;
+};
+
+}  // namespace unmix

@@ -1,0 +1,52 @@
+#include "unmix/UnmixStage.h"
+
+using namespace Zo::Image;
+
+void UnmixStage::setup() {
+    Hash hash;
+    append_params(hash);
+    for (int n = 0; n < inputs(); ++n) {
+        if (const Op* op = input_op(n); op != nullptr) {
+            hash.append(n);
+            hash.append(op->hash());
+        }
+    }
+    invalidate(hash);
+}
+
+bool UnmixStage::make(Lock& helpers) {
+    return once_.ensure([&](Lock&) { return compute(helpers); });
+}
+
+void UnmixStage::_validate(bool /*for_real*/) {
+    copy_info();
+    set_out_channels(kMaskRgba);
+    info_.channels += kMaskRgba;
+    once_.forget();
+    forget();
+}
+
+void UnmixStage::_close() {
+    once_.forget();
+    forget();
+    Iop::_close();
+}
+
+void UnmixStage::_request(int /*x*/, int /*y*/, int /*r*/, int /*t*/, ChannelSet /*channels*/, int count) {
+    const Box& box = info_.box;
+    hold(bytes_for(static_cast<std::size_t>(box.width()) * static_cast<std::size_t>(box.height())));
+    for (int n = 0; n < inputs(); ++n) {
+        if (input_op(n) != nullptr) input(n).request(box.x, box.y, box.r, box.t, kMaskRgba, count);
+    }
+}
+
+void UnmixStage::engine(int y, int x, int r, const ChannelSet& channels, Row& row) {
+    if (!channels.intersects(kMaskRgba)) {
+        row.get(input(0), y, channels);
+        return;
+    }
+    if (!once_.ensure([this](Lock& lock) { return compute(lock); }) || aborted()) return;
+    row.get(input(0), y, channels - kMaskRgba);
+    show(y - info_.box.y, x - info_.box.x, channels & kMaskRgba, row);
+    (void)r;
+}
