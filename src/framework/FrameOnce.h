@@ -1,5 +1,5 @@
-// A result that is made once for a frame, by whichever thread needs it first; threads that come meanwhile help
-// with its loops and then find it done.
+// A result that is made once for a frame, by whichever thread needs it first; threads that come meanwhile
+// help with its loops and then find it done.
 //
 // Any thread may ask for it during a render. forget() is for validation and close, when no render runs.
 #pragma once

@@ -1,5 +1,5 @@
-// Logarithm and exponential in single precision, for plain loops that compilers turn into vectors. Relative errors
-// are below 2e-6; what matters is that every form gives the same bits.
+// Logarithm and exponential in single precision, for plain loops that compilers turn into vectors. Relative
+// errors are below 2e-6; what matters is that every form gives the same bits.
 #pragma once
 
 #include <bit>
@@ -27,8 +27,9 @@ namespace kernel {
     const float shifted = x * 1.442695f + kIntoLowBits;
     const float k = shifted - kIntoLowBits;
     const float r = (x - k * 0.693359375f) - k * -2.12194440e-4f;
-    const float series = 1.0f + r * (1.0f + r * (0.5f + r * (1.0f / 6.0f + r * (1.0f / 24.0f +
-                         r * (1.0f / 120.0f + r * (1.0f / 720.0f))))));
+    const float series =
+        1.0f + r * (1.0f + r * (0.5f + r * (1.0f / 6.0f +
+                                            r * (1.0f / 24.0f + r * (1.0f / 120.0f + r * (1.0f / 720.0f))))));
     return series * std::bit_cast<float>((std::bit_cast<std::uint32_t>(shifted) + 127U) << 23U);
 }
 

@@ -68,8 +68,8 @@ class Fit {
     }
 
     // Whether a colour is that of the backing but for its brightness, which is `ratio` of it.
-    static bool same_hue(const std::array<float, 3>& colour, const std::array<float, 3>& backing, float tolerance,
-                         const std::array<float, 3>& sigma, float& ratio) {
+    static bool same_hue(const std::array<float, 3>& colour, const std::array<float, 3>& backing,
+                         float tolerance, const std::array<float, 3>& sigma, float& ratio) {
         float along = 0.0f;
         float square = 0.0f;
         for (std::size_t c = 0; c < 3; ++c) {
@@ -96,7 +96,8 @@ class Fit {
             for (const auto& colour : settings_.taught) {
                 float ratio = 0.0f;
                 const float tolerance = 3.0f * kTolerance * brightest(colour);
-                if (!same_hue(mean(i), colour, tolerance, {}, ratio) || ratio < 0.65f || ratio > 1.5f) continue;
+                if (!same_hue(mean(i), colour, tolerance, {}, ratio) || ratio < 0.65f || ratio > 1.5f)
+                    continue;
                 taught_[i] = 1;
                 hue.may[i] = 1;
                 hue.sure[i] = 1;
@@ -212,7 +213,8 @@ class Fit {
         for (std::size_t c = 0; c < 3; ++c) sigma[c] = strict * model_.sigma[c];
         float ratio = 0.0f;
         return std::abs(level - around) < kUnevenNoise * model_.sigma[screen()] + kUneven * level &&
-               share > 1.0f - kDarkestFold * settings_.folds && share < 1.0f + kBrightestFold * settings_.folds &&
+               share > 1.0f - kDarkestFold * settings_.folds &&
+               share < 1.0f + kBrightestFold * settings_.folds &&
                same_hue(colour, backing, strict * tolerance, sigma, ratio);
     }
 

@@ -1,7 +1,7 @@
 // What is known of the backing: its colour everywhere, its noise, where the plate surely shows it.
 //
-// Colours are in light: what the plate's values stand for, so that a mixture is a weighted sum. Values that are
-// no number count as 0 there.
+// Colours are in light: what the plate's values stand for, so that a mixture is a weighted sum. Values that
+// are no number count as 0 there.
 #pragma once
 
 #include <array>
@@ -16,7 +16,7 @@ using Covariance = std::array<float, 6>;
 
 struct BackingModel {
     FrameScale scale;
-    int screen = 1;                 // the screen's primary
+    int screen = 1;                   // the screen's primary
     std::array<int, 2> others{0, 2};  // and the two other channels
 
     Colours light;   // the plate, every pixel

@@ -31,11 +31,16 @@ template <class Fold>
 [[gnu::always_inline]] inline void fold_known(const float* in, int radius, float* scratch, float* out,
                                               std::size_t width, std::size_t height, const Fold& fold) {
     switch (radius) {
-        case 1: return fold_boxes(in, 1, scratch, out, width, height, fold);
-        case 2: return fold_boxes(in, 2, scratch, out, width, height, fold);
-        case 3: return fold_boxes(in, 3, scratch, out, width, height, fold);
-        case 5: return fold_boxes(in, 5, scratch, out, width, height, fold);
-        default: return fold_boxes(in, radius, scratch, out, width, height, fold);
+        case 1:
+            return fold_boxes(in, 1, scratch, out, width, height, fold);
+        case 2:
+            return fold_boxes(in, 2, scratch, out, width, height, fold);
+        case 3:
+            return fold_boxes(in, 3, scratch, out, width, height, fold);
+        case 5:
+            return fold_boxes(in, 5, scratch, out, width, height, fold);
+        default:
+            return fold_boxes(in, radius, scratch, out, width, height, fold);
     }
 }
 
@@ -45,7 +50,8 @@ void box_sum(const float* in, int radius, float* scratch, float* out, std::size_
     fold_known(in, radius, scratch, out, width, height, [](float a, float b) { return a + b; });
 }
 
-void box_most_of(const float* in, int radius, float* scratch, float* out, std::size_t width, std::size_t height) {
+void box_most_of(const float* in, int radius, float* scratch, float* out, std::size_t width,
+                 std::size_t height) {
     fold_known(in, radius, scratch, out, width, height, [](float a, float b) { return a > b ? a : b; });
 }
 

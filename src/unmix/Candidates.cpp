@@ -52,7 +52,10 @@ float own_spread(std::size_t n) {
 class Finder {
   public:
     Finder(const BackingModel& backing, const Segmentation& segmentation, const ParallelLoop& loop)
-        : backing_(backing), segmentation_(segmentation), loop_(loop), width_(backing.coarse[0].width()),
+        : backing_(backing),
+          segmentation_(segmentation),
+          loop_(loop),
+          width_(backing.coarse[0].width()),
           height_(backing.coarse[0].height()) {}
 
     void run(const CandidateSettings& settings, Candidates& found) {
@@ -111,7 +114,8 @@ class Finder {
         std::array<float, 9> sums{};
         for (int py = y * side; py < top; ++py) {
             for (int px = x * side; px < right; ++px) {
-                const std::array v{backing_.light[0](px, py), backing_.light[1](px, py), backing_.light[2](px, py)};
+                const std::array v{backing_.light[0](px, py), backing_.light[1](px, py),
+                                   backing_.light[2](px, py)};
                 for (std::size_t c = 0; c < 3; ++c) sums[c] += v[c];
                 for (std::size_t n = 0; n < 6; ++n) sums[3 + n] += v[kPairs[n][0]] * v[kPairs[n][1]];
             }
@@ -188,8 +192,8 @@ class Finder {
         });
     }
 
-    static void describe(const std::vector<std::array<float, 3>>& samples, const std::vector<std::size_t>& members,
-                         CommonColour& colour) {
+    static void describe(const std::vector<std::array<float, 3>>& samples,
+                         const std::vector<std::size_t>& members, CommonColour& colour) {
         std::array<double, 3> mean{};
         const auto count = static_cast<double>(members.size());
         for (const std::size_t i : members) {
@@ -199,11 +203,13 @@ class Finder {
         for (const std::size_t i : members) {
             for (std::size_t n = 0; n < 6; ++n) {
                 spread[n] += (static_cast<double>(samples[i][kPairs[n][0]]) - mean[kPairs[n][0]]) *
-                             (static_cast<double>(samples[i][kPairs[n][1]]) - mean[kPairs[n][1]]) / (count - 1.0);
+                             (static_cast<double>(samples[i][kPairs[n][1]]) - mean[kPairs[n][1]]) /
+                             (count - 1.0);
             }
         }
         for (std::size_t c = 0; c < 3; ++c) colour.mean[c] = static_cast<float>(mean[c]);
-        for (std::size_t n = 0; n < 6; ++n) colour.covariance[n] = static_cast<float>(spread[n]) + own_spread(n);
+        for (std::size_t n = 0; n < 6; ++n)
+            colour.covariance[n] = static_cast<float>(spread[n]) + own_spread(n);
         colour.share = 0.0f;
     }
 

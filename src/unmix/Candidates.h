@@ -21,7 +21,7 @@ struct Candidates {
     CommonColour neutral{};
     std::vector<NearColour> nearest;     // a coarse cell each; empty without solids to take colours from
     std::vector<CommonColour> clusters;  // of the rims' colours
-    std::vector<Floats> away;            // of each cluster, cells of twice the coarse side: pixels to its nearest
+    std::vector<Floats> away;  // of each cluster, cells of twice the coarse side: pixels to its nearest
 };
 
 struct CandidateSettings {

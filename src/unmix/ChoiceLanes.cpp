@@ -8,42 +8,55 @@ namespace {
 constexpr float kOddsOfLead = 0.5f;
 constexpr float kOddsOfNear = 4.0f;
 
+// Both values are at hand, so that no form has to branch.
+[[gnu::always_inline]] inline void take(bool better, float other, float& present) {
+    const float old = present;
+    present = better ? other : old;
+}
+
 }  // namespace
 
-void take_better(const Solved& other, const float* mean, const float* away, float number, const ChoiceRows& choice,
-                 std::size_t n) {
-    const Solved from = other;
-    float* __restrict const best = choice.best;
-    float* __restrict const alpha = choice.chosen.alpha;
-    float* __restrict const cost = choice.chosen.cost;
-    float* __restrict const by_noise = choice.chosen.by_noise;
-    float* __restrict const variance = choice.chosen.variance;
-    float* __restrict const numbers = choice.number;
+void take_better(const Solved& other, const float* mean, const float* away, float number,
+                 const ChoiceRows& choice, std::size_t n) {
+    const float* const from_alpha = other.alpha;
+    const float* const from_cost = other.cost;
+    const float* const from_noise = other.by_noise;
+    const float* const from_variance = other.variance;
+    float* const best = choice.best;
+    float* const alpha = choice.chosen.alpha;
+    float* const cost = choice.chosen.cost;
+    float* const by_noise = choice.chosen.by_noise;
+    float* const variance = choice.chosen.variance;
+    float* const numbers = choice.number;
+#pragma GCC ivdep
     for (std::size_t i = 0; i < n; ++i) {
         const float whole = mean[i] + away[i];
         const bool better = whole < best[i];
-        best[i] = better ? whole : best[i];
-        alpha[i] = better ? from.alpha[i] : alpha[i];
-        cost[i] = better ? from.cost[i] + away[i] : cost[i];
-        by_noise[i] = better ? from.by_noise[i] : by_noise[i];
-        variance[i] = better ? from.variance[i] : variance[i];
-        numbers[i] = better ? number : numbers[i];
+        take(better, whole, best[i]);
+        take(better, from_alpha[i], alpha[i]);
+        take(better, from_cost[i] + away[i], cost[i]);
+        take(better, from_noise[i], by_noise[i]);
+        take(better, from_variance[i], variance[i]);
+        take(better, number, numbers[i]);
     }
 }
 
 void mix_neutral(const Solved& neutral, const float* lead, const float* near, const ChoiceRows& choice,
                  std::size_t n) {
-    const Solved from = neutral;
-    float* __restrict const alpha = choice.chosen.alpha;
-    float* __restrict const by_noise = choice.chosen.by_noise;
-    float* __restrict const variance = choice.chosen.variance;
-    float* __restrict const numbers = choice.number;
+    const float* const from_alpha = neutral.alpha;
+    const float* const from_noise = neutral.by_noise;
+    const float* const from_variance = neutral.variance;
+    float* const alpha = choice.chosen.alpha;
+    float* const by_noise = choice.chosen.by_noise;
+    float* const variance = choice.chosen.variance;
+    float* const numbers = choice.number;
+#pragma GCC ivdep
     for (std::size_t i = 0; i < n; ++i) {
         const float odds = kOddsOfLead * lead[i] + kOddsOfNear * near[i];
         const float p = 1.0f / (1.0f + kernel::float_exp(-odds));
-        alpha[i] = p * alpha[i] + (1.0f - p) * from.alpha[i];
-        by_noise[i] = p * by_noise[i] + (1.0f - p) * from.by_noise[i];
-        variance[i] = p * variance[i] + (1.0f - p) * from.variance[i];
+        alpha[i] = p * alpha[i] + (1.0f - p) * from_alpha[i];
+        by_noise[i] = p * by_noise[i] + (1.0f - p) * from_noise[i];
+        variance[i] = p * variance[i] + (1.0f - p) * from_variance[i];
         numbers[i] = p < 0.5f ? 1.0f : numbers[i];
     }
 }

@@ -122,7 +122,8 @@ class Cleaner {
         fold(box_sum, s.mask, kSmooth, s.sum_mask, s);
         fold(box_sum, s.variance, kSmooth, s.sum_variance, s);
         s.spare.halo = kHalo;
-        for (std::size_t i = 0; i < Patch::kMost; ++i) s.spare.pixels[i] = s.alpha.pixels[i] * s.mask.pixels[i];
+        for (std::size_t i = 0; i < Patch::kMost; ++i)
+            s.spare.pixels[i] = s.alpha.pixels[i] * s.mask.pixels[i];
         fold(box_sum, s.spare, kSmooth, s.sum_alpha, s);
         for (std::size_t i = 0; i < Patch::kMost; ++i) s.spare.pixels[i] *= s.alpha.pixels[i];
         fold(box_sum, s.spare, kSmooth, s.sum_square, s);
@@ -151,13 +152,14 @@ class Cleaner {
         s.spare.halo = kBeforeSeen;
         each_row(kBeforeSeen, [&](int y) {
             mark_seen(params_, s.alpha.row(y, kBeforeSeen), s.sum_alpha.row(y, kBeforeSeen),
-                      s.variance.row(y, kBeforeSeen), s.unknown.row(y, kBeforeSeen), s.solid.row(y, kBeforeSeen),
-                      s.spare.row(y, kBeforeSeen), span(kBeforeSeen));
+                      s.variance.row(y, kBeforeSeen), s.unknown.row(y, kBeforeSeen),
+                      s.solid.row(y, kBeforeSeen), s.spare.row(y, kBeforeSeen), span(kBeforeSeen));
         });
         fold(box_sum, s.spare, kSeen, s.sum_mask, s);
         each_row(kBeforeOpaque, [&](int y) {
             pull_to_clear(params_, s.sum_mask.row(y, kBeforeOpaque), s.variance.row(y, kBeforeOpaque),
-                          s.unknown.row(y, kBeforeOpaque), s.alpha.row(y, kBeforeOpaque), span(kBeforeOpaque));
+                          s.unknown.row(y, kBeforeOpaque), s.alpha.row(y, kBeforeOpaque),
+                          span(kBeforeOpaque));
         });
     }
 

@@ -17,7 +17,7 @@ constexpr float kLeastSeen = 0.03f;
 constexpr float kSlope = 3.0f;  // of the density of alphas that are not 0
 constexpr float kGround = 0.3f;
 constexpr float kHalfNormal = 0.79788456f;  // its density at 0 for a deviation of 1
-constexpr float kOpaqueDeviation = 0.5f;    // of all that makes alpha uncertain, how much is symmetric around 1
+constexpr float kOpaqueDeviation = 0.5f;  // of all that makes alpha uncertain, how much is symmetric around 1
 constexpr float kMostUncertain = 0.15f;
 
 [[gnu::always_inline]] inline float larger(float a, float b) {
@@ -78,8 +78,8 @@ void mark_seen(const CleanParams& params, const float* alpha, const float* sum, 
     }
 }
 
-void pull_to_clear(const CleanParams& params, const float* marked, const float* variance, const float* unknown,
-                   float* __restrict alpha, size_t n) {
+void pull_to_clear(const CleanParams& params, const float* marked, const float* variance,
+                   const float* unknown, float* __restrict alpha, size_t n) {
     const float denoise = params.denoise;
     for (size_t i = 0; i < n; ++i) {
         const float a = alpha[i];
@@ -103,8 +103,8 @@ void mark_opaque(const CleanParams& params, const float* alpha, const float* dev
     }
 }
 
-void pull_to_opaque(const CleanParams& params, const float* marked, const float* deviation, const float* unknown,
-                    float* __restrict alpha, size_t n) {
+void pull_to_opaque(const CleanParams& params, const float* marked, const float* deviation,
+                    const float* unknown, float* __restrict alpha, size_t n) {
     const float denoise = params.denoise;
     const float scale = kOpaqueDeviation * denoise;
     for (size_t i = 0; i < n; ++i) {

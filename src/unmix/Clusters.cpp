@@ -40,8 +40,8 @@ std::vector<Colour> starts(const std::vector<std::array<float, 3>>& samples, std
             away[i] = std::min(away[i], apart(found.back(), samples[i]));
         }
         std::iota(order.begin(), order.end(), std::size_t{0});
-        const auto at = order.begin() +
-                        static_cast<std::ptrdiff_t>(kFarthest * static_cast<double>(samples.size() - 1));
+        const auto at =
+            order.begin() + static_cast<std::ptrdiff_t>(kFarthest * static_cast<double>(samples.size() - 1));
         std::nth_element(order.begin(), at, order.end(), [&](std::size_t a, std::size_t b) {
             return away[a] != away[b] ? away[a] < away[b] : a < b;
         });

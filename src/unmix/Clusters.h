@@ -11,8 +11,8 @@ struct Clusters {
     std::vector<int> of;  // the cluster of each sample
 };
 
-// Lloyd's k-means, eight rounds. Deterministic: each start is the sample that 98 in a hundred are nearer to the
-// starts before than. No more clusters than samples.
+// Lloyd's k-means, eight rounds. Deterministic: each start is the sample that 98 in a hundred are nearer to
+// the starts before than. No more clusters than samples.
 Clusters find_clusters(const std::vector<std::array<float, 3>>& samples, int count);
 
 }  // namespace unmix

@@ -16,8 +16,13 @@ class Painter {
   public:
     Painter(const BackingModel& backing, const Floats& alpha, const SpillParams& params, Encoding encoding,
             Colours& colour)
-        : backing_(backing), alpha_(alpha), params_(params), encoding_(encoding), colour_(colour),
-          width_(backing.scale.width), stride_(static_cast<std::size_t>(backing.scale.width) + 2) {
+        : backing_(backing),
+          alpha_(alpha),
+          params_(params),
+          encoding_(encoding),
+          colour_(colour),
+          width_(backing.scale.width),
+          stride_(static_cast<std::size_t>(backing.scale.width) + 2) {
         for (auto& plane : padded_) plane.resize(stride_ * (kStrip + 2));
         for (auto& plane : sums_) plane.resize(static_cast<std::size_t>(width_) * kStrip);
         for (auto& line : lines_) line.resize(static_cast<std::size_t>(width_));
@@ -98,8 +103,8 @@ class Painter {
 
 }  // namespace
 
-void colour_frame(const BackingModel& backing, const Floats& alpha, const SpillParams& params, Encoding encoding,
-                  Colours& colour, const ParallelLoop& loop) {
+void colour_frame(const BackingModel& backing, const Floats& alpha, const SpillParams& params,
+                  Encoding encoding, Colours& colour, const ParallelLoop& loop) {
     const int height = backing.scale.height;
     resize(colour, backing.scale.width, height);
     loop(0, (height + kStrip - 1) / kStrip, 4, [&](int begin, int end) {

@@ -125,7 +125,8 @@ void FrameCubic::evaluate(Colours& cells) const {
         for (int x = 0; x < cells[0].width(); ++x) {
             const Terms at = terms(place(x, cells[0].width()), place(y, cells[0].height()));
             for (std::size_t c = 0; c < 3; ++c) {
-                cells[c](x, y) = std::clamp(static_cast<float>(value_of(coefficients_[c], at)), low_[c], high_[c]);
+                cells[c](x, y) =
+                    std::clamp(static_cast<float>(value_of(coefficients_[c], at)), low_[c], high_[c]);
             }
         }
     }

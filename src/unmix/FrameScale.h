@@ -1,5 +1,5 @@
-// Lengths and reduced grids of a frame. Lengths of the unmixing matte are pixels of a frame 1080 high; grids are
-// coarser on larger frames, so that work grows no faster than pixels do.
+// Lengths and reduced grids of a frame. Lengths of the unmixing matte are pixels of a frame 1080 high; grids
+// are coarser on larger frames, so that work grows no faster than pixels do.
 #pragma once
 
 #include <algorithm>
@@ -15,7 +15,7 @@ struct FrameScale {
           pixels(static_cast<float>(std::min(frame_width, frame_height)) / 1080.0f),
           step(std::max(1, static_cast<int>(std::lround(pixels)))) {}
 
-    int width = 0;   // of the frame
+    int width = 0;  // of the frame
     int height = 0;
     float pixels = 1.0f;  // that a length of 1 takes
     int step = 1;

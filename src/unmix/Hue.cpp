@@ -27,8 +27,8 @@ std::vector<double> smoothed(const std::vector<double>& counts) {
             const int at = stride == 1 ? i % kBins : i / kBins;
             for (int d = -3; d <= 3; ++d) {
                 if (at + d < 0 || at + d >= kBins) continue;
-                next[static_cast<std::size_t>(i)] +=
-                    kTaps[static_cast<std::size_t>(std::abs(d))] * pass[static_cast<std::size_t>(i + d * stride)];
+                next[static_cast<std::size_t>(i)] += kTaps[static_cast<std::size_t>(std::abs(d))] *
+                                                     pass[static_cast<std::size_t>(i + d * stride)];
             }
         }
         pass = std::move(next);

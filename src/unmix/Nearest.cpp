@@ -14,7 +14,8 @@ constexpr float kFar = 1e4f;
 // One row: of the columns' nearest rows, the one whose pixel is nearest.
 class Envelope {
   public:
-    explicit Envelope(int width) : at_(static_cast<std::size_t>(width)), from_(static_cast<std::size_t>(width) + 1) {}
+    explicit Envelope(int width)
+        : at_(static_cast<std::size_t>(width)), from_(static_cast<std::size_t>(width) + 1) {}
 
     template <class Visit>
     void run(const std::int32_t* rows, int y, int width, const Visit& visit) {
@@ -28,7 +29,8 @@ class Envelope {
             double start = -std::numeric_limits<double>::infinity();
             while (n >= 0) {
                 const int q = at_[static_cast<std::size_t>(n)];
-                start = ((height_at(x) + static_cast<double>(x) * x) - (height_at(q) + static_cast<double>(q) * q)) /
+                start = ((height_at(x) + static_cast<double>(x) * x) -
+                         (height_at(q) + static_cast<double>(q) * q)) /
                         (2.0 * (x - q));
                 if (start > from_[static_cast<std::size_t>(n)]) break;
                 --n;
@@ -95,7 +97,8 @@ void nearest(const Bytes& mask, Plane<std::int32_t>& index, Floats* away, const 
             envelope.run(line, y, width, [&](int x, int at) {
                 to[x] = at < 0 ? -1 : line[at] * width + at;
                 if (far == nullptr) return;
-                far[x] = at < 0 ? kFar : std::hypot(static_cast<float>(at - x), static_cast<float>(line[at] - y));
+                far[x] =
+                    at < 0 ? kFar : std::hypot(static_cast<float>(at - x), static_cast<float>(line[at] - y));
             });
         }
     });

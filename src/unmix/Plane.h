@@ -50,7 +50,7 @@ class Plane {
 };
 
 using Floats = Plane<float>;
-using Bytes = Plane<std::uint8_t>;  // masks: 0 or 1
+using Bytes = Plane<std::uint8_t>;      // masks: 0 or 1
 using Colours = std::array<Floats, 3>;  // red, green, blue
 
 inline void resize(Colours& colours, int width, int height) {

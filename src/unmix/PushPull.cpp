@@ -60,7 +60,8 @@ void PushPull::resize(int width, int height) {
     for (auto& planes : filled_) fit(planes);
 }
 
-void PushPull::run(const Colours& values, const Bytes& mask, int from, Colours& out, const ParallelLoop& loop) {
+void PushPull::run(const Colours& values, const Bytes& mask, int from, Colours& out,
+                   const ParallelLoop& loop) {
     resize(mask.width(), mask.height());
     loop(0, 4, 1, [&](int begin, int end) {
         for (auto c = static_cast<std::size_t>(begin); c < static_cast<std::size_t>(end); ++c) {

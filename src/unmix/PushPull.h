@@ -1,5 +1,5 @@
-// Fills what is known here and there in over the whole picture: each level of a pyramid takes from the coarser
-// one what its own weight does not cover (Gortler, Grzeszczuk, Szeliski, Cohen: The Lumigraph, 1996).
+// Fills what is known here and there in over the whole picture: each level of a pyramid takes from the
+// coarser one what its own weight does not cover (Gortler, Grzeszczuk, Szeliski, Cohen: The Lumigraph, 1996).
 #pragma once
 
 #include <vector>
@@ -11,8 +11,8 @@ namespace unmix {
 
 class PushPull {
   public:
-    // Reads `values` where `mask` is set; writes every pixel of `out`. Levels below `from` are left out, which
-    // smooths: level n has 2^n pixels to a side. Where nothing is known at all `out` is 0.
+    // Reads `values` where `mask` is set; writes every pixel of `out`. Levels below `from` are left out,
+    // which smooths: level n has 2^n pixels to a side. Where nothing is known at all `out` is 0.
     void run(const Colours& values, const Bytes& mask, int from, Colours& out, const ParallelLoop& loop);
 
   private:

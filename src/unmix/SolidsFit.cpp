@@ -29,7 +29,7 @@ constexpr float kRim = 12.0f;     // the less so the deeper
 constexpr float kAround = 24.0f;
 constexpr float kRimOfSpill = 6.0f;
 
-constexpr float kSolidWidths = 2.0f;   // times the edge's width
+constexpr float kSolidWidths = 2.0f;  // times the edge's width
 constexpr float kSourceWidths = 2.7f;
 constexpr float kWhite = 1.05f;
 constexpr float kLeastLead = 0.02f;
@@ -38,7 +38,8 @@ constexpr float kTaughtTolerance = 0.04f;
 
 class Fit {
   public:
-    Fit(const BackingModel& backing, const SolidsSettings& settings, Segmentation& found, const ParallelLoop& loop)
+    Fit(const BackingModel& backing, const SolidsSettings& settings, Segmentation& found,
+        const ParallelLoop& loop)
         : backing_(backing), settings_(settings), found_(found), loop_(loop) {}
 
     void run(const Floats& garbage, const Floats& holdout) {
@@ -158,7 +159,9 @@ class Fit {
             }
         }
         if (!any(deep)) return {};
-        const auto radius = [&](float length) { return std::max(1, static_cast<int>(std::lround(cells(length) / 2.0f))); };
+        const auto radius = [&](float length) {
+            return std::max(1, static_cast<int>(std::lround(cells(length) / 2.0f)));
+        };
         Floats a;
         Floats b;
         box_mean(weighted, radius(kRim), a);

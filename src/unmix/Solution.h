@@ -9,7 +9,8 @@ struct Solution {
     Floats alpha;      // 0 and 1 where it was known before
     Floats variance;   // of alpha by the plate's noise; 0 where alpha was known
     Floats deviation;  // of alpha by noise and the colours' spread
-    Bytes candidate;   // 0 known before, 1 neutral, 2 nearest solid, 3 and more the clusters of the solids' rims
+    Bytes
+        candidate;  // 0 known before, 1 neutral, 2 nearest solid, 3 and more the clusters of the solids' rims
 };
 
 }  // namespace unmix

@@ -48,7 +48,10 @@ class Solver {
   public:
     Solver(const BackingModel& backing, const Segmentation& segmentation, const Candidates& candidates,
            Solution& solution)
-        : backing_(backing), segmentation_(segmentation), candidates_(candidates), solution_(solution),
+        : backing_(backing),
+          segmentation_(segmentation),
+          candidates_(candidates),
+          solution_(solution),
           noise_{backing.noise} {}
 
     void tile(int left, int bottom) {
@@ -93,7 +96,8 @@ class Solver {
             }
             std::fill(solution_.variance.row(y) + left_, solution_.variance.row(y) + right, 0.0f);
             std::fill(solution_.deviation.row(y) + left_, solution_.deviation.row(y) + right, 0.0f);
-            std::fill(solution_.candidate.row(y) + left_, solution_.candidate.row(y) + right, std::uint8_t{0});
+            std::fill(solution_.candidate.row(y) + left_, solution_.candidate.row(y) + right,
+                      std::uint8_t{0});
         }
     }
 
@@ -155,8 +159,8 @@ class Solver {
                 kHigh - 2 * kReach);
     }
 
-    // The mean of `values` over the unknown pixels around each. What lies within `kReach` of the tile's halo's
-    // edge gets no mean, and is not looked at again.
+    // The mean of `values` over the unknown pixels around each. What lies within `kReach` of the tile's
+    // halo's edge gets no mean, and is not looked at again.
     void average(Scratch& s, const Line& values, Line& means) {
         for (std::size_t i = 0; i < count_; ++i) s.spread[s.place[i]] = values[i];
         constexpr int kInner = kWide - 2 * kReach;
@@ -208,8 +212,8 @@ class Solver {
             solve_common(noise_, pixels(s), candidates_.clusters[k], s.other.pointers(), count_);
             for (std::size_t i = 0; i < count_; ++i) s.lead[i] = std::min(s.other.cost[i], kMostCost);
             average(s, s.lead, s.mean);
-            take_better(s.other.pointers(), s.mean.data(), s.away.data(), kNearest + 1.0f + static_cast<float>(k),
-                        choice(s), count_);
+            take_better(s.other.pointers(), s.mean.data(), s.away.data(),
+                        kNearest + 1.0f + static_cast<float>(k), choice(s), count_);
         }
     }
 
@@ -242,7 +246,8 @@ void solve_frame(const BackingModel& backing, const Segmentation& segmentation, 
                  Solution& solution, const ParallelLoop& loop) {
     const int width = backing.scale.width;
     const int height = backing.scale.height;
-    for (Floats* plane : {&solution.alpha, &solution.variance, &solution.deviation}) plane->resize(width, height);
+    for (Floats* plane : {&solution.alpha, &solution.variance, &solution.deviation})
+        plane->resize(width, height);
     solution.candidate.resize(width, height);
     const int across = (width + kTileWidth - 1) / kTileWidth;
     const int up = (height + kTileHeight - 1) / kTileHeight;

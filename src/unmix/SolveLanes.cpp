@@ -77,21 +77,19 @@ void solve_common(const UnmixNoise& noise, const UnmixPixels& pixels, const Comm
                   const Solved& out, size_t n) {
     const Spread spread_n = spread(noise.covariance);
     const Spread spread_q = spread(colour.covariance);
-    const CommonColour f = colour;
-    const UnmixPixels in = pixels;
-    float* __restrict const alpha = out.alpha;
-    float* __restrict const cost = out.cost;
-    float* __restrict const by_noise = out.by_noise;
-    float* __restrict const variance = out.variance;
-    const float share = f.share - 1.0f;
+    const auto [x0, x1, x2] = pixels.beyond;
+    const auto [b0, b1, b2] = pixels.backing;
+    const auto [m0, m1, m2] = colour.mean;
+    const float* const guess = pixels.guess;
+    float* const alpha = out.alpha;
+    float* const cost = out.cost;
+    float* const by_noise = out.by_noise;
+    float* const variance = out.variance;
+    const float share = colour.share - 1.0f;
+#pragma GCC ivdep
     for (size_t i = 0; i < n; ++i) {
-        const Pixel p{in.beyond[0][i],
-                      in.beyond[1][i],
-                      in.beyond[2][i],
-                      f.mean[0] + share * in.backing[0][i],
-                      f.mean[1] + share * in.backing[1][i],
-                      f.mean[2] + share * in.backing[2][i],
-                      in.guess[i]};
+        const Pixel p{x0[i],   x1[i], x2[i], m0 + share * b0[i], m1 + share * b1[i], m2 + share * b2[i],
+                      guess[i]};
         const Answer a = solve(spread_n, spread_q, p);
         alpha[i] = a.alpha;
         cost[i] = a.cost;
@@ -100,25 +98,22 @@ void solve_common(const UnmixNoise& noise, const UnmixPixels& pixels, const Comm
     }
 }
 
-void solve_own(const UnmixNoise& noise, const UnmixPixels& pixels, const OwnColours& colours, const Solved& out,
-               size_t n) {
+void solve_own(const UnmixNoise& noise, const UnmixPixels& pixels, const OwnColours& colours,
+               const Solved& out, size_t n) {
     const Spread spread_n = spread(noise.covariance);
-    const OwnColours f = colours;
-    const UnmixPixels in = pixels;
-    float* __restrict const alpha = out.alpha;
-    float* __restrict const cost = out.cost;
-    float* __restrict const by_noise = out.by_noise;
-    float* __restrict const variance = out.variance;
+    const auto [x0, x1, x2] = pixels.beyond;
+    const auto [b0, b1, b2] = pixels.backing;
+    const auto [m0, m1, m2] = colours.mean;
+    const auto [q0, q1, q2, q3, q4, q5] = colours.covariance;
+    const float* const guess = pixels.guess;
+    float* const alpha = out.alpha;
+    float* const cost = out.cost;
+    float* const by_noise = out.by_noise;
+    float* const variance = out.variance;
+#pragma GCC ivdep
     for (size_t i = 0; i < n; ++i) {
-        const Spread spread_q{f.covariance[0][i], f.covariance[1][i], f.covariance[2][i],
-                              f.covariance[3][i], f.covariance[4][i], f.covariance[5][i]};
-        const Pixel p{in.beyond[0][i],
-                      in.beyond[1][i],
-                      in.beyond[2][i],
-                      f.mean[0][i] - in.backing[0][i],
-                      f.mean[1][i] - in.backing[1][i],
-                      f.mean[2][i] - in.backing[2][i],
-                      in.guess[i]};
+        const Spread spread_q{q0[i], q1[i], q2[i], q3[i], q4[i], q5[i]};
+        const Pixel p{x0[i], x1[i], x2[i], m0[i] - b0[i], m1[i] - b1[i], m2[i] - b2[i], guess[i]};
         const Answer a = solve(spread_n, spread_q, p);
         alpha[i] = a.alpha;
         cost[i] = a.cost;

@@ -6,8 +6,8 @@
 
 #include "lanes/LaneKernel.h"
 
-// How a table of expected spill is laid out: by hue (the first other channel's share of both), by the brightness of
-// both, and by rel, what the screen's channel has beyond their mean over their sum.
+// How a table of expected spill is laid out: by hue (the first other channel's share of both), by the
+// brightness of both, and by rel, what the screen's channel has beyond their mean over their sum.
 struct SpillGrid {
     static constexpr int kHues = 48;
     static constexpr int kLevels = 10;
@@ -19,17 +19,20 @@ struct SpillGrid {
 };
 
 struct SpillParams {
-    const float* table;  // SpillGrid::kSize values, rel fastest; null: the screen's channel may not pass the others
+    const float*
+        table;  // SpillGrid::kSize values, rel fastest; null: the screen's channel may not pass the others
     std::array<std::size_t, 3> channels;  // the screen's, then the others
     std::array<float, 3> screen;          // its colour over its primary's, red, green, blue
     float amount;                         // of the expected spill that is taken out
 };
 
-// `sums` are colour and alpha summed over 3 x 3 pixels. `colour` is premultiplied, red, green, blue, read and written.
-using RemoveSpill = void(const SpillParams& params, const std::array<const float*, 4>& sums, const float* alpha,
-                         const std::array<float*, 3>& colour, std::size_t n);
+// `sums` are colour and alpha summed over 3 x 3 pixels. `colour` is premultiplied, red, green, blue, read and
+// written.
+using RemoveSpill = void(const SpillParams& params, const std::array<const float*, 4>& sums,
+                         const float* alpha, const std::array<float*, 3>& colour, std::size_t n);
 LANE_KERNEL(RemoveSpill, remove_spill);
 
 // colour = plate - (1 - alpha) * backing; 0 where alpha is 0.
-using TakeBacking = void(const float* plate, const float* backing, const float* alpha, float* colour, std::size_t n);
+using TakeBacking = void(const float* plate, const float* backing, const float* alpha, float* colour,
+                         std::size_t n);
 LANE_KERNEL(TakeBacking, take_backing);

@@ -21,6 +21,10 @@ constexpr float kLeastGain = 0.3f;
     return raised < high ? raised : high;
 }
 
+[[gnu::always_inline]] inline float looked_at(bool own, float here, float around) {
+    return clamped(0.0f, kMostColour, own ? here : around);
+}
+
 struct Place {
     int below;
     float share;
@@ -43,13 +47,13 @@ struct Place {
     using G = SpillGrid;
     const float sum = first + second;
     const float hue = (first + 0.01f) / larger(sum + 0.02f, 1e-4f);
-    const Place h = place((hue - G::kLowHue) * (static_cast<float>(G::kHues - 1) / (G::kHighHue - G::kLowHue)),
-                          G::kHues);
-    const Place l = place(std::sqrt(clamped(0.0f, 1.0f, sum * (1.0f / G::kBrightest))) *
-                              static_cast<float>(G::kLevels - 1),
-                          G::kLevels);
-    const Place r = place((rel - G::kLowRel) * (static_cast<float>(G::kRels - 1) / (G::kHighRel - G::kLowRel)),
-                          G::kRels);
+    const Place h =
+        place((hue - G::kLowHue) * (static_cast<float>(G::kHues - 1) / (G::kHighHue - G::kLowHue)), G::kHues);
+    const Place l = place(
+        std::sqrt(clamped(0.0f, 1.0f, sum * (1.0f / G::kBrightest))) * static_cast<float>(G::kLevels - 1),
+        G::kLevels);
+    const Place r =
+        place((rel - G::kLowRel) * (static_cast<float>(G::kRels - 1) / (G::kHighRel - G::kLowRel)), G::kRels);
     const float* const at = table + (h.below * G::kLevels + l.below) * G::kRels + r.below;
     constexpr int kUp = G::kRels;
     constexpr int kOn = G::kLevels * G::kRels;
@@ -61,7 +65,9 @@ struct Place {
 
 }  // namespace
 
-void take_backing(const float* plate, const float* backing, const float* alpha, float* __restrict colour, size_t n) {
+void take_backing(const float* plate, const float* backing, const float* alpha, float* __restrict colour,
+                  size_t n) {
+#pragma GCC ivdep
     for (size_t i = 0; i < n; ++i) {
         const float left = plate[i] - (1.0f - alpha[i]) * backing[i];
         colour[i] = alpha[i] > 0.0f ? left : 0.0f;
@@ -71,7 +77,6 @@ void take_backing(const float* plate, const float* backing, const float* alpha, 
 void remove_spill(const SpillParams& params, const std::array<const float*, 4>& sums, const float* alpha,
                   const std::array<float*, 3>& colour, size_t n) {
     const auto [k, o, p] = params.channels;
-    const std::array<float, 3> screen = params.screen;
     const float* const table = params.table;
     float* const c_k = colour[k];
     float* const c_o = colour[o];
@@ -88,14 +93,19 @@ void remove_spill(const SpillParams& params, const std::array<const float*, 4>& 
     const float* const s_o = sums[o];
     const float* const s_p = sums[p];
     const float* const s_a = sums[3];
-    const float screen_lead = screen[k] - 0.5f * (screen[o] + screen[p]);
-    const float screen_sum = screen[o] + screen[p];
+    const float screen_k = params.screen[k];
+    const float screen_o = params.screen[o];
+    const float screen_p = params.screen[p];
+    const float full = params.amount;
+    const float screen_lead = screen_k - 0.5f * (screen_o + screen_p);
+    const float screen_sum = screen_o + screen_p;
+#pragma GCC ivdep
     for (size_t i = 0; i < n; ++i) {
         const bool own_colour = alpha[i] > kOwnColour;
         const float scale = 1.0f / larger(s_a[i] * (1.0f / 9.0f), kLeastAlpha) * (1.0f / 9.0f);
-        const float f_k = clamped(0.0f, kMostColour, own_colour ? c_k[i] : s_k[i] * scale);
-        const float f_o = clamped(0.0f, kMostColour, own_colour ? c_o[i] : s_o[i] * scale);
-        const float f_p = clamped(0.0f, kMostColour, own_colour ? c_p[i] : s_p[i] * scale);
+        const float f_k = looked_at(own_colour, c_k[i], s_k[i] * scale);
+        const float f_o = looked_at(own_colour, c_o[i], s_o[i] * scale);
+        const float f_p = looked_at(own_colour, c_p[i], s_p[i] * scale);
         const float f_sum = f_o + f_p;
         const float rel = (f_k - 0.5f * f_sum) / larger(f_sum, 0.02f);
         const float spill = expected(table, f_o, f_p, rel);
@@ -105,10 +115,10 @@ void remove_spill(const SpillParams& params, const std::array<const float*, 4>& 
         // Light of the screen does not grow with a highlight of the subject.
         const float lit = spill * (sum < 2.0f * kMostColour ? sum : 2.0f * kMostColour);
         const float beyond = larger(c_k[i] - 0.5f * sum - own * sum, 0.0f);
-        const float amount = params.amount * ((rel > SpillGrid::kHighRel ? beyond : lit) / gain);
-        c_k[i] -= amount * screen[k];
-        c_o[i] -= amount * screen[o];
-        c_p[i] -= amount * screen[p];
+        const float amount = full * ((rel > SpillGrid::kHighRel ? beyond : lit) / gain);
+        c_k[i] -= amount * screen_k;
+        c_o[i] -= amount * screen_o;
+        c_p[i] -= amount * screen_p;
     }
 }
 

@@ -12,8 +12,8 @@ namespace {
 using G = SpillGrid;
 
 constexpr float kOpaque = 0.98f;
-constexpr float kDeepest = 60.0f;  // a length
-constexpr float kBright = 0.3f;    // brighter colours count no more than this
+constexpr float kDeepest = 60.0f;         // a length
+constexpr float kBright = 0.3f;           // brighter colours count no more than this
 constexpr double kNeutral = 0.02 * 0.02;  // weight of what is known beforehand: own colours are near neutral
 constexpr double kNeutralDeviation = 0.03;
 constexpr double kNoise = 0.02;  // of rel
@@ -40,10 +40,12 @@ class Learner {
         const float first = colour[static_cast<std::size_t>(backing_.others[0])];
         const float second = colour[static_cast<std::size_t>(backing_.others[1])];
         const float sum = first + second;
-        const float rel = (colour[static_cast<std::size_t>(backing_.screen)] - 0.5f * sum) / std::max(sum, 0.02f);
+        const float rel =
+            (colour[static_cast<std::size_t>(backing_.screen)] - 0.5f * sum) / std::max(sum, 0.02f);
         const float hue = (first + 0.01f) / std::max(sum + 0.02f, 1e-4f);
         const int h = rounded((hue - G::kLowHue) / (G::kHighHue - G::kLowHue) * (G::kHues - 1), G::kHues);
-        const int l = rounded(std::sqrt(std::clamp(sum / G::kBrightest, 0.0f, 1.0f)) * (G::kLevels - 1), G::kLevels);
+        const int l =
+            rounded(std::sqrt(std::clamp(sum / G::kBrightest, 0.0f, 1.0f)) * (G::kLevels - 1), G::kLevels);
         const int r = rounded((rel - G::kLowRel) / (G::kHighRel - G::kLowRel) * (G::kRels - 1), G::kRels);
         counts_[at(h, l, r)] += weight * std::clamp(sum, 0.0f, kBright);
     }
@@ -74,7 +76,8 @@ class Learner {
         for (std::size_t i = 0; i < opaque.size(); ++i) {
             if (opaque[i] == 0) continue;
             const float share = depth[i] / deepest;
-            add({backing_.means[0][i], backing_.means[1][i], backing_.means[2][i]}, share * share * share * share);
+            add({backing_.means[0][i], backing_.means[1][i], backing_.means[2][i]},
+                share * share * share * share);
         }
     }
 
@@ -142,8 +145,8 @@ class Learner {
         for (float& v : counts_) v /= most;
     }
 
-    // For each rel that is seen the mean of what it may have beyond the subject's own, an own rel being the likelier
-    // the more often it was learnt, and spill the rarer the more it is.
+    // For each rel that is seen the mean of what it may have beyond the subject's own, an own rel being the
+    // likelier the more often it was learnt, and spill the rarer the more it is.
     std::vector<float> expected_spill(float usual, const ParallelLoop& loop) const {
         std::array<double, G::kRels> neutral{};
         double sum = 0.0;
@@ -188,8 +191,8 @@ class Learner {
 
 }  // namespace
 
-std::vector<float> learn_spill(const BackingModel& backing, const Floats& alpha, const SpillSettings& settings,
-                               const ParallelLoop& loop) {
+std::vector<float> learn_spill(const BackingModel& backing, const Floats& alpha,
+                               const SpillSettings& settings, const ParallelLoop& loop) {
     Learner learner(backing);
     learner.add_solids(alpha, loop);
     if (learner.empty() && settings.own.empty()) return {};

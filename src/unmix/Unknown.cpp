@@ -19,7 +19,8 @@ template <class T>
 class Strip {
   public:
     Strip(int width, int rows, int halo)
-        : stride_(static_cast<std::size_t>(width) + 2), halo_(halo),
+        : stride_(static_cast<std::size_t>(width) + 2),
+          halo_(halo),
           pixels_(stride_ * static_cast<std::size_t>(rows + 2 * halo), T{}) {}
     // Where the pixel before the first of the row is.
     T* row(int y) { return pixels_.data() + stride_ * static_cast<std::size_t>(y + halo_); }
@@ -34,7 +35,10 @@ class Strip {
 class Finder {
   public:
     Finder(const BackingModel& backing, const Floats& garbage, Segmentation& found)
-        : backing_(backing), garbage_(garbage), found_(found), width_(backing.scale.width),
+        : backing_(backing),
+          garbage_(garbage),
+          found_(found),
+          width_(backing.scale.width),
           height_(backing.scale.height) {
         for (std::size_t c = 0; c < 3; ++c) params_.noise[c] = kNoise * backing.sigma[c];
         params_.share = kShare;
@@ -43,7 +47,8 @@ class Finder {
     void strip(int from, int to) const {
         const int rows = to - from;
         Strip<float> odd(width_, rows, kGrow + 1);
-        for (int y = -odd.halo(); y < rows + odd.halo(); ++y) odd_row(std::clamp(from + y, 0, height_ - 1), odd.row(y));
+        for (int y = -odd.halo(); y < rows + odd.halo(); ++y)
+            odd_row(std::clamp(from + y, 0, height_ - 1), odd.row(y));
         Strip<std::uint8_t> mask(width_, rows, kGrow);
         for (int y = -kGrow; y < rows + kGrow; ++y) {
             mostly_odd({odd.row(y - 1), odd.row(y), odd.row(y + 1)}, mask.row(y) + 1, size());
@@ -115,7 +120,8 @@ class Finder {
 
 }  // namespace
 
-void find_unknown(const BackingModel& backing, const Floats& garbage, Segmentation& found, const ParallelLoop& loop) {
+void find_unknown(const BackingModel& backing, const Floats& garbage, Segmentation& found,
+                  const ParallelLoop& loop) {
     const int height = backing.scale.height;
     found.unknown.resize(backing.scale.width, height);
     const Finder finder(backing, garbage, found);

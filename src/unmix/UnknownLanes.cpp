@@ -41,8 +41,8 @@ void mostly_odd(const std::array<const float*, 3>& odd, std::uint8_t* __restrict
     const float* const b = odd[1];
     const float* const c = odd[2];
     for (std::size_t i = 0; i < n; ++i) {
-        const float sum = ((a[i] + a[i + 1]) + a[i + 2]) + ((b[i] + b[i + 1]) + b[i + 2]) +
-                          ((c[i] + c[i + 1]) + c[i + 2]);
+        const float sum =
+            ((a[i] + a[i + 1]) + a[i + 2]) + ((b[i] + b[i + 1]) + b[i + 2]) + ((c[i] + c[i + 1]) + c[i + 2]);
         out[i] = sum > 2.7f ? 1 : 0;
     }
 }

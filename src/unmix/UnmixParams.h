@@ -11,7 +11,8 @@ struct ShotModel;
 // How the values of the plate stand for light. Mixing is linear in light alone.
 enum class Encoding : std::int32_t { kStored = 0, kSrgb = 1, kLogarithmic = 2 };
 
-// A colour that the user pointed at, as the plate stores it, and for see-through things how opaque it is there.
+// A colour that the user pointed at, as the plate stores it, and for see-through things how opaque it is
+// there.
 struct TaughtColour {
     std::array<float, 3> colour{};
     float alpha = 1.0f;
@@ -30,6 +31,6 @@ struct UnmixParams {
     std::vector<TaughtColour> backing;
     std::vector<TaughtColour> solids;
     std::vector<TaughtColour> see_through;
-    std::vector<TaughtColour> own;             // colours that hold no spill
-    std::shared_ptr<const ShotModel> shot;     // measured over the shot; null: from this frame
+    std::vector<TaughtColour> own;          // colours that hold no spill
+    std::shared_ptr<const ShotModel> shot;  // measured over the shot; null: from this frame
 };

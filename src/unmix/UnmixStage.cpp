@@ -24,7 +24,8 @@ void UnmixStage::append_colours(Hash& hash, const std::vector<TaughtColour>& col
     }
 }
 
-std::vector<std::array<float, 3>> UnmixStage::colours_in_light(const std::vector<TaughtColour>& colours) const {
+std::vector<std::array<float, 3>> UnmixStage::colours_in_light(
+    const std::vector<TaughtColour>& colours) const {
     std::vector<std::array<float, 3>> light;
     for (const TaughtColour& taught : colours) {
         light.push_back(taught.colour);

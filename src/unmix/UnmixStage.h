@@ -1,5 +1,5 @@
-// Base of the operators of the unmixing matte: each makes one result for the whole frame, which the ones behind
-// it take as it is, and shows it as rows for whoever wants to look.
+// Base of the operators of the unmixing matte: each makes one result for the whole frame, which the ones
+// behind it take as it is, and shows it as rows for whoever wants to look.
 //
 // Input 0 gives the box. A result is made by the first who needs it, under its own lock; it lives until the
 // parameters that it depends on, or an input, change. The threads that wait for the last operator of a chain
@@ -18,7 +18,8 @@ class UnmixStage : public Zo::Image::Iop {
     using NodeContext = Zo::Image::NodeContext;
     using Row = Zo::Image::Row;
 
-    UnmixStage(const NodeContext& context, const UnmixParams* params, int inputs) : Iop(context), params_(params) {
+    UnmixStage(const NodeContext& context, const UnmixParams* params, int inputs)
+        : Iop(context), params_(params) {
         this->inputs(inputs);
     }
 

@@ -1,9 +1,9 @@
 // The backing as it would be without the subject, from the plate itself.
 //
-// Input 0 the plate, 1 "cp" a clean plate (may be missing), 2 "gm" a garbage matte (may be missing), all as the
-// host delivers them. Result: BackingModel. As rows: red, green, blue the backing in light; alpha 1 where the
-// plate surely shows it.
-// Depends on the screen's primary, the encoding, "folds", what was taught as backing, and the shot's model.
+// Input 0 the plate, 1 "cp" a clean plate (may be missing), 2 "gm" a garbage matte (may be missing), all as
+// the host delivers them. Result: BackingModel. As rows: red, green, blue the backing in light; alpha 1 where
+// the plate surely shows it. Depends on the screen's primary, the encoding, "folds", what was taught as
+// backing, and the shot's model.
 #pragma once
 
 #include "unmix/BackingModel.h"

@@ -25,8 +25,8 @@ bool VlxUnmixClean::compute(Lock& helpers) {
     if (input_op(2) != nullptr && !unmix::read_matte(input(2), info_.box, holdout, helpers)) return false;
     const unmix::FrameScale& scale = backing_.model().scale;
     return run_kernel(*this, helpers, [&](const ParallelLoop& loop) {
-        unmix::clean_frame(scale, solids_.segmentation(), solve_.solution(), {params().denoise, params().detail},
-                           alpha_, loop);
+        unmix::clean_frame(scale, solids_.segmentation(), solve_.solution(),
+                           {params().denoise, params().detail}, alpha_, loop);
         unmix::fill_holes(scale, alpha_, loop);
         loop(0, alpha_.height(), 16, [&](int begin, int end) {
             for (int y = begin; y < end; ++y) {

@@ -1,9 +1,9 @@
-// The matte without its noise: smoothed where noise explains what there is, pulled to 0 and to 1 where that is
-// likelier than what lies between, small holes inside the subject filled.
+// The matte without its noise: smoothed where noise explains what there is, pulled to 0 and to 1 where that
+// is likelier than what lies between, small holes inside the subject filled.
 //
-// Input 0 the solution, 1 "gm" garbage matte, 2 "hm" holdout matte (either may be missing), as the host delivers
-// them. Result: alpha of every pixel, 0 to 1. As rows: alpha; red, green and blue the same.
-// Depends on "denoise" and "detail".
+// Input 0 the solution, 1 "gm" garbage matte, 2 "hm" holdout matte (either may be missing), as the host
+// delivers them. Result: alpha of every pixel, 0 to 1. As rows: alpha; red, green and blue the same. Depends
+// on "denoise" and "detail".
 #pragma once
 
 #include "unmix/Plane.h"

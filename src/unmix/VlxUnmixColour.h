@@ -1,8 +1,8 @@
 // The subject's colour: what the backing left of the plate, without its spill.
 //
-// Input 0 the clean matte. Result: the colour as the plate would store it, times alpha. As rows: red, green and
-// blue that colour, alpha alpha, 0 to 1.
-// Depends on "spill", the encoding, what was taught to hold none, and the shot's model.
+// Input 0 the clean matte. Result: the colour as the plate would store it, times alpha. As rows: red, green
+// and blue that colour, alpha alpha, 0 to 1. Depends on "spill", the encoding, what was taught to hold none,
+// and the shot's model.
 #pragma once
 
 #include "unmix/Plane.h"

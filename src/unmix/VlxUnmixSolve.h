@@ -1,5 +1,5 @@
-// Alpha by unmixing: plate = alpha * subject + (1 - alpha) * backing + noise, the subject's colour being that of
-// the solids nearby, of one of the clusters of their rims, or anything neutral, whichever explains the
+// Alpha by unmixing: plate = alpha * subject + (1 - alpha) * backing + noise, the subject's colour being that
+// of the solids nearby, of one of the clusters of their rims, or anything neutral, whichever explains the
 // neighbourhood best.
 //
 // Input 0 the solids. Result: Solution. As rows: red the candidate chosen (over 16), green the deviation of
