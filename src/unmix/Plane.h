@@ -1,6 +1,7 @@
 // Planes of a frame or of a reduced picture of it: row-major, row 0 at the bottom, undefined until written.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>

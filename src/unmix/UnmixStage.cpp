@@ -1,5 +1,7 @@
 #include "unmix/UnmixStage.h"
 
+#include "unmix/EncodingKernel.h"
+
 using namespace Zo::Image;
 
 void UnmixStage::setup() {
@@ -12,6 +14,23 @@ void UnmixStage::setup() {
         }
     }
     invalidate(hash);
+}
+
+void UnmixStage::append_colours(Hash& hash, const std::vector<TaughtColour>& colours) {
+    hash.append(static_cast<std::uint64_t>(colours.size()));
+    for (const TaughtColour& taught : colours) {
+        for (const float v : taught.colour) hash.append(static_cast<double>(v));
+        hash.append(static_cast<double>(taught.alpha));
+    }
+}
+
+std::vector<std::array<float, 3>> UnmixStage::colours_in_light(const std::vector<TaughtColour>& colours) const {
+    std::vector<std::array<float, 3>> light;
+    for (const TaughtColour& taught : colours) {
+        light.push_back(taught.colour);
+        to_light(params().encoding, taught.colour.data(), light.back().data(), 3);
+    }
+    return light;
 }
 
 bool UnmixStage::make(Lock& helpers) {

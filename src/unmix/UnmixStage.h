@@ -34,6 +34,10 @@ class UnmixStage : public Zo::Image::Iop {
   protected:
     const UnmixParams& params() const { return *params_; }
 
+    static void append_colours(Zo::Image::Hash& hash, const std::vector<TaughtColour>& colours);
+
+    std::vector<std::array<float, 3>> colours_in_light(const std::vector<TaughtColour>& colours) const;
+
     // The parameters that the result depends on.
     virtual void append_params(Zo::Image::Hash& hash) const = 0;
     // False when the render was aborted.

@@ -1,0 +1,297 @@
+#include "unmix/BackingFit.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "unmix/FrameCubic.h"
+#include "unmix/Hue.h"
+#include "unmix/Morphology.h"
+#include "unmix/PushPull.h"
+#include "unmix/Reduce.h"
+
+namespace unmix {
+
+namespace {
+
+constexpr int kRounds = 4;
+constexpr float kLastRound = 0.85f;  // of the tolerance
+
+constexpr float kNoiseTolerance = 1.1f;  // times the deviation of the noise
+constexpr float kTolerance = 0.012f;     // of the backing's brightest channel
+constexpr float kUnevenNoise = 1.2f;
+constexpr float kUneven = 0.015f;
+constexpr float kDarkestFold = 0.35f;  // below the brightness around
+constexpr float kBrightestFold = 0.5f;
+
+// Levels of the coarse pyramid.
+constexpr int kWideLevel = 4;
+constexpr int kRoundLevel = 1;
+
+constexpr float kDarkest = 0.003f;
+constexpr float kLeastNoise = 1e-6f;  // variance
+constexpr std::size_t kNoiseCells = 4096;
+
+class Fit {
+  public:
+    Fit(BackingModel& model, const Floats& garbage, const BackingSettings& settings, const ParallelLoop& loop)
+        : model_(model), garbage_(garbage), settings_(settings), loop_(loop) {}
+
+    void run() {
+        const int width = model_.means[0].width();
+        const int height = model_.means[0].height();
+        HueMasks hue = find_hue(model_, garbage_);
+        teach(hue);
+        may_ = std::move(hue.may);
+        model_.found = any(hue.sure);
+        resize(model_.coarse, width, height);
+        model_.sure.resize(width, height);
+        model_.sure.fill(0);
+        if (!model_.found) {
+            for (std::size_t c = 0; c < 3; ++c) model_.coarse[c].fill(c == screen() ? 1.0f : kDarkest);
+            return;
+        }
+        model_.sigma = noise_deviation(hue.sure);
+        find_base(hue.sure);
+        resize(beyond_, width, height);
+        for (std::size_t c = 0; c < 3; ++c) {
+            for (std::size_t i = 0; i < may_.size(); ++i) beyond_[c][i] = model_.means[c][i] - base_[c][i];
+        }
+        grow(hue.sure);
+        finish();
+    }
+
+  private:
+    std::size_t screen() const { return static_cast<std::size_t>(model_.screen); }
+    std::array<float, 3> mean(std::size_t i) const {
+        return {model_.means[0][i], model_.means[1][i], model_.means[2][i]};
+    }
+
+    // Whether a colour is that of the backing but for its brightness, which is `ratio` of it.
+    static bool same_hue(const std::array<float, 3>& colour, const std::array<float, 3>& backing, float tolerance,
+                         const std::array<float, 3>& sigma, float& ratio) {
+        float along = 0.0f;
+        float square = 0.0f;
+        for (std::size_t c = 0; c < 3; ++c) {
+            along += colour[c] * backing[c];
+            square += backing[c] * backing[c];
+        }
+        ratio = along / std::max(square, 1e-6f);
+        for (std::size_t c = 0; c < 3; ++c) {
+            const float off = std::abs(colour[c] - ratio * backing[c]);
+            if (!(off < kNoiseTolerance * sigma[c] + tolerance)) return false;
+        }
+        return true;
+    }
+
+    static float brightest(const std::array<float, 3>& colour) { return std::ranges::max(colour); }
+
+    // What looks like a colour that was pointed at counts as backing.
+    void teach(HueMasks& hue) {
+        if (settings_.taught.empty()) return;
+        taught_ = Bytes(hue.may.width(), hue.may.height());
+        taught_.fill(0);
+        for (std::size_t i = 0; i < taught_.size(); ++i) {
+            if (!garbage_.empty() && garbage_[i] > 0.5f) continue;
+            for (const auto& colour : settings_.taught) {
+                float ratio = 0.0f;
+                const float tolerance = 3.0f * kTolerance * brightest(colour);
+                if (!same_hue(mean(i), colour, tolerance, {}, ratio) || ratio < 0.65f || ratio > 1.5f) continue;
+                taught_[i] = 1;
+                hue.may[i] = 1;
+                hue.sure[i] = 1;
+            }
+        }
+    }
+
+    // The deviation of a pixel by noise, from how far pixels are off their cells.
+    std::array<float, 3> noise_deviation(const Bytes& sure) const {
+        const Bytes inner = eroded(sure, 1);
+        const std::vector<std::size_t> cells = sample(any(inner) ? inner : sure);
+        std::array<float, 3> sigma{};
+        for (std::size_t c = 0; c < 3; ++c) {
+            std::vector<float> off;
+            for (const std::size_t cell : cells) {
+                each_pixel(cell, [&](int x, int y) {
+                    off.push_back(std::abs(model_.light[c](x, y) - model_.means[c][cell]));
+                });
+            }
+            const auto middle = off.begin() + static_cast<std::ptrdiff_t>(off.size() / 2);
+            std::nth_element(off.begin(), middle, off.end());
+            const auto count = static_cast<float>(model_.scale.coarse() * model_.scale.coarse());
+            sigma[c] = 1.4826f * *middle * std::sqrt(count / (count - 1.0f));
+        }
+        return sigma;
+    }
+
+    // Cells of the mask, spread evenly, so many that noise can be told.
+    static std::vector<std::size_t> sample(const Bytes& mask) {
+        std::vector<std::size_t> cells;
+        for (std::size_t i = 0; i < mask.size(); ++i) {
+            if (mask[i] != 0) cells.push_back(i);
+        }
+        const std::size_t stride = cells.size() / kNoiseCells + 1;
+        std::size_t kept = 0;
+        for (std::size_t i = 0; i < cells.size(); i += stride) cells[kept++] = cells[i];
+        cells.resize(kept);
+        return cells;
+    }
+
+    template <class Visit>
+    void each_pixel(std::size_t cell, const Visit& visit) const {
+        const int side = model_.scale.coarse();
+        const int across = model_.means[0].width();
+        const int x0 = static_cast<int>(cell) % across * side;
+        const int y0 = static_cast<int>(cell) / across * side;
+        for (int y = y0; y < std::min(y0 + side, model_.scale.height); ++y) {
+            for (int x = x0; x < std::min(x0 + side, model_.scale.width); ++x) visit(x, y);
+        }
+    }
+
+    void find_base(const Bytes& sure) {
+        if (!model_.clean[0].empty()) {
+            for (std::size_t c = 0; c < 3; ++c) {
+                cell_means(model_.clean[c], model_.scale.coarse(), base_[c], loop_);
+            }
+            return;
+        }
+        resize(base_, sure.width(), sure.height());
+        FrameCubic cubic;
+        cubic.fit(model_.means, sure);
+        cubic.evaluate(base_);
+    }
+
+    void grow(const Bytes& sure) {
+        const int width = sure.width();
+        const int height = sure.height();
+        Bytes ok = eroded(sure, 1);
+        const bool folds = settings_.folds > 0.0f;
+        Colours wide;
+        Floats around(width, height);
+        if (folds) {
+            fill_.run(beyond_, ok, kWideLevel, wide, loop_);
+            box_mean(model_.means[screen()], 1, around);
+        }
+        Colours& backing = model_.coarse;
+        for (int round = 0; round < kRounds; ++round) {
+            fill_.run(beyond_, ok, kRoundLevel, backing, loop_);
+            const float strict = round + 1 == kRounds ? kLastRound : 1.0f;
+            Bytes agrees(width, height);
+            loop_(0, height, 16, [&](int begin, int end) {
+                for (int y = begin; y < end; ++y) {
+                    for (int x = 0; x < width; ++x) {
+                        const std::size_t i = static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
+                                              static_cast<std::size_t>(x);
+                        for (std::size_t c = 0; c < 3; ++c) backing[c][i] += base_[c][i];
+                        const float around_here = folds ? wide[screen()][i] + base_[screen()][i] : 0.0f;
+                        agrees[i] = may_[i] != 0 && is_backing(i, strict, around[i], around_here) ? 1 : 0;
+                    }
+                }
+            });
+            ok = eroded(dilated(eroded(agrees, 1), 1), 1);
+            if (!taught_.empty()) {
+                for (std::size_t i = 0; i < ok.size(); ++i) ok[i] |= taught_[i];
+            }
+        }
+        model_.sure = std::move(ok);
+    }
+
+    bool is_backing(std::size_t i, float strict, float around, float wide) const {
+        const std::array<float, 3> colour = mean(i);
+        const std::array backing{model_.coarse[0][i], model_.coarse[1][i], model_.coarse[2][i]};
+        const float tolerance = kTolerance * brightest(backing);
+        const auto same = [&](std::size_t c) {
+            return std::abs(colour[c] - backing[c]) <
+                   strict * (kNoiseTolerance * model_.sigma[c] + tolerance);
+        };
+        if (same(0) && same(1) && same(2)) return true;
+        if (!(settings_.folds > 0.0f)) return false;
+        const float level = colour[screen()];
+        const float share = level / std::max(wide, 0.02f);
+        std::array<float, 3> sigma{};
+        for (std::size_t c = 0; c < 3; ++c) sigma[c] = strict * model_.sigma[c];
+        float ratio = 0.0f;
+        return std::abs(level - around) < kUnevenNoise * model_.sigma[screen()] + kUneven * level &&
+               share > 1.0f - kDarkestFold * settings_.folds && share < 1.0f + kBrightestFold * settings_.folds &&
+               same_hue(colour, backing, strict * tolerance, sigma, ratio);
+    }
+
+    void finish() {
+        Colours beyond;
+        fill_.run(beyond_, model_.sure, 0, beyond, loop_);
+        for (std::size_t c = 0; c < 3; ++c) {
+            for (std::size_t i = 0; i < beyond[c].size(); ++i) {
+                model_.coarse[c][i] = std::max(base_[c][i] + beyond[c][i], kDarkest);
+            }
+        }
+        if (!model_.clean[0].empty()) model_.added = std::move(beyond);
+        measure_noise();
+        measure_colour();
+    }
+
+    void measure_noise() {
+        std::array<double, 6> sums{};
+        std::array<double, 3> means{};
+        std::size_t count = 0;
+        for (const std::size_t cell : sample(model_.sure)) {
+            each_pixel(cell, [&](int x, int y) {
+                std::array<double, 3> off{};
+                for (std::size_t c = 0; c < 3; ++c) {
+                    off[c] = static_cast<double>(model_.light[c](x, y) - model_.coarse[c][cell]);
+                    means[c] += off[c];
+                }
+                std::size_t n = 0;
+                for (std::size_t i = 0; i < 3; ++i) {
+                    for (std::size_t j = i; j < 3; ++j) sums[n++] += off[i] * off[j];
+                }
+                ++count;
+            });
+        }
+        if (count < 2) {
+            model_.noise = {1e-4f, 0.0f, 0.0f, 1e-4f, 0.0f, 1e-4f};
+            return;
+        }
+        const auto all = static_cast<double>(count);
+        std::size_t n = 0;
+        for (std::size_t i = 0; i < 3; ++i) {
+            for (std::size_t j = i; j < 3; ++j, ++n) {
+                model_.noise[n] = static_cast<float>((sums[n] - means[i] * means[j] / all) / (all - 1.0)) +
+                                  (i == j ? kLeastNoise : 0.0f);
+            }
+        }
+    }
+
+    void measure_colour() {
+        const bool known = any(model_.sure);
+        std::array<float, 3> middle{};
+        for (std::size_t c = 0; c < 3; ++c) {
+            std::vector<float> values;
+            for (std::size_t i = 0; i < model_.sure.size(); ++i) {
+                if (!known || model_.sure[i] != 0) values.push_back(model_.coarse[c][i]);
+            }
+            const auto at = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+            std::nth_element(values.begin(), at, values.end());
+            middle[c] = *at;
+        }
+        for (std::size_t c = 0; c < 3; ++c) model_.colour[c] = middle[c] / middle[screen()];
+    }
+
+    BackingModel& model_;
+    const Floats& garbage_;
+    const BackingSettings& settings_;
+    const ParallelLoop& loop_;
+    PushPull fill_;
+    Bytes may_;
+    Bytes taught_;
+    Colours base_;
+    Colours beyond_;  // the plate's means less the base
+};
+
+}  // namespace
+
+void fit_backing(BackingModel& model, const Floats& garbage, const BackingSettings& settings,
+                 const ParallelLoop& loop) {
+    Fit(model, garbage, settings, loop).run();
+}
+
+}  // namespace unmix

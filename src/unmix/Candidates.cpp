@@ -1,0 +1,246 @@
+#include "unmix/Candidates.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "unmix/Clusters.h"
+#include "unmix/Morphology.h"
+#include "unmix/Nearest.h"
+
+namespace unmix {
+
+namespace {
+
+// Lengths.
+constexpr float kRim = 12.0f;
+constexpr float kLeastDepth = 1.5f;
+constexpr float kClusterDepth = 20.0f;
+constexpr float kAround = 8.0f;
+
+constexpr float kOwnChroma = 0.05f;      // deviations of a local colour: each channel,
+constexpr float kOwnBrightness = 0.05f;  // and all alike
+constexpr float kNeutral = 0.45f;
+constexpr float kNeutralChroma = 0.05f;
+constexpr float kNeutralBrightness = 0.30f;
+// Natural colours scatter from warm to cool, hardly from green to magenta: red against blue.
+constexpr float kWarmth = 0.05f;
+constexpr float kWarmthDeviation = 0.10f;
+
+constexpr int kFewestCells = 4;
+
+constexpr std::array<std::array<std::size_t, 2>, 6> kPairs{{{0, 0}, {0, 1}, {0, 2}, {1, 1}, {1, 2}, {2, 2}}};
+
+CommonColour neutral(float veil) {
+    const std::array<float, 3> tone{1.0f + kWarmth, 1.0f, 1.0f - kWarmth};
+    constexpr std::array<float, 3> kWarm{1.0f, 0.0f, -1.0f};
+    CommonColour colour{};
+    for (std::size_t c = 0; c < 3; ++c) colour.mean[c] = kNeutral * tone[c];
+    colour.share = veil;
+    for (std::size_t n = 0; n < kPairs.size(); ++n) {
+        const auto [i, j] = kPairs[n];
+        colour.covariance[n] = (i == j ? kNeutralChroma * kNeutralChroma : 0.0f) +
+                               kNeutralBrightness * kNeutralBrightness * tone[i] * tone[j] +
+                               kWarmthDeviation * kWarmthDeviation * kWarm[i] * kWarm[j];
+    }
+    return colour;
+}
+
+float own_spread(std::size_t n) {
+    return (kPairs[n][0] == kPairs[n][1] ? kOwnChroma * kOwnChroma : 0.0f) + kOwnBrightness * kOwnBrightness;
+}
+
+class Finder {
+  public:
+    Finder(const BackingModel& backing, const Segmentation& segmentation, const ParallelLoop& loop)
+        : backing_(backing), segmentation_(segmentation), loop_(loop), width_(backing.coarse[0].width()),
+          height_(backing.coarse[0].height()) {}
+
+    void run(const CandidateSettings& settings, Candidates& found) {
+        find_rims();
+        if (!any(lends_)) return;
+        find_nearest(found.nearest);
+        find_groups(settings.clusters, found);
+    }
+
+  private:
+    float fine_cells(float length) const {
+        return length * backing_.scale.pixels / static_cast<float>(backing_.scale.fine());
+    }
+    int coarse_cells(float length) const {
+        const float cells = length * backing_.scale.pixels / static_cast<float>(backing_.scale.coarse());
+        return std::max(1, static_cast<int>(std::lround(cells)));
+    }
+
+    // The weight of each coarse cell as a source of colours.
+    void find_rims() {
+        Bytes inside(segmentation_.solid.width(), segmentation_.solid.height());
+        for (std::size_t i = 0; i < inside.size(); ++i) {
+            inside[i] = segmentation_.solid[i] | segmentation_.source[i];
+        }
+        Floats depth;
+        distance(inside, fine_cells(5.0f * kRim), depth, loop_);
+        weight_.resize(width_, height_);
+        lends_.resize(width_, height_);
+        shallow_.resize(width_, height_);
+        for (int y = 0; y < height_; ++y) {
+            for (int x = 0; x < width_; ++x) {
+                float sum = 0.0f;
+                bool all = true;
+                float deepest = 0.0f;
+                for (int n = 0; n < 4; ++n) {
+                    const int fx = std::min(2 * x + n % 2, inside.width() - 1);
+                    const int fy = std::min(2 * y + n / 2, inside.height() - 1);
+                    const float d = depth(fx, fy);
+                    const bool lends = segmentation_.source(fx, fy) != 0 && d > fine_cells(kLeastDepth);
+                    all = all && lends;
+                    deepest = std::max(deepest, d);
+                    sum += std::exp(-d / fine_cells(kRim));
+                }
+                weight_(x, y) = all ? 0.25f * sum : 0.0f;
+                lends_(x, y) = all ? 1 : 0;
+                shallow_(x, y) = all && deepest < fine_cells(kClusterDepth) ? 1 : 0;
+            }
+        }
+    }
+
+    // Sums over the pixels of a cell: three colours and six products.
+    std::array<float, 9> moments(int x, int y) const {
+        const int side = backing_.scale.coarse();
+        const int right = std::min((x + 1) * side, backing_.scale.width);
+        const int top = std::min((y + 1) * side, backing_.scale.height);
+        std::array<float, 9> sums{};
+        for (int py = y * side; py < top; ++py) {
+            for (int px = x * side; px < right; ++px) {
+                const std::array v{backing_.light[0](px, py), backing_.light[1](px, py), backing_.light[2](px, py)};
+                for (std::size_t c = 0; c < 3; ++c) sums[c] += v[c];
+                for (std::size_t n = 0; n < 6; ++n) sums[3 + n] += v[kPairs[n][0]] * v[kPairs[n][1]];
+            }
+        }
+        const auto count = static_cast<float>((right - x * side) * (top - y * side));
+        for (float& v : sums) v /= count;
+        return sums;
+    }
+
+    void find_nearest(std::vector<NearColour>& found) {
+        Plane<std::int32_t> index;
+        Floats away;
+        nearest(lends_, index, &away, loop_);
+        std::array<Floats, 9> sums;
+        for (Floats& plane : sums) plane.resize(width_, height_);
+        loop_(0, height_, 4, [&](int begin, int end) {
+            for (int y = begin; y < end; ++y) {
+                for (int x = 0; x < width_; ++x) {
+                    const float w = weight_(x, y);
+                    const auto cell = w > 0.0f ? moments(x, y) : std::array<float, 9>{};
+                    for (std::size_t n = 0; n < 9; ++n) sums[n](x, y) = w * cell[n];
+                }
+            }
+        });
+        const int radius = coarse_cells(kAround);
+        Floats mass;
+        box_mean(weight_, radius, mass);
+        loop_(0, 9, 1, [&](int begin, int end) {
+            for (auto n = static_cast<std::size_t>(begin); n < static_cast<std::size_t>(end); ++n) {
+                Floats mean;
+                box_mean(sums[n], radius, mean);
+                for (std::size_t i = 0; i < mean.size(); ++i) {
+                    const auto at = static_cast<std::size_t>(index[i]);
+                    sums[n][i] = mean[at] / std::max(mass[at], 1e-6f);
+                }
+                box_mean(sums[n], radius, mean);
+                sums[n] = std::move(mean);
+            }
+        });
+        found.resize(away.size());
+        const auto side = static_cast<float>(backing_.scale.coarse());
+        for (std::size_t i = 0; i < found.size(); ++i) {
+            NearColour& colour = found[i];
+            for (std::size_t c = 0; c < 3; ++c) colour.mean[c] = sums[c][i];
+            for (std::size_t n = 0; n < 6; ++n) {
+                colour.covariance[n] =
+                    sums[3 + n][i] - colour.mean[kPairs[n][0]] * colour.mean[kPairs[n][1]] + own_spread(n);
+            }
+            colour.away = side * away[i];
+        }
+    }
+
+    void find_groups(int count, Candidates& found) const {
+        std::vector<std::array<float, 3>> samples;
+        std::vector<std::size_t> cells;
+        for (std::size_t i = 0; i < shallow_.size(); ++i) {
+            if (shallow_[i] == 0) continue;
+            samples.push_back({backing_.means[0][i], backing_.means[1][i], backing_.means[2][i]});
+            cells.push_back(i);
+        }
+        const Clusters groups = find_clusters(samples, count);
+        std::vector<std::vector<std::size_t>> members(groups.means.size());
+        for (std::size_t i = 0; i < samples.size(); ++i) {
+            members[static_cast<std::size_t>(groups.of[i])].push_back(i);
+        }
+        std::erase_if(members, [](const auto& list) { return list.size() < kFewestCells; });
+        found.clusters.resize(members.size());
+        found.away.resize(members.size());
+        loop_(0, static_cast<int>(members.size()), 1, [&](int begin, int end) {
+            for (auto k = static_cast<std::size_t>(begin); k < static_cast<std::size_t>(end); ++k) {
+                describe(samples, members[k], found.clusters[k]);
+                measure_away(cells, members[k], found.away[k]);
+            }
+        });
+    }
+
+    static void describe(const std::vector<std::array<float, 3>>& samples, const std::vector<std::size_t>& members,
+                         CommonColour& colour) {
+        std::array<double, 3> mean{};
+        const auto count = static_cast<double>(members.size());
+        for (const std::size_t i : members) {
+            for (std::size_t c = 0; c < 3; ++c) mean[c] += static_cast<double>(samples[i][c]) / count;
+        }
+        std::array<double, 6> spread{};
+        for (const std::size_t i : members) {
+            for (std::size_t n = 0; n < 6; ++n) {
+                spread[n] += (static_cast<double>(samples[i][kPairs[n][0]]) - mean[kPairs[n][0]]) *
+                             (static_cast<double>(samples[i][kPairs[n][1]]) - mean[kPairs[n][1]]) / (count - 1.0);
+            }
+        }
+        for (std::size_t c = 0; c < 3; ++c) colour.mean[c] = static_cast<float>(mean[c]);
+        for (std::size_t n = 0; n < 6; ++n) colour.covariance[n] = static_cast<float>(spread[n]) + own_spread(n);
+        colour.share = 0.0f;
+    }
+
+    void measure_away(const std::vector<std::size_t>& cells, const std::vector<std::size_t>& members,
+                      Floats& away) const {
+        Bytes here((width_ + 1) / 2, (height_ + 1) / 2);
+        here.fill(0);
+        for (const std::size_t i : members) {
+            const auto x = static_cast<int>(cells[i]) % width_;
+            const auto y = static_cast<int>(cells[i]) / width_;
+            here(x / 2, y / 2) = 1;
+        }
+        Plane<std::int32_t> index;
+        const ParallelLoop plain = [](int begin, int end, int, const auto& body) { body(begin, end); };
+        nearest(here, index, &away, plain);
+        const auto side = static_cast<float>(2 * backing_.scale.coarse());
+        for (float& v : away) v *= side;
+    }
+
+    const BackingModel& backing_;
+    const Segmentation& segmentation_;
+    const ParallelLoop& loop_;
+    int width_;
+    int height_;
+    Floats weight_;
+    Bytes lends_;
+    Bytes shallow_;
+};
+
+}  // namespace
+
+Candidates find_candidates(const BackingModel& backing, const Segmentation& segmentation,
+                           const CandidateSettings& settings, const ParallelLoop& loop) {
+    Candidates found;
+    found.neutral = neutral(settings.veil * segmentation.spill);
+    Finder(backing, segmentation, loop).run(settings, found);
+    return found;
+}
+
+}  // namespace unmix

@@ -1,0 +1,35 @@
+// The colours that the subject may have at a pixel, taken from the rims of its solids, spill included.
+#pragma once
+
+#include <vector>
+
+#include "framework/ParallelLoop.h"
+#include "unmix/BackingModel.h"
+#include "unmix/Segmentation.h"
+#include "unmix/SolveKernel.h"
+
+namespace unmix {
+
+// Mean and covariance of the solids' colour around the place of a solid that is nearest.
+struct NearColour {
+    std::array<float, 3> mean;
+    std::array<float, 6> covariance;
+    float away;  // pixels
+};
+
+struct Candidates {
+    CommonColour neutral{};
+    std::vector<NearColour> nearest;     // a coarse cell each; empty without solids to take colours from
+    std::vector<CommonColour> clusters;  // of the rims' colours
+    std::vector<Floats> away;            // of each cluster, cells of twice the coarse side: pixels to its nearest
+};
+
+struct CandidateSettings {
+    float veil = 0.7f;
+    int clusters = 8;
+};
+
+Candidates find_candidates(const BackingModel& backing, const Segmentation& segmentation,
+                           const CandidateSettings& settings, const ParallelLoop& loop);
+
+}  // namespace unmix

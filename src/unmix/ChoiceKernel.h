@@ -1,0 +1,28 @@
+// The choice among the candidate colours of pixels. All arrays have n values.
+#pragma once
+
+#include <cstddef>
+
+#include "lanes/LaneKernel.h"
+#include "unmix/SolveKernel.h"
+
+// Costs beyond this count as this when they are averaged, so that one pixel does not decide for its neighbours.
+inline constexpr float kMostCost = 60.0f;
+
+// The present choice takes a cluster's solution where its cost around the pixel, `mean`, with its distance is less
+// than `best`. `away` is in units of cost. `chosen` becomes `number` there.
+struct ChoiceRows {
+    float* best;
+    Solved chosen;
+    float* number;
+};
+using TakeBetter = void(const Solved& other, const float* mean, const float* away, float number,
+                        const ChoiceRows& choice, std::size_t n);
+LANE_KERNEL(TakeBetter, take_better);
+
+// Mixes the neutral solution into the chosen one by how much likelier either is: `lead` is the mean difference of
+// their costs, half of which is the logarithm of the odds; near a solid its colour is likelier by itself.
+// `number` becomes 1 where the neutral one weighs more. `near` is 1 at a solid, 0 far from it.
+using MixNeutral = void(const Solved& neutral, const float* lead, const float* near, const ChoiceRows& choice,
+                        std::size_t n);
+LANE_KERNEL(MixNeutral, mix_neutral);

@@ -1,0 +1,134 @@
+#include "unmix/FrameCubic.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace unmix {
+
+namespace {
+
+constexpr std::size_t kTerms = FrameCubic::kTerms;
+constexpr int kRounds = 6;
+constexpr double kOutlier = 4.0 * 1.4826;
+constexpr int kBlock = 4;            // cells to a side that count as one
+constexpr std::size_t kFewest = 64;  // blocks
+
+using Terms = std::array<double, kTerms>;
+
+Terms terms(double x, double y) {
+    return {1.0, x, x * x, x * x * x, y, y * x, y * x * x, y * y, y * y * x, y * y * y};
+}
+
+// From -1 to 1 over the picture.
+double place(double at, int size) {
+    return size < 2 ? 0.0 : 2.0 * at / (size - 1) - 1.0;
+}
+
+struct Block {
+    Terms terms;
+    std::array<double, 3> colour;
+    bool used = true;
+};
+
+// Gaussian elimination, with so little weight on small coefficients that it decides only what data does not.
+FrameCubic::Coefficients solve(const std::vector<Block>& blocks) {
+    std::array<std::array<double, kTerms + 3>, kTerms> rows{};
+    for (const Block& block : blocks) {
+        if (!block.used) continue;
+        for (std::size_t i = 0; i < kTerms; ++i) {
+            for (std::size_t j = 0; j < kTerms; ++j) rows[i][j] += block.terms[i] * block.terms[j];
+            for (std::size_t c = 0; c < 3; ++c) rows[i][kTerms + c] += block.terms[i] * block.colour[c];
+        }
+    }
+    for (std::size_t i = 1; i < kTerms; ++i) rows[i][i] += 1e-6 * rows[0][0];
+    for (std::size_t i = 0; i < kTerms; ++i) {
+        for (std::size_t j = 0; j < kTerms; ++j) {
+            if (j == i) continue;
+            const double factor = rows[j][i] / rows[i][i];
+            for (std::size_t n = i; n < kTerms + 3; ++n) rows[j][n] -= factor * rows[i][n];
+        }
+    }
+    FrameCubic::Coefficients found{};
+    for (std::size_t c = 0; c < 3; ++c) {
+        for (std::size_t i = 0; i < kTerms; ++i) found[c][i] = rows[i][kTerms + c] / rows[i][i];
+    }
+    return found;
+}
+
+double value_of(const Terms& coefficients, const Terms& at) {
+    double sum = 0.0;
+    for (std::size_t i = 0; i < kTerms; ++i) sum += coefficients[i] * at[i];
+    return sum;
+}
+
+template <class T>
+T quantile(std::vector<T> values, double q) {
+    const auto at = values.begin() + static_cast<std::ptrdiff_t>(q * static_cast<double>(values.size() - 1));
+    std::nth_element(values.begin(), at, values.end());
+    return *at;
+}
+
+std::vector<Block> blocks_of(const Colours& cells, const Bytes& mask) {
+    std::vector<Block> blocks;
+    for (int y = 0; y + kBlock <= mask.height(); y += kBlock) {
+        for (int x = 0; x + kBlock <= mask.width(); x += kBlock) {
+            Block block{terms(place(x + 1.5, mask.width()), place(y + 1.5, mask.height())), {}};
+            bool all = true;
+            for (int n = 0; n < kBlock * kBlock; ++n) {
+                const int at = x + n % kBlock;
+                const int up = y + n / kBlock;
+                all = all && mask(at, up) != 0;
+                for (std::size_t c = 0; c < 3; ++c) {
+                    block.colour[c] += static_cast<double>(cells[c](at, up)) / (kBlock * kBlock);
+                }
+            }
+            if (all) blocks.push_back(block);
+        }
+    }
+    return blocks;
+}
+
+}  // namespace
+
+void FrameCubic::fit(const Colours& cells, const Bytes& mask) {
+    coefficients_ = {};
+    for (std::size_t c = 0; c < 3; ++c) {
+        std::vector<float> values;
+        for (std::size_t i = 0; i < mask.size(); ++i) {
+            if (mask[i] != 0) values.push_back(cells[c][i]);
+        }
+        low_[c] = 0.8f * quantile(values, 0.01);
+        high_[c] = 1.2f * quantile(values, 0.99);
+        coefficients_[c][0] = static_cast<double>(quantile(values, 0.5));
+    }
+    std::vector<Block> blocks = blocks_of(cells, mask);
+    if (blocks.size() < kFewest) return;
+    for (int round = 0; round < kRounds; ++round) {
+        coefficients_ = solve(blocks);
+        std::vector<double> used;
+        std::vector<double> off(blocks.size(), 0.0);
+        for (std::size_t i = 0; i < blocks.size(); ++i) {
+            for (std::size_t c = 0; c < 3; ++c) {
+                const double left = blocks[i].colour[c] - value_of(coefficients_[c], blocks[i].terms);
+                off[i] = std::max(off[i], std::abs(left));
+            }
+            if (blocks[i].used) used.push_back(off[i]);
+        }
+        const double most = kOutlier * quantile(used, 0.5);
+        for (std::size_t i = 0; i < blocks.size(); ++i) blocks[i].used = off[i] <= most;
+    }
+}
+
+void FrameCubic::evaluate(Colours& cells) const {
+    for (int y = 0; y < cells[0].height(); ++y) {
+        for (int x = 0; x < cells[0].width(); ++x) {
+            const Terms at = terms(place(x, cells[0].width()), place(y, cells[0].height()));
+            for (std::size_t c = 0; c < 3; ++c) {
+                cells[c](x, y) = std::clamp(static_cast<float>(value_of(coefficients_[c], at)), low_[c], high_[c]);
+            }
+        }
+    }
+}
+
+}  // namespace unmix

@@ -1,0 +1,95 @@
+#include "unmix/Hue.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace unmix {
+
+namespace {
+
+constexpr int kBins = 64;
+constexpr float kSure = 0.10f;
+constexpr float kMay = 0.20f;
+constexpr float kLeads = 0.08f;       // the least lead that counts,
+constexpr float kLeadsOfBest = 0.3f;  // or this share of the strongest, where all are weak
+constexpr float kDark = 0.02f;
+
+using Ratio = std::array<float, 2>;
+
+// Neighbours count by a Gaussian of one bin.
+std::vector<double> smoothed(const std::vector<double>& counts) {
+    constexpr std::array kTaps{0.399050, 0.242036, 0.054006, 0.004433};
+    std::vector<double> pass = counts;
+    for (const int stride : {1, kBins}) {
+        std::vector<double> next(pass.size(), 0.0);
+        for (int i = 0; i < kBins * kBins; ++i) {
+            const int at = stride == 1 ? i % kBins : i / kBins;
+            for (int d = -3; d <= 3; ++d) {
+                if (at + d < 0 || at + d >= kBins) continue;
+                next[static_cast<std::size_t>(i)] +=
+                    kTaps[static_cast<std::size_t>(std::abs(d))] * pass[static_cast<std::size_t>(i + d * stride)];
+            }
+        }
+        pass = std::move(next);
+    }
+    return pass;
+}
+
+float quantile(std::vector<float> values, double q) {
+    if (values.empty()) return 0.0f;
+    const auto at = values.begin() + static_cast<std::ptrdiff_t>(q * static_cast<double>(values.size() - 1));
+    std::nth_element(values.begin(), at, values.end());
+    return *at;
+}
+
+}  // namespace
+
+HueMasks find_hue(const BackingModel& model, const Floats& garbage) {
+    const Colours& means = model.means;
+    const std::size_t cells = means[0].size();
+    const auto colour = [&](std::size_t i) { return std::array{means[0][i], means[1][i], means[2][i]}; };
+    const auto ratio = [&](std::size_t i) {
+        const float k = std::max(means[static_cast<std::size_t>(model.screen)][i], kDark);
+        return Ratio{means[static_cast<std::size_t>(model.others[0])][i] / k,
+                     means[static_cast<std::size_t>(model.others[1])][i] / k};
+    };
+    std::vector<float> leads(cells);
+    std::vector<float> leading;
+    for (std::size_t i = 0; i < cells; ++i) {
+        leads[i] = !garbage.empty() && garbage[i] > 0.5f ? 0.0f : lead_of(colour(i), model);
+        if (leads[i] > 0.0f) leading.push_back(leads[i]);
+    }
+    const float least = std::min(kLeads, kLeadsOfBest * quantile(leading, 0.95));
+
+    std::vector<double> counts(static_cast<std::size_t>(kBins) * kBins, 0.0);
+    for (std::size_t i = 0; i < cells; ++i) {
+        if (leads[i] <= least) continue;
+        const Ratio r = ratio(i);
+        const auto bin = [](float v) { return std::clamp(static_cast<int>(v * kBins), 0, kBins - 1); };
+        counts[static_cast<std::size_t>(bin(r[0]) * kBins + bin(r[1]))] += 1.0;
+    }
+    counts = smoothed(counts);
+    const auto mode = static_cast<int>(std::ranges::max_element(counts) - counts.begin());
+    const Ratio middle{(static_cast<float>(mode / kBins) + 0.5f) / kBins,
+                       (static_cast<float>(mode % kBins) + 0.5f) / kBins};
+
+    HueMasks masks{Bytes(means[0].width(), means[0].height()), Bytes(means[0].width(), means[0].height())};
+    std::vector<float> near;
+    for (std::size_t i = 0; i < cells; ++i) {
+        const Ratio r = ratio(i);
+        const float off = leads[i] > least ? std::hypot(r[0] - middle[0], r[1] - middle[1]) : 1.0f;
+        masks.sure[i] = off < kSure ? 1 : 0;
+        masks.may[i] = off < kMay ? 1 : 0;
+        if (masks.sure[i] != 0) near.push_back(leads[i]);
+    }
+    const float floor = kLeadsOfBest * quantile(near, 0.5);
+    for (std::size_t i = 0; i < cells; ++i) {
+        if (leads[i] > floor) continue;
+        masks.sure[i] = 0;
+        masks.may[i] = 0;
+    }
+    return masks;
+}
+
+}  // namespace unmix

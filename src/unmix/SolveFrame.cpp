@@ -1,0 +1,255 @@
+#include "unmix/SolveFrame.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "lanes/FloatLogExp.h"
+#include "unmix/BoxKernel.h"
+#include "unmix/ChoiceKernel.h"
+
+namespace unmix {
+
+namespace {
+
+// A tile and the two neighbourhoods, one in the other, that its choice averages costs over.
+constexpr int kTileWidth = 64;
+constexpr int kTileHeight = 32;
+constexpr int kReach = 2;  // of one average
+constexpr int kHalo = 2 * kReach;
+constexpr int kWide = kTileWidth + 2 * kHalo;
+constexpr int kHigh = kTileHeight + 2 * kHalo;
+constexpr std::size_t kMost = static_cast<std::size_t>(kWide) * kHigh;
+
+constexpr float kLeadOfNearest = 15.0f;  // what a cluster's cost has to make up for beside a solid,
+constexpr float kNearness = 8.0f;        // the less so the farther: a length
+constexpr float kPixelsPerCost = 40.0f;  // a length
+constexpr float kMostLead = 20.0f;
+constexpr std::uint8_t kNeutral = 1;
+constexpr float kNearest = 2.0f;
+
+using Line = std::array<float, kMost>;
+
+struct SolvedLines {
+    Line alpha, cost, by_noise, variance;
+    Solved pointers() { return {alpha.data(), cost.data(), by_noise.data(), variance.data()}; }
+};
+
+// What is worked out for the unknown pixels of a tile, packed together.
+struct Scratch {
+    std::array<Line, 3> beyond, backing;
+    std::array<Line, 9> own;
+    Line guess, away, near, mean, best, number, lead;
+    SolvedLines neutral, chosen, other;
+    Line spread, sums, mass, column;
+    std::array<std::uint16_t, kMost> place;  // in the tile with its halo
+};
+
+class Solver {
+  public:
+    Solver(const BackingModel& backing, const Segmentation& segmentation, const Candidates& candidates,
+           Solution& solution)
+        : backing_(backing), segmentation_(segmentation), candidates_(candidates), solution_(solution),
+          noise_{backing.noise} {}
+
+    void tile(int left, int bottom) {
+        static thread_local Scratch scratch;
+        Scratch& s = scratch;
+        left_ = left;
+        bottom_ = bottom;
+        write_known();
+        if (!gather(s)) return;
+        solve_common(noise_, pixels(s), candidates_.neutral, s.neutral.pointers(), count_);
+        if (candidates_.nearest.empty()) {
+            write(s, s.neutral);
+            return;
+        }
+        solve_nearest(s);
+        try_clusters(s);
+        for (std::size_t i = 0; i < count_; ++i) {
+            s.lead[i] = std::clamp(s.neutral.cost[i] - s.chosen.cost[i], -kMostLead, kMostLead);
+        }
+        average(s, s.lead, s.mean);
+        mix_neutral(s.neutral.pointers(), s.mean.data(), s.near.data(), choice(s), count_);
+        write(s, s.chosen);
+    }
+
+  private:
+    UnmixPixels pixels(const Scratch& s) const {
+        return {{s.beyond[0].data(), s.beyond[1].data(), s.beyond[2].data()},
+                {s.backing[0].data(), s.backing[1].data(), s.backing[2].data()},
+                s.guess.data()};
+    }
+    static ChoiceRows choice(Scratch& s) { return {s.best.data(), s.chosen.pointers(), s.number.data()}; }
+    float pixels_of(float length) const { return length * backing_.scale.pixels; }
+
+    void write_known() {
+        const int side = backing_.scale.fine();
+        const int right = std::min(left_ + kTileWidth, backing_.scale.width);
+        const int top = std::min(bottom_ + kTileHeight, backing_.scale.height);
+        for (int y = bottom_; y < top; ++y) {
+            const std::uint8_t* const solid = segmentation_.solid.row(y / side);
+            for (int x = left_; x < right; ++x) {
+                solution_.alpha(x, y) = solid[x / side] != 0 ? 1.0f : 0.0f;
+            }
+            std::fill(solution_.variance.row(y) + left_, solution_.variance.row(y) + right, 0.0f);
+            std::fill(solution_.deviation.row(y) + left_, solution_.deviation.row(y) + right, 0.0f);
+            std::fill(solution_.candidate.row(y) + left_, solution_.candidate.row(y) + right, std::uint8_t{0});
+        }
+    }
+
+    // Packs the unknown pixels of the tile and its halo. False when the tile itself has none.
+    bool gather(Scratch& s) {
+        const int right = std::min(left_ + kTileWidth, backing_.scale.width);
+        const int top = std::min(bottom_ + kTileHeight, backing_.scale.height);
+        bool any = false;
+        for (int y = bottom_; y < top && !any; ++y) {
+            const std::uint8_t* const unknown = segmentation_.unknown.row(y);
+            any = std::any_of(unknown + left_, unknown + right, [](std::uint8_t v) { return v != 0; });
+        }
+        if (!any) return false;
+
+        const int x0 = std::max(left_ - kHalo, 0);
+        const int x1 = std::min(left_ + kTileWidth + kHalo, backing_.scale.width);
+        const int y1 = std::min(bottom_ + kTileHeight + kHalo, backing_.scale.height);
+        std::array<std::array<float, kWide>, 3> line{};
+        std::size_t n = 0;
+        for (int y = std::max(bottom_ - kHalo, 0); y < y1; ++y) {
+            const std::uint8_t* const unknown = segmentation_.unknown.row(y);
+            if (std::none_of(unknown + x0, unknown + x1, [](std::uint8_t v) { return v != 0; })) continue;
+            backing_.row(y, x0, x1, {line[0].data(), line[1].data(), line[2].data()});
+            const int row = (y - bottom_ + kHalo) * kWide;
+            for (int x = x0; x < x1; ++x) {
+                if (unknown[x] == 0) continue;
+                s.place[n] = static_cast<std::uint16_t>(row + x - left_ + kHalo);
+                for (std::size_t c = 0; c < 3; ++c) {
+                    const float b = line[c][static_cast<std::size_t>(x - x0)];
+                    s.backing[c][n] = b;
+                    s.beyond[c][n] = backing_.light[c](x, y) - b;
+                }
+                ++n;
+            }
+        }
+        count_ = n;
+        guess(s);
+        mass(s);
+        return true;
+    }
+
+    // The colour difference against the mean of the others.
+    void guess(Scratch& s) {
+        const auto k = static_cast<std::size_t>(backing_.screen);
+        const auto o = static_cast<std::size_t>(backing_.others[0]);
+        const auto p = static_cast<std::size_t>(backing_.others[1]);
+        for (std::size_t i = 0; i < count_; ++i) {
+            const float backing = s.backing[k][i] - 0.5f * (s.backing[o][i] + s.backing[p][i]);
+            const float beyond = s.beyond[k][i] - 0.5f * (s.beyond[o][i] + s.beyond[p][i]);
+            s.guess[i] = std::clamp(1.0f - (backing + beyond) / std::max(backing, 0.02f), 0.0f, 1.0f);
+        }
+    }
+
+    // How many unknown pixels each average is of.
+    void mass(Scratch& s) {
+        std::ranges::fill(s.spread, 0.0f);
+        for (std::size_t i = 0; i < count_; ++i) s.spread[s.place[i]] = 1.0f;
+        box_sum(s.spread.data(), kReach, s.column.data(), s.mass.data(), kWide - 2 * kReach,
+                kHigh - 2 * kReach);
+    }
+
+    // The mean of `values` over the unknown pixels around each. What lies within `kReach` of the tile's halo's
+    // edge gets no mean, and is not looked at again.
+    void average(Scratch& s, const Line& values, Line& means) {
+        for (std::size_t i = 0; i < count_; ++i) s.spread[s.place[i]] = values[i];
+        constexpr int kInner = kWide - 2 * kReach;
+        box_sum(s.spread.data(), kReach, s.column.data(), s.sums.data(), kInner, kHigh - 2 * kReach);
+        for (std::size_t i = 0; i < count_; ++i) {
+            const int x = s.place[i] % kWide - kReach;
+            const int y = s.place[i] / kWide - kReach;
+            const bool inside = x >= 0 && y >= 0 && x < kInner && y < kHigh - 2 * kReach;
+            const auto at = static_cast<std::size_t>(inside ? y * kInner + x : 0);
+            means[i] = inside ? s.sums[at] / s.mass[at] : 0.0f;
+        }
+    }
+
+    void solve_nearest(Scratch& s) {
+        const int side = backing_.scale.coarse();
+        const int across = backing_.coarse[0].width();
+        const float per_pixel = -1.0f / pixels_of(kNearness);
+        for (std::size_t i = 0; i < count_; ++i) {
+            const int x = (left_ - kHalo + s.place[i] % kWide) / side;
+            const int y = (bottom_ - kHalo + s.place[i] / kWide) / side;
+            const NearColour& colour = candidates_.nearest[static_cast<std::size_t>(y * across + x)];
+            for (std::size_t c = 0; c < 3; ++c) s.own[c][i] = colour.mean[c];
+            for (std::size_t q = 0; q < 6; ++q) s.own[3 + q][i] = colour.covariance[q];
+            s.near[i] = kernel::float_exp(colour.away * per_pixel);
+        }
+        OwnColours colours{};
+        for (std::size_t c = 0; c < 3; ++c) colours.mean[c] = s.own[c].data();
+        for (std::size_t q = 0; q < 6; ++q) colours.covariance[q] = s.own[3 + q].data();
+        solve_own(noise_, pixels(s), colours, s.chosen.pointers(), count_);
+        for (std::size_t i = 0; i < count_; ++i) {
+            s.number[i] = kNearest;
+            s.lead[i] = std::min(s.chosen.cost[i], kMostCost);
+        }
+        average(s, s.lead, s.best);
+        for (std::size_t i = 0; i < count_; ++i) s.best[i] -= kLeadOfNearest * s.near[i];
+        std::copy_n(s.chosen.alpha.begin(), count_, s.guess.begin());
+    }
+
+    void try_clusters(Scratch& s) {
+        const int side = 2 * backing_.scale.coarse();
+        const float per_pixel = 1.0f / pixels_of(kPixelsPerCost);
+        for (std::size_t k = 0; k < candidates_.clusters.size(); ++k) {
+            const Floats& away = candidates_.away[k];
+            for (std::size_t i = 0; i < count_; ++i) {
+                const int x = (left_ - kHalo + s.place[i] % kWide) / side;
+                const int y = (bottom_ - kHalo + s.place[i] / kWide) / side;
+                s.away[i] = away(x, y) * per_pixel;
+            }
+            solve_common(noise_, pixels(s), candidates_.clusters[k], s.other.pointers(), count_);
+            for (std::size_t i = 0; i < count_; ++i) s.lead[i] = std::min(s.other.cost[i], kMostCost);
+            average(s, s.lead, s.mean);
+            take_better(s.other.pointers(), s.mean.data(), s.away.data(), kNearest + 1.0f + static_cast<float>(k),
+                        choice(s), count_);
+        }
+    }
+
+    void write(const Scratch& s, const SolvedLines& from) {
+        for (std::size_t i = 0; i < count_; ++i) {
+            const int x = s.place[i] % kWide - kHalo;
+            const int y = s.place[i] / kWide - kHalo;
+            if (x < 0 || y < 0 || x >= kTileWidth || y >= kTileHeight) continue;
+            solution_.alpha(left_ + x, bottom_ + y) = from.alpha[i];
+            solution_.variance(left_ + x, bottom_ + y) = from.by_noise[i];
+            solution_.deviation(left_ + x, bottom_ + y) = std::sqrt(from.variance[i]);
+            solution_.candidate(left_ + x, bottom_ + y) =
+                candidates_.nearest.empty() ? kNeutral : static_cast<std::uint8_t>(s.number[i]);
+        }
+    }
+
+    const BackingModel& backing_;
+    const Segmentation& segmentation_;
+    const Candidates& candidates_;
+    Solution& solution_;
+    UnmixNoise noise_;
+    int left_ = 0;
+    int bottom_ = 0;
+    std::size_t count_ = 0;
+};
+
+}  // namespace
+
+void solve_frame(const BackingModel& backing, const Segmentation& segmentation, const Candidates& candidates,
+                 Solution& solution, const ParallelLoop& loop) {
+    const int width = backing.scale.width;
+    const int height = backing.scale.height;
+    for (Floats* plane : {&solution.alpha, &solution.variance, &solution.deviation}) plane->resize(width, height);
+    solution.candidate.resize(width, height);
+    const int across = (width + kTileWidth - 1) / kTileWidth;
+    const int up = (height + kTileHeight - 1) / kTileHeight;
+    loop(0, up * across, 4, [&](int begin, int end) {
+        Solver solver(backing, segmentation, candidates, solution);
+        for (int n = begin; n < end; ++n) solver.tile(n % across * kTileWidth, n / across * kTileHeight);
+    });
+}
+
+}  // namespace unmix

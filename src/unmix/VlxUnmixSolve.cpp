@@ -1,0 +1,40 @@
+#include "unmix/VlxUnmixSolve.h"
+
+#include <cmath>
+
+#include "unmix/SolveFrame.h"
+#include "unmix/VlxUnmixBacking.h"
+#include "unmix/VlxUnmixSolids.h"
+
+using namespace Zo::Image;
+
+void VlxUnmixSolve::append_params(Hash& hash) const {
+    hash.append(static_cast<double>(params().veil));
+    hash.append(static_cast<double>(params().detail));
+    append_colours(hash, params().see_through);
+}
+
+bool VlxUnmixSolve::compute(Lock& helpers) {
+    if (!backing_.make(helpers) || !solids_.make(helpers)) return false;
+    return run_kernel(*this, helpers, [&](const ParallelLoop& loop) {
+        const unmix::BackingModel& backing = backing_.model();
+        const unmix::Segmentation& segmentation = solids_.segmentation();
+        const unmix::Candidates candidates =
+            unmix::find_candidates(backing, segmentation, {.veil = params().veil}, loop);
+        unmix::solve_frame(backing, segmentation, candidates, solution_, loop);
+    });
+}
+
+void VlxUnmixSolve::show(int y, int x, ChannelSet channels, Row& row) {
+    const int width = static_cast<int>(row.width());
+    if (channels.has(kRed)) {
+        float* const out = row.overwrite(kRed);
+        for (int n = 0; n < width; ++n) out[n] = static_cast<float>(solution_.candidate(x + n, y)) / 16.0f;
+    }
+    if (channels.has(kGreen)) {
+        float* const out = row.overwrite(kGreen);
+        for (int n = 0; n < width; ++n) out[n] = std::sqrt(solution_.variance(x + n, y));
+    }
+    if (channels.has(kBlue)) row.refer(kBlue, solution_.deviation.row(y) + x);
+    if (channels.has(kAlpha)) row.refer(kAlpha, solution_.alpha.row(y) + x);
+}
