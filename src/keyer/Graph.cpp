@@ -2,8 +2,10 @@
 #include <algorithm>
 #include <type_traits>
 
+#include "controls/ChannelRoles.h"
 #include "keyer/VeloxaKeyer.h"
 #include "panel/KnobCopy.h"
+#include "tools/Stage.h"
 
 using namespace Zo::Image;
 
@@ -36,6 +38,12 @@ void VeloxaKeyer::for_each_operator(Visit&& visit) {
     visit(computePFG, "computePFG");
     visit(matteCorrectPFG, "matteCorrectPFG");
     visit(outputMatte, "outputMatte");
+    visit(unmixBacking, "unmixBacking");
+    visit(unmixSolids, "unmixSolids");
+    visit(unmixSolve, "unmixSolve");
+    visit(unmixClean, "unmixClean");
+    visit(unmixColour, "unmixColour");
+    visit(unmixMatte, "unmixMatte");
     visit(spillSuppression, "spillSuppression");
     visit(colorCorrection, "colorCorrection");
     visit(shrinkCU, "shrinkCU");
@@ -79,22 +87,54 @@ void VeloxaKeyer::refresh_controls() {
     });
 }
 
+// The colours are those of the saved lists, so that a script gives the same pixels as the strokes did.
+void VeloxaKeyer::refresh_unmix_params() {
+    UnmixParams& p = unmix_params_;
+    p.screen = ChannelForRole(controls_.get(controls::kColorIndex), 2);
+    p.encoding = static_cast<Encoding>(knobs_.unmix_encoding);
+    p.veil = knobs_.unmix_veil;
+    p.solid = knobs_.unmix_solid;
+    p.detail = knobs_.unmix_detail;
+    p.denoise = knobs_.unmix_denoise;
+    p.folds = knobs_.unmix_folds;
+    p.spill = knobs_.unmix_spill;
+    const auto take = [&](SampleAction action, std::vector<TaughtColour>& colours) {
+        colours.clear();
+        for (const VeloxaSample::Sample& sample : panel_.sampled(action)) {
+            const VeloxaSample::Sample s = as_saved(sample);
+            if (usable(s)) colours.push_back({{s[0], s[1], s[2]}, std::clamp(s[3], 0.0f, 1.0f)});
+        }
+    };
+    take(SampleAction::kUnmixBacking, p.backing);
+    take(SampleAction::kUnmixSolid, p.solids);
+    take(SampleAction::kUnmixSeeThrough, p.see_through);
+    take(SampleAction::kUnmixOwn, p.own);
+}
+
 Iop& VeloxaKeyer::screen_region() {
     if (any_above_zero(knobs_.screen_shrink)) return shrinkScreen;
     if (knobs_.screen_orphans > 0) return computeIsland;
     return clearRegion;
 }
 
-// What the shadow combination takes its colour from.
-Iop& VeloxaKeyer::keyed_colour() {
-    if (knobs_.color_conformance) return colorCorrection;
-    if (knobs_.spill_suppression) return spillSuppression;
+// The subject's matte, and its colour before any correction.
+Iop& VeloxaKeyer::keyed_matte() {
+    if (knobs_.unmixes()) return unmixMatte;
     return outputMatte;
 }
 
+// What the shadow combination takes its colour from. What is unmixed has lost its spill.
+Iop& VeloxaKeyer::keyed_colour() {
+    if (knobs_.color_conformance) return colorCorrection;
+    if (knobs_.spill_suppression && !knobs_.unmixes()) return spillSuppression;
+    return keyed_matte();
+}
+
 // What the composite path takes its colour from: with both stages off the foreground as it is, where the
-// shadow path takes the processed one. What is added must be processed: its backing stays in otherwise.
+// shadow path takes the processed one. What is added must be processed: its backing stays in otherwise. What
+// is unmixed and not corrected afterwards keeps the plate's own values.
 Iop& VeloxaKeyer::colour_source() {
+    if (knobs_.unmixes() && !knobs_.color_conformance) return unmixColour;
     if (knobs_.color_conformance || knobs_.spill_suppression || knobs_.adds()) return keyed_colour();
     return normFg;
 }
@@ -103,12 +143,12 @@ Iop& VeloxaKeyer::colour_source() {
 Iop& VeloxaKeyer::choked_matte() {
     if (any_above_zero(knobs_.cleanup_blur)) return blurCU;
     if (any_above_zero(knobs_.cleanup_shrink)) return shrinkCU;
-    return outputMatte;
+    return keyed_matte();
 }
 
 // At strength 0 the clean-up leaves every bit as it is.
 Iop& VeloxaKeyer::final_matte() {
-    if (!knobs_.cleanup) return outputMatte;
+    if (!knobs_.cleanup) return keyed_matte();
     if (controls_.get(controls::kCleanUp) != 0) return cleanup;
     return choked_matte();
 }
@@ -147,9 +187,16 @@ void VeloxaKeyer::wire_graph() {
     wire(matteCorrectPFG, {&computePFG, correct ? region : &computePFG});
     wire(outputMatte, {either(edge_kernel, matteCorrectPFG, computePFG)});
     wire(spillSuppression, {&computePFG, correct ? region : &outputMatte});
-    wire(colorCorrection, {either(knobs_.spill_suppression, spillSuppression, outputMatte)});
-    wire(shrinkCU, {&outputMatte});
-    wire(blurCU, {either(cleanup_shrink, shrinkCU, outputMatte)});
+    wire(unmixBacking, {input_op(0), input_op(1), input_op(3)});
+    wire(unmixSolids, {&unmixBacking, input_op(3), input_op(4)});
+    wire(unmixSolve, {&unmixSolids});
+    wire(unmixClean, {&unmixSolve, input_op(3), input_op(4)});
+    wire(unmixColour, {&unmixClean});
+    wire(unmixMatte, {&unmixColour});
+    const bool suppress = knobs_.spill_suppression && !knobs_.unmixes();
+    wire(colorCorrection, {either(suppress, spillSuppression, keyed_matte())});
+    wire(shrinkCU, {&keyed_matte()});
+    wire(blurCU, {either(cleanup_shrink, shrinkCU, keyed_matte())});
     wire(cleanup, {&choked_matte()});
     wire(smartInterpol, {either(cp, normCp, normFg), region});
     wire(computeShadow, {&smartInterpol});

@@ -35,6 +35,33 @@ void apply_rule(const KnobStorage& knobs, ChannelSet channels, const OutputRows&
     if (channels.has(kAlpha)) row.share(k, kMaskAlpha);
 }
 
+// What delivers the unmixed colour, as the plate would store it or on the working scale.
+enum class UnmixedFrom { kPlate, kCorrection, kShadows };
+
+void apply_unmixed_rule(const KnobStorage& knobs, UnmixedFrom stage, ChannelSet channels,
+                        const OutputRows& from, Row& row) {
+    Row k(row.x(), row.r());
+    float* const opaque = k.overwrite(kAlpha);
+    linear_opacity(from.matte, opaque, row.width());
+    Row share(row.x(), row.r());
+    float* const held = share.overwrite(kAlpha);
+    linear_opacity(from.processed, held, row.width());
+    if (stage == UnmixedFrom::kShadows) larger_opacity(opaque, held, row.width());
+    const auto mode = static_cast<OutputMode>(knobs.output_mode);
+    const auto encoding = static_cast<Encoding>(knobs.unmix_encoding);
+    for (const Channel c : channels) {
+        if (c == kAlpha) continue;
+        float* const out = row.overwrite(c);
+        const float* colour = from.colour[c];
+        if (stage != UnmixedFrom::kPlate) {
+            decoded_colour(colour, out, row.width());
+            colour = out;
+        }
+        unmixed_colour({mode, encoding}, colour, from.background[c], opaque, held, out, row.width());
+    }
+    if (channels.has(kAlpha)) row.share(k, kMaskAlpha);
+}
+
 }  // namespace
 
 void VeloxaKeyer::engine_composite(int y, ChannelSet channels, Row& row) {
@@ -55,8 +82,13 @@ void VeloxaKeyer::finish(int y, ChannelSet channels, const Row& colour, const Ro
     Row background(row.x(), row.r());
     background.get(input(2), y, channels - kMaskAlpha);
     Row processed(row.x(), row.r());
-    if (knobs_.adds()) processed.get(outputMatte, y, kMaskAlpha);
-    apply_rule(knobs_, channels, {colour, background, matte[kAlpha], processed[kAlpha]}, row);
+    if (knobs_.adds()) processed.get(keyed_matte(), y, kMaskAlpha);
+    const OutputRows rows{colour, background, matte[kAlpha], processed[kAlpha]};
+    if (!knobs_.unmixes()) return apply_rule(knobs_, channels, rows, row);
+    const auto stage = shadows_on()               ? UnmixedFrom::kShadows
+                       : knobs_.color_conformance ? UnmixedFrom::kCorrection
+                                                  : UnmixedFrom::kPlate;
+    apply_unmixed_rule(knobs_, stage, channels, rows, row);
 }
 
 // Shows the foreground as it arrived, tinted where the screen or the subject is; alpha stays the key's.

@@ -10,6 +10,7 @@
 #include <cstdint>
 
 #include "lanes/LaneKernel.h"
+#include "unmix/UnmixParams.h"
 
 enum class OutputMode : std::int32_t { kComposite = 0, kPremultiplied = 1, kUnpremultiplied = 2 };
 enum class OverlayMode : std::int32_t { kOff = 0, kScreen = 1, kSubject = 2 };
@@ -42,6 +43,26 @@ LANE_KERNEL(OutputColour, output_colour);
 using AddedColour = void(OutputMode mode, const float* colour, const float* background, const float* k,
                          const float* share, float* out, std::size_t n);
 LANE_KERNEL(AddedColour, added_colour);
+
+// The working scale's colour as the plate stores it, at most the largest half float.
+using DecodedColour = void(const float* colour, float* out, std::size_t n);
+LANE_KERNEL(DecodedColour, decoded_colour);
+
+// Raises the opacity k to that of another stage.
+LANE_KERNEL(DecodedColour, larger_opacity);
+
+struct UnmixedParams {
+    OutputMode mode;
+    Encoding encoding;  // of the plate and of the background
+};
+
+// The output rule for the unmixed subject: its colour as the plate stores it, times `share`, its opacity
+// then. Composites mix light; what a later stage adds to k finds no colour there. With k and share 1 the
+// composite is the colour's bits, with k 0 the background's. Premultiplied is k times the colour,
+// unpremultiplied the colour alone; both are 0 where the share is.
+using UnmixedColour = void(const UnmixedParams& params, const float* colour, const float* background,
+                           const float* k, const float* share, float* out, std::size_t n);
+LANE_KERNEL(UnmixedColour, unmixed_colour);
 
 struct OverlayParams {
     OverlayMode mode;

@@ -38,8 +38,8 @@ int VeloxaKeyer::knob_changed(Knob* knob) {
 }
 
 ToolNode VeloxaKeyer::tool_node() {
-    return {*this,    knobs_,      panel_,  controls_,       inputFlags_,
-            session_, outputMatte, cleanup, colorCorrection, [this]() -> Iop& { return screen_region(); }};
+    return {*this,    knobs_,        panel_,  controls_,       inputFlags_,
+            session_, keyed_matte(), cleanup, colorCorrection, [this]() -> Iop& { return screen_region(); }};
 }
 
 std::string VeloxaKeyer::diagnostic(std::string_view what) const {
@@ -69,6 +69,7 @@ void VeloxaKeyer::_validate(bool for_real) {
     const auto& colour = knobs_.screen_color;
     set_flag(kNoScreenColor, colour[0] == 0.0f && colour[1] == 0.0f && colour[2] == 0.0f);
     refresh_controls();
+    refresh_unmix_params();
     if (for_real) wire_graph();
 }
 
@@ -86,7 +87,7 @@ void VeloxaKeyer::_request(int x, int y, int r, int t, ChannelSet channels, int 
         ask(final_matte(), widened);
         if (&colour_source() != &normFg) ask(colour_source(), widened);
     }
-    if (knobs_.adds()) ask(outputMatte, kMaskAlpha);
+    if (knobs_.adds()) ask(keyed_matte(), kMaskAlpha);
     if (knobs_.overlay_mode > 0) ask(screen_region(), widened);
     if (flag(kHmConnected)) {
         ask(input(0), channels);

@@ -5,7 +5,8 @@
 //   input 2 "bg"  background
 //
 // Each validation copies the knobs into the controls and, for real, wires the graph: a stage that is off or
-// has nothing to do is left out by connecting its reader to what it would have read. engine takes finished
+// has nothing to do is left out by connecting its reader to what it would have read. There are two ways to
+// the matte, by colour difference and by unmixing; what stands behind them is the same. engine takes finished
 // rows of the last operators and forms the output. Until a screen colour is chosen the foreground passes.
 // engine keeps everything in locals, so rows may be asked from many threads.
 #pragma once
@@ -41,6 +42,12 @@
 #include "stages/VlxOutputMatte.h"
 #include "stages/VlxSpillSuppression.h"
 #include "tools/ToolNode.h"
+#include "unmix/VlxUnmixBacking.h"
+#include "unmix/VlxUnmixClean.h"
+#include "unmix/VlxUnmixColour.h"
+#include "unmix/VlxUnmixMatte.h"
+#include "unmix/VlxUnmixSolids.h"
+#include "unmix/VlxUnmixSolve.h"
 
 class VeloxaKeyer final : public Zo::Image::Iop {
   public:
@@ -76,12 +83,14 @@ class VeloxaKeyer final : public Zo::Image::Iop {
     ToolNode tool_node();
     void adopt_operators();
     void refresh_controls();
+    void refresh_unmix_params();
     void wire_graph();
     template <class Visit>
     void for_each_operator(Visit&& visit);
 
     // The operators that the choices of the panel select; see wire_graph.
     Zo::Image::Iop& screen_region();
+    Zo::Image::Iop& keyed_matte();
     Zo::Image::Iop& keyed_colour();
     Zo::Image::Iop& colour_source();
     Zo::Image::Iop& choked_matte();
@@ -125,6 +134,14 @@ class VeloxaKeyer final : public Zo::Image::Iop {
     VlxShadowBlur shadowBlur{context(), &controls_};
     VlxComputeShadow computeShadow{context(), &controls_};
     VlxCombineShadow combineShadow{context(), &controls_};
+
+    UnmixParams unmix_params_;
+    VlxUnmixBacking unmixBacking{context(), &unmix_params_};
+    VlxUnmixSolids unmixSolids{context(), &unmix_params_, unmixBacking};
+    VlxUnmixSolve unmixSolve{context(), &unmix_params_, unmixBacking, unmixSolids};
+    VlxUnmixClean unmixClean{context(), &unmix_params_, unmixBacking, unmixSolids, unmixSolve};
+    VlxUnmixColour unmixColour{context(), &unmix_params_, unmixBacking, unmixSolids, unmixClean};
+    VlxUnmixMatte unmixMatte{context(), &controls_};
 
     std::uint32_t inputFlags_ = 0;
     PanelKnobs panel_;

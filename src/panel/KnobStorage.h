@@ -71,6 +71,17 @@ struct KnobStorage {
     float color_saturation = 0.0f;
     float color_brightness = 0.0f;
 
+    // Unmix
+    std::int32_t unmix_method = 0;  // colour difference, unmix
+    float unmix_veil = 0.7f;
+    float unmix_solid = 0.66f;
+    float unmix_detail = 1.0f;
+    float unmix_denoise = 1.0f;
+    float unmix_folds = 1.0f;
+    float unmix_spill = 1.0f;
+    std::int32_t unmix_encoding = 0;  // as stored, sRGB, logarithmic
+    float unmix_opacity = 0.5f;       // of the next stroke over what is see-through
+
     // Film
     float film_transparency = 100.0f;
     Color film_correction{0.2f, 0.0f, 0.0f};
@@ -85,8 +96,9 @@ struct KnobStorage {
 
     bool operator==(const KnobStorage&) const = default;
 
-    bool linear_matte() const { return matte_scale == 1; }
-    bool adds() const { return merge == 1; }
+    bool unmixes() const { return unmix_method == 1; }
+    bool linear_matte() const { return matte_scale == 1 || unmixes(); }
+    bool adds() const { return merge == 1 || unmixes(); }
     bool shows_subject() const { return overlay_mode == 2; }
 
     std::int32_t active_tool = 0;    // the toolbar's: number of the tool in hand

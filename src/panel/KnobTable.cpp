@@ -212,6 +212,46 @@ constexpr KnobRow kTable[] = {
          range(-200, 200), to(c::kSaturation)),
     KNOB(color_brightness, "brightness", "Adjusts the overall intensity of the image.", range(-100, 100),
          to(c::kBrightness)),
+    tab("Unmix"),
+    KNOB(unmix_method, "method",
+         "How the matte is made:<ul><li><b>colour difference</b>: by how far the backing's channel exceeds "
+         "the two others.</li><li><b>unmix</b>: each pixel is taken apart into backing and subject, with "
+         "the backing's light measured all over the frame and the subject's colours taken from what is "
+         "solid nearby. Spill is gone then already, the foreground is added, and of the tabs only Shadows, "
+         "Cleanup, Color and Output still count.</li></ul>",
+         {}, {}, {"colour difference", "unmix"}),
+    KNOB(unmix_veil, "veil",
+         "How much of the screen's color see-through things such as veils and glass have of their own. "
+         "Raise it where they come out too thin, lower it where the backing still shows in them.",
+         range(0, 1)),
+    KNOB(unmix_solid, "solid",
+         "How opaque something must look to be taken for solid. Lower it where holes open in the subject, "
+         "raise it where see-through parts close up.",
+         range(0.5, 0.95)),
+    KNOB(unmix_detail, "detail",
+         "Raise it to keep fainter hair and smoke, lower it where grain in the backing is kept as detail.",
+         range(0, 2)),
+    KNOB(unmix_denoise, "denoise",
+         "How strongly grain is taken out of the matte. Raise it where the backing is speckled or the "
+         "subject grainy, lower it where soft edges turn hard.",
+         range(0, 2)),
+    KNOB(unmix_folds, "folds",
+         "How much darker or brighter than around it the backing may be. Raise it where folds and soft "
+         "shadows stay in the matte, lower it where dark parts of the subject go missing.",
+         range(0, 2)),
+    KNOB(unmix_spill, "spill",
+         "How much of the backing's light is taken out of the subject's color. Lower it where colors of "
+         "the screen's hue turn grey, raise it where rims stay tinted.",
+         range(0, 2)),
+    KNOB(unmix_encoding, "encoding",
+         "What the foreground's values are:<ul><li><b>as stored</b>: light.</li><li><b>sRGB</b>: display "
+         "values.</li><li><b>logarithmic</b>: density of film scans.</li></ul>Edges mix in light: with the "
+         "wrong choice they come out too dark or too bright.",
+         {}, {}, {"as stored", "sRGB", "logarithmic"}),
+    KNOB(unmix_opacity, "opacity of strokes",
+         "About how opaque the next stroke of the see-through tool is: 0 shows the backing alone.",
+         range(0, 1)),
+    reset("Reset the unmix settings to their default values, the method too, and forget its strokes."),
     tab("Film", &K::film),
     link(&K::film, "film_enable", "enable"),
     KNOB(film_transparency, "transparency",
@@ -233,12 +273,14 @@ constexpr KnobRow kTable[] = {
     tab("Output"),
     KNOB(matte_scale, "matte scale",
          "How the matte becomes transparency:<ul><li><b>knee</b>: two thirds of its range count as fully "
-         "transparent already.</li><li><b>linear</b>: over its whole range, which keeps thin hair.</li></ul>",
+         "transparent already.</li><li><b>linear</b>: over its whole range, which keeps thin "
+         "hair.</li></ul>The "
+         "method unmix is always linear.",
          {}, {}, {"knee", "linear"}),
     KNOB(merge, "merge",
          "How the foreground joins the background:<ul><li><b>multiply</b>: the colour is multiplied by its "
          "opacity.</li><li><b>add</b>: the processed foreground, whose backing is taken out already, is "
-         "added as it is, which keeps soft edges from going dark.</li></ul>",
+         "added as it is, which keeps soft edges from going dark.</li></ul>The method unmix always adds.",
          {}, {}, {"multiply", "add"}),
     piece(Kind::kBeginToolbar, "", "veloxa_toolbar"),
     tool(Tool::kScreen, "toolbar_screen", "@VlxColorPicker; screen ", "Backing color."),
@@ -275,6 +317,17 @@ constexpr KnobRow kTable[] = {
          "Use the Hold Shadow tool to scrub areas in the backing with shadows that should be preserved."),
     tool(Tool::kRestoreDetail, "toolbar_restoreDetail", "@VlxColorPicker; restore detail ",
          "Restore detail in partially transparent areas"),
+    piece(Kind::kToolbarSeparator),
+    piece(Kind::kText, "unmix"),
+    tool(Tool::kUnmixBacking, "toolbar_unmixbacking", "@VlxBrush; backing ",
+         "Scrub what is backing and yet stays in the matte of the method unmix: marks, tape, odd folds."),
+    tool(Tool::kUnmixSolid, "toolbar_unmixsolid", "@VlxBrush; solid ",
+         "Scrub what is opaque and yet comes out see-through with the method unmix."),
+    tool(Tool::kUnmixSeeThrough, "toolbar_unmixseethrough", "@VlxBrush; see-through ",
+         "Scrub what is see-through and comes out too opaque, or too thin, with the method unmix; the knob "
+         "opacity of strokes on the tab Unmix tells how opaque it is."),
+    tool(Tool::kUnmixOwn, "toolbar_unmixown", "@VlxEraser; no spill ",
+         "Scrub what has the screen's hue of its own, so that the method unmix takes no spill out of it."),
     piece(Kind::kEndToolbar),
     // The names are those of saved scripts, slips of the pen included.
     samples(SampleAction::kAddOverlay, "us_add_overlay", "Screen Correct"),
@@ -283,6 +336,10 @@ constexpr KnobRow kTable[] = {
     samples(SampleAction::kRemoveOverlayCp, "us_remove_ovelray_cp", "Screen Correct"),
     samples(SampleAction::kRestoreSpill, "us_restore_spill", "Spill"),
     samples(SampleAction::kRemoveSpill, "us_remove_spill", "Spill"),
+    samples(SampleAction::kUnmixBacking, "us_unmix_backing", "Unmix"),
+    samples(SampleAction::kUnmixSolid, "us_unmix_solid", "Unmix"),
+    samples(SampleAction::kUnmixSeeThrough, "us_unmix_see_through", "Unmix"),
+    samples(SampleAction::kUnmixOwn, "us_unmix_own", "Unmix"),
     {.name = "find_screen",
      .label = "Find Screen",
      .tooltip = "Find the backing in the foreground and take its color for the screen color.",

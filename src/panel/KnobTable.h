@@ -23,8 +23,13 @@ enum class SampleAction {
     kRemoveOverlay,
     kRemoveOverlayCp,
     kRestoreSpill,
-    kRemoveSpill
+    kRemoveSpill,
+    kUnmixBacking,
+    kUnmixSolid,
+    kUnmixSeeThrough,
+    kUnmixOwn
 };
+inline constexpr int kSampleActions = static_cast<int>(SampleAction::kUnmixOwn) + 1;
 
 // The tools of the viewer's toolbar, in panel order; the numbers are what the toolbar's field holds. Behind
 // them those that look at the whole foreground.
@@ -40,6 +45,10 @@ enum class Tool {
     kMatchShadow,
     kHoldShadow,
     kRestoreDetail,
+    kUnmixBacking,
+    kUnmixSolid,
+    kUnmixSeeThrough,
+    kUnmixOwn,
     kFindScreen,
     kSetUp
 };
@@ -122,7 +131,7 @@ std::size_t knob_row(KnobField field);
 // A set of settings, as those that are held, or that a tool turns.
 class KnobFields {
   public:
-    static constexpr std::size_t kMost = 128;  // rows
+    static constexpr std::size_t kMost = 160;  // rows
 
     void add(KnobField field) { add_row(knob_row(field)); }
     void add_row(std::size_t row) { rows_.set(row); }

@@ -96,6 +96,10 @@ void build_panel(Knob_Closure& closure, KnobStorage& storage, PanelKnobs& refs) 
         const bool link = row.kind == Kind::kLink;
         Tooltip(closure, link ? knob_table()[knob_row(row.field)].tooltip : row.tooltip);
     }
+    for (std::size_t i = 0; i < refs.lists_.size(); ++i) {
+        const VeloxaSample_Knob* const list = refs.samples(static_cast<SampleAction>(i));
+        if (list != nullptr) refs.lists_[i] = list->shared();
+    }
     refs.update_enables();
 }
 
@@ -121,6 +125,12 @@ int PanelKnobs::knob_changed(Knob* knob) {
 
 VeloxaSample_Knob* PanelKnobs::samples(SampleAction action) const {
     return static_cast<VeloxaSample_Knob*>(find(Kind::kCustom, static_cast<int>(action)));
+}
+
+std::span<const VeloxaSample::Sample> PanelKnobs::sampled(SampleAction action) const {
+    const auto& list = lists_[static_cast<std::size_t>(action)];
+    if (list == nullptr) return {};
+    return *list;
 }
 
 Knob* PanelKnobs::tool(Tool tool) const {
@@ -153,7 +163,7 @@ std::vector<Knob*> PanelKnobs::settings() const {
 
 std::vector<Knob*> PanelKnobs::valued() const {
     std::vector<Knob*> knobs = settings();
-    for (int i = 0; i <= static_cast<int>(SampleAction::kRemoveSpill); ++i) {
+    for (int i = 0; i < kSampleActions; ++i) {
         if (Knob* const list = find(Kind::kCustom, i)) knobs.push_back(list);
     }
     return knobs;

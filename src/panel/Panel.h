@@ -1,7 +1,10 @@
 // The keyer's panel, made from the table of its knobs, and what happens when one changes.
 #pragma once
 
+#include <array>
+#include <memory>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "ZoImage/KnobClosure.h"
@@ -16,6 +19,8 @@ class PanelKnobs {
     int knob_changed(Zo::Image::Knob* knob);
 
     VeloxaSample_Knob* samples(SampleAction action) const;
+    // What its list holds, also after the panel is gone; nothing before there was one.
+    std::span<const VeloxaSample::Sample> sampled(SampleAction action) const;
     Zo::Image::Knob* tool(Tool tool) const;
     // The tool whose button this is.
     std::optional<Tool> tool_of(const Zo::Image::Knob* knob) const;
@@ -37,6 +42,8 @@ class PanelKnobs {
     void show_color(std::size_t row, Tool tool);
 
     std::vector<Zo::Image::Knob*> knobs_;  // one a row of the table
+    // Hosts may take a panel down and render on.
+    std::array<std::shared_ptr<const std::vector<VeloxaSample::Sample>>, kSampleActions> lists_;
     const KnobStorage* storage_ = nullptr;
 };
 

@@ -22,8 +22,8 @@ float narrowed(double value) {
 }  // namespace
 
 void VeloxaSample::append(const Sample& sample) {
-    if (samples_.size() == kCapacity) samples_.erase(samples_.begin());
-    samples_.push_back(sample);
+    if (samples_->size() == kCapacity) samples_->erase(samples_->begin());
+    samples_->push_back(sample);
 }
 
 int VeloxaSample::add_point(const Sample& sample, int x, int y, int r, int t) {
@@ -63,17 +63,17 @@ int VeloxaSample::add_area(Iop& source, int x, int y, int r, int t) {
 
 VeloxaSample::Sample VeloxaSample::average() const {
     Sample mean{};
-    if (samples_.empty()) return mean;
-    for (const Sample& sample : samples_) {
+    if (samples_->empty()) return mean;
+    for (const Sample& sample : *samples_) {
         for (std::size_t i = 0; i < 3; ++i) mean[i] += sample[i];
     }
-    for (std::size_t i = 0; i < 3; ++i) mean[i] /= static_cast<float>(samples_.size());
+    for (std::size_t i = 0; i < 3; ++i) mean[i] /= static_cast<float>(samples_->size());
     return mean;
 }
 
 void VeloxaSample::write(std::ostream& out, bool quote) const {
     if (quote) out << "{ ";
-    for (const Sample& sample : samples_) {
+    for (const Sample& sample : *samples_) {
         for (const float value : sample) out << value << ' ';
     }
     if (quote) out << " }";
@@ -83,7 +83,7 @@ bool VeloxaSample::read(std::string_view text) {
     std::vector<std::string> words;
     Knob::Script_List(text, words);
     if (words.size() % 4 != 0) return false;
-    samples_.clear();
+    samples_->clear();
     for (std::size_t i = 0; i < words.size(); i += 4) {
         Sample sample;
         for (std::size_t c = 0; c < 4; ++c) {

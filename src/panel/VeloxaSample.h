@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstddef>
+#include <memory>
 #include <ostream>
 #include <string_view>
 #include <vector>
@@ -31,10 +32,12 @@ class VeloxaSample {
     // The mean of the box of the image. Returns 0, and nothing happens, when the box is empty or the render
     // was aborted, else 1.
     int add_area(Zo::Image::Iop& source, int x, int y, int r, int t);
-    void clear() { samples_.clear(); }
+    void clear() { samples_->clear(); }
 
-    int count() const { return static_cast<int>(samples_.size()); }
-    const std::vector<Sample>& samples() const { return samples_; }
+    int count() const { return static_cast<int>(samples_->size()); }
+    const std::vector<Sample>& samples() const { return *samples_; }
+    // The same, as it is at any time, for those who outlive this.
+    std::shared_ptr<const std::vector<Sample>> shared() const { return samples_; }
     // The mean red, green, blue with alpha 0; all 0 for an empty list.
     Sample average() const;
 
@@ -52,7 +55,7 @@ class VeloxaSample {
     virtual void end_change() {}
 
   private:
-    std::vector<Sample> samples_;
+    std::shared_ptr<std::vector<Sample>> samples_ = std::make_shared<std::vector<Sample>>();
     Zo::Image::ChannelSet channels_{Zo::Image::kMaskRgba};  // asked for when an image is sampled
     Zo::Image::Op* owner_;
 };

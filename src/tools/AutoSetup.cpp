@@ -61,6 +61,8 @@ class AutoSetup {
             reports_.push_back(ToolRun(node_).run(Tool::kFindScreen, {}));
             if (!reports_.back().failure.empty()) return std::move(reports_);
         }
+        // The unmixing matte measures its plate itself.
+        if (node_.knobs.unmixes()) return std::move(reports_);
         step("auto output", [this] { choose_output(); });
         // The overlay tools change places when the subject is shown.
         stroke_tiles(node_.knobs.shows_subject() ? Tool::kRemoveOverlay : Tool::kAddOverlay,

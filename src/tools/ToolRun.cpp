@@ -71,6 +71,14 @@ void ToolRun::use(Tool tool) {
             return match_color();
         case Tool::kFindScreen:
             return find_screen();
+        case Tool::kUnmixBacking:
+            return teach(SampleAction::kUnmixBacking);
+        case Tool::kUnmixSolid:
+            return teach(SampleAction::kUnmixSolid);
+        case Tool::kUnmixSeeThrough:
+            return teach(SampleAction::kUnmixSeeThrough);
+        case Tool::kUnmixOwn:
+            return teach(SampleAction::kUnmixOwn);
         case Tool::kSetUp:
             break;
     }
@@ -288,6 +296,32 @@ void ToolRun::match_color() {
     node_.controls.set(controls::kFgSample, match.fg[0], match.fg[1], match.fg[2]);
     node_.controls.set(controls::kBgSample, match.bg[0], match.bg[1], match.bg[2]);
     adopt(match.tuning, match.tuning.misses.size());
+}
+
+// A stroke is one sample, its mean: it points at one thing.
+void ToolRun::teach(SampleAction action) {
+    VeloxaSample_Knob& list = *node_.panel.samples(action);
+    if (list.flag(kKnobHeld)) {
+        tell_held(list);
+        note("the list that the tool adds to is held");
+        return;
+    }
+    const bool thin = action == SampleAction::kUnmixSeeThrough;
+    Sample sample = mean(node_.image.input(0));
+    sample[3] = thin ? node_.knobs.unmix_opacity : 1.0f;
+    if (!usable(sample)) {
+        note("the stroke's colour is not finite");
+        report_.unusable = 1;
+        return;
+    }
+    list.add_point(sample, 0, 0, 1, 1);
+    report_.satisfied = list.count();
+    char text[160];
+    const int end = std::snprintf(text, sizeof text, "added %.4g,%.4g,%.4g", sample[0], sample[1], sample[2]);
+    const auto left = sizeof text - static_cast<std::size_t>(end);
+    if (thin) std::snprintf(text + end, left, ", opaque by %.4g", sample[3]);
+    note(text);
+    if (!node_.knobs.unmixes()) note("it counts once the method is unmix");
 }
 
 // The first `counted` misses are those of the user's samples.

@@ -60,6 +60,8 @@ class ToolRun {
     void matte_samples(bool noise);
     void spill(bool restore);
     void match_color();
+    // Adds what the stroke shows to a list of the unmixing matte.
+    void teach(SampleAction action);
 
     Setting setting() const { return setting(node_.knobs); }
     Setting setting(const KnobStorage& knobs) const;

@@ -41,16 +41,26 @@ ToolKnobs knobs_of(Tool tool, const Setting& setting) {
             return {spill_dials(setting, true), {}, &K::spill_suppression};
         case Tool::kMatchColor:
             return {color_match_dials(0), {}, &K::color_conformance};  // holding knows no components
+        case Tool::kUnmixBacking:
+        case Tool::kUnmixSolid:
+        case Tool::kUnmixSeeThrough:
+        case Tool::kUnmixOwn:
         case Tool::kSetUp:
             break;
     }
     return {};
 }
 
+// A list that is held is found by the tool itself.
+bool adds_samples_alone(Tool tool) {
+    return tool >= Tool::kUnmixBacking && tool <= Tool::kUnmixOwn;
+}
+
 }  // namespace
 
 bool ToolRun::may_turn(Tool tool) {
     const Setting present = setting();
+    if (adds_samples_alone(tool)) return true;
     ToolKnobs knobs = knobs_of(tool, present);
     for (const Dial& dial : knobs.dials) knobs.fields.add_row(dial.row);
     const bool off = knobs.enable != nullptr && !(present.knobs.*knobs.enable);

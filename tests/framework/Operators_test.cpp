@@ -31,6 +31,7 @@
 #include "stages/VlxSpillSuppression.h"
 #include "support/RoleInputs.h"
 #include "support/StageControls.h"
+#include "unmix/VlxUnmixMatte.h"
 
 using namespace Zo::Image;
 using test::fetch_row;
@@ -96,6 +97,8 @@ const std::vector<Case> kCases{
     row("VlxColorCorrection", make<VlxColorCorrection>, {{203, 200}}, {{60, 90, 120, 255}}, kMaskRgb,
         {120, 90, 120, 255},
         {200, 201, 202, 203, 204, 205, 206, 207, 208, 209, 210, 211, 212, 213, 214, 234, 235, 236}),
+    row("VlxUnmixMatte", make<VlxUnmixMatte>, {}, {{0.25f, 0.5f, 1, 0.75f}}, kMaskRgba,
+        {63.75f, 127.5f, 170, 63.75f}, {}),
     row("VlxOutputMatte", make<VlxOutputMatte>, {}, {kForeground}, kMaskAlpha, {60, 90, 120, 225}, {}),
     // Extremes that lie on the pixel correct nothing.
     row("VlxFilmCorrection", make<VlxFilmCorrection>, {{11, 50}, {10, 100}}, {kForeground, {}}, kMaskRgb,

@@ -45,7 +45,7 @@ class AddThousand final : public VlxFilter {
         };
         const RowSource from{&input(0), kOwn};
         if (!fetch_rows({&from, 1}, box, &lock, keep)) return false;
-        return run_kernel(lock, [&](const ParallelLoop& loop) {
+        return run_kernel(*this, lock, [&](const ParallelLoop& loop) {
             const int width = info().box.width();
             loop(0, info().box.height(), raise != nullptr ? 1000 : 1, [&](int begin, int end) {
                 for (const Channel c : kOwn) {

@@ -62,6 +62,14 @@ TEST(Graph, AlternativesOfTheWiring) {
          "color_conformance 1; spill_suppression 0",
          {"colorCorrection 0 outputMatte", "combineShadow 0 colorCorrection"}},
         {false, "spill_suppression 0", {"combineShadow 0 outputMatte"}},
+        {true,
+         "unmix_method unmix",
+         {"unmixColour 0 unmixClean", "shrinkCU 0 unmixMatte", "blurCU 0 unmixMatte", "cleanup 0 unmixMatte",
+          "combineShadow 0 unmixMatte", "combineShadow 1 unmixMatte"}},
+        {false,
+         "unmix_method unmix; color_conformance 1; cleanup 1; cleanup_blur 1,1",
+         {"colorCorrection 0 unmixMatte", "blurCU 0 unmixMatte", "cleanup 0 blurCU",
+          "combineShadow 0 colorCorrection", "combineShadow 1 cleanup"}},
     };
     for (const Case& c : cases) {
         Rig rig;
@@ -183,6 +191,8 @@ const Configuration kConfigurations[] = {
     {false, "color_conformance 1; color_hue 20"},
     {true, kEverythingOn},
     {true, "matte_scale linear; merge add; spill_suppression 0"},
+    {false, "unmix_method unmix; cleanup 1; unmix_encoding sRGB"},
+    {true, "unmix_method unmix; shadow 1; color_conformance 1"},
     {true, "cleanup 1; screen_shrink 1e9,1e9; cleanup_shrink 1e9,1e9; edge_kernel 1e9"},
 };
 

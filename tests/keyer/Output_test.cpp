@@ -124,6 +124,46 @@ TEST(OutputKernel, AddedColour) {
     }
 }
 
+TEST(OutputKernel, UnmixedColour) {
+    constexpr auto kStored = Encoding::kStored;
+    constexpr auto kSrgb = Encoding::kSrgb;
+    const struct {
+        Encoding encoding;
+        float colour, background, k, share;
+        float composite, premultiplied, unpremultiplied;
+    } cases[] = {
+        {kStored, 0.3f, 0.5f, 0.5f, 0.5f, 0.55f, 0.3f, 0.6f},
+        // Lowered, risen, left out; without a share.
+        {kStored, 0.4f, 0.5f, 0.2f, 0.8f, 0.5f, 0.1f, 0.5f},
+        {kStored, 0.2f, 0.5f, 0.8f, 0.4f, 0.3f, 0.4f, 0.5f},
+        {kStored, 0.4f, -0.0f, 0.0f, 0.8f, -0.0f, 0.0f, 0.5f},
+        {kStored, 0.0f, 0.5f, 0.5f, 0.0f, 0.25f, 0.0f, 0.0f},
+        // Bright and solid before what is not finite.
+        {kStored, 1000.0f, kInf, 1.0f, 1.0f, 1000.0f, 1000.0f, 1000.0f},
+        {kSrgb, 1000.0f, kNaN, 1.0f, 1.0f, 1000.0f, 1000.0f, 1000.0f},
+        {kStored, kNaN, 0.5f, 0.5f, 0.5f, kNaN, kNaN, kNaN},
+        // White over black and half grey over white, by light.
+        {kSrgb, 0.5f, 0.0f, 0.5f, 0.5f, 0.735357f, 0.5f, 1.0f},
+        {kSrgb, 0.25f, 1.0f, 0.25f, 0.5f, 0.908087f, 0.125f, 0.5f},
+        {kSrgb, 0.25f, -0.25f, 0.0f, 0.5f, -0.25f, 0.0f, 0.5f},
+    };
+    for (const auto& c : cases) {
+        const auto check = [&](OutputMode mode, float expected) {
+            float out = 0.0f;
+            unmixed_colour({mode, c.encoding}, &c.colour, &c.background, &c.k, &c.share, &out, 1);
+            if (std::isnan(expected)) {
+                EXPECT_TRUE(std::isnan(out)) << c.colour << ' ' << c.k;
+            } else {
+                EXPECT_NEAR(out, expected, 2e-6f) << c.colour << ' ' << c.k;
+                EXPECT_EQ(std::signbit(out), std::signbit(expected)) << c.colour << ' ' << c.k;
+            }
+        };
+        check(OutputMode::kComposite, c.composite);
+        check(OutputMode::kPremultiplied, c.premultiplied);
+        check(OutputMode::kUnpremultiplied, c.unpremultiplied);
+    }
+}
+
 TEST(OutputKernel, OverlayCoversScreenOrSubject) {
     const float region[] = {0.0f, 255.0f, 127.5f, kNaN, -1.0f};
     const float r[] = {1, 1, 1, 1, 1};

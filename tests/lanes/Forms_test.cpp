@@ -31,6 +31,7 @@
 #include "stages/ProcessedForegroundKernel.h"
 #include "stages/SpillKernel.h"
 #include "support/Loops.h"
+#include "unmix/EncodingKernel.h"
 
 namespace {
 
@@ -134,6 +135,26 @@ const std::vector<Case> kCases{
      [](auto& j) {
          const auto mode = static_cast<OutputMode>(j.variant % 3);
          added_colour(mode, j.in[0], j.in[1], j.in[2], j.in[3], j.out[0], j.n);
+     }},
+    {"unmixed colour",
+     [](auto& j) {
+         const UnmixedParams params{static_cast<OutputMode>(j.variant % 3), Encoding(j.variant / 2)};
+         unmixed_colour(params, j.in[0], j.in[1], j.in[2], j.in[3], j.out[0], j.n);
+         unmixed_colour({{}, params.encoding}, j.in[0], j.in[1], j.in[2], j.in[3], j.out[1], j.n);
+     }},
+    {"decoded colour", [](auto& j) { decoded_colour(j.in[0], j.out[0], j.n); }},
+    {"larger opacity",
+     [](auto& j) {
+         std::copy_n(j.in[0], j.n, j.out[0]);
+         larger_opacity(j.in[1], j.out[0], j.n);
+     }},
+    {"encodings",
+     [](auto& j) {
+         const auto encoding = static_cast<Encoding>(j.variant % 3);
+         to_light(encoding, j.in[0], j.out[0], j.n);
+         from_light(encoding, j.in[1], j.out[1], j.n);
+         std::copy_n(j.in[2], j.n, j.out[2]);
+         from_light(encoding, j.out[2], j.out[2], j.n);
      }},
     {"overlay of the screen", [](auto& j) { overlay_of(j, OverlayMode::kScreen); }},
     {"overlay of the subject", [](auto& j) { overlay_of(j, OverlayMode::kSubject); }},

@@ -108,7 +108,10 @@ TEST(KnobCopy, EveryKnobReachesItsControls) {
 TEST(KnobCopy, EveryKnobIsOneOfThese) {
     std::set<std::string> known{"film",          "screen_correct",    "shadow",       "spill_suppression",
                                 "cleanup",       "color_conformance", "overlay_mode", "overlay_mono",
-                                "overlay_color", "output_mode",       "matte_scale",  "merge"};
+                                "overlay_color", "output_mode",       "matte_scale",  "merge",
+                                "unmix_method",  "unmix_veil",        "unmix_solid",  "unmix_detail",
+                                "unmix_denoise", "unmix_folds",       "unmix_spill",  "unmix_encoding",
+                                "unmix_opacity"};
     for (const Row& row : kRows) known.insert(row.knob);
     Copy copy;
     std::set<std::string> names;

@@ -80,8 +80,8 @@ TEST(Panel, SaysWhichKnobsItActsOn) {
     for (const char* const name :
          {"toolbar_screen", "screen_color", "toolbar_addoverlay", "toolbar_removeoverlay", "toolbar_addmatte",
           "toolbar_removenoise", "toolbar_restorespill", "toolbar_removespill", "toolbar_matchcolor",
-          "toolbar_matchshadow", "toolbar_holdShadow", "toolbar_restoreDetail", "shadows_tint", "reset",
-          "film", "shadow_enable"}) {
+          "toolbar_matchshadow", "toolbar_holdShadow", "toolbar_restoreDetail", "toolbar_unmixown",
+          "shadows_tint", "reset", "film", "shadow_enable"}) {
         EXPECT_EQ(op.refs.knob_changed(panel.find(name)), 1) << name;
     }
     for (const char* const name :
@@ -111,13 +111,15 @@ TEST(Panel, ResetsRestoreTheirTabAndClearItsSamples) {
              {"screen_orphans=0", "spill_cool=0", "brights=0", "spill_suppression=0",
               "screen_tolerance=1,1,1", "spill_backgroundveiling=1,1,1", "us_add_overlay=1 2 3 4",
               "us_add_overlay_cp=1 2 3 4", "us_remove_ovelray=1 2 3 4", "us_remove_ovelray_cp=1 2 3 4",
-              "us_restore_spill=1 2 3 4", "us_remove_spill=1 2 3 4"}) {
+              "us_restore_spill=1 2 3 4", "us_remove_spill=1 2 3 4", "unmix_method=unmix", "unmix_veil=0.1",
+              "us_unmix_backing=1 2 3 4", "us_unmix_solid=1 2 3 4", "us_unmix_see_through=1 2 3 4",
+              "us_unmix_own=1 2 3 4"}) {
             set(panel, name);
         }
     };
     const auto samples = [&] {
         std::string counts;
-        for (int i = 0; i < 6; ++i)
+        for (int i = 0; i < kSampleActions; ++i)
             counts += std::to_string(op.refs.samples(static_cast<SampleAction>(i))->count());
         return counts;
     };
@@ -125,14 +127,14 @@ TEST(Panel, ResetsRestoreTheirTabAndClearItsSamples) {
     for (const auto& knob : panel.knobs()) {
         if (knob->name() == "reset") resets.push_back(knob.get());
     }
-    ASSERT_EQ(resets.size(), 2U);
+    ASSERT_EQ(resets.size(), 3U);
 
     spoil();
     panel.press(*resets[0]);
     EXPECT_EQ(op.storage.screen_orphans, 1);
     EXPECT_EQ(op.storage.screen_tolerance, (KnobStorage::Color{0.51f, 0.51f, 0.52f}));
     EXPECT_EQ(op.storage.spill_cool, 0.0f);
-    EXPECT_EQ(samples(), "000011");
+    EXPECT_EQ(samples(), "0000111111");
 
     spoil();
     panel.press(*resets[1]);
@@ -141,7 +143,13 @@ TEST(Panel, ResetsRestoreTheirTabAndClearItsSamples) {
     EXPECT_FALSE(op.storage.spill_suppression);
     EXPECT_EQ(op.storage.screen_orphans, 0);
     EXPECT_EQ(op.storage.brights, 0.0f);
-    EXPECT_EQ(samples(), "111100");
+    EXPECT_EQ(samples(), "1111001111");
+
+    spoil();
+    panel.press(*resets[2]);
+    EXPECT_FALSE(op.storage.unmixes());
+    EXPECT_EQ(op.storage.unmix_veil, 0.7f);
+    EXPECT_EQ(samples(), "1111110000");
 }
 
 }  // namespace
