@@ -54,6 +54,8 @@ done <<'TABLE'
 2|frame pattern|key --fg shot/fg.0001.exr -o out/a.%04d.exr --frames 1-5
 2|--pick|key --fg shot/fg.0001.exr -o out/a.exr --pick 1,2,3
 2|--screen|key --fg shot/fg.0001.exr -o out/a.exr --screen purple
+2|--spill|plate -o out/p --spill 2
+2|--veil-colour|plate -o out/p --veil-colour pink
 2|--screen|key --fg shot/fg.0001.exr -o out/a.exr --screen green --pick 0,40,8,48
 1|shot/bg.0001.exr: no backing stands out|key --fg shot/bg.0001.exr -o out/a.exr
 1|--pick X,Y,R,T|key --fg shot/fg.0001.exr -o out/a.exr --screen blue
@@ -110,6 +112,12 @@ expect 0 "" compare out/auto.0001.exr out/again.exr --max-diff 0
 expect 0 "" plate -o blue --size 64x48 --screen blue
 expect 0 "" key --fg blue/fg.exr -o out/blue.exr --screen auto --quiet
 [ -s err.txt ] && fail "messages in spite of --quiet: $(cat err.txt)"
+
+# What is given beats what the seed draws, and the rest is drawn the same.
+for spill in 0 0.4; do expect 0 "" plate -o spill$spill --size 64x48 --vary --spill $spill; done
+expect 0 "" compare spill0/alpha_true.exr spill0.4/alpha_true.exr --max-diff 0
+expect 1 "" compare spill0/fg.exr spill0.4/fg.exr --max-diff 0.01
+expect 1 "" compare spill0/alpha_true.exr shot/alpha_true.0001.exr --max-diff 0.1
 
 # Strokes: keying and tuning do the same, a second time nothing is left to do.
 strokes=(--stroke screen=0,40,8,48 --stroke add_overlay@3=0,0,20,20 --stroke toolbar_removenoise=50,30,60,40)
