@@ -31,7 +31,8 @@ void Focus::blur(int y) {
         double red = 0.0, green = 0.0, blue = 0.0, spill = 0.0, alpha = 0.0;
         std::array<double, static_cast<std::size_t>(Part::kCount)> shares{};
         for (const Tap& tap : taps_) {
-            const Stack& s = held_at(y + tap.dy).row[static_cast<std::size_t>(std::clamp(x + tap.dx, 0, last))];
+            const Stack& s =
+                held_at(y + tap.dy).row[static_cast<std::size_t>(std::clamp(x + tap.dx, 0, last))];
             if (s.alpha <= 0.0f) continue;
             red += tap.weight * s.colour.x;
             green += tap.weight * s.colour.y;

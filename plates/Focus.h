@@ -13,8 +13,8 @@ class Focus {
     // radius: of the disc, in pixels; 0 leaves rows as they are.
     Focus(float radius, int width);
 
-    // The row y of the picture that `paint(y, row)` paints sharply, rows above and below the frame too. Beside
-    // the frame its columns repeat.
+    // The row y of the picture that `paint(y, row)` paints sharply, rows above and below the frame too.
+    // Beside the frame its columns repeat.
     template <class Paint>
     const std::vector<Stack>& row(int y, const Paint& paint) {
         for (int n = y - reach_; n <= y + reach_; ++n) {
