@@ -11,7 +11,42 @@ constexpr float kRoomForStand = 0.80f;  // least half width
 }  // namespace
 
 Backing::Backing(const Look& look, float half_width)
-    : look_(look), half_width_(half_width), stand_(half_width >= kRoomForStand) {}
+    : look_(look), half_width_(half_width), stand_(half_width >= kRoomForStand) {
+    lay_marks();
+}
+
+void Backing::lay_marks() {
+    constexpr Mark::Kind kKinds[] = {Mark::Kind::kCross, Mark::Kind::kTape, Mark::Kind::kCross,
+                                     Mark::Kind::kFold, Mark::Kind::kSeam};
+    Draw draw(key_of(look_.seed, 12));
+    for (int n = 0; n < look_.vary.marks; ++n) {
+        Mark mark{kKinds[n % 5],
+                  {draw.between(-0.9f, 0.9f) * half_width_, draw.between(0.04f, 0.80f)},
+                  draw.between(-0.5f, 0.5f),
+                  draw.between(0.7f, 1.3f),
+                  {}};
+        // Toward the two other primaries or away from them, never far.
+        mark.tint = {draw.between(0.75f, 1.6f), draw.between(0.78f, 1.1f), draw.between(0.75f, 1.5f)};
+        marks_.push_back(mark);
+    }
+}
+
+float Backing::Mark::distance(Vec2 p) const {
+    const Vec2 q = rotate(p - at, turn) * (1.0f / size);
+    const Vec2 a{std::abs(q.x), std::abs(q.y)};
+    switch (kind) {
+        case Kind::kCross:
+            return size *
+                   std::min(round_box(q, {0.022f, 0.0032f}, 0.0f), round_box(q, {0.0032f, 0.022f}, 0.0f));
+        case Kind::kTape:
+            return size * round_box(q, {0.055f, 0.012f}, 0.001f);
+        case Kind::kSeam:
+            return size * (a.x - 0.0016f);  // from top to bottom
+        case Kind::kFold:
+            break;
+    }
+    return size * (a.x + 0.015f - 0.035f * smooth(0.30f, 0.0f, a.y));
+}
 
 float Backing::light(Vec2 p) const {
     const Vec2 q = p - look_.hot_spot;
@@ -30,6 +65,9 @@ Vec3 Backing::colour(Vec2 p) const {
     // Brighter cloth is a little paler.
     const float pale = 0.10f * (level - 0.95f);
     Vec3 c = look_.backing * level + Vec3{pale, pale, pale};
+    for (const Mark& mark : marks_)
+        c = mix(c, c * mark.tint,
+                coverage(mark.distance(p), mark.kind == Mark::Kind::kFold ? 0.010f : 0.0010f));
     if (!stand_) return c;
     const float x = half_width_ - kStandInset - look_.mirror * p.x;
     const float pole = std::abs(x) - (p.y > 0.47f ? 0.0085f : 0.0060f);

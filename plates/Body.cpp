@@ -67,6 +67,16 @@ Vec3 Body::cloth(Vec2 p, Vec2 t) const {
     return mix(look_.jacket, look_.accent, accent) * (1.0f + 0.06f * thread);
 }
 
+// A brooch, and a stripe across the other side of the chest, of the screen's hue but muted.
+void Body::details(Vec2 p, Shade& shade) const {
+    const float brooch = length({p.x - 0.150f, p.y - 0.840f}) - 0.022f;
+    const float stripe = round_box({p.x + 0.165f, p.y - 0.865f - 0.10f * p.x}, {0.050f, 0.010f}, 0.004f);
+    const float cover = coverage(std::min(brooch, stripe), 0.8f * pixel_);
+    const Vec3 muted = look_.backing * 0.55f + Vec3{0.14f, 0.14f, 0.14f};
+    const float light = 0.85f + 0.15f * saturate((0.850f - p.y) / 0.02f);
+    shade.colour = mix(shade.colour, muted * light, cover);
+}
+
 void Body::torso(Vec2 p, Stack& stack) const {
     if (p.y < 0.52f) return;
     const float d = outline(p);
@@ -110,6 +120,7 @@ void Body::torso(Vec2 p, Stack& stack) const {
     const Vec3 lift =
         mix(shade.colour, shade.colour * (1.0f + sheen) + Vec3{0.012f, 0.012f, 0.012f}, on_lapel);
     shade.colour = lift * (1.0f - 0.38f * on_lapel * bell(rolled, 0.0025f));
+    if (look_.vary.details) details(p, shade);
     stack.over(shade, cover);
 }
 
@@ -158,7 +169,7 @@ void Body::veil(Vec2 p, Stack& stack) const {
     const Vec3 n = normalize({0.30f * std::cos(2.0f * ripple + phase), 0.5f * v - 0.2f, 0.85f});
     Shade shade = matt(look_.veil, n, 0.86f + 0.14f * fold);
     shade.spill += 0.07f;  // lit from behind, too
-    stack.over(shade, alpha);
+    stack.over(shade, alpha * (look_.vary.veil_density / Variation{}.veil_density), Part::kVeil);
 }
 
 // Coverage of sleeve and hand at one instant.
@@ -243,7 +254,8 @@ void Body::arm(Vec2 p, Stack& stack) const {
         sum += a;
     }
     if (sum <= 0.0f) return;
-    stack.over({colour * (1.0f / sum), spill / sum}, sum / static_cast<float>(instants));
+    const Part part = travel > 2.0f * pixel_ ? Part::kMotion : Part::kEdge;
+    stack.over({colour * (1.0f / sum), spill / sum}, sum / static_cast<float>(instants), part);
 }
 
 }  // namespace plate

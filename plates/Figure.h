@@ -23,6 +23,7 @@ class Body {
   private:
     Vec3 cloth(Vec2 p, Vec2 along) const;
     Vec3 normal_at(Vec2 p, float depth) const;
+    void details(Vec2 p, Shade& shade) const;
     float arm_at(Vec2 p, float angle, float soft, Shade& shade) const;
 
     Look look_;

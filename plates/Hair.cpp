@@ -23,7 +23,7 @@ struct Grower {
         const float light = draw.between(0.0f, 0.55f);
         strand.root = look.hair * (level * 0.75f);
         strand.tip = mix(look.hair, look.hair_light, light) * level;
-        strand.spill = 0.012f + 0.02f * draw();
+        strand.spill = 0.012f + 0.02f * draw() + 0.03f * look.vary.spill;
     }
 
     float swing(float t, float phase) const {
@@ -103,7 +103,7 @@ struct Grower {
         strand.taper_from = 0.2f;
         colour(strand, draw, 0.0f);
         strand.tip = strand.tip * 1.15f + look.hair_light * 0.10f;  // the rim light catches them
-        strand.spill = 0.025f + 0.03f * draw();
+        strand.spill = 0.025f + 0.03f * draw() + 0.10f * look.vary.spill;
         strand.shine_at = draw.between(0.2f, 2.0f);
         return strand;
     }
@@ -134,6 +134,8 @@ Hair grow_hair(const Look& look, const Pose& pose, const Placement& placement) {
     }
     for (int i = 0; i < kBold; ++i) hair.loose.push_back(grower.stray(draw, true));
     for (int i = 0; i < kFine; ++i) hair.loose.push_back(grower.stray(draw, false));
+    const int more = static_cast<int>((look.vary.hair - 1.0f) * (kBold + kFine));
+    for (int i = 0; i < more; ++i) hair.loose.push_back(grower.stray(draw, i % 4 == 0));
     for (auto* set : {&hair.back, &hair.front, &hair.loose}) {
         for (Strand& strand : *set) strand.measure();
     }
@@ -142,8 +144,9 @@ Hair grow_hair(const Look& look, const Pose& pose, const Placement& placement) {
 
 float hair_behind(const Look& look, Vec2 q) {
     const float skull = length({q.x / 1.09f, q.y / 1.08f}) - 1.0f;
+    const float width = 1.04f - 0.10f * std::min(look.vary.hair - 1.0f, 4.0f);
     const float fall = round_box({q.x, (q.y - 0.5f * look.hair_length + 0.18f) * kHeadAspect},
-                                 {1.04f, 0.5f * (look.hair_length - 0.25f) * kHeadAspect}, 0.28f);
+                                 {width, 0.5f * (look.hair_length - 0.25f) * kHeadAspect}, 0.28f);
     return blend_union(skull, fall, 0.2f);
 }
 
@@ -215,7 +218,7 @@ void StrandPainter::paint(const std::vector<Strand>& strands, int row, std::vect
         for (int x = low; x <= high; ++x) {
             const auto i = static_cast<std::size_t>(x);
             if (cover_[i] <= 0.0f) continue;
-            pixels[i].over(strand.shade(hit_[i].t, hit_[i].across), cover_[i]);
+            pixels[i].over(strand.shade(hit_[i].t, hit_[i].across), cover_[i], Part::kHair);
             cover_[i] = 0.0f;
         }
     }

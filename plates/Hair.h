@@ -30,8 +30,11 @@ struct Placement {
     float mirror;
     Vec2 head;  // its middle, in heights
     float tilt;
+    Vec2 pan;
 
-    Vec2 to_pixels(Vec2 p) const { return {0.5f * width + mirror * p.x * height, p.y * height}; }
+    Vec2 to_pixels(Vec2 p) const {
+        return {0.5f * width + (mirror * p.x - pan.x) * height, (p.y - pan.y) * height};
+    }
     // From head units (Figure.h) to pixels.
     Vec2 from_head(Vec2 q) const;
 };

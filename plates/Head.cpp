@@ -158,7 +158,7 @@ void Head::glasses(Vec2 q, Stack& stack) const {
         const float window =
             smooth(-0.20f, -0.17f, streak) * smooth(-0.07f, -0.10f, streak) * smooth(0.10f, -0.15f, lens.y);
         const float sheen = 0.05f + 0.05f * smooth(0.1f, -0.2f, lens.y) + 0.20f * window;
-        stack.over({{0.95f, 0.97f, 1.0f}, 0.30f * smooth(0.0f, 0.20f, lens.y)}, sheen * inside);
+        stack.over({{0.95f, 0.97f, 1.0f}, 0.30f * smooth(0.0f, 0.20f, lens.y)}, sheen * inside, Part::kVeil);
     }
     // A thin shadow below the rim, then the rim with its glint.
     stack.over({{0.08f, 0.04f, 0.03f}, 0.0f},

@@ -26,6 +26,8 @@ constexpr Vec3 kForBlue[][2] = {{{0.45f, 0.10f, 0.13f}, {0.70f, 0.52f, 0.40f}},
                                 {{0.58f, 0.28f, 0.13f}, {0.32f, 0.14f, 0.08f}},
                                 {{0.29f, 0.28f, 0.26f}, {0.58f, 0.55f, 0.49f}}};
 constexpr Vec3 kVeil[] = {{0.93f, 0.80f, 0.76f}, {0.92f, 0.86f, 0.78f}, {0.88f, 0.62f, 0.60f}};
+constexpr Vec3 kToned[] = {
+    {0.95f, 0.74f, 0.58f}, {0.84f, 0.84f, 0.84f}, {0.10f, 0.09f, 0.11f}};  // by VeilTone
 constexpr Vec3 kIris[] = {{0.30f, 0.18f, 0.10f}, {0.38f, 0.28f, 0.18f}, {0.34f, 0.36f, 0.38f}};
 
 template <int N>
@@ -39,7 +41,7 @@ Vec3 facing(float x, float y, float z) {
 
 }  // namespace
 
-Look look_of(std::uint64_t seed, Screen screen) {
+Look look_of(std::uint64_t seed, Screen screen, const Variation& vary) {
     Draw draw(key_of(seed, 1));
     Look look{};
     look.seed = seed;
@@ -57,6 +59,8 @@ Look look_of(std::uint64_t seed, Screen screen) {
     look.accent = cloth[1];
     look.shirt = draw() < 0.7f ? Vec3{0.86f, 0.83f, 0.79f} : Vec3{0.20f, 0.185f, 0.19f};
     look.veil = pick(draw, kVeil);
+    look.vary = vary;
+    if (vary.veil_tone != VeilTone::kOwn) look.veil = kToned[static_cast<int>(vary.veil_tone) - 1];
     look.rim = draw() < 0.6f ? Vec3{0.11f, 0.09f, 0.085f} : Vec3{0.52f, 0.40f, 0.26f};
     look.pattern = draw.below(3);
     look.mirror = draw.sign();
@@ -84,7 +88,11 @@ Pose pose_of(const Look& look, int frame) {
     const float rate = 0.262f, reach = 0.42f;
     const float wave = 0.35f * draw.between(-1.0f, 1.0f) + rate * time;
     pose.arm = -0.13f + 0.6f * reach * std::sin(wave);
-    pose.arm_speed = 1.2f * 0.5f * rate * reach * std::cos(wave);
+    pose.arm_speed = 1.2f * 0.5f * rate * reach * std::cos(wave) * look.vary.speed;
+    // At most three pixels a frame in 1080 lines; frame 0 lies where a locked camera's does.
+    if (look.vary.moving) pose.pan = {0.055f * std::sin(time * 0.05f), 0.008f * std::sin(time * 0.07f)};
+    const std::uint64_t lamps = key_of(look.seed, 5);
+    pose.light = 1.0f + look.vary.flicker * (2.0f * uniform(lamps, static_cast<std::uint32_t>(frame)) - 1.0f);
     return pose;
 }
 

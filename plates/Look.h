@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "plates/Math.h"
+#include "plates/Variation.h"
 
 namespace plate {
 
@@ -23,14 +24,17 @@ struct Look {
     Vec2 hot_spot;
     float fold_count, fold_phase, fold_lean;
     float dusk;  // hue of the evening sky
+    Variation vary;
 };
 
-Look look_of(std::uint64_t seed, Screen screen);
+Look look_of(std::uint64_t seed, Screen screen, const Variation& vary);
 
 struct Pose {
     float time;            // frames
     Vec2 sway;             // of head and torso
     float arm, arm_speed;  // angle of the forearm, and how far it turns while the shutter is open; radians
+    Vec2 pan;              // of the camera over the set
+    float light;           // on the set, 1 on average
 };
 
 Pose pose_of(const Look& look, int frame);

@@ -5,7 +5,9 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 
 namespace plate {
@@ -115,19 +117,25 @@ struct Shade {
     float spill = 0.0f;
 };
 
+// What makes a layer's coverage partial where it is.
+enum class Part { kEdge, kHair, kMotion, kVeil, kCount };
+
 // Layers laid over one another, back to front; colour and spill are premultiplied.
 struct Stack {
     Vec3 colour;
     float spill = 0.0f;
     float alpha = 0.0f;
+    std::array<float, static_cast<std::size_t>(Part::kCount)> shares{};  // of alpha, by the layers' parts
 
-    void over(const Shade& shade, float cover) {
+    void over(const Shade& shade, float cover, Part part = Part::kEdge) {
         if (cover <= 0.0f) return;
         const float rest = 1.0f - cover;
         colour = colour * rest + shade.colour * cover;
         spill = spill * rest + shade.spill * cover;
         // Exactly 1 under a solid layer and over one, whatever the rounding in between.
         alpha = cover >= 1.0f || alpha >= 1.0f ? 1.0f : alpha * rest + cover;
+        for (float& share : shares) share *= rest;
+        shares[static_cast<std::size_t>(part)] += cover;
     }
 };
 

@@ -1,5 +1,6 @@
 #include "plates/Set.h"
 
+#include <algorithm>
 #include <atomic>
 #include <thread>
 
@@ -20,13 +21,21 @@ void put(veloxa::Image& image, int y, std::size_t x, Vec3 colour) {
 Placement place(const Options& options, const Look& look, const Pose& pose) {
     const auto width = static_cast<float>(options.width), height = static_cast<float>(options.height);
     const Vec2 head = Vec2{look.centre, 0.395f} + pose.sway;
-    return {width, height, look.mirror, head, look.tilt + 1.5f * pose.sway.x};
+    return {width, height, look.mirror, head, look.tilt + 1.5f * pose.sway.x, pose.pan};
+}
+
+// The part with the largest share of what is seen.
+Region region_of(const Stack& s) {
+    if (s.alpha <= 0.0f) return Region::kBacking;
+    if (s.alpha >= 1.0f) return Region::kCore;
+    constexpr Region kOf[] = {Region::kEdge, Region::kHair, Region::kMotion, Region::kClear};  // by Part
+    return kOf[std::ranges::max_element(s.shares) - s.shares.begin()];
 }
 
 }  // namespace
 
 Vec3 photographed(const Pixel& p) {
-    return p.colour + p.spill + p.backing * ((1.0f - p.alpha) * p.shadow);
+    return p.colour + p.spill + p.backing * ((1.0f - p.alpha) * p.shadow * p.light);
 }
 
 Vec3 composited(const Pixel& p) {
@@ -41,12 +50,13 @@ float grain(const Options& options, Plate plate, int frame, int x, int y, int ch
     const auto at = static_cast<std::uint64_t>(y) * static_cast<std::uint64_t>(options.width) +
                     static_cast<std::uint64_t>(x);
     const float sigma = 0.006f * (0.55f + 0.60f * std::sqrt(std::max(level, 0.0f)));
-    return (clean ? 0.35f : 1.0f) * sigma * normal(key, at * 3u + static_cast<std::uint64_t>(channel));
+    return (clean ? 0.35f : 1.0f) * options.vary.grain * sigma *
+           normal(key, at * 3u + static_cast<std::uint64_t>(channel));
 }
 
 Scene::Scene(const Options& options, int frame)
     : options_(options),
-      look_(look_of(options.seed, options.screen)),
+      look_(look_of(options.seed, options.screen, options.vary)),
       pose_(pose_of(look_, frame)),
       placement_(place(options, look_, pose_)),
       body_(look_, pose_, 1.0f / placement_.height),
@@ -62,50 +72,55 @@ float Scene::shadow(Vec2 p) const {
     return 1.0f - 0.36f * near * smooth(0.46f, 0.86f, p.y);
 }
 
-void Scene::render_row(int y, StrandPainter& painter, std::vector<Stack>& stacks,
-                       std::vector<Pixel>& pixels) const {
+Vec2 Scene::on_frame(std::size_t x, int y) const {
     const float pixel = 1.0f / placement_.height;
-    const float v = (static_cast<float>(y) + 0.5f) * pixel;
-    const auto frame_u = [&](std::size_t i) {
-        return (static_cast<float>(i) + 0.5f - 0.5f * placement_.width) * pixel;
-    };
-    const auto figure = [&](std::size_t i) { return Vec2{look_.mirror * frame_u(i), v}; };
-    const auto body_at = [&](std::size_t i) { return figure(i) - Vec2{look_.centre, 0.0f} - pose_.sway; };
-    const auto head_at = [&](std::size_t i) {
-        const Vec2 q = rotate(figure(i) - placement_.head, -placement_.tilt);
+    return {(static_cast<float>(x) + 0.5f - 0.5f * placement_.width) * pixel,
+            (static_cast<float>(y) + 0.5f) * pixel};
+}
+
+void Scene::paint_subject(int y, StrandPainter& painter, std::vector<Stack>& stacks) const {
+    const auto body_at = [&](std::size_t x) { return in_body(in_set(x, y)); };
+    const auto head_at = [&](std::size_t x) {
+        const Vec2 q = rotate(in_figure(in_set(x, y)) - placement_.head, -placement_.tilt);
         return Vec2{q.x / kHeadWidth, q.y / kHeadHeight};
     };
-    const float head_pixel = pixel / kHeadWidth;
+    const float head_pixel = 1.0f / placement_.height / kHeadWidth;
     const auto hair_mass = [&](Stack& stack, float distance, float level) {
-        stack.over({look_.hair * level, 0.015f}, coverage(distance, 0.7f * head_pixel));
+        stack.over({look_.hair * level, 0.015f}, coverage(distance, 0.7f * head_pixel), Part::kHair);
     };
 
-    stacks.assign(pixels.size(), Stack{});
-    for (std::size_t i = 0; i < pixels.size(); ++i)
-        hair_mass(stacks[i], hair_behind(look_, head_at(i)), 0.42f);
+    std::ranges::fill(stacks, Stack{});
+    for (std::size_t x = 0; x < stacks.size(); ++x)
+        hair_mass(stacks[x], hair_behind(look_, head_at(x)), 0.42f);
     painter.paint(hair_.back, y, stacks);
-    for (std::size_t i = 0; i < pixels.size(); ++i) {
-        body_.torso(body_at(i), stacks[i]);
-        body_.veil(body_at(i), stacks[i]);
-        body_.neck(body_at(i), stacks[i]);
-        head_.face(head_at(i), stacks[i]);
-        head_.glasses(head_at(i), stacks[i]);
-        hair_mass(stacks[i], hair_cap(look_, head_at(i)), 0.55f);
+    for (std::size_t x = 0; x < stacks.size(); ++x) {
+        body_.torso(body_at(x), stacks[x]);
+        body_.veil(body_at(x), stacks[x]);
+        body_.neck(body_at(x), stacks[x]);
+        head_.face(head_at(x), stacks[x]);
+        head_.glasses(head_at(x), stacks[x]);
+        hair_mass(stacks[x], hair_cap(look_, head_at(x)), 0.55f);
     }
     painter.paint(hair_.front, y, stacks);
     painter.paint(hair_.loose, y, stacks);
-    for (std::size_t i = 0; i < pixels.size(); ++i) {
-        body_.arm(body_at(i), stacks[i]);
-        const Vec2 p{frame_u(i), v};
-        const Stack& s = stacks[i];
-        const Vec3 backing = backing_.colour(p);
-        pixels[i] = {s.colour,
-                     look_.backing * s.spill,
+    for (std::size_t x = 0; x < stacks.size(); ++x) body_.arm(body_at(x), stacks[x]);
+}
+
+void Scene::set_up_row(int y, const std::vector<Stack>& subject, std::vector<Pixel>& pixels) const {
+    // Rims have a spill of 0.2 or so by themselves.
+    const float more_spill = 1.0f + options_.vary.spill / 0.2f;
+    for (std::size_t x = 0; x < pixels.size(); ++x) {
+        const Stack& s = subject[x];
+        const Vec2 p = in_set(x, y);
+        pixels[x] = {s.colour * pose_.light,
+                     look_.backing * (s.spill * more_spill * pose_.light),
                      s.alpha,
-                     backing,
-                     shadow(body_at(i)),
+                     backing_.colour(p),
+                     shadow(in_body(p)),
+                     pose_.light,
                      backing_.garbage(p),
-                     background_.colour(p)};
+                     background_.colour(on_frame(x, y)),
+                     region_of(s)};
     }
 }
 
@@ -114,7 +129,7 @@ Set render_set(const Options& options, int frame, int threads, const AbortFlag* 
     info.box = info.format.box = {0, 0, options.width, options.height};
     Set set;
     for (std::size_t i = 0; i < set.size(); ++i) {
-        info.channels = i == kGarbage || i == kAlphaTrue ? kMaskAlpha : kMaskRgb;
+        info.channels = i == kGarbage || i == kAlphaTrue || i == kRegions ? kMaskAlpha : kMaskRgb;
         set[i] = veloxa::Image(info);
         // Else the file would be stamped with the time and differ from run to run.
         set[i].header.attribute("DateTime", "1970:01:01 00:00:00");
@@ -138,6 +153,7 @@ Set render_set(const Options& options, int frame, int threads, const AbortFlag* 
             put(set[kCompTrue], y, x, composited(p));
             set[kGarbage].line(kAlpha, y)[x] = p.garbage;
             set[kAlphaTrue].line(kAlpha, y)[x] = p.alpha;
+            set[kRegions].line(kAlpha, y)[x] = static_cast<float>(p.region);
         }
     };
 

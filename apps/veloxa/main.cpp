@@ -35,9 +35,10 @@ int main(int argc, char** argv) {
     app.set_version_flag("--version", "veloxa " VELOXA_VERSION);
     app.require_subcommand(1);
     veloxa::Run run;
-    for (const auto add : {veloxa::add_key_command, veloxa::add_knobs_command, veloxa::add_controls_command,
-                           veloxa::add_cleanplate_command, veloxa::add_tune_command,
-                           veloxa::add_plate_command, veloxa::add_compare_command}) {
+    for (const auto add :
+         {veloxa::add_key_command, veloxa::add_knobs_command, veloxa::add_controls_command,
+          veloxa::add_cleanplate_command, veloxa::add_tune_command, veloxa::add_plate_command,
+          veloxa::add_compare_command, veloxa::add_score_command}) {
         add(app, run);
     }
     try {

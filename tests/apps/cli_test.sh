@@ -45,7 +45,7 @@ while IFS='|' read -r status text arguments; do
     # shellcheck disable=SC2086
     expect "$status" "$text" $arguments
 done <<'TABLE'
-2|key, knobs, controls, cleanplate, tune, plate, compare|
+2|key, knobs, controls, cleanplate, tune, plate, compare, score|
 2|nonsense: there is no such command|nonsense
 2|--fg|key -o out/a.exr
 2|--threads|key --fg shot/fg.0001.exr -o out/a.exr --threads 0
@@ -54,6 +54,13 @@ done <<'TABLE'
 2|frame pattern|key --fg shot/fg.0001.exr -o out/a.%04d.exr --frames 1-5
 2|--pick|key --fg shot/fg.0001.exr -o out/a.exr --pick 1,2,3
 2|--screen|key --fg shot/fg.0001.exr -o out/a.exr --screen purple
+2|--spill|plate -o out/p --spill 2
+2|--composite-truth|score shot/alpha_true.0001.exr shot/alpha_true.0001.exr --composite shot/fg.0001.exr
+2|frame pattern|score shot/alpha_true.%04d.exr shot/alpha_true.0001.exr
+1|shot/fg.0001.exr: has no alpha|score shot/fg.0001.exr shot/alpha_true.0001.exr
+1|which is no region|score shot/gm.0001.exr shot/gm.0001.exr --regions shot/alpha_true.0001.exr
+1|out/none.exr: does not exist|score shot/gm.0001.exr shot/gm.0001.exr --exclude out/none.exr
+2|--veil-colour|plate -o out/p --veil-colour pink
 2|--screen|key --fg shot/fg.0001.exr -o out/a.exr --screen green --pick 0,40,8,48
 1|shot/bg.0001.exr: no backing stands out|key --fg shot/bg.0001.exr -o out/a.exr
 1|--pick X,Y,R,T|key --fg shot/fg.0001.exr -o out/a.exr --screen blue
@@ -111,6 +118,12 @@ expect 0 "" plate -o blue --size 64x48 --screen blue
 expect 0 "" key --fg blue/fg.exr -o out/blue.exr --screen auto --quiet
 [ -s err.txt ] && fail "messages in spite of --quiet: $(cat err.txt)"
 
+# What is given beats what the seed draws, and the rest is drawn the same.
+for spill in 0 0.4; do expect 0 "" plate -o spill$spill --size 64x48 --vary --spill $spill; done
+expect 0 "" compare spill0/alpha_true.exr spill0.4/alpha_true.exr --max-diff 0
+expect 1 "" compare spill0/fg.exr spill0.4/fg.exr --max-diff 0.01
+expect 1 "" compare spill0/alpha_true.exr shot/alpha_true.0001.exr --max-diff 0.1
+
 # Strokes: keying and tuning do the same, a second time nothing is left to do.
 strokes=(--stroke screen=0,40,8,48 --stroke add_overlay@3=0,0,20,20 --stroke toolbar_removenoise=50,30,60,40)
 shot=(--fg shot/fg.%04d.exr --frames 2-4)
@@ -152,6 +165,19 @@ expect 1 "small/bg.exr: is 32x24, but the foreground is 64x48" key --fg shot/fg.
 for fit in resize crop none; do
     expect 0 "" key --fg shot/fg.0001.exr --bg small/bg.exr -o out/$fit.exr --fit $fit "${pick[@]}"
 done
+
+expect 1 "small/bg.exr: is 32x24, but shot/alpha_true.0001.exr is 64x48" score shot/alpha_true.0001.exr \
+    shot/alpha_true.0001.exr --composite small/bg.exr --composite-truth shot/bg.0001.exr
+
+# Scores: nothing is wrong with the truth itself; a sequence has more lines.
+true=(score shot/alpha_true.%04d.exr shot/alpha_true.%04d.exr --regions shot/regions.%04d.exr --frames 1-3)
+expect 0 "3 frames: dtSSD 0.000000" "${true[@]}" --exclude shot/gm.%04d.exr
+[ "$(grep -cE '^(all|mixed|backing|core|edge|hair|veil) .* 0\.0000 +0 +0\.0000 +0\.0000$' out.txt)" -eq 7 ] ||
+    fail "the truth's scores: $(cat out.txt)"
+expect 0 '"psnr": null' score shot/gm.0001.exr shot/gm.0001.exr --composite shot/bg.0001.exr \
+    --composite-truth shot/bg.0002.exr --json
+expect 0 "3 frames: dtSSD 0.0" score shot/alpha_true.%04d.exr shot/alpha_true.0001.exr --frames 1-3
+grep -qE '^mixed +[0-9]+ +0\.0000' out.txt && fail "frames that differ score as if they did not"
 
 # A sequence with a broken frame, mended and resumed.
 cp shot/fg.0003.exr whole.exr
