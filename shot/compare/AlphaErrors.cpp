@@ -65,7 +65,7 @@ class Areas {
   public:
     explicit Areas(std::size_t pixels) : parent_(pixels), size_(pixels) {}
 
-    // Finds the areas of the pixels that are in. 
+    // Finds the areas of the pixels that are in.
     void find(const std::vector<char>& in, int width) {
         const auto row = static_cast<std::size_t>(width);
         std::iota(parent_.begin(), parent_.end(), std::size_t{0});
