@@ -64,6 +64,19 @@ using UnmixedColour = void(const UnmixedParams& params, const float* colour, con
                            const float* k, const float* share, float* out, std::size_t n);
 LANE_KERNEL(UnmixedColour, unmixed_colour);
 
+// How much of the foreground's own values the highlights keep: 0 up to where its greatest channel is 1, all
+// from 2 on. `subject` is the opacity of the subject alone, k with what else is in it, as shadow.
+// Where a pixel is no highlight or nothing of the subject it is 0.
+using HighlightShare = void(const std::array<const float*, 3>& fg, const float* subject, const float* k,
+                            float* keep, std::size_t n);
+LANE_KERNEL(HighlightShare, highlight_share);
+
+// Goes over from the finished colour, `out`, to the foreground's own by `keep`; infinities count as the
+// largest half float. Where `keep` is 0 no bit changes.
+using KeepHighlights = void(OutputMode mode, const float* keep, const float* fg, const float* background,
+                            const float* k, float* out, std::size_t n);
+LANE_KERNEL(KeepHighlights, keep_highlights);
+
 struct OverlayParams {
     OverlayMode mode;
     bool mono;                    // grey foreground under the overlay

@@ -88,6 +88,10 @@ void VeloxaKeyer::_request(int x, int y, int r, int t, ChannelSet channels, int 
         if (&colour_source() != &normFg) ask(colour_source(), widened);
     }
     if (knobs_.adds()) ask(keyed_matte(), kMaskAlpha);
+    if (knobs_.keeps_highlights()) {
+        ask(input(0), channels + kMaskRgb);
+        ask(final_matte(), kMaskAlpha);
+    }
     if (knobs_.overlay_mode > 0) ask(screen_region(), widened);
     if (flag(kHmConnected)) {
         ask(input(0), channels);

@@ -100,6 +100,8 @@ class VeloxaKeyer final : public Zo::Image::Iop {
     void engine_shadow(int y, Zo::Image::ChannelSet channels, Zo::Image::Row& row);
     void finish(int y, Zo::Image::ChannelSet channels, const Zo::Image::Row& colour,
                 const Zo::Image::Row& matte, Zo::Image::Row& row);
+    void put_highlights_back(int y, Zo::Image::ChannelSet colours, const Zo::Image::Row& background,
+                             const Zo::Image::Row& k, Zo::Image::Row& row);
     void draw_overlay(int y, Zo::Image::ChannelSet channels, Zo::Image::Row& row);
     void apply_holdout(int y, Zo::Image::ChannelSet channels, Zo::Image::Row& row);
 

@@ -93,12 +93,14 @@ struct KnobStorage {
     // Output
     std::int32_t matte_scale = 0;  // knee, linear
     std::int32_t merge = 0;        // multiply, add
+    std::int32_t highlights = 0;   // clip, keep
 
     bool operator==(const KnobStorage&) const = default;
 
     bool unmixes() const { return unmix_method == 1; }
     bool linear_matte() const { return matte_scale == 1 || unmixes(); }
     bool adds() const { return merge == 1 || unmixes(); }
+    bool keeps_highlights() const { return highlights == 1 && !unmixes(); }
     bool shows_subject() const { return overlay_mode == 2; }
 
     std::int32_t active_tool = 0;    // the toolbar's: number of the tool in hand

@@ -282,6 +282,12 @@ constexpr KnobRow kTable[] = {
          "opacity.</li><li><b>add</b>: the processed foreground, whose backing is taken out already, is "
          "added as it is, which keeps soft edges from going dark.</li></ul>The method unmix always adds.",
          {}, {}, {"multiply", "add"}),
+    KNOB(highlights, "highlights",
+         "What becomes of foreground brighter than 1:<ul><li><b>clip</b>: it goes through the key, whose "
+         "bend of high values tints and overdoes it.</li><li><b>keep</b>: from 1 to 2 it goes over into the "
+         "foreground's own values. The method unmix keeps them as long as shadows and color conformance "
+         "are off.</li></ul>",
+         {}, {}, {"clip", "keep"}),
     piece(Kind::kBeginToolbar, "", "veloxa_toolbar"),
     tool(Tool::kScreen, "toolbar_screen", "@VlxColorPicker; screen ", "Backing color."),
     piece(Kind::kToolbarSeparator),

@@ -48,7 +48,10 @@ class Fit {
         model_.sure.resize(width, height);
         model_.sure.fill(0);
         if (!model_.found) {
-            for (std::size_t c = 0; c < 3; ++c) model_.coarse[c].fill(c == screen() ? 1.0f : kDarkest);
+            for (std::size_t c = 0; c < 3; ++c) {
+                model_.coarse[c].fill(c == screen() ? 1.0f : kDarkest);
+                model_.clean[c].free();
+            }
             return;
         }
         model_.sigma = noise_deviation(hue.sure);

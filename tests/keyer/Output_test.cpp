@@ -212,6 +212,43 @@ TEST(OutputKernel, HoldoutBringsTheForegroundBack) {
     EXPECT_EQ(colour[4], 0.25f);
 }
 
+// A white lamp in the subject, from 0.9 to far beyond what any knee keeps.
+TEST(Output, HighlightsStayNeutralAndFinite) {
+    const auto lamp = [](Channel c, int x, int y) {
+        const bool subject = (x - 20) * (x - 20) + (y - 15) * (y - 15) < 90;
+        return subject ? 0.9f * std::pow(1.7f, static_cast<float>(x - 14)) : green_screen(c, 0, y);
+    };
+    for (const char* const settings :
+         {"", "merge add; matte_scale linear", "shadow 1; spill_suppression 0", "output_mode unpremultiplied",
+          "color_conformance 1; output_mode premultiplied"}) {
+        Rig rig({0, 0, 41, 31}, lamp);
+        rig.set(settings);
+        const test::Picture clipped = test::render(rig.node);
+        rig.set("highlights keep");
+        const test::Picture kept = test::render(rig.node);
+        for (int x = 14; x < 27; ++x) {
+            ASSERT_EQ(kept.at(kAlpha, x, 15), 1.0f) << settings << x;
+            for (const Channel c : kMaskRgb) {
+                const float plate = lamp(c, x, 15);
+                const float before = clipped.at(c, x, 15);
+                const float here = kept.at(c, x, 15);
+                if (plate <= 1.0f) {
+                    EXPECT_TRUE(same_bit_pattern(here, before)) << settings << x;
+                }
+                if (plate > 1.0f && plate < 2.0f) {
+                    EXPECT_NEAR(here, before + (plate - 1.0f) * (plate - before), 1e-5f) << settings << x;
+                }
+                if (plate >= 2.0f) {
+                    EXPECT_EQ(here, plate) << settings << x;
+                }
+            }
+        }
+        for (const Channel c : kMaskRgba) {
+            EXPECT_TRUE(same_bit_pattern(kept.at(c, 3, 3), clipped.at(c, 3, 3))) << settings;
+        }
+    }
+}
+
 // The linear matte scale and the added foreground, with the colour of the operator that must supply it.
 TEST(Output, TheTabActsOnBothPaths) {
     struct Case {

@@ -148,6 +148,16 @@ const std::vector<Case> kCases{
          std::copy_n(j.in[0], j.n, j.out[0]);
          larger_opacity(j.in[1], j.out[0], j.n);
      }},
+    {"highlight share",
+     [](auto& j) {
+         highlight_share({j.in[0], j.in[1], j.in[2]}, j.in[3], j.in[4], j.out[0], j.n);
+     }},
+    {"keep highlights",
+     [](auto& j) {
+         const auto mode = static_cast<OutputMode>(j.variant % 3);
+         std::copy_n(j.in[0], j.n, j.out[0]);
+         keep_highlights(mode, j.in[1], j.in[2], j.in[3], j.in[4], j.out[0], j.n);
+     }},
     {"encodings",
      [](auto& j) {
          const auto encoding = static_cast<Encoding>(j.variant % 3);

@@ -111,7 +111,7 @@ TEST(KnobCopy, EveryKnobIsOneOfThese) {
                                 "overlay_color", "output_mode",       "matte_scale",  "merge",
                                 "unmix_method",  "unmix_veil",        "unmix_solid",  "unmix_detail",
                                 "unmix_denoise", "unmix_folds",       "unmix_spill",  "unmix_encoding",
-                                "unmix_opacity"};
+                                "unmix_opacity", "highlights"};
     for (const Row& row : kRows) known.insert(row.knob);
     Copy copy;
     std::set<std::string> names;
