@@ -6,6 +6,7 @@
 #include "lanes/FloatLogExp.h"
 #include "unmix/BoxKernel.h"
 #include "unmix/ChoiceKernel.h"
+#include "unmix/Reduce.h"
 
 namespace unmix {
 
@@ -94,9 +95,7 @@ class Solver {
         const int top = std::min(bottom_ + kTileHeight, backing_.scale.height);
         for (int y = bottom_; y < top; ++y) {
             const std::uint8_t* const solid = segmentation_.solid.row(y / side);
-            for (int x = left_; x < right; ++x) {
-                solution_.alpha(x, y) = solid[x / side] != 0 ? 1.0f : 0.0f;
-            }
+            repeat_cells(solid, side, left_, right, solution_.alpha.row(y) + left_);
             std::fill(solution_.variance.row(y) + left_, solution_.variance.row(y) + right, 0.0f);
             std::fill(solution_.deviation.row(y) + left_, solution_.deviation.row(y) + right, 0.0f);
             std::fill(solution_.candidate.row(y) + left_, solution_.candidate.row(y) + right,
