@@ -196,7 +196,7 @@ class Fit {
                     }
                 }
             });
-            ok = eroded(dilated(eroded(agrees, 1), 1), 1);
+            ok = agrees;
             if (!taught_.empty()) {
                 for (std::size_t i = 0; i < ok.size(); ++i) ok[i] |= taught_[i];
             }
