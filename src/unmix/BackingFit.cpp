@@ -243,9 +243,10 @@ class Fit {
             same = same && std::abs(colour[c] - backing[c]) < most;
             if (c == screen()) continue;
             const std::size_t n = c == other(0) ? 0 : 1;
-            local[n] = most;
-            whole[n] = std::max(most, stray_[n]);
-            fold[n] = std::max(kFoldHue * most, stray_[n]);
+            const float wider = std::max(settings_.folds, 1.0f);
+            local[n] = wider * most;
+            whole[n] = wider * std::max(most, stray_[n]);
+            fold[n] = wider * std::max(kFoldHue * most, stray_[n]);
         }
         // What is filled in may drift into a veil round by round; the base does not.
         if (same && same_hue(colour, base(i), whole)) return true;
