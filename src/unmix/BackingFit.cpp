@@ -24,6 +24,11 @@ constexpr float kFoldHue = 0.6f;
 constexpr float kUsualHue = 3.0f;
 constexpr float kSaturated = 0.5f;  // of its other channels that a fold may lose
 constexpr float kTaughtTolerance = 3.0f;
+// Cloth takes on the hue of what lights its folds: from this much stray of its brightness on tolerances of
+// hue grow, to so much at that.
+constexpr float kPaint = 0.025f;
+constexpr float kCloth = 0.04f;
+constexpr float kMostOfCloth = 1.75f;
 constexpr float kUnevenNoise = 1.2f;
 constexpr float kUneven = 0.015f;
 constexpr float kDarkestFold = 0.35f;  // below the brightness around
@@ -76,9 +81,11 @@ class Fit {
         return {model_.means[0][i], model_.means[1][i], model_.means[2][i]};
     }
 
-    // What the two other channels have beyond the backing's, once that is as bright as the colour in the screen's
-    // channel. A veil, whatever its colour, adds to them; a fold, lit by the cloth around it, loses some.
-    std::array<float, 2> beyond_hue(const std::array<float, 3>& colour, const std::array<float, 3>& backing) const {
+    // What the two other channels have beyond the backing's, once that is as bright as the colour in the
+    // screen's channel. A veil, whatever its colour, adds to them; a fold, lit by the cloth around it, loses
+    // some.
+    std::array<float, 2> beyond_hue(const std::array<float, 3>& colour,
+                                    const std::array<float, 3>& backing) const {
         const float ratio = colour[screen()] / std::max(backing[screen()], 1e-4f);
         std::array<float, 2> beyond{};
         for (std::size_t n = 0; n < 2; ++n) beyond[n] = colour[other(n)] - ratio * backing[other(n)];
@@ -228,6 +235,13 @@ class Fit {
             std::nth_element(all[n].begin(), middle, all[n].end());
             stray_[n] = kUsualHue * 1.4826f * *middle;
         }
+        std::vector<float> levels;
+        for (const std::size_t cell : sample(inner)) levels.push_back(mean(cell)[screen()]);
+        const auto middle = levels.begin() + static_cast<std::ptrdiff_t>(levels.size() / 2);
+        std::nth_element(levels.begin(), middle, levels.end());
+        const float share = std::max(stray_[0], stray_[1]) / std::max(*middle, 1e-4f);
+        cloth_ = std::clamp(1.0f + (kMostOfCloth - 1.0f) * (share - kPaint) / (kCloth - kPaint), 1.0f,
+                            kMostOfCloth);
     }
 
     bool is_backing(std::size_t i, float strict, float around, float wide) const {
@@ -243,7 +257,7 @@ class Fit {
             same = same && std::abs(colour[c] - backing[c]) < most;
             if (c == screen()) continue;
             const std::size_t n = c == other(0) ? 0 : 1;
-            const float wider = std::max(settings_.folds, 1.0f);
+            const float wider = cloth_ * std::max(settings_.folds, 1.0f);
             local[n] = wider * most;
             whole[n] = wider * std::max(most, stray_[n]);
             fold[n] = wider * std::max(kFoldHue * most, stray_[n]);
@@ -254,8 +268,9 @@ class Fit {
         const float level = colour[screen()];
         const float share = level / std::max(wide, 0.02f);
         return std::abs(level - around) < kUnevenNoise * model_.sigma[screen()] + kUneven * level &&
-               share > 1.0f - kDarkestFold * settings_.folds && share < 1.0f + kBrightestFold * settings_.folds &&
-               same_hue(colour, backing, local) && same_hue(colour, base(i), fold);
+               share > 1.0f - kDarkestFold * settings_.folds &&
+               share < 1.0f + kBrightestFold * settings_.folds && same_hue(colour, backing, local) &&
+               same_hue(colour, base(i), fold);
     }
 
     void finish() {
@@ -327,7 +342,8 @@ class Fit {
     Bytes taught_;
     Colours base_;
     std::array<float, 2> stray_{};
-    Colours beyond_;  // the plate's means less the base
+    float cloth_ = 1.0f;  // how much wider tolerances of hue are, as it is hung cloth
+    Colours beyond_;      // the plate's means less the base
 };
 
 }  // namespace

@@ -25,6 +25,7 @@ constexpr float kLeadOfNearest = 15.0f;  // what a cluster's cost has to make up
 constexpr float kNearness = 8.0f;        // the less so the farther: a length
 constexpr float kPixelsPerCost = 40.0f;  // a length
 constexpr float kMostLead = 20.0f;
+constexpr float kSpillOfRim = 0.04f;  // of the backing that a rim holds beyond what lies further in
 constexpr std::uint8_t kNeutral = 1;
 constexpr float kNearest = 2.0f;
 
@@ -198,7 +199,9 @@ class Solver {
         const float per_pixel = -1.0f / pixels_of(kNearness);
         for (std::size_t i = 0; i < count_; ++i) {
             const NearColour& colour = candidates_.nearest[static_cast<std::size_t>(s.cell[i])];
-            for (std::size_t c = 0; c < 3; ++c) s.own[c][i] = colour.mean[c];
+            for (std::size_t c = 0; c < 3; ++c) {
+                s.own[c][i] = colour.mean[c] + kSpillOfRim * s.backing[c][i];
+            }
             for (std::size_t q = 0; q < 6; ++q) s.own[3 + q][i] = colour.covariance[q];
             s.near[i] = kernel::float_exp(colour.away * per_pixel);
         }
