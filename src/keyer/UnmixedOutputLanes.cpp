@@ -81,7 +81,7 @@ void unmixed_colour(const UnmixedParams& params, const float* colour, const floa
 #pragma GCC ivdep
         for (std::size_t i = 0; i < n; ++i) {
             const float v = one_nan(colour[i] / share[i]);
-            out[i] = share[i] == 0.0f ? 0.0f : v;
+            out[i] = k[i] == 0.0f || share[i] == 0.0f ? 0.0f : v;
         }
     } else if (params.encoding == Encoding::kStored) {
         mix_stored(colour, background, k, share, out, n);
