@@ -2,9 +2,10 @@
 # install the packages that are missing first. SKIP_DEPS=1 leaves the system's packages alone.
 #
 # make install PREFIX=/usr puts the products where the system and OpenFX hosts look; DESTDIR goes before that.
+# make quality SEEDS="1 2" SIZE=1920x1080 scores keys of other plates than the usual ones.
 # make bench BENCH_ARGS=--benchmark_filter=REGEX runs some of the benchmarks.
 
-.PHONY: build bundle install deps demo test bench asan tsan debug format format-check tidy check-house clean
+.PHONY: build bundle install deps demo test bench quality asan tsan debug format format-check tidy check-house clean
 
 build: deps
 	cmake --preset release
@@ -38,6 +39,11 @@ bench:
 	cmake --preset bench
 	cmake --build --preset bench
 	tools/bench.sh $(BENCH_ARGS)
+
+quality: deps
+	cmake --preset release
+	cmake --build --preset release --target veloxa
+	tools/quality.sh
 
 debug asan tsan: deps
 	cmake --preset $@

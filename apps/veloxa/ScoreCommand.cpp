@@ -36,7 +36,8 @@ std::string table_of(const ScoreReport& report) {
     for (const Score& s : report.scores) {
         table += printed("%-8s %10lld", s.name.c_str(), static_cast<long long>(s.alpha.count));
         if (s.frames > 0)
-            table += printed(" %10.4f %12.4g %10.4f %12.4f", s.sad(), s.mse(), s.gradient(), s.connectivity());
+            table +=
+                printed(" %10.4f %12.4g %10.4f %12.4f", s.sad(), s.mse(), s.gradient(), s.connectivity());
         if (s.composite.count > 0) table += printed(" %10.2f", s.composite.psnr());
         table += "\n";
     }
@@ -46,8 +47,8 @@ std::string table_of(const ScoreReport& report) {
 }
 
 // {"frames", "scores": {NAME: {"pixels", "sad", "mse", "gradient", "connectivity", "psnr"}}, "dtssd",
-// "still": {"pixels", "deviation"}}; what a kind without pixels would have, psnr without composites and the last
-// two without several frames are left out. An infinite psnr is null.
+// "still": {"pixels", "deviation"}}; what a kind without pixels would have, psnr without composites and the
+// last two without several frames are left out. An infinite psnr is null.
 std::string json_of(const ScoreReport& report) {
     ordered_json all{{"frames", report.frames}, {"scores", ordered_json::object()}};
     for (const Score& s : report.scores) {
@@ -95,7 +96,8 @@ constexpr const char* kFooter =
     "  PSNR          of the composite's red, green and blue, for a peak of 1\n"
     "as Rhemann et al. 2009 define the first four. Of --frames sums are means over the frames, MSE and PSNR "
     "are those of all pixels; besides, dtSSD is the root mean square of the differences between the alpha's "
-    "changes from frame to frame and the true ones, and the deviation over time is taken where the true alpha "
+    "changes from frame to frame and the true ones, and the deviation over time is taken where the true "
+    "alpha "
     "changes by less than 0.002.\n"
     "Gradients and connections see the pixels that --exclude leaves out of the sums.";
 

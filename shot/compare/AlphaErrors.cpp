@@ -24,9 +24,10 @@ Taps normalized(Taps taps) {
 
 Taps gaussian(bool derivative) {
     Taps taps;
-    for (int n = -kReach; n <= kReach; ++n) {
+    for (std::size_t i = 0; i < taps.size(); ++i) {
+        const int n = static_cast<int>(i) - kReach;
         const double value = std::exp(-n * n / (2.0 * kSigma * kSigma));
-        taps[static_cast<std::size_t>(n + kReach)] = derivative ? n * value : value;
+        taps[i] = derivative ? n * value : value;
     }
     return normalized(taps);
 }
@@ -38,10 +39,11 @@ Matte filtered(const Matte& in, const Taps& along_x, const Taps& along_y) {
         for (int y = 0; y < from.height; ++y) {
             for (int x = 0; x < from.width; ++x) {
                 double sum = 0.0;
-                for (int n = -kReach; n <= kReach; ++n)
-                    sum += taps[static_cast<std::size_t>(n + kReach)] *
-                           from.at(std::clamp(x + n * dx, 0, from.width - 1),
-                                   std::clamp(y + n * dy, 0, from.height - 1));
+                for (std::size_t t = 0; t < taps.size(); ++t) {
+                    const int n = static_cast<int>(t) - kReach;
+                    sum += taps[t] * from.at(std::clamp(x + n * dx, 0, from.width - 1),
+                                             std::clamp(y + n * dy, 0, from.height - 1));
+                }
                 to.values[i++] = static_cast<float>(sum);
             }
         }
@@ -65,7 +67,7 @@ class Areas {
   public:
     explicit Areas(std::size_t pixels) : parent_(pixels), size_(pixels) {}
 
-    // Finds the areas of the pixels that are in. 
+    // Finds the areas of the pixels that are in.
     void find(const std::vector<char>& in, int width) {
         const auto row = static_cast<std::size_t>(width);
         std::iota(parent_.begin(), parent_.end(), std::size_t{0});

@@ -74,7 +74,8 @@ class Reader {
             size_ = size_text(box);
             size_of_ = path;
         }
-        if (size_text(box) != size_) throw Error(path, "is " + size_text(box) + ", but " + size_of_ + " is " + size_);
+        if (size_text(box) != size_)
+            throw Error(path, "is " + size_text(box) + ", but " + size_of_ + " is " + size_);
         return image;
     }
 
@@ -131,7 +132,8 @@ std::vector<Score> score_frame(const ScorePictures& p) {
     std::vector<Score> scores(p.region.empty() ? kFirstRegion : kFirstRegion + kRegionNames.size());
     scores[kAll].name = "all";
     scores[kMixed].name = "mixed";
-    for (std::size_t i = kFirstRegion; i < scores.size(); ++i) scores[i].name = kRegionNames[i - kFirstRegion];
+    for (std::size_t i = kFirstRegion; i < scores.size(); ++i)
+        scores[i].name = kRegionNames[i - kFirstRegion];
 
     const std::vector<float> gradient = gradient_errors(p.result, p.truth);
     const std::vector<float> connectivity = connectivity_errors(p.result, p.truth);
@@ -143,8 +145,8 @@ std::vector<Score> score_frame(const ScorePictures& p) {
         pixel.gradient_sum = gradient[i];
         pixel.connectivity_sum = connectivity[i];
         for (std::size_t c = 0; c < p.composite.size(); ++c)
-            pixel.composite.add(one(std::abs(static_cast<double>(p.composite[c].values[i]) -
-                                             p.composite_truth[c].values[i])));
+            pixel.composite.add(one(
+                std::abs(static_cast<double>(p.composite[c].values[i]) - p.composite_truth[c].values[i])));
         scores[kAll].add(pixel);
         if (truth >= kMixedFrom && truth <= kMixedTo) scores[kMixed].add(pixel);
         if (!p.region.empty()) scores[kFirstRegion + static_cast<std::size_t>(p.region[i])].add(pixel);

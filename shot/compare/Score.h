@@ -26,7 +26,9 @@ struct Score {
 
     void add(const Score& other);
     // Over all pixels of all frames.
-    double mse() const { return alpha.count > 0 ? alpha.sum_squares / static_cast<double>(alpha.count) : 0.0; }
+    double mse() const {
+        return alpha.count > 0 ? alpha.sum_squares / static_cast<double>(alpha.count) : 0.0;
+    }
     // Sums over a frame in thousands, means over the frames.
     double sad() const { return thousands(alpha.sum); }
     double gradient() const { return thousands(gradient_sum); }
@@ -62,8 +64,8 @@ struct ScoreReport {
     Steadiness::Still still;
 };
 
-// Scores the files of all frames. Throws Error when one cannot be read, has another size than the truth, lacks
-// the channels, or holds values that make no sense there; and Interrupted.
+// Scores the files of all frames. Throws Error when one cannot be read, has another size than the truth,
+// lacks the channels, or holds values that make no sense there; and Interrupted.
 ScoreReport score_files(const ScoreInputs& inputs, const FrameRange& frames, const Caller& caller);
 
 }  // namespace veloxa

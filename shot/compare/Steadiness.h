@@ -14,7 +14,8 @@ class Steadiness {
     // counted: 0 for a pixel that is to be left out, of this step and the one after, and of the still places.
     void add(const Matte& result, const Matte& truth, const std::vector<char>& counted);
 
-    // The mean over steps of sqrt(mean over pixels of the squared difference of both changes); 0 without a step.
+    // The mean over steps of sqrt(mean over pixels of the squared difference of both changes); 0 without a
+    // step.
     double dtssd() const { return steps_ > 0 ? sum_ / static_cast<double>(steps_) : 0.0; }
 
     // The mean deviation over time of the result where the truth's range is below 0.002.
@@ -31,7 +32,7 @@ class Steadiness {
     double sum_ = 0.0;
     Matte result_, truth_;  // of the frame before
     std::vector<char> counted_before_, counted_always_;
-    std::vector<float> low_, high_;  // of the truth
+    std::vector<float> low_, high_;      // of the truth
     std::vector<double> mean_, spread_;  // of the result: mean, sum of squared deviations from it
 };
 

@@ -20,7 +20,8 @@ struct BackingModel {
     std::array<int, 2> others{0, 2};  // and the two other channels
 
     Colours light;   // the plate, every pixel
-    Colours means;   // and its means, coarse
+    Colours fine;    // its means, fine
+    Colours means;   // and coarse
     Colours clean;   // the clean plate in light, every pixel; empty without one
     Colours coarse;  // the backing at the coarse cells
     Colours added;   // with a clean plate: coarse, what the backing has beyond it

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "lanes/LaneKernel.h"
 #include "unmix/SolveKernel.h"
@@ -9,6 +10,11 @@
 // Costs beyond this count as this when they are averaged, so that one pixel does not decide for its
 // neighbours.
 inline constexpr float kMostCost = 60.0f;
+
+// means[i] = sums[at[i]] * scale[i]
+using GatherMeans = void(const float* sums, const std::int32_t* at, const float* scale, float* means,
+                         std::size_t n);
+LANE_KERNEL(GatherMeans, gather_means);
 
 // The present choice takes a cluster's solution where its cost around the pixel, `mean`, with its distance is
 // less than `best`. `away` is in units of cost. `chosen` becomes `number` there.

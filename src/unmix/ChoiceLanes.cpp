@@ -16,6 +16,11 @@ constexpr float kOddsOfNear = 4.0f;
 
 }  // namespace
 
+void gather_means(const float* sums, const std::int32_t* at, const float* scale, float* __restrict means,
+                  std::size_t n) {
+    for (std::size_t i = 0; i < n; ++i) means[i] = sums[at[i]] * scale[i];
+}
+
 void take_better(const Solved& other, const float* mean, const float* away, float number,
                  const ChoiceRows& choice, std::size_t n) {
     const float* const from_alpha = other.alpha;

@@ -4,26 +4,30 @@
 #include <cmath>
 #include <vector>
 
+#include "unmix/MorphologyKernel.h"
+
 namespace unmix {
 
 namespace {
 
-// One step: each pixel becomes `grown` where it or one of its four neighbours is.
-Bytes step(const Bytes& mask, std::uint8_t grown) {
+// One step: each pixel takes what it and its four neighbours have.
+Bytes step(const Bytes& mask, const LaneKernel<CrossMask>& kernel) {
+    const auto width = static_cast<std::size_t>(mask.width());
+    const auto padded = [&](int y, std::vector<std::uint8_t>& row) {
+        const std::uint8_t* const from = mask.row(std::clamp(y, 0, mask.height() - 1));
+        row.resize(width + 2);
+        std::copy_n(from, width, row.begin() + 1);
+        row.front() = from[0];
+        row.back() = from[width - 1];
+    };
     Bytes out(mask.width(), mask.height());
+    std::array<std::vector<std::uint8_t>, 3> rows;
+    padded(0, rows[0]);
+    padded(0, rows[1]);
     for (int y = 0; y < mask.height(); ++y) {
-        const std::uint8_t* const below = mask.row(std::max(y - 1, 0));
-        const std::uint8_t* const here = mask.row(y);
-        const std::uint8_t* const above = mask.row(std::min(y + 1, mask.height() - 1));
-        std::uint8_t* const to = out.row(y);
-        const int last = mask.width() - 1;
-        for (int x = 0; x <= last; ++x) {
-            const std::uint8_t left = here[std::max(x - 1, 0)];
-            const std::uint8_t right = here[std::min(x + 1, last)];
-            const int all = below[x] & above[x] & here[x] & left & right;
-            const int some = below[x] | above[x] | here[x] | left | right;
-            to[x] = static_cast<std::uint8_t>(grown != 0 ? some : all);
-        }
+        padded(y + 1, rows[2]);
+        kernel({rows[0].data(), rows[1].data(), rows[2].data()}, out.row(y), width);
+        std::rotate(rows.begin(), rows.begin() + 1, rows.end());
     }
     return out;
 }
@@ -39,13 +43,13 @@ bool any(const Bytes& mask) {
 
 Bytes eroded(const Bytes& mask, int steps) {
     Bytes out = mask;
-    for (int n = 0; n < steps; ++n) out = step(out, 0);
+    for (int n = 0; n < steps; ++n) out = step(out, shrink_mask);
     return out;
 }
 
 Bytes dilated(const Bytes& mask, int steps) {
     Bytes out = mask;
-    for (int n = 0; n < steps; ++n) out = step(out, 1);
+    for (int n = 0; n < steps; ++n) out = step(out, grow_mask);
     return out;
 }
 
@@ -53,20 +57,23 @@ void box_mean(const Floats& picture, int radius, Floats& mean) {
     const int width = picture.width();
     mean.resize(width, picture.height());
     const float scale = 1.0f / static_cast<float>((2 * radius + 1) * (2 * radius + 1));
-    std::vector<float> sums(static_cast<std::size_t>(width));
+    std::vector<float> sums(static_cast<std::size_t>(width + 2 * radius));
+    float* const middle = sums.data() + radius;
     for (int y = 0; y < picture.height(); ++y) {
-        std::ranges::fill(sums, 0.0f);
-        for (int d = -radius; d <= radius; ++d) {
-            const float* const row = picture.row(std::clamp(y + d, 0, picture.height() - 1));
-            for (int x = 0; x < width; ++x) sums[static_cast<std::size_t>(x)] += row[x];
+        const auto row = [&](int d) { return picture.row(std::clamp(y + d, 0, picture.height() - 1)); };
+        std::copy_n(row(-radius), width, middle);
+        for (int d = -radius + 1; d <= radius; ++d) {
+            const float* const from = row(d);
+            for (int x = 0; x < width; ++x) middle[x] += from[x];
         }
-        for (int x = 0; x < width; ++x) {
-            float sum = 0.0f;
-            for (int d = -radius; d <= radius; ++d) {
-                sum += sums[static_cast<std::size_t>(std::clamp(x + d, 0, width - 1))];
-            }
-            mean(x, y) = scale * sum;
+        std::fill(middle - radius, middle, middle[0]);
+        std::fill(middle + width, middle + width + radius, middle[width - 1]);
+        float* const out = mean.row(y);
+        std::copy_n(middle - radius, width, out);
+        for (int d = -radius + 1; d <= radius; ++d) {
+            for (int x = 0; x < width; ++x) out[x] += middle[x + d];
         }
+        for (int x = 0; x < width; ++x) out[x] *= scale;
     }
 }
 
@@ -104,38 +111,23 @@ void distance(const Bytes& mask, float most, Floats& out, const ParallelLoop& lo
     constexpr int kStrip = 256;
     loop(0, (width + kStrip - 1) / kStrip, 1, [&](int begin, int end) {
         const int left = begin * kStrip;
-        const int right = std::min(end * kStrip, width);
-        std::vector<float> steps(static_cast<std::size_t>(right - left), far);
-        const auto walk = [&](int y, bool merge) {
-            const std::uint8_t* const from = mask.row(y) + left;
-            float* const to = along.row(y) + left;
-            for (int x = 0; x < right - left; ++x) {
-                float& n = steps[static_cast<std::size_t>(x)];
-                n = from[x] == 0 ? 0.0f : std::min(n + 1.0f, far);
-                to[x] = merge ? std::min(to[x], n) : n;
-            }
-        };
-        for (int y = 0; y < height; ++y) walk(y, false);
+        const auto count = static_cast<std::size_t>(std::min(end * kStrip, width) - left);
+        std::vector<float> steps(count, far);
+        for (int y = 0; y < height; ++y) {
+            step_away(mask.row(y) + left, far, steps.data(), count);
+            std::copy_n(steps.data(), count, along.row(y) + left);
+        }
         std::ranges::fill(steps, far);
-        for (int y = height - 1; y >= 0; --y) walk(y, true);
+        for (int y = height - 1; y >= 0; --y) {
+            step_away(mask.row(y) + left, far, steps.data(), count);
+            keep_less(steps.data(), along.row(y) + left, count);
+        }
     });
     loop(0, height, 16, [&](int begin, int end) {
-        std::vector<float> padded(static_cast<std::size_t>(width + 2 * reach), far * far);
+        std::vector<float> squares(static_cast<std::size_t>(width + 2 * reach + 64));
         for (int y = begin; y < end; ++y) {
-            float* const middle = padded.data() + reach;
-            const float* const from = along.row(y);
-            for (int x = 0; x < width; ++x) middle[x] = from[x] * from[x];
-            float* const to = out.row(y);
-            std::copy_n(middle, width, to);
-            for (int d = 1; d < reach; ++d) {
-                const auto square = static_cast<float>(d * d);
-                const float* const before = middle - d;
-                const float* const after = middle + d;
-                for (int x = 0; x < width; ++x) {
-                    to[x] = std::min(to[x], std::min(before[x], after[x]) + square);
-                }
-            }
-            for (int x = 0; x < width; ++x) to[x] = std::min(std::sqrt(to[x]), most);
+            row_distance(along.row(y), reach, most, squares.data(), out.row(y),
+                         static_cast<std::size_t>(width));
         }
     });
 }

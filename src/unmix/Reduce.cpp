@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "unmix/MorphologyKernel.h"
+
 namespace unmix {
 
 void cell_means(const Floats& picture, int side, Floats& means, const ParallelLoop& loop) {
@@ -18,7 +20,13 @@ void cell_means(const Floats& picture, int side, Floats& means, const ParallelLo
                 for (int x = 0; x < width; ++x) sums[static_cast<std::size_t>(x)] += row[x];
             }
             float* const out = means.row(cell);
-            for (int n = 0; n < means.width(); ++n) {
+            const int whole = side == 2 ? width / 2 : 0;
+            const float share = 0.5f / static_cast<float>(to - from);
+            for (int n = 0; n < whole; ++n) {
+                const auto at = static_cast<std::size_t>(2 * n);
+                out[n] = (sums[at] + sums[at + 1]) * share;
+            }
+            for (int n = whole; n < means.width(); ++n) {
                 const int left = n * side;
                 const int right = std::min(left + side, width);
                 float sum = 0.0f;
@@ -30,31 +38,29 @@ void cell_means(const Floats& picture, int side, Floats& means, const ParallelLo
 }
 
 void between_cells(const Floats& cells, int side, int y, int x, int r, float* out) {
-    const auto place = [&](int pixel) {
-        return (static_cast<float>(pixel) + 0.5f) / static_cast<float>(side) - 0.5f;
-    };
-    const float v = std::clamp(place(y), 0.0f, static_cast<float>(cells.height() - 1));
+    const float v = std::clamp((static_cast<float>(y) + 0.5f) / static_cast<float>(side) - 0.5f, 0.0f,
+                               static_cast<float>(cells.height() - 1));
     const int low = static_cast<int>(v);
-    const float up = v - static_cast<float>(low);
     const float* const a = cells.row(low);
     const float* const b = cells.row(std::min(low + 1, cells.height() - 1));
-    const int last = cells.width() - 1;
-    const auto mixed = [&](int n) {
-        const int at = std::clamp(n, 0, last);
-        return a[at] + up * (b[at] - a[at]);
-    };
-    // Pixels from a cell's middle to the next one's.
+    // The cells whose middles lie around, the outermost repeated, and the pixels between them.
     const int half = side / 2;
-    int n = (x - half) < 0 ? -1 : (x - half) / side;
-    for (int pixel = x; pixel < r; ++n) {
-        const int end = std::min((n + 1) * side + half, r);
-        const float left = mixed(n);
-        const float slope = mixed(n + 1) - left;
-        const float middle = static_cast<float>(n * side + half) - 0.5f;
-        for (; pixel < end; ++pixel) {
-            out[pixel - x] = left + slope * ((static_cast<float>(pixel) - middle) / static_cast<float>(side));
-        }
-    }
+    const int first = (x + half) / side - 1;
+    const int last = (r - 1 + half) / side;
+    const auto count = static_cast<std::size_t>(last - first + 1);
+    thread_local std::vector<float> line;
+    thread_local std::vector<float> pixels;
+    line.resize(count);
+    pixels.resize((count - 1) * static_cast<std::size_t>(side));
+    const int from = std::max(first, 0);
+    const int to = std::min(last, cells.width() - 1);
+    mix_rows(a + from, b + from, v - static_cast<float>(low), line.data() + (from - first),
+             static_cast<std::size_t>(to - from + 1));
+    if (from > first) line.front() = line[1];
+    for (int n = to + 1; n <= last; ++n)
+        line[static_cast<std::size_t>(n - first)] = line[static_cast<std::size_t>(to - first)];
+    between_middles(line.data(), side, pixels.data(), count - 1);
+    std::copy_n(pixels.data() + (x - (first * side + half)), r - x, out);
 }
 
 }  // namespace unmix

@@ -43,8 +43,6 @@ class Fit {
         : backing_(backing), settings_(settings), found_(found), loop_(loop) {}
 
     void run(const Floats& garbage, const Floats& holdout) {
-        const FrameScale& scale = backing_.scale;
-        for (std::size_t c = 0; c < 3; ++c) cell_means(backing_.light[c], scale.fine(), means_[c], loop_);
         width_ = means_[0].width();
         height_ = means_[0].height();
         leads();
@@ -261,12 +259,12 @@ class Fit {
     }
 
     const BackingModel& backing_;
+    const Colours& means_{backing_.fine};
     const SolidsSettings& settings_;
     Segmentation& found_;
     const ParallelLoop& loop_;
     int width_ = 0;
     int height_ = 0;
-    Colours means_;
     Floats lead_;
     Floats backing_lead_;
     Floats bound_;

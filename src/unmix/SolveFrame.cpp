@@ -40,8 +40,11 @@ struct Scratch {
     std::array<Line, 9> own;
     Line guess, away, near, mean, best, number, lead;
     SolvedLines neutral, chosen, other;
-    Line spread, sums, mass, column;
-    std::array<std::uint16_t, kMost> place;  // in the tile with its halo
+    Line spread, sums, column;
+    Line share;                                       // one over how many unknown pixels an average is of
+    std::array<std::uint16_t, kMost> place;           // in the tile with its halo
+    std::array<std::int32_t, kMost> inner;            // where its average is; of the outermost somewhere
+    std::array<std::int32_t, kMost> cell, wide_cell;  // coarse, and of twice the side
 };
 
 class Solver {
@@ -135,7 +138,7 @@ class Solver {
         }
         count_ = n;
         guess(s);
-        mass(s);
+        locate(s);
         return true;
     }
 
@@ -151,37 +154,45 @@ class Solver {
         }
     }
 
-    // How many unknown pixels each average is of.
-    void mass(Scratch& s) {
+    // Where each pixel's average and cells are. What lies within `kReach` of the halo's edge gets no mean of
+    // its own, and is not looked at again.
+    void locate(Scratch& s) {
+        constexpr int kInner = kWide - 2 * kReach;
+        const int side = backing_.scale.coarse();
+        std::array<int, kWide> column{};
+        std::array<int, kHigh> row{};
+        for (int x = 0; x < kWide; ++x) column[static_cast<std::size_t>(x)] = (left_ - kHalo + x) / side;
+        for (int y = 0; y < kHigh; ++y) row[static_cast<std::size_t>(y)] = (bottom_ - kHalo + y) / side;
+        const int across = backing_.coarse[0].width();
         std::ranges::fill(s.spread, 0.0f);
-        for (std::size_t i = 0; i < count_; ++i) s.spread[s.place[i]] = 1.0f;
-        box_sum(s.spread.data(), kReach, s.column.data(), s.mass.data(), kWide - 2 * kReach,
-                kHigh - 2 * kReach);
+        for (std::size_t i = 0; i < count_; ++i) {
+            const int x = s.place[i] % kWide;
+            const int y = s.place[i] / kWide;
+            const int cx = column[static_cast<std::size_t>(x)];
+            const int cy = row[static_cast<std::size_t>(y)];
+            s.cell[i] = cy * across + cx;
+            s.wide_cell[i] = cy / 2 * ((across + 1) / 2) + cx / 2;
+            s.inner[i] = std::clamp(y - kReach, 0, kHigh - 2 * kReach - 1) * kInner +
+                         std::clamp(x - kReach, 0, kInner - 1);
+            s.spread[s.place[i]] = 1.0f;
+            s.share[i] = 1.0f;
+        }
+        average(s, s.share, s.mean);
+        for (std::size_t i = 0; i < count_; ++i) s.share[i] = 1.0f / std::max(s.mean[i], 1.0f);
     }
 
-    // The mean of `values` over the unknown pixels around each. What lies within `kReach` of the tile's
-    // halo's edge gets no mean, and is not looked at again.
+    // The mean of `values` over the unknown pixels around each.
     void average(Scratch& s, const Line& values, Line& means) {
         for (std::size_t i = 0; i < count_; ++i) s.spread[s.place[i]] = values[i];
-        constexpr int kInner = kWide - 2 * kReach;
-        box_sum(s.spread.data(), kReach, s.column.data(), s.sums.data(), kInner, kHigh - 2 * kReach);
-        for (std::size_t i = 0; i < count_; ++i) {
-            const int x = s.place[i] % kWide - kReach;
-            const int y = s.place[i] / kWide - kReach;
-            const bool inside = x >= 0 && y >= 0 && x < kInner && y < kHigh - 2 * kReach;
-            const auto at = static_cast<std::size_t>(inside ? y * kInner + x : 0);
-            means[i] = inside ? s.sums[at] / s.mass[at] : 0.0f;
-        }
+        box_sum(s.spread.data(), kReach, s.column.data(), s.sums.data(), kWide - 2 * kReach,
+                kHigh - 2 * kReach);
+        gather_means(s.sums.data(), s.inner.data(), s.share.data(), means.data(), count_);
     }
 
     void solve_nearest(Scratch& s) {
-        const int side = backing_.scale.coarse();
-        const int across = backing_.coarse[0].width();
         const float per_pixel = -1.0f / pixels_of(kNearness);
         for (std::size_t i = 0; i < count_; ++i) {
-            const int x = (left_ - kHalo + s.place[i] % kWide) / side;
-            const int y = (bottom_ - kHalo + s.place[i] / kWide) / side;
-            const NearColour& colour = candidates_.nearest[static_cast<std::size_t>(y * across + x)];
+            const NearColour& colour = candidates_.nearest[static_cast<std::size_t>(s.cell[i])];
             for (std::size_t c = 0; c < 3; ++c) s.own[c][i] = colour.mean[c];
             for (std::size_t q = 0; q < 6; ++q) s.own[3 + q][i] = colour.covariance[q];
             s.near[i] = kernel::float_exp(colour.away * per_pixel);
@@ -200,14 +211,11 @@ class Solver {
     }
 
     void try_clusters(Scratch& s) {
-        const int side = 2 * backing_.scale.coarse();
         const float per_pixel = 1.0f / pixels_of(kPixelsPerCost);
         for (std::size_t k = 0; k < candidates_.clusters.size(); ++k) {
             const Floats& away = candidates_.away[k];
             for (std::size_t i = 0; i < count_; ++i) {
-                const int x = (left_ - kHalo + s.place[i] % kWide) / side;
-                const int y = (bottom_ - kHalo + s.place[i] / kWide) / side;
-                s.away[i] = away(x, y) * per_pixel;
+                s.away[i] = away[static_cast<std::size_t>(s.wide_cell[i])] * per_pixel;
             }
             solve_common(noise_, pixels(s), candidates_.clusters[k], s.other.pointers(), count_);
             for (std::size_t i = 0; i < count_; ++i) s.lead[i] = std::min(s.other.cost[i], kMostCost);

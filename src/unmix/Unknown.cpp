@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "unmix/MorphologyKernel.h"
 #include "unmix/SolidsFit.h"
 #include "unmix/UnknownKernel.h"
 
@@ -12,7 +13,7 @@ namespace {
 constexpr float kNoise = 1.2f;
 constexpr float kShare = 0.012f;
 constexpr int kGrow = 4;  // pixels, on any frame: soft edges are of the lens, but fringes are of pixels
-constexpr int kStrip = 32;
+constexpr int kStrip = 64;
 
 // A strip of rows with one pixel more at both ends, and so many rows more on both sides.
 template <class T>
@@ -75,24 +76,41 @@ class Finder {
     }
 
     void odd_row(int y, float* odd) const {
-        thread_local std::vector<float> lines;
-        const std::size_t stride = size() + 2;
-        lines.resize(12 * stride);
-        std::array<std::array<const float*, 3>, 3> plate{};
-        std::array<float*, 3> out{};
-        std::array<const float*, 3> backing{};
-        for (std::size_t c = 0; c < 3; ++c) {
+        const auto around = [&](std::size_t c, int x) {
+            std::array<const float*, 3> rows{};
             for (int d = 0; d < 3; ++d) {
-                float* const line = lines.data() + stride * (3 * c + static_cast<std::size_t>(d));
-                std::copy_n(backing_.light[c].row(std::clamp(y + d - 1, 0, height_ - 1)), width_, line + 1);
-                pad(line);
-                plate[c][static_cast<std::size_t>(d)] = line;
+                rows[static_cast<std::size_t>(d)] =
+                    backing_.light[c].row(std::clamp(y + d - 1, 0, height_ - 1)) + x;
             }
-            out[c] = lines.data() + stride * (9 + c);
-            backing[c] = out[c];
+            return rows;
+        };
+        thread_local std::array<std::vector<float>, 3> lines;
+        std::array<float*, 3> out{};
+        for (std::size_t c = 0; c < 3; ++c) {
+            lines[c].resize(size());
+            out[c] = lines[c].data();
         }
         backing_.row(y, 0, width_, out);
-        odd_pixels(params_, plate, backing, odd + 1, size());
+        if (width_ > 2) {
+            odd_pixels(params_, {around(0, 1), around(1, 1), around(2, 1)},
+                       {out[0] + 1, out[1] + 1, out[2] + 1}, odd + 2, size() - 2);
+        }
+        // Beyond the first and the last pixel the row repeats.
+        for (const int x : {0, width_ - 1}) {
+            std::array<std::array<float, 9>, 3> ends{};
+            std::array<std::array<const float*, 3>, 3> plate{};
+            for (std::size_t c = 0; c < 3; ++c) {
+                const auto rows = around(c, 0);
+                for (std::size_t d = 0; d < 3; ++d) {
+                    for (int n = -1; n <= 1; ++n) {
+                        ends[c][3 * d + static_cast<std::size_t>(n + 1)] =
+                            rows[d][std::clamp(x + n, 0, width_ - 1)];
+                    }
+                    plate[c][d] = ends[c].data() + 3 * d + 1;
+                }
+            }
+            odd_pixels(params_, plate, {out[0] + x, out[1] + x, out[2] + x}, odd + 1 + x, 1);
+        }
         pad(odd);
     }
 

@@ -8,32 +8,34 @@ namespace {
     return a > b ? a : b;
 }
 
+// How far the mean over 3 x 3 pixels is off the backing.
+[[gnu::always_inline]] inline float off(const float* low, const float* here, const float* high,
+                                        float backing) {
+    const float left = (low[-1] + here[-1]) + high[-1];
+    const float middle = (low[0] + here[0]) + high[0];
+    const float right = (low[1] + here[1]) + high[1];
+    const float beyond = ((left + middle) + right) * (1.0f / 9.0f) - backing;
+    return beyond < 0.0f ? -beyond : beyond;
+}
+
 }  // namespace
 
 void odd_pixels(const OddParams& params, const std::array<std::array<const float*, 3>, 3>& plate,
                 const std::array<const float*, 3>& backing, float* __restrict odd, std::size_t n) {
-    const OddParams p = params;
-    const float* const b0 = backing[0];
-    const float* const b1 = backing[1];
-    const float* const b2 = backing[2];
-    for (std::size_t i = 0; i < n; ++i) odd[i] = p.share * larger(larger(b0[i], b1[i]), b2[i]);
-    for (std::size_t c = 0; c < 3; ++c) {
-        const float* const below = plate[c][0];
-        const float* const here = plate[c][1];
-        const float* const above = plate[c][2];
-        const float* const b = backing[c];
-        const float noise = p.noise[c];
-        for (std::size_t i = 0; i < n; ++i) {
-            const float left = (below[i] + here[i]) + above[i];
-            const float middle = (below[i + 1] + here[i + 1]) + above[i + 1];
-            const float right = (below[i + 2] + here[i + 2]) + above[i + 2];
-            const float off = ((left + middle) + right) * (1.0f / 9.0f) - b[i];
-            const float size = off < 0.0f ? -off : off;
-            // A tolerance that one channel overstepped stays below all others.
-            odd[i] = size - noise > odd[i] ? -1e30f : odd[i];
-        }
+    const auto [low0, here0, high0] = plate[0];
+    const auto [low1, here1, high1] = plate[1];
+    const auto [low2, here2, high2] = plate[2];
+    const auto [b0, b1, b2] = backing;
+    const auto [noise0, noise1, noise2] = params.noise;
+    const float share = params.share;
+#pragma GCC ivdep
+    for (std::size_t i = 0; i < n; ++i) {
+        const float tolerance = share * larger(larger(b0[i], b1[i]), b2[i]);
+        const float off0 = off(low0 + i, here0 + i, high0 + i, b0[i]) - noise0;
+        const float off1 = off(low1 + i, here1 + i, high1 + i, b1[i]) - noise1;
+        const float off2 = off(low2 + i, here2 + i, high2 + i, b2[i]) - noise2;
+        odd[i] = larger(larger(off0, off1), off2) > tolerance ? 1.0f : 0.0f;
     }
-    for (std::size_t i = 0; i < n; ++i) odd[i] = odd[i] < -1e29f ? 1.0f : 0.0f;
 }
 
 void mostly_odd(const std::array<const float*, 3>& odd, std::uint8_t* __restrict out, std::size_t n) {
@@ -44,15 +46,6 @@ void mostly_odd(const std::array<const float*, 3>& odd, std::uint8_t* __restrict
         const float sum =
             ((a[i] + a[i + 1]) + a[i + 2]) + ((b[i] + b[i + 1]) + b[i + 2]) + ((c[i] + c[i + 1]) + c[i + 2]);
         out[i] = sum > 2.7f ? 1 : 0;
-    }
-}
-
-void grow_mask(const std::array<const std::uint8_t*, 3>& rows, std::uint8_t* __restrict out, std::size_t n) {
-    const std::uint8_t* const below = rows[0] + 1;
-    const std::uint8_t* const here = rows[1];
-    const std::uint8_t* const above = rows[2] + 1;
-    for (std::size_t i = 0; i < n; ++i) {
-        out[i] = static_cast<std::uint8_t>(below[i] | above[i] | here[i] | here[i + 1] | here[i + 2]);
     }
 }
 

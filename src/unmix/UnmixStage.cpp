@@ -43,12 +43,10 @@ void UnmixStage::_validate(bool /*for_real*/) {
     set_out_channels(kMaskRgba);
     info_.channels += kMaskRgba;
     once_.forget();
-    forget();
 }
 
 void UnmixStage::_close() {
     once_.forget();
-    forget();
     Iop::_close();
 }
 

@@ -43,7 +43,6 @@ class UnmixStage : public Zo::Image::Iop {
     virtual void append_params(Zo::Image::Hash& hash) const = 0;
     // False when the render was aborted.
     virtual bool compute(Lock& helpers) = 0;
-    virtual void forget() = 0;
     // Memory that the result takes, in bytes, for so many pixels.
     virtual std::size_t bytes_for(std::size_t pixels) const = 0;
     // Row `y` of the result, 0 at the bottom of the box, columns from x on; channels red to alpha.

@@ -23,6 +23,7 @@ bool VlxUnmixBacking::compute(Lock& helpers) {
     model.scale = unmix::FrameScale(box.width(), box.height());
     model.screen = params().screen;
     model.others = {params().screen == 0 ? 1 : 0, params().screen == 2 ? 1 : 2};
+    if (input_op(1) == nullptr) model.clean = model.added = {};
     if (!unmix::read_light(input(0), box, params().encoding, model.light, helpers)) return false;
     if (input_op(1) != nullptr &&
         !unmix::read_light(input(1), box, params().encoding, model.clean, helpers)) {
@@ -34,7 +35,8 @@ bool VlxUnmixBacking::compute(Lock& helpers) {
     const auto taught = colours_in_light(params().backing);
     return run_kernel(*this, helpers, [&](const ParallelLoop& loop) {
         for (std::size_t c = 0; c < 3; ++c) {
-            unmix::cell_means(model.light[c], model.scale.coarse(), model.means[c], loop);
+            unmix::cell_means(model.light[c], model.scale.fine(), model.fine[c], loop);
+            unmix::cell_means(model.fine[c], 2, model.means[c], loop);
         }
         unmix::Floats outside;
         if (!garbage.empty()) unmix::cell_means(garbage, model.scale.coarse(), outside, loop);

@@ -22,7 +22,6 @@ class VlxUnmixBacking final : public UnmixStage {
   protected:
     void append_params(Zo::Image::Hash& hash) const override;
     bool compute(Lock& helpers) override;
-    void forget() override { model_ = {}; }
     std::size_t bytes_for(std::size_t pixels) const override { return 20 * pixels; }
     void show(int y, int x, ChannelSet channels, Row& row) override;
 

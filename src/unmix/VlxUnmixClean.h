@@ -28,7 +28,6 @@ class VlxUnmixClean final : public UnmixStage {
   protected:
     void append_params(Zo::Image::Hash& hash) const override;
     bool compute(Lock& helpers) override;
-    void forget() override { alpha_ = {}; }
     std::size_t bytes_for(std::size_t pixels) const override { return 4 * pixels; }
     void show(int y, int x, ChannelSet channels, Row& row) override;
 

@@ -23,7 +23,6 @@ class VlxUnmixColour final : public UnmixStage {
   protected:
     void append_params(Zo::Image::Hash& hash) const override;
     bool compute(Lock& helpers) override;
-    void forget() override { colour_ = {}; }
     std::size_t bytes_for(std::size_t pixels) const override { return 12 * pixels; }
     void show(int y, int x, ChannelSet channels, Row& row) override;
 

@@ -25,7 +25,6 @@ class VlxUnmixSolids final : public UnmixStage {
   protected:
     void append_params(Zo::Image::Hash& hash) const override;
     bool compute(Lock& helpers) override;
-    void forget() override { segmentation_ = {}; }
     std::size_t bytes_for(std::size_t pixels) const override { return 3 * pixels; }
     void show(int y, int x, ChannelSet channels, Row& row) override;
 

@@ -27,7 +27,6 @@ class VlxUnmixSolve final : public UnmixStage {
   protected:
     void append_params(Zo::Image::Hash& hash) const override;
     bool compute(Lock& helpers) override;
-    void forget() override { solution_ = {}; }
     std::size_t bytes_for(std::size_t pixels) const override { return 13 * pixels; }
     void show(int y, int x, ChannelSet channels, Row& row) override;
 

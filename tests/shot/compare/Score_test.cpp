@@ -53,7 +53,8 @@ TEST(Score, GradientFiltersHaveNormOneAndTheirDeviation) {
     EXPECT_NEAR(sum(gradient_errors(dot, nothing)), 2 * 0.25f, 1e-6);  // across and up
     EXPECT_EQ(sum(gradient_errors(dot, dot)), 0.0f);
     // A row across an edge: the integral of the squared slope, 4 sqrt(pi) sigma^3.
-    EXPECT_NEAR(sum(gradient_errors(nothing, step)) / kSize, 4 * std::sqrt(3.14159265) * std::pow(1.4, 3), 0.2);
+    EXPECT_NEAR(sum(gradient_errors(nothing, step)) / kSize, 4 * std::sqrt(3.14159265) * std::pow(1.4, 3),
+                0.2);
 }
 
 TEST(Score, CountsByRegionWithoutWhatIsExcluded) {
@@ -63,7 +64,8 @@ TEST(Score, CountsByRegionWithoutWhatIsExcluded) {
     p.region = {0, 3, 3, 1, 0};
     p.counted = {1, 1, 1, 1, 0};
     std::vector<Score> scores = score_frame(p);
-    const auto expect = [](const Score& s, const char* name, int pixels, double sad, double mse, double error) {
+    const auto expect = [](const Score& s, const char* name, int pixels, double sad, double mse,
+                           double error) {
         EXPECT_EQ(s.name, name);
         EXPECT_EQ(s.alpha.count, pixels) << name;
         EXPECT_NEAR(s.sad(), sad / 1000, 1e-9) << name;
