@@ -30,7 +30,7 @@ constexpr int kRoundLevel = 1;
 
 constexpr float kDarkest = 0.003f;
 constexpr float kLeastNoise = 1e-6f;  // variance
-constexpr std::size_t kNoiseCells = 4096;
+constexpr std::size_t kNoiseCells = 2048;
 
 class Fit {
   public:
@@ -268,12 +268,12 @@ class Fit {
 
     void measure_colour() {
         const bool known = any(model_.sure);
+        const std::vector<std::size_t> cells = sample(model_.sure);
         std::array<float, 3> middle{};
         for (std::size_t c = 0; c < 3; ++c) {
             std::vector<float> values;
-            for (std::size_t i = 0; i < model_.sure.size(); ++i) {
-                if (!known || model_.sure[i] != 0) values.push_back(model_.coarse[c][i]);
-            }
+            if (!known) values.assign(model_.coarse[c].begin(), model_.coarse[c].end());
+            for (const std::size_t i : cells) values.push_back(model_.coarse[c][i]);
             const auto at = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
             std::nth_element(values.begin(), at, values.end());
             middle[c] = *at;

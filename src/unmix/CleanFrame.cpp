@@ -6,6 +6,7 @@
 
 #include "unmix/BoxKernel.h"
 #include "unmix/Components.h"
+#include "unmix/Reduce.h"
 
 namespace unmix {
 
@@ -43,7 +44,7 @@ struct Patch {
 };
 
 struct Scratch {
-    Patch alpha, unknown, solid, variance, deviation, mask;
+    Patch raw, alpha, unknown, solid, variance, deviation, mask;
     Patch sum_mask, sum_alpha, sum_square, sum_variance, ratio, spare;
     std::array<float, kWide> column;
 };
@@ -97,28 +98,33 @@ class Cleaner {
 
     // Beyond the frame its edge repeats.
     void gather(Scratch& s) const {
-        for (Patch* patch : {&s.alpha, &s.unknown, &s.solid, &s.variance, &s.deviation, &s.mask}) {
+        for (Patch* patch : {&s.raw, &s.unknown, &s.solid, &s.variance, &s.deviation, &s.mask}) {
             patch->halo = kHalo;
         }
         const int side = scale_.fine();
         each_row(kHalo, [&](int y) {
             const int fy = std::clamp(bottom_ + y, 0, scale_.height - 1);
-            float* const alpha = s.alpha.row(y, kHalo);
+            float* const alpha = s.raw.row(y, kHalo);
             float* const unknown = s.unknown.row(y, kHalo);
             float* const solid = s.solid.row(y, kHalo);
             float* const variance = s.variance.row(y, kHalo);
             float* const deviation = s.deviation.row(y, kHalo);
             float* const mask = s.mask.row(y, kHalo);
             const std::uint8_t* const solids = segmentation_.solid.row(fy / side);
-            for (int n = 0; n < kWide; ++n) {
-                const int x = std::clamp(left_ - kHalo + n, 0, scale_.width - 1);
-                alpha[n] = solution_.alpha(x, fy);
-                unknown[n] = segmentation_.unknown(x, fy) != 0 ? 1.0f : 0.0f;
-                solid[n] = solids[x / side] != 0 ? 1.0f : 0.0f;
-                variance[n] = solution_.variance(x, fy);
-                deviation[n] = solution_.deviation(x, fy);
-                mask[n] = std::max(unknown[n], solid[n]);
+            // From the first to the last column that the frame has, and what repeats on both sides.
+            const int x0 = std::max(left_ - kHalo, 0);
+            const int x1 = std::min(left_ - kHalo + kWide, scale_.width);
+            const int before = x0 - (left_ - kHalo);
+            repeat_cells(solids, side, x0, x1, solid + before);
+            repeat_cells(segmentation_.unknown.row(fy), 1, x0, x1, unknown + before);
+            std::copy(solution_.alpha.row(fy) + x0, solution_.alpha.row(fy) + x1, alpha + before);
+            std::copy(solution_.variance.row(fy) + x0, solution_.variance.row(fy) + x1, variance + before);
+            std::copy(solution_.deviation.row(fy) + x0, solution_.deviation.row(fy) + x1, deviation + before);
+            for (float* const row : {alpha, unknown, solid, variance, deviation}) {
+                std::fill(row, row + before, row[before]);
+                std::fill(row + before + x1 - x0, row + kWide, row[before + x1 - x0 - 1]);
             }
+            for (int n = 0; n < kWide; ++n) mask[n] = std::max(unknown[n], solid[n]);
         });
     }
 
@@ -127,9 +133,9 @@ class Cleaner {
         fold(box_sum, s.variance, kSmooth, s.sum_variance, s);
         s.spare.halo = kHalo;
         for (std::size_t i = 0; i < Patch::kMost; ++i)
-            s.spare.pixels[i] = s.alpha.pixels[i] * s.mask.pixels[i];
+            s.spare.pixels[i] = s.raw.pixels[i] * s.mask.pixels[i];
         fold(box_sum, s.spare, kSmooth, s.sum_alpha, s);
-        for (std::size_t i = 0; i < Patch::kMost; ++i) s.spare.pixels[i] *= s.alpha.pixels[i];
+        for (std::size_t i = 0; i < Patch::kMost; ++i) s.spare.pixels[i] *= s.raw.pixels[i];
         fold(box_sum, s.spare, kSmooth, s.sum_square, s);
 
         const auto sums = [&](int y, int halo) {
@@ -142,13 +148,13 @@ class Cleaner {
                         span(kBeforeSteady));
         });
         fold(box_most_of, s.ratio, kSteady, s.spare, s);
-        s.ratio.halo = kAfterSmooth;  // now holds alpha
+        s.alpha.halo = kAfterSmooth;
         each_row(kAfterSmooth, [&](int y) {
             smooth_alpha(params_, sums(y, kAfterSmooth), s.spare.row(y, kAfterSmooth),
-                         s.unknown.row(y, kAfterSmooth), s.alpha.row(y, kAfterSmooth),
-                         s.ratio.row(y, kAfterSmooth), span(kAfterSmooth));
+                         s.unknown.row(y, kAfterSmooth), s.raw.row(y, kAfterSmooth),
+                         s.alpha.row(y, kAfterSmooth), span(kAfterSmooth));
         });
-        std::swap(s.alpha, s.ratio);
+        
     }
 
     void clear(Scratch& s) const {

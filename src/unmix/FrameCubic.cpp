@@ -13,6 +13,7 @@ constexpr int kRounds = 6;
 constexpr double kOutlier = 4.0 * 1.4826;
 constexpr int kBlock = 4;            // cells to a side that count as one
 constexpr std::size_t kFewest = 64;  // blocks
+constexpr std::size_t kSamples = 16384;  // cells that a range is told by
 
 using Terms = std::array<double, kTerms>;
 
@@ -93,11 +94,14 @@ std::vector<Block> blocks_of(const Colours& cells, const Bytes& mask) {
 
 void FrameCubic::fit(const Colours& cells, const Bytes& mask) {
     coefficients_ = {};
+    const std::uint8_t* const first = std::find(mask.begin(), mask.end(), 1);
+    const std::size_t stride = mask.size() / kSamples + 1;
     for (std::size_t c = 0; c < 3; ++c) {
         std::vector<float> values;
-        for (std::size_t i = 0; i < mask.size(); ++i) {
+        for (std::size_t i = 0; i < mask.size(); i += stride) {
             if (mask[i] != 0) values.push_back(cells[c][i]);
         }
+        if (values.empty()) values.push_back(cells[c][static_cast<std::size_t>(first - mask.begin())]);
         low_[c] = 0.8f * quantile(values, 0.01);
         high_[c] = 1.2f * quantile(values, 0.99);
         coefficients_[c][0] = static_cast<double>(quantile(values, 0.5));
@@ -121,12 +125,22 @@ void FrameCubic::fit(const Colours& cells, const Bytes& mask) {
 }
 
 void FrameCubic::evaluate(Colours& cells) const {
-    for (int y = 0; y < cells[0].height(); ++y) {
-        for (int x = 0; x < cells[0].width(); ++x) {
-            const Terms at = terms(place(x, cells[0].width()), place(y, cells[0].height()));
-            for (std::size_t c = 0; c < 3; ++c) {
-                cells[c](x, y) =
-                    std::clamp(static_cast<float>(value_of(coefficients_[c], at)), low_[c], high_[c]);
+    const int width = cells[0].width();
+    std::vector<double> across(static_cast<std::size_t>(width));
+    for (int x = 0; x < width; ++x) across[static_cast<std::size_t>(x)] = place(x, width);
+    for (std::size_t c = 0; c < 3; ++c) {
+        const Terms& k = coefficients_[c];
+        for (int y = 0; y < cells[c].height(); ++y) {
+            // A row's cubic.
+            const double v = place(y, cells[c].height());
+            const double a = k[0] + v * (k[4] + v * (k[7] + v * k[9]));
+            const double b = k[1] + v * (k[5] + v * k[8]);
+            const double d = k[2] + v * k[6];
+            float* const row = cells[c].row(y);
+            for (int x = 0; x < width; ++x) {
+                const double u = across[static_cast<std::size_t>(x)];
+                const auto value = static_cast<float>(a + u * (b + u * (d + u * k[3])));
+                row[x] = std::min(std::max(value, low_[c]), high_[c]);
             }
         }
     }

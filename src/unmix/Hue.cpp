@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <vector>
 
 namespace unmix {
@@ -78,9 +79,11 @@ HueMasks find_hue(const BackingModel& model, const Floats& garbage) {
     std::vector<float> near;
     for (std::size_t i = 0; i < cells; ++i) {
         const Ratio r = ratio(i);
-        const float off = leads[i] > least ? std::hypot(r[0] - middle[0], r[1] - middle[1]) : 1.0f;
-        masks.sure[i] = off < kSure ? 1 : 0;
-        masks.may[i] = off < kMay ? 1 : 0;
+        const float x = r[0] - middle[0];
+        const float y = r[1] - middle[1];
+        const float off = leads[i] > least ? x * x + y * y : 1.0f;
+        masks.sure[i] = off < kSure * kSure ? 1 : 0;
+        masks.may[i] = off < kMay * kMay ? 1 : 0;
         if (masks.sure[i] != 0) near.push_back(leads[i]);
     }
     const float floor = kLeadsOfBest * quantile(near, 0.5);

@@ -36,6 +36,8 @@ class Plane {
     T operator()(int x, int y) const { return pixels_[at(x, y)]; }
     T& operator[](std::size_t i) { return pixels_[i]; }
     T operator[](std::size_t i) const { return pixels_[i]; }
+    const T* begin() const { return pixels_.data(); }
+    const T* end() const { return pixels_.data() + pixels_.size(); }
     T* begin() { return pixels_.data(); }
     T* end() { return pixels_.data() + pixels_.size(); }
 

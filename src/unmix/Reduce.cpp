@@ -1,6 +1,6 @@
 #include "unmix/Reduce.h"
 
-#include <algorithm>
+#include <vector>
 
 #include "unmix/MorphologyKernel.h"
 

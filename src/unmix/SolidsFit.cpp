@@ -4,19 +4,14 @@
 #include <cmath>
 #include <vector>
 
-#include "unmix/Components.h"
-#include "unmix/Hue.h"
 #include "unmix/Morphology.h"
-#include "unmix/Nearest.h"
-#include "unmix/Reduce.h"
+#include "unmix/Region.h"
 
 namespace unmix {
 
 namespace {
 
-constexpr float kSeed = 0.90f;  // rough opacities: what a region must hold somewhere,
-constexpr float kFoot = 0.35f;  // and where its edge begins
-constexpr int kSeedSteps = 2;   // of the fine grid
+constexpr float kFoot = 0.35f;  // rough opacity where a region's edge begins
 constexpr int kOwnRounds = 2;
 
 // Lengths.
@@ -24,14 +19,10 @@ constexpr float kWidest = 10.0f;  // edge that is kept away from
 constexpr float kLeastDepth = 1.5f;
 constexpr float kOpenSolid = 3.0f;
 constexpr float kOpenSource = 10.0f;
-constexpr float kInside = 10.0f;  // deeper than this the own colour is looked for,
-constexpr float kRim = 12.0f;     // the less so the deeper
-constexpr float kAround = 24.0f;
 constexpr float kRimOfSpill = 6.0f;
 
 constexpr float kSolidWidths = 2.0f;  // times the edge's width
 constexpr float kSourceWidths = 2.7f;
-constexpr float kWhite = 1.05f;
 constexpr float kLeastLead = 0.02f;
 constexpr float kMostSpill = 0.5f;
 constexpr float kTaughtTolerance = 0.04f;
@@ -45,12 +36,7 @@ class Fit {
     void run(const Floats& garbage, const Floats& holdout) {
         width_ = means_[0].width();
         height_ = means_[0].height();
-        leads();
-        Bytes region = find_region(nullptr);
-        for (int round = 0; round < kOwnRounds; ++round) {
-            if (const Floats own = own_lead(region); !own.empty()) region = find_region(&own);
-        }
-        keep_from_edges(region);
+        keep_from_edges(find_region());
         teach();
         mask_with(garbage, holdout);
         measure_spill();
@@ -69,111 +55,17 @@ class Fit {
         });
     }
 
-    // Leads of plate and backing, and the opacity that no colour can be below.
-    void leads() {
-        for (Floats* plane : {&lead_, &backing_lead_, &bound_}) plane->resize(width_, height_);
-        const auto o = static_cast<std::size_t>(backing_.others[0]);
-        const auto p = static_cast<std::size_t>(backing_.others[1]);
-        const std::size_t k = screen();
-        each_row([&](int y) {
-            std::array<std::vector<float>, 3> b;
-            for (std::size_t c = 0; c < 3; ++c) {
-                b[c].resize(static_cast<std::size_t>(width_));
-                between_cells(backing_.coarse[c], 2, y, 0, width_, b[c].data());
-            }
-            for (int x = 0; x < width_; ++x) {
-                const auto n = static_cast<std::size_t>(x);
-                const float s[3]{means_[0](x, y), means_[1](x, y), means_[2](x, y)};
-                lead_(x, y) = s[k] - std::max(s[o], s[p]);
-                backing_lead_(x, y) = std::max(b[k][n] - std::max(b[o][n], b[p][n]), kLeastLead);
-                float bound = (b[k][n] - s[k]) / std::max(b[k][n], 0.05f);
-                for (std::size_t c = 0; c < 3; ++c) {
-                    bound = std::max(bound, (s[c] - b[c][n]) / (kWhite - std::min(b[c][n], 1.0f)));
-                }
-                bound_(x, y) = bound;
-            }
-        });
-    }
-
-    Bytes find_region(const Floats* own) {
-        found_.rough.resize(width_, height_);
-        Bytes seeds(width_, height_);
-        Bytes grown(width_, height_);
-        each_row([&](int y) {
-            std::vector<float> line(static_cast<std::size_t>(width_), 0.0f);
-            if (own != nullptr) between_cells(*own, 2, y, 0, width_, line.data());
-            for (int x = 0; x < width_; ++x) {
-                const float lack = std::clamp(line[static_cast<std::size_t>(x)], -backing_lead_(x, y), 0.0f);
-                const float clear = (lead_(x, y) - lack) / (backing_lead_(x, y) - lack);
-                const float rough = backing_.found ? std::max(1.0f - clear, bound_(x, y)) : 1.0f;
-                found_.rough(x, y) = rough;
-                seeds(x, y) = rough > kSeed ? 1 : 0;
-                grown(x, y) = rough > settings_.solid ? 1 : 0;
-            }
-        });
-        seeds = dilated(eroded(seeds, kSeedSteps), kSeedSteps);
-        Plane<std::int32_t> labels;
-        const int count = label_components(grown, labels);
-        std::vector<std::uint8_t> seeded(static_cast<std::size_t>(count) + 1, 0);
-        for (std::size_t i = 0; i < seeds.size(); ++i) {
-            if (seeds[i] != 0) seeded[static_cast<std::size_t>(labels[i])] = 1;
+    Bytes find_region() {
+        Region coarse(backing_, Region::Grid::kCoarse, loop_);
+        Floats own;
+        for (int round = 0; round < kOwnRounds; ++round) {
+            coarse.find(own.empty() ? nullptr : &own, settings_.solid);
+            own = own_lead(backing_, coarse, loop_);
         }
-        seeded[0] = 0;
-        for (std::size_t i = 0; i < grown.size(); ++i) grown[i] = seeded[static_cast<std::size_t>(labels[i])];
-        return dilated(eroded(grown, 1), 1);
-    }
-
-    // How the inside of the region nearby leads, coarse: the least lacking of it. Empty without an inside.
-    Floats own_lead(const Bytes& region) const {
-        // A plateau that is half clear must not vouch for itself.
-        Bytes opaque(width_, height_);
-        for (std::size_t i = 0; i < opaque.size(); ++i) {
-            opaque[i] = region[i] != 0 && found_.rough[i] > kSeed ? 1 : 0;
-        }
-        Floats depth;
-        const float most = cells(kInside + 4.0f * kRim);
-        distance(opaque, most, depth, loop_);
-        const int across = backing_.coarse[0].width();
-        const int up = backing_.coarse[0].height();
-        Floats weight(across, up);
-        Floats weighted(across, up);
-        Bytes deep(across, up);
-        for (int y = 0; y < up; ++y) {
-            for (int x = 0; x < across; ++x) {
-                float sum = 0.0f;
-                float lead = 0.0f;
-                for (int n = 0; n < 4; ++n) {
-                    const int fx = std::min(2 * x + n % 2, width_ - 1);
-                    const int fy = std::min(2 * y + n / 2, height_ - 1);
-                    const float beyond = depth(fx, fy) - cells(kInside);
-                    if (!(beyond > 0.0f) || depth(fx, fy) >= most) continue;
-                    const float w = std::exp(-beyond / cells(kRim));
-                    sum += w;
-                    lead += w * lead_(fx, fy);
-                }
-                weight(x, y) = sum;
-                weighted(x, y) = lead;
-                deep(x, y) = sum > 0.0f ? 1 : 0;
-            }
-        }
-        if (!any(deep)) return {};
-        const auto radius = [&](float length) {
-            return std::max(1, static_cast<int>(std::lround(cells(length) / 2.0f)));
-        };
-        Floats a;
-        Floats b;
-        box_mean(weighted, radius(kRim), a);
-        box_mean(weight, radius(kRim), b);
-        Plane<std::int32_t> index;
-        nearest(deep, index, nullptr, loop_);
-        Floats carried(across, up);
-        for (std::size_t i = 0; i < carried.size(); ++i) {
-            const auto at = static_cast<std::size_t>(index[i]);
-            carried[i] = a[at] / std::max(b[at], 1e-6f);
-        }
-        box_most(carried, radius(kAround));
-        box_mean(carried, radius(kRim), a);
-        return a;
+        Region fine(backing_, Region::Grid::kFine, loop_);
+        fine.find(own.empty() ? nullptr : &own, settings_.solid);
+        found_.rough = fine.take_rough();
+        return fine.region();
     }
 
     void keep_from_edges(const Bytes& region) {
@@ -265,9 +157,6 @@ class Fit {
     const ParallelLoop& loop_;
     int width_ = 0;
     int height_ = 0;
-    Floats lead_;
-    Floats backing_lead_;
-    Floats bound_;
 };
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "lanes/FloatLogExp.h"
 #include "unmix/BoxKernel.h"
 #include "unmix/ChoiceKernel.h"
+#include "unmix/Reduce.h"
 
 namespace unmix {
 
@@ -48,6 +49,12 @@ struct Scratch {
     std::array<std::int32_t, kMost> cell, wide_cell;  // coarse, and of twice the side
 };
 
+float log_determinant(const Covariance& n) {
+    const float det = n[0] * (n[3] * n[5] - n[4] * n[4]) + n[1] * (n[2] * n[4] - n[1] * n[5]) +
+                      n[2] * (n[1] * n[4] - n[2] * n[3]);
+    return std::log(std::max(det, 1e-20f));
+}
+
 class Solver {
   public:
     Solver(const BackingModel& backing, const Segmentation& segmentation, const Candidates& candidates,
@@ -56,7 +63,8 @@ class Solver {
           segmentation_(segmentation),
           candidates_(candidates),
           solution_(solution),
-          noise_{backing.noise} {}
+          noise_{backing.noise},
+          cost_of_noise_(log_determinant(backing.noise)) {}
 
     void tile(int left, int bottom) {
         left_ = left;
@@ -99,9 +107,7 @@ class Solver {
         const int top = std::min(bottom_ + kTileHeight, backing_.scale.height);
         for (int y = bottom_; y < top; ++y) {
             const std::uint8_t* const solid = segmentation_.solid.row(y / side);
-            for (int x = left_; x < right; ++x) {
-                solution_.alpha(x, y) = solid[x / side] != 0 ? 1.0f : 0.0f;
-            }
+            repeat_cells(solid, side, left_, right, solution_.alpha.row(y) + left_);
             std::fill(solution_.variance.row(y) + left_, solution_.variance.row(y) + right, 0.0f);
             std::fill(solution_.deviation.row(y) + left_, solution_.deviation.row(y) + right, 0.0f);
             std::fill(solution_.candidate.row(y) + left_, solution_.candidate.row(y) + right,
@@ -220,9 +226,14 @@ class Solver {
         const float per_pixel = 1.0f / pixels_of(kPixelsPerCost);
         for (std::size_t k = 0; k < candidates_.clusters.size(); ++k) {
             const Floats& away = candidates_.away[k];
+            float least = 1e9f;
             for (std::size_t i = 0; i < count_; ++i) {
                 s.away[i] = away[static_cast<std::size_t>(s.wide_cell[i])] * per_pixel;
+                least = std::min(least, s.away[i]);
             }
+            // No cost is below that of noise alone.
+            const float worst = *std::max_element(s.best.begin(), s.best.begin() + static_cast<std::ptrdiff_t>(count_));
+            if (cost_of_noise_ + least >= worst) continue;
             solve_common(noise_, pixels(s), candidates_.clusters[k], s.other.pointers(), count_);
             for (std::size_t i = 0; i < count_; ++i) s.lead[i] = std::min(s.other.cost[i], kMostCost);
             average(s, s.lead, s.mean);
@@ -249,6 +260,7 @@ class Solver {
     const Candidates& candidates_;
     Solution& solution_;
     UnmixNoise noise_;
+    float cost_of_noise_;
     int left_ = 0;
     int bottom_ = 0;
     std::unique_ptr<Scratch> scratch_;  // too large for a stack

@@ -54,12 +54,13 @@ struct Place {
         G::kLevels);
     const Place r =
         place((rel - G::kLowRel) * (static_cast<float>(G::kRels - 1) / (G::kHighRel - G::kLowRel)), G::kRels);
-    const float* const at = table + (h.below * G::kLevels + l.below) * G::kRels + r.below;
+    const int at = (h.below * G::kLevels + l.below) * G::kRels + r.below;
     constexpr int kUp = G::kRels;
     constexpr int kOn = G::kLevels * G::kRels;
-    const float low = mixed(mixed(at[0], at[1], r.share), mixed(at[kUp], at[kUp + 1], r.share), l.share);
-    const float high = mixed(mixed(at[kOn], at[kOn + 1], r.share),
-                             mixed(at[kOn + kUp], at[kOn + kUp + 1], r.share), l.share);
+    const float low = mixed(mixed(table[at], table[at + 1], r.share),
+                            mixed(table[at + kUp], table[at + kUp + 1], r.share), l.share);
+    const float high = mixed(mixed(table[at + kOn], table[at + kOn + 1], r.share),
+                             mixed(table[at + kOn + kUp], table[at + kOn + kUp + 1], r.share), l.share);
     return mixed(low, high, h.share);
 }
 

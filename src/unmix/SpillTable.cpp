@@ -160,7 +160,7 @@ class Learner {
             for (int own = 0; own < G::kRels; ++own) {
                 const double gap = static_cast<double>(rel_of(seen) - rel_of(own));
                 const double below = std::min(gap, 0.0) / kNoise;
-                likely[static_cast<std::size_t>(seen * G::kRels + own)] =
+                likely[static_cast<std::size_t>(own * G::kRels + seen)] =
                     std::exp(-std::max(gap, 0.0) / static_cast<double>(usual) - 0.5 * below * below);
             }
         }
@@ -168,17 +168,22 @@ class Learner {
         loop(0, G::kHues * G::kLevels, 16, [&](int begin, int end) {
             for (int cell = begin; cell < end; ++cell) {
                 const std::size_t start = static_cast<std::size_t>(cell) * G::kRels;
-                for (std::size_t seen = 0; seen < G::kRels; ++seen) {
-                    double weights = 0.0;
-                    double gaps = 0.0;
-                    for (std::size_t own = 0; own < G::kRels; ++own) {
-                        const double w = (static_cast<double>(counts_[start + own]) + neutral[own]) *
-                                         likely[seen * G::kRels + own];
-                        weights += w;
-                        gaps += w * static_cast<double>(rel_of(static_cast<int>(seen)) -
-                                                        rel_of(static_cast<int>(own)));
+                std::array<double, G::kRels> weights{};
+                std::array<double, G::kRels> owns{};
+                for (std::size_t own = 0; own < G::kRels; ++own) {
+                    const double count = static_cast<double>(counts_[start + own]) + neutral[own];
+                    const auto rel = static_cast<double>(rel_of(static_cast<int>(own)));
+                    const double* const likelihoods = likely.data() + own * G::kRels;
+                    for (std::size_t seen = 0; seen < G::kRels; ++seen) {
+                        const double w = count * likelihoods[seen];
+                        weights[seen] += w;
+                        owns[seen] += w * rel;
                     }
-                    table[start + seen] = static_cast<float>(std::max(gaps / std::max(weights, 1e-12), 0.0));
+                }
+                for (std::size_t seen = 0; seen < G::kRels; ++seen) {
+                    const double own = owns[seen] / std::max(weights[seen], 1e-12);
+                    const auto rel = static_cast<double>(rel_of(static_cast<int>(seen)));
+                    table[start + seen] = static_cast<float>(std::max(rel - own, 0.0));
                 }
             }
         });
