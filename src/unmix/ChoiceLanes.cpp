@@ -14,11 +14,46 @@ constexpr float kOddsOfNear = 4.0f;
     present = better ? other : old;
 }
 
+// One value of all; the order does not matter to the least or the greatest.
+template <class Pick>
+[[gnu::always_inline]] inline float fold(const float* v, std::size_t n, const Pick& pick) {
+    constexpr std::size_t kTogether = 32;
+    float kept[kTogether];
+    for (std::size_t j = 0; j < kTogether; ++j) kept[j] = v[0];
+    std::size_t i = 0;
+    for (; i + kTogether <= n; i += kTogether) {
+        for (std::size_t j = 0; j < kTogether; ++j) kept[j] = pick(kept[j], v[i + j]);
+    }
+    float result = kept[0];
+    for (std::size_t j = 1; j < kTogether; ++j) result = pick(result, kept[j]);
+    for (; i < n; ++i) result = pick(result, v[i]);
+    return result;
+}
+
 }  // namespace
 
 void gather_means(const float* sums, const std::int32_t* at, const float* scale, float* __restrict means,
                   std::size_t n) {
     for (std::size_t i = 0; i < n; ++i) means[i] = sums[at[i]] * scale[i];
+}
+
+float gather_scaled(const float* table, const std::int32_t* at, float scale, float* __restrict out,
+                    std::size_t n) {
+    for (std::size_t i = 0; i < n; ++i) out[i] = table[at[i]] * scale;
+    return fold(out, n, [](float a, float b) { return a < b ? a : b; });
+}
+
+void scatter_limited(const float* values, float limit, const std::int32_t* at, float* __restrict spread,
+                     std::size_t n) {
+#pragma GCC ivdep
+    for (std::size_t i = 0; i < n; ++i) {
+        const float raised = values[i] > -limit ? values[i] : -limit;
+        spread[at[i]] = raised < limit ? raised : limit;
+    }
+}
+
+float greatest(const float* values, std::size_t n) {
+    return fold(values, n, [](float a, float b) { return a > b ? a : b; });
 }
 
 void take_better(const Solved& other, const float* mean, const float* away, float number,

@@ -44,7 +44,7 @@ struct Scratch {
     SolvedLines neutral, chosen, other;
     Line spread, sums, column;
     Line share;                                       // one over how many unknown pixels an average is of
-    std::array<std::uint16_t, kMost> place;           // in the tile with its halo
+    std::array<std::int32_t, kMost> place;   // in the tile with its halo
     std::array<std::int32_t, kMost> inner;            // where its average is; of the outermost somewhere
     std::array<std::int32_t, kMost> cell, wide_cell;  // coarse, and of twice the side
 };
@@ -81,9 +81,9 @@ class Solver {
         solve_nearest(s);
         try_clusters(s);
         for (std::size_t i = 0; i < count_; ++i) {
-            s.lead[i] = std::clamp(s.neutral.cost[i] - s.chosen.cost[i], -kMostLead, kMostLead);
+            s.lead[i] = s.neutral.cost[i] - s.chosen.cost[i];
         }
-        average(s, s.lead, s.mean);
+        average(s, s.lead, kMostLead, s.mean);
         mix_neutral(s.neutral.pointers(), s.mean.data(), s.near.data(), choice(s), count_);
         write(s, s.chosen);
     }
@@ -140,7 +140,7 @@ class Solver {
             const int row = (y - bottom_ + kHalo) * kWide;
             for (int x = x0; x < x1; ++x) {
                 if (unknown[x] == 0) continue;
-                s.place[n] = static_cast<std::uint16_t>(row + x - left_ + kHalo);
+                s.place[n] = row + x - left_ + kHalo;
                 for (std::size_t c = 0; c < 3; ++c) {
                     const float b = line[c][static_cast<std::size_t>(x - x0)];
                     s.backing[c][n] = b;
@@ -186,16 +186,15 @@ class Solver {
             s.wide_cell[i] = cy / 2 * ((across + 1) / 2) + cx / 2;
             s.inner[i] = std::clamp(y - kReach, 0, kHigh - 2 * kReach - 1) * kInner +
                          std::clamp(x - kReach, 0, kInner - 1);
-            s.spread[s.place[i]] = 1.0f;
             s.share[i] = 1.0f;
         }
-        average(s, s.share, s.mean);
+        average(s, s.share, 1.0f, s.mean);
         for (std::size_t i = 0; i < count_; ++i) s.share[i] = 1.0f / std::max(s.mean[i], 1.0f);
     }
 
-    // The mean of `values` over the unknown pixels around each.
-    void average(Scratch& s, const Line& values, Line& means) {
-        for (std::size_t i = 0; i < count_; ++i) s.spread[s.place[i]] = values[i];
+    // The mean of `values`, from -limit to limit each, over the unknown pixels around each.
+    void average(Scratch& s, const Line& values, float limit, Line& means) {
+        scatter_limited(values.data(), limit, s.place.data(), s.spread.data(), count_);
         box_sum(s.spread.data(), kReach, s.column.data(), s.sums.data(), kWide - 2 * kReach,
                 kHigh - 2 * kReach);
         gather_means(s.sums.data(), s.inner.data(), s.share.data(), means.data(), count_);
@@ -213,11 +212,8 @@ class Solver {
         for (std::size_t c = 0; c < 3; ++c) colours.mean[c] = s.own[c].data();
         for (std::size_t q = 0; q < 6; ++q) colours.covariance[q] = s.own[3 + q].data();
         solve_own(noise_, pixels(s), colours, s.chosen.pointers(), count_);
-        for (std::size_t i = 0; i < count_; ++i) {
-            s.number[i] = kNearest;
-            s.lead[i] = std::min(s.chosen.cost[i], kMostCost);
-        }
-        average(s, s.lead, s.best);
+        std::fill_n(s.number.begin(), count_, kNearest);
+        average(s, s.chosen.cost, kMostCost, s.best);
         for (std::size_t i = 0; i < count_; ++i) s.best[i] -= kLeadOfNearest * s.near[i];
         std::copy_n(s.chosen.alpha.begin(), count_, s.guess.begin());
     }
@@ -226,17 +222,11 @@ class Solver {
         const float per_pixel = 1.0f / pixels_of(kPixelsPerCost);
         for (std::size_t k = 0; k < candidates_.clusters.size(); ++k) {
             const Floats& away = candidates_.away[k];
-            float least = 1e9f;
-            for (std::size_t i = 0; i < count_; ++i) {
-                s.away[i] = away[static_cast<std::size_t>(s.wide_cell[i])] * per_pixel;
-                least = std::min(least, s.away[i]);
-            }
+            const float least = gather_scaled(away.begin(), s.wide_cell.data(), per_pixel, s.away.data(), count_);
             // No cost is below that of noise alone.
-            const float worst = *std::max_element(s.best.begin(), s.best.begin() + static_cast<std::ptrdiff_t>(count_));
-            if (cost_of_noise_ + least >= worst) continue;
+            if (cost_of_noise_ + least >= greatest(s.best.data(), count_)) continue;
             solve_common(noise_, pixels(s), candidates_.clusters[k], s.other.pointers(), count_);
-            for (std::size_t i = 0; i < count_; ++i) s.lead[i] = std::min(s.other.cost[i], kMostCost);
-            average(s, s.lead, s.mean);
+            average(s, s.other.cost, kMostCost, s.mean);
             take_better(s.other.pointers(), s.mean.data(), s.away.data(),
                         kNearest + 1.0f + static_cast<float>(k), choice(s), count_);
         }
