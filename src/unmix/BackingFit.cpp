@@ -19,6 +19,9 @@ constexpr float kLastRound = 0.85f;  // of the tolerance
 
 constexpr float kNoiseTolerance = 1.1f;  // times the deviation of the noise
 constexpr float kTolerance = 0.012f;     // of the backing's brightest channel
+// How far a fold's hue may be off the base's, of the tolerance, and of how far the backing's usually is.
+constexpr float kFoldHue = 0.6f;
+constexpr float kUsualHue = 3.0f;
 constexpr float kUnevenNoise = 1.2f;
 constexpr float kUneven = 0.015f;
 constexpr float kDarkestFold = 0.35f;  // below the brightness around
@@ -171,6 +174,7 @@ class Fit {
         const int width = sure.width();
         const int height = sure.height();
         Bytes ok = eroded(sure, 1);
+        measure_stray(any(ok) ? ok : sure);
         const bool folds = settings_.folds > 0.0f;
         Colours wide;
         Floats around(width, height);
@@ -202,16 +206,51 @@ class Fit {
         model_.sure = std::move(ok);
     }
 
+    // How far a cell is off the base but for its brightness. What is filled in may drift into a veil round by
+    // round; the base does not.
+    std::array<float, 3> off_base_hue(std::size_t i) const {
+        const std::array<float, 3> colour = mean(i);
+        const std::array base{base_[0][i], base_[1][i], base_[2][i]};
+        float along = 0.0f;
+        float square = 1e-6f;
+        for (std::size_t c = 0; c < 3; ++c) {
+            along += colour[c] * base[c];
+            square += base[c] * base[c];
+        }
+        std::array<float, 3> off{};
+        for (std::size_t c = 0; c < 3; ++c) off[c] = std::abs(colour[c] - along / square * base[c]);
+        return off;
+    }
+
+    // How far this backing's hue strays from its base.
+    void measure_stray(const Bytes& inner) {
+        std::array<std::vector<float>, 3> all;
+        for (const std::size_t cell : sample(inner)) {
+            const std::array<float, 3> off = off_base_hue(cell);
+            for (std::size_t c = 0; c < 3; ++c) all[c].push_back(off[c]);
+        }
+        for (std::size_t c = 0; c < 3; ++c) {
+            if (all[c].empty()) continue;
+            const auto middle = all[c].begin() + static_cast<std::ptrdiff_t>(all[c].size() / 2);
+            std::nth_element(all[c].begin(), middle, all[c].end());
+            stray_[c] = kUsualHue * 1.4826f * *middle;
+        }
+    }
+
     bool is_backing(std::size_t i, float strict, float around, float wide) const {
         const std::array<float, 3> colour = mean(i);
         const std::array backing{model_.coarse[0][i], model_.coarse[1][i], model_.coarse[2][i]};
         const float tolerance = kTolerance * brightest(backing);
-        const auto same = [&](std::size_t c) {
-            return std::abs(colour[c] - backing[c]) <
-                   strict * (kNoiseTolerance * model_.sigma[c] + tolerance);
-        };
-        if (same(0) && same(1) && same(2)) return true;
-        if (!(settings_.folds > 0.0f)) return false;
+        const std::array<float, 3> off = off_base_hue(i);
+        bool same = true;
+        bool near = true;
+        for (std::size_t c = 0; c < 3; ++c) {
+            const float most = strict * (kNoiseTolerance * model_.sigma[c] + tolerance);
+            same = same && std::abs(colour[c] - backing[c]) < most && off[c] < std::max(most, stray_[c]);
+            near = near && off[c] < std::max(kFoldHue * most, stray_[c]);
+        }
+        if (same) return true;
+        if (!near || !(settings_.folds > 0.0f)) return false;
         const float level = colour[screen()];
         const float share = level / std::max(wide, 0.02f);
         std::array<float, 3> sigma{};
@@ -295,6 +334,7 @@ class Fit {
     Bytes may_;
     Bytes taught_;
     Colours base_;
+    std::array<float, 3> stray_{};
     Colours beyond_;  // the plate's means less the base
 };
 

@@ -11,8 +11,8 @@ namespace {
 constexpr std::size_t kTerms = FrameCubic::kTerms;
 constexpr int kRounds = 6;
 constexpr double kOutlier = 4.0 * 1.4826;
-constexpr int kBlock = 4;            // cells to a side that count as one
-constexpr std::size_t kFewest = 64;  // blocks
+constexpr int kBlock = 4;                // cells to a side that count as one
+constexpr std::size_t kFewest = 64;      // blocks
 constexpr std::size_t kSamples = 16384;  // cells that a range is told by
 
 using Terms = std::array<double, kTerms>;

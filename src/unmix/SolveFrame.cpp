@@ -44,7 +44,7 @@ struct Scratch {
     SolvedLines neutral, chosen, other;
     Line spread, sums, column;
     Line share;                                       // one over how many unknown pixels an average is of
-    std::array<std::int32_t, kMost> place;   // in the tile with its halo
+    std::array<std::int32_t, kMost> place;            // in the tile with its halo
     std::array<std::int32_t, kMost> inner;            // where its average is; of the outermost somewhere
     std::array<std::int32_t, kMost> cell, wide_cell;  // coarse, and of twice the side
 };
@@ -222,7 +222,8 @@ class Solver {
         const float per_pixel = 1.0f / pixels_of(kPixelsPerCost);
         for (std::size_t k = 0; k < candidates_.clusters.size(); ++k) {
             const Floats& away = candidates_.away[k];
-            const float least = gather_scaled(away.begin(), s.wide_cell.data(), per_pixel, s.away.data(), count_);
+            const float least =
+                gather_scaled(away.begin(), s.wide_cell.data(), per_pixel, s.away.data(), count_);
             // No cost is below that of noise alone.
             if (cost_of_noise_ + least >= greatest(s.best.data(), count_)) continue;
             solve_common(noise_, pixels(s), candidates_.clusters[k], s.other.pointers(), count_);
