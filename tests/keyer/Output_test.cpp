@@ -142,6 +142,7 @@ TEST(OutputKernel, UnmixedColour) {
         {kStored, 1000.0f, kInf, 1.0f, 1.0f, 1000.0f, 1000.0f, 1000.0f},
         {kSrgb, 1000.0f, kNaN, 1.0f, 1.0f, 1000.0f, 1000.0f, 1000.0f},
         {kStored, kNaN, 0.5f, 0.5f, 0.5f, kNaN, kNaN, kNaN},
+        {kStored, -1.0f, 0.0f, 1e-6f, 1e-6f, -1.0f, -1.0f, -65504.0f},
         // White over black and half grey over white, by light.
         {kSrgb, 0.5f, 0.0f, 0.5f, 0.5f, 0.735357f, 0.5f, 1.0f},
         {kSrgb, 0.25f, 1.0f, 0.25f, 0.5f, 0.908087f, 0.125f, 0.5f},
