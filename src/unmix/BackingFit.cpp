@@ -57,6 +57,8 @@ class Fit {
         resize(model_.coarse, width, height);
         model_.sure.resize(width, height);
         model_.sure.fill(0);
+        model_.shade.resize(width, height);
+        model_.shade.fill(1.0f);
         if (!model_.found) {
             for (std::size_t c = 0; c < 3; ++c) {
                 model_.coarse[c].fill(c == screen() ? 1.0f : kDarkest);
@@ -280,6 +282,10 @@ class Fit {
             for (std::size_t i = 0; i < beyond[c].size(); ++i) {
                 model_.coarse[c][i] = std::max(base_[c][i] + beyond[c][i], kDarkest);
             }
+        }
+        for (std::size_t i = 0; i < model_.shade.size(); ++i) {
+            const auto light = [i](const Colours& of) { return of[0][i] + of[1][i] + of[2][i]; };
+            model_.shade[i] = light(model_.coarse) / std::max(light(base_), 3.0f * kDarkest);
         }
         if (!model_.clean[0].empty()) model_.added = std::move(beyond);
         measure_noise();
