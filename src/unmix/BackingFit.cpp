@@ -14,7 +14,7 @@ namespace unmix {
 
 namespace {
 
-constexpr int kRounds = 4;
+constexpr int kRounds = 3;
 constexpr float kLastRound = 0.85f;  // of the tolerance
 
 constexpr float kNoiseTolerance = 1.1f;  // times the deviation of the noise
