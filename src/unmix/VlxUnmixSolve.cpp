@@ -10,17 +10,21 @@ using namespace Zo::Image;
 
 void VlxUnmixSolve::append_params(Hash& hash) const {
     hash.append(static_cast<double>(params().veil));
-    hash.append(static_cast<double>(params().detail));
     append_colours(hash, params().see_through);
 }
 
 bool VlxUnmixSolve::compute(Lock& helpers) {
     if (!backing_.make(helpers) || !solids_.make(helpers)) return false;
+    std::vector<unmix::SeenThrough> see_through;
+    const auto colours = colours_in_light(params().see_through);
+    for (std::size_t i = 0; i < colours.size(); ++i) {
+        see_through.push_back({colours[i], params().see_through[i].alpha});
+    }
     return run_kernel(*this, helpers, [&](const ParallelLoop& loop) {
         const unmix::BackingModel& backing = backing_.model();
         const unmix::Segmentation& segmentation = solids_.segmentation();
-        const unmix::Candidates candidates =
-            unmix::find_candidates(backing, segmentation, {.veil = params().veil}, loop);
+        const unmix::Candidates candidates = unmix::find_candidates(
+            backing, segmentation, {.veil = params().veil, .see_through = see_through}, loop);
         unmix::solve_frame(backing, segmentation, candidates, solution_, loop);
     });
 }
