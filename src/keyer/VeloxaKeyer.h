@@ -46,6 +46,7 @@
 #include "unmix/VlxUnmixClean.h"
 #include "unmix/VlxUnmixColour.h"
 #include "unmix/VlxUnmixMatte.h"
+#include "unmix/VlxUnmixShadow.h"
 #include "unmix/VlxUnmixSolids.h"
 #include "unmix/VlxUnmixSolve.h"
 
@@ -143,6 +144,7 @@ class VeloxaKeyer final : public Zo::Image::Iop {
     VlxUnmixSolve unmixSolve{context(), &unmix_params_, unmixBacking, unmixSolids};
     VlxUnmixClean unmixClean{context(), &unmix_params_, unmixBacking, unmixSolids, unmixSolve};
     VlxUnmixColour unmixColour{context(), &unmix_params_, unmixBacking, unmixSolids, unmixClean};
+    VlxUnmixShadow unmixShadow{context(), &unmix_params_, unmixBacking};
     VlxUnmixMatte unmixMatte{context(), &controls_};
 
     std::uint32_t inputFlags_ = 0;

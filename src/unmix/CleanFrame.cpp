@@ -1,6 +1,7 @@
 #include "unmix/CleanFrame.h"
 
 #include <algorithm>
+#include <memory>
 
 #include "unmix/BoxKernel.h"
 #include "unmix/Reduce.h"
@@ -64,8 +65,7 @@ class Cleaner {
             std::copy(solution_.alpha.row(y) + left, solution_.alpha.row(y) + right, alpha_.row(y) + left);
         }
         if (!any) return;
-        static thread_local Scratch scratch;
-        Scratch& s = scratch;
+        Scratch& s = scratch();
         gather(s);
         smooth(s);
         clear(s);
@@ -76,6 +76,10 @@ class Cleaner {
     }
 
   private:
+    Scratch& scratch() {
+        if (!scratch_) scratch_ = std::make_unique_for_overwrite<Scratch>();
+        return *scratch_;
+    }
     static std::size_t span(int halo) { return static_cast<std::size_t>(kTileWidth + 2 * halo); }
 
     template <class Kernel>
@@ -186,6 +190,7 @@ class Cleaner {
     Floats& alpha_;
     int left_ = 0;
     int bottom_ = 0;
+    std::unique_ptr<Scratch> scratch_;  // too large for a stack
 };
 
 }  // namespace

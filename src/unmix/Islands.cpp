@@ -50,7 +50,8 @@ struct Part {
 };
 
 // Of the cells of each part.
-std::vector<Part> parts_of(const Plane<std::int32_t>& labels, int count, const Floats& value, const Floats& away) {
+std::vector<Part> parts_of(const Plane<std::int32_t>& labels, int count, const Floats& value,
+                           const Floats& away) {
     std::vector<Part> parts(static_cast<std::size_t>(count) + 1);
     for (std::size_t i = 0; i < labels.size(); ++i) {
         if (labels[i] == 0) continue;
@@ -70,7 +71,8 @@ float cells_of(const FrameScale& scale, float length, int side) {
 
 }  // namespace
 
-void drop_marks(const FrameScale& scale, const Segmentation& segmentation, Floats& alpha, const ParallelLoop& loop) {
+void drop_marks(const FrameScale& scale, const Segmentation& segmentation, Floats& alpha,
+                const ParallelLoop& loop) {
     const int width = segmentation.solid.width();
     const int height = segmentation.solid.height();
     Bytes seen(width, height);
@@ -134,7 +136,8 @@ void fill_holes(const FrameScale& scale, Floats& alpha, const ParallelLoop& loop
     each_cell(width, height, loop, [&](int x, int y) {
         const Part& part = parts[static_cast<std::size_t>(labels(x, y))];
         const bool hole = part.least > kHalfClear && part.size < kLargestHole * all;
-        const bool detail = part.farthest > gap && part.least > kAlmostClear && part.size < kLargestDetail * all;
+        const bool detail =
+            part.farthest > gap && part.least > kAlmostClear && part.size < kLargestDetail * all;
         if (labels(x, y) == 0 || !(hole || detail)) return;
         each_pixel(scale, alpha, x, y, [](float& v) { v = v < kOpaque ? 1.0f : v; });
     });
