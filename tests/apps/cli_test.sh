@@ -143,10 +143,8 @@ expect 0 '"merge stays at multiply, as set"' tune --fg shot/fg.0001.exr --auto -
 expect 0 "" plate -o solid --size 160x120
 printf 'Veloxa {\n darks 1\n}\n' >darks.script
 expect 0 "brights stays at 100, as the script sets darks" tune --fg solid/fg.exr --auto --script darks.script
-expect 0 "the stroke addoverlay is one of the colour difference" tune --fg shot/fg.0001.exr --auto \
-    "${strokes[0]}" "${strokes[1]}"
+expect 0 "the stroke addoverlay is one of the colour difference" tune "${shot[@]}" --auto "${strokes[@]}"
 head -1 out.txt | grep -q '^toolbar_screen' || fail "set up without a screen colour: $(head -1 out.txt)"
-
 
 # By itself it unmixes, in the light that the file's values stand for; its script tells all of that.
 expect 0 "" key --fg solid/fg.exr -o out/plate.jpg --set screen_color=0,0,0
