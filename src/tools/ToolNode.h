@@ -11,6 +11,9 @@
 #include "panel/Panel.h"
 #include "tools/ToolSession.h"
 
+class VlxUnmixBacking;
+class VlxUnmixSolids;
+
 struct ToolNode {
     Zo::Image::Iop& image;  // the node itself: its inputs and what it puts out
     KnobStorage& knobs;
@@ -18,9 +21,12 @@ struct ToolNode {
     ControlBlock& controls;
     const std::uint32_t& input_flags;
     ToolSession& session;
-    Zo::Image::Iop& output_matte;
     Zo::Image::Iop& cleanup;           // its input 0 is the matte that clean-up takes
     Zo::Image::Iop& color_correction;  // its input 0 is the colour that conformance takes
+    VlxUnmixBacking& unmix_backing;
+    VlxUnmixSolids& unmix_solids;
+    // As the knobs are when it is asked.
+    std::function<Zo::Image::Iop&()> output_matte;
     std::function<Zo::Image::Iop&()> screen_area;
 
     bool flag(std::uint32_t bit) const { return (input_flags & bit) != 0; }
