@@ -84,11 +84,12 @@ PlateLook look_at_plate(const ToolNode& node, Renderer& renderer) {
                   screen_name(static_cast<Channel>(kRed + model.screen)), 100.0 * sure);
     look.seen = text;
     if (!look.keyable) return look;
-    std::snprintf(text, sizeof text,
-                  ", noise %.1f%% of its brightness; %.0f%% is surely opaque, %.0f%% is to be told; rims hold "
-                  "%.0f%% of the screen's colour",
-                  100.0 * noise, 100.0 * share_of(parts.solid), 100.0 * share_of(parts.unknown),
-                  100.0 * static_cast<double>(parts.spill));
+    std::snprintf(
+        text, sizeof text,
+        ", noise %.1f%% of its brightness; %.0f%% is surely opaque, %.0f%% is to be told; rims hold "
+        "%.0f%% of the screen's colour",
+        100.0 * noise, 100.0 * share_of(parts.solid), 100.0 * share_of(parts.unknown),
+        100.0 * static_cast<double>(parts.spill));
     look.seen += text;
     return look;
 }

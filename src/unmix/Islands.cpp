@@ -156,13 +156,12 @@ void drop_marks(const FrameScale& scale, const Segmentation& segmentation, Float
     });
     // How far solids are, by the coarse grid.
     Bytes clear((width + 1) / 2, (height + 1) / 2);
-    clear.fill(1);
-    for (int y = 0; y < height; ++y) {
-        const std::uint8_t* const solid = segmentation.solid.row(y);
-        for (int x = 0; x < width; ++x) {
-            if (solid[x] != 0) clear(x / 2, y / 2) = 0;
-        }
-    }
+    each_cell(clear.width(), clear.height(), loop, [&](int x, int y) {
+        const std::uint8_t* const low = segmentation.solid.row(2 * y);
+        const std::uint8_t* const high = segmentation.solid.row(std::min(2 * y + 1, height - 1));
+        const int right = std::min(2 * x + 1, width - 1);
+        clear(x, y) = (low[2 * x] | low[right] | high[2 * x] | high[right]) != 0 ? 0 : 1;
+    });
     const float far = cells_of(scale, kFarFromSolid, scale.coarse());
     Floats coarse_away;
     distance(clear, far + 1.0f, coarse_away, loop);
