@@ -308,7 +308,8 @@ class AutoSetup {
     std::array<std::vector<VeloxaSample::Sample>, 2> opaque_colours() {
         const int across = (box_.width() + side_ - 1) / side_;
         const auto tile_of = [&](int x, int y) {
-            return static_cast<std::size_t>((y - box_.y) / side_ * across + (x - box_.x) / side_);
+            const int number = (y - box_.y) / side_ * across + (x - box_.x) / side_;
+            return static_cast<std::size_t>(number);
         };
         std::vector<bool> solid(tile_of(box_.r - 1, box_.t - 1) + 1);
         for (const Tile& tile : solid_) solid[tile_of(tile.box.x, tile.box.y)] = true;

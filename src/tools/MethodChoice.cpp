@@ -18,9 +18,9 @@ namespace {
 constexpr double kLeastSure = 0.03;
 
 double share_of(const unmix::Bytes& mask) {
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < mask.size(); ++i) count += mask[i];
-    return mask.empty() ? 0.0 : static_cast<double>(count) / static_cast<double>(mask.size());
+    if (mask.empty()) return 0.0;
+    const auto count = std::count(mask.row(0), mask.row(0) + mask.size(), std::uint8_t{1});
+    return static_cast<double>(count) / static_cast<double>(mask.size());
 }
 
 // How bright the backing's own channel is where it is sure.
@@ -84,11 +84,12 @@ PlateLook look_at_plate(const ToolNode& node, Renderer& renderer) {
                   screen_name(static_cast<Channel>(kRed + model.screen)), 100.0 * sure);
     look.seen = text;
     if (!look.keyable) return look;
-    std::snprintf(text, sizeof text,
-                  ", noise %.1f%% of its brightness; %.0f%% is surely opaque, %.0f%% is to be told; rims hold "
-                  "%.0f%% of the screen's colour",
-                  100.0 * noise, 100.0 * share_of(parts.solid), 100.0 * share_of(parts.unknown),
-                  100.0 * static_cast<double>(parts.spill));
+    std::snprintf(
+        text, sizeof text,
+        ", noise %.1f%% of its brightness; %.0f%% is surely opaque, %.0f%% is to be told; rims hold "
+        "%.0f%% of the screen's colour",
+        100.0 * noise, 100.0 * share_of(parts.solid), 100.0 * share_of(parts.unknown),
+        100.0 * static_cast<double>(parts.spill));
     look.seen += text;
     return look;
 }
