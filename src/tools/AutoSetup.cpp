@@ -315,9 +315,12 @@ class AutoSetup {
         for (const Tile& tile : solid_) solid[tile_of(tile.box.x, tile.box.y)] = true;
 
         const int step = std::max(1, std::max(box_.width(), box_.height()) / kSpillSamples);
-        const auto columns = static_cast<std::size_t>((box_.width() - 1) / step + 1);
-        std::vector<VeloxaSample::Sample> grid(columns *
-                                               static_cast<std::size_t>((box_.height() - 1) / step + 1));
+        const auto along = [step](int side) {
+            const int count = (side - 1) / step + 1;
+            return static_cast<std::size_t>(count);
+        };
+        const std::size_t columns = along(box_.width());
+        std::vector<VeloxaSample::Sample> grid(columns * along(box_.height()));
         render_or_give_up(renderer_, node_.output_matte(), box_, kMaskRgba, [&](int y, const Row& row) {
             if ((y - box_.y) % step != 0) return;
             auto* const to = grid.data() + static_cast<std::size_t>((y - box_.y) / step) * columns;
