@@ -308,15 +308,19 @@ class AutoSetup {
     std::array<std::vector<VeloxaSample::Sample>, 2> opaque_colours() {
         const int across = (box_.width() + side_ - 1) / side_;
         const auto tile_of = [&](int x, int y) {
-            return static_cast<std::size_t>((y - box_.y) / side_ * across + (x - box_.x) / side_);
+            const int number = (y - box_.y) / side_ * across + (x - box_.x) / side_;
+            return static_cast<std::size_t>(number);
         };
         std::vector<bool> solid(tile_of(box_.r - 1, box_.t - 1) + 1);
         for (const Tile& tile : solid_) solid[tile_of(tile.box.x, tile.box.y)] = true;
 
         const int step = std::max(1, std::max(box_.width(), box_.height()) / kSpillSamples);
-        const auto columns = static_cast<std::size_t>((box_.width() - 1) / step + 1);
-        std::vector<VeloxaSample::Sample> grid(columns *
-                                               static_cast<std::size_t>((box_.height() - 1) / step + 1));
+        const auto along = [step](int side) {
+            const int count = (side - 1) / step + 1;
+            return static_cast<std::size_t>(count);
+        };
+        const std::size_t columns = along(box_.width());
+        std::vector<VeloxaSample::Sample> grid(columns * along(box_.height()));
         render_or_give_up(renderer_, node_.output_matte(), box_, kMaskRgba, [&](int y, const Row& row) {
             if ((y - box_.y) % step != 0) return;
             auto* const to = grid.data() + static_cast<std::size_t>((y - box_.y) / step) * columns;

@@ -18,9 +18,9 @@ namespace {
 constexpr double kLeastSure = 0.03;
 
 double share_of(const unmix::Bytes& mask) {
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < mask.size(); ++i) count += mask[i];
-    return mask.empty() ? 0.0 : static_cast<double>(count) / static_cast<double>(mask.size());
+    if (mask.empty()) return 0.0;
+    const auto count = std::count(mask.row(0), mask.row(0) + mask.size(), std::uint8_t{1});
+    return static_cast<double>(count) / static_cast<double>(mask.size());
 }
 
 // How bright the backing's own channel is where it is sure.
