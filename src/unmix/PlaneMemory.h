@@ -1,6 +1,6 @@
-// Memory for the reduced pictures, which come and go several dozen times a frame: what is given back is kept for the
-// next of its size, up to a few dozen megabytes, so that the system need not clear pages again each time. Whole
-// frames, which operators keep anyway, go straight to the system. Any thread.
+// Memory for the reduced pictures, which come and go several dozen times a frame: what is given back is kept
+// for the next of its size, up to a few dozen megabytes, so that the system need not clear pages again each
+// time. Whole frames, which operators keep anyway, go straight to the system. Any thread.
 #pragma once
 
 #include <cstddef>
