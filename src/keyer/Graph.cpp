@@ -44,6 +44,7 @@ void VeloxaKeyer::for_each_operator(Visit&& visit) {
     visit(unmixClean, "unmixClean");
     visit(unmixColour, "unmixColour");
     visit(unmixMatte, "unmixMatte");
+    visit(unmixShot, "unmixShot");
     visit(spillSuppression, "spillSuppression");
     visit(colorCorrection, "colorCorrection");
     visit(shrinkCU, "shrinkCU");
@@ -98,6 +99,8 @@ void VeloxaKeyer::refresh_unmix_params() {
     p.denoise = knobs_.unmix_denoise;
     p.folds = knobs_.unmix_folds;
     p.spill = knobs_.unmix_spill;
+    p.shot = measuring_ ? nullptr : panel_.shot();
+    if (p.shot && !p.shot->fits(p.screen, p.encoding)) p.shot = nullptr;
     const auto take = [&](SampleAction action, std::vector<TaughtColour>& colours) {
         colours.clear();
         for (const VeloxaSample::Sample& sample : panel_.sampled(action)) {
@@ -193,6 +196,7 @@ void VeloxaKeyer::wire_graph() {
     wire(unmixClean, {&unmixSolve, input_op(3), input_op(4)});
     wire(unmixColour, {&unmixClean});
     wire(unmixMatte, {&unmixColour});
+    wire(unmixShot, {&unmixClean});
     const bool suppress = knobs_.spill_suppression && !knobs_.unmixes();
     wire(colorCorrection, {either(suppress, spillSuppression, keyed_matte())});
     wire(shrinkCU, {&keyed_matte()});

@@ -10,6 +10,7 @@
 #include "panel/KnobStorage.h"
 #include "panel/Panel.h"
 #include "tools/ToolSession.h"
+#include "unmix/ShotModel.h"
 
 struct ToolNode {
     Zo::Image::Iop& image;  // the node itself: its inputs and what it puts out
@@ -22,6 +23,7 @@ struct ToolNode {
     Zo::Image::Iop& cleanup;           // its input 0 is the matte that clean-up takes
     Zo::Image::Iop& color_correction;  // its input 0 is the colour that conformance takes
     std::function<Zo::Image::Iop&()> screen_area;
+    std::function<ShotModel()> measure_frame;  // by itself; empty where no backing is found
 
     bool flag(std::uint32_t bit) const { return (input_flags & bit) != 0; }
     const Zo::Image::AbortFlag* abort() const { return image.context().abort; }

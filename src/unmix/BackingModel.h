@@ -5,7 +5,10 @@
 #pragma once
 
 #include <array>
+#include <optional>
+#include <vector>
 
+#include "unmix/FrameCubic.h"
 #include "unmix/FrameScale.h"
 #include "unmix/Plane.h"
 
@@ -31,6 +34,10 @@ struct BackingModel {
     Covariance noise{};  // of a pixel
     std::array<float, 3> sigma{};
     std::array<float, 3> colour{};  // of the screen: the median backing over its primary's
+
+    // As they were found in this frame, for the shot's model.
+    std::vector<double> hue;                // cells by bins of hue
+    std::optional<FrameCubic::Form> cubic;  // nothing with a clean plate
 
     // The backing at pixels x to r - 1 of row y.
     void row(int y, int x, int r, const std::array<float*, 3>& out) const;

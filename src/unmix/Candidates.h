@@ -5,6 +5,7 @@
 
 #include "framework/ParallelLoop.h"
 #include "unmix/BackingModel.h"
+#include "unmix/Clusters.h"
 #include "unmix/Segmentation.h"
 #include "unmix/SolveKernel.h"
 
@@ -26,8 +27,12 @@ struct Candidates {
 
 struct CandidateSettings {
     float veil = 0.7f;
-    int clusters = 8;
+    const std::vector<ColourGroup>* rims = nullptr;  // in place of this frame's
 };
+
+// The groups that clusters are made of.
+std::vector<ColourGroup> find_rims(const BackingModel& backing, const Segmentation& segmentation,
+                                   const ParallelLoop& loop);
 
 Candidates find_candidates(const BackingModel& backing, const Segmentation& segmentation,
                            const CandidateSettings& settings, const ParallelLoop& loop);

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "unmix/ShotModel.h"
 #include "unmix/SolveFrame.h"
 #include "unmix/VlxUnmixBacking.h"
 #include "unmix/VlxUnmixSolids.h"
@@ -12,6 +13,7 @@ void VlxUnmixSolve::append_params(Hash& hash) const {
     hash.append(static_cast<double>(params().veil));
     hash.append(static_cast<double>(params().detail));
     append_colours(hash, params().see_through);
+    append_shot(hash);
 }
 
 bool VlxUnmixSolve::compute(Lock& helpers) {
@@ -19,8 +21,10 @@ bool VlxUnmixSolve::compute(Lock& helpers) {
     return run_kernel(*this, helpers, [&](const ParallelLoop& loop) {
         const unmix::BackingModel& backing = backing_.model();
         const unmix::Segmentation& segmentation = solids_.segmentation();
-        const unmix::Candidates candidates =
-            unmix::find_candidates(backing, segmentation, {.veil = params().veil}, loop);
+        const ShotModel* const shot = params().shot.get();
+        const bool known = shot != nullptr && !shot->rims.empty();
+        const unmix::Candidates candidates = unmix::find_candidates(
+            backing, segmentation, {params().veil, known ? &shot->rims : nullptr}, loop);
         unmix::solve_frame(backing, segmentation, candidates, solution_, loop);
     });
 }
