@@ -36,6 +36,7 @@ Hash identity_of(const Values& values) {
     Hash hash;
     for (const Value& value : values) {
         for (const double v : value.numbers) hash.append(v);
+        hash.append(std::string_view(value.text));
     }
     return hash;
 }

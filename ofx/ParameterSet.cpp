@@ -48,6 +48,7 @@ ParameterSet::ParameterSet(OfxImageEffectHandle effect, const ParameterList& lis
         slot.handle = handle_of(set_, parameter.name.c_str(), &slot.properties);
         slots_.push_back(slot);
     }
+    texts_.resize(slots_.size());
     first_ = handle_of(set_, kFirstCorner, nullptr);
     second_ = handle_of(set_, kSecondCorner, nullptr);
 }
@@ -62,8 +63,10 @@ Value ParameterSet::value(std::size_t n, std::optional<OfxTime> time) const {
     if (handle == nullptr || parameter.is_button()) return value;
     std::array<double, 4> v = value.numbers;
     if (parameter.is_text()) {
+        const std::lock_guard hold(mutex_);
         char* text = nullptr;
-        if (!time && get(handle, time, &text) && text != nullptr) value.text = text;
+        if (!time) texts_[n] = get(handle, time, &text) && text != nullptr ? text : "";
+        value.text = texts_[n];
     } else if (is_integer(parameter)) {
         int number = 0;
         if (get(handle, time, &number)) value.numbers[0] = number;

@@ -3,6 +3,7 @@
 // What only reads may be called from any thread; the rest in the actions that may set parameters.
 #pragma once
 
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -23,8 +24,9 @@ class ParameterSet {
     // `list` outlives the set. Parameters that the host did not make keep their defaults.
     ParameterSet(OfxImageEffectHandle effect, const ParameterList& list);
 
-    // All values at the time, or as they are now. Buttons have none; texts only as they are now: they do not
-    // animate, and the host's own may go as its user edits while a render reads.
+    // All values at the time, or as they are now, which is asked by the thread that may set parameters.
+    // Buttons have none. Texts do not animate, and the host's own may go as its user edits while a render
+    // reads: at a time they are what they were when they were last asked for as they are.
     Values values(std::optional<OfxTime> time) const;
     Value value(std::size_t n, std::optional<OfxTime> time) const;
     // The index of the parameter of this name, if there is one.
@@ -59,6 +61,8 @@ class ParameterSet {
     std::vector<Slot> slots_;
     OfxParamHandle first_ = nullptr;
     OfxParamHandle second_ = nullptr;
+    mutable std::mutex mutex_;
+    mutable std::vector<std::string> texts_;  // by parameter
 };
 
 }  // namespace veloxa::ofx

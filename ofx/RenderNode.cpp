@@ -8,8 +8,6 @@ void RenderNode::set(const Values& values, const RenderScale& scale, const std::
     bool changed = false;
     const std::vector<Parameter>& parameters = node_.list().parameters();
     for (std::size_t n = 0; n < parameters.size(); ++n) {
-        // The sample lists steer the tools only.
-        if (parameters[n].is_text()) continue;
         changed = set_knob(parameters[n], values[n], scale) || changed;
     }
     if (changed) image().invalidate();

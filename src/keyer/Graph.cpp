@@ -44,6 +44,7 @@ void VeloxaKeyer::for_each_operator(Visit&& visit) {
     visit(unmixClean, "unmixClean");
     visit(unmixColour, "unmixColour");
     visit(unmixMatte, "unmixMatte");
+    visit(unmixShadow, "unmixShadow");
     visit(unmixShot, "unmixShot");
     visit(spillSuppression, "spillSuppression");
     visit(colorCorrection, "colorCorrection");
@@ -196,6 +197,7 @@ void VeloxaKeyer::wire_graph() {
     wire(unmixClean, {&unmixSolve, input_op(3), input_op(4)});
     wire(unmixColour, {&unmixClean});
     wire(unmixMatte, {&unmixColour});
+    wire(unmixShadow, {&unmixBacking});
     wire(unmixShot, {&unmixClean});
     const bool suppress = knobs_.spill_suppression && !knobs_.unmixes();
     wire(colorCorrection, {either(suppress, spillSuppression, keyed_matte())});
@@ -205,6 +207,6 @@ void VeloxaKeyer::wire_graph() {
     wire(smartInterpol, {either(cp, normCp, normFg), region});
     wire(computeShadow, {&smartInterpol});
     wire(clearFrame, {&normFg, &normCp, &smartInterpol});
-    wire(shadowBlur, {either(cp, clearFrame, computeShadow)});
+    wire(shadowBlur, {either(knobs_.unmixes(), unmixShadow, *either(cp, clearFrame, computeShadow))});
     wire(combineShadow, {&keyed_colour(), &final_matte(), &shadowBlur});
 }

@@ -59,7 +59,7 @@ struct UnmixedParams {
 // The output rule for the unmixed subject: its colour as the plate stores it, times `share`, its opacity
 // then. Composites mix light; what a later stage adds to k finds no colour there. With k and share 1 the
 // composite is the colour's bits, with k 0 the background's. Premultiplied is k times the colour,
-// unpremultiplied the colour alone; both are 0 where the share is.
+// unpremultiplied the colour alone, at most the largest half float; both are 0 where k or the share is.
 using UnmixedColour = void(const UnmixedParams& params, const float* colour, const float* background,
                            const float* k, const float* share, float* out, std::size_t n);
 LANE_KERNEL(UnmixedColour, unmixed_colour);

@@ -9,8 +9,13 @@ namespace LANES {
 
 // As in OutputLanes.cpp outputs may be inputs.
 
+namespace {
+
+constexpr float kLargestHalf = 65504.0f;
+
+}  // namespace
+
 void decoded_colour(const float* colour, float* out, std::size_t n) {
-    constexpr float kLargestHalf = 65504.0f;
 #pragma GCC ivdep
     for (std::size_t i = 0; i < n; ++i) {
         out[i] = kernel::cap_at(kLargestHalf, decode(colour[i], kOutputPivot));
@@ -80,8 +85,9 @@ void unmixed_colour(const UnmixedParams& params, const float* colour, const floa
     } else if (params.mode == OutputMode::kUnpremultiplied) {
 #pragma GCC ivdep
         for (std::size_t i = 0; i < n; ++i) {
-            const float v = one_nan(colour[i] / share[i]);
-            out[i] = share[i] == 0.0f ? 0.0f : v;
+            // Noise over hardly any share may be more than files hold.
+            const float v = one_nan(kernel::clamp_to(-kLargestHalf, kLargestHalf, colour[i] / share[i]));
+            out[i] = k[i] == 0.0f || share[i] == 0.0f ? 0.0f : v;
         }
     } else if (params.encoding == Encoding::kStored) {
         mix_stored(colour, background, k, share, out, n);

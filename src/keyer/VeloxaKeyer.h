@@ -46,6 +46,7 @@
 #include "unmix/VlxUnmixClean.h"
 #include "unmix/VlxUnmixColour.h"
 #include "unmix/VlxUnmixMatte.h"
+#include "unmix/VlxUnmixShadow.h"
 #include "unmix/VlxUnmixShot.h"
 #include "unmix/VlxUnmixSolids.h"
 #include "unmix/VlxUnmixSolve.h"
@@ -146,6 +147,7 @@ class VeloxaKeyer final : public Zo::Image::Iop {
     VlxUnmixSolve unmixSolve{context(), &unmix_params_, unmixBacking, unmixSolids};
     VlxUnmixClean unmixClean{context(), &unmix_params_, unmixBacking, unmixSolids, unmixSolve};
     VlxUnmixColour unmixColour{context(), &unmix_params_, unmixBacking, unmixSolids, unmixClean};
+    VlxUnmixShadow unmixShadow{context(), &unmix_params_, unmixBacking};
     VlxUnmixMatte unmixMatte{context(), &controls_};
     VlxUnmixShot unmixShot{context(), &unmix_params_, unmixBacking, unmixSolids, unmixClean};
     bool measuring_ = false;  // the frame by itself, without the shot's model

@@ -221,8 +221,9 @@ constexpr KnobRow kTable[] = {
          "Cleanup, Color and Output still count.</li></ul>",
          {}, {}, {"colour difference", "unmix"}),
     KNOB(unmix_veil, "veil",
-         "How much of the screen's color see-through things such as veils and glass have of their own. "
-         "Raise it where they come out too thin, lower it where the backing still shows in them.",
+         "How much of the screen's color see-through things such as veils and glass have of their own, as a "
+         "share of the spill on the subject's rims; without spill it changes nothing. Raise it where they "
+         "come out too thin, lower it where the backing still shows in them.",
          range(0, 1)),
     KNOB(unmix_solid, "solid",
          "How opaque something must look to be taken for solid. Lower it where holes open in the subject, "
@@ -244,7 +245,8 @@ constexpr KnobRow kTable[] = {
          "the screen's hue turn grey, raise it where rims stay tinted.",
          range(0, 2)),
     KNOB(unmix_encoding, "encoding",
-         "What the foreground's values are:<ul><li><b>as stored</b>: light.</li><li><b>sRGB</b>: display "
+         "What the values of foreground and background are:<ul><li><b>as stored</b>: "
+         "light.</li><li><b>sRGB</b>: display "
          "values.</li><li><b>logarithmic</b>: density of film scans.</li></ul>Edges mix in light: with the "
          "wrong choice they come out too dark or too bright.",
          {}, {}, {"as stored", "sRGB", "logarithmic"}),

@@ -24,6 +24,7 @@ constexpr std::size_t kBackingPixels = VeloxaSample::kCapacity;
 
 std::vector<PlatedSample> spread_over(const std::vector<PlatedSample>& pixels) {
     std::vector<VeloxaSample::Sample> colors;
+    colors.reserve(pixels.size());
     for (const PlatedSample& p : pixels) colors.push_back(p.fg);
     std::vector<PlatedSample> chosen;
     for (const std::size_t i : extremes(colors)) chosen.push_back(pixels[i]);

@@ -20,6 +20,16 @@ constexpr float kLastRound = 0.85f;  // of the tolerance
 
 constexpr float kNoiseTolerance = 1.1f;  // times the deviation of the noise
 constexpr float kTolerance = 0.012f;     // of the backing's brightest channel
+// How far a fold's hue may be off the base's, of the tolerance, and of how far the backing's usually is.
+constexpr float kFoldHue = 0.6f;
+constexpr float kUsualHue = 3.0f;
+constexpr float kSaturated = 0.5f;  // of its other channels that a fold may lose
+constexpr float kTaughtTolerance = 3.0f;
+// Cloth takes on the hue of what lights its folds: from this much stray of its brightness on tolerances of
+// hue grow, to so much at that.
+constexpr float kPaint = 0.025f;
+constexpr float kCloth = 0.04f;
+constexpr float kMostOfCloth = 1.75f;
 constexpr float kUnevenNoise = 1.2f;
 constexpr float kUneven = 0.015f;
 constexpr float kDarkestFold = 0.35f;  // below the brightness around
@@ -51,6 +61,8 @@ class Fit {
         resize(model_.coarse, width, height);
         model_.sure.resize(width, height);
         model_.sure.fill(0);
+        model_.shade.resize(width, height);
+        model_.shade.fill(1.0f);
         if (!model_.found) {
             for (std::size_t c = 0; c < 3; ++c) {
                 model_.coarse[c].fill(c == screen() ? 1.0f : kDarkest);
@@ -71,24 +83,31 @@ class Fit {
     }
 
   private:
+    std::size_t other(std::size_t n) const { return static_cast<std::size_t>(model_.others[n]); }
     std::size_t screen() const { return static_cast<std::size_t>(model_.screen); }
     std::array<float, 3> mean(std::size_t i) const {
         return {model_.means[0][i], model_.means[1][i], model_.means[2][i]};
     }
 
-    // Whether a colour is that of the backing but for its brightness, which is `ratio` of it.
-    static bool same_hue(const std::array<float, 3>& colour, const std::array<float, 3>& backing,
-                         float tolerance, const std::array<float, 3>& sigma, float& ratio) {
-        float along = 0.0f;
-        float square = 0.0f;
-        for (std::size_t c = 0; c < 3; ++c) {
-            along += colour[c] * backing[c];
-            square += backing[c] * backing[c];
-        }
-        ratio = along / std::max(square, 1e-6f);
-        for (std::size_t c = 0; c < 3; ++c) {
-            const float off = std::abs(colour[c] - ratio * backing[c]);
-            if (!(off < kNoiseTolerance * sigma[c] + tolerance)) return false;
+    // What the two other channels have beyond the backing's, once that is as bright as the colour in the
+    // screen's channel. A veil, whatever its colour, adds to them; a fold, lit by the cloth around it, loses
+    // some.
+    std::array<float, 2> beyond_hue(const std::array<float, 3>& colour,
+                                    const std::array<float, 3>& backing) const {
+        const float ratio = colour[screen()] / std::max(backing[screen()], 1e-4f);
+        std::array<float, 2> beyond{};
+        for (std::size_t n = 0; n < 2; ++n) beyond[n] = colour[other(n)] - ratio * backing[other(n)];
+        return beyond;
+    }
+
+    // `more` is how much beyond is allowed in each.
+    bool same_hue(const std::array<float, 3>& colour, const std::array<float, 3>& backing,
+                  const std::array<float, 2>& more) const {
+        const std::array<float, 2> beyond = beyond_hue(colour, backing);
+        const float ratio = colour[screen()] / std::max(backing[screen()], 1e-4f);
+        for (std::size_t n = 0; n < 2; ++n) {
+            const float less = std::max(kSaturated * ratio * backing[other(n)], more[n]);
+            if (!(beyond[n] < more[n] && beyond[n] > -less)) return false;
         }
         return true;
     }
@@ -103,10 +122,12 @@ class Fit {
         for (std::size_t i = 0; i < taught_.size(); ++i) {
             if (!garbage_.empty() && garbage_[i] > 0.5f) continue;
             for (const auto& colour : settings_.taught) {
-                float ratio = 0.0f;
-                const float tolerance = 3.0f * kTolerance * brightest(colour);
-                if (!same_hue(mean(i), colour, tolerance, {}, ratio) || ratio < 0.65f || ratio > 1.5f)
+                const float tolerance = kTaughtTolerance * kTolerance * brightest(colour);
+                const float share = mean(i)[screen()] / std::max(colour[screen()], 1e-4f);
+                if (share < 1.0f - kDarkestFold || share > 1.0f + kBrightestFold ||
+                    !same_hue(mean(i), colour, {tolerance, tolerance})) {
                     continue;
+                }
                 taught_[i] = 1;
                 hue.may[i] = 1;
                 hue.sure[i] = 1;
@@ -194,6 +215,7 @@ class Fit {
         const int width = sure.width();
         const int height = sure.height();
         Bytes ok = eroded(sure, 1);
+        measure_stray(any(ok) ? ok : sure);
         const bool folds = settings_.folds > 0.0f;
         Colours wide;
         Floats around(width, height);
@@ -217,7 +239,7 @@ class Fit {
                     }
                 }
             });
-            ok = eroded(dilated(eroded(agrees, 1), 1), 1);
+            ok = agrees;
             if (!taught_.empty()) {
                 for (std::size_t i = 0; i < ok.size(); ++i) ok[i] |= taught_[i];
             }
@@ -225,25 +247,57 @@ class Fit {
         model_.sure = std::move(ok);
     }
 
+    std::array<float, 3> base(std::size_t i) const { return {base_[0][i], base_[1][i], base_[2][i]}; }
+
+    // How far this backing's hue strays from its base.
+    void measure_stray(const Bytes& inner) {
+        std::array<std::vector<float>, 2> all;
+        for (const std::size_t cell : sample(inner)) {
+            const std::array<float, 2> beyond = beyond_hue(mean(cell), base(cell));
+            for (std::size_t n = 0; n < 2; ++n) all[n].push_back(std::abs(beyond[n]));
+        }
+        for (std::size_t n = 0; n < 2; ++n) {
+            if (all[n].empty()) continue;
+            const auto middle = all[n].begin() + static_cast<std::ptrdiff_t>(all[n].size() / 2);
+            std::nth_element(all[n].begin(), middle, all[n].end());
+            stray_[n] = kUsualHue * 1.4826f * *middle;
+        }
+        std::vector<float> levels;
+        for (const std::size_t cell : sample(inner)) levels.push_back(mean(cell)[screen()]);
+        const auto middle = levels.begin() + static_cast<std::ptrdiff_t>(levels.size() / 2);
+        std::nth_element(levels.begin(), middle, levels.end());
+        const float share = std::max(stray_[0], stray_[1]) / std::max(*middle, 1e-4f);
+        cloth_ = std::clamp(1.0f + (kMostOfCloth - 1.0f) * (share - kPaint) / (kCloth - kPaint), 1.0f,
+                            kMostOfCloth);
+    }
+
     bool is_backing(std::size_t i, float strict, float around, float wide) const {
         const std::array<float, 3> colour = mean(i);
         const std::array backing{model_.coarse[0][i], model_.coarse[1][i], model_.coarse[2][i]};
         const float tolerance = kTolerance * brightest(backing);
-        const auto same = [&](std::size_t c) {
-            return std::abs(colour[c] - backing[c]) <
-                   strict * (kNoiseTolerance * model_.sigma[c] + tolerance);
-        };
-        if (same(0) && same(1) && same(2)) return true;
+        bool same = true;
+        std::array<float, 2> local{};
+        std::array<float, 2> whole{};
+        std::array<float, 2> fold{};
+        for (std::size_t c = 0; c < 3; ++c) {
+            const float most = strict * (kNoiseTolerance * model_.sigma[c] + tolerance);
+            same = same && std::abs(colour[c] - backing[c]) < most;
+            if (c == screen()) continue;
+            const std::size_t n = c == other(0) ? 0 : 1;
+            const float wider = cloth_ * std::max(settings_.folds, 1.0f);
+            local[n] = wider * most;
+            whole[n] = wider * std::max(most, stray_[n]);
+            fold[n] = wider * std::max(kFoldHue * most, stray_[n]);
+        }
+        // What is filled in may drift into a veil round by round; the base does not.
+        if (same && same_hue(colour, base(i), whole)) return true;
         if (!(settings_.folds > 0.0f)) return false;
         const float level = colour[screen()];
         const float share = level / std::max(wide, 0.02f);
-        std::array<float, 3> sigma{};
-        for (std::size_t c = 0; c < 3; ++c) sigma[c] = strict * model_.sigma[c];
-        float ratio = 0.0f;
         return std::abs(level - around) < kUnevenNoise * model_.sigma[screen()] + kUneven * level &&
                share > 1.0f - kDarkestFold * settings_.folds &&
-               share < 1.0f + kBrightestFold * settings_.folds &&
-               same_hue(colour, backing, strict * tolerance, sigma, ratio);
+               share < 1.0f + kBrightestFold * settings_.folds && same_hue(colour, backing, local) &&
+               same_hue(colour, base(i), fold);
     }
 
     void finish() {
@@ -253,6 +307,10 @@ class Fit {
             for (std::size_t i = 0; i < beyond[c].size(); ++i) {
                 model_.coarse[c][i] = std::max(base_[c][i] + beyond[c][i], kDarkest);
             }
+        }
+        for (std::size_t i = 0; i < model_.shade.size(); ++i) {
+            const auto light = [i](const Colours& of) { return of[0][i] + of[1][i] + of[2][i]; };
+            model_.shade[i] = light(model_.coarse) / std::max(light(base_), 3.0f * kDarkest);
         }
         if (!model_.clean[0].empty()) model_.added = std::move(beyond);
         measure_noise();
@@ -323,7 +381,9 @@ class Fit {
     Bytes may_;
     Bytes taught_;
     Colours base_;
-    Colours beyond_;  // the plate's means less the base
+    std::array<float, 2> stray_{};
+    float cloth_ = 1.0f;  // how much wider tolerances of hue are, as it is hung cloth
+    Colours beyond_;      // the plate's means less the base
 };
 
 }  // namespace

@@ -22,4 +22,8 @@ void BackingModel::row(int y, int x, int r, const std::array<float*, 3>& out) co
     }
 }
 
+void BackingModel::shade_row(int y, int x, int r, float* out) const {
+    between_cells(shade, scale.coarse(), y, x, r, out);
+}
+
 }  // namespace unmix

@@ -29,6 +29,7 @@ struct BackingModel {
     Colours coarse;  // the backing at the coarse cells
     Colours added;   // with a clean plate: coarse, what the backing has beyond it
     Bytes sure;      // coarse: the plate shows it
+    Floats shade;    // coarse: its light over what falls on it around, below 1 in shadow
 
     bool found = false;  // whether any pixel is sure
     Covariance noise{};  // of a pixel
@@ -41,6 +42,8 @@ struct BackingModel {
 
     // The backing at pixels x to r - 1 of row y.
     void row(int y, int x, int r, const std::array<float*, 3>& out) const;
+    // The shade there.
+    void shade_row(int y, int x, int r, float* out) const;
 };
 
 }  // namespace unmix

@@ -17,11 +17,13 @@ using GatherMeans = void(const float* sums, const std::int32_t* at, const float*
 LANE_KERNEL(GatherMeans, gather_means);
 
 // out[i] = table[at[i]] * scale; returns the least of them; n > 0.
-using GatherScaled = float(const float* table, const std::int32_t* at, float scale, float* out, std::size_t n);
+using GatherScaled = float(const float* table, const std::int32_t* at, float scale, float* out,
+                           std::size_t n);
 LANE_KERNEL(GatherScaled, gather_scaled);
 
 // spread[at[i]] = values[i], from -limit to limit. No two places are the same.
-using ScatterLimited = void(const float* values, float limit, const std::int32_t* at, float* spread, std::size_t n);
+using ScatterLimited = void(const float* values, float limit, const std::int32_t* at, float* spread,
+                            std::size_t n);
 LANE_KERNEL(ScatterLimited, scatter_limited);
 
 // The greatest of n values, n > 0.

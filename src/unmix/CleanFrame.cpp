@@ -1,10 +1,9 @@
 #include "unmix/CleanFrame.h"
 
 #include <algorithm>
-#include <vector>
+#include <memory>
 
 #include "unmix/BoxKernel.h"
-#include "unmix/Components.h"
 #include "unmix/Reduce.h"
 
 namespace unmix {
@@ -66,8 +65,7 @@ class Cleaner {
             std::copy(solution_.alpha.row(y) + left, solution_.alpha.row(y) + right, alpha_.row(y) + left);
         }
         if (!any) return;
-        static thread_local Scratch scratch;
-        Scratch& s = scratch;
+        Scratch& s = scratch();
         gather(s);
         smooth(s);
         clear(s);
@@ -78,6 +76,10 @@ class Cleaner {
     }
 
   private:
+    Scratch& scratch() {
+        if (!scratch_) scratch_ = std::make_unique_for_overwrite<Scratch>();
+        return *scratch_;
+    }
     static std::size_t span(int halo) { return static_cast<std::size_t>(kTileWidth + 2 * halo); }
 
     template <class Kernel>
@@ -128,8 +130,7 @@ class Cleaner {
         fold(box_sum, s.mask, kSmooth, s.sum_mask, s);
         fold(box_sum, s.variance, kSmooth, s.sum_variance, s);
         s.spare.halo = kHalo;
-        for (std::size_t i = 0; i < Patch::kMost; ++i)
-            s.spare.pixels[i] = s.raw.pixels[i] * s.mask.pixels[i];
+        for (std::size_t i = 0; i < Patch::kMost; ++i) s.spare.pixels[i] = s.raw.pixels[i] * s.mask.pixels[i];
         fold(box_sum, s.spare, kSmooth, s.sum_alpha, s);
         for (std::size_t i = 0; i < Patch::kMost; ++i) s.spare.pixels[i] *= s.raw.pixels[i];
         fold(box_sum, s.spare, kSmooth, s.sum_square, s);
@@ -150,7 +151,6 @@ class Cleaner {
                          s.unknown.row(y, kAfterSmooth), s.raw.row(y, kAfterSmooth),
                          s.alpha.row(y, kAfterSmooth), span(kAfterSmooth));
         });
-        
     }
 
     void clear(Scratch& s) const {
@@ -190,6 +190,7 @@ class Cleaner {
     Floats& alpha_;
     int left_ = 0;
     int bottom_ = 0;
+    std::unique_ptr<Scratch> scratch_;  // too large for a stack
 };
 
 }  // namespace
@@ -202,49 +203,6 @@ void clean_frame(const FrameScale& scale, const Segmentation& segmentation, cons
     loop(0, across * up, 2, [&](int begin, int end) {
         Cleaner cleaner(scale, segmentation, solution, params, alpha);
         for (int n = begin; n < end; ++n) cleaner.tile(n % across * kTileWidth, n / across * kTileHeight);
-    });
-}
-
-void fill_holes(const FrameScale& scale, Floats& alpha, const ParallelLoop& loop) {
-    constexpr float kOpaqueEnough = 0.98f;
-    constexpr float kHalfClear = 0.5f;
-    constexpr double kLargest = 0.01;  // of the frame
-    const int side = scale.fine();
-    Floats least(scale.cells_across(side), scale.cells_up(side));
-    Bytes low(least.width(), least.height());
-    const auto each_pixel = [&](int x, int y, const auto& visit) {
-        for (int py = y * side; py < std::min((y + 1) * side, scale.height); ++py) {
-            for (int px = x * side; px < std::min((x + 1) * side, scale.width); ++px) visit(alpha(px, py));
-        }
-    };
-    loop(0, low.height(), 16, [&](int begin, int end) {
-        for (int y = begin; y < end; ++y) {
-            for (int x = 0; x < low.width(); ++x) {
-                float value = 1.0f;
-                each_pixel(x, y, [&](float v) { value = std::min(value, v); });
-                least(x, y) = value;
-                low(x, y) = value < kOpaqueEnough ? 1 : 0;
-            }
-        }
-    });
-    Plane<std::int32_t> labels;
-    const int count = label_components(low, labels);
-    std::vector<float> lowest(static_cast<std::size_t>(count) + 1, 1.0f);
-    std::vector<double> size(lowest.size(), 0.0);
-    for (std::size_t i = 0; i < low.size(); ++i) {
-        const auto n = static_cast<std::size_t>(labels[i]);
-        lowest[n] = std::min(lowest[n], least[i]);
-        size[n] += 1.0;
-    }
-    const double largest = kLargest * static_cast<double>(low.size());
-    loop(0, low.height(), 16, [&](int begin, int end) {
-        for (int y = begin; y < end; ++y) {
-            for (int x = 0; x < low.width(); ++x) {
-                const auto n = static_cast<std::size_t>(labels(x, y));
-                if (n == 0 || !(lowest[n] > kHalfClear) || size[n] >= largest) continue;
-                each_pixel(x, y, [&](float& v) { v = v < kOpaqueEnough ? 1.0f : v; });
-            }
-        }
     });
 }
 

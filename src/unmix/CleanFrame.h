@@ -12,8 +12,4 @@ namespace unmix {
 void clean_frame(const FrameScale& scale, const Segmentation& segmentation, const Solution& solution,
                  const CleanParams& params, Floats& alpha, const ParallelLoop& loop);
 
-// What is enclosed by the subject and nowhere half clear is a hole made by reflected screen colour: it
-// becomes 1.
-void fill_holes(const FrameScale& scale, Floats& alpha, const ParallelLoop& loop);
-
 }  // namespace unmix

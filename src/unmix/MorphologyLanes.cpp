@@ -51,8 +51,8 @@ void keep_less(const float* v, float* __restrict out, size_t n) {
     for (size_t i = 0; i < n; ++i) out[i] = less(v[i], out[i]);
 }
 
-void row_distance(const float* columns, int reach, float most, float* __restrict squares, float* __restrict out,
-                  size_t n) {
+void row_distance(const float* columns, int reach, float most, float* __restrict squares,
+                  float* __restrict out, size_t n) {
     const auto r = static_cast<size_t>(reach);
     const float far = static_cast<float>(reach) * static_cast<float>(reach);
     for (size_t i = 0; i < r; ++i) squares[i] = squares[n + r + i] = far;
@@ -76,10 +76,14 @@ void row_distance(const float* columns, int reach, float most, float* __restrict
 
 void between_middles(const float* cells, int side, float* __restrict out, size_t gaps) {
     switch (side) {
-        case 2: return between<2>(cells, out, gaps);
-        case 4: return between<4>(cells, out, gaps);
-        case 8: return between<8>(cells, out, gaps);
-        default: break;
+        case 2:
+            return between<2>(cells, out, gaps);
+        case 4:
+            return between<4>(cells, out, gaps);
+        case 8:
+            return between<8>(cells, out, gaps);
+        default:
+            break;
     }
     for (size_t n = 0; n < gaps; ++n) {
         const float slope = cells[n + 1] - cells[n];

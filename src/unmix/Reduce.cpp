@@ -1,6 +1,7 @@
 #include "unmix/Reduce.h"
 
-#include <vector>
+#include <algorithm>
+#include <array>
 
 #include "unmix/MorphologyKernel.h"
 
@@ -37,7 +38,13 @@ void cell_means(const Floats& picture, int side, Floats& means, const ParallelLo
     });
 }
 
-void between_cells(const Floats& cells, int side, int y, int x, int r, float* out) {
+namespace {
+
+constexpr int kPiece = 1024;  // pixels
+constexpr std::size_t kMostPixels = 4 * kPiece;
+
+// A piece of a row; cells are far narrower than it.
+void piece_between_cells(const Floats& cells, int side, int y, int x, int r, float* out) {
     const float v = std::clamp((static_cast<float>(y) + 0.5f) / static_cast<float>(side) - 0.5f, 0.0f,
                                static_cast<float>(cells.height() - 1));
     const int low = static_cast<int>(v);
@@ -48,10 +55,8 @@ void between_cells(const Floats& cells, int side, int y, int x, int r, float* ou
     const int first = (x + half) / side - 1;
     const int last = (r - 1 + half) / side;
     const auto count = static_cast<std::size_t>(last - first + 1);
-    thread_local std::vector<float> line;
-    thread_local std::vector<float> pixels;
-    line.resize(count);
-    pixels.resize((count - 1) * static_cast<std::size_t>(side));
+    std::array<float, kMostPixels> line;
+    std::array<float, kMostPixels> pixels;
     const int from = std::max(first, 0);
     const int to = std::min(last, cells.width() - 1);
     mix_rows(a + from, b + from, v - static_cast<float>(low), line.data() + (from - first),
@@ -61,6 +66,14 @@ void between_cells(const Floats& cells, int side, int y, int x, int r, float* ou
         line[static_cast<std::size_t>(n - first)] = line[static_cast<std::size_t>(to - first)];
     between_middles(line.data(), side, pixels.data(), count - 1);
     std::copy_n(pixels.data() + (x - (first * side + half)), r - x, out);
+}
+
+}  // namespace
+
+void between_cells(const Floats& cells, int side, int y, int x, int r, float* out) {
+    for (int from = x; from < r; from += kPiece) {
+        piece_between_cells(cells, side, y, from, std::min(from + kPiece, r), out + (from - x));
+    }
 }
 
 }  // namespace unmix

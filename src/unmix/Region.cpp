@@ -79,7 +79,9 @@ Floats own_lead(const BackingModel& backing, const Region& region, const Paralle
     const auto cells = [&](float length) {
         return length * backing.scale.pixels / static_cast<float>(backing.scale.coarse());
     };
-    const auto radius = [&](float length) { return std::max(1, static_cast<int>(std::lround(cells(length)))); };
+    const auto radius = [&](float length) {
+        return std::max(1, static_cast<int>(std::lround(cells(length))));
+    };
     // A plateau that is half clear must not vouch for itself.
     Bytes opaque(region.width(), region.height());
     for (std::size_t i = 0; i < opaque.size(); ++i) {
@@ -91,7 +93,8 @@ Floats own_lead(const BackingModel& backing, const Region& region, const Paralle
     Floats weight(region.width(), region.height());
     Floats weighted(region.width(), region.height());
     for (std::size_t i = 0; i < opaque.size(); ++i) {
-        const float beyond = depth[i] - cells(kInside);
+        // From the middle of a cell its region's edge is half a cell nearer than the next cell's middle.
+        const float beyond = depth[i] - 0.5f - cells(kInside);
         const bool deep = beyond > 0.0f && depth[i] < most;
         weight[i] = deep ? std::exp(-beyond / cells(kRim)) : 0.0f;
         weighted[i] = deep ? weight[i] * region.lead()[i] : 0.0f;

@@ -10,7 +10,7 @@
 struct RoughRows {
     float* lead;          // what the plate's screen channel has beyond the others
     float* backing_lead;  // the same of the backing, at least a little
-    float* bound;         // the opacity below which the subject would be darker than black or brighter than white
+    float* bound;  // the opacity below which the subject would be darker than black or brighter than white
 };
 using RoughLeads = void(const std::array<const float*, 3>& plate, const std::array<const float*, 3>& backing,
                         const RoughRows& out, std::size_t n);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 
 #include "lanes/FloatLogExp.h"
 #include "unmix/BoxKernel.h"
@@ -25,6 +26,7 @@ constexpr float kLeadOfNearest = 15.0f;  // what a cluster's cost has to make up
 constexpr float kNearness = 8.0f;        // the less so the farther: a length
 constexpr float kPixelsPerCost = 40.0f;  // a length
 constexpr float kMostLead = 20.0f;
+constexpr float kSpillOfRim = 0.04f;  // of the backing that a rim holds beyond what lies further in
 constexpr std::uint8_t kNeutral = 1;
 constexpr float kNearest = 2.0f;
 
@@ -43,7 +45,7 @@ struct Scratch {
     SolvedLines neutral, chosen, other;
     Line spread, sums, column;
     Line share;                                       // one over how many unknown pixels an average is of
-    std::array<std::int32_t, kMost> place;   // in the tile with its halo
+    std::array<std::int32_t, kMost> place;            // in the tile with its halo
     std::array<std::int32_t, kMost> inner;            // where its average is; of the outermost somewhere
     std::array<std::int32_t, kMost> cell, wide_cell;  // coarse, and of twice the side
 };
@@ -66,12 +68,12 @@ class Solver {
           cost_of_noise_(log_determinant(backing.noise)) {}
 
     void tile(int left, int bottom) {
-        static thread_local Scratch scratch;
-        Scratch& s = scratch;
         left_ = left;
         bottom_ = bottom;
         write_known();
-        if (!gather(s)) return;
+        if (!has_unknown()) return;
+        Scratch& s = scratch();
+        gather(s);
         solve_common(noise_, pixels(s), candidates_.neutral, s.neutral.pointers(), count_);
         if (candidates_.nearest.empty()) {
             write(s, s.neutral);
@@ -88,6 +90,10 @@ class Solver {
     }
 
   private:
+    Scratch& scratch() {
+        if (!scratch_) scratch_ = std::make_unique_for_overwrite<Scratch>();
+        return *scratch_;
+    }
     UnmixPixels pixels(const Scratch& s) const {
         return {{s.beyond[0].data(), s.beyond[1].data(), s.beyond[2].data()},
                 {s.backing[0].data(), s.backing[1].data(), s.backing[2].data()},
@@ -110,8 +116,7 @@ class Solver {
         }
     }
 
-    // Packs the unknown pixels of the tile and its halo. False when the tile itself has none.
-    bool gather(Scratch& s) {
+    bool has_unknown() const {
         const int right = std::min(left_ + kTileWidth, backing_.scale.width);
         const int top = std::min(bottom_ + kTileHeight, backing_.scale.height);
         bool any = false;
@@ -119,8 +124,11 @@ class Solver {
             const std::uint8_t* const unknown = segmentation_.unknown.row(y);
             any = std::any_of(unknown + left_, unknown + right, [](std::uint8_t v) { return v != 0; });
         }
-        if (!any) return false;
+        return any;
+    }
 
+    // Packs the unknown pixels of the tile and its halo.
+    void gather(Scratch& s) {
         const int x0 = std::max(left_ - kHalo, 0);
         const int x1 = std::min(left_ + kTileWidth + kHalo, backing_.scale.width);
         const int y1 = std::min(bottom_ + kTileHeight + kHalo, backing_.scale.height);
@@ -145,7 +153,6 @@ class Solver {
         count_ = n;
         guess(s);
         locate(s);
-        return true;
     }
 
     // The colour difference against the mean of the others.
@@ -198,7 +205,9 @@ class Solver {
         const float per_pixel = -1.0f / pixels_of(kNearness);
         for (std::size_t i = 0; i < count_; ++i) {
             const NearColour& colour = candidates_.nearest[static_cast<std::size_t>(s.cell[i])];
-            for (std::size_t c = 0; c < 3; ++c) s.own[c][i] = colour.mean[c];
+            for (std::size_t c = 0; c < 3; ++c) {
+                s.own[c][i] = colour.mean[c] + kSpillOfRim * s.backing[c][i];
+            }
             for (std::size_t q = 0; q < 6; ++q) s.own[3 + q][i] = colour.covariance[q];
             s.near[i] = kernel::float_exp(colour.away * per_pixel);
         }
@@ -216,7 +225,8 @@ class Solver {
         const float per_pixel = 1.0f / pixels_of(kPixelsPerCost);
         for (std::size_t k = 0; k < candidates_.clusters.size(); ++k) {
             const Floats& away = candidates_.away[k];
-            const float least = gather_scaled(away.begin(), s.wide_cell.data(), per_pixel, s.away.data(), count_);
+            const float least =
+                gather_scaled(away.begin(), s.wide_cell.data(), per_pixel, s.away.data(), count_);
             // No cost is below that of noise alone.
             if (cost_of_noise_ + least >= greatest(s.best.data(), count_)) continue;
             solve_common(noise_, pixels(s), candidates_.clusters[k], s.other.pointers(), count_);
@@ -247,6 +257,7 @@ class Solver {
     float cost_of_noise_;
     int left_ = 0;
     int bottom_ = 0;
+    std::unique_ptr<Scratch> scratch_;  // too large for a stack
     std::size_t count_ = 0;
 };
 

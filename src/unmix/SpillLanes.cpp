@@ -11,6 +11,7 @@ using std::size_t;
 constexpr float kLeastAlpha = 0.12f;
 constexpr float kOwnColour = 0.9f;  // alphas from which a pixel's own colour is looked at
 constexpr float kMostColour = 1.2f;
+constexpr float kMostOwn = 1.5f;  // of what is mixed; what is beyond is the backing's, whose model missed it
 constexpr float kLeastGain = 0.3f;
 
 [[gnu::always_inline]] inline float larger(float a, float b) {
@@ -71,7 +72,8 @@ void take_backing(const float* plate, const float* backing, const float* alpha, 
 #pragma GCC ivdep
     for (size_t i = 0; i < n; ++i) {
         const float left = plate[i] - (1.0f - alpha[i]) * backing[i];
-        colour[i] = alpha[i] > 0.0f ? left : 0.0f;
+        const float whole = alpha[i] < 1.0f ? clamped(0.0f, kMostOwn * alpha[i], left) : left;
+        colour[i] = alpha[i] > 0.0f ? whole : 0.0f;
     }
 }
 

@@ -48,8 +48,9 @@ class Finder {
     void strip(int from, int to) const {
         const int rows = to - from;
         Strip<float> odd(width_, rows, kGrow + 1);
+        std::vector<float> lines(3 * size());
         for (int y = -odd.halo(); y < rows + odd.halo(); ++y)
-            odd_row(std::clamp(from + y, 0, height_ - 1), odd.row(y));
+            odd_row(std::clamp(from + y, 0, height_ - 1), lines, odd.row(y));
         Strip<std::uint8_t> mask(width_, rows, kGrow);
         for (int y = -kGrow; y < rows + kGrow; ++y) {
             mostly_odd({odd.row(y - 1), odd.row(y), odd.row(y + 1)}, mask.row(y) + 1, size());
@@ -75,7 +76,7 @@ class Finder {
         row[width_ + 1] = row[width_];
     }
 
-    void odd_row(int y, float* odd) const {
+    void odd_row(int y, std::vector<float>& lines, float* odd) const {
         const auto around = [&](std::size_t c, int x) {
             std::array<const float*, 3> rows{};
             for (int d = 0; d < 3; ++d) {
@@ -84,12 +85,7 @@ class Finder {
             }
             return rows;
         };
-        thread_local std::array<std::vector<float>, 3> lines;
-        std::array<float*, 3> out{};
-        for (std::size_t c = 0; c < 3; ++c) {
-            lines[c].resize(size());
-            out[c] = lines[c].data();
-        }
+        const std::array<float*, 3> out{lines.data(), lines.data() + size(), lines.data() + 2 * size()};
         backing_.row(y, 0, width_, out);
         if (width_ > 2) {
             odd_pixels(params_, {around(0, 1), around(1, 1), around(2, 1)},

@@ -1,6 +1,7 @@
 #include "unmix/VlxUnmixClean.h"
 
 #include "unmix/CleanFrame.h"
+#include "unmix/Islands.h"
 #include "unmix/Light.h"
 #include "unmix/VlxUnmixBacking.h"
 #include "unmix/VlxUnmixSolids.h"
@@ -27,6 +28,7 @@ bool VlxUnmixClean::compute(Lock& helpers) {
     return run_kernel(*this, helpers, [&](const ParallelLoop& loop) {
         unmix::clean_frame(scale, solids_.segmentation(), solve_.solution(),
                            {params().denoise, params().detail}, alpha_, loop);
+        if (params().denoise > 0.0f) unmix::drop_marks(scale, solids_.segmentation(), alpha_, loop);
         unmix::fill_holes(scale, alpha_, loop);
         loop(0, alpha_.height(), 16, [&](int begin, int end) {
             for (int y = begin; y < end; ++y) {

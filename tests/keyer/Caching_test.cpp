@@ -106,7 +106,11 @@ TEST(Caching, AnySeriesOfChangesEqualsAFreshNode) {
         "screen_shrink 1,2; screen_tolerance 0.6,0.55,0.7; brights 110; color_conformance 1; "
         "color_conformance 0; color_hue 11; spill_suppression 0; spill_suppression 1; spill_strength 55; "
         "spill_backgroundveiling 0.5,0.4,0.4; output_mode premultiplied; output_mode composite; matte_scale "
-        "linear; matte_scale knee; merge add; merge multiply");
+        "linear; matte_scale knee; merge add; merge multiply; highlights keep; unmix_method unmix; "
+        "unmix_method "
+        "colour difference; unmix_method unmix; unmix_encoding sRGB; unmix_encoding as stored; unmix_folds "
+        "0; "
+        "unmix_solid 0.9; unmix_veil 0.2; unmix_denoise 0; unmix_spill 0");
     // Nothing kept, room for everything, and for about five planes.
     for (const std::size_t budget : {0U, 1U << 26U, 120000U}) {
         std::mt19937 random(23);

@@ -1,6 +1,7 @@
 // The node as a whole: wiring, requests, what a change recomputes, independence of threads and forms.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <string>
 #include <vector>
@@ -65,7 +66,7 @@ TEST(Graph, AlternativesOfTheWiring) {
         {true,
          "unmix_method unmix",
          {"unmixColour 0 unmixClean", "shrinkCU 0 unmixMatte", "blurCU 0 unmixMatte", "cleanup 0 unmixMatte",
-          "combineShadow 0 unmixMatte", "combineShadow 1 unmixMatte"}},
+          "shadowBlur 0 unmixShadow", "combineShadow 0 unmixMatte", "combineShadow 1 unmixMatte"}},
         {false,
          "unmix_method unmix; color_conformance 1; cleanup 1; cleanup_blur 1,1",
          {"colorCorrection 0 unmixMatte", "blurCU 0 unmixMatte", "cleanup 0 blurCU",
@@ -84,6 +85,33 @@ TEST(Graph, AlternativesOfTheWiring) {
             EXPECT_EQ(rig.reads(reader.c_str(), input), source) << c.settings << ": " << expected;
         }
     }
+}
+
+// A shadow on the backing that grows to 0.4 in its middle, off the subject.
+TEST(Graph, TheUnmixedShadowIsWhatTheBackingLacks) {
+    const Box frame{0, 0, 160, 90};
+    const auto light = [](int x, int y) {
+        const float dx = static_cast<float>(x - 110) / 18.0f;
+        const float dy = static_cast<float>(y - 45) / 18.0f;
+        return 1.0f - 0.4f * std::exp(-0.5f * (dx * dx + dy * dy));
+    };
+    Rig rig(frame, [&](Channel c, int x, int y) {
+        const bool subject = (x - 35) * (x - 35) + (y - 45) * (y - 45) < 400;
+        return subject ? 0.5f + 0.05f * static_cast<float>(c) : light(x, y) * green_screen(c, 0, y);
+    });
+    rig.node.set_input(2, &rig.bg);
+    rig.set("unmix_method unmix; shadow 1");
+    const test::Picture shadow = test::render(rig.member("unmixShadow"), frame, 2);
+    EXPECT_NEAR(shadow.at(kAlpha, 110, 45), 102.0f, 25.0f);
+    EXPECT_NEAR(shadow.at(kAlpha, 110, 5), 0.0f, 20.0f);
+    const test::Picture kept = test::render(rig.node, frame, 2);
+    rig.set("shadow 0");
+    const test::Picture gone = test::render(rig.node, frame, 2);
+    EXPECT_GT(kept.at(kAlpha, 110, 45), 0.03f);
+    EXPECT_LT(kept.at(kRed, 110, 45), gone.at(kRed, 110, 45));
+    EXPECT_LT(gone.at(kAlpha, 110, 45), 0.02f);
+    EXPECT_EQ(kept.at(kAlpha, 35, 45), 1.0f);
+    EXPECT_NEAR(kept.at(kRed, 35, 45), gone.at(kRed, 35, 45), 1e-5f);
 }
 
 TEST(Graph, EveryMemberIsWired) {

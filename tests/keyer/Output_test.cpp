@@ -136,16 +136,17 @@ TEST(OutputKernel, UnmixedColour) {
         // Lowered, risen, left out; without a share.
         {kStored, 0.4f, 0.5f, 0.2f, 0.8f, 0.5f, 0.1f, 0.5f},
         {kStored, 0.2f, 0.5f, 0.8f, 0.4f, 0.3f, 0.4f, 0.5f},
-        {kStored, 0.4f, -0.0f, 0.0f, 0.8f, -0.0f, 0.0f, 0.5f},
+        {kStored, 0.4f, -0.0f, 0.0f, 0.8f, -0.0f, 0.0f, 0.0f},
         {kStored, 0.0f, 0.5f, 0.5f, 0.0f, 0.25f, 0.0f, 0.0f},
         // Bright and solid before what is not finite.
         {kStored, 1000.0f, kInf, 1.0f, 1.0f, 1000.0f, 1000.0f, 1000.0f},
         {kSrgb, 1000.0f, kNaN, 1.0f, 1.0f, 1000.0f, 1000.0f, 1000.0f},
         {kStored, kNaN, 0.5f, 0.5f, 0.5f, kNaN, kNaN, kNaN},
+        {kStored, -1.0f, 0.0f, 1e-6f, 1e-6f, -1.0f, -1.0f, -65504.0f},
         // White over black and half grey over white, by light.
         {kSrgb, 0.5f, 0.0f, 0.5f, 0.5f, 0.735357f, 0.5f, 1.0f},
         {kSrgb, 0.25f, 1.0f, 0.25f, 0.5f, 0.908087f, 0.125f, 0.5f},
-        {kSrgb, 0.25f, -0.25f, 0.0f, 0.5f, -0.25f, 0.0f, 0.5f},
+        {kSrgb, 0.25f, -0.25f, 0.0f, 0.5f, -0.25f, 0.0f, 0.0f},
     };
     for (const auto& c : cases) {
         const auto check = [&](OutputMode mode, float expected) {
@@ -297,7 +298,10 @@ TEST(Output, TheFinalMatteDecidesWhatIsBackgroundAlone) {
         {false, "cleanup 1"},
         {false, "cleanup 1; cleanup_shrink 10,10; cleanup_blur 2,1"},
         {true, ""},
-        {false, "shadow 1; cleanup 1"}};
+        {false, "shadow 1; cleanup 1"},
+        {false, "unmix_method unmix"},
+        {false, "unmix_method unmix; unmix_encoding sRGB; color_conformance 1"},
+        {false, "unmix_method unmix; shadow 1; cleanup 1"}};
     const float backing[] = {0.0f, 0.2f, 0.65f, 0.3f};
     const auto half_even = [&](Channel c, int x, int y) {
         return x < 12 ? backing[static_cast<std::size_t>(c)] : green_screen(c, x, y);

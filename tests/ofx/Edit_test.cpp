@@ -250,6 +250,24 @@ TEST_F(Edit, ValuesAloneBringAnInstanceBack) {
     take_messages();
 }
 
+// Sample lists that the picture depends on reach the nodes that render.
+TEST_F(Edit, WhatUnmixWasTaughtIsRendered) {
+    const Settings settings = look("unmix_method 1");
+    const auto effect = instance(two_clips(), settings);
+    const Frame before = effect->render();
+    sample(*effect, "toolbar_unmixbacking", kFigure);
+    Reference node(two_clips(), settings);
+    node.panel.set_from_text("us_unmix_backing", effect->params.get("us_unmix_backing").value().text);
+    node.node.invalidate();
+    const Frame taught = effect->render();
+    EXPECT_EQ(differences(taught, node.render()), 0);
+    EXPECT_GT(differences(taught, before), 100);
+    effect->press("unmix_reset");
+    effect->set("unmix_method", {1});
+    EXPECT_EQ(differences(effect->render(), before), 0);
+    take_messages();
+}
+
 TEST_F(Edit, PreferencesSayWhetherColourIsMultiplied) {
     const char *pre = kOfxImagePreMultiplied, *un = kOfxImageUnPreMultiplied, *finished = kOfxImageOpaque;
     const struct {

@@ -25,6 +25,7 @@ const Settings kLooks[] = {{},
                            kShadow,
                            look("film 1, film_strength 80, film_shrink 1 3, color_conformance 1, color_hue "
                                 "40, edge_kernel 5, brights 130"),
+                           look("unmix_method 1, unmix_encoding 1, cleanup 1"),
                            look("screen_correct 0, output_mode 2, matte_scale 1, merge 1")};
 
 // In pieces of 13 by 9 pixels, in random order, from two threads.
