@@ -207,6 +207,7 @@ class Fit {
             }
             const auto middle = gains.begin() + static_cast<std::ptrdiff_t>(gains.size() / 2);
             std::nth_element(gains.begin(), middle, gains.end());
+            model_.gain[c] = *middle;
             for (float& v : base_[c]) v *= *middle;
         }
     }

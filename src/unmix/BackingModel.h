@@ -36,6 +36,8 @@ struct BackingModel {
     std::array<float, 3> sigma{};
     std::array<float, 3> colour{};  // of the screen: the median backing over its primary's
 
+    std::array<float, 3> gain{1.0f, 1.0f, 1.0f};  // of this frame's light over the shot's, by its base
+
     // As they were found in this frame, for the shot's model.
     std::vector<double> hue;                // cells by bins of hue
     std::optional<FrameCubic::Form> cubic;  // nothing with a clean plate

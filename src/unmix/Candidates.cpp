@@ -232,11 +232,19 @@ class Finder {
     std::vector<Group> cells_of(const std::vector<ColourGroup>& known,
                                 const std::vector<std::size_t>& cells) const {
         std::vector<std::array<double, 3>> means;
-        for (const ColourGroup& colours : known) means.push_back(colours.mean);
+        for (const ColourGroup& colours : known) means.push_back(in_light_of_frame(colours).mean);
         std::vector<Group> groups = groups_of(nearest_clusters(colours_of(cells), std::move(means)), cells);
-        for (std::size_t k = 0; k < groups.size(); ++k) groups[k].colours = known[k];
+        for (std::size_t k = 0; k < groups.size(); ++k) groups[k].colours = in_light_of_frame(known[k]);
         leave_out_small(groups);
         return groups;
+    }
+
+    // The subject stands in the light that the backing shows to flicker.
+    ColourGroup in_light_of_frame(ColourGroup group) const {
+        const auto gain = [&](std::size_t c) { return static_cast<double>(backing_.gain[c]); };
+        for (std::size_t c = 0; c < 3; ++c) group.mean[c] *= gain(c);
+        for (std::size_t n = 0; n < 6; ++n) group.covariance[n] *= gain(kPairs[n][0]) * gain(kPairs[n][1]);
+        return group;
     }
 
     static ColourGroup described(const std::vector<std::array<float, 3>>& samples) {

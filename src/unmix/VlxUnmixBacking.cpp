@@ -22,6 +22,7 @@ bool VlxUnmixBacking::compute(Lock& helpers) {
     const Box& box = info_.box;
     unmix::BackingModel& model = model_;
     model.cubic.reset();
+    model.gain = {1.0f, 1.0f, 1.0f};
     model.scale = unmix::FrameScale(box.width(), box.height());
     model.screen = params().screen;
     model.others = {params().screen == 0 ? 1 : 0, params().screen == 2 ? 1 : 2};
