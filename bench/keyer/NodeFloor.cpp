@@ -58,12 +58,27 @@ const Part kShadowBlur{{{"blur_add, 5 lines", 2}, {"blur_finish", 2}}, 0};
 const Part kColour{{{"conform_colour", 1}}, 0};
 const Part kOverlay{{{"overlay", 1}}, 0};
 
+// Of the pixels a tenth are unknown, and solved for ten colours each, with what lies around their tiles; half
+// are the subject's. The plate is written in light and read four times, the solution's three planes and the
+// matte written and read, the colour written and read; foreground and background are read, four channels
+// written.
+const Part kUnmix{{{"odd_pixels", 1},
+                   {"solve_common", 0.1 * 10 * 1.3},
+                   {"box_sum, radius 3", 0.2 * 8},
+                   {"pull_to_clear", 0.2 * 2},
+                   {"take_backing", 3},
+                   {"remove_spill", 0.5},
+                   {"linear_opacity", 2},
+                   {"added_colour", 3}},
+                  3 + 3 * 5 + 3 * 2 + 2 + 3 * 2 + 3 + 4};
+
 using Parts = std::vector<const Part*>;
 const std::map<std::string, Parts> kParts{
     {"default", {&kBase, &kConstant, &kShrink}},
     {"clean plate", {&kBase, &kPlate, &kShrink, &kShrink}},
     {"edge kernel 3", {&kBase, &kConstant, &kShrink, &kEdges}},
     {"clean-up, shrink 2, blur 2", {&kBase, &kConstant, &kShrink, &kCleanUp}},
+    {"unmix", {&kUnmix}},
     {"film", {&kBase, &kConstant, &kShrink, &kShrink, &kFilm}},
     {"shadows", {&kBase, &kConstant, &kShrink, &kShadow, &kPlainShadow}},
     {"shadows, clean plate", {&kBase, &kPlate, &kShrink, &kShrink, &kShadow, &kPlateShadow}},
@@ -77,7 +92,7 @@ double kernel_floor(const std::string& name) {
     static const std::map<std::string, double> floors = [] {
         std::map<std::string, double> made;
         for (const auto& folder :
-             {stages_kernels(), screen_kernels(), framework_kernels(), output_kernels()}) {
+             {stages_kernels(), screen_kernels(), framework_kernels(), output_kernels(), unmix_kernels()}) {
             for (const Kernel& kernel : folder) made[kernel.name] = floor_nanoseconds(kernel.pixel);
         }
         return made;

@@ -52,6 +52,7 @@ const std::vector<Configuration> kConfigurations{
          k.cleanup_shrink = {2.0, 2.0};
          k.cleanup_blur = {2.0, 2.0};
      }},
+    {"unmix", false, [](KnobStorage& k) { k.unmix_method = 1; }},
     {"film", false,
      [](KnobStorage& k) {
          k.film = true;

@@ -72,7 +72,7 @@ const std::vector<Kernel>& all_kernels() {
     static const std::vector<Kernel> all = [] {
         std::vector<Kernel> made;
         for (const auto& folder :
-             {stages_kernels(), screen_kernels(), framework_kernels(), output_kernels()}) {
+             {stages_kernels(), screen_kernels(), framework_kernels(), output_kernels(), unmix_kernels()}) {
             made.insert(made.end(), folder.begin(), folder.end());
         }
         return made;

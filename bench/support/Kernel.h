@@ -70,6 +70,7 @@ std::vector<Kernel> stages_kernels();
 std::vector<Kernel> screen_kernels();
 std::vector<Kernel> framework_kernels();
 std::vector<Kernel> output_kernels();
+std::vector<Kernel> unmix_kernels();
 const std::vector<Kernel>& all_kernels();
 
 }  // namespace bench

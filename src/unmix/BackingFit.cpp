@@ -15,7 +15,7 @@ namespace unmix {
 
 namespace {
 
-constexpr int kRounds = 4;
+constexpr int kRounds = 3;
 constexpr float kLastRound = 0.85f;  // of the tolerance
 
 constexpr float kNoiseTolerance = 1.1f;  // times the deviation of the noise
@@ -29,7 +29,7 @@ constexpr float kTaughtTolerance = 3.0f;
 // hue grow, to so much at that.
 constexpr float kPaint = 0.025f;
 constexpr float kCloth = 0.04f;
-constexpr float kMostOfCloth = 1.75f;
+constexpr float kMostOfCloth = 1.5f;
 constexpr float kUnevenNoise = 1.2f;
 constexpr float kUneven = 0.015f;
 constexpr float kDarkestFold = 0.35f;  // below the brightness around
@@ -295,10 +295,10 @@ class Fit {
         if (!(settings_.folds > 0.0f)) return false;
         const float level = colour[screen()];
         const float share = level / std::max(wide, 0.02f);
+        const float folds = cloth_ * settings_.folds;
         return std::abs(level - around) < kUnevenNoise * model_.sigma[screen()] + kUneven * level &&
-               share > 1.0f - kDarkestFold * settings_.folds &&
-               share < 1.0f + kBrightestFold * settings_.folds && same_hue(colour, backing, local) &&
-               same_hue(colour, base(i), fold);
+               share > 1.0f - kDarkestFold * folds && share < 1.0f + kBrightestFold * folds &&
+               same_hue(colour, backing, local) && same_hue(colour, base(i), fold);
     }
 
     void finish() {

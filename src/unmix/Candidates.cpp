@@ -49,6 +49,35 @@ float own_spread(std::size_t n) {
     return (kPairs[n][0] == kPairs[n][1] ? kOwnChroma * kOwnChroma : 0.0f) + kOwnBrightness * kOwnBrightness;
 }
 
+constexpr float kTaughtChroma = 0.03f;
+constexpr float kTaughtBrightness = 0.25f;  // of its own
+constexpr float kLeastTaught = 0.05f;       // alpha
+
+// The colour that, so opaque before the usual backing, looks as it was pointed at.
+CommonColour taught(const SeenThrough& seen, const std::array<float, 3>& backing) {
+    const float alpha = std::clamp(seen.alpha, kLeastTaught, 1.0f);
+    CommonColour colour{};
+    for (std::size_t c = 0; c < 3; ++c) {
+        colour.mean[c] = std::clamp((seen.colour[c] - (1.0f - alpha) * backing[c]) / alpha, 0.0f, 1.5f);
+    }
+    for (std::size_t n = 0; n < kPairs.size(); ++n) {
+        const auto [i, j] = kPairs[n];
+        colour.covariance[n] = (i == j ? kTaughtChroma * kTaughtChroma : 0.0f) +
+                               kTaughtBrightness * kTaughtBrightness * colour.mean[i] * colour.mean[j];
+    }
+    return colour;
+}
+
+std::array<float, 3> usual_backing(const BackingModel& backing) {
+    std::array<float, 3> mean{};
+    for (std::size_t c = 0; c < 3; ++c) {
+        double sum = 0.0;
+        for (const float v : backing.coarse[c]) sum += static_cast<double>(v);
+        mean[c] = static_cast<float>(sum / static_cast<double>(backing.coarse[c].size()));
+    }
+    return mean;
+}
+
 class Finder {
   public:
     Finder(const BackingModel& backing, const Segmentation& segmentation, const ParallelLoop& loop)
@@ -310,6 +339,12 @@ Candidates find_candidates(const BackingModel& backing, const Segmentation& segm
     Candidates found;
     found.neutral = neutral(settings.veil * segmentation.spill);
     Finder(backing, segmentation, loop).run(settings, found);
+    for (const SeenThrough& seen : settings.see_through) {
+        found.clusters.push_back(taught(seen, usual_backing(backing)));
+        Floats& away = found.away.emplace_back((backing.coarse[0].width() + 1) / 2,
+                                               (backing.coarse[0].height() + 1) / 2);
+        away.fill(0.0f);
+    }
     return found;
 }
 

@@ -1,6 +1,7 @@
 // The colours that the subject may have at a pixel, taken from the rims of its solids, spill included.
 #pragma once
 
+#include <span>
 #include <vector>
 
 #include "framework/ParallelLoop.h"
@@ -21,12 +22,19 @@ struct NearColour {
 struct Candidates {
     CommonColour neutral{};
     std::vector<NearColour> nearest;     // a coarse cell each; empty without solids to take colours from
-    std::vector<CommonColour> clusters;  // of the rims' colours
+    std::vector<CommonColour> clusters;  // of the rims' colours, and what was pointed at
     std::vector<Floats> away;  // of each cluster, cells of twice the coarse side: pixels to its nearest
+};
+
+// What a see-through thing looks like, in light, where it is so opaque.
+struct SeenThrough {
+    std::array<float, 3> colour;
+    float alpha;
 };
 
 struct CandidateSettings {
     float veil = 0.7f;
+    std::span<const SeenThrough> see_through;
     const std::vector<ColourGroup>* rims = nullptr;  // in place of this frame's
 };
 

@@ -119,6 +119,10 @@ class Reader {
         return error == std::errc() && end == word.data() + word.size();
     }
 
+    static std::string finite(std::size_t count) {
+        return count == 1 ? "a finite number is" : std::to_string(count) + " finite numbers are";
+    }
+
     bool take_finite(std::size_t at, std::span<double> numbers) const {
         if (words_.size() != at + numbers.size()) return false;
         for (double& v : numbers) {
@@ -153,7 +157,7 @@ class Reader {
         each_number(found_, [&](std::string_view own, std::span<double> numbers) {
             if (name != own) return;
             known = true;
-            if (!take_finite(1, numbers)) expect(std::to_string(numbers.size()) + " finite numbers are");
+            if (!take_finite(1, numbers)) expect(finite(numbers.size()));
         });
         if (!known) expect("the name of something that a shot has is");
     }
@@ -188,7 +192,8 @@ class Reader {
     void read_bin(ShotModel::Bins& bins, std::size_t count) {
         std::size_t bin = 0;
         std::array<double, 1> v{};
-        const bool good = words_.size() == 3 && take(1, bin) && bin < count && take_finite(2, v) && v[0] > 0.0;
+        const bool good =
+            words_.size() == 3 && take(1, bin) && bin < count && take_finite(2, v) && v[0] > 0.0;
         if (!good || !bins.emplace(bin, v[0]).second) {
             expect("a new bin below " + std::to_string(count) + " and a number above 0 are");
         }

@@ -1,9 +1,9 @@
-// What is measured over the frames of a shot, so that all are keyed by the same numbers, and none by the frame
-// before it.
+// What is measured over the frames of a shot, so that all are keyed by the same numbers, and none by the
+// frame before it.
 //
-// Holds sums over the frames in the order that they were added; the means are what operators take. Colours are
-// in light. As text: a line "veloxa-shot 1", then lines "name value...", # begins a comment; numbers read back
-// to the same bits.
+// Holds sums over the frames in the order that they were added; the means are what operators take. Colours
+// are in light. As text: a line "veloxa-shot 1", then lines "name value...", # begins a comment; numbers read
+// back to the same bits.
 #pragma once
 
 #include <array>
@@ -34,9 +34,9 @@ struct ShotModel {
     std::optional<std::array<float, 3>> mean_sigma(const unmix::FrameScale& scale) const;
     std::optional<unmix::Covariance> mean_noise(const unmix::FrameScale& scale) const;
     std::array<float, 3> mean_colour() const;
-    std::optional<float> mean_spill() const;               // nothing where no frame has solids
+    std::optional<float> mean_spill() const;                   // nothing where no frame has solids
     std::optional<unmix::FrameCubic::Form> mean_base() const;  // nothing where all have clean plates
-    std::vector<double> hue_counts() const;                // of all bins
+    std::vector<double> hue_counts() const;                    // of all bins
     std::vector<float> own_counts() const;  // of all of SpillGrid, a frame's; empty where nothing was opaque
 
     std::string text() const;
@@ -51,8 +51,8 @@ struct ShotModel {
 
     std::array<double, 3> sigma{};  // of a pixel's noise
     std::array<double, 6> noise{};
-    std::array<double, 3> colour{};               // of the screen
-    double spill = 0.0;                           // of the rims
+    std::array<double, 3> colour{};                // of the screen
+    double spill = 0.0;                            // of the rims
     std::array<std::array<double, 12>, 3> base{};  // low and high bound, coefficients
     std::vector<unmix::ColourGroup> rims;
     Bins hue;  // cells by hue

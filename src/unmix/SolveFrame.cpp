@@ -27,7 +27,7 @@ constexpr float kNearness = 8.0f;        // the less so the farther: a length
 constexpr float kPixelsPerCost = 40.0f;  // a length
 constexpr float kMostLead = 20.0f;
 constexpr float kSpillOfRim = 0.04f;  // of the backing that a rim holds beyond what lies further in
-constexpr std::uint8_t kNeutral = 1;
+constexpr float kNeutral = 1.0f;
 constexpr float kNearest = 2.0f;
 
 using Line = std::array<float, kMost>;
@@ -75,17 +75,14 @@ class Solver {
         Scratch& s = scratch();
         gather(s);
         solve_common(noise_, pixels(s), candidates_.neutral, s.neutral.pointers(), count_);
-        if (candidates_.nearest.empty()) {
-            write(s, s.neutral);
-            return;
+        const bool solids = !candidates_.nearest.empty();
+        if (solids) {
+            solve_nearest(s);
+        } else {
+            start_from_neutral(s);
         }
-        solve_nearest(s);
         try_clusters(s);
-        for (std::size_t i = 0; i < count_; ++i) {
-            s.lead[i] = s.neutral.cost[i] - s.chosen.cost[i];
-        }
-        average(s, s.lead, kMostLead, s.mean);
-        mix_neutral(s.neutral.pointers(), s.mean.data(), s.near.data(), choice(s), count_);
+        if (solids) mix(s);
         write(s, s.chosen);
     }
 
@@ -221,6 +218,18 @@ class Solver {
         std::copy_n(s.chosen.alpha.begin(), count_, s.guess.begin());
     }
 
+    void start_from_neutral(Scratch& s) {
+        s.chosen = s.neutral;
+        std::fill_n(s.number.begin(), count_, kNeutral);
+        average(s, s.chosen.cost, kMostCost, s.best);
+    }
+
+    void mix(Scratch& s) {
+        for (std::size_t i = 0; i < count_; ++i) s.lead[i] = s.neutral.cost[i] - s.chosen.cost[i];
+        average(s, s.lead, kMostLead, s.mean);
+        mix_neutral(s.neutral.pointers(), s.mean.data(), s.near.data(), choice(s), count_);
+    }
+
     void try_clusters(Scratch& s) {
         const float per_pixel = 1.0f / pixels_of(kPixelsPerCost);
         for (std::size_t k = 0; k < candidates_.clusters.size(); ++k) {
@@ -244,8 +253,7 @@ class Solver {
             solution_.alpha(left_ + x, bottom_ + y) = from.alpha[i];
             solution_.variance(left_ + x, bottom_ + y) = from.by_noise[i];
             solution_.deviation(left_ + x, bottom_ + y) = std::sqrt(from.variance[i]);
-            solution_.candidate(left_ + x, bottom_ + y) =
-                candidates_.nearest.empty() ? kNeutral : static_cast<std::uint8_t>(s.number[i]);
+            solution_.candidate(left_ + x, bottom_ + y) = static_cast<std::uint8_t>(s.number[i]);
         }
     }
 

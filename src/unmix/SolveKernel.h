@@ -1,7 +1,7 @@
 // Alpha of pixels whose subject's colour F is known but for a spread: the likeliest alpha of
 // plate - backing = alpha * (F - backing) + noise, where F has a mean m and a covariance Q, so that the noise
 // is N + alpha^2 Q (after Chuang, Curless, Salesin, Szeliski: A Bayesian approach to digital matting, 2001;
-// here F is integrated out). Three rounds from a first guess, each a weighted least square.
+// here F is integrated out). Two rounds from a first guess, each a weighted least square.
 #pragma once
 
 #include <array>
@@ -9,7 +9,7 @@
 
 #include "lanes/LaneKernel.h"
 
-inline constexpr int kSolveRounds = 3;
+inline constexpr int kSolveRounds = 2;
 
 // Pixels to solve, n of each. Colours in light.
 struct UnmixPixels {

@@ -29,7 +29,7 @@ struct Answer {
     float a = p.guess;
     float c00 = 0.0f, c01 = 0.0f, c02 = 0.0f, c11 = 0.0f, c12 = 0.0f, c22 = 0.0f;
     float w0 = 0.0f, w1 = 0.0f, w2 = 0.0f, det = 1.0f, inverse = 1.0f, weight = 1.0f;
-#pragma GCC unroll 3
+#pragma GCC unroll 2
     for (int round = 0; round < kSolveRounds; ++round) {
         const float aa = a * a;
         const float s00 = n.s00 + aa * q.s00;

@@ -11,20 +11,24 @@ using namespace Zo::Image;
 
 void VlxUnmixSolve::append_params(Hash& hash) const {
     hash.append(static_cast<double>(params().veil));
-    hash.append(static_cast<double>(params().detail));
     append_colours(hash, params().see_through);
     append_shot(hash);
 }
 
 bool VlxUnmixSolve::compute(Lock& helpers) {
     if (!backing_.make(helpers) || !solids_.make(helpers)) return false;
+    std::vector<unmix::SeenThrough> see_through;
+    const auto colours = colours_in_light(params().see_through);
+    for (std::size_t i = 0; i < colours.size(); ++i) {
+        see_through.push_back({colours[i], params().see_through[i].alpha});
+    }
     return run_kernel(*this, helpers, [&](const ParallelLoop& loop) {
         const unmix::BackingModel& backing = backing_.model();
         const unmix::Segmentation& segmentation = solids_.segmentation();
         const ShotModel* const shot = params().shot.get();
         const bool known = shot != nullptr && !shot->rims.empty();
         const unmix::Candidates candidates = unmix::find_candidates(
-            backing, segmentation, {params().veil, known ? &shot->rims : nullptr}, loop);
+            backing, segmentation, {params().veil, see_through, known ? &shot->rims : nullptr}, loop);
         unmix::solve_frame(backing, segmentation, candidates, solution_, loop);
     });
 }

@@ -4,7 +4,7 @@
 //
 // Input 0 the solids. Result: Solution. As rows: red the candidate chosen (over 16), green the deviation of
 // alpha by noise, blue by all, alpha alpha.
-// Depends on "veil", "detail", what was taught as see-through, and the shot's model.
+// Depends on "veil", what was taught as see-through, and the shot's model.
 #pragma once
 
 #include "unmix/Solution.h"

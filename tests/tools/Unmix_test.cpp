@@ -1,6 +1,9 @@
 // The strokes that teach the unmixing matte.
 #include <gmock/gmock.h>
 
+#include <cmath>
+
+#include "ZoImage/Script.h"
 #include "panel/VeloxaSample_Knob.h"
 #include "tools/PatchRig.h"
 
@@ -52,6 +55,51 @@ TEST(Unmix, IsTaught) {
         EXPECT_EQ(list.count(), 0);
         EXPECT_EQ(hash(), before);
     }
+}
+
+// A grey figure with a soft edge of half a grey before a green backing that has a little grain; later a
+// reddish wall that the backing shines on comes in.
+float figure(Channel c, int x, int y, bool wall, float light) {
+    const auto i = static_cast<std::size_t>(c) - 1;
+    constexpr Rgb kGreen{0.15f, 0.6f, 0.2f};
+    const float grain = 0.002f * static_cast<float>((x * 7 + y * 13 + static_cast<int>(i) * 5) % 5 - 2);
+    const float alpha = x < 20 || x >= 160 ? 0.0f : x < 120 ? 1.0f : 0.5f;
+    const float subject = wall && x >= 240 ? Rgb{0.5f, 0.42f, 0.3f}[i] : 0.4f * alpha;
+    const float covered = wall && x >= 240 ? 1.0f : alpha;
+    return light * (subject + (1.0f - covered) * kGreen[i]) + grain;
+}
+
+// What comes and goes elsewhere, and flickering light, leave the veil as it is.
+TEST(Unmix, AShotKeepsAVeilFromBreathing) {
+    const Box frame{0, 0, 400, 240};
+    ToolRig rig;
+    FunctionSource fg(frame, kMaskRgb, [](Channel, int, int) { return 0.0f; });
+    rig.node.set_input(0, &fg);
+    rig.set("screen_color", "0.15,0.6,0.2");
+    rig.set("unmix_method", "unmix");
+    const auto show = [&](bool wall, float light) {
+        fg.set_pixel([=](Channel c, int x, int y) { return figure(c, x, y, wall, light); });
+    };
+    const auto veil = [&](bool wall, float light) {
+        show(wall, light);
+        Renderer renderer(2);
+        const Picture alpha = render(renderer, *rig.node.child("unmixClean")->as_iop(), frame);
+        double sum = 0.0;
+        for (int x = 130; x < 150; ++x) sum += static_cast<double>(alpha.at(kAlpha, x, 120)) / 20.0;
+        return sum;
+    };
+    const auto breathes = [&] { return std::abs(veil(true, 1.02f) - veil(false, 0.98f)); };
+    const double without = breathes();
+    for (const bool wall : {false, true}) {
+        show(wall, 1.0f);
+        rig.use("unmix_analyse");
+    }
+    EXPECT_EQ(rig.report().failure, "") << rig.told();
+    EXPECT_GT(without, 0.01);
+    EXPECT_LT(breathes(), 0.3 * without);
+    EXPECT_EQ(write_script(rig.panel).find("unmix_shot"), std::string::npos);
+    rig.reset("Unmix");
+    EXPECT_EQ(rig.text("unmix_shot"), "");
 }
 
 }  // namespace
