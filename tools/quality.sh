@@ -14,7 +14,8 @@ size=${SIZE:-960x540}
 screens=${SCREENS:-green blue}
 page=docs/quality.md
 methods=(
-    'colour difference: --auto'
+    'unmix: --auto'
+    'colour difference: --auto --set unmix_method=0'
 )
 
 update=

@@ -127,7 +127,7 @@ void KeySetup::prepare() {
     apply_strokes(0, before);
     if (options_.automatic) {
         show(first_foreground().second);
-        note(set_up_automatically(node_, names_[kFg].at(*shown_)));
+        note(set_up_automatically(node_, {foreground_, names_[kFg].at(*shown_)}, strokes_));
     }
     apply_strokes(before, strokes_.size());
     show_nothing();

@@ -4,9 +4,10 @@
 #include <cctype>
 #include <string_view>
 
+#include "ZoImage/KnobValues.h"
 #include "shot/Errors.h"
 #include "shot/Numbers.h"
-#include "shot/setup/ScreenChoice.h"
+#include "shot/files/EncodingGuess.h"
 
 namespace veloxa {
 
@@ -80,10 +81,43 @@ ToolReport apply_stroke(const Node& node, const Stroke& stroke) {
     return node.use_tool(*stroke.tool).front();
 }
 
-std::vector<ToolReport> set_up_automatically(Node& node, const std::string& file) {
-    const Hold hold(node.named());
+bool turns_difference(const Stroke& stroke) {
+    static const std::set<std::string> kNames{"addoverlay", "removeoverlay", "addmatte", "restorespill",
+                                              "removespill"};
+    return kNames.contains(plain_name(stroke.tool->name()));
+}
+
+std::vector<ToolReport> set_up_automatically(Node& node, const NamedImage& from,
+                                             const std::vector<Stroke>& strokes) {
+    std::set<Knob*> held = node.named();
+    const auto asks = std::ranges::find_if(strokes, turns_difference);
+    if (asks != strokes.end()) held.insert(&node.panel().get("unmix_method"));
+    const Hold hold(held);
+    Knob& encoding = node.panel().get("unmix_encoding");
+    Knob* const only = &encoding;
+    const KnobValues before({&only, 1});
+    ToolReport guessed;
+    guessed.tool = "auto encoding";
+    guessed.box = from.image->info.format.box;
+    if (encoding.flag(kKnobHeld)) {
+        guessed.notes.push_back("unmix_encoding stays at " + encoding.text() + ", as set");
+    } else {
+        const EncodingGuess guess = guess_encoding(from.image->header, from.file);
+        node.panel().set_from_text(encoding.name(), guess.name);
+        guessed.changes = before.changes();
+        guessed.notes.push_back("unmix_encoding " + guess.name + ": " + from.file + " is " + guess.why);
+    }
     std::vector<ToolReport> reports = node.use_tool(node.panel().get("set_up"));
-    if (!reports.empty() && !reports.back().failure.empty()) throw Error(file, reports.back().failure);
+    if (!reports.empty() && !reports.back().failure.empty()) throw Error(from.file, reports.back().failure);
+    if (node.panel().get("unmix_method").text() == "unmix") {
+        reports.insert(reports.begin(), std::move(guessed));
+        return reports;
+    }
+    before.restore();
+    if (asks != strokes.end() && !node.named().contains(&node.panel().get("unmix_method"))) {
+        reports.back().notes.push_back("the stroke " + plain_name(asks->tool->name()) +
+                                       " is one of the colour difference");
+    }
     return reports;
 }
 

@@ -7,6 +7,7 @@
 
 #include "ZoImage/Box.h"
 #include "shot/node/Node.h"
+#include "shot/setup/ScreenChoice.h"
 
 namespace veloxa {
 
@@ -21,8 +22,10 @@ struct Stroke {
 Stroke parse_stroke(const Zo::Image::KnobPanel& panel, const std::string& text);
 // Over the images that are on the node's inputs. All throw Interrupted when the node's flag is raised.
 Zo::Image::ToolReport apply_stroke(const Node& node, const Stroke& stroke);
-// Has the node set itself up; what the settings named stays. `file` is the foreground's, for messages. Throws
-// Error where no backing stands out.
-std::vector<Zo::Image::ToolReport> set_up_automatically(Node& node, const std::string& file);
+// Has the node set itself up for the foreground, which is on its inputs; what the settings named stays, and
+// so does the method where one of the strokes to come turns knobs of the colour difference. For the unmixing
+// matte the foreground's file tells its encoding. Throws Error where no backing stands out.
+std::vector<Zo::Image::ToolReport> set_up_automatically(Node& node, const NamedImage& from,
+                                                        const std::vector<Stroke>& strokes);
 
 }  // namespace veloxa

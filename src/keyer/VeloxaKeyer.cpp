@@ -39,17 +39,19 @@ int VeloxaKeyer::knob_changed(Knob* knob) {
 }
 
 ToolNode VeloxaKeyer::tool_node() {
-    return {*this,
-            knobs_,
-            panel_,
-            controls_,
-            inputFlags_,
-            session_,
-            keyed_matte(),
-            cleanup,
-            colorCorrection,
-            [this]() -> Iop& { return screen_region(); },
-            [this] { return measure_frame(); }};
+    return {.image = *this,
+            .knobs = knobs_,
+            .panel = panel_,
+            .controls = controls_,
+            .input_flags = inputFlags_,
+            .session = session_,
+            .cleanup = cleanup,
+            .color_correction = colorCorrection,
+            .unmix_backing = unmixBacking,
+            .unmix_solids = unmixSolids,
+            .output_matte = [this]() -> Iop& { return keyed_matte(); },
+            .screen_area = [this]() -> Iop& { return screen_region(); },
+            .measure_frame = [this] { return measure_frame(); }};
 }
 
 ShotModel VeloxaKeyer::measure_frame() {

@@ -366,8 +366,8 @@ constexpr KnobRow kTable[] = {
     {.name = "set_up",
      .label = "Set Up Automatically",
      .tooltip =
-         "Set output, overlay, density and clean up from the foreground, and the screen color where none "
-         "is chosen.",
+         "Choose the method by the foreground, and for the colour difference set output, overlay, density, "
+         "clean up and spill; the screen color too, where none is chosen.",
      .kind = Kind::kButton,
      .number = static_cast<int>(Tool::kSetUp)},
 };

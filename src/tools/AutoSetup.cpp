@@ -1,8 +1,12 @@
 #include "tools/AutoSetup.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 
 #include "ZoImage/KnobValues.h"
+#include "tools/MethodChoice.h"
+#include "tools/SpillSetup.h"
 #include "tools/ToolRun.h"
 
 using namespace Zo::Image;
@@ -31,6 +35,9 @@ constexpr int kLowestBrights = 50;
 // In trials on plates of known alpha a strength of 20 took a fifth off the matte's error and nothing off the
 // composite; from 50 on the composite suffers.
 constexpr int kGentleCleanup = 20;
+
+constexpr int kSpillSamples = 240;    // along the frame's longer side
+constexpr float kOpaqueMatte = 1.0f;  // of 255, which is backing
 
 struct Tile {
     int left() const { return count - clear; }
@@ -61,8 +68,11 @@ class AutoSetup {
             reports_.push_back(ToolRun(node_).run(Tool::kFindScreen, {}));
             if (!reports_.back().failure.empty()) return std::move(reports_);
         }
-        // The unmixing matte measures its plate itself.
-        if (node_.knobs.unmixes()) return std::move(reports_);
+        step("auto unmix", [this] { choose_method(); });
+        if (node_.knobs.unmixes()) {
+            tell_notes();
+            return std::move(reports_);
+        }
         step("auto output", [this] { choose_output(); });
         // The overlay tools change places when the subject is shown.
         stroke_tiles(node_.knobs.shows_subject() ? Tool::kRemoveOverlay : Tool::kAddOverlay,
@@ -70,18 +80,22 @@ class AutoSetup {
         step("auto density", [this] { lower_density(); });
         step("auto clean-up", [this] { clean_up(); });
         stroke_tiles(Tool::kRemoveNoise, is_noise);
-        if (!notes_.empty()) {
-            ToolReport report;
-            report.tool = "auto";
-            report.box = box_;
-            report.notes = std::move(notes_);
-            reports_.push_back(std::move(report));
-        }
+        step("auto spill", [this] { spare_spill(); });
+        tell_notes();
         return std::move(reports_);
     }
 
   private:
-    // Reports what changed, if anything.
+    void tell_notes() {
+        if (notes_.empty()) return;
+        ToolReport report;
+        report.tool = "auto";
+        report.box = box_;
+        report.notes = std::move(notes_);
+        reports_.push_back(std::move(report));
+    }
+
+    // Reports what changed and what the step says, if anything.
     template <class Turn>
     void step(const char* name, const Turn& turn_knobs) {
         const KnobValues before(knobs_);
@@ -90,7 +104,9 @@ class AutoSetup {
         report.tool = name;
         report.box = box_;
         report.changes = before.changes();
-        if (!report.changes.empty()) reports_.push_back(std::move(report));
+        report.notes = std::move(said_);
+        said_.clear();
+        if (!report.changes.empty() || !report.notes.empty()) reports_.push_back(std::move(report));
     }
 
     void render() {
@@ -197,6 +213,20 @@ class AutoSetup {
         return true;
     }
 
+    void choose_method() {
+        const PlateLook look = look_at_plate(node_, renderer_);
+        box_ = node_.image.info().box;
+        if (!stays("unmix_method")) {
+            std::string reason = difference_asked_for(node_.knobs, knobs_);
+            if (reason.empty() && !look.keyable) reason = "unmixing needs more of the backing";
+            Knob& method = knob("unmix_method");
+            method.set_value(reason.empty() ? 1.0 : 0.0);
+            method.changed();
+            if (!reason.empty()) said_.push_back("colour difference, as " + reason);
+        }
+        said_.push_back(look.seen);
+    }
+
     void choose_output() {
         if (!stays("matte_scale")) knob("matte_scale").from_script("linear");
         if (!stays("merge")) knob("merge").from_script("add");
@@ -274,6 +304,69 @@ class AutoSetup {
         render();
     }
 
+    // Opaque pixels, spread over the frame: of solid tiles, and of the others.
+    std::array<std::vector<VeloxaSample::Sample>, 2> opaque_colours() {
+        const int across = (box_.width() + side_ - 1) / side_;
+        const auto tile_of = [&](int x, int y) {
+            const int number = (y - box_.y) / side_ * across + (x - box_.x) / side_;
+            return static_cast<std::size_t>(number);
+        };
+        std::vector<bool> solid(tile_of(box_.r - 1, box_.t - 1) + 1);
+        for (const Tile& tile : solid_) solid[tile_of(tile.box.x, tile.box.y)] = true;
+
+        const int step = std::max(1, std::max(box_.width(), box_.height()) / kSpillSamples);
+        const auto along = [step](int side) {
+            const int count = (side - 1) / step + 1;
+            return static_cast<std::size_t>(count);
+        };
+        const std::size_t columns = along(box_.width());
+        std::vector<VeloxaSample::Sample> grid(columns * along(box_.height()));
+        render_or_give_up(renderer_, node_.output_matte(), box_, kMaskRgba, [&](int y, const Row& row) {
+            if ((y - box_.y) % step != 0) return;
+            auto* const to = grid.data() + static_cast<std::size_t>((y - box_.y) / step) * columns;
+            for (std::size_t i = 0; i < columns; ++i) {
+                const std::size_t x = i * static_cast<std::size_t>(step);
+                to[i] = {row[kRed][x], row[kGreen][x], row[kBlue][x], row[kAlpha][x]};
+            }
+        });
+        std::array<std::vector<VeloxaSample::Sample>, 2> colours;
+        for (std::size_t i = 0; i < grid.size(); ++i) {
+            const int x = box_.x + static_cast<int>(i % columns) * step;
+            const int y = box_.y + static_cast<int>(i / columns) * step;
+            if (!usable(grid[i]) || grid[i][3] > kOpaqueMatte) continue;
+            colours[solid[tile_of(x, y)] ? 0 : 1].push_back(grid[i]);
+        }
+        return colours;
+    }
+
+    void spare_spill() {
+        if (!node_.knobs.spill_suppression || solid_.empty()) return;
+        for (const Knob* const k : knobs_) {
+            if (!k->name().starts_with("spill_") || k->kind() == Knob::Kind::kBool) continue;
+            if (!k->flag(kKnobScripted)) continue;
+            notes_.push_back("spill_warm and spill_cool stay, as the script sets " + k->name());
+            return;
+        }
+        stays("spill_warm");
+        stays("spill_cool");
+        const auto [deep, rims] = opaque_colours();
+        const SpillSetup found = spare_own_colours(
+            {node_.knobs, node_.controls, node_.input_flags, node_.panel.held()}, deep, rims);
+        if (found.knobs == node_.knobs) return;
+        for (const auto& [name, value] : {std::pair("spill_warm", found.knobs.spill_warm),
+                                          std::pair("spill_cool", found.knobs.spill_cool)}) {
+            Knob& turned = knob(name);
+            turned.set_value(static_cast<double>(value));
+            turned.changed();
+        }
+        char text[160];
+        std::snprintf(text, sizeof text,
+                      "of the colours deep inside %.0f%% changed, now %.0f%%; of what the rims have too "
+                      "much of the screen's colour %.0f%% goes",
+                      100.0 * found.changed_before, 100.0 * found.changed, 100.0 * (1.0 - found.excess));
+        said_.emplace_back(text);
+    }
+
     const ToolNode& node_;
     std::vector<Knob*> knobs_;
     Renderer renderer_;
@@ -283,6 +376,7 @@ class AutoSetup {
     std::vector<Tile> solid_;
     std::vector<ToolReport> reports_;
     std::vector<std::string> notes_;
+    std::vector<std::string> said_;  // by the present step
 };
 
 }  // namespace

@@ -12,6 +12,9 @@
 #include "tools/ToolSession.h"
 #include "unmix/ShotModel.h"
 
+class VlxUnmixBacking;
+class VlxUnmixSolids;
+
 struct ToolNode {
     Zo::Image::Iop& image;  // the node itself: its inputs and what it puts out
     KnobStorage& knobs;
@@ -19,9 +22,12 @@ struct ToolNode {
     ControlBlock& controls;
     const std::uint32_t& input_flags;
     ToolSession& session;
-    Zo::Image::Iop& output_matte;
     Zo::Image::Iop& cleanup;           // its input 0 is the matte that clean-up takes
     Zo::Image::Iop& color_correction;  // its input 0 is the colour that conformance takes
+    VlxUnmixBacking& unmix_backing;
+    VlxUnmixSolids& unmix_solids;
+    // As the knobs are when it is asked.
+    std::function<Zo::Image::Iop&()> output_matte;
     std::function<Zo::Image::Iop&()> screen_area;
     std::function<ShotModel()> measure_frame;  // by itself; empty where no backing is found
 

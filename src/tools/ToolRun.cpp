@@ -33,6 +33,11 @@ std::vector<PlatedSample> spread_over(const std::vector<PlatedSample>& pixels) {
     return chosen;
 }
 
+bool turns_difference(Tool tool) {
+    return tool == Tool::kAddOverlay || tool == Tool::kRemoveOverlay || tool == Tool::kAddMatte ||
+           tool == Tool::kRestoreSpill || tool == Tool::kRemoveSpill;
+}
+
 }  // namespace
 
 ToolReport ToolRun::run(Tool tool, const Box& box) {
@@ -50,6 +55,8 @@ ToolReport ToolRun::run(Tool tool, const Box& box) {
 
 void ToolRun::use(Tool tool) {
     const bool subject = node_.knobs.shows_subject();
+    if (node_.knobs.unmixes() && turns_difference(tool))
+        note("it counts once the method is colour difference");
     switch (tool) {
         case Tool::kScreen:
             return pick_color(node_.image.input(0), &KnobStorage::screen_color, false);
@@ -249,10 +256,11 @@ void ToolRun::spill(bool restore) {
     bare.spill_backgroundveiling = KnobStorage{}.spill_backgroundveiling;
     with(bare, [&] {
         std::vector<SpillSample> asked;
-        for (const StrokePixel& p : pixels(node_.output_matte, nullptr)) asked.push_back({p.first, restore});
+        for (const StrokePixel& p : pixels(node_.output_matte(), nullptr))
+            asked.push_back({p.first, restore});
         strokes.begin(std::move(asked));
         if (list->flag(kKnobHeld)) return tell_held(*list);
-        list->add_area(node_.output_matte, box_.x, box_.y, box_.r, box_.t);
+        list->add_area(node_.output_matte(), box_.x, box_.y, box_.r, box_.t);
     });
 
     const auto samples = [&] {
@@ -279,7 +287,7 @@ void ToolRun::spill(bool restore) {
 void ToolRun::match_color() {
     ToolSession& session = node_.session;
     const Sample keyed = mean(node_.color_correction.input(0));
-    const Sample matte = mean(node_.output_matte);
+    const Sample matte = mean(node_.output_matte());
     VlxNormalize normal(node_.image.context());
     normal.set_input(0, &node_.image.input(2));
     normal.setup();

@@ -121,25 +121,27 @@ class Finder {
         weight_.resize(width_, height_);
         lends_.resize(width_, height_);
         shallow_.resize(width_, height_);
-        for (int y = 0; y < height_; ++y) {
-            for (int x = 0; x < width_; ++x) {
-                float sum = 0.0f;
-                bool all = true;
-                float deepest = 0.0f;
-                for (int n = 0; n < 4; ++n) {
-                    const int fx = std::min(2 * x + n % 2, inside.width() - 1);
-                    const int fy = std::min(2 * y + n / 2, inside.height() - 1);
-                    const float d = depth(fx, fy);
-                    const bool lends = segmentation_.source(fx, fy) != 0 && d > fine_cells(kLeastDepth);
-                    all = all && lends;
-                    deepest = std::max(deepest, d);
-                    sum += std::exp(-d / fine_cells(kRim));
+        loop_(0, height_, 8, [&](int begin, int end) {
+            for (int y = begin; y < end; ++y) {
+                for (int x = 0; x < width_; ++x) {
+                    float sum = 0.0f;
+                    bool all = true;
+                    float deepest = 0.0f;
+                    for (int n = 0; n < 4; ++n) {
+                        const int fx = std::min(2 * x + n % 2, inside.width() - 1);
+                        const int fy = std::min(2 * y + n / 2, inside.height() - 1);
+                        const float d = depth(fx, fy);
+                        const bool lends = segmentation_.source(fx, fy) != 0 && d > fine_cells(kLeastDepth);
+                        all = all && lends;
+                        deepest = std::max(deepest, d);
+                        sum += d;
+                    }
+                    weight_(x, y) = all ? std::exp(-0.25f * sum / fine_cells(kRim)) : 0.0f;
+                    lends_(x, y) = all ? 1 : 0;
+                    shallow_(x, y) = all && deepest < fine_cells(kClusterDepth) ? 1 : 0;
                 }
-                weight_(x, y) = all ? 0.25f * sum : 0.0f;
-                lends_(x, y) = all ? 1 : 0;
-                shallow_(x, y) = all && deepest < fine_cells(kClusterDepth) ? 1 : 0;
             }
-        }
+        });
     }
 
     // Sums over the pixels of a cell: three colours and six products.

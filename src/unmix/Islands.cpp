@@ -1,10 +1,12 @@
 #include "unmix/Islands.h"
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 #include "unmix/Components.h"
 #include "unmix/Morphology.h"
+#include "unmix/MorphologyKernel.h"
 
 namespace unmix {
 
@@ -40,6 +42,66 @@ void each_pixel(const FrameScale& scale, Floats& alpha, int x, int y, const Visi
     }
 }
 
+// Least, greatest and mean alpha of the cells of a row of the fine grid.
+class CellRow {
+  public:
+    explicit CellRow(const FrameScale& scale) : scale_(scale) {
+        // Whole cells: beyond the frame its last column repeats.
+        const int width = scale.cells_across(scale.fine()) * scale.fine();
+        for (auto& line : lines_) line.resize(static_cast<std::size_t>(width));
+        row_.resize(static_cast<std::size_t>(width));
+    }
+
+    template <class Visit>
+    void run(const Floats& alpha, int y, const Visit& visit) {
+        const int side = scale_.fine();
+        const ColumnFolds folds{lines_[0].data(), lines_[1].data(), lines_[2].data()};
+        std::ranges::fill(lines_[0], 1.0f);
+        std::ranges::fill(lines_[1], 0.0f);
+        std::ranges::fill(lines_[2], 0.0f);
+        const int top = std::min((y + 1) * side, scale_.height);
+        for (int py = y * side; py < top; ++py) {
+            std::copy_n(alpha.row(py), scale_.width, row_.data());
+            std::fill(row_.begin() + scale_.width, row_.end(),
+                      row_[static_cast<std::size_t>(scale_.width) - 1]);
+            fold_row(row_.data(), folds, row_.size());
+        }
+        std::size_t left = row_.size();
+        for (int n = side; n > 1 && n % 2 == 0; n /= 2, left /= 2) fold_pairs(folds, left);
+        const auto apart = left / static_cast<std::size_t>(scale_.cells_across(side));
+        const float share = 1.0f / static_cast<float>(side * (top - y * side));
+        for (int x = 0; x < scale_.cells_across(side); ++x) {
+            const std::size_t from = static_cast<std::size_t>(x) * apart;
+            float least = folds.least[from];
+            float most = folds.most[from];
+            float sum = folds.sum[from];
+            for (std::size_t n = from + 1; n < from + apart; ++n) {
+                least = std::min(least, folds.least[n]);
+                most = std::max(most, folds.most[n]);
+                sum += folds.sum[n];
+            }
+            visit(x, least, most, sum * share);
+        }
+    }
+
+  private:
+    const FrameScale& scale_;
+    std::array<std::vector<float>, 3> lines_;
+    std::vector<float> row_;
+};
+
+template <class Visit>
+void each_cell_row(const FrameScale& scale, const Floats& alpha, const ParallelLoop& loop,
+                   const Visit& visit) {
+    loop(0, scale.cells_up(scale.fine()), 16, [&](int begin, int end) {
+        CellRow cells(scale);
+        for (int y = begin; y < end; ++y) {
+            cells.run(alpha, y,
+                      [&](int x, float least, float most, float mean) { visit(x, y, least, most, mean); });
+        }
+    });
+}
+
 // What is known of each part.
 struct Part {
     double size = 0.0;
@@ -65,6 +127,17 @@ std::vector<Part> parts_of(const Plane<std::int32_t>& labels, int count, const F
     return parts;
 }
 
+// Shows `set` every pixel of the parts.
+template <class Set>
+void set_parts(const FrameScale& scale, const Plane<std::int32_t>& labels, const std::vector<Part>& parts,
+               Floats& alpha, const ParallelLoop& loop, const Set& set) {
+    each_cell(labels.width(), labels.height(), loop, [&](int x, int y) {
+        if (labels(x, y) == 0) return;
+        const Part& part = parts[static_cast<std::size_t>(labels(x, y))];
+        each_pixel(scale, alpha, x, y, [&](float& v) { set(part, v); });
+    });
+}
+
 float cells_of(const FrameScale& scale, float length, int side) {
     return length * scale.pixels / static_cast<float>(side);
 }
@@ -77,27 +150,18 @@ void drop_marks(const FrameScale& scale, const Segmentation& segmentation, Float
     const int height = segmentation.solid.height();
     Bytes seen(width, height);
     Floats mean(width, height);
-    each_cell(width, height, loop, [&](int x, int y) {
-        float sum = 0.0f;
-        float most = 0.0f;
-        float count = 0.0f;
-        each_pixel(scale, alpha, x, y, [&](float v) {
-            sum += v;
-            most = std::max(most, v);
-            count += 1.0f;
-        });
+    each_cell_row(scale, alpha, loop, [&](int x, int y, float, float most, float cell) {
         seen(x, y) = most > kSeen ? 1 : 0;
-        mean(x, y) = sum / count;
+        mean(x, y) = cell;
     });
     // How far solids are, by the coarse grid.
     Bytes clear((width + 1) / 2, (height + 1) / 2);
-    clear.fill(1);
-    for (int y = 0; y < height; ++y) {
-        const std::uint8_t* const solid = segmentation.solid.row(y);
-        for (int x = 0; x < width; ++x) {
-            if (solid[x] != 0) clear(x / 2, y / 2) = 0;
-        }
-    }
+    each_cell(clear.width(), clear.height(), loop, [&](int x, int y) {
+        const std::uint8_t* const low = segmentation.solid.row(2 * y);
+        const std::uint8_t* const high = segmentation.solid.row(std::min(2 * y + 1, height - 1));
+        const int right = std::min(2 * x + 1, width - 1);
+        clear(x, y) = (low[2 * x] | low[right] | high[2 * x] | high[right]) != 0 ? 0 : 1;
+    });
     const float far = cells_of(scale, kFarFromSolid, scale.coarse());
     Floats coarse_away;
     distance(clear, far + 1.0f, coarse_away, loop);
@@ -106,13 +170,11 @@ void drop_marks(const FrameScale& scale, const Segmentation& segmentation, Float
 
     Plane<std::int32_t> labels;
     const int count = label_components(seen, labels);
-    const std::vector<Part> parts = parts_of(labels, count, mean, away);
     const double largest = kLargestMark * static_cast<double>(seen.size());
-    each_cell(width, height, loop, [&](int x, int y) {
-        const Part& part = parts[static_cast<std::size_t>(labels(x, y))];
-        if (labels(x, y) == 0 || part.most >= kFaint || part.nearest < far || part.size >= largest) return;
-        each_pixel(scale, alpha, x, y, [](float& v) { v = 0.0f; });
-    });
+    set_parts(scale, labels, parts_of(labels, count, mean, away), alpha, loop,
+              [&](const Part& part, float& v) {
+                  if (part.most < kFaint && part.nearest >= far && part.size < largest) v = 0.0f;
+              });
 }
 
 void fill_holes(const FrameScale& scale, Floats& alpha, const ParallelLoop& loop) {
@@ -120,9 +182,7 @@ void fill_holes(const FrameScale& scale, Floats& alpha, const ParallelLoop& loop
     const int height = scale.cells_up(scale.fine());
     Floats least(width, height);
     Bytes low(width, height);
-    each_cell(width, height, loop, [&](int x, int y) {
-        float value = 1.0f;
-        each_pixel(scale, alpha, x, y, [&](float v) { value = std::min(value, v); });
+    each_cell_row(scale, alpha, loop, [&](int x, int y, float value, float, float) {
         least(x, y) = value;
         low(x, y) = value < kOpaque ? 1 : 0;
     });
@@ -131,16 +191,14 @@ void fill_holes(const FrameScale& scale, Floats& alpha, const ParallelLoop& loop
     distance(low, gap + 1.0f, depth, loop);
     Plane<std::int32_t> labels;
     const int count = label_components(low, labels);
-    const std::vector<Part> parts = parts_of(labels, count, least, depth);
     const auto all = static_cast<double>(low.size());
-    each_cell(width, height, loop, [&](int x, int y) {
-        const Part& part = parts[static_cast<std::size_t>(labels(x, y))];
-        const bool hole = part.least > kHalfClear && part.size < kLargestHole * all;
-        const bool detail =
-            part.farthest > gap && part.least > kAlmostClear && part.size < kLargestDetail * all;
-        if (labels(x, y) == 0 || !(hole || detail)) return;
-        each_pixel(scale, alpha, x, y, [](float& v) { v = v < kOpaque ? 1.0f : v; });
-    });
+    set_parts(scale, labels, parts_of(labels, count, least, depth), alpha, loop,
+              [&](const Part& part, float& v) {
+                  const bool hole = part.least > kHalfClear && part.size < kLargestHole * all;
+                  const bool detail =
+                      part.farthest > gap && part.least > kAlmostClear && part.size < kLargestDetail * all;
+                  if ((hole || detail) && v < kOpaque) v = 1.0f;
+              });
 }
 
 }  // namespace unmix

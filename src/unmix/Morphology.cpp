@@ -134,12 +134,21 @@ void distance(const Bytes& mask, float most, Floats& out, const ParallelLoop& lo
 
 Bytes opened(const Bytes& mask, float radius, const ParallelLoop& loop) {
     Floats depth;
+    Bytes out(mask.width(), mask.height());
+    const auto each_row = [&](const auto& visit) {
+        loop(0, mask.height(), 32, [&](int begin, int end) {
+            for (int y = begin; y < end; ++y) {
+                const float* const from = depth.row(y);
+                std::uint8_t* const to = out.row(y);
+                for (int x = 0; x < mask.width(); ++x) to[x] = visit(from[x]) ? 1 : 0;
+            }
+        });
+    };
     distance(mask, radius + 1.0f, depth, loop);
-    Bytes outside(mask.width(), mask.height());
-    for (std::size_t i = 0; i < mask.size(); ++i) outside[i] = depth[i] > radius ? 0 : 1;
-    distance(outside, radius + 1.0f, depth, loop);
-    for (std::size_t i = 0; i < mask.size(); ++i) outside[i] = depth[i] <= radius ? 1 : 0;
-    return outside;
+    each_row([&](float d) { return !(d > radius); });
+    distance(out, radius + 1.0f, depth, loop);
+    each_row([&](float d) { return d <= radius; });
+    return out;
 }
 
 }  // namespace unmix

@@ -35,3 +35,16 @@ LANE_KERNEL(BetweenMiddles, between_middles);
 // out = a + share * (b - a)
 using MixRows = void(const float* a, const float* b, float share, float* out, std::size_t n);
 LANE_KERNEL(MixRows, mix_rows);
+
+// A row joins those before it: the least, the greatest, the sum of each column.
+struct ColumnFolds {
+    float* least;
+    float* most;
+    float* sum;
+};
+using FoldRow = void(const float* row, const ColumnFolds& folds, std::size_t n);
+LANE_KERNEL(FoldRow, fold_row);
+
+// Neighbours join in pairs; writes the first half of n values, n even.
+using FoldPairs = void(const ColumnFolds& folds, std::size_t n);
+LANE_KERNEL(FoldPairs, fold_pairs);

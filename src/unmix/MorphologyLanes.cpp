@@ -94,6 +94,30 @@ void between_middles(const float* cells, int side, float* __restrict out, size_t
     }
 }
 
+void fold_row(const float* row, const ColumnFolds& folds, size_t n) {
+    float* const least = folds.least;
+    float* const most = folds.most;
+    float* const sum = folds.sum;
+#pragma GCC ivdep
+    for (size_t i = 0; i < n; ++i) {
+        const float v = row[i];
+        least[i] = less(v, least[i]);
+        most[i] = v > most[i] ? v : most[i];
+        sum[i] += v;
+    }
+}
+
+void fold_pairs(const ColumnFolds& folds, size_t n) {
+    float* const least = folds.least;
+    float* const most = folds.most;
+    float* const sum = folds.sum;
+    for (size_t i = 0; i < n / 2; ++i) {
+        least[i] = less(least[2 * i], least[2 * i + 1]);
+        most[i] = most[2 * i] > most[2 * i + 1] ? most[2 * i] : most[2 * i + 1];
+        sum[i] = sum[2 * i] + sum[2 * i + 1];
+    }
+}
+
 void mix_rows(const float* a, const float* b, float share, float* __restrict out, size_t n) {
     for (size_t i = 0; i < n; ++i) out[i] = a[i] + share * (b[i] - a[i]);
 }

@@ -9,6 +9,7 @@ using std::size_t;
 constexpr float kWhite = 1.05f;
 constexpr float kLeastLead = 0.02f;
 constexpr float kDark = 0.05f;
+constexpr float kLit = 0.9f;
 
 [[gnu::always_inline]] inline float larger(float a, float b) {
     return a > b ? a : b;
@@ -33,8 +34,10 @@ void rough_leads(const std::array<const float*, 3>& plate, const std::array<cons
         to.lead[i] = s_k[i] - larger(s_o[i], s_p[i]);
         to.backing_lead[i] = larger(b_k[i] - larger(b_o[i], b_p[i]), kLeastLead);
         const float dark = (b_k[i] - s_k[i]) / larger(b_k[i], kDark);
-        const float bright = larger(beyond_white(s_o[i], b_o[i]), beyond_white(s_p[i], b_p[i]));
-        to.bound[i] = larger(larger(dark, beyond_white(s_k[i], b_k[i])), bright);
+        const float others = larger(beyond_white(s_o[i], b_o[i]), beyond_white(s_p[i], b_p[i]));
+        const float bright = larger(others, beyond_white(s_k[i], b_k[i]));
+        // What leads as much as the backing is backing in more light.
+        to.bound[i] = larger(dark, to.lead[i] > kLit * to.backing_lead[i] ? 0.0f : bright);
     }
 }
 

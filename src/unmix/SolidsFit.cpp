@@ -49,9 +49,13 @@ class Fit {
     std::size_t screen() const { return static_cast<std::size_t>(backing_.screen); }
 
     template <class Visit>
-    void each_row(const Visit& visit) const {
-        loop_(0, height_, 8, [&](int begin, int end) {
-            for (int y = begin; y < end; ++y) visit(y);
+    void each_cell(const Visit& visit) const {
+        loop_(0, height_, 16, [&](int begin, int end) {
+            const auto width = static_cast<std::size_t>(width_);
+            for (std::size_t i = width * static_cast<std::size_t>(begin);
+                 i < width * static_cast<std::size_t>(end); ++i) {
+                visit(i);
+            }
         });
     }
 
@@ -71,10 +75,10 @@ class Fit {
     void keep_from_edges(const Bytes& region) {
         Bytes inside(width_, height_);
         Bytes foot(width_, height_);
-        for (std::size_t i = 0; i < inside.size(); ++i) {
+        each_cell([&](std::size_t i) {
             inside[i] = found_.rough[i] >= settings_.solid ? 1 : 0;
             foot[i] = found_.rough[i] >= kFoot ? 1 : 0;
-        }
+        });
         const float deepest = kSourceWidths * kWidest + kLeastDepth + 1.0f;
         Floats in;
         Floats out;
@@ -82,12 +86,12 @@ class Fit {
         distance(foot, cells(deepest + kWidest), out, loop_);
         found_.solid.resize(width_, height_);
         found_.source.resize(width_, height_);
-        for (std::size_t i = 0; i < in.size(); ++i) {
+        each_cell([&](std::size_t i) {
             const float width = std::min(out[i] - in[i], cells(kWidest));
             const float least = cells(kLeastDepth);
             found_.solid[i] = region[i] != 0 && in[i] > kSolidWidths * width && in[i] > least ? 1 : 0;
             found_.source[i] = region[i] != 0 && in[i] > kSourceWidths * width + least ? 1 : 0;
-        }
+        });
         found_.solid = opened(found_.solid, cells(kOpenSolid), loop_);
         for (std::size_t i = 0; i < in.size(); ++i) found_.source[i] &= found_.solid[i];
         found_.source = opened(found_.source, cells(kOpenSource), loop_);
@@ -131,8 +135,8 @@ class Fit {
         std::vector<float> spill;
         const auto o = static_cast<std::size_t>(backing_.others[0]);
         const auto p = static_cast<std::size_t>(backing_.others[1]);
-        for (int y = 0; y < height_; ++y) {
-            for (int x = 0; x < width_; ++x) {
+        for (int y = 0; y < height_; y += 2) {
+            for (int x = 0; x < width_; x += 2) {
                 if (found_.solid(x, y) == 0 || !(depth(x, y) < cells(kRimOfSpill))) continue;
                 const int cx = x / 2;
                 const int cy = y / 2;

@@ -161,8 +161,22 @@ expect 0 '"merge stays at multiply, as set"' tune --fg shot/fg.0001.exr --auto -
 expect 0 "" plate -o solid --size 160x120
 printf 'Veloxa {\n darks 1\n}\n' >darks.script
 expect 0 "brights stays at 100, as the script sets darks" tune --fg solid/fg.exr --auto --script darks.script
-expect 0 "auto output" tune --fg shot/fg.0001.exr --auto "${strokes[0]}" "${strokes[1]}"
+expect 0 "the stroke addoverlay is one of the colour difference" tune "${shot[@]}" --auto "${strokes[@]}"
 head -1 out.txt | grep -q '^toolbar_screen' || fail "set up without a screen colour: $(head -1 out.txt)"
+
+# By itself it unmixes, in the light that the file's values stand for; its script tells all of that.
+expect 0 "" key --fg solid/fg.exr -o out/plate.jpg --set screen_color=0,0,0
+by_itself=(--fg out/plate.jpg --bg solid/bg.exr --depth float)
+expect 0 "unmix_encoding sRGB: out/plate.jpg is uint8" key "${by_itself[@]}" -o out/by.exr --auto --save-script out/by.script
+grep -q 'unmix_method unmix' out/by.script || fail "no method in $(cat out/by.script)"
+expect 0 "" key "${by_itself[@]}" -o out/by_script.exr --script out/by.script
+expect 0 "" compare out/by.exr out/by_script.exr --max-diff 0
+expect 0 "toolbar_addoverlay: it counts once the method is colour difference" key "${by_itself[@]}" -o out/by2.exr \
+    --script out/by.script --stroke addoverlay=0,0,9,9
+expect 0 "unmix_encoding stays at logarithmic, as set" key "${by_itself[@]}" -o out/by_log.exr --auto \
+    --set unmix_encoding=logarithmic
+expect 0 "" tune --fg out/plate.jpg --auto --set merge=multiply --json
+grep -q unmix_encoding out.txt && fail "an encoding without unmixing: $(cat out.txt)"
 
 # A clean plate, near the true one.
 expect 0 "truly seen" cleanplate --fg shot/fg.%04d.exr --frames 1-5 -o out/clean.exr

@@ -163,7 +163,7 @@ TEST_F(Edit, FindsTheScreenAndSetsItselfUp) {
         node.panel.get(button).changed();
         expect_same(*effect, node.panel);
         EXPECT_NEAR(effect->params.get("screen_color").value().numbers[1], 0.6, 0.05);
-        EXPECT_EQ(effect->params.get("merge").value().numbers[0],
+        EXPECT_EQ(effect->params.get("unmix_method").value().numbers[0],
                   button == std::string("set_up") ? 1.0 : 0.0);
         EXPECT_THAT(take_messages(), testing::Contains(testing::HasSubstr("green screen")));
         ASSERT_EQ(effect->params.undo.size(), 1U);
