@@ -17,6 +17,7 @@ inline constexpr int kExitInterrupted = 130;
 using Run = std::function<int()>;
 
 void add_key_command(CLI::App& app, Run& run);
+void add_analyse_command(CLI::App& app, Run& run);
 void add_knobs_command(CLI::App& app, Run& run);
 void add_controls_command(CLI::App& app, Run& run);
 void add_cleanplate_command(CLI::App& app, Run& run);

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 
 #include "Commands.h"
@@ -15,8 +16,10 @@
 #include "Terminal.h"
 #include "ZoImage/Iop.h"
 #include "shot/Errors.h"
+#include "shot/files/AtomicFile.h"
 #include "shot/sequence/KeyPipeline.h"
 #include "shot/setup/KeySetup.h"
+#include "shot/setup/ShotModel.h"
 
 namespace veloxa {
 
@@ -28,6 +31,8 @@ struct Options {
     SetupOptions setup;
     std::string output;
     std::string save_script;
+    std::string shot;
+    std::string shot_frames;
     std::string stage;
     std::string depth;
     int threads = 0;
@@ -62,6 +67,30 @@ void tell_of(const std::vector<ToolReport>& strokes, const Caller& caller) {
         caller.tell(stroke.tool + ": " + std::to_string(left) + " of " +
                     std::to_string(left + stroke.satisfied) + " samples could not be satisfied");
     }
+}
+
+// Frames of a sequence are keyed by what is measured over all of it, so that the matte does not breathe.
+void settle_shot(const Options& options, KeySetup& setup, const Caller& caller) {
+    if (!options.shot.empty()) {
+        setup.use_shot(options.shot);
+        if (!keys_by_shot(setup.node())) caller.warn(options.shot + ": unmix_method unmix alone reads it");
+        return;
+    }
+    if (!keys_by_shot(setup.node())) return;
+    const std::string& script = options.setup.settings.script;
+    const bool asked = !options.shot_frames.empty();
+    std::error_code missing;
+    if (!asked && !script.empty() && std::filesystem::exists(shot_beside(script), missing)) {
+        setup.use_shot(shot_beside(script));
+        caller.tell(shot_beside(script) + ": the shot is keyed by it");
+        return;
+    }
+    const FrameRange range = asked ? parse_frames(options.shot_frames) : setup.frames();
+    if (!asked && range.count() < 2) return;
+    const auto measured = setup.measure_shot(range, kShotFrames);
+    if (measured.empty()) return caller.warn("no frame could be measured, so each is keyed by itself");
+    caller.tell("the shot is measured on " + std::to_string(measured.size()) + " frames of " +
+                std::to_string(range.first) + "-" + std::to_string(range.last));
 }
 
 double milliseconds(std::chrono::nanoseconds time, int frames) {
@@ -124,6 +153,10 @@ int key(const Options& options) {
     Node& node = setup.node();
     Iop& root = options.stage.empty() ? node.image() : node.member(options.stage);
     check_outputs(plan, setup.names());
+    const std::string beside = options.save_script.empty() ? "" : shot_beside(options.save_script);
+    if (!beside.empty() && beside == options.save_script) {
+        throw UsageError("--save-script " + beside + ": the extension .shot is that of the shot beside it");
+    }
 
     std::chrono::nanoseconds read_ahead{0};
     {
@@ -131,7 +164,13 @@ int key(const Options& options) {
         setup.prepare();
     }
     tell_of(setup.strokes(), caller);
-    if (!options.save_script.empty()) node.save_script(options.save_script, plan.write.overwrite);
+    settle_shot(options, setup, caller);
+    if (!options.save_script.empty()) {
+        const bool measured = has_shot(node);
+        if (measured) AtomicFile::check(beside, plan.write.overwrite);
+        node.save_script(options.save_script, plan.write.overwrite);
+        if (measured) save_shot(node, beside, plan.write.overwrite);
+    }
 
     bool good = false;
     KeyStats stats;
@@ -160,8 +199,19 @@ void add_rendering(CLI::App& command, Options& options) {
         ->required()
         ->type_name("FILE");
     command
-        .add_option("--save-script", options.save_script, "Save the knobs that differ from their defaults")
+        .add_option("--save-script", options.save_script,
+                    "Save the knobs that differ from their defaults, and what was measured of the "
+                    "shot beside them, as .shot")
         ->type_name("FILE");
+    CLI::Option* const shot =
+        command.add_option("--shot", options.shot, "What veloxa analyse measured of the shot")
+            ->type_name("FILE");
+    command
+        .add_option("--shot-frames", options.shot_frames,
+                    "Frames that the shot is measured on where unmix_method is unmix; without it those of "
+                    "--frames, where they are several and no FILE.shot is beside --script FILE")
+        ->type_name("A-B[xN]")
+        ->excludes(shot);
     add_threads_option(command, options.threads);
     command
         .add_option("--stage", options.stage,

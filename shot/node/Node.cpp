@@ -18,14 +18,6 @@ namespace {
 
 constexpr const char* kClassName = "Veloxa";
 
-std::string read_text(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw Error(path, std::strerror(errno));
-    std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    if (file.bad()) throw Error(path, "cannot be read");
-    return text;
-}
-
 // The knobs that it names.
 std::set<Knob*> apply_script_file(KnobPanel& panel, const std::string& path) {
     std::set<Knob*> named;
@@ -66,6 +58,14 @@ Knob& apply_set(KnobPanel& panel, const std::string& setting) {
 }
 
 }  // namespace
+
+std::string read_text(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) throw Error(path, std::strerror(errno));
+    std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    if (file.bad()) throw Error(path, "cannot be read");
+    return text;
+}
 
 Node::Node(const AbortFlag* abort)
     : op_(load_plugin(kClassName).construct({kClassName, nullptr, abort})),

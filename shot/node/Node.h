@@ -17,13 +17,16 @@ struct KnobSettings {
     std::vector<std::string> sets;  // KNOB=VALUE, after the script
 };
 
+// A whole file. Throws Error.
+std::string read_text(const std::string& path);
+
 class Node {
   public:
     // The flag, if given, outlives the node; raised, it stops the node's tools.
     explicit Node(const Zo::Image::AbortFlag* abort = nullptr);
 
     Zo::Image::Iop& image() const { return *image_; }
-    Zo::Image::KnobPanel& panel() { return *panel_; }
+    Zo::Image::KnobPanel& panel() const { return *panel_; }
 
     // Throws Error for a script that does not fit, UsageError for a bad KNOB=VALUE.
     void apply(const KnobSettings& settings);

@@ -2,6 +2,7 @@
 
 #include "shot/Errors.h"
 #include "shot/setup/ScreenChoice.h"
+#include "shot/setup/ShotModel.h"
 
 namespace veloxa {
 
@@ -68,6 +69,40 @@ void KeySetup::show(int frame) {
     shown_ = frame;
 }
 
+void KeySetup::show_nothing() {
+    inputs_.clear();
+    foreground_ = nullptr;
+    shown_.reset();
+}
+
+std::vector<ToolReport> KeySetup::measure_shot(const FrameRange& range, int most) {
+    std::vector<ToolReport> reports;
+    for (const int frame : spread_over(range, most)) {
+        try {
+            show(frame);
+            ToolReport report = node_.use_tool(node_.panel().get("unmix_analyse")).at(0);
+            if (!report.failure.empty()) throw Error(names_[kFg].at(frame), report.failure);
+            report.frame = frame;
+            reports.push_back(std::move(report));
+        } catch (const Interrupted&) {
+            throw;
+        } catch (const Error& error) {
+            caller_.warn(std::string(error.what()) + "; it is left out of the shot");
+        }
+    }
+    show_nothing();
+    return reports;
+}
+
+void KeySetup::use_shot(const std::string& path) {
+    load_shot(node_, path);
+    show(first_foreground().second);
+    node_.image().validate(true);
+    const std::string fault = node_.image().diagnostic("shot");
+    show_nothing();
+    if (!fault.empty()) throw Error(path, fault);
+}
+
 void KeySetup::note(std::vector<ToolReport> reports) {
     for (ToolReport& report : reports) {
         reports_.push_back(std::move(report));
@@ -95,9 +130,7 @@ void KeySetup::prepare() {
         note(set_up_automatically(node_, {foreground_, names_[kFg].at(*shown_)}, strokes_));
     }
     apply_strokes(before, strokes_.size());
-    inputs_.clear();
-    foreground_ = nullptr;
-    shown_.reset();
+    show_nothing();
     if (!has_screen_color(node_.panel(), {})) {
         caller_.warn("warning: screen_color is 0,0,0, so the foreground passes through");
     }

@@ -43,6 +43,13 @@ class KeySetup {
     // Loads what all frames share, chooses the screen colour, sets up automatically if asked to, and applies
     // the strokes. Throws Error, for strokes too when their frame cannot be read.
     void prepare();
+    // Has the node measure the shot on some frames of the range, besides what it holds of one; it looks at
+    // what prepare() left. Frames that cannot be read or hold no backing are left out, with a warning.
+    // Returns what the node says of the others.
+    std::vector<Zo::Image::ToolReport> measure_shot(const FrameRange& range, int most);
+    // Gives the node the shot that the file holds. Throws Error where it does not fit the file or the node.
+    void use_shot(const std::string& path);
+
     // What the automatic steps and the strokes did, in their order.
     const std::vector<Zo::Image::ToolReport>& strokes() const { return reports_; }
 
@@ -55,6 +62,7 @@ class KeySetup {
     void choose_screen_color();
     // Puts a frame on the node's inputs.
     void show(int frame);
+    void show_nothing();
     // Takes in what was done to the frame that is shown.
     void note(std::vector<Zo::Image::ToolReport> reports);
     // Of these numbers.

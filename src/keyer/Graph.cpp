@@ -45,6 +45,7 @@ void VeloxaKeyer::for_each_operator(Visit&& visit) {
     visit(unmixColour, "unmixColour");
     visit(unmixMatte, "unmixMatte");
     visit(unmixShadow, "unmixShadow");
+    visit(unmixShot, "unmixShot");
     visit(spillSuppression, "spillSuppression");
     visit(colorCorrection, "colorCorrection");
     visit(shrinkCU, "shrinkCU");
@@ -99,6 +100,8 @@ void VeloxaKeyer::refresh_unmix_params() {
     p.denoise = knobs_.unmix_denoise;
     p.folds = knobs_.unmix_folds;
     p.spill = knobs_.unmix_spill;
+    p.shot = measuring_ ? nullptr : panel_.shot();
+    if (p.shot && !p.shot->fits(p.screen, p.encoding)) p.shot = nullptr;
     const auto take = [&](SampleAction action, std::vector<TaughtColour>& colours) {
         colours.clear();
         for (const VeloxaSample::Sample& sample : panel_.sampled(action)) {
@@ -195,6 +198,7 @@ void VeloxaKeyer::wire_graph() {
     wire(unmixColour, {&unmixClean});
     wire(unmixMatte, {&unmixColour});
     wire(unmixShadow, {&unmixBacking});
+    wire(unmixShot, {&unmixClean});
     const bool suppress = knobs_.spill_suppression && !knobs_.unmixes();
     wire(colorCorrection, {either(suppress, spillSuppression, keyed_matte())});
     wire(shrinkCU, {&keyed_matte()});

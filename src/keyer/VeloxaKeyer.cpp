@@ -4,6 +4,7 @@
 #include "controls/ControlTrace.h"
 #include "keyer/HelpText.h"
 #include "panel/KnobCopy.h"
+#include "tools/StrokePixels.h"
 
 using namespace Zo::Image;
 
@@ -49,11 +50,34 @@ ToolNode VeloxaKeyer::tool_node() {
             .unmix_backing = unmixBacking,
             .unmix_solids = unmixSolids,
             .output_matte = [this]() -> Iop& { return keyed_matte(); },
-            .screen_area = [this]() -> Iop& { return screen_region(); }};
+            .screen_area = [this]() -> Iop& { return screen_region(); },
+            .measure_frame = [this] { return measure_frame(); }};
+}
+
+ShotModel VeloxaKeyer::measure_frame() {
+    struct Measuring {
+        explicit Measuring(VeloxaKeyer& keyer) : node(keyer) { stand(true); }
+        ~Measuring() { stand(false); }
+        void stand(bool measuring) const {
+            node.measuring_ = measuring;
+            node.invalidate();
+            node.validate(true);
+        }
+        VeloxaKeyer& node;
+    };
+    const Measuring measuring(*this);
+    unmixShot.validate(true);
+    Renderer renderer = tool_node().renderer();
+    render_or_give_up(renderer, unmixShot, unmixShot.info().box, kAlpha, [](int, const Row&) {});
+    return unmixShot.model();
 }
 
 std::string VeloxaKeyer::diagnostic(std::string_view what) const {
     if (what == "controls") return control_listing(controls_);
+    if (what == "shot") {
+        const bool unused = panel_.shot() != nullptr && unmix_params_.shot == nullptr;
+        return unused ? "it was measured with another screen or encoding" : "";
+    }
     if (what != "trace") return {};
     std::string text(trace_capacity(), '\0');
     write_trace(controls_, text.data(), text.size());

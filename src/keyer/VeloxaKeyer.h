@@ -47,6 +47,7 @@
 #include "unmix/VlxUnmixColour.h"
 #include "unmix/VlxUnmixMatte.h"
 #include "unmix/VlxUnmixShadow.h"
+#include "unmix/VlxUnmixShot.h"
 #include "unmix/VlxUnmixSolids.h"
 #include "unmix/VlxUnmixSolve.h"
 
@@ -62,7 +63,8 @@ class VeloxaKeyer final : public Zo::Image::Iop {
     void knobs(Zo::Image::Knob_Closure& closure) override;
     int knob_changed(Zo::Image::Knob* knob) override;
     std::vector<Zo::Image::ToolReport> tool_reports() const override { return session_.reports; }
-    // "controls" lists the controls, "trace" gives them as a script of commands.
+    // "controls" lists the controls, "trace" gives them as a script of commands; "shot" says why the shot's
+    // model, where there is one, is not used.
     std::string diagnostic(std::string_view what) const override;
 
     const KnobStorage& knob_values() const { return knobs_; }
@@ -85,6 +87,7 @@ class VeloxaKeyer final : public Zo::Image::Iop {
     void adopt_operators();
     void refresh_controls();
     void refresh_unmix_params();
+    ShotModel measure_frame();
     void wire_graph();
     template <class Visit>
     void for_each_operator(Visit&& visit);
@@ -146,6 +149,8 @@ class VeloxaKeyer final : public Zo::Image::Iop {
     VlxUnmixColour unmixColour{context(), &unmix_params_, unmixBacking, unmixSolids, unmixClean};
     VlxUnmixShadow unmixShadow{context(), &unmix_params_, unmixBacking};
     VlxUnmixMatte unmixMatte{context(), &controls_};
+    VlxUnmixShot unmixShot{context(), &unmix_params_, unmixBacking, unmixSolids, unmixClean};
+    bool measuring_ = false;  // the frame by itself, without the shot's model
 
     std::uint32_t inputFlags_ = 0;
     PanelKnobs panel_;

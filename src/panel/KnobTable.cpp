@@ -253,7 +253,15 @@ constexpr KnobRow kTable[] = {
     KNOB(unmix_opacity, "opacity of strokes",
          "About how opaque the next stroke of the see-through tool is: 0 shows the backing alone.",
          range(0, 1)),
-    reset("Reset the unmix settings to their default values, the method too, and forget its strokes."),
+    {.name = "unmix_analyse",
+     .label = "Add Frame to Shot",
+     .tooltip = "Measure this frame, and key all frames by what those that were added have in common: the "
+                "backing's color and noise, the colors of the subject's rims, the spill. A few frames spread "
+                "over the shot keep the matte from breathing; reset forgets them.",
+     .kind = Kind::kButton,
+     .number = static_cast<int>(Tool::kAnalyseShot)},
+    reset("Reset the unmix settings to their default values, the method too, and forget its strokes and the "
+          "frames of the shot."),
     tab("Film", &K::film),
     link(&K::film, "film_enable", "enable"),
     KNOB(film_transparency, "transparency",
@@ -348,6 +356,7 @@ constexpr KnobRow kTable[] = {
     samples(SampleAction::kUnmixSolid, "us_unmix_solid", "Unmix"),
     samples(SampleAction::kUnmixSeeThrough, "us_unmix_see_through", "Unmix"),
     samples(SampleAction::kUnmixOwn, "us_unmix_own", "Unmix"),
+    {.name = "unmix_shot", .label = "Unmix", .kind = Kind::kCustom, .number = kShotKnob},
     {.name = "find_screen",
      .label = "Find Screen",
      .tooltip = "Find the backing in the foreground and take its color for the screen color.",

@@ -30,6 +30,8 @@ enum class SampleAction {
     kUnmixOwn
 };
 inline constexpr int kSampleActions = static_cast<int>(SampleAction::kUnmixOwn) + 1;
+// The number of the knob that holds the shot's model, among those that read and write themselves.
+inline constexpr int kShotKnob = kSampleActions;
 
 // The tools of the viewer's toolbar, in panel order; the numbers are what the toolbar's field holds. Behind
 // them those that look at the whole foreground.
@@ -50,7 +52,8 @@ enum class Tool {
     kUnmixSeeThrough,
     kUnmixOwn,
     kFindScreen,
-    kSetUp
+    kSetUp,
+    kAnalyseShot
 };
 
 using KnobField = std::variant<std::monostate, bool KnobStorage::*, float KnobStorage::*,

@@ -81,6 +81,7 @@ Knob* piece(Knob_Closure& f, const KnobRow& row, KnobStorage& storage, std::span
         case Kind::kToolButton:
             return tool_button(f, &storage.active_tool, row.number, row.name, row.label);
         default:
+            if (row.number == kShotKnob) return custom_knob<ShotModel_Knob>(f, row.name);
             return custom_knob<VeloxaSample_Knob>(f, row.name, &f.op());
     }
 }
@@ -100,6 +101,7 @@ void build_panel(Knob_Closure& closure, KnobStorage& storage, PanelKnobs& refs) 
         const VeloxaSample_Knob* const list = refs.samples(static_cast<SampleAction>(i));
         if (list != nullptr) refs.lists_[i] = list->shared();
     }
+    if (const auto* const shot = static_cast<ShotModel_Knob*>(refs.shot_knob())) refs.shot_ = shot->shared();
     refs.update_enables();
 }
 
@@ -131,6 +133,10 @@ std::span<const VeloxaSample::Sample> PanelKnobs::sampled(SampleAction action) c
     const auto& list = lists_[static_cast<std::size_t>(action)];
     if (list == nullptr) return {};
     return *list;
+}
+
+Knob* PanelKnobs::shot_knob() const {
+    return find(Kind::kCustom, kShotKnob);
 }
 
 Knob* PanelKnobs::tool(Tool tool) const {

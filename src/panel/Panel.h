@@ -9,6 +9,7 @@
 
 #include "ZoImage/KnobClosure.h"
 #include "panel/KnobTable.h"
+#include "panel/ShotModel_Knob.h"
 #include "panel/VeloxaSample_Knob.h"
 
 // The knobs of a panel. Until it was made there are none, and every call does nothing.
@@ -21,6 +22,9 @@ class PanelKnobs {
     VeloxaSample_Knob* samples(SampleAction action) const;
     // What its list holds, also after the panel is gone; nothing before there was one.
     std::span<const VeloxaSample::Sample> sampled(SampleAction action) const;
+    // The knob of the shot's model, and what it holds, also after the panel is gone; null while it is empty.
+    Zo::Image::Knob* shot_knob() const;
+    std::shared_ptr<const ShotModel> shot() const { return shot_ ? *shot_ : nullptr; }
     Zo::Image::Knob* tool(Tool tool) const;
     // The tool whose button this is.
     std::optional<Tool> tool_of(const Zo::Image::Knob* knob) const;
@@ -44,6 +48,7 @@ class PanelKnobs {
     std::vector<Zo::Image::Knob*> knobs_;  // one a row of the table
     // Hosts may take a panel down and render on.
     std::array<std::shared_ptr<const std::vector<VeloxaSample::Sample>>, kSampleActions> lists_;
+    std::shared_ptr<ShotModel_Knob::Held> shot_;
     const KnobStorage* storage_ = nullptr;
 };
 

@@ -10,6 +10,7 @@
 #include "panel/KnobStorage.h"
 #include "panel/Panel.h"
 #include "tools/ToolSession.h"
+#include "unmix/ShotModel.h"
 
 class VlxUnmixBacking;
 class VlxUnmixSolids;
@@ -28,6 +29,7 @@ struct ToolNode {
     // As the knobs are when it is asked.
     std::function<Zo::Image::Iop&()> output_matte;
     std::function<Zo::Image::Iop&()> screen_area;
+    std::function<ShotModel()> measure_frame;  // by itself; empty where no backing is found
 
     bool flag(std::uint32_t bit) const { return (input_flags & bit) != 0; }
     const Zo::Image::AbortFlag* abort() const { return image.context().abort; }

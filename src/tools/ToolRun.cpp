@@ -42,7 +42,7 @@ bool turns_difference(Tool tool) {
 
 ToolReport ToolRun::run(Tool tool, const Box& box) {
     report_.tool = node_.panel.tool(tool)->name();
-    if (tool == Tool::kFindScreen || take_box(box)) {
+    if (tool >= Tool::kFindScreen || take_box(box)) {
         node_.image.validate(true);
         if (may_turn(tool)) use(tool);
     }
@@ -87,6 +87,8 @@ void ToolRun::use(Tool tool) {
             return teach(SampleAction::kUnmixSeeThrough);
         case Tool::kUnmixOwn:
             return teach(SampleAction::kUnmixOwn);
+        case Tool::kAnalyseShot:
+            return analyse_shot();
         case Tool::kSetUp:
             break;
     }

@@ -62,6 +62,8 @@ class ToolRun {
     void match_color();
     // Adds what the stroke shows to a list of the unmixing matte.
     void teach(SampleAction action);
+    // Adds the frame to the shot's model.
+    void analyse_shot();
 
     Setting setting() const { return setting(node_.knobs); }
     Setting setting(const KnobStorage& knobs) const;

@@ -46,6 +46,7 @@ ToolKnobs knobs_of(Tool tool, const Setting& setting) {
         case Tool::kUnmixSeeThrough:
         case Tool::kUnmixOwn:
         case Tool::kSetUp:
+        case Tool::kAnalyseShot:
             break;
     }
     return {};
@@ -60,7 +61,7 @@ bool adds_samples_alone(Tool tool) {
 
 bool ToolRun::may_turn(Tool tool) {
     const Setting present = setting();
-    if (adds_samples_alone(tool)) return true;
+    if (adds_samples_alone(tool) || tool == Tool::kAnalyseShot) return true;
     ToolKnobs knobs = knobs_of(tool, present);
     for (const Dial& dial : knobs.dials) knobs.fields.add_row(dial.row);
     const bool off = knobs.enable != nullptr && !(present.knobs.*knobs.enable);

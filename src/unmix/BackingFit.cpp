@@ -9,6 +9,7 @@
 #include "unmix/Morphology.h"
 #include "unmix/PushPull.h"
 #include "unmix/Reduce.h"
+#include "unmix/ShotModel.h"
 
 namespace unmix {
 
@@ -50,7 +51,10 @@ class Fit {
     void run() {
         const int width = model_.means[0].width();
         const int height = model_.means[0].height();
-        HueMasks hue = find_hue(model_, garbage_);
+        HueMasks hue =
+            find_hue(model_, garbage_,
+                     settings_.shot != nullptr ? settings_.shot->hue_counts() : std::vector<double>{});
+        model_.hue = std::move(hue.counts);
         teach(hue);
         may_ = std::move(hue.may);
         model_.found = any(hue.sure);
@@ -66,7 +70,9 @@ class Fit {
             }
             return;
         }
-        model_.sigma = noise_deviation(hue.sure);
+        const auto sigma =
+            settings_.shot != nullptr ? settings_.shot->mean_sigma(model_.scale) : std::nullopt;
+        model_.sigma = sigma ? *sigma : noise_deviation(hue.sure);
         find_base(hue.sure);
         resize(beyond_, width, height);
         for (std::size_t c = 0; c < 3; ++c) {
@@ -181,9 +187,29 @@ class Fit {
             return;
         }
         resize(base_, sure.width(), sure.height());
+        if (const auto form = settings_.shot != nullptr ? settings_.shot->mean_base() : std::nullopt) {
+            FrameCubic(*form).evaluate(base_);
+            follow_light(sure);
+            return;
+        }
         FrameCubic cubic;
         cubic.fit(model_.means, sure);
         cubic.evaluate(base_);
+        model_.cubic = cubic.form();
+    }
+
+    // Light that flickers lights all of the backing.
+    void follow_light(const Bytes& sure) {
+        for (std::size_t c = 0; c < 3; ++c) {
+            std::vector<float> gains;
+            for (std::size_t i = 0; i < sure.size(); ++i) {
+                if (sure[i] != 0) gains.push_back(model_.means[c][i] / std::max(base_[c][i], kDarkest));
+            }
+            const auto middle = gains.begin() + static_cast<std::ptrdiff_t>(gains.size() / 2);
+            std::nth_element(gains.begin(), middle, gains.end());
+            model_.gain[c] = *middle;
+            for (float& v : base_[c]) v *= *middle;
+        }
     }
 
     void grow(const Bytes& sure) {
@@ -293,6 +319,11 @@ class Fit {
     }
 
     void measure_noise() {
+        if (const auto noise =
+                settings_.shot != nullptr ? settings_.shot->mean_noise(model_.scale) : std::nullopt) {
+            model_.noise = *noise;
+            return;
+        }
         std::array<double, 6> sums{};
         std::array<double, 3> means{};
         std::size_t count = 0;
@@ -325,6 +356,10 @@ class Fit {
     }
 
     void measure_colour() {
+        if (settings_.shot != nullptr) {
+            model_.colour = settings_.shot->mean_colour();
+            return;
+        }
         const bool known = any(model_.sure);
         const std::vector<std::size_t> cells = sample(model_.sure);
         std::array<float, 3> middle{};

@@ -11,11 +11,14 @@
 #include "framework/ParallelLoop.h"
 #include "unmix/BackingModel.h"
 
+struct ShotModel;
+
 namespace unmix {
 
 struct BackingSettings {
     float folds = 1.0f;  // 0: only the backing's own brightness counts; 1: from 0.65 to 1.5 of it
     std::span<const std::array<float, 3>> taught;  // in light
+    const ShotModel* shot = nullptr;               // in place of what one frame tells
 };
 
 // `model` has its scale, screen, light, and clean where there is one. `garbage`: coarse, the share of a cell

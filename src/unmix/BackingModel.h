@@ -5,7 +5,10 @@
 #pragma once
 
 #include <array>
+#include <optional>
+#include <vector>
 
+#include "unmix/FrameCubic.h"
 #include "unmix/FrameScale.h"
 #include "unmix/Plane.h"
 
@@ -32,6 +35,12 @@ struct BackingModel {
     Covariance noise{};  // of a pixel
     std::array<float, 3> sigma{};
     std::array<float, 3> colour{};  // of the screen: the median backing over its primary's
+
+    std::array<float, 3> gain{1.0f, 1.0f, 1.0f};  // of this frame's light over the shot's, by its base
+
+    // As they were found in this frame, for the shot's model.
+    std::vector<double> hue;                // cells by bins of hue
+    std::optional<FrameCubic::Form> cubic;  // nothing with a clean plate
 
     // The backing at pixels x to r - 1 of row y.
     void row(int y, int x, int r, const std::array<float*, 3>& out) const;

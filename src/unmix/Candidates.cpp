@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "unmix/Clusters.h"
 #include "unmix/Morphology.h"
 #include "unmix/Nearest.h"
 
@@ -26,7 +25,8 @@ constexpr float kNeutralBrightness = 0.30f;
 constexpr float kWarmth = 0.05f;
 constexpr float kWarmthDeviation = 0.10f;
 
-constexpr int kFewestCells = 4;
+constexpr int kClusters = 8;
+constexpr std::size_t kFewestCells = 4;
 
 constexpr std::array<std::array<std::size_t, 2>, 6> kPairs{{{0, 0}, {0, 1}, {0, 2}, {1, 1}, {1, 2}, {2, 2}}};
 
@@ -94,7 +94,14 @@ class Finder {
         find_rims();
         if (!any(lends_)) return;
         find_nearest(found.nearest);
-        find_groups(settings.clusters, found);
+        find_groups(settings.rims, found);
+    }
+
+    std::vector<ColourGroup> rims() {
+        find_rims();
+        std::vector<ColourGroup> groups;
+        for (const Group& group : group_cells(shallow_cells())) groups.push_back(group.colours);
+        return groups;
     }
 
   private:
@@ -202,58 +209,110 @@ class Finder {
         }
     }
 
-    void find_groups(int count, Candidates& found) const {
-        std::vector<std::array<float, 3>> samples;
+    struct Group {
         std::vector<std::size_t> cells;
-        for (std::size_t i = 0; i < shallow_.size(); ++i) {
-            if (shallow_[i] == 0) continue;
-            samples.push_back({backing_.means[0][i], backing_.means[1][i], backing_.means[2][i]});
-            cells.push_back(i);
-        }
-        const Clusters groups = find_clusters(samples, count);
-        std::vector<std::vector<std::size_t>> members(groups.means.size());
-        for (std::size_t i = 0; i < samples.size(); ++i) {
-            members[static_cast<std::size_t>(groups.of[i])].push_back(i);
-        }
-        std::erase_if(members, [](const auto& list) { return list.size() < kFewestCells; });
-        found.clusters.resize(members.size());
-        found.away.resize(members.size());
-        loop_(0, static_cast<int>(members.size()), 1, [&](int begin, int end) {
+        ColourGroup colours;
+    };
+
+    void find_groups(const std::vector<ColourGroup>* shot, Candidates& found) const {
+        const std::vector<std::size_t> cells = shallow_cells();
+        const std::vector<Group> groups = shot != nullptr ? cells_of(*shot, cells) : group_cells(cells);
+        found.clusters.resize(groups.size());
+        found.away.resize(groups.size());
+        loop_(0, static_cast<int>(groups.size()), 1, [&](int begin, int end) {
             for (auto k = static_cast<std::size_t>(begin); k < static_cast<std::size_t>(end); ++k) {
-                describe(samples, members[k], found.clusters[k]);
-                measure_away(cells, members[k], found.away[k]);
+                found.clusters[k] = candidate(groups[k].colours);
+                measure_away(groups[k].cells, found.away[k]);
             }
         });
     }
 
-    static void describe(const std::vector<std::array<float, 3>>& samples,
-                         const std::vector<std::size_t>& members, CommonColour& colour) {
-        std::array<double, 3> mean{};
-        const auto count = static_cast<double>(members.size());
-        for (const std::size_t i : members) {
-            for (std::size_t c = 0; c < 3; ++c) mean[c] += static_cast<double>(samples[i][c]) / count;
+    std::vector<std::size_t> shallow_cells() const {
+        std::vector<std::size_t> cells;
+        for (std::size_t i = 0; i < shallow_.size(); ++i) {
+            if (shallow_[i] != 0) cells.push_back(i);
         }
-        std::array<double, 6> spread{};
-        for (const std::size_t i : members) {
-            for (std::size_t n = 0; n < 6; ++n) {
-                spread[n] += (static_cast<double>(samples[i][kPairs[n][0]]) - mean[kPairs[n][0]]) *
-                             (static_cast<double>(samples[i][kPairs[n][1]]) - mean[kPairs[n][1]]) /
-                             (count - 1.0);
-            }
-        }
-        for (std::size_t c = 0; c < 3; ++c) colour.mean[c] = static_cast<float>(mean[c]);
-        for (std::size_t n = 0; n < 6; ++n)
-            colour.covariance[n] = static_cast<float>(spread[n]) + own_spread(n);
-        colour.share = 0.0f;
+        return cells;
     }
 
-    void measure_away(const std::vector<std::size_t>& cells, const std::vector<std::size_t>& members,
-                      Floats& away) const {
+    std::vector<std::array<float, 3>> colours_of(const std::vector<std::size_t>& cells) const {
+        std::vector<std::array<float, 3>> colours;
+        for (const std::size_t i : cells) {
+            colours.push_back({backing_.means[0][i], backing_.means[1][i], backing_.means[2][i]});
+        }
+        return colours;
+    }
+
+    static std::vector<Group> groups_of(const Clusters& clusters, const std::vector<std::size_t>& cells) {
+        std::vector<Group> groups(clusters.means.size());
+        for (std::size_t i = 0; i < cells.size(); ++i) {
+            groups[static_cast<std::size_t>(clusters.of[i])].cells.push_back(cells[i]);
+        }
+        return groups;
+    }
+
+    static void leave_out_small(std::vector<Group>& groups) {
+        std::erase_if(groups, [](const Group& group) { return group.cells.size() < kFewestCells; });
+    }
+
+    std::vector<Group> group_cells(const std::vector<std::size_t>& cells) const {
+        std::vector<Group> groups = groups_of(find_clusters(colours_of(cells), kClusters), cells);
+        leave_out_small(groups);
+        for (Group& group : groups) group.colours = described(colours_of(group.cells));
+        return groups;
+    }
+
+    // Groups that are known beforehand, with the cells that are nearest to them.
+    std::vector<Group> cells_of(const std::vector<ColourGroup>& known,
+                                const std::vector<std::size_t>& cells) const {
+        std::vector<std::array<double, 3>> means;
+        for (const ColourGroup& colours : known) means.push_back(in_light_of_frame(colours).mean);
+        std::vector<Group> groups = groups_of(nearest_clusters(colours_of(cells), std::move(means)), cells);
+        for (std::size_t k = 0; k < groups.size(); ++k) groups[k].colours = in_light_of_frame(known[k]);
+        leave_out_small(groups);
+        return groups;
+    }
+
+    // The subject stands in the light that the backing shows to flicker.
+    ColourGroup in_light_of_frame(ColourGroup group) const {
+        const auto gain = [&](std::size_t c) { return static_cast<double>(backing_.gain[c]); };
+        for (std::size_t c = 0; c < 3; ++c) group.mean[c] *= gain(c);
+        for (std::size_t n = 0; n < 6; ++n) group.covariance[n] *= gain(kPairs[n][0]) * gain(kPairs[n][1]);
+        return group;
+    }
+
+    static ColourGroup described(const std::vector<std::array<float, 3>>& samples) {
+        ColourGroup group;
+        const double count = group.count = static_cast<double>(samples.size());
+        std::array<double, 3>& mean = group.mean;
+        for (const auto& sample : samples) {
+            for (std::size_t c = 0; c < 3; ++c) mean[c] += static_cast<double>(sample[c]) / count;
+        }
+        for (const auto& sample : samples) {
+            for (std::size_t n = 0; n < 6; ++n) {
+                group.covariance[n] += (static_cast<double>(sample[kPairs[n][0]]) - mean[kPairs[n][0]]) *
+                                       (static_cast<double>(sample[kPairs[n][1]]) - mean[kPairs[n][1]]) /
+                                       (count - 1.0);
+            }
+        }
+        return group;
+    }
+
+    static CommonColour candidate(const ColourGroup& group) {
+        CommonColour colour{};
+        for (std::size_t c = 0; c < 3; ++c) colour.mean[c] = static_cast<float>(group.mean[c]);
+        for (std::size_t n = 0; n < 6; ++n) {
+            colour.covariance[n] = static_cast<float>(group.covariance[n]) + own_spread(n);
+        }
+        return colour;
+    }
+
+    void measure_away(const std::vector<std::size_t>& cells, Floats& away) const {
         Bytes here((width_ + 1) / 2, (height_ + 1) / 2);
         here.fill(0);
-        for (const std::size_t i : members) {
-            const auto x = static_cast<int>(cells[i]) % width_;
-            const auto y = static_cast<int>(cells[i]) / width_;
+        for (const std::size_t i : cells) {
+            const auto x = static_cast<int>(i) % width_;
+            const auto y = static_cast<int>(i) / width_;
             here(x / 2, y / 2) = 1;
         }
         Plane<std::int32_t> index;
@@ -273,6 +332,11 @@ class Finder {
 };
 
 }  // namespace
+
+std::vector<ColourGroup> find_rims(const BackingModel& backing, const Segmentation& segmentation,
+                                   const ParallelLoop& loop) {
+    return Finder(backing, segmentation, loop).rims();
+}
 
 Candidates find_candidates(const BackingModel& backing, const Segmentation& segmentation,
                            const CandidateSettings& settings, const ParallelLoop& loop) {

@@ -6,6 +6,7 @@
 
 #include "framework/ParallelLoop.h"
 #include "unmix/BackingModel.h"
+#include "unmix/Clusters.h"
 #include "unmix/Segmentation.h"
 #include "unmix/SolveKernel.h"
 
@@ -33,9 +34,13 @@ struct SeenThrough {
 
 struct CandidateSettings {
     float veil = 0.7f;
-    int clusters = 8;
     std::span<const SeenThrough> see_through;
+    const std::vector<ColourGroup>* rims = nullptr;  // in place of this frame's
 };
+
+// The groups that clusters are made of.
+std::vector<ColourGroup> find_rims(const BackingModel& backing, const Segmentation& segmentation,
+                                   const ParallelLoop& loop);
 
 Candidates find_candidates(const BackingModel& backing, const Segmentation& segmentation,
                            const CandidateSettings& settings, const ParallelLoop& loop);

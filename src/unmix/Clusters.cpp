@@ -22,6 +22,43 @@ double apart(const Colour& a, const std::array<float, 3>& b) {
     return sum;
 }
 
+std::size_t nearest(const std::vector<Colour>& means, const std::array<float, 3>& sample) {
+    std::size_t best = 0;
+    double least = std::numeric_limits<double>::infinity();
+    for (std::size_t k = 0; k < means.size(); ++k) {
+        const double d = apart(means[k], sample);
+        if (d < least) {
+            least = d;
+            best = k;
+        }
+    }
+    return best;
+}
+
+// What joining them adds to the sum of squares (Ward 1963).
+double joining_cost(const ColourGroup& a, const ColourGroup& b) {
+    double sum = 0.0;
+    for (std::size_t c = 0; c < 3; ++c) sum += (a.mean[c] - b.mean[c]) * (a.mean[c] - b.mean[c]);
+    return sum * a.count * b.count / (a.count + b.count);
+}
+
+ColourGroup joined(const ColourGroup& a, const ColourGroup& b) {
+    ColourGroup both{a.count + b.count, {}, {}};
+    for (std::size_t c = 0; c < 3; ++c) {
+        both.mean[c] = (a.count * a.mean[c] + b.count * b.mean[c]) / both.count;
+    }
+    std::size_t n = 0;
+    for (std::size_t i = 0; i < 3; ++i) {
+        for (std::size_t j = i; j < 3; ++j, ++n) {
+            const double between = (a.mean[i] - b.mean[i]) * (a.mean[j] - b.mean[j]) * a.count * b.count;
+            both.covariance[n] = ((a.count - 1.0) * a.covariance[n] + (b.count - 1.0) * b.covariance[n] +
+                                  between / both.count) /
+                                 (both.count - 1.0);
+        }
+    }
+    return both;
+}
+
 Colour as_double(const std::array<float, 3>& v) {
     return {static_cast<double>(v[0]), static_cast<double>(v[1]), static_cast<double>(v[2])};
 }
@@ -63,15 +100,7 @@ Clusters find_clusters(const std::vector<std::array<float, 3>>& samples, int cou
         std::vector<Colour> sums(most, Colour{});
         std::vector<double> counts(most, 0.0);
         for (std::size_t i = 0; i < samples.size(); ++i) {
-            std::size_t best = 0;
-            double least = std::numeric_limits<double>::infinity();
-            for (std::size_t k = 0; k < most; ++k) {
-                const double d = apart(found.means[k], samples[i]);
-                if (d < least) {
-                    least = d;
-                    best = k;
-                }
-            }
+            const std::size_t best = nearest(found.means, samples[i]);
             found.of[i] = static_cast<int>(best);
             counts[best] += 1.0;
             for (std::size_t c = 0; c < 3; ++c) sums[best][c] += static_cast<double>(samples[i][c]);
@@ -82,6 +111,29 @@ Clusters find_clusters(const std::vector<std::array<float, 3>>& samples, int cou
         }
     }
     return found;
+}
+
+Clusters nearest_clusters(const std::vector<std::array<float, 3>>& samples, std::vector<Colour> means) {
+    Clusters found{std::move(means), {}};
+    for (const auto& sample : samples) found.of.push_back(static_cast<int>(nearest(found.means, sample)));
+    return found;
+}
+
+void join_groups(std::vector<ColourGroup>& groups, std::size_t most) {
+    while (groups.size() > most) {
+        std::array<std::size_t, 2> best{0, 1};
+        double least = std::numeric_limits<double>::infinity();
+        for (std::size_t a = 0; a < groups.size(); ++a) {
+            for (std::size_t b = a + 1; b < groups.size(); ++b) {
+                const double cost = joining_cost(groups[a], groups[b]);
+                if (!(cost < least)) continue;
+                least = cost;
+                best = {a, b};
+            }
+        }
+        groups[best[0]] = joined(groups[best[0]], groups[best[1]]);
+        groups.erase(groups.begin() + static_cast<std::ptrdiff_t>(best[1]));
+    }
 }
 
 }  // namespace unmix

@@ -93,7 +93,7 @@ std::vector<Block> blocks_of(const Colours& cells, const Bytes& mask) {
 }  // namespace
 
 void FrameCubic::fit(const Colours& cells, const Bytes& mask) {
-    coefficients_ = {};
+    form_.coefficients = {};
     const std::uint8_t* const first = std::find(mask.begin(), mask.end(), 1);
     const std::size_t stride = mask.size() / kSamples + 1;
     for (std::size_t c = 0; c < 3; ++c) {
@@ -102,19 +102,19 @@ void FrameCubic::fit(const Colours& cells, const Bytes& mask) {
             if (mask[i] != 0) values.push_back(cells[c][i]);
         }
         if (values.empty()) values.push_back(cells[c][static_cast<std::size_t>(first - mask.begin())]);
-        low_[c] = 0.8f * quantile(values, 0.01);
-        high_[c] = 1.2f * quantile(values, 0.99);
-        coefficients_[c][0] = static_cast<double>(quantile(values, 0.5));
+        form_.low[c] = 0.8f * quantile(values, 0.01);
+        form_.high[c] = 1.2f * quantile(values, 0.99);
+        form_.coefficients[c][0] = static_cast<double>(quantile(values, 0.5));
     }
     std::vector<Block> blocks = blocks_of(cells, mask);
     if (blocks.size() < kFewest) return;
     for (int round = 0; round < kRounds; ++round) {
-        coefficients_ = solve(blocks);
+        form_.coefficients = solve(blocks);
         std::vector<double> used;
         std::vector<double> off(blocks.size(), 0.0);
         for (std::size_t i = 0; i < blocks.size(); ++i) {
             for (std::size_t c = 0; c < 3; ++c) {
-                const double left = blocks[i].colour[c] - value_of(coefficients_[c], blocks[i].terms);
+                const double left = blocks[i].colour[c] - value_of(form_.coefficients[c], blocks[i].terms);
                 off[i] = std::max(off[i], std::abs(left));
             }
             if (blocks[i].used) used.push_back(off[i]);
@@ -129,7 +129,7 @@ void FrameCubic::evaluate(Colours& cells) const {
     std::vector<double> across(static_cast<std::size_t>(width));
     for (int x = 0; x < width; ++x) across[static_cast<std::size_t>(x)] = place(x, width);
     for (std::size_t c = 0; c < 3; ++c) {
-        const Terms& k = coefficients_[c];
+        const Terms& k = form_.coefficients[c];
         for (int y = 0; y < cells[c].height(); ++y) {
             // A row's cubic.
             const double v = place(y, cells[c].height());
@@ -140,7 +140,7 @@ void FrameCubic::evaluate(Colours& cells) const {
             for (int x = 0; x < width; ++x) {
                 const double u = across[static_cast<std::size_t>(x)];
                 const auto value = static_cast<float>(a + u * (b + u * (d + u * k[3])));
-                row[x] = std::min(std::max(value, low_[c]), high_[c]);
+                row[x] = std::min(std::max(value, form_.low[c]), form_.high[c]);
             }
         }
     }

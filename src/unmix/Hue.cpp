@@ -9,7 +9,7 @@ namespace unmix {
 
 namespace {
 
-constexpr int kBins = 64;
+constexpr int kBins = kHueBins;
 constexpr float kSure = 0.10f;
 constexpr float kMay = 0.20f;
 constexpr float kLeads = 0.08f;       // the least lead that counts,
@@ -46,7 +46,7 @@ float quantile(std::vector<float> values, double q) {
 
 }  // namespace
 
-HueMasks find_hue(const BackingModel& model, const Floats& garbage) {
+HueMasks find_hue(const BackingModel& model, const Floats& garbage, std::vector<double> counts) {
     const Colours& means = model.means;
     const std::size_t cells = means[0].size();
     const auto colour = [&](std::size_t i) { return std::array{means[0][i], means[1][i], means[2][i]}; };
@@ -63,19 +63,21 @@ HueMasks find_hue(const BackingModel& model, const Floats& garbage) {
     }
     const float least = std::min(kLeads, kLeadsOfBest * quantile(leading, 0.95));
 
-    std::vector<double> counts(static_cast<std::size_t>(kBins) * kBins, 0.0);
+    const bool counted = !counts.empty();
+    counts.resize(static_cast<std::size_t>(kBins) * kBins, 0.0);
     for (std::size_t i = 0; i < cells; ++i) {
-        if (leads[i] <= least) continue;
+        if (counted || leads[i] <= least) continue;
         const Ratio r = ratio(i);
         const auto bin = [](float v) { return std::clamp(static_cast<int>(v * kBins), 0, kBins - 1); };
         counts[static_cast<std::size_t>(bin(r[0]) * kBins + bin(r[1]))] += 1.0;
     }
-    counts = smoothed(counts);
-    const auto mode = static_cast<int>(std::ranges::max_element(counts) - counts.begin());
+    const std::vector<double> smooth = smoothed(counts);
+    const auto mode = static_cast<int>(std::ranges::max_element(smooth) - smooth.begin());
     const Ratio middle{(static_cast<float>(mode / kBins) + 0.5f) / kBins,
                        (static_cast<float>(mode % kBins) + 0.5f) / kBins};
 
-    HueMasks masks{Bytes(means[0].width(), means[0].height()), Bytes(means[0].width(), means[0].height())};
+    HueMasks masks{Bytes(means[0].width(), means[0].height()), Bytes(means[0].width(), means[0].height()),
+                   std::move(counts)};
     std::vector<float> near;
     for (std::size_t i = 0; i < cells; ++i) {
         const Ratio r = ratio(i);

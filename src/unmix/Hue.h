@@ -5,6 +5,9 @@
 
 namespace unmix {
 
+// To a side of the plane.
+inline constexpr int kHueBins = 64;
+
 // What the screen's primary has beyond the greater of the others.
 inline float lead_of(const std::array<float, 3>& colour, const BackingModel& model) {
     return colour[static_cast<std::size_t>(model.screen)] -
@@ -13,11 +16,13 @@ inline float lead_of(const std::array<float, 3>& colour, const BackingModel& mod
 }
 
 struct HueMasks {
-    Bytes sure;  // near the hue
-    Bytes may;   // twice as far from it
+    Bytes sure;                  // near the hue
+    Bytes may;                   // twice as far from it
+    std::vector<double> counts;  // cells by hue, the first other channel's share slowest
 };
 
 // Cells of `model.means`; those of `garbage` above a half are neither. All masks are 0 where nothing leads.
-HueMasks find_hue(const BackingModel& model, const Floats& garbage);
+// Counts that are not empty stand in for this frame's.
+HueMasks find_hue(const BackingModel& model, const Floats& garbage, std::vector<double> counts);
 
 }  // namespace unmix

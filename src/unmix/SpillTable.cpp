@@ -34,7 +34,12 @@ int rounded(float v, int count) {
 
 class Learner {
   public:
-    explicit Learner(const BackingModel& backing) : backing_(backing), counts_(G::kSize, 0.0f) {}
+    explicit Learner(const BackingModel& backing, Histogram counts = {})
+        : backing_(backing), counts_(std::move(counts)) {
+        counts_.resize(G::kSize, 0.0f);
+    }
+
+    const Histogram& counts() const { return counts_; }
 
     void add(const std::array<float, 3>& colour, float weight) {
         const float first = colour[static_cast<std::size_t>(backing_.others[0])];
@@ -196,10 +201,21 @@ class Learner {
 
 }  // namespace
 
-std::vector<float> learn_spill(const BackingModel& backing, const Floats& alpha,
-                               const SpillSettings& settings, const ParallelLoop& loop) {
+std::map<std::size_t, double> count_own_colours(const BackingModel& backing, const Floats& alpha,
+                                                const ParallelLoop& loop) {
     Learner learner(backing);
     learner.add_solids(alpha, loop);
+    std::map<std::size_t, double> weights;
+    for (std::size_t i = 0; i < G::kSize; ++i) {
+        if (learner.counts()[i] > 0.0f) weights[i] = static_cast<double>(learner.counts()[i]);
+    }
+    return weights;
+}
+
+std::vector<float> learn_spill(const BackingModel& backing, const Floats& alpha,
+                               const SpillSettings& settings, const ParallelLoop& loop) {
+    Learner learner(backing, settings.counts);
+    if (settings.counts.empty()) learner.add_solids(alpha, loop);
     if (learner.empty() && settings.own.empty()) return {};
     for (const auto& colour : settings.own) learner.add(colour, 100.0f);
     return learner.table(settings.rims, loop);

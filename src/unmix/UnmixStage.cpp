@@ -1,6 +1,7 @@
 #include "unmix/UnmixStage.h"
 
 #include "unmix/EncodingKernel.h"
+#include "unmix/ShotModel.h"
 
 using namespace Zo::Image;
 
@@ -22,6 +23,10 @@ void UnmixStage::append_colours(Hash& hash, const std::vector<TaughtColour>& col
         for (const float v : taught.colour) hash.append(static_cast<double>(v));
         hash.append(static_cast<double>(taught.alpha));
     }
+}
+
+void UnmixStage::append_shot(Hash& hash) const {
+    hash.append(params().shot ? params().shot->identity : std::uint64_t{0});
 }
 
 std::vector<std::array<float, 3>> UnmixStage::colours_in_light(

@@ -36,6 +36,7 @@ class UnmixStage : public Zo::Image::Iop {
     const UnmixParams& params() const { return *params_; }
 
     static void append_colours(Zo::Image::Hash& hash, const std::vector<TaughtColour>& colours);
+    void append_shot(Zo::Image::Hash& hash) const;
 
     std::vector<std::array<float, 3>> colours_in_light(const std::vector<TaughtColour>& colours) const;
 

@@ -15,11 +15,14 @@ void VlxUnmixBacking::append_params(Hash& hash) const {
     hash.append(static_cast<std::int32_t>(params().encoding));
     hash.append(static_cast<double>(params().folds));
     append_colours(hash, params().backing);
+    append_shot(hash);
 }
 
 bool VlxUnmixBacking::compute(Lock& helpers) {
     const Box& box = info_.box;
     unmix::BackingModel& model = model_;
+    model.cubic.reset();
+    model.gain = {1.0f, 1.0f, 1.0f};
     model.scale = unmix::FrameScale(box.width(), box.height());
     model.screen = params().screen;
     model.others = {params().screen == 0 ? 1 : 0, params().screen == 2 ? 1 : 2};
@@ -40,7 +43,7 @@ bool VlxUnmixBacking::compute(Lock& helpers) {
         }
         unmix::Floats outside;
         if (!garbage.empty()) unmix::cell_means(garbage, model.scale.coarse(), outside, loop);
-        unmix::fit_backing(model, outside, {params().folds, taught}, loop);
+        unmix::fit_backing(model, outside, {params().folds, taught, params().shot.get()}, loop);
     });
 }
 

@@ -1,6 +1,7 @@
 #include "unmix/VlxUnmixColour.h"
 
 #include "unmix/ColourFrame.h"
+#include "unmix/ShotModel.h"
 #include "unmix/SpillTable.h"
 #include "unmix/VlxUnmixBacking.h"
 #include "unmix/VlxUnmixClean.h"
@@ -11,6 +12,7 @@ using namespace Zo::Image;
 void VlxUnmixColour::append_params(Hash& hash) const {
     hash.append(static_cast<double>(params().spill));
     append_colours(hash, params().own);
+    append_shot(hash);
 }
 
 bool VlxUnmixColour::compute(Lock& helpers) {
@@ -18,8 +20,10 @@ bool VlxUnmixColour::compute(Lock& helpers) {
     const auto own = colours_in_light(params().own);
     return run_kernel(*this, helpers, [&](const ParallelLoop& loop) {
         const unmix::BackingModel& backing = backing_.model();
-        const std::vector<float> table =
-            unmix::learn_spill(backing, clean_.alpha(), {solids_.segmentation().spill, own}, loop);
+        const unmix::SpillSettings settings{
+            solids_.segmentation().spill, own,
+            params().shot ? params().shot->own_counts() : std::vector<float>{}};
+        const std::vector<float> table = unmix::learn_spill(backing, clean_.alpha(), settings, loop);
         const SpillParams spill{
             table.empty() ? nullptr : table.data(),
             {static_cast<std::size_t>(backing.screen), static_cast<std::size_t>(backing.others[0]),

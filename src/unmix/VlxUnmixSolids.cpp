@@ -2,6 +2,7 @@
 
 #include "unmix/EncodingKernel.h"
 #include "unmix/Light.h"
+#include "unmix/ShotModel.h"
 #include "unmix/SolidsFit.h"
 #include "unmix/VlxUnmixBacking.h"
 
@@ -14,6 +15,7 @@ const char* VlxUnmixSolids::input_label(int input, char* buffer) const {
 void VlxUnmixSolids::append_params(Hash& hash) const {
     hash.append(static_cast<double>(params().solid));
     append_colours(hash, params().solids);
+    append_shot(hash);
 }
 
 bool VlxUnmixSolids::compute(Lock& helpers) {
@@ -26,6 +28,9 @@ bool VlxUnmixSolids::compute(Lock& helpers) {
     return run_kernel(*this, helpers, [&](const ParallelLoop& loop) {
         const unmix::BackingModel& backing = backing_.model();
         unmix::find_solids(backing, garbage, holdout, {params().solid, taught}, segmentation_, loop);
+        if (const auto spill = params().shot ? params().shot->mean_spill() : std::nullopt) {
+            segmentation_.spill = *spill;
+        }
         unmix::find_unknown(backing, garbage, segmentation_, loop);
     });
 }

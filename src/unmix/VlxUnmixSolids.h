@@ -3,7 +3,7 @@
 // Input 0 the backing, 1 "gm" garbage matte, 2 "hm" holdout matte (either may be missing), as the host
 // delivers them: alpha above a half is surely outside, or surely subject. Result: Segmentation. As rows: red
 // the colour sources, green the unknown, blue the rough opacity, alpha the solids. Depends on "solid" and
-// what was taught as solid.
+// what was taught as solid, and the shot's model.
 #pragma once
 
 #include "unmix/Segmentation.h"

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "unmix/ShotModel.h"
 #include "unmix/SolveFrame.h"
 #include "unmix/VlxUnmixBacking.h"
 #include "unmix/VlxUnmixSolids.h"
@@ -11,6 +12,7 @@ using namespace Zo::Image;
 void VlxUnmixSolve::append_params(Hash& hash) const {
     hash.append(static_cast<double>(params().veil));
     append_colours(hash, params().see_through);
+    append_shot(hash);
 }
 
 bool VlxUnmixSolve::compute(Lock& helpers) {
@@ -23,8 +25,10 @@ bool VlxUnmixSolve::compute(Lock& helpers) {
     return run_kernel(*this, helpers, [&](const ParallelLoop& loop) {
         const unmix::BackingModel& backing = backing_.model();
         const unmix::Segmentation& segmentation = solids_.segmentation();
+        const ShotModel* const shot = params().shot.get();
+        const bool known = shot != nullptr && !shot->rims.empty();
         const unmix::Candidates candidates = unmix::find_candidates(
-            backing, segmentation, {.veil = params().veil, .see_through = see_through}, loop);
+            backing, segmentation, {params().veil, see_through, known ? &shot->rims : nullptr}, loop);
         unmix::solve_frame(backing, segmentation, candidates, solution_, loop);
     });
 }

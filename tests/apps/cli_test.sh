@@ -45,7 +45,7 @@ while IFS='|' read -r status text arguments; do
     # shellcheck disable=SC2086
     expect "$status" "$text" $arguments
 done <<'TABLE'
-2|key, knobs, controls, cleanplate, tune, plate, compare, score|
+2|key, analyse, knobs, controls, cleanplate, tune, plate, compare, score|
 2|nonsense: there is no such command|nonsense
 2|--fg|key -o out/a.exr
 2|--threads|key --fg shot/fg.0001.exr -o out/a.exr --threads 0
@@ -135,6 +135,24 @@ expect 0 "" key "${shot[@]}" --script out/tuned.script -o out/tuned.%04d.exr
 expect 0 "" compare out/stroked.0004.exr out/tuned.0004.exr --max-diff 0
 expect 0 "no knob changed" tune "${shot[@]}" "${strokes[@]}" --script out/tuned.script
 expect 0 '"name": "screen_color"' tune "${shot[@]}" "${strokes[@]}" --json
+
+# A shot that is measured: by key or by analyse, and a frame alone is what it is among the others.
+unmix=(--fg shot/fg.%04d.exr --frames 1-5 --set unmix_method=unmix "${pick[@]}")
+expect 0 "the shot is measured on 5 frames of 1-5" key "${unmix[@]}" -o out/u.%04d.exr --save-script out/u.script
+expect 0 "frame 5 of the shot" analyse "${unmix[@]}" -o out/measured.txt
+cmp out/u.shot out/measured.txt || fail "key and analyse measure differently"
+expect 0 "out/u.shot: the shot is keyed by it" key --fg shot/fg.0003.exr --script out/u.script -o out/u3.exr
+expect 0 "" compare out/u3.exr out/u.0003.exr --max-diff 0
+expect 0 "" key --fg shot/fg.0003.exr "${unmix[@]:4}" --shot out/measured.txt -o out/m3.exr
+expect 0 "" compare out/m3.exr out/u.0003.exr --max-diff 0
+expect 0 "" key --fg shot/fg.0003.exr "${unmix[@]:4}" -o out/alone.exr
+expect 1 "" compare out/alone.exr out/u.0003.exr --max-diff 0
+expect 0 "measured on 3 frames of 1-5" key --fg shot/fg.%04d.exr "${unmix[@]:4}" \
+    --frames 2-3 -o out/t.%04d.exr --shot-frames 1-5x2
+expect 1 "out/measured.txt: it was measured with another screen" key "${unmix[@]}" -o out/s.%04d.exr \
+    --set unmix_encoding=sRGB --shot out/measured.txt
+sed 's/^spill 0.*/spill none/' out/measured.txt >out/bad.txt
+expect 1 "out/bad.txt: line 13: a finite number is expected" key "${unmix[@]}" -o out/s.%04d.exr --shot out/bad.txt
 
 # What is set stays when the rest sets itself up, after a stroke that picks the screen.
 expect 0 "veloxa: auto: merge stays at multiply, as set" key --fg shot/fg.0001.exr -o out/set.exr --auto \

@@ -135,7 +135,7 @@ ScriptError::ScriptError(std::string_view file, int line, std::string_view what)
 std::string write_script(const KnobPanel& panel) {
     std::string out = std::string(panel.op().class_name()) + " {\n";
     for (const auto& knob : panel.knobs()) {
-        if (knob->kind() == Knob::Kind::kLink) continue;
+        if (knob->kind() == Knob::Kind::kLink || knob->flag(kKnobUnscripted)) continue;
         if (!knob->takes_value() || !knob->differs_from_default()) continue;
         out += "    " + knob->name() + ' ' + knob->text(true) + '\n';
     }

@@ -32,6 +32,7 @@ inline constexpr unsigned kKnobHeld = 4;       // set by front ends: the operato
 inline constexpr unsigned kKnobPixels = 8;     // its numbers count pixels of the image
 inline constexpr unsigned kKnobScripted = 16;  // set by front ends: the value is a script's
 inline constexpr unsigned kKnobLooks = 32;     // buttons: pressing it looks at the images on the inputs
+inline constexpr unsigned kKnobUnscripted = 64;  // write_script leaves it out
 
 class Knob {
   public:
@@ -130,7 +131,7 @@ class Knob {
 
     // Reads text as this knob's values: numbers separated by commas or blanks, 0, 1, true or false, a menu
     // item by name or index; braces around it do not matter. Returns what is wrong, empty when nothing is.
-    std::string parse_text(std::string_view text, std::vector<double>& values) const;
+    virtual std::string parse_text(std::string_view text, std::vector<double>& values) const;
 
     // Splits saved text into words at blanks and braces; quotes hold a word with blanks together.
     static void Script_List(std::string_view text, std::vector<std::string>& words);

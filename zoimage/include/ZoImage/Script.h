@@ -8,8 +8,9 @@
 //     }
 //
 // One group a node, one knob a line, several values in braces. Only knobs that differ from their default are
-// written, in panel order, numbers so that they read back to the same bits. The reader takes any bytes: a
-// byte order mark and CRLF line ends are fine, anything else that does not fit throws a ScriptError.
+// written (none that is unscripted), in panel order, numbers so that they read back to the same bits. The
+// reader takes any bytes: a byte order mark and CRLF line ends are fine, anything else that does not fit
+// throws a ScriptError.
 #pragma once
 
 #include <stdexcept>

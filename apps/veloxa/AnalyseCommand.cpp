@@ -1,0 +1,71 @@
+// veloxa analyse: measures a shot, so that its frames are keyed alike.
+#include <memory>
+
+#include "Commands.h"
+#include "Options.h"
+#include "Signals.h"
+#include "Terminal.h"
+#include "shot/Errors.h"
+#include "shot/files/AtomicFile.h"
+#include "shot/setup/KeySetup.h"
+#include "shot/setup/ShotModel.h"
+
+namespace veloxa {
+
+using namespace Zo::Image;
+
+namespace {
+
+struct Options {
+    SetupOptions setup;
+    std::string output;
+    int thin = kShotFrames;
+    bool overwrite = false;
+    bool quiet = false;
+};
+
+int analyse(const Options& options) {
+    AtomicFile::check(options.output, options.overwrite);
+    catch_interrupts();
+    const Caller caller = caller_for(options.quiet);
+    KeySetup setup(options.setup, caller);
+    for (int n = 0; n < setup.frames().count(); ++n) {
+        refuse_input(options.output, setup.names(), setup.frames().at(n));
+    }
+    setup.prepare();
+    const auto measured = setup.measure_shot(setup.frames(), options.thin);
+    if (measured.empty()) throw Error("no frame could be measured");
+    for (const ToolReport& report : measured) {
+        for (const std::string& note : report.notes) {
+            caller.tell(setup.names()[kFg].at(report.frame) + ": " + note);
+        }
+    }
+    save_shot(setup.node(), options.output, options.overwrite);
+    return kExitOk;
+}
+
+constexpr const char* kFooter =
+    "veloxa key takes the file with --shot, and with unmix_method unmix then keys every frame by the same "
+    "noise, backing, rim colours and spill; without it key measures the frames that it keys. The plate, the "
+    "clean plate, the garbage matte and the knobs are those of key.";
+
+}  // namespace
+
+void add_analyse_command(CLI::App& app, Run& run) {
+    CLI::App* command = app.add_subcommand("analyse", "Measure a shot, so that its frames are keyed alike.");
+    command->footer(kFooter);
+    auto options = std::make_shared<Options>();
+    add_setup_options(*command, options->setup);
+    command->add_option("-o,--output", options->output, "What was measured, as text")
+        ->required()
+        ->type_name("FILE");
+    command->add_option("--thin", options->thin, "Measure at most N frames, spread over --frames")
+        ->type_name("N")
+        ->check(CLI::Range(1, 100000))
+        ->capture_default_str();
+    command->add_flag("--overwrite", options->overwrite, "Replace a file that exists");
+    command->add_flag("--quiet", options->quiet, "Do not tell what was measured");
+    command->callback([options, &run] { run = [options] { return analyse(*options); }; });
+}
+
+}  // namespace veloxa
