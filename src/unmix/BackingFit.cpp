@@ -285,7 +285,8 @@ class Fit {
         fill_.run(beyond_, model_.sure, 0, beyond, loop_);
         for (std::size_t c = 0; c < 3; ++c) {
             for (std::size_t i = 0; i < beyond[c].size(); ++i) {
-                model_.coarse[c][i] = std::max(base_[c][i] + beyond[c][i], kDarkest);
+                const float sum = base_[c][i] + beyond[c][i];
+                model_.coarse[c][i] = c == screen() ? std::max(sum, kDarkest) : sum;
             }
         }
         for (std::size_t i = 0; i < model_.shade.size(); ++i) {

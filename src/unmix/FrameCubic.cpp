@@ -102,8 +102,10 @@ void FrameCubic::fit(const Colours& cells, const Bytes& mask) {
             if (mask[i] != 0) values.push_back(cells[c][i]);
         }
         if (values.empty()) values.push_back(cells[c][static_cast<std::size_t>(first - mask.begin())]);
-        low_[c] = 0.8f * quantile(values, 0.01);
-        high_[c] = 1.2f * quantile(values, 0.99);
+        const float least = quantile(values, 0.01);
+        const float most = quantile(values, 0.99);
+        low_[c] = std::min(0.8f * least, 1.2f * least);
+        high_[c] = std::max(0.8f * most, 1.2f * most);
         coefficients_[c][0] = static_cast<double>(quantile(values, 0.5));
     }
     std::vector<Block> blocks = blocks_of(cells, mask);
