@@ -20,7 +20,7 @@ bool VlxUnmixColour::compute(Lock& helpers) {
         const unmix::BackingModel& backing = backing_.model();
         const std::vector<float> table =
             unmix::learn_spill(backing, clean_.alpha(), {solids_.segmentation().spill, own}, loop);
-        const SpillParams spill{
+        const UnspillParams spill{
             table.empty() ? nullptr : table.data(),
             {static_cast<std::size_t>(backing.screen), static_cast<std::size_t>(backing.others[0]),
              static_cast<std::size_t>(backing.others[1])},
