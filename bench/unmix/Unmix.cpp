@@ -67,7 +67,7 @@ std::vector<Kernel> unmix_kernels() {
                       kSpan);
     };
     const auto spill = [&m, plate] {
-        const SpillParams params{table.data(), {1, 0, 2}, {0.2f, 1.0f, 0.3f}, 1.0f};
+        const UnspillParams params{table.data(), {1, 0, 2}, {0.2f, 1.0f, 0.3f}, 1.0f};
         for (std::size_t c = 0; c < 3; ++c) std::copy_n(plate[c], kSpan, m.out[c].data());
         remove_spill(params, {plate[0], plate[1], plate[2], m.opacity.data()}, m.opacity.data(),
                      {m.out[0].data(), m.out[1].data(), m.out[2].data()}, kSpan);

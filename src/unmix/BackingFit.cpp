@@ -41,6 +41,7 @@ constexpr int kRoundLevel = 1;
 
 constexpr float kDarkest = 0.003f;
 constexpr float kLeastNoise = 1e-6f;  // variance
+constexpr Covariance kUnknownNoise{1e-4f, 0.0f, 0.0f, 1e-4f, 0.0f, 1e-4f};
 constexpr std::size_t kNoiseCells = 2048;
 
 class Fit {
@@ -63,6 +64,10 @@ class Fit {
         model_.sure.fill(0);
         model_.shade.resize(width, height);
         model_.shade.fill(1.0f);
+        model_.added = {};
+        model_.sigma = {};
+        model_.noise = kUnknownNoise;
+        model_.colour = {};
         if (!model_.found) {
             for (std::size_t c = 0; c < 3; ++c) {
                 model_.coarse[c].fill(c == screen() ? 1.0f : kDarkest);
@@ -306,7 +311,8 @@ class Fit {
         fill_.run(beyond_, model_.sure, 0, beyond, loop_);
         for (std::size_t c = 0; c < 3; ++c) {
             for (std::size_t i = 0; i < beyond[c].size(); ++i) {
-                model_.coarse[c][i] = std::max(base_[c][i] + beyond[c][i], kDarkest);
+                const float sum = base_[c][i] + beyond[c][i];
+                model_.coarse[c][i] = c == screen() ? std::max(sum, kDarkest) : sum;
             }
         }
         for (std::size_t i = 0; i < model_.shade.size(); ++i) {
@@ -341,10 +347,7 @@ class Fit {
                 ++count;
             });
         }
-        if (count < 2) {
-            model_.noise = {1e-4f, 0.0f, 0.0f, 1e-4f, 0.0f, 1e-4f};
-            return;
-        }
+        if (count < 2) return;
         const auto all = static_cast<double>(count);
         std::size_t n = 0;
         for (std::size_t i = 0; i < 3; ++i) {

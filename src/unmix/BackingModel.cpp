@@ -18,7 +18,9 @@ void BackingModel::row(int y, int x, int r, const std::array<float*, 3>& out) co
         between_cells(plate ? added[c] : coarse[c], scale.coarse(), y, x, r, out[c]);
         if (!plate) continue;
         const float* const base = clean[c].row(y) + x;
-        for (int n = 0; n < r - x; ++n) out[c][n] = std::max(out[c][n] + base[n], kDarkest);
+        for (int n = 0; n < r - x; ++n) out[c][n] += base[n];
+        if (c != static_cast<std::size_t>(screen)) continue;
+        for (int n = 0; n < r - x; ++n) out[c][n] = std::max(out[c][n], kDarkest);
     }
 }
 

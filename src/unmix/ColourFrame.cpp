@@ -13,7 +13,7 @@ constexpr int kStrip = 16;
 
 class Painter {
   public:
-    Painter(const BackingModel& backing, const Floats& alpha, const SpillParams& params, Encoding encoding,
+    Painter(const BackingModel& backing, const Floats& alpha, const UnspillParams& params, Encoding encoding,
             Colours& colour)
         : backing_(backing),
           alpha_(alpha),
@@ -84,7 +84,7 @@ class Painter {
 
     const BackingModel& backing_;
     const Floats& alpha_;
-    const SpillParams& params_;
+    const UnspillParams& params_;
     Encoding encoding_;
     Colours& colour_;
     int width_;
@@ -96,7 +96,7 @@ class Painter {
 
 }  // namespace
 
-void colour_frame(const BackingModel& backing, const Floats& alpha, const SpillParams& params,
+void colour_frame(const BackingModel& backing, const Floats& alpha, const UnspillParams& params,
                   Encoding encoding, Colours& colour, const ParallelLoop& loop) {
     const int height = backing.scale.height;
     resize(colour, backing.scale.width, height);

@@ -9,7 +9,7 @@
 namespace unmix {
 
 // `colour` is as the plate stores it, times alpha.
-void colour_frame(const BackingModel& backing, const Floats& alpha, const SpillParams& params,
+void colour_frame(const BackingModel& backing, const Floats& alpha, const UnspillParams& params,
                   Encoding encoding, Colours& colour, const ParallelLoop& loop);
 
 }  // namespace unmix

@@ -102,8 +102,10 @@ void FrameCubic::fit(const Colours& cells, const Bytes& mask) {
             if (mask[i] != 0) values.push_back(cells[c][i]);
         }
         if (values.empty()) values.push_back(cells[c][static_cast<std::size_t>(first - mask.begin())]);
-        form_.low[c] = 0.8f * quantile(values, 0.01);
-        form_.high[c] = 1.2f * quantile(values, 0.99);
+        const float least = quantile(values, 0.01);
+        const float most = quantile(values, 0.99);
+        form_.low[c] = std::min(0.8f * least, 1.2f * least);
+        form_.high[c] = std::max(0.8f * most, 1.2f * most);
         form_.coefficients[c][0] = static_cast<double>(quantile(values, 0.5));
     }
     std::vector<Block> blocks = blocks_of(cells, mask);

@@ -52,8 +52,9 @@ HueMasks find_hue(const BackingModel& model, const Floats& garbage, std::vector<
     const auto colour = [&](std::size_t i) { return std::array{means[0][i], means[1][i], means[2][i]}; };
     const auto ratio = [&](std::size_t i) {
         const float k = std::max(means[static_cast<std::size_t>(model.screen)][i], kDark);
-        return Ratio{means[static_cast<std::size_t>(model.others[0])][i] / k,
-                     means[static_cast<std::size_t>(model.others[1])][i] / k};
+        // What a narrow gamut cannot hold of a screen is below 0.
+        return Ratio{std::max(means[static_cast<std::size_t>(model.others[0])][i], 0.0f) / k,
+                     std::max(means[static_cast<std::size_t>(model.others[1])][i], 0.0f) / k};
     };
     std::vector<float> leads(cells);
     std::vector<float> leading;

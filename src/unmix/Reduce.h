@@ -21,7 +21,7 @@ void repeat_cells(const T* cells, int side, int x, int r, To* out) {
 }
 
 // Linear interpolation between the middles of cells: pixels x to r - 1 of row y of a picture whose cells are
-// `side` to a side. Beyond the outermost middles the outermost cell counts.
+// `side` to a side, an even number. Beyond the outermost middles the outermost cell counts.
 void between_cells(const Floats& cells, int side, int y, int x, int r, float* out);
 
 }  // namespace unmix

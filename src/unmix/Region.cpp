@@ -56,7 +56,8 @@ void Region::find(const Floats* own, float solid) {
     loop_(0, height(), 8, [&](int begin, int end) {
         std::vector<float> line(static_cast<std::size_t>(width()), 0.0f);
         for (int y = begin; y < end; ++y) {
-            if (own != nullptr) between_cells(*own, fine_ ? 2 : 1, y, 0, width(), line.data());
+            if (own != nullptr && fine_) between_cells(*own, 2, y, 0, width(), line.data());
+            if (own != nullptr && !fine_) std::copy_n(own->row(y), width(), line.data());
             const auto n = static_cast<std::size_t>(width());
             rough_opacity({lead_.row(y), backing_lead_.row(y), bound_.row(y)}, line.data(), rough_.row(y), n);
             if (!backing_.found) std::fill_n(rough_.row(y), n, 1.0f);

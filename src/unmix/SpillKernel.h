@@ -18,7 +18,7 @@ struct SpillGrid {
     static constexpr std::size_t kSize = static_cast<std::size_t>(kHues) * kLevels * kRels;
 };
 
-struct SpillParams {
+struct UnspillParams {
     const float*
         table;  // SpillGrid::kSize values, rel fastest; null: the screen's channel may not pass the others
     std::array<std::size_t, 3> channels;  // the screen's, then the others
@@ -28,7 +28,7 @@ struct SpillParams {
 
 // `sums` are colour and alpha summed over 3 x 3 pixels. `colour` is premultiplied, red, green, blue, read and
 // written.
-using RemoveSpill = void(const SpillParams& params, const std::array<const float*, 4>& sums,
+using RemoveSpill = void(const UnspillParams& params, const std::array<const float*, 4>& sums,
                          const float* alpha, const std::array<float*, 3>& colour, std::size_t n);
 LANE_KERNEL(RemoveSpill, remove_spill);
 

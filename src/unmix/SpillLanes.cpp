@@ -77,7 +77,7 @@ void take_backing(const float* plate, const float* backing, const float* alpha, 
     }
 }
 
-void remove_spill(const SpillParams& params, const std::array<const float*, 4>& sums, const float* alpha,
+void remove_spill(const UnspillParams& params, const std::array<const float*, 4>& sums, const float* alpha,
                   const std::array<float*, 3>& colour, size_t n) {
     const auto [k, o, p] = params.channels;
     const float* const table = params.table;

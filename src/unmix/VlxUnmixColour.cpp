@@ -24,7 +24,7 @@ bool VlxUnmixColour::compute(Lock& helpers) {
             solids_.segmentation().spill, own,
             params().shot ? params().shot->own_counts() : std::vector<float>{}};
         const std::vector<float> table = unmix::learn_spill(backing, clean_.alpha(), settings, loop);
-        const SpillParams spill{
+        const UnspillParams spill{
             table.empty() ? nullptr : table.data(),
             {static_cast<std::size_t>(backing.screen), static_cast<std::size_t>(backing.others[0]),
              static_cast<std::size_t>(backing.others[1])},
