@@ -222,7 +222,7 @@ class Fit {
         Floats around(width, height);
         if (folds) {
             fill_.run(beyond_, ok, kWideLevel, wide, loop_);
-            box_mean(model_.means[screen()], 1, around);
+            box_mean(model_.means[screen()], 1, around, loop_);
         }
         Colours& backing = model_.coarse;
         for (int round = 0; round < kRounds; ++round) {

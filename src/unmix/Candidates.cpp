@@ -78,6 +78,9 @@ std::array<float, 3> usual_backing(const BackingModel& backing) {
     return mean;
 }
 
+// For what is one of several things done at once.
+const ParallelLoop kAlone = [](int begin, int end, int, const auto& body) { body(begin, end); };
+
 class Finder {
   public:
     Finder(const BackingModel& backing, const Segmentation& segmentation, const ParallelLoop& loop)
@@ -180,16 +183,16 @@ class Finder {
         });
         const int radius = coarse_cells(kAround);
         Floats mass;
-        box_mean(weight_, radius, mass);
+        box_mean(weight_, radius, mass, loop_);
         loop_(0, 9, 1, [&](int begin, int end) {
             for (auto n = static_cast<std::size_t>(begin); n < static_cast<std::size_t>(end); ++n) {
                 Floats mean;
-                box_mean(sums[n], radius, mean);
+                box_mean(sums[n], radius, mean, kAlone);
                 for (std::size_t i = 0; i < mean.size(); ++i) {
                     const auto at = static_cast<std::size_t>(index[i]);
                     sums[n][i] = mean[at] / std::max(mass[at], 1e-6f);
                 }
-                box_mean(sums[n], radius, mean);
+                box_mean(sums[n], radius, mean, kAlone);
                 sums[n] = std::move(mean);
             }
         });
@@ -313,8 +316,7 @@ class Finder {
             here(x / 2, y / 2) = 1;
         }
         Plane<std::int32_t> index;
-        const ParallelLoop plain = [](int begin, int end, int, const auto& body) { body(begin, end); };
-        nearest(here, index, &away, plain);
+        nearest(here, index, &away, kAlone);
         const auto side = static_cast<float>(2 * backing_.scale.coarse());
         for (float& v : away) v *= side;
     }

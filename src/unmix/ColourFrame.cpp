@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <vector>
 
-#include "unmix/BoxKernel.h"
 #include "unmix/EncodingKernel.h"
 
 namespace unmix {
@@ -24,18 +23,13 @@ class Painter {
           width_(backing.scale.width),
           stride_(static_cast<std::size_t>(backing.scale.width) + 2) {
         for (auto& plane : padded_) plane.resize(stride_ * (kStrip + 2));
-        for (auto& plane : sums_) plane.resize(static_cast<std::size_t>(width_) * kStrip);
+        for (auto& plane : sums_) plane.resize(static_cast<std::size_t>(width_));
         for (auto& line : lines_) line.resize(static_cast<std::size_t>(width_));
-        column_.resize(stride_);
     }
 
     void strip(int from, int to) {
         const int rows = to - from;
         for (int y = -1; y <= rows; ++y) fill_row(std::clamp(from + y, 0, backing_.scale.height - 1), y + 1);
-        for (std::size_t c = 0; c < 4; ++c) {
-            box_sum(padded_[c].data(), 1, column_.data(), sums_[c].data(), static_cast<std::size_t>(width_),
-                    static_cast<std::size_t>(rows));
-        }
         for (int y = 0; y < rows; ++y) finish_row(from + y, y);
     }
 
@@ -60,21 +54,21 @@ class Painter {
     void finish_row(int y, int at) {
         const float* const alpha = alpha_.row(y);
         std::array<float*, 3> out{};
-        for (std::size_t c = 0; c < 3; ++c) {
-            out[c] = colour_[c].row(y);
-            std::copy_n(padded_[c].data() + stride_ * static_cast<std::size_t>(at + 1) + 1, width_, out[c]);
-        }
-        const std::size_t row = static_cast<std::size_t>(width_) * static_cast<std::size_t>(at);
+        for (std::size_t c = 0; c < 3; ++c) out[c] = colour_[c].row(y);
         for (int x = 0; x < width_;) {
+            const int clear = x;
             while (x < width_ && alpha[x] == 0.0f) ++x;
+            for (float* const channel : out) std::fill(channel + clear, channel + x, 0.0f);
             const int start = x;
             while (x < width_ && alpha[x] != 0.0f) ++x;
             if (x == start) break;
             const auto n = static_cast<std::size_t>(x - start);
-            const std::size_t first = row + static_cast<std::size_t>(start);
-            remove_spill(params_,
-                         {sums_[0].data() + first, sums_[1].data() + first, sums_[2].data() + first,
-                          sums_[3].data() + first},
+            for (std::size_t c = 0; c < 4; ++c) {
+                const float* const row = padded_[c].data() + stride_ * static_cast<std::size_t>(at) + start;
+                sum_rows({row, row + stride_, row + 2 * stride_}, sums_[c].data(), n);
+                if (c < 3) std::copy_n(row + stride_ + 1, n, out[c] + start);
+            }
+            remove_spill(params_, {sums_[0].data(), sums_[1].data(), sums_[2].data(), sums_[3].data()},
                          alpha + start, {out[0] + start, out[1] + start, out[2] + start}, n);
             for (float* const channel : out) store(alpha + start, channel + start, n);
         }
@@ -98,7 +92,6 @@ class Painter {
     std::array<std::vector<float>, 4> padded_;
     std::array<std::vector<float>, 4> sums_;
     std::array<std::vector<float>, 3> lines_;
-    std::vector<float> column_;
 };
 
 }  // namespace

@@ -127,14 +127,14 @@ std::vector<Part> parts_of(const Plane<std::int32_t>& labels, int count, const F
     return parts;
 }
 
-// Shows `set` every pixel of the parts.
-template <class Set>
+// Shows `set` every pixel of the parts that `changes` picks.
+template <class Changes, class Set>
 void set_parts(const FrameScale& scale, const Plane<std::int32_t>& labels, const std::vector<Part>& parts,
-               Floats& alpha, const ParallelLoop& loop, const Set& set) {
+               Floats& alpha, const ParallelLoop& loop, const Changes& changes, const Set& set) {
+    if (std::none_of(parts.begin() + 1, parts.end(), changes)) return;
     each_cell(labels.width(), labels.height(), loop, [&](int x, int y) {
-        if (labels(x, y) == 0) return;
-        const Part& part = parts[static_cast<std::size_t>(labels(x, y))];
-        each_pixel(scale, alpha, x, y, [&](float& v) { set(part, v); });
+        if (labels(x, y) == 0 || !changes(parts[static_cast<std::size_t>(labels(x, y))])) return;
+        each_pixel(scale, alpha, x, y, set);
     });
 }
 
@@ -171,10 +171,10 @@ void drop_marks(const FrameScale& scale, const Segmentation& segmentation, Float
     Plane<std::int32_t> labels;
     const int count = label_components(seen, labels);
     const double largest = kLargestMark * static_cast<double>(seen.size());
-    set_parts(scale, labels, parts_of(labels, count, mean, away), alpha, loop,
-              [&](const Part& part, float& v) {
-                  if (part.most < kFaint && part.nearest >= far && part.size < largest) v = 0.0f;
-              });
+    set_parts(
+        scale, labels, parts_of(labels, count, mean, away), alpha, loop,
+        [&](const Part& part) { return part.most < kFaint && part.nearest >= far && part.size < largest; },
+        [](float& v) { v = 0.0f; });
 }
 
 void fill_holes(const FrameScale& scale, Floats& alpha, const ParallelLoop& loop) {
@@ -192,13 +192,14 @@ void fill_holes(const FrameScale& scale, Floats& alpha, const ParallelLoop& loop
     Plane<std::int32_t> labels;
     const int count = label_components(low, labels);
     const auto all = static_cast<double>(low.size());
-    set_parts(scale, labels, parts_of(labels, count, least, depth), alpha, loop,
-              [&](const Part& part, float& v) {
-                  const bool hole = part.least > kHalfClear && part.size < kLargestHole * all;
-                  const bool detail =
-                      part.farthest > gap && part.least > kAlmostClear && part.size < kLargestDetail * all;
-                  if ((hole || detail) && v < kOpaque) v = 1.0f;
-              });
+    set_parts(
+        scale, labels, parts_of(labels, count, least, depth), alpha, loop,
+        [&](const Part& part) {
+            const bool hole = part.least > kHalfClear && part.size < kLargestHole * all;
+            return hole ||
+                   (part.farthest > gap && part.least > kAlmostClear && part.size < kLargestDetail * all);
+        },
+        [](float& v) { v = v < kOpaque ? 1.0f : v; });
 }
 
 }  // namespace unmix

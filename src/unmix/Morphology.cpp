@@ -53,28 +53,31 @@ Bytes dilated(const Bytes& mask, int steps) {
     return out;
 }
 
-void box_mean(const Floats& picture, int radius, Floats& mean) {
+void box_mean(const Floats& picture, int radius, Floats& mean, const ParallelLoop& loop) {
     const int width = picture.width();
     mean.resize(width, picture.height());
     const float scale = 1.0f / static_cast<float>((2 * radius + 1) * (2 * radius + 1));
-    std::vector<float> sums(static_cast<std::size_t>(width + 2 * radius));
-    float* const middle = sums.data() + radius;
-    for (int y = 0; y < picture.height(); ++y) {
-        const auto row = [&](int d) { return picture.row(std::clamp(y + d, 0, picture.height() - 1)); };
-        std::copy_n(row(-radius), width, middle);
-        for (int d = -radius + 1; d <= radius; ++d) {
-            const float* const from = row(d);
-            for (int x = 0; x < width; ++x) middle[x] += from[x];
+    const auto rows = [&](int begin, int end) {
+        std::vector<float> sums(static_cast<std::size_t>(width + 2 * radius));
+        float* const middle = sums.data() + radius;
+        for (int y = begin; y < end; ++y) {
+            const auto row = [&](int d) { return picture.row(std::clamp(y + d, 0, picture.height() - 1)); };
+            std::copy_n(row(-radius), width, middle);
+            for (int d = -radius + 1; d <= radius; ++d) {
+                const float* const from = row(d);
+                for (int x = 0; x < width; ++x) middle[x] += from[x];
+            }
+            std::fill(middle - radius, middle, middle[0]);
+            std::fill(middle + width, middle + width + radius, middle[width - 1]);
+            float* const out = mean.row(y);
+            std::copy_n(middle - radius, width, out);
+            for (int d = -radius + 1; d <= radius; ++d) {
+                for (int x = 0; x < width; ++x) out[x] += middle[x + d];
+            }
+            for (int x = 0; x < width; ++x) out[x] *= scale;
         }
-        std::fill(middle - radius, middle, middle[0]);
-        std::fill(middle + width, middle + width + radius, middle[width - 1]);
-        float* const out = mean.row(y);
-        std::copy_n(middle - radius, width, out);
-        for (int d = -radius + 1; d <= radius; ++d) {
-            for (int x = 0; x < width; ++x) out[x] += middle[x + d];
-        }
-        for (int x = 0; x < width; ++x) out[x] *= scale;
-    }
+    };
+    loop(0, picture.height(), 32, rows);
 }
 
 void box_most(Floats& picture, int radius) {

@@ -14,7 +14,7 @@ Bytes eroded(const Bytes& mask, int steps);
 Bytes dilated(const Bytes& mask, int steps);
 
 // The mean over (2 radius + 1)^2 pixels; the edge repeats.
-void box_mean(const Floats& picture, int radius, Floats& mean);
+void box_mean(const Floats& picture, int radius, Floats& mean, const ParallelLoop& loop);
 
 // The greatest value within this many pixels to each side.
 void box_most(Floats& picture, int radius);

@@ -5,8 +5,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
-#include "ZoImage/FramePlane.h"
+#include "unmix/PlaneMemory.h"
 
 namespace unmix {
 
@@ -48,7 +49,7 @@ class Plane {
 
     int width_ = 0;
     int height_ = 0;
-    Zo::Image::FramePlane<T> pixels_;
+    std::vector<T, PlaneAllocator<T>> pixels_;
 };
 
 using Floats = Plane<float>;

@@ -41,7 +41,8 @@ void cell_means(const Floats& picture, int side, Floats& means, const ParallelLo
 namespace {
 
 constexpr int kPiece = 1024;  // pixels
-constexpr std::size_t kMostPixels = 4 * kPiece;
+constexpr std::size_t kMostPixels = kPiece + 4;
+constexpr std::size_t kWidestCell = 256;
 
 // A piece of a row; cells are far narrower than it.
 void piece_between_cells(const Floats& cells, int side, int y, int x, int r, float* out) {
@@ -54,9 +55,8 @@ void piece_between_cells(const Floats& cells, int side, int y, int x, int r, flo
     const int half = side / 2;
     const int first = (x + half) / side - 1;
     const int last = (r - 1 + half) / side;
-    const auto count = static_cast<std::size_t>(last - first + 1);
     std::array<float, kMostPixels> line;
-    std::array<float, kMostPixels> pixels;
+    std::array<float, kWidestCell> pixels;
     const int from = std::max(first, 0);
     const int to = std::min(last, cells.width() - 1);
     mix_rows(a + from, b + from, v - static_cast<float>(low), line.data() + (from - first),
@@ -64,8 +64,24 @@ void piece_between_cells(const Floats& cells, int side, int y, int x, int r, flo
     if (from > first) line.front() = line[1];
     for (int n = to + 1; n <= last; ++n)
         line[static_cast<std::size_t>(n - first)] = line[static_cast<std::size_t>(to - first)];
-    between_middles(line.data(), side, pixels.data(), count - 1);
-    std::copy_n(pixels.data() + (x - (first * side + half)), r - x, out);
+    // What is left of the first gap, whole gaps, and what begins the last.
+    const float* cell = line.data();
+    const auto partly = [&](int skip, int n, float* pixel) {
+        between_middles(cell, side, pixels.data(), 1);
+        std::copy_n(pixels.data() + skip, n, pixel);
+        ++cell;
+    };
+    const int skipped = x - (first * side + half);
+    int done = 0;
+    if (skipped > 0) {
+        done = std::min(side - skipped, r - x);
+        partly(skipped, done, out);
+    }
+    const int gaps = (r - x - done) / side;
+    between_middles(cell, side, out + done, static_cast<std::size_t>(gaps));
+    cell += gaps;
+    done += gaps * side;
+    if (done < r - x) partly(0, r - x - done, out + done);
 }
 
 }  // namespace

@@ -103,8 +103,8 @@ Floats own_lead(const BackingModel& backing, const Region& region, const Paralle
     if (!any(opaque)) return {};
     Floats mean;
     Floats mass;
-    box_mean(weighted, radius(kRim), mean);
-    box_mean(weight, radius(kRim), mass);
+    box_mean(weighted, radius(kRim), mean, loop);
+    box_mean(weight, radius(kRim), mass, loop);
     Plane<std::int32_t> index;
     nearest(opaque, index, nullptr, loop);
     Floats carried(region.width(), region.height());
@@ -113,7 +113,7 @@ Floats own_lead(const BackingModel& backing, const Region& region, const Paralle
         carried[i] = mean[at] / std::max(mass[at], 1e-6f);
     }
     box_most(carried, radius(kAround));
-    box_mean(carried, radius(kRim), mean);
+    box_mean(carried, radius(kRim), mean, loop);
     return mean;
 }
 

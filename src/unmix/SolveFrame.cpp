@@ -14,8 +14,8 @@ namespace unmix {
 namespace {
 
 // A tile and the two neighbourhoods, one in the other, that its choice averages costs over.
-constexpr int kTileWidth = 64;
-constexpr int kTileHeight = 32;
+constexpr int kTileWidth = 128;
+constexpr int kTileHeight = 48;
 constexpr int kReach = 2;  // of one average
 constexpr int kHalo = 2 * kReach;
 constexpr int kWide = kTileWidth + 2 * kHalo;

@@ -36,3 +36,8 @@ LANE_KERNEL(RemoveSpill, remove_spill);
 using TakeBacking = void(const float* plate, const float* backing, const float* alpha, float* colour,
                          std::size_t n);
 LANE_KERNEL(TakeBacking, take_backing);
+
+// Sums over 3 x 3 pixels; the three rows begin a pixel before the first sum's, and end a pixel after the
+// last.
+using SumRows = void(const std::array<const float*, 3>& rows, float* sum, std::size_t n);
+LANE_KERNEL(SumRows, sum_rows);

@@ -125,4 +125,14 @@ void remove_spill(const SpillParams& params, const std::array<const float*, 4>& 
     }
 }
 
+void sum_rows(const std::array<const float*, 3>& rows, float* __restrict sum, size_t n) {
+    const auto [a, b, c] = rows;
+    for (size_t i = 0; i < n; ++i) {
+        const float left = (a[i] + b[i]) + c[i];
+        const float middle = (a[i + 1] + b[i + 1]) + c[i + 1];
+        const float right = (a[i + 2] + b[i + 2]) + c[i + 2];
+        sum[i] = (left + middle) + right;
+    }
+}
+
 }  // namespace LANES
