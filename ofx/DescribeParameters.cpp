@@ -87,7 +87,6 @@ void describe_parameter(OfxParamSetHandle set, const Parameter& parameter, const
         case Knob::Kind::kCustom:
             p.set(kOfxParamPropDefault, "");
             p.set(kOfxParamPropAnimates, 0);
-            p.set(kOfxParamPropEvaluateOnChange, 0);
             break;
         default:
             if (!parameter.is_button()) describe_numbers(p, knob);

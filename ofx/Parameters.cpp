@@ -106,7 +106,9 @@ ParameterList::ParameterList(const KnobPanel& panel) {
         std::string name = knob->name();
         if (uses[name] > 1) name.insert(0, identifier(tab) + "_");
         const std::string label = tool ? tool_label(knob->label(), caption) : knob->label();
-        const std::size_t place = knob->flag(kKnobLooks) ? sampling : group;
+        // One that stands on a tab before it stays there.
+        const bool looks = knob->flag(kKnobLooks) && sampling != Parameter::kNoGroup;
+        const std::size_t place = looks ? sampling : group;
         if (place != Parameter::kNoGroup) groups_[place].members.push_back(name);
         parameters_.push_back({knob.get(), name, label, type, place});
     }

@@ -4,6 +4,8 @@
 #   tools/quality.sh [METHOD...]             a method is "NAME: OPTIONS OF veloxa key", besides those below
 #   tools/quality.sh --update [METHOD...]    also puts the table under "Figures" in docs/quality.md
 #
+# A second table tells how steady unmixing is over FRAMES in flickering light, with and without the shot's model.
+#
 # SEEDS and SIZE choose the plates, SCREENS their colours, CLEAN=1 gives the keys the clean plates.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -12,6 +14,7 @@ veloxa=${VELOXA:-build/bin/veloxa}
 seeds=${SEEDS:-1 2 3 4 5 6}
 size=${SIZE:-960x540}
 screens=${SCREENS:-green blue}
+frames=${FRAMES:-12}
 page=docs/quality.md
 methods=(
     'unmix: --auto'
@@ -88,6 +91,40 @@ awk -F '|' '
     }' "$folder/figures" >"$folder/table"
 cat "$folder/table"
 
+# Prints a row of the table over time: NAME CAMERA, of the keys that there are.
+steady_row() {
+    local p=$folder/shot
+    "$veloxa" score "$folder/key.%04d.exr" "$p/alpha_true.%04d.exr" --exclude "$p/gm.%04d.exr" \
+        --frames "1-$frames" >"$folder/scores"
+    awk -v name="$1" -v camera="$2" '$1 == "all" { sad = $3 } /dtSSD/ { dtssd = $4; deviation = $6 }
+        END { printf "| %s | %s | %.3f | %.3f | %.4f |\n", camera, name, sad, 1000 * dtssd, 1000 * deviation }' \
+        "$folder/scores"
+}
+
+# Prints both rows of a camera. The knobs are those that --auto finds on the first frame.
+measure_steadiness() {
+    local camera=$1 p=$folder/shot n fg
+    "$veloxa" plate -o "$p" --size "$size" --frames "1-$frames" --flicker 0.02 --camera "$camera" --overwrite
+    "$veloxa" key --fg "$p/fg.0001.exr" --gm "$p/gm.0001.exr" --auto -o "$folder/key.0001.exr" --quiet --overwrite \
+        --save-script "$folder/steady.vlx"
+    for n in $(seq -f %04.0f "$frames"); do
+        fg=$p/fg.$n.exr
+        "$veloxa" key --fg "$fg" --gm "$p/gm.$n.exr" --script "$folder/steady.vlx" -o "$folder/key.$n.exr" \
+            --quiet --overwrite
+    done
+    steady_row 'frame by frame' "$camera"
+    "$veloxa" key --fg "$p/fg.%04d.exr" --gm "$p/gm.%04d.exr" --script "$folder/steady.vlx" --frames "1-$frames" \
+        -o "$folder/key.%04d.exr" --quiet --overwrite
+    steady_row 'by the shot' "$camera"
+}
+
+{
+    echo '| camera | keyed | SAD | dtSSD, 1/1000 | still places, 1/1000 |'
+    echo '|---|---|---:|---:|---:|'
+    for camera in locked moving; do measure_steadiness "$camera"; done
+} >"$folder/steadiness"
+cat "$folder/steadiness"
+
 [ -n "$update" ] || exit 0
 {
     sed '/^## Figures$/q' "$page"
@@ -95,5 +132,9 @@ cat "$folder/table"
     echo "Plates of $size, seeds $seeds, commit $(git rev-parse --short HEAD)."
     echo
     cat "$folder/table"
+    echo
+    echo "Over $frames frames of seed 1:"
+    echo
+    cat "$folder/steadiness"
 } >"$folder/page"
 cp "$folder/page" "$page"
