@@ -108,7 +108,7 @@ TEST(Grids, BoxesAndWhatLiesBetweenCells) {
             };
             Floats means, around, most = picture;
             cell_means(picture, n, means, backward_loop);
-            box_mean(picture, n, around);
+            box_mean(picture, n, around, backward_loop);
             box_most(most, n);
             ASSERT_EQ(means.width(), (width + n - 1) / n);
             std::vector<float> row(static_cast<std::size_t>(width));
