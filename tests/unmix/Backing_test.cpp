@@ -65,7 +65,7 @@ TEST(Backing, WhatCountsAsIt) {
         float tolerance = 0.01f;
     } cases[] = {
         {"a soft fold", fold, 1.0f, {}, true, mix(kGreen, {}, 0.7f)},
-        {"folds off", fold, 0.0f, {}, false, kGreen, 0.08f},
+        {"folds off", fold, 0.0f, {}, false, kGreen, 0.12f},
         {"grey", patch(kGrey), 1.0f, {}, false, kGreen},
         {"a veil", patch(mix(kGrey, kGreen, 0.2f)), 1.0f, {}, false, kGreen},
         {"another green", patch(tape), 1.0f, {}, false, kGreen},

@@ -30,7 +30,7 @@ struct Spilled {
         picture.fit();
     }
     void unspill(float amount, Encoding encoding = Encoding::kStored) {
-        const auto table = learn_spill(picture.backing, alpha, {0.05f, {}}, test::backward_loop);
+        const auto table = learn_spill(picture.backing, alpha, {0.05f, {}, {}}, test::backward_loop);
         const UnspillParams params{table.data(), {1, 0, 2}, picture.backing.colour, amount};
         colour_frame(picture.backing, alpha, params, encoding, colour, test::backward_loop);
     }

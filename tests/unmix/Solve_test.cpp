@@ -66,7 +66,7 @@ TEST(Solve, TheKernelIsTheFormula) {
         }
         const float guess = real();
         std::array<double, 4> expected{double{guess}, 0.0, 0.0, 0.0};
-        for (int round = 0; round < 3; ++round) {
+        for (int round = 0; round < kSolveRounds; ++round) {
             double& a = expected[0];
             const Matrix s = matrix(noise.covariance, common.covariance, a * a);
             const Matrix by = matrix(noise.covariance, {}, 0.0);
