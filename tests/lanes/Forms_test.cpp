@@ -32,6 +32,7 @@
 #include "stages/SpillKernel.h"
 #include "support/Loops.h"
 #include "unmix/EncodingKernel.h"
+#include "unmix/MorphologyKernel.h"
 
 namespace {
 
@@ -165,6 +166,14 @@ const std::vector<Case> kCases{
          from_light(encoding, j.in[1], j.out[1], j.n);
          std::copy_n(j.in[2], j.n, j.out[2]);
          from_light(encoding, j.out[2], j.out[2], j.n);
+     }},
+    {"between middles",
+     [](auto& j) {
+         const std::size_t side = 2 * j.variant + 2;
+         between_middles(j.in[0], static_cast<int>(side), j.out[0], j.n / side);
+         // Which of two NaNs a sum gives is left open.
+         std::replace_if(
+             j.out[0], j.out[0] + j.n, [](float v) { return v != v; }, 0.0f);
      }},
     {"overlay of the screen", [](auto& j) { overlay_of(j, OverlayMode::kScreen); }},
     {"overlay of the subject", [](auto& j) { overlay_of(j, OverlayMode::kSubject); }},
