@@ -20,6 +20,7 @@ constexpr float kLeastDepth = 1.5f;
 constexpr float kOpenSolid = 3.0f;
 constexpr float kOpenSource = 10.0f;
 constexpr float kRimOfSpill = 6.0f;
+constexpr float kThinnestRim = 1.5f;  // cells
 
 constexpr float kSolidWidths = 2.0f;  // times the edge's width
 constexpr float kSourceWidths = 2.7f;
@@ -131,13 +132,14 @@ class Fit {
         Bytes known(width_, height_);
         for (std::size_t i = 0; i < known.size(); ++i) known[i] = found_.solid[i] | found_.source[i];
         Floats depth;
-        distance(known, cells(kRimOfSpill) + 1.0f, depth, loop_);
+        const float rim = std::max(cells(kRimOfSpill), kThinnestRim);
+        distance(known, rim + 1.0f, depth, loop_);
         std::vector<float> spill;
         const auto o = static_cast<std::size_t>(backing_.others[0]);
         const auto p = static_cast<std::size_t>(backing_.others[1]);
         for (int y = 0; y < height_; y += 2) {
             for (int x = 0; x < width_; x += 2) {
-                if (found_.solid(x, y) == 0 || !(depth(x, y) < cells(kRimOfSpill))) continue;
+                if (found_.solid(x, y) == 0 || !(depth(x, y) < rim)) continue;
                 const int cx = x / 2;
                 const int cy = y / 2;
                 const auto difference = [&](const Colours& from, int ax, int ay) {
