@@ -15,14 +15,14 @@ for plate in "$@"; do
     name=$(basename "${plate%.*}")
     size=$(oiiotool --info "$plate" | sed -E 's/.*: +([0-9]+) x +([0-9]+).*/\1x\2/')
     oiiotool --pattern constant:color=0.42,0.32,0.5 "$size" 3 -d uint8 -o "$folder/bg.png"
-    "$veloxa" key --fg "$plate" --bg "$folder/bg.png" --auto -o "$folder/key.png" --overwrite --quiet
+    "$veloxa" key --fg "$plate" --bg "$folder/bg.png" --auto -o "$folder/key.exr" --overwrite --quiet
     # Wide pictures stand in a column, high ones in a row.
     layout=3x1
     [ "${size%x*}" -le "${size#*x}" ] || layout=1x3
     across=480
     [ $layout = 3x1 ] || across=960
-    oiiotool "$plate" --ch R,G,B --resize "${across}x0" "$folder/key.png" --ch A,A,A --resize "${across}x0" \
-        "$folder/key.png" --ch R,G,B --resize "${across}x0" --mosaic:pad=6 $layout --ch R,G,B -d uint8 \
+    oiiotool "$plate" --ch R,G,B --resize "${across}x0" "$folder/key.exr" --ch A,A,A --resize "${across}x0" \
+        "$folder/key.exr" --ch R,G,B --resize "${across}x0" --mosaic:pad=6 $layout --ch R,G,B -d uint8 \
         --attrib Compression jpeg:88 -o "docs/images/$name.jpg"
     echo "docs/images/$name.jpg"
 done

@@ -11,7 +11,7 @@ using std::size_t;
 constexpr float kLeastAlpha = 0.12f;
 constexpr float kOwnColour = 0.9f;  // alphas from which a pixel's own colour is looked at
 constexpr float kMostColour = 1.2f;
-constexpr float kMostOwn = 1.5f;  // of what is mixed; what is beyond is the backing's, whose model missed it
+constexpr float kMostOwn = 1.5f;  // of what is almost clear: what is beyond is of a backing that the model missed
 constexpr float kLeastGain = 0.3f;
 
 [[gnu::always_inline]] inline float larger(float a, float b) {
@@ -71,8 +71,10 @@ void take_backing(const float* plate, const float* backing, const float* alpha, 
                   size_t n) {
 #pragma GCC ivdep
     for (size_t i = 0; i < n; ++i) {
-        const float left = plate[i] - (1.0f - alpha[i]) * backing[i];
-        const float whole = alpha[i] < 1.0f ? clamped(0.0f, kMostOwn * alpha[i], left) : left;
+        const float clear = 1.0f - alpha[i];
+        const float left = plate[i] - clear * backing[i];
+        const float most = kMostOwn * alpha[i] / larger(clear, 1e-6f);
+        const float whole = clear > 0.0f ? clamped(0.0f, most, left) : left;
         colour[i] = alpha[i] > 0.0f ? whole : 0.0f;
     }
 }
