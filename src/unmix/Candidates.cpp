@@ -237,6 +237,7 @@ class Finder {
 
     std::vector<std::array<float, 3>> colours_of(const std::vector<std::size_t>& cells) const {
         std::vector<std::array<float, 3>> colours;
+        colours.reserve(cells.size());
         for (const std::size_t i : cells) {
             colours.push_back({backing_.means[0][i], backing_.means[1][i], backing_.means[2][i]});
         }
@@ -266,6 +267,7 @@ class Finder {
     std::vector<Group> cells_of(const std::vector<ColourGroup>& known,
                                 const std::vector<std::size_t>& cells) const {
         std::vector<std::array<double, 3>> means;
+        means.reserve(known.size());
         for (const ColourGroup& colours : known) means.push_back(in_light_of_frame(colours).mean);
         std::vector<Group> groups = groups_of(nearest_clusters(colours_of(cells), std::move(means)), cells);
         for (std::size_t k = 0; k < groups.size(); ++k) groups[k].colours = in_light_of_frame(known[k]);

@@ -80,13 +80,15 @@ class Cleaner {
         if (!scratch_) scratch_ = std::make_unique_for_overwrite<Scratch>();
         return *scratch_;
     }
-    static std::size_t span(int halo) { return static_cast<std::size_t>(kTileWidth + 2 * halo); }
+    static std::size_t span(int halo) {
+        return static_cast<std::size_t>(kTileWidth) + 2 * static_cast<std::size_t>(halo);
+    }
 
     template <class Kernel>
     static void fold(const Kernel& kernel, Patch& in, int radius, Patch& out, Scratch& s) {
         out.halo = in.halo - radius;
         kernel(in.pixels.data(), radius, s.column.data(), out.pixels.data(), span(out.halo),
-               static_cast<std::size_t>(kTileHeight + 2 * out.halo));
+               static_cast<std::size_t>(kTileHeight) + 2 * static_cast<std::size_t>(out.halo));
     }
 
     template <class Visit>

@@ -28,8 +28,10 @@ std::vector<double> smoothed(const std::vector<double>& counts) {
             const int at = stride == 1 ? i % kBins : i / kBins;
             for (int d = -3; d <= 3; ++d) {
                 if (at + d < 0 || at + d >= kBins) continue;
-                next[static_cast<std::size_t>(i)] += kTaps[static_cast<std::size_t>(std::abs(d))] *
-                                                     pass[static_cast<std::size_t>(i + d * stride)];
+                const int place_of = i + d * stride;
+                const auto place = static_cast<std::size_t>(place_of);
+                next[static_cast<std::size_t>(i)] +=
+                    kTaps[static_cast<std::size_t>(std::abs(d))] * pass[place];
             }
         }
         pass = std::move(next);
@@ -70,12 +72,15 @@ HueMasks find_hue(const BackingModel& model, const Floats& garbage, std::vector<
         if (counted || leads[i] <= least) continue;
         const Ratio r = ratio(i);
         const auto bin = [](float v) { return std::clamp(static_cast<int>(v * kBins), 0, kBins - 1); };
-        counts[static_cast<std::size_t>(bin(r[0]) * kBins + bin(r[1]))] += 1.0;
+        const int place = bin(r[0]) * kBins + bin(r[1]);
+        counts[static_cast<std::size_t>(place)] += 1.0;
     }
     const std::vector<double> smooth = smoothed(counts);
     const auto mode = static_cast<int>(std::ranges::max_element(smooth) - smooth.begin());
-    const Ratio middle{(static_cast<float>(mode / kBins) + 0.5f) / kBins,
-                       (static_cast<float>(mode % kBins) + 0.5f) / kBins};
+    const int first = mode / kBins;
+    const int second = mode % kBins;
+    const Ratio middle{(static_cast<float>(first) + 0.5f) / kBins,
+                       (static_cast<float>(second) + 0.5f) / kBins};
 
     HueMasks masks{Bytes(means[0].width(), means[0].height()), Bytes(means[0].width(), means[0].height()),
                    std::move(counts)};

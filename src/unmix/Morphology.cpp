@@ -35,10 +35,7 @@ Bytes step(const Bytes& mask, const LaneKernel<CrossMask>& kernel) {
 }  // namespace
 
 bool any(const Bytes& mask) {
-    for (std::size_t i = 0; i < mask.size(); ++i) {
-        if (mask[i] != 0) return true;
-    }
-    return false;
+    return std::ranges::any_of(mask, [](std::uint8_t v) { return v != 0; });
 }
 
 Bytes eroded(const Bytes& mask, int steps) {

@@ -24,7 +24,7 @@ void cell_means(const Floats& picture, int side, Floats& means, const ParallelLo
             const int whole = side == 2 ? width / 2 : 0;
             const float share = 0.5f / static_cast<float>(to - from);
             for (int n = 0; n < whole; ++n) {
-                const auto at = static_cast<std::size_t>(2 * n);
+                const std::size_t at = 2 * static_cast<std::size_t>(n);
                 out[n] = (sums[at] + sums[at + 1]) * share;
             }
             for (int n = whole; n < means.width(); ++n) {
@@ -60,7 +60,7 @@ void piece_between_cells(const Floats& cells, int side, int y, int x, int r, flo
     const int from = std::max(first, 0);
     const int to = std::min(last, cells.width() - 1);
     mix_rows(a + from, b + from, v - static_cast<float>(low), line.data() + (from - first),
-             static_cast<std::size_t>(to - from + 1));
+             static_cast<std::size_t>(to - from) + 1);
     if (from > first) line.front() = line[1];
     for (int n = to + 1; n <= last; ++n)
         line[static_cast<std::size_t>(n - first)] = line[static_cast<std::size_t>(to - first)];

@@ -11,7 +11,8 @@ using std::size_t;
 constexpr float kLeastAlpha = 0.12f;
 constexpr float kOwnColour = 0.9f;  // alphas from which a pixel's own colour is looked at
 constexpr float kMostColour = 1.2f;
-constexpr float kMostOwn = 1.5f;  // of what is almost clear: what is beyond is of a backing that the model missed
+constexpr float kMostOwn =
+    1.5f;  // of what is almost clear: what is beyond is of a backing that the model missed
 constexpr float kLeastGain = 0.3f;
 
 [[gnu::always_inline]] inline float larger(float a, float b) {

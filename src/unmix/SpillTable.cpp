@@ -21,7 +21,8 @@ constexpr double kNoise = 0.02;  // of rel
 using Histogram = std::vector<float>;
 
 std::size_t at(int hue, int level, int rel) {
-    return static_cast<std::size_t>((hue * G::kLevels + level) * G::kRels + rel);
+    const int place = (hue * G::kLevels + level) * G::kRels + rel;
+    return static_cast<std::size_t>(place);
 }
 
 float rel_of(int n) {
@@ -100,7 +101,7 @@ class Learner {
 
   private:
     static std::vector<float> gaussian(float deviation) {
-        const int reach = static_cast<int>(4.0f * deviation + 0.5f);
+        const int reach = static_cast<int>(std::lround(4.0f * deviation));
         std::vector<float> taps;
         float sum = 0.0f;
         for (int d = -reach; d <= reach; ++d) {
@@ -124,7 +125,8 @@ class Learner {
                 for (int d = -reach; d <= reach; ++d) {
                     const auto from = static_cast<std::size_t>(std::clamp(n + d, 0, count - 1));
                     const float* const source = in.data() + start + stride * from;
-                    const float tap = taps[static_cast<std::size_t>(d + reach)];
+                    const int place = d + reach;
+                    const float tap = taps[static_cast<std::size_t>(place)];
                     for (std::size_t i = 0; i < stride; ++i) to[i] += tap * source[i];
                 }
             }
@@ -165,7 +167,8 @@ class Learner {
             for (int own = 0; own < G::kRels; ++own) {
                 const double gap = static_cast<double>(rel_of(seen) - rel_of(own));
                 const double below = std::min(gap, 0.0) / kNoise;
-                likely[static_cast<std::size_t>(own * G::kRels + seen)] =
+                const int place = own * G::kRels + seen;
+                likely[static_cast<std::size_t>(place)] =
                     std::exp(-std::max(gap, 0.0) / static_cast<double>(usual) - 0.5 * below * below);
             }
         }
