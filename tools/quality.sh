@@ -133,7 +133,7 @@ cat "$folder/steadiness"
     echo
     cat "$folder/table"
     echo
-    echo "Over $frames frames of seed 1:"
+    echo "Over $frames frames of $size, seed 1:"
     echo
     cat "$folder/steadiness"
 } >"$folder/page"
