@@ -166,7 +166,7 @@ class Finder {
         return sums;
     }
 
-    void find_nearest(std::vector<NearColour>& found) {
+    void find_nearest(NearColours& found) {
         Plane<std::int32_t> index;
         Floats away;
         nearest(lends_, index, &away, loop_);
@@ -198,15 +198,18 @@ class Finder {
         });
         found.resize(away.size());
         const auto side = static_cast<float>(backing_.scale.coarse());
-        for (std::size_t i = 0; i < found.size(); ++i) {
-            NearColour& colour = found[i];
-            for (std::size_t c = 0; c < 3; ++c) colour.mean[c] = sums[c][i];
-            for (std::size_t n = 0; n < 6; ++n) {
-                colour.covariance[n] =
-                    sums[3 + n][i] - colour.mean[kPairs[n][0]] * colour.mean[kPairs[n][1]] + own_spread(n);
+        loop_(0, static_cast<int>(found.size()), 8192, [&](int begin, int end) {
+            for (auto i = static_cast<std::size_t>(begin); i < static_cast<std::size_t>(end); ++i) {
+                NearColour& colour = found[i];
+                for (std::size_t c = 0; c < 3; ++c) colour.mean[c] = sums[c][i];
+                for (std::size_t n = 0; n < 6; ++n) {
+                    colour.covariance[n] = sums[3 + n][i] -
+                                           colour.mean[kPairs[n][0]] * colour.mean[kPairs[n][1]] +
+                                           own_spread(n);
+                }
+                colour.away = side * away[i];
             }
-            colour.away = side * away[i];
-        }
+        });
     }
 
     struct Group {

@@ -19,9 +19,11 @@ struct NearColour {
     float away;  // pixels
 };
 
+using NearColours = std::vector<NearColour, PlaneAllocator<NearColour>>;
+
 struct Candidates {
     CommonColour neutral{};
-    std::vector<NearColour> nearest;     // a coarse cell each; empty without solids to take colours from
+    NearColours nearest;                 // a coarse cell each; empty without solids to take colours from
     std::vector<CommonColour> clusters;  // of the rims' colours, and what was pointed at
     std::vector<Floats> away;  // of each cluster, cells of twice the coarse side: pixels to its nearest
 };

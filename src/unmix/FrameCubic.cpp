@@ -11,7 +11,8 @@ namespace {
 constexpr std::size_t kTerms = FrameCubic::kTerms;
 constexpr int kRounds = 6;
 constexpr double kOutlier = 4.0 * 1.4826;
-constexpr int kBlock = 4;                // cells to a side that count as one
+constexpr int kBlock = 4;  // cells to a side that count as one
+constexpr std::size_t kMostBlocks = 2048;
 constexpr std::size_t kFewest = 64;      // blocks
 constexpr std::size_t kSamples = 16384;  // cells that a range is told by
 
@@ -87,6 +88,11 @@ std::vector<Block> blocks_of(const Colours& cells, const Bytes& mask) {
             if (all) blocks.push_back(block);
         }
     }
+    // Ten coefficients need no more.
+    const std::size_t stride = blocks.size() / kMostBlocks + 1;
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < blocks.size(); i += stride) blocks[kept++] = blocks[i];
+    blocks.resize(kept);
     return blocks;
 }
 

@@ -77,27 +77,31 @@ void box_mean(const Floats& picture, int radius, Floats& mean, const ParallelLoo
     loop(0, picture.height(), 32, rows);
 }
 
-void box_most(Floats& picture, int radius) {
-    const Floats from = picture;
+void box_most(Floats& picture, int radius, const ParallelLoop& loop) {
     const int last_x = picture.width() - 1;
     const int last_y = picture.height() - 1;
     Floats along(picture.width(), picture.height());
-    for (int y = 0; y <= last_y; ++y) {
-        for (int x = 0; x <= last_x; ++x) {
-            float most = from(x, y);
-            for (int n = std::max(x - radius, 0); n <= std::min(x + radius, last_x); ++n) {
-                most = std::max(most, from(n, y));
+    loop(0, last_y + 1, 32, [&](int begin, int end) {
+        for (int y = begin; y < end; ++y) {
+            for (int x = 0; x <= last_x; ++x) {
+                float most = picture(x, y);
+                for (int n = std::max(x - radius, 0); n <= std::min(x + radius, last_x); ++n) {
+                    most = std::max(most, picture(n, y));
+                }
+                along(x, y) = most;
             }
-            along(x, y) = most;
         }
-    }
-    for (int y = 0; y <= last_y; ++y) {
-        std::copy_n(along.row(y), picture.width(), picture.row(y));
-        for (int n = std::max(y - radius, 0); n <= std::min(y + radius, last_y); ++n) {
-            const float* const other = along.row(n);
-            for (int x = 0; x <= last_x; ++x) picture(x, y) = std::max(picture(x, y), other[x]);
+    });
+    loop(0, last_y + 1, 32, [&](int begin, int end) {
+        for (int y = begin; y < end; ++y) {
+            float* const out = picture.row(y);
+            std::copy_n(along.row(y), picture.width(), out);
+            for (int n = std::max(y - radius, 0); n <= std::min(y + radius, last_y); ++n) {
+                const float* const other = along.row(n);
+                for (int x = 0; x <= last_x; ++x) out[x] = std::max(out[x], other[x]);
+            }
         }
-    }
+    });
 }
 
 void distance(const Bytes& mask, float most, Floats& out, const ParallelLoop& loop) {

@@ -17,7 +17,7 @@ Bytes dilated(const Bytes& mask, int steps);
 void box_mean(const Floats& picture, int radius, Floats& mean, const ParallelLoop& loop);
 
 // The greatest value within this many pixels to each side.
-void box_most(Floats& picture, int radius);
+void box_most(Floats& picture, int radius, const ParallelLoop& loop);
 
 // Euclidean distance of each pixel's middle to the nearest one where the mask is 0, at most `most`; that too
 // where there is none. By columns, then rows (Saito and Toriwaki 1994).

@@ -9,7 +9,7 @@ namespace unmix {
 namespace {
 
 constexpr std::size_t kSmallest = std::size_t{1} << 16U;  // the heap is quick with less
-constexpr std::size_t kLargest = std::size_t{1} << 22U;   // larger ones live for long
+constexpr std::size_t kLargest = std::size_t{1} << 23U;   // larger ones live for long
 constexpr std::size_t kMost = std::size_t{48} << 20U;     // that is kept
 
 class Kept {

@@ -113,7 +113,7 @@ Floats own_lead(const BackingModel& backing, const Region& region, const Paralle
         const auto at = static_cast<std::size_t>(index[i]);
         carried[i] = mean[at] / std::max(mass[at], 1e-6f);
     }
-    box_most(carried, radius(kAround));
+    box_most(carried, radius(kAround), loop);
     box_mean(carried, radius(kRim), mean, loop);
     return mean;
 }

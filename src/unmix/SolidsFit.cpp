@@ -114,15 +114,16 @@ class Fit {
         const int side = backing_.scale.fine();
         const auto apply = [&](const Floats& matte, std::uint8_t to) {
             if (matte.empty()) return;
-            for (int y = 0; y < height_; ++y) {
-                for (int x = 0; x < width_; ++x) {
-                    const int at = std::min(x * side + side / 2, matte.width() - 1);
-                    const int up = std::min(y * side + side / 2, matte.height() - 1);
-                    if (!(matte(at, up) > 0.5f)) continue;
-                    found_.solid(x, y) = to;
-                    if (to == 0) found_.source(x, y) = 0;
+            loop_(0, height_, 16, [&](int begin, int end) {
+                for (int y = begin; y < end; ++y) {
+                    const float* const row = matte.row(std::min(y * side + side / 2, matte.height() - 1));
+                    for (int x = 0; x < width_; ++x) {
+                        if (!(row[std::min(x * side + side / 2, matte.width() - 1)] > 0.5f)) continue;
+                        found_.solid(x, y) = to;
+                        if (to == 0) found_.source(x, y) = 0;
+                    }
                 }
-            }
+            });
         };
         apply(holdout, 1);
         apply(garbage, 0);

@@ -92,8 +92,13 @@ class Learner {
     }
 
     std::vector<float> table(float rims, const ParallelLoop& loop) {
-        const Histogram narrow = blurred(0.7f, 2.0f, 0.8f);
-        const Histogram broad = blurred(1.4f, 4.0f, 1.2f);
+        Histogram narrow;
+        Histogram broad;
+        loop(0, 2, 1, [&](int begin, int end) {
+            for (int n = begin; n < end; ++n) {
+                (n == 0 ? narrow : broad) = n == 0 ? blurred(0.7f, 2.0f, 0.8f) : blurred(1.4f, 4.0f, 1.2f);
+            }
+        });
         for (std::size_t i = 0; i < counts_.size(); ++i) counts_[i] = 0.7f * narrow[i] + 0.3f * broad[i];
         normalise();
         return expected_spill(std::min(0.2f, 0.06f + 0.5f * rims), loop);
