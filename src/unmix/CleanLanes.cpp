@@ -2,11 +2,14 @@
 
 #include "lanes/FloatLogExp.h"
 #include "unmix/CleanKernel.h"
+#include "unmix/FloatMath.h"
 
 namespace LANES {
 
 namespace {
 
+using kernel::clamped;
+using kernel::larger;
 using std::size_t;
 
 constexpr float kNoiseOnly = 3.0f;  // ratios of variance: smoothed below this,
@@ -19,14 +22,6 @@ constexpr float kGround = 0.3f;
 constexpr float kHalfNormal = 0.79788456f;  // its density at 0 for a deviation of 1
 constexpr float kOpaqueDeviation = 0.5f;  // of all that makes alpha uncertain, how much is symmetric around 1
 constexpr float kMostUncertain = 0.15f;
-
-[[gnu::always_inline]] inline float larger(float a, float b) {
-    return a > b ? a : b;
-}
-[[gnu::always_inline]] inline float clamped(float low, float high, float v) {
-    const float raised = v > low ? v : low;
-    return raised < high ? raised : high;
-}
 
 [[gnu::always_inline]] inline float deviation_of(float variance, float unknown, float denoise) {
     const float s = denoise * std::sqrt(larger(variance, 1e-8f));

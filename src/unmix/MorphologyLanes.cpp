@@ -1,16 +1,14 @@
 #include <cmath>
 
+#include "unmix/FloatMath.h"
 #include "unmix/MorphologyKernel.h"
 
 namespace LANES {
 
 namespace {
 
+using kernel::less;
 using std::size_t;
-
-[[gnu::always_inline]] inline float less(float a, float b) {
-    return a < b ? a : b;
-}
 
 template <int kSide>
 [[gnu::always_inline]] inline void between(const float* cells, float* __restrict out, size_t gaps) {

@@ -1,22 +1,18 @@
+#include "unmix/FloatMath.h"
 #include "unmix/RegionKernel.h"
 
 namespace LANES {
 
 namespace {
 
+using kernel::larger;
+using kernel::less;
 using std::size_t;
 
 constexpr float kWhite = 1.05f;
 constexpr float kLeastLead = 0.02f;
 constexpr float kDark = 0.05f;
 constexpr float kLit = 0.9f;
-
-[[gnu::always_inline]] inline float larger(float a, float b) {
-    return a > b ? a : b;
-}
-[[gnu::always_inline]] inline float less(float a, float b) {
-    return a < b ? a : b;
-}
 
 [[gnu::always_inline]] inline float beyond_white(float plate, float backing) {
     return (plate - backing) / (kWhite - less(backing, 1.0f));

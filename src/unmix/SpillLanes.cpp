@@ -1,11 +1,14 @@
 #include <cmath>
 
+#include "unmix/FloatMath.h"
 #include "unmix/SpillKernel.h"
 
 namespace LANES {
 
 namespace {
 
+using kernel::clamped;
+using kernel::larger;
 using std::size_t;
 
 constexpr float kLeastAlpha = 0.12f;
@@ -14,14 +17,6 @@ constexpr float kMostColour = 1.2f;
 constexpr float kMostOwn =
     1.5f;  // of what is almost clear: what is beyond is of a backing that the model missed
 constexpr float kLeastGain = 0.3f;
-
-[[gnu::always_inline]] inline float larger(float a, float b) {
-    return a > b ? a : b;
-}
-[[gnu::always_inline]] inline float clamped(float low, float high, float v) {
-    const float raised = v > low ? v : low;
-    return raised < high ? raised : high;
-}
 
 [[gnu::always_inline]] inline float looked_at(bool own, float here, float around) {
     return clamped(0.0f, kMostColour, own ? here : around);

@@ -1,12 +1,11 @@
+#include "unmix/FloatMath.h"
 #include "unmix/UnknownKernel.h"
 
 namespace LANES {
 
 namespace {
 
-[[gnu::always_inline]] inline float larger(float a, float b) {
-    return a > b ? a : b;
-}
+using kernel::larger;
 
 // How far the mean over 3 x 3 pixels is off the backing.
 [[gnu::always_inline]] inline float off(const float* low, const float* here, const float* high,
