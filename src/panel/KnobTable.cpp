@@ -221,9 +221,11 @@ constexpr KnobRow kTable[] = {
          "Cleanup, Color and Output still count.</li></ul>",
          {}, {}, {"colour difference", "unmix"}),
     KNOB(unmix_veil, "veil",
-         "How much of the screen's color see-through things such as veils and glass have of their own, as a "
-         "share of the spill on the subject's rims; without spill it changes nothing. Raise it where they "
-         "come out too thin, lower it where the backing still shows in them.",
+         "How much of the screen's color see-through things such as veils and glass have of their own, on "
+         "top of "
+         "their share of the spill on the subject's rims. Raise it where they come out too thin, lower it "
+         "where "
+         "the backing still shows in them.",
          range(0, 1)),
     KNOB(unmix_solid, "solid",
          "How opaque something must look to be taken for solid. Lower it where holes open in the subject, "

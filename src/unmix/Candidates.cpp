@@ -19,6 +19,9 @@ constexpr float kAround = 8.0f;
 constexpr float kOwnChroma = 0.05f;      // deviations of a local colour: each channel,
 constexpr float kOwnBrightness = 0.05f;  // and all alike
 constexpr float kNeutral = 0.45f;
+// Beyond its share of the spill, how much of the backing see-through things hold for each step off the usual.
+constexpr float kUsualVeil = 0.7f;
+constexpr float kVeilAlone = 0.6f;
 constexpr float kNeutralChroma = 0.05f;
 constexpr float kNeutralBrightness = 0.30f;
 // Natural colours scatter from warm to cool, hardly from green to magenta: red against blue.
@@ -346,7 +349,7 @@ std::vector<ColourGroup> find_rims(const BackingModel& backing, const Segmentati
 Candidates find_candidates(const BackingModel& backing, const Segmentation& segmentation,
                            const CandidateSettings& settings, const ParallelLoop& loop) {
     Candidates found;
-    found.neutral = neutral(settings.veil * segmentation.spill);
+    found.neutral = neutral(settings.veil * segmentation.spill + kVeilAlone * (settings.veil - kUsualVeil));
     Finder(backing, segmentation, loop).run(settings, found);
     for (const SeenThrough& seen : settings.see_through) {
         found.clusters.push_back(taught(seen, usual_backing(backing)));
