@@ -1,4 +1,5 @@
 // What an artist waits for: the frame again after one knob moved, with and without rows kept from before.
+#include <span>
 #include <string>
 
 #include "keyer/NodeRig.h"
@@ -20,6 +21,12 @@ constexpr Edit kEdits[]{
     {"spill_cool", [](KnobStorage& k, int step) { k.spill_cool = 50.0f + static_cast<float>(step % 2); }},
     {"output_mode", [](KnobStorage& k, int step) { k.output_mode = step % 2; }},
     {"warm", [](KnobStorage& k, int step) { k.warm = static_cast<float>(step % 2); }},
+};
+// What lies before the moved knob's operator is kept whether rows are or not.
+constexpr Edit kUnmixEdits[]{
+    {"unmix_spill", [](KnobStorage& k, int step) { k.unmix_spill = step % 2 == 0 ? 1.0f : 0.9f; }},
+    {"unmix_denoise", [](KnobStorage& k, int step) { k.unmix_denoise = step % 2 == 0 ? 1.0f : 0.9f; }},
+    {"unmix_veil", [](KnobStorage& k, int step) { k.unmix_veil = step % 2 == 0 ? 0.7f : 0.6f; }},
 };
 
 const Plate& plate() {
@@ -68,8 +75,9 @@ void time_edit(benchmark::State& state, const Configuration& configuration, cons
 void register_benchmarks() {
     for (const Configuration& configuration : kConfigurations) {
         const std::string name = configuration.name;
-        if (name != "default" && name != "shadows" && name != "everything") continue;
-        for (const Edit& edit : kEdits) {
+        const bool unmix = name == "unmix";
+        if (!unmix && name != "default" && name != "shadows" && name != "everything") continue;
+        for (const Edit& edit : unmix ? std::span<const Edit>(kUnmixEdits) : kEdits) {
             benchmark::RegisterBenchmark((name + ", " + edit.name).c_str(), time_edit, configuration, edit)
                 ->Iterations(1);
         }
