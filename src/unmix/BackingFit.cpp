@@ -8,6 +8,7 @@
 #include "unmix/Hue.h"
 #include "unmix/Morphology.h"
 #include "unmix/PushPull.h"
+#include "unmix/Quantile.h"
 #include "unmix/Reduce.h"
 #include "unmix/ShotModel.h"
 
@@ -152,10 +153,8 @@ class Fit {
                     off.push_back(std::abs(model_.light[c](x, y) - model_.means[c][cell]));
                 });
             }
-            const auto middle = off.begin() + static_cast<std::ptrdiff_t>(off.size() / 2);
-            std::nth_element(off.begin(), middle, off.end());
             const auto count = static_cast<float>(model_.scale.coarse() * model_.scale.coarse());
-            sigma[c] = 1.4826f * *middle * std::sqrt(count / (count - 1.0f));
+            sigma[c] = 1.4826f * median(std::move(off)) * std::sqrt(count / (count - 1.0f));
         }
         return sigma;
     }
@@ -210,10 +209,8 @@ class Fit {
             for (std::size_t i = 0; i < sure.size(); ++i) {
                 if (sure[i] != 0) gains.push_back(model_.means[c][i] / std::max(base_[c][i], kDarkest));
             }
-            const auto middle = gains.begin() + static_cast<std::ptrdiff_t>(gains.size() / 2);
-            std::nth_element(gains.begin(), middle, gains.end());
-            model_.gain[c] = *middle;
-            for (float& v : base_[c]) v *= *middle;
+            model_.gain[c] = median(std::move(gains));
+            for (float& v : base_[c]) v *= model_.gain[c];
         }
     }
 
@@ -245,7 +242,7 @@ class Fit {
                     }
                 }
             });
-            ok = agrees;
+            ok = std::move(agrees);
             if (!taught_.empty()) {
                 for (std::size_t i = 0; i < ok.size(); ++i) ok[i] |= taught_[i];
             }
@@ -258,21 +255,15 @@ class Fit {
     // How far this backing's hue strays from its base.
     void measure_stray(const Bytes& inner) {
         std::array<std::vector<float>, 2> all;
+        std::vector<float> levels;
         for (const std::size_t cell : sample(inner)) {
             const std::array<float, 2> beyond = beyond_hue(mean(cell), base(cell));
             for (std::size_t n = 0; n < 2; ++n) all[n].push_back(std::abs(beyond[n]));
+            levels.push_back(mean(cell)[screen()]);
         }
-        for (std::size_t n = 0; n < 2; ++n) {
-            if (all[n].empty()) continue;
-            const auto middle = all[n].begin() + static_cast<std::ptrdiff_t>(all[n].size() / 2);
-            std::nth_element(all[n].begin(), middle, all[n].end());
-            stray_[n] = kUsualHue * 1.4826f * *middle;
-        }
-        std::vector<float> levels;
-        for (const std::size_t cell : sample(inner)) levels.push_back(mean(cell)[screen()]);
-        const auto middle = levels.begin() + static_cast<std::ptrdiff_t>(levels.size() / 2);
-        std::nth_element(levels.begin(), middle, levels.end());
-        const float share = std::max(stray_[0], stray_[1]) / std::max(*middle, 1e-4f);
+        for (std::size_t n = 0; n < 2; ++n) stray_[n] = kUsualHue * 1.4826f * median(std::move(all[n]));
+        const float level = median(std::move(levels));
+        const float share = std::max(stray_[0], stray_[1]) / std::max(level, 1e-4f);
         cloth_ = std::clamp(1.0f + (kMostOfCloth - 1.0f) * (share - kPaint) / (kCloth - kPaint), 1.0f,
                             kMostOfCloth);
     }
@@ -281,6 +272,7 @@ class Fit {
         const std::array<float, 3> colour = mean(i);
         const std::array backing{model_.coarse[0][i], model_.coarse[1][i], model_.coarse[2][i]};
         const float tolerance = kTolerance * brightest(backing);
+        const float wider = cloth_ * std::max(settings_.folds, 1.0f);
         bool same = true;
         std::array<float, 2> local{};
         std::array<float, 2> whole{};
@@ -290,7 +282,6 @@ class Fit {
             same = same && std::abs(colour[c] - backing[c]) < most;
             if (c == screen()) continue;
             const std::size_t n = c == other(0) ? 0 : 1;
-            const float wider = cloth_ * std::max(settings_.folds, 1.0f);
             local[n] = wider * most;
             whole[n] = wider * std::max(most, stray_[n]);
             fold[n] = wider * std::max(kFoldHue * most, stray_[n]);
@@ -370,9 +361,7 @@ class Fit {
             std::vector<float> values;
             if (!known) values.assign(model_.coarse[c].begin(), model_.coarse[c].end());
             for (const std::size_t i : cells) values.push_back(model_.coarse[c][i]);
-            const auto at = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-            std::nth_element(values.begin(), at, values.end());
-            middle[c] = *at;
+            middle[c] = median(std::move(values));
         }
         for (std::size_t c = 0; c < 3; ++c) model_.colour[c] = middle[c] / middle[screen()];
     }

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <vector>
 
+#include "unmix/Quantile.h"
+
 namespace unmix {
 
 namespace {
@@ -62,13 +64,6 @@ double value_of(const Terms& coefficients, const Terms& at) {
     double sum = 0.0;
     for (std::size_t i = 0; i < kTerms; ++i) sum += coefficients[i] * at[i];
     return sum;
-}
-
-template <class T>
-T quantile(std::vector<T> values, double q) {
-    const auto at = values.begin() + static_cast<std::ptrdiff_t>(q * static_cast<double>(values.size() - 1));
-    std::nth_element(values.begin(), at, values.end());
-    return *at;
 }
 
 std::vector<Block> blocks_of(const Colours& cells, const Bytes& mask) {

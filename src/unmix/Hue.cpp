@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <vector>
 
+#include "unmix/Quantile.h"
+
 namespace unmix {
 
 namespace {
@@ -39,13 +41,6 @@ std::vector<double> smoothed(const std::vector<double>& counts) {
     return pass;
 }
 
-float quantile(std::vector<float> values, double q) {
-    if (values.empty()) return 0.0f;
-    const auto at = values.begin() + static_cast<std::ptrdiff_t>(q * static_cast<double>(values.size() - 1));
-    std::nth_element(values.begin(), at, values.end());
-    return *at;
-}
-
 }  // namespace
 
 HueMasks find_hue(const BackingModel& model, const Floats& garbage, std::vector<double> counts) {
@@ -64,7 +59,7 @@ HueMasks find_hue(const BackingModel& model, const Floats& garbage, std::vector<
         leads[i] = !garbage.empty() && garbage[i] > 0.5f ? 0.0f : lead_of(colour(i), model);
         if (leads[i] > 0.0f) leading.push_back(leads[i]);
     }
-    const float least = std::min(kLeads, kLeadsOfBest * quantile(leading, 0.95));
+    const float least = std::min(kLeads, kLeadsOfBest * (leading.empty() ? 0.0f : quantile(leading, 0.95)));
 
     const bool counted = !counts.empty();
     counts.resize(static_cast<std::size_t>(kBins) * kBins, 0.0);
@@ -94,7 +89,7 @@ HueMasks find_hue(const BackingModel& model, const Floats& garbage, std::vector<
         masks.may[i] = off < kMay * kMay ? 1 : 0;
         if (masks.sure[i] != 0) near.push_back(leads[i]);
     }
-    const float floor = kLeadsOfBest * quantile(near, 0.5);
+    const float floor = kLeadsOfBest * (near.empty() ? 0.0f : quantile(near, 0.5));
     for (std::size_t i = 0; i < cells; ++i) {
         if (leads[i] > floor) continue;
         masks.sure[i] = 0;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "unmix/Morphology.h"
+#include "unmix/Quantile.h"
 #include "unmix/Region.h"
 
 namespace unmix {
@@ -35,8 +36,6 @@ class Fit {
         : backing_(backing), settings_(settings), found_(found), loop_(loop) {}
 
     void run(const Floats& garbage, const Floats& holdout) {
-        width_ = means_[0].width();
-        height_ = means_[0].height();
         keep_from_edges(find_region());
         teach();
         mask_with(garbage, holdout);
@@ -150,11 +149,7 @@ class Fit {
                 spill.push_back(std::clamp(difference(means_, x, y) / whole, 0.0f, kMostSpill));
             }
         }
-        found_.spill = 0.0f;
-        if (spill.empty()) return;
-        const auto middle = spill.begin() + static_cast<std::ptrdiff_t>(spill.size() / 2);
-        std::nth_element(spill.begin(), middle, spill.end());
-        found_.spill = *middle;
+        found_.spill = spill.empty() ? 0.0f : median(std::move(spill));
     }
 
     const BackingModel& backing_;
@@ -162,8 +157,8 @@ class Fit {
     const SolidsSettings& settings_;
     Segmentation& found_;
     const ParallelLoop& loop_;
-    int width_ = 0;
-    int height_ = 0;
+    int width_ = means_[0].width();
+    int height_ = means_[0].height();
 };
 
 }  // namespace

@@ -21,7 +21,7 @@ struct TaughtColour {
 struct UnmixParams {
     std::int32_t screen = 1;  // the screen's primary: 0 red, 1 green, 2 blue
     Encoding encoding = Encoding::kStored;
-    float veil = 0.7f;     // of the rims' spill: what see-through things hold of the screen's colour
+    float veil = 0.7f;     // of the screen's colour that see-through things hold: see Candidates.cpp
     float solid = 0.66f;   // rough opacity that a solid's region reaches down to
     float detail = 1.0f;   // how readily fine detail is kept apart from noise
     float denoise = 1.0f;  // how far what noise explains is smoothed and pulled to 0 and 1

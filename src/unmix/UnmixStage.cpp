@@ -63,7 +63,7 @@ void UnmixStage::_request(int /*x*/, int /*y*/, int /*r*/, int /*t*/, ChannelSet
     }
 }
 
-void UnmixStage::engine(int y, int x, int r, const ChannelSet& channels, Row& row) {
+void UnmixStage::engine(int y, int x, int /*r*/, const ChannelSet& channels, Row& row) {
     if (!channels.intersects(kMaskRgba)) {
         row.get(input(0), y, channels);
         return;
@@ -71,5 +71,4 @@ void UnmixStage::engine(int y, int x, int r, const ChannelSet& channels, Row& ro
     if (!once_.ensure([this](Lock& lock) { return compute(lock); }) || aborted()) return;
     row.get(input(0), y, channels - kMaskRgba);
     show(y - info_.box.y, x - info_.box.x, channels & kMaskRgba, row);
-    (void)r;
 }

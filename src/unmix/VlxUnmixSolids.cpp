@@ -1,6 +1,5 @@
 #include "unmix/VlxUnmixSolids.h"
 
-#include "unmix/EncodingKernel.h"
 #include "unmix/Light.h"
 #include "unmix/ShotModel.h"
 #include "unmix/SolidsFit.h"
