@@ -1,6 +1,7 @@
 #include "unmix/UnmixStage.h"
 
 #include "unmix/EncodingKernel.h"
+#include "unmix/Light.h"
 #include "unmix/ShotModel.h"
 
 using namespace Zo::Image;
@@ -37,6 +38,10 @@ std::vector<std::array<float, 3>> UnmixStage::colours_in_light(
         to_light(params().encoding, taught.colour.data(), light.back().data(), 3);
     }
     return light;
+}
+
+bool UnmixStage::read_matte(int n, unmix::Floats& matte, Lock& helpers) const {
+    return input_op(n) == nullptr || unmix::read_matte(input(n), info_.box, matte, helpers);
 }
 
 bool UnmixStage::make(Lock& helpers) {

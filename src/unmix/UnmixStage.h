@@ -9,6 +9,7 @@
 #include "ZoImage/Hash.h"
 #include "ZoImage/Iop.h"
 #include "framework/FrameOnce.h"
+#include "unmix/Plane.h"
 #include "unmix/UnmixParams.h"
 
 class UnmixStage : public Zo::Image::Iop {
@@ -39,6 +40,9 @@ class UnmixStage : public Zo::Image::Iop {
     void append_shot(Zo::Image::Hash& hash) const;
 
     std::vector<std::array<float, 3>> colours_in_light(const std::vector<TaughtColour>& colours) const;
+
+    // The matte on input n, every pixel; empty where nothing is connected. False when the render was aborted.
+    bool read_matte(int n, unmix::Floats& matte, Lock& helpers) const;
 
     // The parameters that the result depends on.
     virtual void append_params(Zo::Image::Hash& hash) const = 0;

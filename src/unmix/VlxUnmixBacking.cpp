@@ -33,7 +33,7 @@ bool VlxUnmixBacking::compute(Lock& helpers) {
         return false;
     }
     unmix::Floats garbage;
-    if (input_op(2) != nullptr && !unmix::read_matte(input(2), box, garbage, helpers)) return false;
+    if (!read_matte(2, garbage, helpers)) return false;
 
     const auto taught = colours_in_light(params().backing);
     return run_kernel(*this, helpers, [&](const ParallelLoop& loop) {

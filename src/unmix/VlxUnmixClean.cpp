@@ -2,7 +2,6 @@
 
 #include "unmix/CleanFrame.h"
 #include "unmix/Islands.h"
-#include "unmix/Light.h"
 #include "unmix/VlxUnmixBacking.h"
 #include "unmix/VlxUnmixSolids.h"
 #include "unmix/VlxUnmixSolve.h"
@@ -22,8 +21,7 @@ bool VlxUnmixClean::compute(Lock& helpers) {
     if (!backing_.make(helpers) || !solids_.make(helpers) || !solve_.make(helpers)) return false;
     unmix::Floats garbage;
     unmix::Floats holdout;
-    if (input_op(1) != nullptr && !unmix::read_matte(input(1), info_.box, garbage, helpers)) return false;
-    if (input_op(2) != nullptr && !unmix::read_matte(input(2), info_.box, holdout, helpers)) return false;
+    if (!read_matte(1, garbage, helpers) || !read_matte(2, holdout, helpers)) return false;
     const unmix::FrameScale& scale = backing_.model().scale;
     return run_kernel(*this, helpers, [&](const ParallelLoop& loop) {
         unmix::clean_frame(scale, solids_.segmentation(), solve_.solution(),

@@ -1,6 +1,5 @@
 #include "unmix/VlxUnmixSolids.h"
 
-#include "unmix/Light.h"
 #include "unmix/ShotModel.h"
 #include "unmix/SolidsFit.h"
 #include "unmix/VlxUnmixBacking.h"
@@ -21,8 +20,7 @@ bool VlxUnmixSolids::compute(Lock& helpers) {
     if (!backing_.make(helpers)) return false;
     unmix::Floats garbage;
     unmix::Floats holdout;
-    if (input_op(1) != nullptr && !unmix::read_matte(input(1), info_.box, garbage, helpers)) return false;
-    if (input_op(2) != nullptr && !unmix::read_matte(input(2), info_.box, holdout, helpers)) return false;
+    if (!read_matte(1, garbage, helpers) || !read_matte(2, holdout, helpers)) return false;
     const auto taught = colours_in_light(params().solids);
     return run_kernel(*this, helpers, [&](const ParallelLoop& loop) {
         const unmix::BackingModel& backing = backing_.model();
