@@ -30,7 +30,7 @@ struct Options {
     bool quiet = false;
 };
 
-std::string table_of(const CleanPlateReport& report, const FramePattern& name) {
+std::string table_of(const CleanPlateReport& report, const PictureName& name) {
     std::ostringstream table;
     table << std::fixed << std::setprecision(2);
     table << "frames       " << report.frames << "\nregion       " << report.region << "\ntruly seen   "
@@ -45,7 +45,7 @@ std::string table_of(const CleanPlateReport& report, const FramePattern& name) {
 }
 
 int make_clean_plate(const Options& options) {
-    const FramePattern name(options.foreground);
+    const PictureName name(options.foreground);
     const FrameRange frames = frames_of(options.frames, {&name, 1});
     if (!options.screen.pick.empty()) parse_box("--pick", options.screen.pick);
     const WriteOptions write{Depth(options.depth), options.overwrite, &interrupt_flag()};

@@ -69,9 +69,9 @@ std::string json_of(const ScoreReport& report) {
 }
 
 int score(const Options& options) {
-    const ScoreInputs inputs{FramePattern(options.result),    FramePattern(options.truth),
-                             FramePattern(options.composite), FramePattern(options.composite_truth),
-                             FramePattern(options.regions),   FramePattern(options.exclude)};
+    const ScoreInputs inputs{PictureName(options.result),    PictureName(options.truth),
+                             PictureName(options.composite), PictureName(options.composite_truth),
+                             PictureName(options.regions),   PictureName(options.exclude)};
     const std::array names{inputs.result,          inputs.truth,   inputs.composite,
                            inputs.composite_truth, inputs.regions, inputs.exclude};
     const FrameRange frames = frames_of(options.frames, names);

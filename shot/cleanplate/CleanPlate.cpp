@@ -19,7 +19,7 @@ constexpr float kFillScale = 65536.0f;
 
 constexpr const char* kInterpolation = "smartInterpol";
 
-FrameLoader::Names foreground_only(const FramePattern& name) {
+FrameLoader::Names foreground_only(const PictureName& name) {
     FrameLoader::Names names;
     names[kFg] = name;
     return names;
@@ -52,7 +52,7 @@ std::array<float, 3> PlateSamples::median(std::size_t pixel) {
     return result;
 }
 
-CleanPlateMaker::CleanPlateMaker(const FramePattern& name, const FrameRange& frames,
+CleanPlateMaker::CleanPlateMaker(const PictureName& name, const FrameRange& frames,
                                  const CleanPlateLimits& limits, const Caller& caller)
     : name_(name),
       limits_(limits),

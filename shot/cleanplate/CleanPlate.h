@@ -67,7 +67,7 @@ struct CleanPlateReport {
 class CleanPlateMaker {
   public:
     // Reads the first frame that can be read. Throws Error when none can.
-    CleanPlateMaker(const FramePattern& name, const FrameRange& frames, const CleanPlateLimits& limits,
+    CleanPlateMaker(const PictureName& name, const FrameRange& frames, const CleanPlateLimits& limits,
                     const Caller& caller);
 
     // To be set up before make.
@@ -91,7 +91,7 @@ class CleanPlateMaker {
     void compare_with_first(const Image& image, const Mask& clear, int frame);
     void fill(const Mask& seen);
 
-    FramePattern name_;
+    PictureName name_;
     CleanPlateLimits limits_;
     Caller caller_;
     FrameLoader loader_;

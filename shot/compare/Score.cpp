@@ -79,7 +79,7 @@ class Reader {
         return image;
     }
 
-    Matte alpha(const FramePattern& name) {
+    Matte alpha(const PictureName& name) {
         const std::string path = name.at(frame_);
         const Image image = read(path, read_image);
         // A grey file has one plane for its three colours.
@@ -88,7 +88,7 @@ class Reader {
         return matte_of(path, image, image.has(kAlpha) ? kAlpha : kRed);
     }
 
-    std::vector<Matte> colour(const FramePattern& name) {
+    std::vector<Matte> colour(const PictureName& name) {
         const std::string path = name.at(frame_);
         const Image image = read(path, read_image);
         std::vector<Matte> mattes;
@@ -99,7 +99,7 @@ class Reader {
         return mattes;
     }
 
-    void read_regions(const FramePattern& name) {
+    void read_regions(const PictureName& name) {
         const std::string path = name.at(frame_);
         const Matte numbers = matte_of(path, read(path, read_matte), kAlpha);
         for (const float number : numbers.values) {

@@ -10,7 +10,7 @@
 #include "shot/compare/AlphaErrors.h"
 #include "shot/compare/Compare.h"
 #include "shot/compare/Steadiness.h"
-#include "shot/frames/FramePattern.h"
+#include "shot/frames/PictureName.h"
 
 namespace veloxa {
 
@@ -51,10 +51,10 @@ std::vector<Score> score_frame(const ScorePictures& pictures);
 
 // Names of files or of their sequences; empty for those that are not used.
 struct ScoreInputs {
-    FramePattern result, truth;               // alpha, or the one channel of a grey file
-    FramePattern composite, composite_truth;  // both or none
-    FramePattern regions;                     // alpha: numbers of kRegionNames
-    FramePattern exclude;                     // a matte; pixels above 0 do not count
+    PictureName result, truth;               // alpha, or the one channel of a grey file
+    PictureName composite, composite_truth;  // both or none
+    PictureName regions;                     // alpha: numbers of kRegionNames
+    PictureName exclude;                     // a matte; pixels above 0 do not count
 };
 
 struct ScoreReport {

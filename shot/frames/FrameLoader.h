@@ -6,7 +6,7 @@
 
 #include "ZoImage/Hash.h"
 #include "shot/Caller.h"
-#include "shot/frames/FramePattern.h"
+#include "shot/frames/PictureName.h"
 #include "shot/image/Fit.h"
 #include "shot/image/Image.h"
 
@@ -25,7 +25,7 @@ using FrameInputs = std::array<LoadedInput, kInputCount>;
 // Inputs without a frame number in their name are loaded once. One thread at a time.
 class FrameLoader {
   public:
-    using Names = std::array<FramePattern, kInputCount>;  // empty for inputs that are not used
+    using Names = std::array<PictureName, kInputCount>;  // empty for inputs that are not used
 
     FrameLoader(Names names, Fit fit, Caller caller)
         : names_(std::move(names)), fit_(fit), caller_(std::move(caller)) {}

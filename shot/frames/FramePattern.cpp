@@ -4,9 +4,6 @@
 #include <array>
 #include <cctype>
 #include <cstdio>
-#include <filesystem>
-#include <functional>
-#include <system_error>
 
 #include "shot/Errors.h"
 #include "shot/Numbers.h"
@@ -88,27 +85,6 @@ FrameRange parse_frames(const std::string& text) {
     const std::int64_t span = static_cast<std::int64_t>(range.last) - range.first;
     if (span / range.step >= kMostFrames) throw UsageError("--frames " + text + ": too many frames");
     return range;
-}
-
-FrameRange frames_of(const std::string& text, std::span<const FramePattern> inputs) {
-    const auto moving = std::find_if(inputs.begin(), inputs.end(), std::mem_fn(&FramePattern::has_frame));
-    if (text.empty()) {
-        if (moving == inputs.end()) return {};
-        throw UsageError(moving->name() + ": a frame pattern needs --frames A-B");
-    }
-    const FrameRange frames = parse_frames(text);
-    if (moving != inputs.end()) return frames;
-    const std::string none = inputs.size() == 1 ? inputs.front().name() + " has no" : "no input has a";
-    throw UsageError("--frames: " + none + " frame pattern such as %04d or ####");
-}
-
-void refuse_input(const std::string& output, std::span<const FramePattern> inputs, int frame) {
-    for (const FramePattern& input : inputs) {
-        std::error_code missing;
-        if (!input.empty() && std::filesystem::equivalent(output, input.at(frame), missing)) {
-            throw UsageError(output + ": is an input too");
-        }
-    }
 }
 
 }  // namespace veloxa

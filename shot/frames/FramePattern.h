@@ -5,7 +5,6 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -49,12 +48,5 @@ struct FrameRange {
 
 // Reads A, A-B or A-BxN; A and B may be negative, A is not above B and N is at least 1. Throws UsageError.
 FrameRange parse_frames(const std::string& text);
-
-// The frames that --frames names; one of any number where it is empty. Throws UsageError where it is needed
-// and missing, or given though no input depends on it.
-FrameRange frames_of(const std::string& text, std::span<const FramePattern> inputs);
-
-// Throws UsageError when the output is the file of one of the inputs.
-void refuse_input(const std::string& output, std::span<const FramePattern> inputs, int frame);
 
 }  // namespace veloxa

@@ -14,7 +14,7 @@ constexpr const char* kScreenTool = "toolbar_screen";
 
 FrameLoader::Names input_names(const SetupOptions& options) {
     FrameLoader::Names names;
-    for (std::size_t n = 0; n < kInputCount; ++n) names[n] = FramePattern(options.inputs[n]);
+    for (std::size_t n = 0; n < kInputCount; ++n) names[n] = PictureName(options.inputs[n]);
     return names;
 }
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "shot/frames/FrameLoader.h"
-#include "shot/frames/FramePattern.h"
+#include "shot/frames/PictureName.h"
 #include "shot/node/ImageSource.h"
 #include "shot/setup/ScreenChoice.h"
 #include "shot/setup/Stroke.h"

@@ -88,7 +88,7 @@ class CleanPlateTest : public test::Files {
         });
         write_image(pattern().at(frame), image, {.depth = Depth::FLOAT, .overwrite = true});
     }
-    FramePattern pattern() const { return FramePattern(file("fg.%04d.exr")); }
+    PictureName pattern() const { return PictureName(file("fg.%04d.exr")); }
 
     Image make(const FrameRange& frames, const CleanPlateLimits& limits,
                const char* color = "0.135,0.5625,0.225") {
