@@ -9,7 +9,9 @@ set -euo pipefail
 packages=(
     g++ cmake ninja-build ccache pkgconf
     libopenimageio-dev libcli11-dev nlohmann-json3-dev
+    libavformat-dev libavcodec-dev libavutil-dev # streams of frames
     libgtest-dev libgmock-dev
+    ffmpeg # the tests' other end of a stream
     openimageio-tools fonts-dejavu-core # the demo's contact sheet and its labels
 )
 case "${1-}" in

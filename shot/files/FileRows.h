@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "shot/image/HalfFloat.h"
@@ -17,6 +18,9 @@ class FileRows {
     // What this writer's format holds of the image: channels that it knows, and the data window or, where the
     // format has none, the display window. Refers to the image.
     FileRows(const Image& image, const OIIO::ImageOutput& output);
+    // These channels, which the image has, of a window.
+    FileRows(const Image& image, std::vector<Zo::Image::Channel> channels, const Zo::Image::Box& box)
+        : image_(image), channels_(std::move(channels)), box_(box) {}
 
     const std::vector<Zo::Image::Channel>& channels() const { return channels_; }
     const Zo::Image::Box& box() const { return box_; }
