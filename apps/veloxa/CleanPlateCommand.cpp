@@ -8,6 +8,7 @@
 #include "Progress.h"
 #include "Signals.h"
 #include "Terminal.h"
+#include "shot/Errors.h"
 #include "shot/cleanplate/CleanPlate.h"
 #include "shot/files/ImageFile.h"
 
@@ -46,6 +47,9 @@ std::string table_of(const CleanPlateReport& report, const PictureName& name) {
 
 int make_clean_plate(const Options& options) {
     const PictureName name(options.foreground);
+    if (name.is_stream()) {
+        throw UsageError("standard input is read once, and cleanplate reads frames twice; give it files");
+    }
     const FrameRange frames = frames_of(options.frames, {&name, 1});
     if (!options.screen.pick.empty()) parse_box("--pick", options.screen.pick);
     const WriteOptions write{

@@ -2,6 +2,7 @@
 #include <OpenImageIO/imageio.h>
 #include <cxxabi.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -51,10 +52,14 @@ KeyPlan plan_for(const Options& options, const FrameRange& frames) {
     plan.threads = options.threads;
     for (const KeyOutput& output : plan.outputs) {
         const FramePattern& file = output.file;
-        if (options.setup.frames.empty() && file.has_frame()) {
+        if (file.is_stream()) refuse_terminal(STDOUT_FILENO, "-o -: standard output");
+        if (file.is_stream() && options.resume) {
+            throw UsageError("--resume: standard output holds nothing that could be resumed");
+        }
+        if (options.setup.frames.empty() && file.has_frame() && !frames.open) {
             throw UsageError(file.name() + ": a frame pattern needs --frames A-B");
         }
-        if (frames.count() > 1 && !file.has_frame()) {
+        if (frames.count() > 1 && !file.has_frame() && !file.is_stream()) {
             throw UsageError(file.name() + ": several frames need a frame pattern such as %04d or ####");
         }
         if (!options.stage.empty() && output.picture != Picture::kNode) {
@@ -62,6 +67,16 @@ KeyPlan plan_for(const Options& options, const FrameRange& frames) {
         }
     }
     return plan;
+}
+
+// What would read the input more than once, or not all of it.
+void refuse_twice(const Options& options) {
+    refuse_terminal(STDIN_FILENO, "standard input");
+    if (!options.shot_frames.empty()) {
+        throw UsageError(
+            "--shot-frames: standard input is read once, so nothing can be measured on it first");
+    }
+    if (options.resume) throw UsageError("--resume: standard input cannot be resumed");
 }
 
 // What a stroke left undone; that it did as it was told needs no line.
@@ -90,6 +105,11 @@ void settle_shot(const Options& options, KeySetup& setup, const Caller& caller) 
         setup.use_shot(shot_beside(script));
         caller.tell(shot_beside(script) + ": the shot is keyed by it");
         return;
+    }
+    if (setup.loader().has_stream()) {
+        return caller.warn(
+            "standard input is read once, so the shot is not measured and each frame is keyed by itself; "
+            "--shot FILE keys them alike");
     }
     const FrameRange range = asked ? parse_frames(options.shot_frames) : setup.frames();
     if (!asked && range.count() < 2) return;
@@ -152,6 +172,8 @@ int key(const Options& options) {
     Caller caller = caller_for(options.quiet);
     KeySetup setup(options.setup, caller);
     const KeyPlan plan = plan_for(options, setup.frames());
+    if (setup.loader().has_stream()) refuse_twice(options);
+    survive_closed_pipes();
     catch_interrupts();
     OIIO::attribute("threads", options.threads);
     OIIO::attribute("exr_threads", options.threads);
@@ -197,6 +219,9 @@ constexpr const char* kFooter =
     "Paths with a frame number, as %04d or ####, need --frames; inputs without one are the same in every "
     "frame. Knobs are set in this order: --script, --set, --pick or --screen, --auto, --stroke; --auto "
     "leaves alone what --script and --set name. `veloxa knobs` lists them.\n"
+    "One input and one output may be -, a stream of frames on standard input and output: NUT with raw video, "
+    "as `ffmpeg -i in.mov -f nut -c:v rawvideo -pix_fmt rgba64le -` writes and `ffmpeg -f nut -i - out.mov` "
+    "reads it. Its frames are numbered from 1, or from A with --frames A-B, which takes no more than those.\n"
     "Boxes and rows count from the bottom left pixel of the foreground's display window.\n"
     "Exit status: 0 when every frame was written, 1 when not, 2 for bad usage, 130 when interrupted.";
 

@@ -1,4 +1,6 @@
 // veloxa tune: sets the knobs from strokes and saves them as a script.
+#include <unistd.h>
+
 #include <algorithm>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -128,6 +130,7 @@ int tune(const Options& options) {
     if (!options.output.empty()) AtomicFile::check(options.output, options.overwrite);
     catch_interrupts();
     KeySetup setup(options.setup, caller_for(options.quiet));
+    if (setup.loader().has_stream()) refuse_terminal(STDIN_FILENO, "standard input");
     const KnobValues before(setup.node().panel());
     setup.prepare();
     if (!options.output.empty()) setup.node().save_script(options.output, options.overwrite);

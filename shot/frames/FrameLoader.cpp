@@ -7,6 +7,7 @@
 
 #include "shot/Errors.h"
 #include "shot/files/ImageFile.h"
+#include "shot/movie/MovieFile.h"
 
 namespace veloxa {
 
@@ -45,13 +46,15 @@ void FrameLoader::warn(Input input, const std::string& path, const Image& image)
                  " the whole frame; its other channels are not looked at");
 }
 
-LoadedInput FrameLoader::read(Input input, int frame) {
+LoadedInput FrameLoader::read(Input input, int frame) try {
     const std::string path = names_[input].at(frame);
     const bool matte = input == kGm || input == kHm;
     const Hash identity = identity_of(path, matte);
     Image image = matte ? read_matte(path, caller_.abort) : read_image(path, caller_.abort);
     warn(input, path, image);
     return {std::make_shared<const Image>(std::move(image)), identity};
+} catch (const MovieError& movie) {
+    throw Error(movie.path(), movie_to_read(movie.path(), kInputNames[input]));
 }
 
 LoadedInput FrameLoader::fitted_to(const LoadedInput& loaded, const Format& format,
@@ -62,15 +65,38 @@ LoadedInput FrameLoader::fitted_to(const LoadedInput& loaded, const Format& form
     return result;
 }
 
+FrameLoader::FrameLoader(Names names, Fit fit, Caller caller, const FrameRange& frames)
+    : names_(std::move(names)), fit_(fit), frames_(frames), caller_(std::move(caller)) {
+    for (std::size_t n = 0; n < kInputCount; ++n) {
+        if (!names_[n].is_stream()) continue;
+        if (has_stream()) {
+            throw UsageError(std::string("--") + kInputNames[n] + " -: standard input is --" +
+                             kInputNames[streamed_] + " already");
+        }
+        if (!names_[n].choice().empty()) {
+            throw UsageError(std::string("--") + kInputNames[n] + ": a stream has no parts to choose from");
+        }
+        streamed_ = n;
+    }
+}
+
 void FrameLoader::load_stills() {
     for (std::size_t n = 0; n < kInputCount; ++n) {
-        if (names_[n].empty() || names_[n].has_frame()) continue;
+        if (names_[n].empty() || names_[n].has_frame() || n == streamed_) continue;
         stills_[n] = read(static_cast<Input>(n), 0);
     }
+    if (!has_stream()) return;
+    const bool matte = streamed_ == kGm || streamed_ == kHm;
+    using Use = StreamInput::Use;
+    stream_ = std::make_unique<StreamInput>(frames_, matte ? Use::kMatte : Use::kColour, caller_);
 }
 
 std::shared_ptr<const Image> FrameLoader::foreground(int frame) {
     if (stills_[kFg].image) return stills_[kFg].image;
+    if (streamed_ == kFg) {
+        reach(frame);
+        return stream_->frame().image;
+    }
     if (ahead_.image && ahead_frame_ == frame) return ahead_.image;
     ahead_ = read(kFg, frame);
     ahead_frame_ = frame;
@@ -78,8 +104,11 @@ std::shared_ptr<const Image> FrameLoader::foreground(int frame) {
 }
 
 FrameInputs FrameLoader::load(int frame) {
+    reach(frame);
     FrameInputs inputs;
-    if (stills_[kFg].image) {
+    if (streamed_ == kFg) {
+        inputs[kFg] = stream_->frame();
+    } else if (stills_[kFg].image) {
         inputs[kFg] = stills_[kFg];
     } else if (ahead_.image && ahead_frame_ == frame) {
         inputs[kFg] = std::exchange(ahead_, {});
@@ -92,6 +121,10 @@ FrameInputs FrameLoader::load(int frame) {
     for (std::size_t n = kCp; n < kInputCount; ++n) {
         if (names_[n].empty()) continue;
         const std::string file = names_[n].at(frame);
+        if (n == streamed_) {
+            inputs[n] = fitted_to(stream_->frame(), format, file);
+            continue;
+        }
         if (names_[n].has_frame()) {
             inputs[n] = fitted_to(read(static_cast<Input>(n), frame), format, file);
             continue;

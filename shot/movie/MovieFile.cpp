@@ -21,7 +21,8 @@ struct CloseMovie {
 };
 
 bool is_plain(char c) {
-    return std::isalnum(static_cast<unsigned char>(c)) != 0 || std::string_view("_./+:,@%=-").find(c) != std::string_view::npos;
+    return std::isalnum(static_cast<unsigned char>(c)) != 0 ||
+           std::string_view("_./+:,@%=-").find(c) != std::string_view::npos;
 }
 
 std::string quoted(std::string name) {
@@ -64,8 +65,7 @@ std::string movie_to_read(const std::string& path, const std::string& input) {
     if (best < 0) return {};
     const AVStream& pictures = *opened->streams[best];
     if ((pictures.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0) return {};
-    const auto* const format =
-        av_pix_fmt_desc_get(static_cast<AVPixelFormat>(pictures.codecpar->format));
+    const auto* const format = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(pictures.codecpar->format));
     const bool alpha = format != nullptr && (format->flags & AV_PIX_FMT_FLAG_ALPHA) != 0;
     return "is a movie; give its frames: " + frames_command(path, alpha) + " | veloxa key --" + input +
            " - ..., or make files of them: ffmpeg -v error -i " + quoted(path) + " " +
@@ -76,7 +76,8 @@ std::string movie_to_write(const std::string& path) {
     const AVOutputFormat* const format = av_guess_format(nullptr, path.c_str(), nullptr);
     if (format == nullptr || format->video_codec == AV_CODEC_ID_NONE) return {};
     if (std::string_view(format->name) == "image2") return {};
-    return "is a movie; send it the frames: veloxa key ... -o - | ffmpeg -v error -f nut -i - " + quoted(path);
+    return "is a movie; send it the frames: veloxa key ... -o - | ffmpeg -v error -f nut -i - " +
+           quoted(path);
 }
 
 }  // namespace veloxa

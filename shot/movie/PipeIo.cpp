@@ -34,10 +34,10 @@ PipeIo::PipeIo(int file, Way way, const AbortFlag* abort) : file_(file), abort_(
         return static_cast<PipeIo*>(self)->give(bytes, static_cast<std::size_t>(size));
     };
     const bool writes = way == Way::kWrite;
-    context_.reset(avio_alloc_context(buffer, kBuffer, writes ? 1 : 0, this,
-                                      writes ? nullptr : static_cast<int (*)(void*, std::uint8_t*, int)>(read),
-                                      writes ? static_cast<int (*)(void*, std::uint8_t*, int)>(write) : nullptr,
-                                      nullptr));
+    context_.reset(avio_alloc_context(
+        buffer, kBuffer, writes ? 1 : 0, this,
+        writes ? nullptr : static_cast<int (*)(void*, std::uint8_t*, int)>(read),
+        writes ? static_cast<int (*)(void*, std::uint8_t*, int)>(write) : nullptr, nullptr));
     if (!context_) {
         av_free(buffer);
         throw std::bad_alloc();

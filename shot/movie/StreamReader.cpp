@@ -38,9 +38,8 @@ bool is_gray(const AVPixFmtDescriptor& format) {
 }
 
 bool is_keyable(const AVPixFmtDescriptor& format) {
-    constexpr std::uint64_t kOthers =
-        AV_PIX_FMT_FLAG_PAL | AV_PIX_FMT_FLAG_BAYER | AV_PIX_FMT_FLAG_FLOAT | AV_PIX_FMT_FLAG_HWACCEL |
-        AV_PIX_FMT_FLAG_BITSTREAM;
+    constexpr std::uint64_t kOthers = AV_PIX_FMT_FLAG_PAL | AV_PIX_FMT_FLAG_BAYER | AV_PIX_FMT_FLAG_FLOAT |
+                                      AV_PIX_FMT_FLAG_HWACCEL | AV_PIX_FMT_FLAG_BITSTREAM;
     if ((format.flags & kOthers) != 0) return false;
     return is_gray(format) || (format.flags & AV_PIX_FMT_FLAG_RGB) != 0;
 }
@@ -125,7 +124,8 @@ void StreamReader::Decoder::check_head() {
     const std::string_view head = io_.head();
     give_up_if_raised(abort_);
     if (io_.failure() != 0) fail("cannot be read: " + av_message(io_.failure()));
-    if (head.empty()) fail("is empty; it should be a stream of frames, as " + frames_command("in.mov") + " makes it");
+    if (head.empty())
+        fail("is empty; it should be a stream of frames, as " + frames_command("in.mov") + " makes it");
     if (head.starts_with(kSignature)) return;
     fail("is no NUT stream of frames; one is made by " + frames_command("in.mov"));
 }
@@ -163,8 +163,9 @@ void StreamReader::Decoder::find_pictures() {
     }
     // Without a tag some other format of as many bits would be taken for it.
     if (with.codec_tag == 0) {
-        fail("NUT has no name for the stream's pixel format; add -pix_fmt rgb48le to ffmpeg's options, or "
-             "rgba64le where it has an alpha");
+        fail(
+            "NUT has no name for the stream's pixel format; add -pix_fmt rgb48le to ffmpeg's options, or "
+            "rgba64le where it has an alpha");
     }
 }
 

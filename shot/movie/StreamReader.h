@@ -30,8 +30,8 @@ struct StreamFrame {
 class StreamReader {
   public:
     // Reads the stream's header from the file descriptor, which stays the caller's. Frames are numbered from
-    // `first`; `name` is what messages call the stream. Throws Error, NAME: what is wrong, with what to ask of
-    // ffmpeg where that would help, and Interrupted when the flag is raised, also while waiting for bytes.
+    // `first`; `name` is what messages call the stream. Throws Error, NAME: what is wrong, with what to ask
+    // of ffmpeg where that would help, and Interrupted when the flag is raised, also while waiting for bytes.
     StreamReader(int file, std::string name, int first, const Zo::Image::AbortFlag* abort);
     ~StreamReader();
     StreamReader(const StreamReader&) = delete;

@@ -26,6 +26,12 @@ void set_tags(AVDictionary*& dictionary, const StreamInfo::Tags& tags) {
     for (const auto& [name, value] : tags) av_dict_set(&dictionary, name.c_str(), value.c_str(), 0);
 }
 
+AVPixelFormat format_of(std::size_t channels, bool bytes) {
+    if (channels == 1) return bytes ? AV_PIX_FMT_GRAY8 : AV_PIX_FMT_GRAY16;
+    if (channels == 3) return bytes ? AV_PIX_FMT_RGB24 : AV_PIX_FMT_RGB48;
+    return bytes ? AV_PIX_FMT_RGBA : AV_PIX_FMT_RGBA64;
+}
+
 }  // namespace
 
 void check_stream(const std::string& name, const StreamOptions& options) {
@@ -86,12 +92,11 @@ void StreamWriter::Encoder::begin(const Image& image) {
     output_.reset(output);
     stream_ = avformat_new_stream(output, nullptr);
     if (stream_ == nullptr) throw std::bad_alloc();
-    channels_ = {kRed, kGreen, kBlue};
-    if (options_.alpha && image.has(kAlpha)) channels_.push_back(kAlpha);
+    for (const Channel c : kMaskRgba) {
+        if (image.has(c) && (c != kAlpha || options_.alpha || channels_.empty())) channels_.push_back(c);
+    }
     box_ = image.info.format.box;
-    const bool alpha = channels_.size() == 4;
-    const AVPixelFormat format = bytes() ? (alpha ? AV_PIX_FMT_RGBA : AV_PIX_FMT_RGB24)
-                                         : (alpha ? AV_PIX_FMT_RGBA64 : AV_PIX_FMT_RGB48);
+    const AVPixelFormat format = format_of(channels_.size(), bytes());
     AVCodecParameters& with = *stream_->codecpar;
     with.codec_type = AVMEDIA_TYPE_VIDEO;
     with.codec_id = AV_CODEC_ID_RAWVIDEO;
@@ -132,8 +137,8 @@ void StreamWriter::Encoder::write(const Image& image, const FrameTime& time) {
     give_up_if_raised(abort_);
     if (!begun_) begin(image);
     if (image.info.format.box != box_) {
-        throw Error(name_, "a frame is " + size_text(image.info.format.box) + ", the first was " +
-                               size_text(box_));
+        throw Error(name_,
+                    "a frame is " + size_text(image.info.format.box) + ", the first was " + size_text(box_));
     }
     fill(image);
     const AVRational base = rational(info_.time_base);

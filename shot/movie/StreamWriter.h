@@ -3,7 +3,8 @@
 // takes.
 //
 // Samples are those that a file of the same depth would hold: clamped and rounded to nearest, NaN 0. Pixels
-// are rgb24, rgba, rgb48 or rgba64; each frame is its display window, black where there are no pixels.
+// are rgb24, rgba, rgb48 or rgba64, of an image of alpha alone gray or gray16; each frame is its display
+// window, black where there are no pixels.
 #pragma once
 
 #include <memory>

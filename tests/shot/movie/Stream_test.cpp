@@ -143,7 +143,9 @@ TEST_F(Stream, TheWriterSaysWhatItCannotWrite) {
               "out: a stream of frames cannot hold float samples; it holds uint8 or uint16");
     StreamWriter other(opened(file("out.nut"), O_CREAT | O_WRONLY), "out", info_, {}, nullptr);
     other.write(frame_of(1), time_of(1));
-    EXPECT_EQ(told([&] { other.write(frame_of(2, {0, 0, 32, 7}), time_of(2)); }),
+    EXPECT_EQ(told([&] {
+                  other.write(frame_of(2, {0, 0, 32, 7}), time_of(2));
+              }),
               "out: a frame is 32x7, the first was 31x7");
 }
 
