@@ -161,12 +161,6 @@ void StreamReader::Decoder::find_pictures() {
     if (with.width <= 0 || with.height <= 0 || with.width > kLargestSide || with.height > kLargestSide) {
         fail("the stream's frames have an impossible size");
     }
-    // Without a tag some other format of as many bits would be taken for it.
-    if (with.codec_tag == 0) {
-        fail(
-            "NUT has no name for the stream's pixel format; add -pix_fmt rgb48le to ffmpeg's options, or "
-            "rgba64le where it has an alpha");
-    }
 }
 
 void StreamReader::Decoder::open_codec() {
@@ -241,11 +235,11 @@ bool StreamReader::Decoder::read_packet() {
         }
         if (failed < 0) fail_frame(io_.at_end() ? "is cut off" : "cannot be read: " + av_message(failed));
     } while (packet_->stream_index != stream_->index);
+    if (packet_->size < frame_bytes_ && io_.at_end()) fail_frame("is cut off");
     if (packet_->size != frame_bytes_) {
-        fail_frame(io_.at_end() && packet_->size < frame_bytes_
-                       ? "is cut off"
-                       : "has " + std::to_string(packet_->size) + " bytes, not the " +
-                             std::to_string(frame_bytes_) + " of a " + format_->name + " frame");
+        // ffmpeg names a format that NUT has no name for as some other.
+        fail_frame("is no " + std::string(format_->name) + ", as the stream says; add -pix_fmt rgb48le to " +
+                   "ffmpeg's options, or rgba64le where there is an alpha");
     }
     check_sync();
     return true;
