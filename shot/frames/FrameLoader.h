@@ -30,6 +30,7 @@ class FrameLoader {
     FrameLoader(Names names, Fit fit, Caller caller)
         : names_(std::move(names)), fit_(fit), caller_(std::move(caller)) {}
 
+    const Names& names() const { return names_; }
     // Loads what all frames share, so that a mistake there shows before any frame.
     void load_stills();
     // The foreground of a frame, kept for when that frame is loaded.
