@@ -5,9 +5,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <utility>
 #include <vector>
 
+#include "shot/files/ImageFile.h"
 #include "shot/image/HalfFloat.h"
 #include "shot/image/Image.h"
 
@@ -15,21 +15,23 @@ namespace veloxa {
 
 class FileRows {
   public:
-    // What this writer's format holds of the image: channels that it knows, and the data window or, where the
-    // format has none, the display window. Refers to the image.
-    FileRows(const Image& image, const OIIO::ImageOutput& output);
-    // These channels, which the image has, of a window.
-    FileRows(const Image& image, std::vector<Zo::Image::Channel> channels, const Zo::Image::Box& box)
-        : image_(image), channels_(std::move(channels)), box_(box) {}
+    // What this writer's format holds of the image: channels that it knows and needs, and the data window or,
+    // where the format has none, the display window. Refers to the image.
+    FileRows(const Image& image, const OIIO::ImageOutput& output, const WriteOptions& options);
+    // What a stream of frames holds of it: all channels that it needs, alpha apart from colour, and the
+    // display window.
+    FileRows(const Image& image, Alpha alpha);
 
     const std::vector<Zo::Image::Channel>& channels() const { return channels_; }
     const Zo::Image::Box& box() const { return box_; }
+    const Zo::Image::Box& frame() const { return image_.info.format.box; }
     std::size_t width() const { return static_cast<std::size_t>(box_.width()); }
     int height() const { return box_.height(); }
     std::size_t pitch() const { return channels_.size() * width(); }  // samples in a row
 
     // Row n of the file from its first; black where the image has no pixel. `samples` has room for a
-    // channel's. Integers are clamped to their range and rounded to nearest; NaN becomes 0.
+    // channel's. Integers are clamped to their range and rounded to nearest; NaN becomes 0. Colour is divided
+    // by alpha, and 0 where that is 0, in formats that keep them apart.
     template <class Sample>
     void fill(int n, Sample* row, Sample* samples) const;
 
@@ -37,6 +39,8 @@ class FileRows {
     const Image& image_;
     std::vector<Zo::Image::Channel> channels_;
     Zo::Image::Box box_;
+    bool divides_ = false;
+    int bits_ = 0;
 };
 
 // Calls work(sample) with a sample of the type that rows of this type of file are made in.

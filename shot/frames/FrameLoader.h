@@ -29,6 +29,7 @@ class FrameLoader {
     // Throws UsageError where two inputs are the stream.
     FrameLoader(Names names, Fit fit, Caller caller, const FrameRange& frames = {});
 
+    const Names& names() const { return names_; }
     // Loads what all frames share, and begins with the stream, so that a mistake there shows before any
     // frame.
     void load_stills();

@@ -40,12 +40,15 @@ class PictureName {
     bool is_stream() const { return pattern_.is_stream(); }
     // The name of a frame's file; what messages call it where it is a stream.
     std::string at(int frame) const { return is_stream() ? "standard input" : pattern_.at(frame); }
+    // With the choice, as it was given.
+    std::string text_at(int frame) const { return at(frame) + choice_text_; }
 
     const PictureChoice& choice() const { return choice_; }
 
   private:
     FramePattern pattern_;
     PictureChoice choice_;
+    std::string choice_text_;
 };
 
 // The frames that --frames names; one of any number where it is empty. Throws UsageError where it is needed

@@ -13,7 +13,8 @@
 
 namespace veloxa {
 
-// Frames are numbered from the first of the range on, one after another. One thread at a time, but where noted.
+// Frames are numbered from the first of the range on, one after another. One thread at a time, but where
+// noted.
 class StreamInput {
   public:
     enum class Use { kColour, kMatte };

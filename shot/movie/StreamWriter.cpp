@@ -34,21 +34,25 @@ AVPixelFormat format_of(std::size_t channels, bool bytes) {
 
 }  // namespace
 
-void check_stream(const std::string& name, const StreamOptions& options) {
+void check_stream(const std::string& name, const WriteOptions& options) {
     const Depth depth = options.depth;
-    if (depth == Depth::UNKNOWN || depth == Depth::UINT8 || depth == Depth::UINT16) return;
-    throw Error(name, std::string("a stream of frames cannot hold ") + depth.c_str() +
-                          " samples; it holds uint8 or uint16");
+    const bool whole = depth == Depth::UNKNOWN || depth == Depth::UINT8 || depth == Depth::UINT16;
+    if (!whole || options.bits > 0) {
+        const std::string asked = whole ? "uint" + std::to_string(options.bits) : depth.c_str();
+        throw Error(name, "a stream of frames cannot hold " + asked + " samples; it holds uint8 or uint16");
+    }
+    if (!options.compression.empty() || options.quality > 0 || options.tile_width > 0) {
+        throw Error(name, "a stream of frames has no compression, quality or tiles");
+    }
 }
 
 class StreamWriter::Encoder {
   public:
-    Encoder(int file, std::string name, StreamInfo info, const StreamOptions& options, const AbortFlag* abort)
+    Encoder(int file, std::string name, StreamInfo info, const WriteOptions& options)
         : name_(std::move(name)),
           info_(std::move(info)),
           options_(options),
-          abort_(abort),
-          io_(file, PipeIo::Way::kWrite, abort) {
+          io_(file, PipeIo::Way::kWrite, options.abort) {
         hush_av();
         check_stream(name_, options_);
         if (!packet_) throw std::bad_alloc();
@@ -59,21 +63,19 @@ class StreamWriter::Encoder {
     void stop() { io_.stop(); }
 
   private:
-    void begin(const Image& image);
-    void fill(const Image& image);
+    void begin(const Image& image, const FileRows& rows);
+    void fill(const FileRows& rows);
     void check(int result);
     bool bytes() const { return options_.depth == Depth::UINT8; }
 
     const std::string name_;
     const StreamInfo info_;
-    const StreamOptions options_;
-    const AbortFlag* const abort_;
+    const WriteOptions options_;
     PipeIo io_;  // outlives the one below
     std::unique_ptr<AVFormatContext, FreeOutput> output_;
     AVStream* stream_ = nullptr;
     bool begun_ = false;
     AvOwned<AVPacket> packet_{av_packet_alloc()};
-    std::vector<Channel> channels_;
     Box box_;
 };
 
@@ -86,17 +88,14 @@ void StreamWriter::Encoder::check(int result) {
     throw Error(name_, "cannot be written: " + (error.empty() ? av_message(result) : error));
 }
 
-void StreamWriter::Encoder::begin(const Image& image) {
+void StreamWriter::Encoder::begin(const Image& image, const FileRows& rows) {
     AVFormatContext* output = nullptr;
     check(avformat_alloc_output_context2(&output, nullptr, "nut", nullptr));
     output_.reset(output);
     stream_ = avformat_new_stream(output, nullptr);
     if (stream_ == nullptr) throw std::bad_alloc();
-    for (const Channel c : kMaskRgba) {
-        if (image.has(c) && (c != kAlpha || options_.alpha || channels_.empty())) channels_.push_back(c);
-    }
     box_ = image.info.format.box;
-    const AVPixelFormat format = format_of(channels_.size(), bytes());
+    const AVPixelFormat format = format_of(rows.channels().size(), bytes());
     AVCodecParameters& with = *stream_->codecpar;
     with.codec_type = AVMEDIA_TYPE_VIDEO;
     with.codec_id = AV_CODEC_ID_RAWVIDEO;
@@ -117,8 +116,7 @@ void StreamWriter::Encoder::begin(const Image& image) {
     begun_ = true;
 }
 
-void StreamWriter::Encoder::fill(const Image& image) {
-    const FileRows rows(image, channels_, box_);
+void StreamWriter::Encoder::fill(const FileRows& rows) {
     const std::size_t row_bytes = rows.pitch() * (bytes() ? sizeof(std::uint8_t) : sizeof(std::uint16_t));
     const std::size_t size = row_bytes * static_cast<std::size_t>(rows.height());
     if (size > INT_MAX / 2) throw Error(name_, "cannot hold frames as large as " + size_text(box_));
@@ -134,13 +132,14 @@ void StreamWriter::Encoder::fill(const Image& image) {
 }
 
 void StreamWriter::Encoder::write(const Image& image, const FrameTime& time) {
-    give_up_if_raised(abort_);
-    if (!begun_) begin(image);
+    give_up_if_raised(options_.abort);
+    const FileRows rows(image, options_.alpha);
+    if (!begun_) begin(image, rows);
     if (image.info.format.box != box_) {
         throw Error(name_,
                     "a frame is " + size_text(image.info.format.box) + ", the first was " + size_text(box_));
     }
-    fill(image);
+    fill(rows);
     const AVRational base = rational(info_.time_base);
     packet_->pts = packet_->dts = av_rescale_q(time.start, base, stream_->time_base);
     packet_->duration = av_rescale_q(time.duration, base, stream_->time_base);
@@ -158,9 +157,8 @@ void StreamWriter::Encoder::finish() {
     check(0);
 }
 
-StreamWriter::StreamWriter(int file, std::string name, StreamInfo info, const StreamOptions& options,
-                           const AbortFlag* abort)
-    : encoder_(std::make_unique<Encoder>(file, std::move(name), std::move(info), options, abort)) {}
+StreamWriter::StreamWriter(int file, std::string name, StreamInfo info, const WriteOptions& options)
+    : encoder_(std::make_unique<Encoder>(file, std::move(name), std::move(info), options)) {}
 
 StreamWriter::~StreamWriter() = default;
 

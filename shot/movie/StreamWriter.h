@@ -17,13 +17,9 @@
 
 namespace veloxa {
 
-struct StreamOptions {
-    Depth depth{};      // uint8 or uint16, which is what unknown stands for
-    bool alpha = true;  // of images that have one
-};
-
-// Throws Error, NAME: what is wrong, where no stream holds samples of this depth.
-void check_stream(const std::string& name, const StreamOptions& options);
+// Throws Error, NAME: what is wrong, where no stream can be as the options ask: of another depth than uint8
+// and uint16, which is what unknown stands for, or compressed.
+void check_stream(const std::string& name, const WriteOptions& options);
 
 // One thread at a time, but for stop(). Whoever closes the other end of the pipe sends SIGPIPE, which the
 // caller ignores.
@@ -31,8 +27,7 @@ class StreamWriter {
   public:
     // To the file descriptor, which stays the caller's; `name` is what messages call the stream. Frame rate,
     // times' unit and tags are those of `info`. Throws as check_stream does.
-    StreamWriter(int file, std::string name, StreamInfo info, const StreamOptions& options,
-                 const Zo::Image::AbortFlag* abort);
+    StreamWriter(int file, std::string name, StreamInfo info, const WriteOptions& options);
     ~StreamWriter();
     StreamWriter(const StreamWriter&) = delete;
     StreamWriter& operator=(const StreamWriter&) = delete;

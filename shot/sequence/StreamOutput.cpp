@@ -47,17 +47,14 @@ void StreamOutput::begin(const Image& image, const WriteOptions& options) {
         info.frame_rate = rate_of(image.header);
         info.time_base = {info.frame_rate.den, info.frame_rate.num};
     }
-    const StreamOptions how{.depth = options.depth, .alpha = options.alpha != Alpha::kOpaque};
-    writer_ = std::make_unique<StreamWriter>(STDOUT_FILENO, "standard output", std::move(info), how,
-                                             options.abort);
+    writer_ = std::make_unique<StreamWriter>(STDOUT_FILENO, "standard output", std::move(info), options);
 }
 
 void StreamOutput::write(int frame, const Image& image, const WriteOptions& options) {
     attempt([&] {
         if (!writer_) begin(image, options);
-        const FrameTime time = loader_.stream()
-                                   ? loader_.stream()->time_of(frame)
-                                   : FrameTime{(frame - frames_.first) / frames_.step, 1};
+        const FrameTime time = loader_.stream() ? loader_.stream()->time_of(frame)
+                                                : FrameTime{(frame - frames_.first) / frames_.step, 1};
         writer_->write(image, time);
     });
 }

@@ -49,7 +49,7 @@ class Stream : public test::Files {
     static FrameTime time_of(int frame) { return {(frame > 2 ? frame + 5 : frame) * 1001, 1001}; }
     std::string written() {
         const std::string path = file("frames.nut");
-        StreamWriter writer(opened(path, O_CREAT | O_TRUNC | O_WRONLY), "out", info_, {}, nullptr);
+        StreamWriter writer(opened(path, O_CREAT | O_TRUNC | O_WRONLY), "out", info_, {});
         for (int n = 1; n <= kFrames; ++n) writer.write(frame_of(n), time_of(n));
         writer.finish();
         return path;
@@ -135,13 +135,13 @@ TEST_F(Stream, TheWriterSaysWhatItCannotWrite) {
     };
     std::signal(SIGPIPE, SIG_IGN);
     const auto closed = pipe();
-    StreamWriter writer(closed[1], "out", info_, {}, nullptr);
+    StreamWriter writer(closed[1], "out", info_, {});
     ::close(closed[0]);
     std::erase(open_, closed[0]);
     EXPECT_EQ(told([&] { writer.write(frame_of(1), time_of(1)); }), "out: nobody reads it any more");
     EXPECT_EQ(told([] { check_stream("out", {.depth = Depth::FLOAT}); }),
               "out: a stream of frames cannot hold float samples; it holds uint8 or uint16");
-    StreamWriter other(opened(file("out.nut"), O_CREAT | O_WRONLY), "out", info_, {}, nullptr);
+    StreamWriter other(opened(file("out.nut"), O_CREAT | O_WRONLY), "out", info_, {});
     other.write(frame_of(1), time_of(1));
     EXPECT_EQ(told([&] {
                   other.write(frame_of(2, {0, 0, 32, 7}), time_of(2));
@@ -158,7 +158,7 @@ TEST_F(Stream, NobodyWaitsForGood) {
     });
     EXPECT_THROW(StreamReader(idle[0], "in", 1, &flag), Interrupted);
     const auto full = pipe();
-    StreamWriter writer(full[1], "out", info_, {}, nullptr);
+    StreamWriter writer(full[1], "out", info_, {});
     const std::jthread stop([&] {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
         writer.stop();
