@@ -40,21 +40,15 @@ while read -r format depth back; do
     grep -qx '4:3,24000/1001' rate.txt || fail "$format: $(cat rate.txt)"
 done <<'TABLE'
 rgb24 uint8 rgb24
-bgr24 uint8 rgb24
 rgba uint8 rgba
 bgra uint8 rgba
-argb uint8 rgba
 abgr uint8 rgba
 bgr0 uint8 rgb24
 gbrp uint8 rgb24
 gbrap uint8 rgba
-gray uint8 gray
 ya8 uint8 rgba
-rgb48le uint16 rgb48le
 rgb48be uint16 rgb48le
-bgr48le uint16 rgb48le
 rgba64le uint16 rgba64le
-rgba64be uint16 rgba64le
 gbrp16le uint16 rgb48le
 gbrap16le uint16 rgba64le
 TABLE
