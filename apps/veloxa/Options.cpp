@@ -1,5 +1,6 @@
 #include "Options.h"
 
+#include "Usage.h"
 #include "shot/setup/ScreenChoice.h"
 
 namespace veloxa {
@@ -19,7 +20,7 @@ void add_screen_options(CLI::App& command, ScreenOptions& options, const std::st
         .add_option("--screen", options.screen,
                     "Find the backing in " + image +
                         ": of whatever colour (auto, as when nothing sets screen_color) or of this one")
-        ->check(CLI::IsMember(kScreenChoices))
+        ->check(OneOf(kScreenChoices))
         ->excludes(pick);
 }
 
@@ -36,7 +37,7 @@ void add_threads_option(CLI::App& command, int& threads) {
 void add_depth_option(CLI::App& command, std::string& depth) {
     command
         .add_option("--depth", depth, "Samples: half in OpenEXR, float in RLA, else up to uint16, without it")
-        ->check(CLI::IsMember({"half", "float", "uint8", "uint16"}));
+        ->check(OneOf({"half", "float", "uint8", "uint16"}));
 }
 
 void add_setup_options(CLI::App& command, SetupOptions& options) {
@@ -53,7 +54,7 @@ void add_setup_options(CLI::App& command, SetupOptions& options) {
         .add_option("--fit", options.fit,
                     "Inputs of another size than the foreground: resize scales them, crop centres them, none "
                     "leaves them at the bottom left; edge pixels repeat. Without it they are errors")
-        ->check(CLI::IsMember({"resize", "crop", "none"}));
+        ->check(OneOf({"resize", "crop", "none"}));
     add_frames_option(command, options.frames);
     add_knob_options(command, options.settings);
     add_screen_options(command, options.screen, "the first foreground that can be read");

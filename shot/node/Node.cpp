@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "ZoImage/NearestName.h"
 #include "ZoImage/PluginLoader.h"
 #include "ZoImage/Script.h"
 #include "shot/Errors.h"
@@ -93,9 +94,9 @@ void Node::save_script(const std::string& path, bool overwrite) const {
 Iop& Node::member(const std::string& name) const {
     Op* op = op_->child(name);
     if (op && op->as_iop()) return *op->as_iop();
-    std::string names;
-    for (const Op* child : op_->children()) names += (names.empty() ? "" : ", ") + child->member_name();
-    throw UsageError("--stage " + name + ": there is no such operator; there are " + names);
+    std::vector<std::string> names;
+    for (const Op* child : op_->children()) names.push_back(child->member_name());
+    throw UsageError("--stage " + name + ": there is no such operator" + choices(name, names));
 }
 
 }  // namespace veloxa

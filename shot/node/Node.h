@@ -37,7 +37,7 @@ class Node {
     // Writes the knobs that differ from their defaults.
     void save_script(const std::string& path, bool overwrite) const;
 
-    // The internal operator of this name. Throws UsageError with the names that there are.
+    // The internal operator of this name. Throws UsageError with the nearest name, or those that there are.
     Zo::Image::Iop& member(const std::string& name) const;
 
   private:
