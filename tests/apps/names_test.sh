@@ -1,5 +1,5 @@
 #!/bin/bash
-# What the program says of names that do not exist.
+# What the program says of names that do not exist, and of values beyond the panel's ranges.
 # usage: names_test.sh VELOXA
 set -u
 veloxa=$(realpath "$1")
@@ -52,6 +52,24 @@ done <<'TABLE'
 TABLE
 "$veloxa" kye 2>&1 | grep -q "^veloxa: kye: there is no such command; .*did you mean 'key'?$" || fail "kye"
 "$veloxa" --verison 2>&1 | grep -q "a command comes first: .*did you mean --version?$" || fail "--verison"
+
+# What counts at last is told of, once a knob.
+cat >far.vlx <<'SCRIPT'
+Veloxa {
+    brights 4000
+    edge_kernel 30
+
+    screen_shrink {2 30}
+    shadows_high 1
+}
+SCRIPT
+beyond="beyond the panel's range"
+expect 0 "veloxa: warning: far.vlx:5: screen_shrink 2 30: $beyond 0 to 21; taken as it is|veloxa: warning: \
+--set brights=1000.5: $beyond 0 to 1000; taken as it is|" controls --script far.vlx --set brights=2000 \
+    --set edge_kernel=3 --set brights=1000.5
+expect 0 "veloxa: warning: --set darks=501: $beyond 0 to 500; taken as it is|" \
+    "${key[@]}" --quiet --set darks=501 --save-script saved.vlx
+grep -q '^    darks 501$' saved.vlx || fail "darks is not 501"
 
 [ $failures -eq 0 ] || exit 1
 echo "all good"
