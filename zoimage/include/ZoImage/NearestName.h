@@ -15,8 +15,8 @@ std::string_view nearest_name(std::string_view name, std::span<const std::string
 // "; did you mean 'NAME'?", empty where no name is near.
 std::string did_you_mean(std::string_view name, std::span<const std::string> names);
 
-// The end of a message about a name that does not exist: "; there are A, B, C", which a guess follows if there
-// is one; where the list is long the guess alone.
+// The end of a message about a name that does not exist: "; there are A, B, C", which a guess follows if
+// there is one; where the list is long the guess alone.
 std::string choices(std::string_view name, std::span<const std::string> names);
 
 }  // namespace Zo::Image
