@@ -35,8 +35,10 @@ std::string message_for(const CLI::App& command, const CLI::ParseError& error) {
     const std::vector<std::string> left = command.remaining();
     for (const std::string& argument : left) {
         if (!argument.starts_with("-")) continue;
+        std::string message = argument;
+        message += ": " + name + " has no such option";
         const std::string guess = option_guess(command, argument);
-        return argument + ": " + name + " has no such option" + (guess.empty() ? help : guess);
+        return message + (guess.empty() ? help : guess);
     }
     if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
         return joined(left) + ": more than " + name + " takes" + help;
@@ -47,7 +49,7 @@ std::string message_for(const CLI::App& command, const CLI::ParseError& error) {
 
 }  // namespace
 
-OneOf::OneOf(std::vector<std::string> names) {
+OneOf::OneOf(const std::vector<std::string>& names) {
     desc_function_ = [names] { return CLI::detail::generate_set(names); };
     func_ = [names](const std::string& value) {
         if (std::ranges::find(names, value) != names.end()) return std::string();

@@ -10,7 +10,7 @@ namespace veloxa {
 // Check of an option's value; where it is none of these the message lists them and guesses which was meant.
 class OneOf : public CLI::Validator {
   public:
-    explicit OneOf(std::vector<std::string> names);
+    explicit OneOf(const std::vector<std::string>& names);
 };
 
 // The line for a parser's error; `first` is the first argument. An option that does not exist comes before

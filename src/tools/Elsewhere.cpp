@@ -105,9 +105,8 @@ std::vector<PlatedSample> pixels_elsewhere(const ToolNode& node, const Box& box)
         kept.push_back(x < box.x || x >= box.r || y < box.y || y >= box.t);
     });
     if (node.flag(kCpUsable)) {
-        grid.read(node.image.input(1), kMaskRgba, [&](std::size_t n, const Row& row, int i, int, int) {
-            all[n].plate = color(row, i);
-        });
+        grid.read(node.image.input(1), kMaskRgba,
+                  [&](std::size_t n, const Row& row, int i, int, int) { all[n].plate = color(row, i); });
     }
     for (const auto& [connected, input] : {std::pair(kGmConnected, 3), std::pair(kHmConnected, 4)}) {
         if (!node.flag(connected)) continue;

@@ -38,7 +38,8 @@ TEST(Elsewhere, StrokesTellWhatTheyCost) {
         std::erase_if(rig.patches, [](const Patch& p) { return !std::isfinite(p.color[0] + p.color[1]); });
         rig.patches.insert(rig.patches.end(), skin.begin(), skin.end());
         const auto covered = [&](int x, int) { return c.garbage && x < 30; };
-        FunctionSource gm(kFrame, kMaskAlpha, [&](Channel, int x, int y) { return covered(x, y) ? 1.0f : 0.0f; });
+        FunctionSource gm(kFrame, kMaskAlpha,
+                          [&](Channel, int x, int y) { return covered(x, y) ? 1.0f : 0.0f; });
         if (c.garbage) rig.node.set_input(3, &gm);
         rig.set("matte_scale", c.scale);
         rig.set("screen_shrink", "0,0");
@@ -62,9 +63,10 @@ TEST(Elsewhere, StrokesTellWhatTheyCost) {
             if (inside || covered(x, y)) continue;
             const bool solid = c.told == kSubjectGone;
             all += (solid ? before[i] >= 0.9f : before[i] == 0.0f) ? 1 : 0;
-            lost += (solid ? before[i] >= 0.9f && after[i] == 0.0f : before[i] == 0.0f && after[i] > 1.0f / 255)
-                        ? 1
-                        : 0;
+            lost +=
+                (solid ? before[i] >= 0.9f && after[i] == 0.0f : before[i] == 0.0f && after[i] > 1.0f / 255)
+                    ? 1
+                    : 0;
         }
         ASSERT_GT(all, 100);
         const double share = 100.0 * lost / all;

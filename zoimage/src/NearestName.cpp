@@ -60,7 +60,7 @@ std::string did_you_mean(std::string_view name, std::span<const std::string> nam
 }
 
 std::string choices(std::string_view name, std::span<const std::string> names) {
-    const std::string guess = did_you_mean(name, names);
+    std::string guess = did_you_mean(name, names);
     if (names.size() > kLongList && !guess.empty()) return guess;
     std::string list;
     for (const std::string& candidate : names) list += (list.empty() ? "; there are " : ", ") + candidate;
