@@ -36,7 +36,7 @@ done <<'TABLE'
 --purple: key has no such option; see veloxa key --help@key --fg x --purple
 --fg is required; see veloxa key --help@key -o x
 b, c: more than key takes; see veloxa key --help@key --fg a b c -o d
---depth: flaot is none of half, float, uint8, uint16; did you mean 'float'?@key --depth flaot
+--fit: corp is none of resize, crop, none; did you mean 'crop'?@key --fit corp
 --screen: gren is none of auto, green, blue, red; did you mean 'green'?@key --screen gren
 --screen: pink is none of green, blue; see veloxa plate --help@plate -o y --screen pink
 TABLE
@@ -51,6 +51,7 @@ done <<'TABLE'
 --set brihgts=1: no knob named 'brihgts'; did you mean 'brights'?@--set brihgts=1
 TABLE
 "$veloxa" kye 2>&1 | grep -q "^veloxa: kye: there is no such command; .*did you mean 'key'?$" || fail "kye"
+"$veloxa" key --depth flaot 2>&1 | grep -q "did you mean 'float'?$" || fail "flaot"
 "$veloxa" --verison 2>&1 | grep -q "a command comes first: .*did you mean --version?$" || fail "--verison"
 
 # What counts at last is told of, once a knob.
