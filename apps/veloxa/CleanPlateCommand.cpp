@@ -64,7 +64,7 @@ int make_clean_plate(const Options& options) {
     CleanPlateMaker maker(name, frames, {options.threads, static_cast<std::size_t>(options.memory) << 20},
                           caller);
     KnobPanel& panel = maker.node().panel();
-    maker.node().apply(options.settings);
+    maker.node().apply(options.settings, caller);
     choose_screen_color(
         maker.node(), options.screen, has_screen_color(panel, options.settings.sets),
         [&] { return maker.first(); }, caller);

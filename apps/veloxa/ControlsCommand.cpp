@@ -21,7 +21,7 @@ struct Options {
 
 int list_controls(const Options& options) {
     Node node;
-    node.apply(options.settings);
+    node.apply(options.settings, caller_for(false));
     // The node copies its knobs when it validates; without it the controls are those that it was made with.
     if (!options.settings.script.empty() || !options.settings.sets.empty()) node.image().validate(true);
     const std::string text = node.image().diagnostic(options.trace ? "trace" : "controls");

@@ -122,6 +122,21 @@ void settle_shot(const Options& options, KeySetup& setup, const Caller& caller) 
                 std::to_string(range.first) + "-" + std::to_string(range.last));
 }
 
+// Whoever gives no background may think that he gets a cut.
+void tell_of_lost_mattes(const Options& options, const KeyPlan& plan, const Node& node,
+                         const Caller& caller) {
+    if (!options.setup.inputs[kBg].empty() || !options.stage.empty()) return;
+    const std::string own = node.panel().get("output_mode").text();
+    for (const KeyOutput& output : plan.outputs) {
+        WriteOptions how = plan.write;
+        how.alpha = alpha_of(mode_of(output.picture, own));
+        const std::string file = output.file.at(plan.frames.first);
+        if (output.picture == Picture::kMatte || how.alpha != Alpha::kOpaque || keeps_alpha(file, how))
+            continue;
+        caller.tell(file + ": a composite over black, without its matte; -o cut=FILE keeps that");
+    }
+}
+
 double milliseconds(std::chrono::nanoseconds time, int frames) {
     return std::chrono::duration<double, std::milli>(time).count() / std::max(frames, 1);
 }
@@ -184,6 +199,7 @@ int key(const Options& options) {
     Node& node = setup.node();
     Iop& root = options.stage.empty() ? node.image() : node.member(options.stage);
     check_outputs(plan, setup.names());
+    tell_of_lost_mattes(options, plan, node, caller);
     const std::string beside = options.save_script.empty() ? "" : shot_beside(options.save_script);
     if (!beside.empty() && beside == options.save_script) {
         throw UsageError("--save-script " + beside + ": the extension .shot is that of the shot beside it");

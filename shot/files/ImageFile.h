@@ -55,6 +55,9 @@ struct WriteOptions {
 // "half", "float", "uint8", "uint10", "uint12" or "uint16"; empty for unknown. Throws UsageError for others.
 void set_depth(WriteOptions& options, const std::string& name);
 
+// Whether a file of that name keeps alpha beside colour. Throws Error without a writer.
+bool keeps_alpha(const std::string& path, const WriteOptions& options);
+
 // Throws Error when no writer answers to the file's extension, when the format cannot hold what the options
 // ask for, or when the file cannot be made there; so that a mistake shows before any frame is rendered.
 void check_writable(const std::string& path, const WriteOptions& options);

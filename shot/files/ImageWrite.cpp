@@ -1,5 +1,6 @@
 // Writing of image files; see ImageFile.h.
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <map>
 #include <memory>
@@ -99,6 +100,15 @@ std::string header_fault(const OIIO::ImageSpec& read, const OIIO::ImageOutput& o
     return {};
 }
 
+// Readers fill up samples of fewer bits in two ways, which are 1 apart.
+template <class Sample>
+bool same_samples(const Sample* a, const Sample* b, std::size_t count, bool filled) {
+    if (!filled) return std::memcmp(a, b, count * sizeof(Sample)) == 0;
+    return std::equal(a, a + count, b, [](Sample p, Sample q) {
+        return std::abs(static_cast<float>(p) - static_cast<float>(q)) <= 1.0f;
+    });
+}
+
 template <class Sample>
 std::string sample_fault(FileReader& reader, const FileRows& rows, bool exact) {
     const auto row = std::make_unique_for_overwrite<Sample[]>(rows.pitch());
@@ -108,7 +118,7 @@ std::string sample_fault(FileReader& reader, const FileRows& rows, bool exact) {
     reader.each_row<Sample>({0, channels}, [&](int n, const Sample* read) {
         if (!exact || !same) return;
         rows.fill(n, row.get(), samples.get());
-        same = std::memcmp(row.get(), read, rows.pitch() * sizeof(Sample)) == 0;
+        same = same_samples(row.get(), read, rows.pitch(), rows.bits() > 0);
     });
     return same ? "" : "its pixels read back otherwise";
 }
@@ -157,6 +167,10 @@ std::string write_once(const std::string& temporary, const std::string& path, co
 }
 
 }  // namespace
+
+bool keeps_alpha(const std::string& path, const WriteOptions& options) {
+    return keeps_alpha(*writer_for(path), options);
+}
 
 void set_depth(WriteOptions& options, const std::string& name) {
     static const std::map<std::string_view, std::pair<Depth, int>> kDepths{

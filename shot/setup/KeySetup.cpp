@@ -36,7 +36,7 @@ KeySetup::KeySetup(const SetupOptions& options, const Caller& caller)
       frames_(frames_for(options, names_)),
       loader_(names_, fit_named(options.fit).value_or(Fit::kRefuse), caller, frames_),
       node_(caller.abort) {
-    node_.apply(options.settings);
+    node_.apply(options.settings, caller);
     inputs_.connect(node_.image(), names_);
     if (!options.screen.pick.empty()) parse_box("--pick", options.screen.pick);
     for (const std::string& text : options.strokes) {
