@@ -130,9 +130,10 @@ void tell_of_lost_mattes(const Options& options, const KeyPlan& plan, const Node
     for (const KeyOutput& output : plan.outputs) {
         WriteOptions how = plan.write;
         how.alpha = alpha_of(mode_of(output.picture, own));
-        const std::string file = output.file.at(plan.frames.first);
-        if (output.picture == Picture::kMatte || how.alpha != Alpha::kOpaque || keeps_alpha(file, how))
-            continue;
+        const bool stream = output.file.is_stream();
+        const std::string file = stream ? "standard output" : output.file.at(plan.frames.first);
+        if (output.picture == Picture::kMatte || how.alpha != Alpha::kOpaque) continue;
+        if (!stream && keeps_alpha(file, how)) continue;
         caller.tell(file + ": a composite over black, without its matte; -o cut=FILE keeps that");
     }
 }

@@ -49,7 +49,7 @@ class FileRows {
 
 // Calls work(sample) with a sample of the type that rows of this type of file are made in.
 template <class Work>
-auto with_sample_of(OIIO::TypeDesc type, const Work& work) {
+auto with_sample_of(const OIIO::TypeDesc& type, const Work& work) {
     if (type == OIIO::TypeDesc::UINT8) return work(std::uint8_t{});
     if (type == OIIO::TypeDesc::UINT16) return work(std::uint16_t{});
     if (type == OIIO::TypeDesc::HALF) return work(Half{});
