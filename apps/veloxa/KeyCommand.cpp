@@ -35,6 +35,7 @@ struct Options {
     std::string shot_frames;
     std::string stage;
     std::string depth;
+    std::string keep;
     int threads = 0;
     bool stats = false;
     bool resume = false;
@@ -47,6 +48,7 @@ KeyPlan plan_for(const Options& options, const FrameRange& frames) {
     plan.frames = frames;
     plan.output = FramePattern(options.output);
     plan.write = {Depth(options.depth), options.overwrite || options.resume};
+    plan.write.layers = !options.keep.empty();
     plan.resume = options.resume;
     plan.threads = options.threads;
     if (options.setup.frames.empty() && plan.output.has_frame()) {
@@ -145,6 +147,7 @@ std::string table_of(const KeyStats& stats) {
 int key(const Options& options) {
     Caller caller = caller_for(options.quiet);
     KeySetup setup(options.setup, caller);
+    if (!options.keep.empty()) setup.loader().keep_layers();
     const KeyPlan plan = plan_for(options, setup.frames());
     catch_interrupts();
     OIIO::attribute("threads", options.threads);
@@ -191,6 +194,8 @@ constexpr const char* kFooter =
     "Paths with a frame number, as %04d or ####, need --frames; inputs without one are the same in every "
     "frame. Knobs are set in this order: --script, --set, --pick or --screen, --auto, --stroke; --auto "
     "leaves alone what --script and --set name. `veloxa knobs` lists them.\n"
+    "FILE#part=P,layer=L,view=V,channel=C chooses what is read of an input, as plate.####.exr#layer=beauty; "
+    "stands.exr#channel=R,invert makes that channel, inverted, the matte.\n"
     "Boxes and rows count from the bottom left pixel of the foreground's display window.\n"
     "Exit status: 0 when every frame was written, 1 when not, 2 for bad usage, 130 when interrupted.";
 
@@ -219,6 +224,11 @@ void add_rendering(CLI::App& command, Options& options) {
         ->type_name("MEMBER");
     command.add_flag("--stats", options.stats, "Print rows and time per operator");
     add_depth_option(command, options.depth);
+    command
+        .add_option("--keep", options.keep,
+                    "Write what else the foreground's file holds beside the result, in OpenEXR: other "
+                    "channels, layers and parts, as they are")
+        ->check(CLI::IsMember({"layers"}));
     command.add_flag("--resume", options.resume, "Leave out frames whose output is there and whole");
     command.add_flag("--overwrite", options.overwrite, "Replace outputs that exist");
     command.add_flag("--quiet", options.quiet, "Show no progress");

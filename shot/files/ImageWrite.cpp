@@ -11,6 +11,7 @@
 #include "shot/files/FileRows.h"
 #include "shot/files/ImageFile.h"
 #include "shot/files/ImageLibrary.h"
+#include "shot/files/KeptLayers.h"
 #include "shot/files/Metadata.h"
 
 namespace veloxa {
@@ -212,15 +213,18 @@ std::string write_once(const std::string& temporary, const std::string& path, co
         if (bytes && !bytes->failure().empty()) throw Error(path, bytes->failure());
     };
     check_bytes();
-    bool good = output->open(temporary, spec_for(header, image, *output, options.depth));
-    if (good) {
+    const OIIO::ImageSpec spec = spec_for(header, image, *output, options.depth);
+    bool good = image.kept ? write_with_layers(*output, temporary, spec, image, options.abort)
+                           : output->open(temporary, spec);
+    if (good && !image.kept) {
         check_type(path, *output, options.depth);
         good = write_pixels(*output, image, options.abort);
-        good = output->close() && good;
     }
+    good = good && output->close();
     if (bytes && good) bytes->close();
     check_bytes();
     if (!good) return tidy_message(output->geterror(), temporary, "could not be written");
+    if (image.kept) return layers_fault(*output, temporary, spec, image, options.abort);
     return read_back(temporary, image, *output, options.abort);
 }
 
@@ -231,6 +235,7 @@ void check_writable(const std::string& path, const WriteOptions& options) {
     const Hush hush(path);
     OIIO::Filesystem::IOVecOutput memory;  // outlives the writer, which writes once more when it goes
     const auto output = writer_for(path);
+    if (options.layers) check_holds_layers(path, *output);
     if (options.depth == Depth::UNKNOWN || !output->supports("ioproxy")) return;
     // What a writer makes of a sample type shows only when it opens a file; this one stays in memory.
     Info info;
@@ -246,6 +251,7 @@ void check_writable(const std::string& path, const WriteOptions& options) {
 }
 
 std::string write_image(const std::string& path, const Image& image, const WriteOptions& options) {
+    if (image.kept) check_holds_layers(path, *writer_for(path));
     AtomicFile file(path, options.overwrite);
     std::string fault;
     std::string left_out;

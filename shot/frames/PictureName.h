@@ -1,30 +1,18 @@
 // The name of an input: a file, or a pattern of frames, and what to read of it.
 //
-// FILE#KEY=VALUE,KEY=VALUE,FLAG, as plate.####.exr#layer=beauty,view=left or stands.exr#channel=R,invert. What
-// stands behind the last # is a choice only where it begins as one; a file of the whole name that is there is
-// that file.
+// FILE#KEY=VALUE,KEY=VALUE,FLAG, as plate.####.exr#layer=beauty,view=left or stands.exr#channel=R,invert.
+// What stands behind the last # is a choice only where it begins as one; a file of the whole name that is
+// there is that file.
 #pragma once
 
 #include <span>
 #include <string>
 #include <string_view>
 
+#include "shot/files/PictureChoice.h"
 #include "shot/frames/FramePattern.h"
 
 namespace veloxa {
-
-struct PictureChoice {
-    std::string part;     // by name, or by number from 0
-    std::string layer;    // what stands before a channel's letter, without the dot
-    std::string view;     // of a stereo file, as left
-    std::string channel;  // the one channel to read, by its name in the file or in the layer
-    std::string space;    // the colour space that the values are in
-    bool invert = false;  // 1 - value, for mattes
-
-    bool empty() const {
-        return part.empty() && layer.empty() && view.empty() && channel.empty() && space.empty() && !invert;
-    }
-};
 
 class PictureName {
   public:

@@ -103,6 +103,7 @@ Image KeyPipeline::render(const FrameInputs& inputs) {
     info.channels = kMaskRgba;
     Image image(info);
     image.header = inputs[kFg].image->header;
+    image.kept = inputs[kFg].image->kept;
     const int rows = info.box.height();
     const double part = 1.0 / rows;
     const bool complete = renderer_.render(root_, info.box, kMaskRgba, [&](int y, const Row& row) {
