@@ -28,7 +28,8 @@ std::string row_of(const std::string& name, const Difference& d) {
 }
 
 int compare(const Options& options) {
-    const Comparison found = compare_files(options.first, options.second, options.channel, caller_for(false));
+    const Comparison found = compare_files(PictureName(options.first), PictureName(options.second),
+                                           options.channel, caller_for(false));
     std::string table = "channel         largest           mean  PSNR (dB)\n";
     for (const auto& [channel, difference] : found.channels) table += row_of(channel, difference);
     print(table + row_of("overall", found.overall));

@@ -14,6 +14,7 @@
 #include "Progress.h"
 #include "Signals.h"
 #include "Terminal.h"
+#include "Usage.h"
 #include "ZoImage/Iop.h"
 #include "shot/Errors.h"
 #include "shot/files/AtomicFile.h"
@@ -35,6 +36,7 @@ struct Options {
     std::string shot_frames;
     std::string stage;
     FormatOptions format;
+    std::string keep;
     int threads = 0;
     bool no_provenance = false;
     bool stats = false;
@@ -49,6 +51,7 @@ KeyPlan plan_for(const Options& options, const FrameRange& frames) {
     plan.outputs = parse_outputs(options.outputs);
     plan.write.overwrite = options.overwrite || options.resume;
     options.format.apply_to(plan.write);
+    plan.write.layers = !options.keep.empty();
     if (!options.no_provenance) plan.program = "veloxa " VELOXA_VERSION;
     plan.resume = options.resume;
     plan.threads = options.threads;
@@ -169,6 +172,7 @@ std::string table_of(const KeyStats& stats) {
 int key(const Options& options) {
     Caller caller = caller_for(options.quiet);
     KeySetup setup(options.setup, caller);
+    if (!options.keep.empty()) setup.loader().keep_layers();
     const KeyPlan plan = plan_for(options, setup.frames());
     catch_interrupts();
     OIIO::attribute("threads", options.threads);
@@ -216,6 +220,8 @@ constexpr const char* kFooter =
     "Paths with a frame number, as %04d or ####, need --frames; inputs without one are the same in every "
     "frame. Knobs are set in this order: --script, --set, --pick or --screen, --auto, --stroke; --auto "
     "leaves alone what --script and --set name. `veloxa knobs` lists them.\n"
+    "FILE#part=P,layer=L,view=V,channel=C chooses what is read of an input, as plate.####.exr#layer=beauty; "
+    "stands.exr#channel=R,invert makes that channel, inverted, the matte.\n"
     "Boxes and rows count from the bottom left pixel of the foreground's display window.\n"
     "Exit status: 0 when every frame was written, 1 when not, 2 for bad usage, 130 when interrupted.";
 
@@ -251,6 +257,11 @@ void add_rendering(CLI::App& command, Options& options) {
     add_format_options(command, options.format);
     command.add_flag("--no-provenance", options.no_provenance,
                      "Leave program, inputs and settings out of the metadata");
+    command
+        .add_option("--keep", options.keep,
+                    "Write what else the foreground's file holds beside the result, in OpenEXR: other "
+                    "channels, layers and parts, as they are")
+        ->check(OneOf({"layers"}));
     command.add_flag("--resume", options.resume, "Leave out frames whose output is there and whole");
     command.add_flag("--overwrite", options.overwrite, "Replace outputs that exist");
     command.add_flag("--quiet", options.quiet, "Show no progress");

@@ -21,6 +21,7 @@ constexpr const char* kModeKnob = "output_mode";
 Image alpha_alone(const Image& image) {
     Image matte = image;
     matte.info.channels = kAlpha;
+    matte.kept = nullptr;
     for (const Channel c : kMaskRgb) matte.plane(c) = nullptr;
     return matte;
 }
@@ -45,7 +46,9 @@ void check_outputs(const KeyPlan& plan, const FrameLoader::Names& inputs) {
         }
     }
     for (const KeyOutput& output : plan.outputs) {
-        check_writable(output.file.at(plan.frames.first), plan.write);
+        WriteOptions how = plan.write;
+        how.layers = how.layers && output.picture != Picture::kMatte;
+        check_writable(output.file.at(plan.frames.first), how);
     }
 }
 
@@ -148,6 +151,7 @@ Image KeyPipeline::render_picture(const Image& foreground, const std::string& mo
     info.channels = kMaskRgba;
     Image image(info);
     image.header = foreground.header;
+    image.kept = foreground.kept;
     const double part = 1.0 / (info.box.height() * static_cast<double>(modes_.size()));
     const bool complete = renderer_.render(root_, info.box, kMaskRgba, [&](int y, const Row& row) {
         for (const Channel c : kMaskRgba) std::copy_n(row[c], row.width(), image.line(c, y));
