@@ -156,6 +156,7 @@ bool fits_beside(const KeptPart& part, const ImageSpec& result) {
 std::vector<OutputPart> layout_of(const ImageSpec& result, const Image& image) {
     const KeptLayers& kept = *image.kept;
     std::vector<OutputPart> parts{{result, true}};
+    parts.reserve(kept.parts.size() + 1);  // the first is referred to
     ImageSpec& spec = parts.front().spec;
     spec.channelformats.assign(static_cast<std::size_t>(spec.nchannels), spec.format);
     std::vector<std::string> names;
