@@ -28,8 +28,6 @@ if command -v ccache >/dev/null; then
     CCACHE_DIR=$(ccache --get-config cache_dir)
     export CCACHE_DIR
 fi
-jobs=$(nproc)
-export DEB_BUILD_OPTIONS="parallel=$jobs ${DEB_BUILD_OPTIONS-}"
 
 # packages FOLDER NAME: builds in FOLDER/NAME, which takes the packages' place beside it.
 packages() {
@@ -38,7 +36,7 @@ packages() {
     mkdir -p "$tree"
     git archive HEAD | tar -x -C "$tree"
     # --sanitize-env: the caller's umask and sort order leave no trace.
-    if ! (cd "$tree" && dpkg-buildpackage --sanitize-env --no-sign >"$log" 2>&1); then
+    if ! (cd "$tree" && CCACHE_BASEDIR=${CCACHE_BASEDIR-$tree} dpkg-buildpackage --sanitize-env --no-sign >"$log" 2>&1); then
         tail -n 60 "$log" >&2
         echo "tools/deb.sh: the build failed; all of it is in $log" >&2
         return 1
@@ -48,10 +46,10 @@ packages() {
 
 packages "$out" "veloxa-$version"
 if [ -n "$twice" ]; then
-    # The tests change nothing in the packages. The cache keeps apart what each folder's builds made, and may not
-    # take one path for another, or it would hide what differs.
+    # The tests change nothing in the packages. The cache keeps apart what the two builds made, and may not take one
+    # path for another, or it would hide what differs.
     again=$out/again
-    DEB_BUILD_OPTIONS="$DEB_BUILD_OPTIONS nocheck" CCACHE_NAMESPACE=again CCACHE_BASEDIR='' \
+    DEB_BUILD_OPTIONS="${DEB_BUILD_OPTIONS-} nocheck" CCACHE_NAMESPACE=again CCACHE_BASEDIR='' \
         packages "$again" elsewhere/of/another/name
     differ=0
     compared=0
