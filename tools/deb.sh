@@ -23,10 +23,11 @@ if [ "$version" != "$declared" ]; then
 fi
 [ -z "$(git status --porcelain)" ] || echo "What is not committed is left out."
 
-# debhelper gives builds a home of their own; the cache of the compiler's output is elsewhere.
+# Debhelper gives builds a home of their own; the cache of the compiler's output is elsewhere. It may not make paths
+# relative, as its settings can ask for: they would show in the debug information, and so in what depends on it.
 if command -v ccache >/dev/null; then
     CCACHE_DIR=$(ccache --get-config cache_dir)
-    export CCACHE_DIR
+    export CCACHE_DIR CCACHE_BASEDIR=
 fi
 
 # packages FOLDER NAME: builds in FOLDER/NAME, which takes the packages' place beside it.
@@ -36,7 +37,7 @@ packages() {
     mkdir -p "$tree"
     git archive HEAD | tar -x -C "$tree"
     # --sanitize-env: the caller's umask and sort order leave no trace.
-    if ! (cd "$tree" && CCACHE_BASEDIR=${CCACHE_BASEDIR-$tree} dpkg-buildpackage --sanitize-env --no-sign >"$log" 2>&1); then
+    if ! (cd "$tree" && dpkg-buildpackage --sanitize-env --no-sign >"$log" 2>&1); then
         tail -n 60 "$log" >&2
         echo "tools/deb.sh: the build failed; all of it is in $log" >&2
         return 1
@@ -46,10 +47,10 @@ packages() {
 
 packages "$out" "veloxa-$version"
 if [ -n "$twice" ]; then
-    # The tests change nothing in the packages. The cache keeps apart what the two builds made, and may not take one
-    # path for another, or it would hide what differs.
+    # The tests change nothing in the packages. The cache keeps apart what the two builds made, or it would hide what
+    # differs.
     again=$out/again
-    DEB_BUILD_OPTIONS="${DEB_BUILD_OPTIONS-} nocheck" CCACHE_NAMESPACE=again CCACHE_BASEDIR='' \
+    DEB_BUILD_OPTIONS="${DEB_BUILD_OPTIONS-} nocheck" CCACHE_NAMESPACE=again \
         packages "$again" elsewhere/of/another/name
     differ=0
     compared=0
