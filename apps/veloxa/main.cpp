@@ -4,6 +4,7 @@
 #include <string>
 
 #include "Commands.h"
+#include "Program.h"
 #include "Signals.h"
 #include "Terminal.h"
 #include "shot/Errors.h"
@@ -17,10 +18,7 @@ std::string usage_message(const CLI::App& app, const CLI::ParseError& error, con
     if (!chosen.empty()) {
         return std::string(error.what()) + "; see veloxa " + chosen.front()->get_name() + " --help";
     }
-    std::string names;
-    for (const CLI::App* command : app.get_subcommands({})) {
-        names += (names.empty() ? "" : ", ") + command->get_name();
-    }
+    const std::string names = veloxa::command_names(app);
     if (first.starts_with("-")) return first + ": a command comes first: " + names + "; see veloxa --help";
     if (first.empty()) return "a command is needed: " + names + "; see veloxa --help";
     return first + ": there is no such command; there are " + names;
@@ -31,16 +29,9 @@ std::string usage_message(const CLI::App& app, const CLI::ParseError& error, con
 int main(int argc, char** argv) {
     veloxa::silence_library();
     veloxa::report_aborts();
-    CLI::App app("Colour-difference keyer for stills and image sequences.", "veloxa");
-    app.set_version_flag("--version", "veloxa " VELOXA_VERSION);
-    app.require_subcommand(1);
+    CLI::App app;
     veloxa::Run run;
-    for (const auto add :
-         {veloxa::add_key_command, veloxa::add_analyse_command, veloxa::add_knobs_command,
-          veloxa::add_controls_command, veloxa::add_cleanplate_command, veloxa::add_tune_command,
-          veloxa::add_plate_command, veloxa::add_compare_command, veloxa::add_score_command}) {
-        add(app, run);
-    }
+    veloxa::add_program(app, run);
     try {
         app.parse(argc, argv);
         return run();
