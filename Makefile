@@ -19,7 +19,7 @@ bundle: deps
 
 install: deps
 	cmake --preset release
-	cmake --build --preset release --target veloxa Veloxa veloxa_ofx
+	cmake --build --preset release --target veloxa Veloxa veloxa_ofx pages
 	cmake --install build --prefix "$(PREFIX)"
 
 deps:

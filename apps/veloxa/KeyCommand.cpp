@@ -1,15 +1,13 @@
 // veloxa key: keys a still or a sequence.
 #include <OpenImageIO/imageio.h>
-#include <cxxabi.h>
-#include <sys/resource.h>
 
-#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <memory>
 
 #include "Commands.h"
+#include "DryRun.h"
+#include "KeyReport.h"
 #include "Options.h"
 #include "Progress.h"
 #include "Signals.h"
@@ -37,6 +35,8 @@ struct Options {
     std::string depth;
     int threads = 0;
     bool stats = false;
+    bool json = false;
+    bool dry_run = false;
     bool resume = false;
     bool overwrite = false;
     bool quiet = false;
@@ -93,53 +93,12 @@ void settle_shot(const Options& options, KeySetup& setup, const Caller& caller) 
                 std::to_string(range.first) + "-" + std::to_string(range.last));
 }
 
-double milliseconds(std::chrono::nanoseconds time, int frames) {
-    return std::chrono::duration<double, std::milli>(time).count() / std::max(frames, 1);
-}
-
-// Member names down from the node's own operators; the node and its inputs have none.
-std::string name_of(const Iop& op) {
-    if (op.member_name().empty()) return op.context().node_name;
-    const Op* owner = op.parent();
-    const bool nested = owner && !owner->member_name().empty();
-    return (nested ? owner->member_name() + "." : std::string()) + op.member_name();
-}
-
-// Some classes go by the platform's name of their type, which starts with its length.
-std::string class_of(const Iop& op) {
-    std::string name = op.class_name();
-    if (name.find_first_of("0123456789") != 0) return name;
-    int failed = 0;
-    const std::unique_ptr<char, decltype(&std::free)> readable(
-        abi::__cxa_demangle(name.c_str(), nullptr, nullptr, &failed), &std::free);
-    return failed == 0 ? readable.get() : name;
-}
-
-// What --stats prints: one line an operator with its name, class, rows, rows over the frames' rows,
-// milliseconds a frame (of all threads); then milliseconds a frame of reading, keying and writing, and the
-// most memory that the program has had at a time.
-std::string table_of(const KeyStats& stats) {
-    char line[160];
-    std::snprintf(line, sizeof line, "%-24s %-22s %10s %7s %10s\n", "operator", "class", "rows", "ratio",
-                  "ms/frame");
-    std::string table = line;
-    for (const OpStats& one : stats.ops) {
-        const double ratio = stats.frame_rows > 0
-                                 ? static_cast<double>(one.rows) / static_cast<double>(stats.frame_rows)
-                                 : 0.0;
-        std::snprintf(line, sizeof line, "%-24s %-22s %10lld %7.3f %10.2f\n", name_of(*one.op).c_str(),
-                      class_of(*one.op).c_str(), static_cast<long long>(one.rows), ratio,
-                      milliseconds(one.time, stats.frames));
-        table += line;
-    }
-    std::snprintf(line, sizeof line, "%d frames: read %.2f ms, key %.2f ms, write %.2f ms a frame\n",
-                  stats.frames, milliseconds(stats.read, stats.frames), milliseconds(stats.key, stats.frames),
-                  milliseconds(stats.write, stats.frames));
-    table += line;
-    struct rusage usage {};
-    ::getrusage(RUSAGE_SELF, &usage);
-    std::snprintf(line, sizeof line, "peak memory %ld MB\n", usage.ru_maxrss / 1024);
-    return table + line;
+int dry_run(const Options& options, const KeyPlan& plan, KeySetup& setup) {
+    Preview preview = preview_of(setup, options.setup);
+    preview.read("shot", options.shot);
+    preview.make(plan.output, plan.write.overwrite, inputs_of(setup.names()));
+    preview.make(options.save_script, plan.write.overwrite);
+    return show(preview);
 }
 
 int key(const Options& options) {
@@ -152,6 +111,7 @@ int key(const Options& options) {
 
     Node& node = setup.node();
     Iop& root = options.stage.empty() ? node.image() : node.member(options.stage);
+    if (options.dry_run) return dry_run(options, plan, setup);
     check_outputs(plan, setup.names());
     const std::string beside = options.save_script.empty() ? "" : shot_beside(options.save_script);
     if (!beside.empty() && beside == options.save_script) {
@@ -183,7 +143,7 @@ int key(const Options& options) {
         stats = pipeline.stats();
         stats.read += read_ahead;
     }
-    if (options.stats) std::fputs(table_of(stats).c_str(), stderr);
+    if (options.stats) std::fputs((options.json ? stats_json(stats) : stats_table(stats)).c_str(), stderr);
     return good ? kExitOk : kExitFailure;
 }
 
@@ -217,11 +177,14 @@ void add_rendering(CLI::App& command, Options& options) {
         .add_option("--stage", options.stage,
                     "Write an internal operator's rows instead, on the working scale")
         ->type_name("MEMBER");
-    command.add_flag("--stats", options.stats, "Print rows and time per operator");
+    CLI::Option* const stats =
+        command.add_flag("--stats", options.stats, "Print rows and time per operator on standard error");
+    command.add_flag("--json", options.json, "Print what --stats prints as JSON")->needs(stats);
     add_depth_option(command, options.depth);
     command.add_flag("--resume", options.resume, "Leave out frames whose output is there and whole");
     command.add_flag("--overwrite", options.overwrite, "Replace outputs that exist");
     command.add_flag("--quiet", options.quiet, "Show no progress");
+    add_dry_run_option(command, options.dry_run);
 }
 
 }  // namespace

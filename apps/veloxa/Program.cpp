@@ -23,9 +23,8 @@ void add_version(CLI::App& app) {
     CLI::Option* const more =
         app.add_flag("--verbose", *verbose,
                      "With --version: also the compiler, the form of the arithmetic, the formats of files");
-    CLI::Option* const version =
-        app.set_version_flag("--version", [verbose] { return version_text(*verbose); },
-                             "Print the version and exit");
+    CLI::Option* const version = app.set_version_flag(
+        "--version", [verbose] { return version_text(*verbose); }, "Print the version and exit");
     more->needs(version);
 }
 

@@ -17,9 +17,7 @@ constexpr const char* kCompiler = __VERSION__;
 constexpr const char* kCompiler = "GCC " __VERSION__;
 #endif
 
-std::string lanes() try {
-    return Node().image().diagnostic("lanes");
-} catch (const std::exception& error) {
+std::string lanes() try { return Node().image().diagnostic("lanes"); } catch (const std::exception& error) {
     return error.what();
 }
 

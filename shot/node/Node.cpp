@@ -94,8 +94,16 @@ Iop& Node::member(const std::string& name) const {
     Op* op = op_->child(name);
     if (op && op->as_iop()) return *op->as_iop();
     std::string names;
-    for (const Op* child : op_->children()) names += (names.empty() ? "" : ", ") + child->member_name();
+    for (const std::string& one : members()) names += (names.empty() ? "" : ", ") + one;
     throw UsageError("--stage " + name + ": there is no such operator; there are " + names);
+}
+
+std::vector<std::string> Node::members() const {
+    std::vector<std::string> names;
+    for (Op* child : op_->children()) {
+        if (child->as_iop()) names.push_back(child->member_name());
+    }
+    return names;
 }
 
 }  // namespace veloxa
