@@ -21,8 +21,8 @@ _veloxa_reply() {
 # Items with blanks are quoted as they would be typed.
 _veloxa_items() {
     local item items=()
-    for item in "$@"; do items+=("$(printf %q "$item")");
-done _veloxa_reply "${items[@]}"
+    for item in "$@"; do items+=("$(printf %q "$item")"); done
+    _veloxa_reply "${items[@]}"
 }
 
 _veloxa_files() {
@@ -99,7 +99,7 @@ std::string case_of(const CommandText& command, const OptionText& option, const 
     for (const std::string& name : option.names) {
         pattern += (pattern.empty() ? "" : "|") + command.name + ":" + name;
     }
-    return "        " + pattern + ") " + action(option, all) + " && return ;;\n";
+    return "        " + pattern + ") " + action(option, all) + "; return ;;\n";
 }
 
 std::string names_of(const CommandText& command) {

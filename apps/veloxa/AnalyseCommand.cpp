@@ -1,5 +1,6 @@
 // veloxa analyse: measures a shot, so that its frames are keyed alike.
 #include <memory>
+#include <string>
 
 #include "Commands.h"
 #include "DryRun.h"
@@ -60,7 +61,7 @@ constexpr const char* kFooter =
 
 void add_analyse_command(CLI::App& app, Run& run) {
     CLI::App* command = app.add_subcommand("analyse", "Measure a shot, so that its frames are keyed alike.");
-    command->footer(kFooter);
+    command->footer(std::string(kSetupOrder) + "\n" + kFooter);
     auto options = std::make_shared<Options>();
     add_setup_options(*command, options->setup);
     command->add_option("-o,--output", options->output, "What was measured, as text")

@@ -65,7 +65,8 @@ std::string json_of(const CleanPlateReport& report, const FramePattern& name) {
     return all.dump(2) + "\n";
 }
 
-int dry_run(const Options& options, const FramePattern& name, const FrameRange& frames) {
+int dry_run(const Options& options, const FramePattern& name, const FrameRange& frames,
+            const WriteOptions& write) {
     Node node;
     node.apply(options.settings);
     Preview preview(frames);
@@ -73,7 +74,7 @@ int dry_run(const Options& options, const FramePattern& name, const FrameRange& 
     preview.read({&input, 1}, Fit::kRefuse);
     preview.read("script", options.settings.script);
     preview.set(node, options.screen, has_screen_color(node.panel(), options.settings.sets));
-    preview.make(options.output, options.overwrite);
+    preview.make(options.output, write);
     return show(preview);
 }
 
@@ -82,8 +83,8 @@ int make_clean_plate(const Options& options) {
     const FrameRange frames = frames_of(options.frames, {&name, 1});
     if (!options.screen.pick.empty()) parse_box("--pick", options.screen.pick);
     for (int n = 0; n < frames.count(); ++n) refuse_input(options.output, {&name, 1}, frames.at(n));
-    if (options.dry_run) return dry_run(options, name, frames);
     const WriteOptions write{Depth(options.depth), options.overwrite, &interrupt_flag()};
+    if (options.dry_run) return dry_run(options, name, frames, write);
     check_writable(options.output, write);
     catch_interrupts();
 
@@ -108,6 +109,7 @@ constexpr const char* kFooter =
     "Each pixel becomes the median of its values in the frames that show clear backing there, by the region "
     "that the node's knobs make: Screen Correct widens or narrows it. What no frame shows is interpolated "
     "from around it. The camera must be locked off; a shift of the backing above half a pixel is told.\n"
+    "Knobs are set in this order: --script, --set, --pick or --screen.\n"
     "The median is exact. Where a sequence's samples would take more than --memory, the picture is worked on "
     "in strips of rows, and the frames are read once a strip.\n"
     "Exit status: 0, or 1 when a frame could not be used (the others still are) or nothing could be made.";

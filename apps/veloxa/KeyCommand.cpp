@@ -96,7 +96,7 @@ void settle_shot(const Options& options, KeySetup& setup, const Caller& caller) 
 int dry_run(const Options& options, const KeyPlan& plan, KeySetup& setup) {
     Preview preview = preview_of(setup, options.setup);
     preview.read("shot", options.shot);
-    preview.make(plan.output, plan.write.overwrite, inputs_of(setup.names()));
+    preview.make(plan.output, plan.write, inputs_of(setup.names()));
     preview.make(options.save_script, plan.write.overwrite);
     return show(preview);
 }
@@ -149,8 +149,7 @@ int key(const Options& options) {
 
 constexpr const char* kFooter =
     "Paths with a frame number, as %04d or ####, need --frames; inputs without one are the same in every "
-    "frame. Knobs are set in this order: --script, --set, --pick or --screen, --auto, --stroke; --auto "
-    "leaves alone what --script and --set name. `veloxa knobs` lists them.\n"
+    "frame.\n"
     "Boxes and rows count from the bottom left pixel of the foreground's display window.\n"
     "Exit status: 0 when every frame was written, 1 when not, 2 for bad usage, 130 when interrupted.";
 
@@ -191,7 +190,7 @@ void add_rendering(CLI::App& command, Options& options) {
 
 void add_key_command(CLI::App& app, Run& run) {
     CLI::App* command = app.add_subcommand("key", "Key a still or an image sequence.");
-    command->footer(kFooter);
+    command->footer(std::string(kSetupOrder) + "\n" + kFooter);
     auto options = std::make_shared<Options>();
     add_setup_options(*command, options->setup);
     add_rendering(*command, *options);

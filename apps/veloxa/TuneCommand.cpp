@@ -154,7 +154,7 @@ constexpr const char* kFooter =
 
 void add_tune_command(CLI::App& app, Run& run) {
     CLI::App* command = app.add_subcommand("tune", "Set the knobs by strokes of the sampling tools.");
-    command->footer(kFooter);
+    command->footer(std::string(kSetupOrder) + "\n" + kFooter);
     auto options = std::make_shared<Options>();
     add_setup_options(*command, options->setup);
     command

@@ -122,31 +122,48 @@ void Preview::set(const Node& node, const SetupOptions& options) {
     for (const std::string& stroke : options.strokes) sets_.push_back("what the stroke " + stroke + " asks");
 }
 
-void Preview::make(const FramePattern& output, bool replaced, std::span<const NamedPattern> inputs) {
+template <class Check>
+bool Preview::attempt(const Check& check) {
+    try {
+        check();
+        return true;
+    } catch (const Error& error) {
+        faults_.emplace_back(error.what());
+        return false;
+    }
+}
+
+void Preview::make(const FramePattern& output, const WriteOptions& how,
+                   std::span<const NamedPattern> inputs) {
     makes_.push_back(files_text(output, frames_, frames_.count()));
     for (int n = 0; n < frames_.count(); ++n) {
         const std::string path = output.at(frames_.at(n));
         for (const NamedPattern& input : inputs) refuse_input(path, {&input.name, 1}, frames_.at(n));
-        try {
-            AtomicFile::check(path, replaced);
-        } catch (const Error& error) {
-            faults_.emplace_back(error.what());
-            std::error_code ignored;
-            // What is wrong with the folder is so for every frame.
-            if (!std::filesystem::exists(path, ignored)) break;
-        }
-        if (!output.has_frame()) break;
     }
+    const std::size_t before = faults_.size();
+    for (int n = 0; n < (output.has_frame() ? frames_.count() : 1); ++n) {
+        const std::string path = output.at(frames_.at(n));
+        std::error_code ignored;
+        // What is wrong where there is no file yet, with the folder, is wrong for every frame.
+        if (!attempt([&] { AtomicFile::check(path, how.overwrite); }) &&
+            !std::filesystem::exists(path, ignored)) {
+            return;
+        }
+    }
+    WriteOptions again = how;
+    again.overwrite |= faults_.size() > before;  // that was told
+    attempt([&] { check_writable(output.at(frames_.first), again); });
 }
 
-void Preview::make(const std::string& output, bool replaced) {
+void Preview::make(const std::string& output, const WriteOptions& how) {
+    makes_.push_back(output);
+    attempt([&] { check_writable(output, how); });
+}
+
+void Preview::make(const std::string& output, bool overwrite) {
     if (output.empty()) return;
     makes_.push_back(output);
-    try {
-        AtomicFile::check(output, replaced);
-    } catch (const Error& error) {
-        faults_.emplace_back(error.what());
-    }
+    attempt([&] { AtomicFile::check(output, overwrite); });
 }
 
 std::string Preview::text() const {

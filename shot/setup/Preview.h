@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "shot/files/ImageFile.h"
 #include "shot/frames/FramePattern.h"
 #include "shot/image/Fit.h"
 #include "shot/node/Node.h"
@@ -35,17 +36,22 @@ class Preview {
     void set(const Node& node, const ScreenOptions& screen, bool chosen);
     // The same, and what else a set-up does to the knobs.
     void set(const Node& node, const SetupOptions& options);
-    // An output of every frame. `replaced` says that files that exist are no fault. Throws UsageError for one
-    // that is an input.
-    void make(const FramePattern& output, bool replaced, std::span<const NamedPattern> inputs);
-    // An output of the whole run; an empty path for none.
-    void make(const std::string& output, bool replaced);
+    // An image of every frame. Throws UsageError for one that is an input.
+    void make(const FramePattern& output, const WriteOptions& how, std::span<const NamedPattern> inputs);
+    // An image of the whole run.
+    void make(const std::string& output, const WriteOptions& how);
+    // A text; an empty path for none.
+    void make(const std::string& output, bool overwrite);
 
     // "would read", "would set" and "would make", each with its lines.
     std::string text() const;
     const std::vector<std::string>& faults() const { return faults_; }
 
   private:
+    // Runs a check; false, with a fault, when it throws an Error.
+    template <class Check>
+    bool attempt(const Check& check);
+
     FrameRange frames_;
     std::vector<std::string> reads_, sets_, makes_, faults_;
 };
