@@ -20,7 +20,7 @@ bundle: deps
 
 install: deps
 	cmake --preset release
-	cmake --build --preset release --target veloxa Veloxa veloxa_ofx
+	cmake --build --preset release --target veloxa Veloxa veloxa_ofx pages
 	cmake --install build --prefix "$(PREFIX)"
 
 # Of what is committed, with the tests unless DEB_BUILD_OPTIONS=nocheck.

@@ -12,6 +12,7 @@ packages=(
     g++ cmake ninja-build ccache pkgconf
     libopenimageio-dev libcli11-dev nlohmann-json3-dev
     libgtest-dev libgmock-dev
+    bash-completion zsh fish man-db # their completions and the manual pages are tested in them
     openimageio-tools fonts-dejavu-core # the demo's contact sheet and its labels
 )
 case "${1-}" in

@@ -37,6 +37,12 @@ std::string inputs_text(const FrameLoader::Names& names, int frame) {
 
 }  // namespace
 
+WriteOptions KeyPlan::how_to_write(const KeyOutput& output) const {
+    WriteOptions how = write;
+    how.layers = how.layers && output.picture != Picture::kMatte;
+    return how;
+}
+
 void check_outputs(const KeyPlan& plan, const FrameLoader::Names& inputs) {
     for (int n = 0; n < plan.frames.count(); ++n) {
         for (const KeyOutput& output : plan.outputs) {
@@ -46,9 +52,7 @@ void check_outputs(const KeyPlan& plan, const FrameLoader::Names& inputs) {
         }
     }
     for (const KeyOutput& output : plan.outputs) {
-        WriteOptions how = plan.write;
-        how.layers = how.layers && output.picture != Picture::kMatte;
-        check_writable(output.file.at(plan.frames.first), how);
+        check_writable(output.file.at(plan.frames.first), plan.how_to_write(output));
     }
 }
 
@@ -204,7 +208,7 @@ void KeyPipeline::write(const Keyed& keyed, std::size_t output) {
 }
 
 WriteOptions KeyPipeline::how_to_write(int frame, std::size_t output) const {
-    WriteOptions how = plan_.write;
+    WriteOptions how = plan_.how_to_write(plan_.outputs[output]);
     how.made_by = {plan_.program, inputs_text(loader_.names(), frame), settings_};
     // Nothing is known of what one of the operators, or the foreground, has for alpha.
     if (&root_ != &node_.image() || passes_) return how;
