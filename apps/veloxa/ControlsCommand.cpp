@@ -59,7 +59,8 @@ void add_controls_command(CLI::App& app, Run& run) {
     CLI::App* command = app.add_subcommand("controls", "List the 250 controls, or trace them as commands.");
     command->footer(
         "The listing has a line a control: its stored value, a tab, its name. With --script or --set, in "
-        "this order, the knobs are set and copied into the controls first, as for keying; without them the controls are those of a "
+        "this order, the knobs are set and copied into the controls first, as for keying; without them the "
+        "controls are those of a "
         "new node, before its first frame.");
     auto options = std::make_shared<Options>();
     add_knob_options(*command, options->settings);
