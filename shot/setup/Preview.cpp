@@ -6,6 +6,7 @@
 #include "ZoImage/Knob.h"
 #include "shot/Errors.h"
 #include "shot/files/AtomicFile.h"
+#include "shot/files/FileReader.h"
 #include "shot/files/PictureParts.h"
 #include "shot/setup/KeySetup.h"
 
@@ -26,6 +27,7 @@ std::string files_text(const FramePattern& name, const FrameRange& frames, int f
 
 // Of the display window, from the headers of what is chosen of the file.
 std::string size_of(const std::string& path, const PictureChoice& choice) {
+    const FileReader there(path, nullptr);  // says what is wrong with a file that cannot be read
     const std::vector<OIIO::ImageSpec> parts = parts_of(path);
     const int chosen = select_picture(path, parts, choice, false).part;
     const OIIO::ImageSpec& part = parts.at(static_cast<std::size_t>(chosen));
