@@ -140,7 +140,9 @@ ImageSpec spec_of(const KeptPart& part, const ImageSpec& result) {
             spec.extra_attribs.push_back(*value);
         }
     }
-    spec.tile_width = spec.tile_height = 0;
+    // The library writes rows or tiles in all parts.
+    spec.tile_width = result.tile_width;
+    spec.tile_height = result.tile_height;
     spec.tile_depth = 1;
     return spec;
 }

@@ -60,21 +60,26 @@ TEST_F(KeptLayersTest, ComeOutAsTheyWentIn) {
     write_source(file("in.exr"));
     const struct {
         PictureChoice choice;
-        Box box;   // of the result
+        Box box;  // of the result
+        const char* compression;
+        int tiles;
         int part;  // that the kept channels of the first are in
         std::vector<std::string> kept;
-    } cases[] = {{{}, {0, 0, 4, 3}, 0, {"a.X", "depth.Z", "id.I"}},
-                 {{}, {-1, 0, 4, 3}, 1, {"a.X", "depth.Z", "id.I"}},
-                 {{.layer = "a"}, {0, 0, 4, 3}, 1, {"R", "G", "B", "depth.Z", "id.I"}}};
+    } cases[] = {{{}, {0, 0, 4, 3}, "zip", 0, 0, {"a.X", "depth.Z", "id.I"}},
+                 {{}, {0, 0, 4, 3}, "zips", 16, 0, {"a.X", "depth.Z", "id.I"}},
+                 {{}, {-1, 0, 4, 3}, "zip", 0, 1, {"a.X", "depth.Z", "id.I"}},
+                 {{}, {0, 0, 4, 3}, "dwaa", 0, 1, {"a.X", "depth.Z", "id.I"}},
+                 {{.layer = "a"}, {0, 0, 4, 3}, "zip", 0, 1, {"R", "G", "B", "depth.Z", "id.I"}}};
     for (const auto& c : cases) {
-        const std::string which = c.choice.layer + size_text(c.box);
+        const std::string which = c.choice.layer + size_text(c.box) + c.compression;
         Image image = test::image_of(c.box, {0, 0, 4, 3}, kMaskRgba, [](Channel channel, int x, int y) {
             return static_cast<float>(x + 10 * y + 100 * channel);
         });
         image.kept = std::make_shared<const KeptLayers>(read_kept_layers(file("in.exr"), c.choice, nullptr));
+        WriteOptions how{.depth = Depth::FLOAT, .compression = c.compression, .overwrite = true};
+        how.tile_width = how.tile_height = c.tiles;
         EXPECT_THAT(image.kept->left_out, testing::IsEmpty());
-        ASSERT_EQ(write_image(file("out.exr"), image, {.depth = Depth::FLOAT, .overwrite = true}), "")
-            << which;
+        ASSERT_EQ(write_image(file("out.exr"), image, how), "") << which;
         for (const std::string& name : c.kept) {
             EXPECT_EQ(channel_in(file("out.exr"), c.part, name), channel_in(file("in.exr"), 0, name))
                 << which;
