@@ -335,6 +335,7 @@ bool write_with_layers(OIIO::ImageOutput& output, const std::string& path, const
                        const Image& image, const FileRows& rows, const AbortFlag* abort) {
     const std::vector<OutputPart> parts = layout_of(result, image);
     std::vector<ImageSpec> specs;
+    specs.reserve(parts.size());
     for (const OutputPart& part : parts) specs.push_back(part.spec);
     if (!output.open(path, static_cast<int>(specs.size()), specs.data())) return false;
     for (std::size_t n = 0; n < parts.size(); ++n) {
