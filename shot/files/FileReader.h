@@ -58,7 +58,7 @@ class FileReader {
     void each_row(const Span& span, const Take& take);
     // The same with bytes: samples of the type, or, for an unknown one, each channel's as the file has them.
     template <class Take>
-    void each_row_as(OIIO::TypeDesc type, const Span& span, const Take& take);
+    void each_row_as(const OIIO::TypeDesc& type, const Span& span, const Take& take);
 
   private:
     void read_rows(int from_row, int to_row, const Span& span, OIIO::TypeDesc type, void* into);
@@ -80,7 +80,7 @@ void FileReader::each_row(const Span& span, const Take& take) {
 }
 
 template <class Take>
-void FileReader::each_row_as(OIIO::TypeDesc type, const Span& span, const Take& take) {
+void FileReader::each_row_as(const OIIO::TypeDesc& type, const Span& span, const Take& take) {
     const std::size_t pixel = type == OIIO::TypeDesc::UNKNOWN
                                   ? spec().pixel_bytes(span.first, span.last, true)
                                   : type.size() * static_cast<std::size_t>(span.last - span.first);

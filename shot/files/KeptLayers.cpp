@@ -140,7 +140,9 @@ ImageSpec spec_of(const KeptPart& part, const ImageSpec& result) {
             spec.extra_attribs.push_back(*value);
         }
     }
-    spec.tile_width = spec.tile_height = 0;
+    // The library writes rows or tiles in all parts.
+    spec.tile_width = result.tile_width;
+    spec.tile_height = result.tile_height;
     spec.tile_depth = 1;
     return spec;
 }
@@ -333,6 +335,7 @@ bool write_with_layers(OIIO::ImageOutput& output, const std::string& path, const
                        const Image& image, const FileRows& rows, const AbortFlag* abort) {
     const std::vector<OutputPart> parts = layout_of(result, image);
     std::vector<ImageSpec> specs;
+    specs.reserve(parts.size());
     for (const OutputPart& part : parts) specs.push_back(part.spec);
     if (!output.open(path, static_cast<int>(specs.size()), specs.data())) return false;
     for (std::size_t n = 0; n < parts.size(); ++n) {

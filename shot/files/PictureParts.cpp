@@ -7,10 +7,13 @@
 #include <string_view>
 #include <utility>
 
+#include "ZoImage/NearestName.h"
 #include "shot/Errors.h"
 #include "shot/files/ImageLibrary.h"
 
 namespace veloxa {
+
+using Zo::Image::nearest_name;
 
 namespace {
 
@@ -112,6 +115,12 @@ std::string way_to(const std::string& path, const std::string& key, const std::s
     return path + '#' + key + '=' + value;
 }
 
+// The nearest of the names, else the first.
+std::string meant(const std::string& name, const std::vector<std::string>& names) {
+    const std::string_view nearest = nearest_name(name, names);
+    return nearest.empty() ? names.front() : std::string(nearest);
+}
+
 template <class Fits>
 void keep_those(Groups& groups, const Fits& fits) {
     std::erase_if(groups, [&](const Group& group) { return !fits(group); });
@@ -127,7 +136,7 @@ void narrow(const std::string& path, Groups& groups, const char* key, const std:
     const std::string none = std::string("has no ") + key + " " + value;
     if (all.empty()) throw Error(path, none + ", nor a name of any " + key);
     if (std::ranges::find(all, value) != all.end()) throw Error(path, none + " where the other choices are");
-    throw Error(path, none + "; there are " + listed(all) + ": " + way_to(path, key, all.front()));
+    throw Error(path, none + "; there are " + listed(all) + ": " + way_to(path, key, meant(value, all)));
 }
 
 bool has_layer(const Group& group, const std::string& layer) {
@@ -171,7 +180,7 @@ void narrow_to_channel(const std::string& path, const std::string& channel, Grou
     groups = whole.empty() ? std::move(ends) : std::move(whole);
     if (!groups.empty()) return;
     throw Error(path, "has no channel " + channel + "; there are " + listed(names) + ": " +
-                          way_to(path, "channel", names.front()));
+                          way_to(path, "channel", meant(channel, names)));
 }
 
 // What comes first by itself.

@@ -70,6 +70,8 @@ TEST_F(PictureParts, TheChoiceSaysWhatIsRead) {
         {"layers.exr#channel=a.b.B", {8, 8, 8, 0}, 8, ""},
         {"layers.exr#channel=R", {1, 1, 1, 0}, 1, ""},
         {"layers.exr#channel=V", {9, 9, 9, 0}, 9, ""},
+        {"layers.exr#layer=a.c.b", {}, 0, "has no layer a.c.b; there are a.b, d: layers.exr#layer=a.b"},
+        {"layers.exr#channel=d.W", {}, 0, ": layers.exr#channel=d.V"},
         {"parts.exr",
          {1, 2, 3, 0},
          1,
@@ -77,7 +79,7 @@ TEST_F(PictureParts, TheChoiceSaysWhatIsRead) {
         {"parts.exr#part=1", {9, 9, 9, 8}, 8, ""},  // its name goes before another's number
         {"parts.exr#part=cam2", {4, 5, 6, 0}, 4, ""},
         {"parts.exr#part=0", {1, 2, 3, 0}, 1, ""},
-        {"parts.exr#part=3", {}, 0, "has no part 3; there are cam, cam2, 1: parts.exr#part=cam"},
+        {"parts.exr#part=3", {}, 0, "has no part 3; there are cam, cam2, 1: parts.exr#part="},
         {"parts.exr#layer=key", {9, 9, 9, 8}, 8, ""},
         {"parts.exr#view=right", {4, 5, 6, 0}, 4, ""},
         {"parts.exr#layer=cam2", {4, 5, 6, 0}, 4, ""},
