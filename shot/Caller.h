@@ -15,7 +15,8 @@ struct Caller {
     std::function<void(const std::string&)> warn = [](const std::string&) {};
     // Takes a line about something that was found out and went well.
     std::function<void(const std::string&)> tell = [](const std::string&) {};
-    // Takes how many frames are done, a frame's rows as parts of one, and how many there are.
+    // Takes how many frames are done, a frame's rows as parts of one, and how many there are, 0 where nobody
+    // knows.
     std::function<void(double, int)> progress = [](double, int) {};
 };
 

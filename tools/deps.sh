@@ -11,8 +11,10 @@ set -euo pipefail
 packages=(
     g++ cmake ninja-build ccache pkgconf
     libopenimageio-dev libcli11-dev nlohmann-json3-dev
+    libavformat-dev libavcodec-dev libavutil-dev # streams of frames
     libgtest-dev libgmock-dev
     bash-completion zsh fish man-db # their completions and the manual pages are tested in them
+    ffmpeg # the tests' other end of a stream
     openimageio-tools fonts-dejavu-core # the demo's contact sheet and its labels
 )
 case "${1-}" in

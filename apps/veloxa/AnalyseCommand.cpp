@@ -31,6 +31,9 @@ int analyse(const Options& options) {
     catch_interrupts();
     const Caller caller = caller_for(options.quiet);
     KeySetup setup(options.setup, caller);
+    if (setup.loader().has_stream()) {
+        throw UsageError("standard input is read once, and analyse reads frames twice; give it files");
+    }
     for (int n = 0; n < setup.frames().count(); ++n) {
         refuse_input(options.output, setup.names(), setup.frames().at(n));
     }

@@ -10,6 +10,7 @@
 #include "Progress.h"
 #include "Signals.h"
 #include "Terminal.h"
+#include "shot/Errors.h"
 #include "shot/cleanplate/CleanPlate.h"
 #include "shot/files/ImageFile.h"
 
@@ -80,6 +81,9 @@ int dry_run(const Options& options, const PictureName& name, const FrameRange& f
 
 int make_clean_plate(const Options& options) {
     const PictureName name(options.foreground);
+    if (name.is_stream()) {
+        throw UsageError("standard input is read once, and cleanplate reads frames twice; give it files");
+    }
     const FrameRange frames = frames_of(options.frames, {&name, 1});
     if (!options.screen.pick.empty()) parse_box("--pick", options.screen.pick);
     for (int n = 0; n < frames.count(); ++n) refuse_input(options.output, {&name, 1}, frames.at(n));

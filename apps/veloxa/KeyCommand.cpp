@@ -1,5 +1,6 @@
 // veloxa key: keys a still or a sequence.
 #include <OpenImageIO/imageio.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -57,10 +58,14 @@ KeyPlan plan_for(const Options& options, const FrameRange& frames) {
     plan.threads = options.threads;
     for (const KeyOutput& output : plan.outputs) {
         const FramePattern& file = output.file;
-        if (options.setup.frames.empty() && file.has_frame()) {
+        if (file.is_stream()) refuse_terminal(STDOUT_FILENO, "-o -: standard output");
+        if (file.is_stream() && options.resume) {
+            throw UsageError("--resume: standard output holds nothing that could be resumed");
+        }
+        if (options.setup.frames.empty() && file.has_frame() && !frames.open) {
             throw UsageError(file.name() + ": a frame pattern needs --frames A-B");
         }
-        if (frames.count() > 1 && !file.has_frame()) {
+        if (frames.count() > 1 && !file.has_frame() && !file.is_stream()) {
             throw UsageError(file.name() + ": several frames need a frame pattern such as %04d or ####");
         }
         if (!options.stage.empty() && output.picture != Picture::kNode) {
@@ -68,6 +73,16 @@ KeyPlan plan_for(const Options& options, const FrameRange& frames) {
         }
     }
     return plan;
+}
+
+// What would read the input more than once, or not all of it.
+void refuse_twice(const Options& options) {
+    refuse_terminal(STDIN_FILENO, "standard input");
+    if (!options.shot_frames.empty()) {
+        throw UsageError(
+            "--shot-frames: standard input is read once, so nothing can be measured on it first");
+    }
+    if (options.resume) throw UsageError("--resume: standard input cannot be resumed");
 }
 
 // What a stroke left undone; that it did as it was told needs no line.
@@ -97,6 +112,11 @@ void settle_shot(const Options& options, KeySetup& setup, const Caller& caller) 
         caller.tell(shot_beside(script) + ": the shot is keyed by it");
         return;
     }
+    if (setup.loader().has_stream()) {
+        return caller.warn(
+            "standard input is read once, so the shot is not measured and each frame is keyed by itself; "
+            "--shot FILE keys them alike");
+    }
     const FrameRange range = asked ? parse_frames(options.shot_frames) : setup.frames();
     if (!asked && range.count() < 2) return;
     const auto measured = setup.measure_shot(range, kShotFrames);
@@ -113,6 +133,7 @@ void tell_of_lost_mattes(const Options& options, const KeyPlan& plan, const Node
     for (const KeyOutput& output : plan.outputs) {
         WriteOptions how = plan.write;
         how.alpha = alpha_of(mode_of(output.picture, own));
+        if (output.file.is_stream()) continue;
         const std::string file = output.file.at(plan.frames.first);
         if (output.picture == Picture::kMatte || how.alpha != Alpha::kOpaque || keeps_alpha(file, how))
             continue;
@@ -134,6 +155,8 @@ int key(const Options& options) {
     KeySetup setup(options.setup, caller);
     if (!options.keep.empty()) setup.loader().keep_layers();
     const KeyPlan plan = plan_for(options, setup.frames());
+    if (setup.loader().has_stream()) refuse_twice(options);
+    survive_closed_pipes();
     catch_interrupts();
     OIIO::attribute("threads", options.threads);
     OIIO::attribute("exr_threads", options.threads);
@@ -182,6 +205,9 @@ constexpr const char* kFooter =
     "frame.\n"
     "FILE#part=P,layer=L,view=V,channel=C chooses what is read of an input, as plate.####.exr#layer=beauty; "
     "stands.exr#channel=R,invert makes that channel, inverted, the matte.\n"
+    "One input and one output may be -, a stream of frames on standard input and output: NUT with raw video, "
+    "as `ffmpeg -i in.mov -f nut -c:v rawvideo -pix_fmt rgba64le -` writes and `ffmpeg -f nut -i - out.mov` "
+    "reads it. Its frames are numbered from 1, or from A with --frames A-B, which takes no more than those.\n"
     "Boxes and rows count from the bottom left pixel of the foreground's display window.\n"
     "Exit status: 0 when every frame was written, 1 when not, 2 for bad usage, 130 when interrupted.";
 

@@ -33,8 +33,13 @@ std::string clock_text(double seconds) {
 
 // `done` and `total` are frames, done may be a fraction.
 std::string progress_text(double done, int total, double elapsed, bool bar) {
-    done = std::clamp(done, 0.0, static_cast<double>(total));
+    if (total > 0) done = std::clamp(done, 0.0, static_cast<double>(total));
     const double fps = elapsed > 0.0 ? done / elapsed : 0.0;
+    char text[96];
+    if (total == 0) {  // a stream's; nobody knows
+        std::snprintf(text, sizeof text, "%d frames, %.2f fps", static_cast<int>(done), fps);
+        return text;
+    }
     const std::string left = done > 0.0 ? clock_text(elapsed * (total - done) / done) : "?";
     std::string line;
     if (bar) {
@@ -43,7 +48,6 @@ std::string progress_text(double done, int total, double elapsed, bool bar) {
         line.append(filled, '#').append(kBarWidth - filled, '.');
         line += "] ";
     }
-    char text[96];
     std::snprintf(text, sizeof text, "%d of %d frames, %.2f fps, %s left", static_cast<int>(done), total, fps,
                   left.c_str());
     return line + text;
@@ -68,7 +72,7 @@ void Progress::tick(const std::stop_token& stop) {
     Seconds wait = terminal_ ? kBarAfter : kLineEvery;
     while (!woken_.wait_for(hold, stop, wait, [] { return false; }) && !stop.stop_requested()) {
         wait = terminal_ ? kBarEvery : kLineEvery;
-        if (frames_ == 0) continue;  // nothing has begun
+        if (frames_ < 0) continue;  // nothing has begun
         const double elapsed = Seconds(std::chrono::steady_clock::now() - start).count();
         (terminal_ ? show_status : report)(progress_text(done_, frames_, elapsed, terminal_));
     }

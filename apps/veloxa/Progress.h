@@ -16,7 +16,8 @@ class Progress {
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    // So many frames, rows as parts of one, are done of so many; any thread.
+    // So many frames, rows as parts of one, are done of so many, 0 where nobody knows; any
+    // thread.
     void update(double done, int frames) {
         done_ = done;
         frames_ = frames;
@@ -27,7 +28,7 @@ class Progress {
 
     const bool terminal_;
     std::atomic<double> done_{0.0};
-    std::atomic<int> frames_{0};
+    std::atomic<int> frames_{-1};
     std::mutex mutex_;
     std::condition_variable_any woken_;
     std::jthread ticker_;  // last: it uses the members above

@@ -46,6 +46,10 @@ void catch_interrupts() {
     if (present.sa_handler != SIG_IGN) sigaction(SIGHUP, &action, nullptr);  // nohup means to go on
 }
 
+void survive_closed_pipes() {
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
 void report_aborts() {
     message_file();
     std::signal(SIGABRT, name_file);

@@ -59,6 +59,11 @@ Caller caller_for(bool quiet) {
     return caller;
 }
 
+void refuse_terminal(int file, const std::string& what) {
+    if (::isatty(file) == 1)
+        throw UsageError(what + " is a terminal; a stream of frames goes through a pipe");
+}
+
 void print(std::string_view text) {
     show_status("");
     const bool whole = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();

@@ -1,6 +1,7 @@
 // What the program prints.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "shot/Caller.h"
@@ -19,6 +20,9 @@ void show_status(std::string_view line);
 
 // Has work end at Ctrl-C and prints what it warns of and, unless `quiet`, tells. It shows no progress.
 Caller caller_for(bool quiet);
+
+// Throws UsageError, WHAT is a terminal, where the file descriptor is one.
+void refuse_terminal(int file, const std::string& what);
 
 // Prints to standard output, clearing the status line. Throws Error when that cannot be written.
 void print(std::string_view text);

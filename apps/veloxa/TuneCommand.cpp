@@ -1,4 +1,6 @@
 // veloxa tune: sets the knobs from strokes and saves them as a script.
+#include <unistd.h>
+
 #include <algorithm>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -135,6 +137,7 @@ int tune(const Options& options) {
         return show(preview);
     }
     if (!options.output.empty()) AtomicFile::check(options.output, options.overwrite);
+    if (setup.loader().has_stream()) refuse_terminal(STDIN_FILENO, "standard input");
     const KnobValues before(setup.node().panel());
     setup.prepare();
     if (!options.output.empty()) setup.node().save_script(options.output, options.overwrite);

@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <string_view>
 
+#include "shot/movie/MovieFile.h"
+
 namespace veloxa {
 
 using namespace Zo::Image;
@@ -31,6 +33,10 @@ FileReader::FileReader(const std::string& path, const AbortFlag* abort)
     OIIO::ImageSpec config;
     config.attribute("oiio:UnassociatedAlpha", 1);
     input_ = OIIO::ImageInput::open(path_, &config);
+    if (!input_ || std::string_view(input_->format_name()) == "FFmpeg movie") {
+        const std::string movie = movie_to_read(path_, "fg");
+        if (!movie.empty()) throw MovieError(path_, movie);
+    }
     if (!input_) throw Error(path_, tidy_message(OIIO::geterror(), path_, "cannot be opened"));
     if (std::string_view(input_->format_name()) == "null") throw Error(path_, "is no image file");
 }

@@ -75,6 +75,14 @@ FileRows::FileRows(const Image& image, const OIIO::ImageOutput& output, const Wr
     box_ = format == "openexr" ? image.info.box : image.info.format.box;
 }
 
+FileRows::FileRows(const Image& image, Alpha alpha) : image_(image), box_(image.info.format.box) {
+    for (const Channel c : kMaskRgba) {
+        if (image.has(c) && (c != kAlpha || alpha != Alpha::kOpaque || !image.has(kRed)))
+            channels_.push_back(c);
+    }
+    divides_ = alpha == Alpha::kPremultiplied && channels_.size() == 4;
+}
+
 template <class Sample>
 void FileRows::fill(int n, Sample* row, Sample* samples) const {
     const Box& from = image_.info.box;

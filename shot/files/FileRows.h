@@ -21,6 +21,9 @@ class FileRows {
     // What this writer's format holds of the image: channels that it knows and needs, and the data window or,
     // where the format has none, the display window. Refers to the image.
     FileRows(const Image& image, const OIIO::ImageOutput& output, const WriteOptions& options);
+    // What a stream of frames holds of it: all channels that it needs, alpha apart from colour, and the
+    // display window.
+    FileRows(const Image& image, Alpha alpha);
 
     const std::vector<Zo::Image::Channel>& channels() const { return channels_; }
     const Zo::Image::Box& box() const { return box_; }

@@ -17,6 +17,7 @@
 #include "shot/files/ImageLibrary.h"
 #include "shot/files/KeptLayers.h"
 #include "shot/files/Metadata.h"
+#include "shot/movie/MovieFile.h"
 
 namespace veloxa {
 
@@ -26,6 +27,8 @@ namespace {
 
 std::unique_ptr<OIIO::ImageOutput> writer_for(const std::string& path) {
     auto output = OIIO::ImageOutput::create(path);
+    const std::string movie = output ? "" : movie_to_write(path);
+    if (!movie.empty()) throw Error(path, movie);
     if (!output) throw Error(path, tidy_message(OIIO::geterror(), path, "cannot be written"));
     const std::string_view format = output->format_name();
     if (format == "null" || format == "term") throw Error(path, "has no extension of an image format");

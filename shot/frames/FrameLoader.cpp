@@ -8,6 +8,7 @@
 #include "shot/Errors.h"
 #include "shot/files/ImageFile.h"
 #include "shot/files/KeptLayers.h"
+#include "shot/movie/MovieFile.h"
 
 namespace veloxa {
 
@@ -44,16 +45,10 @@ bool is_one_everywhere(const Image& image, Channel c) {
 
 }  // namespace
 
-FrameLoader::FrameLoader(Names names, Fit fit, Caller caller)
-    : names_(std::move(names)), fit_(fit), caller_(std::move(caller)) {
-    for (std::size_t n = 0; n < kInputCount; ++n) {
-        if (names_[n].choice().invert && !is_matte(n)) refuse_invert(names_[n].name());
-    }
-}
-
 void FrameLoader::check_choices(int frame) const {
     for (std::size_t n = 0; n < kInputCount; ++n) {
-        if (!names_[n].empty()) check_choice(names_[n].at(frame), names_[n].choice(), is_matte(n));
+        if (!names_[n].empty() && n != streamed_)
+            check_choice(names_[n].at(frame), names_[n].choice(), is_matte(n));
     }
 }
 
@@ -81,7 +76,7 @@ void FrameLoader::keep(const std::string& path, Image& image) {
     }
 }
 
-LoadedInput FrameLoader::read(Input input, int frame) {
+LoadedInput FrameLoader::read(Input input, int frame) try {
     const std::string path = names_[input].at(frame);
     const PictureChoice& choice = names_[input].choice();
     const bool matte = is_matte(input);
@@ -90,6 +85,8 @@ LoadedInput FrameLoader::read(Input input, int frame) {
     warn(input, path, image);
     if (input == kFg && keep_layers_) keep(path, image);
     return {std::make_shared<const Image>(std::move(image)), identity};
+} catch (const MovieError& movie) {
+    throw Error(movie.path(), movie_to_read(movie.path(), kInputNames[input]));
 }
 
 LoadedInput FrameLoader::fitted_to(const LoadedInput& loaded, const Format& format,
@@ -100,15 +97,39 @@ LoadedInput FrameLoader::fitted_to(const LoadedInput& loaded, const Format& form
     return result;
 }
 
+FrameLoader::FrameLoader(Names names, Fit fit, Caller caller, const FrameRange& frames)
+    : names_(std::move(names)), fit_(fit), frames_(frames), caller_(std::move(caller)) {
+    for (std::size_t n = 0; n < kInputCount; ++n) {
+        if (names_[n].choice().invert && !is_matte(n)) refuse_invert(names_[n].name());
+        if (!names_[n].is_stream()) continue;
+        if (has_stream()) {
+            throw UsageError(std::string("--") + kInputNames[n] + " -: standard input is --" +
+                             kInputNames[streamed_] + " already");
+        }
+        if (!names_[n].choice().empty()) {
+            throw UsageError(std::string("--") + kInputNames[n] + ": a stream has no parts to choose from");
+        }
+        streamed_ = n;
+    }
+}
+
 void FrameLoader::load_stills() {
     for (std::size_t n = 0; n < kInputCount; ++n) {
-        if (names_[n].empty() || names_[n].has_frame()) continue;
+        if (names_[n].empty() || names_[n].has_frame() || n == streamed_) continue;
         stills_[n] = read(static_cast<Input>(n), 0);
     }
+    if (!has_stream()) return;
+    const bool matte = is_matte(streamed_);
+    using Use = StreamInput::Use;
+    stream_ = std::make_unique<StreamInput>(frames_, matte ? Use::kMatte : Use::kColour, caller_);
 }
 
 std::shared_ptr<const Image> FrameLoader::foreground(int frame) {
     if (stills_[kFg].image) return stills_[kFg].image;
+    if (streamed_ == kFg) {
+        reach(frame);
+        return stream_->frame().image;
+    }
     if (ahead_.image && ahead_frame_ == frame) return ahead_.image;
     ahead_ = read(kFg, frame);
     ahead_frame_ = frame;
@@ -116,8 +137,11 @@ std::shared_ptr<const Image> FrameLoader::foreground(int frame) {
 }
 
 FrameInputs FrameLoader::load(int frame) {
+    reach(frame);
     FrameInputs inputs;
-    if (stills_[kFg].image) {
+    if (streamed_ == kFg) {
+        inputs[kFg] = stream_->frame();
+    } else if (stills_[kFg].image) {
         inputs[kFg] = stills_[kFg];
     } else if (ahead_.image && ahead_frame_ == frame) {
         inputs[kFg] = std::exchange(ahead_, {});
@@ -130,6 +154,10 @@ FrameInputs FrameLoader::load(int frame) {
     for (std::size_t n = kCp; n < kInputCount; ++n) {
         if (names_[n].empty()) continue;
         const std::string file = names_[n].at(frame);
+        if (n == streamed_) {
+            inputs[n] = fitted_to(stream_->frame(), format, file);
+            continue;
+        }
         if (names_[n].has_frame()) {
             inputs[n] = fitted_to(read(static_cast<Input>(n), frame), format, file);
             continue;

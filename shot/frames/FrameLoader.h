@@ -6,7 +6,9 @@
 
 #include "ZoImage/Hash.h"
 #include "shot/Caller.h"
+#include "shot/frames/LoadedInput.h"
 #include "shot/frames/PictureName.h"
+#include "shot/frames/StreamInput.h"
 #include "shot/image/Fit.h"
 #include "shot/image/Image.h"
 
@@ -16,19 +18,16 @@ namespace veloxa {
 enum Input : std::size_t { kFg, kCp, kBg, kGm, kHm, kInputCount };
 inline constexpr std::array<const char*, kInputCount> kInputNames{"fg", "cp", "bg", "gm", "hm"};
 
-struct LoadedInput {
-    std::shared_ptr<const Image> image;  // null for an input that is not used
-    Zo::Image::Hash identity;            // names the pixels
-};
 using FrameInputs = std::array<LoadedInput, kInputCount>;
 
-// Inputs without a frame number in their name are loaded once. One thread at a time.
+// Inputs without a frame number in their name are loaded once; one may be standard input, which carries a
+// stream of frames. One thread at a time, but for stop().
 class FrameLoader {
   public:
     using Names = std::array<PictureName, kInputCount>;  // empty for inputs that are not used
 
-    // Throws UsageError where a colour input is to be inverted.
-    FrameLoader(Names names, Fit fit, Caller caller);
+    // Throws UsageError where a colour input is to be inverted, and where two inputs are the stream.
+    FrameLoader(Names names, Fit fit, Caller caller, const FrameRange& frames = {});
 
     // Has foregrounds carry what else their files hold; see Image::kept.
     void keep_layers() { keep_layers_ = true; }
@@ -37,8 +36,21 @@ class FrameLoader {
     void check_choices(int frame) const;
 
     const Names& names() const { return names_; }
-    // Loads what all frames share, so that a mistake there shows before any frame.
+    // Loads what all frames share, and begins with the stream, so that a mistake there shows before any
+    // frame.
     void load_stills();
+    // The stream, from load_stills() on; null without one.
+    const StreamInput* stream() const { return stream_.get(); }
+    bool has_stream() const { return streamed_ < kInputCount; }
+    // Whether there is such a frame: false at the end of a stream that nobody knows the length of. Frames are
+    // asked for in their order. Throws Error when the stream breaks off before it.
+    bool reach(int frame) { return !stream_ || stream_->reach(frame); }
+    // Whether the stream broke off, and no frame that comes after can be had.
+    bool broken() const { return stream_ && stream_->broken(); }
+    // Ends what waits for the stream; any thread.
+    void stop() {
+        if (stream_) stream_->stop();
+    }
     // The foreground of a frame, kept for when that frame is loaded.
     std::shared_ptr<const Image> foreground(int frame);
     // Throws Error when any input of the frame cannot be used.
@@ -54,7 +66,10 @@ class FrameLoader {
 
     Names names_;
     Fit fit_;
+    FrameRange frames_;
     Caller caller_;
+    std::size_t streamed_ = kInputCount;  // the input that is the stream
+    std::unique_ptr<StreamInput> stream_;
     LoadedInput ahead_;  // a foreground that was read before its turn, and its frame
     int ahead_frame_ = 0;
     FrameInputs stills_;         // as read

@@ -13,7 +13,6 @@ namespace veloxa {
 namespace {
 
 constexpr int kWidest = 32;
-constexpr int kMostFrames = 100'000'000;
 
 // The length of a printf number field at the start of `text`, 0 when there is none.
 std::size_t number_field(std::string_view text, int& width, bool& zeros) {

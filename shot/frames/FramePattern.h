@@ -20,6 +20,8 @@ class FramePattern {
     bool empty() const { return name_.empty(); }
     // Whether the name depends on the frame.
     bool has_frame() const { return has_frame_; }
+    // Whether it stands for standard input or output, which carries a stream of frames.
+    bool is_stream() const { return name_ == "-"; }
     // The name of a frame's file; every frame's is the same where the pattern has no number.
     std::string at(int frame) const;
 
@@ -36,11 +38,14 @@ class FramePattern {
     std::vector<Piece> pieces_;
 };
 
+inline constexpr int kMostFrames = 100'000'000;  // of a range
+
 // first, first + step, ... up to last.
 struct FrameRange {
     int first = 0;
     int last = 0;
     int step = 1;
+    bool open = false;  // the last is that of a stream, whichever it be
 
     int count() const { return static_cast<int>((static_cast<std::int64_t>(last) - first) / step) + 1; }
     int at(int n) const { return static_cast<int>(first + static_cast<std::int64_t>(n) * step); }

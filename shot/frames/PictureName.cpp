@@ -91,7 +91,8 @@ FrameRange frames_of(const std::string& text, std::span<const PictureName> input
 void refuse_input(const std::string& output, std::span<const PictureName> inputs, int frame) {
     for (const PictureName& input : inputs) {
         std::error_code missing;
-        if (!input.empty() && std::filesystem::equivalent(output, input.at(frame), missing)) {
+        if (!input.empty() && !input.is_stream() &&
+            std::filesystem::equivalent(output, input.at(frame), missing)) {
             throw UsageError(output + ": is an input too");
         }
     }

@@ -25,7 +25,9 @@ class PictureName {
     const std::string& name() const { return pattern_.name(); }
     bool empty() const { return pattern_.empty(); }
     bool has_frame() const { return pattern_.has_frame(); }
-    std::string at(int frame) const { return pattern_.at(frame); }
+    bool is_stream() const { return pattern_.is_stream(); }
+    // The name of a frame's file; what messages call it where it is a stream.
+    std::string at(int frame) const { return is_stream() ? "standard input" : pattern_.at(frame); }
     // With the choice, as it was given.
     std::string text_at(int frame) const { return at(frame) + choice_text_; }
 

@@ -44,15 +44,21 @@ WriteOptions KeyPlan::how_to_write(const KeyOutput& output) const {
 }
 
 void check_outputs(const KeyPlan& plan, const FrameLoader::Names& inputs) {
-    for (int n = 0; n < plan.frames.count(); ++n) {
+    const int known = plan.frames.open ? 1 : plan.frames.count();
+    for (int n = 0; n < known; ++n) {
         for (const KeyOutput& output : plan.outputs) {
+            if (output.file.is_stream()) continue;
             const std::string file = output.file.at(plan.frames.at(n));
             AtomicFile::check(file, plan.write.overwrite);
             refuse_input(file, inputs, plan.frames.at(n));
         }
     }
     for (const KeyOutput& output : plan.outputs) {
-        check_writable(output.file.at(plan.frames.first), plan.how_to_write(output));
+        if (output.file.is_stream()) {
+            check_stream("standard output", plan.how_to_write(output));
+        } else {
+            check_writable(output.file.at(plan.frames.first), plan.how_to_write(output));
+        }
     }
 }
 
@@ -80,7 +86,8 @@ KeyPipeline::KeyPipeline(KeyPlan plan, FrameLoader& loader, Node& node, Iop& roo
       passes_(!has_screen_color(node.panel(), {})),
       inputs_(inputs),
       caller_(caller),
-      renderer_(plan_.threads, caller.abort) {
+      renderer_(plan_.threads, caller.abort),
+      stream_(plan_.frames, loader) {
     plan_.write.abort = caller.abort;
     // A matte takes what is rendered anyway, so it comes last.
     for (const bool mattes : {false, true}) {
@@ -96,7 +103,8 @@ void KeyPipeline::count(double rows, int frames) {
     // Rows run ahead of finished frames by what is still being encoded; frames that failed have no rows.
     const double rendered = rendered_.fetch_add(rows) + rows;
     const int finished = finished_.fetch_add(frames) + frames;
-    caller_.progress(std::max(rendered, static_cast<double>(finished)), plan_.frames.count());
+    caller_.progress(std::max(rendered, static_cast<double>(finished)),
+                     plan_.frames.open ? 0 : plan_.frames.count());
 }
 
 template <class Work>
@@ -126,16 +134,24 @@ void KeyPipeline::decode() {
         } catch (const Interrupted&) {
             break;
         }
-        slots_.acquire();
-        Decoded next{frame, {}, Slot(&slots_)};
-        const bool good = attempt(frame, [&] {
-            const Stopwatch watch(stats_.read);
-            next.inputs = loader_.load(frame);
-        });
-        if (!good) count(0.0, 1);
-        if (good) decoded_.push(std::move(next));
+        if (!decode(frame)) break;
     }
     decoded_.close();
+}
+
+bool KeyPipeline::decode(int frame) {
+    slots_.acquire();
+    Decoded next{frame, {}, Slot(&slots_)};
+    bool there = true;
+    const bool good = attempt(frame, [&] {
+        const Stopwatch watch(stats_.read);
+        there = loader_.reach(frame);
+        if (there) next.inputs = loader_.load(frame);
+    });
+    if (!there) return false;
+    if (!good) count(0.0, 1);
+    if (good) decoded_.push(std::move(next));
+    return !loader_.broken();
 }
 
 bool KeyPipeline::is_done(int frame) const {
@@ -201,8 +217,11 @@ void KeyPipeline::key() {
 
 void KeyPipeline::write(const Keyed& keyed, std::size_t output) {
     const Stopwatch watch(stats_.write);
-    const std::string path = plan_.outputs[output].file.at(keyed.frame);
-    const std::string left_out = write_image(path, keyed.pictures[output], how_to_write(keyed.frame, output));
+    const FramePattern& file = plan_.outputs[output].file;
+    const WriteOptions how = how_to_write(keyed.frame, output);
+    if (file.is_stream()) return stream_.write(keyed.frame, keyed.pictures[output], how);
+    const std::string path = file.at(keyed.frame);
+    const std::string left_out = write_image(path, keyed.pictures[output], how);
     if (left_out.empty() || std::exchange(told_left_out_, true)) return;
     caller_.warn(left_out_warning(path, left_out));
 }
@@ -223,7 +242,10 @@ void KeyPipeline::encode() {
             attempt(next->frame, [&] { write(*next, n); });
         }
         count(0.0, 1);
+        // What waits for the input would wait for frames that go nowhere.
+        if (stream_.broken()) loader_.stop();
     }
+    if (!stopped()) attempt(plan_.frames.first, [&] { stream_.finish(); });
 }
 
 bool KeyPipeline::run() {

@@ -2,7 +2,7 @@
 //
 // Three threads hand frames on; at most kFramesInFlight are in memory. A frame that cannot be read, keyed or
 // written is reported, and the others go on. When the flag is raised everything in flight is given up, and
-// no unfinished file is left.
+// no unfinished file is left. A stream that breaks off, on either side, ends the run after the frames before.
 #pragma once
 
 #include <atomic>
@@ -22,6 +22,7 @@
 #include "shot/node/Node.h"
 #include "shot/sequence/KeyOutput.h"
 #include "shot/sequence/Queue.h"
+#include "shot/sequence/StreamOutput.h"
 
 namespace veloxa {
 
@@ -99,6 +100,8 @@ class KeyPipeline {
     };
 
     void decode();
+    // False where no frame comes after this one.
+    bool decode(int frame);
     void key();
     void encode();
     std::vector<Image> render(const FrameInputs& inputs);
@@ -106,7 +109,7 @@ class KeyPipeline {
     void write(const Keyed& keyed, std::size_t output);
     WriteOptions how_to_write(int frame, std::size_t output) const;
     bool is_done(int frame) const;
-    bool stopped() const { return caller_.abort && caller_.abort->raised(); }
+    bool stopped() const { return (caller_.abort && caller_.abort->raised()) || stream_.broken(); }
     // So many more rows, as parts of a frame, are rendered, and frames finished or given up.
     void count(double rows, int frames);
     // Runs one stage's work for a frame; false, with a report unless it was interrupted, when it fails.
@@ -124,6 +127,7 @@ class KeyPipeline {
     NodeInputs& inputs_;
     Caller caller_;
     Zo::Image::Renderer renderer_;
+    StreamOutput stream_;  // of the output that is one
     KeyStats stats_;
     std::atomic<bool> failed_{false};
     std::atomic<double> rendered_{0.0};

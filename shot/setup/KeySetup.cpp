@@ -1,5 +1,7 @@
 #include "shot/setup/KeySetup.h"
 
+#include <algorithm>
+
 #include "shot/Errors.h"
 #include "shot/setup/ScreenChoice.h"
 #include "shot/setup/ShotModel.h"
@@ -18,14 +20,21 @@ FrameLoader::Names input_names(const SetupOptions& options) {
     return names;
 }
 
+// Those from 1 to the end of a stream, or as many of its as --frames names.
+FrameRange frames_for(const SetupOptions& options, const FrameLoader::Names& names) {
+    if (std::ranges::none_of(names, &PictureName::is_stream)) return frames_of(options.frames, names);
+    if (!options.frames.empty()) return parse_frames(options.frames);
+    return {.first = 1, .last = kMostFrames, .open = true};
+}
+
 }  // namespace
 
 KeySetup::KeySetup(const SetupOptions& options, const Caller& caller)
     : options_(options),
       caller_(caller),
       names_(input_names(options)),
-      frames_(frames_of(options.frames, names_)),
-      loader_(names_, fit_named(options.fit).value_or(Fit::kRefuse), caller),
+      frames_(frames_for(options, names_)),
+      loader_(names_, fit_named(options.fit).value_or(Fit::kRefuse), caller, frames_),
       node_(caller.abort) {
     node_.apply(options.settings, caller);
     inputs_.connect(node_.image(), names_);
@@ -35,6 +44,10 @@ KeySetup::KeySetup(const SetupOptions& options, const Caller& caller)
         if (strokes_.back().frame && options.frames.empty()) {
             throw UsageError("--stroke " + text + ": @FRAME needs --frames A-B");
         }
+        if (loader_.has_stream() && strokes_.back().frame.value_or(frames_.first) != frames_.first) {
+            throw UsageError("--stroke " + text +
+                             ": standard input is read once, so strokes are of its first frame");
+        }
     }
 }
 
@@ -43,7 +56,7 @@ std::pair<std::shared_ptr<const Image>, int> KeySetup::first_foreground() {
         try {
             return {loader_.foreground(frames_.at(n)), frames_.at(n)};
         } catch (const Error&) {
-            if (n + 1 == frames_.count()) throw;
+            if (n + 1 == frames_.count() || loader_.has_stream()) throw;
         }
     }
 }

@@ -8,6 +8,7 @@
 #include "shot/files/AtomicFile.h"
 #include "shot/files/FileReader.h"
 #include "shot/files/PictureParts.h"
+#include "shot/movie/StreamWriter.h"
 #include "shot/setup/KeySetup.h"
 
 namespace veloxa {
@@ -77,6 +78,10 @@ void Preview::read(std::span<const NamedInput> inputs, Fit fit) {
     std::optional<Sizes> foreground;
     for (const auto& [input, name] : inputs) {
         if (name.empty()) continue;
+        if (name.is_stream()) {
+            reads_.push_back(std::string(input) + "  a stream of frames on standard input");
+            continue;
+        }
         const Sizes sizes(name, frames_, faults_);
         const std::string size = sizes.text();
         reads_.push_back(std::string(input) + "  " + files_text(name.pattern(), frames_, sizes.found()) +
@@ -138,6 +143,11 @@ bool Preview::attempt(const Check& check) {
 }
 
 void Preview::make(const FramePattern& output, const WriteOptions& how, std::span<const NamedInput> inputs) {
+    if (output.is_stream()) {
+        makes_.emplace_back("a stream of frames on standard output");
+        attempt([&] { check_stream("standard output", how); });
+        return;
+    }
     makes_.push_back(files_text(output, frames_, frames_.count()));
     for (int n = 0; n < frames_.count(); ++n) {
         const std::string path = output.at(frames_.at(n));

@@ -26,7 +26,10 @@ struct NamedInput {
 
 class Preview {
   public:
-    explicit Preview(const FrameRange& frames) : frames_(frames) {}
+    // Of a stream without an end that is known, the first frame alone.
+    explicit Preview(const FrameRange& frames) : frames_(frames) {
+        if (frames_.open) frames_ = {frames.first, frames.first, 1};
+    }
 
     // The first input is the one whose size the others are to have, unless they are fitted to it.
     void read(std::span<const NamedInput> inputs, Fit fit);
