@@ -127,7 +127,7 @@ grep -q "standard output: nobody reads it any more" err.txt || fail "nobody read
 # Movies as files: the commands that are told work as they are.
 nut rgb48le | ffmpeg -v error -f nut -i - -c:v ffv1 "a movie's.mkv"
 expect_stream 1 "is a movie; give its frames: ffmpeg" key --fg "a movie's.mkv" -o a.png
-command=$(sed 's/.*give its frames: \(.*\) | veloxa.*/\1/' err.txt)
+command=$(sed -n 's/.*give its frames: \(.*\) | veloxa.*/\1/p' err.txt)
 eval "$command" >in.nut
 expect_stream 0 "" key --fg - "${pass[@]}" -o -
 [ "$(pixels out.nut | wc -l)" = 3 ] && cmp <(pixels in.nut rgb48le) <(pixels out.nut rgb48le) || fail "the movie's frames"
