@@ -79,8 +79,11 @@ std::string specifications(const OptionText& option) {
     std::string text;
     for (const std::string& name : option.names) {
         const char* const ending = flag ? "" : name.starts_with("--") ? "=" : "+";
-        text += " \\\n        " +
-                quoted_for_shell(front + name + ending + "[" + escaped(option.meaning) + "]" + value);
+        std::string one = front;
+        one += name;
+        one += ending;
+        one += "[" + escaped(option.meaning) + "]" + value;
+        text += " \\\n        " + quoted_for_shell(one);
     }
     return text;
 }
