@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages that are missing; does nothing when all are there.
 #
-#   tools/deps.sh          what building, the demo and the tests need
-#   tools/deps.sh dev      also what formatting and linting need
-#   tools/deps.sh bench    also what the benchmarks need
+#   tools/deps.sh              what building, the demo and the tests need
+#   tools/deps.sh dev          also what formatting and linting need
+#   tools/deps.sh bench        also what the benchmarks need
+#   tools/deps.sh deb          also what building Debian packages needs
+#   tools/deps.sh deb-check    also what checking these needs
 set -euo pipefail
 
 packages=(
@@ -11,6 +13,7 @@ packages=(
     libopenimageio-dev libcli11-dev nlohmann-json3-dev
     libavformat-dev libavcodec-dev libavutil-dev # streams of frames
     libgtest-dev libgmock-dev
+    bash-completion zsh fish man-db # their completions and the manual pages are tested in them
     ffmpeg # the tests' other end of a stream
     openimageio-tools fonts-dejavu-core # the demo's contact sheet and its labels
 )
@@ -18,8 +21,15 @@ case "${1-}" in
     "") ;;
     dev) packages+=(clang-format clang-tidy) ;;
     bench) packages+=(libbenchmark-dev) ;;
+    deb | deb-check)
+        # The build's own list; the one name in it that is no package's is debhelper's.
+        mapfile -t -O ${#packages[@]} packages < <(sed -nE '/^Build-Depends:/,/^[A-Z]/s/^ ([^ ,]+).*/\1/p' \
+            "$(dirname "$0")/../debian/control" | sed 's/^debhelper-compat$/debhelper/')
+        packages+=(build-essential)
+        [ "$1" = deb ] || packages+=(lintian autopkgtest debootstrap)
+        ;;
     *)
-        echo "usage: tools/deps.sh [dev|bench]" >&2
+        echo "usage: tools/deps.sh [dev|bench|deb|deb-check]" >&2
         exit 2
         ;;
 esac

@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "Commands.h"
+#include "Program.h"
 #include "Signals.h"
 #include "Terminal.h"
 #include "Usage.h"
@@ -12,16 +13,9 @@
 int main(int argc, char** argv) {
     veloxa::silence_library();
     veloxa::report_aborts();
-    CLI::App app("Colour-difference keyer for stills and image sequences.", "veloxa");
-    app.set_version_flag("--version", "veloxa " VELOXA_VERSION);
-    app.require_subcommand(1);
+    CLI::App app;
     veloxa::Run run;
-    for (const auto add :
-         {veloxa::add_key_command, veloxa::add_analyse_command, veloxa::add_knobs_command,
-          veloxa::add_controls_command, veloxa::add_cleanplate_command, veloxa::add_tune_command,
-          veloxa::add_plate_command, veloxa::add_compare_command, veloxa::add_score_command}) {
-        add(app, run);
-    }
+    veloxa::add_program(app, run);
     try {
         app.parse(argc, argv);
         return run();

@@ -15,6 +15,7 @@
 #include "shot/files/FileRows.h"
 #include "shot/files/ImageFile.h"
 #include "shot/files/ImageLibrary.h"
+#include "shot/files/KeptLayers.h"
 #include "shot/files/Metadata.h"
 #include "shot/movie/MovieFile.h"
 
@@ -154,15 +155,18 @@ std::string write_once(const std::string& temporary, const std::string& path, co
     };
     check_bytes();
     const FileRows rows(image, *output, options);
-    bool good = output->open(temporary, header_for(header, rows, *output, options));
-    if (good) {
+    const OIIO::ImageSpec spec = header_for(header, rows, *output, options);
+    bool good = image.kept ? write_with_layers(*output, temporary, spec, image, rows, options.abort)
+                           : output->open(temporary, spec);
+    if (good && !image.kept) {
         check_type(path, *output, options);
         good = write_pixels(*output, rows, options.abort);
-        good = output->close() && good;
     }
+    good = output->close() && good;
     if (bytes && good) bytes->close();
     check_bytes();
     if (!good) return tidy_message(output->geterror(), temporary, "could not be written");
+    if (image.kept) return layers_fault(temporary, spec, image, rows, options.abort);
     return read_back(temporary, rows, *output, options.abort);
 }
 
@@ -190,6 +194,7 @@ void check_writable(const std::string& path, const WriteOptions& options) {
     OIIO::Filesystem::IOVecOutput memory;  // outlives the writer, which writes once more when it goes
     const auto output = writer_for(path);
     check_options(path, *output, options);
+    if (options.layers) check_holds_layers(path, *output);
     if (options.depth == Depth::UNKNOWN || !output->supports("ioproxy")) return;
     // What a writer makes of a sample type shows only when it opens a file; this one stays in memory.
     Info info;
@@ -206,6 +211,7 @@ void check_writable(const std::string& path, const WriteOptions& options) {
 }
 
 std::string write_image(const std::string& path, const Image& image, const WriteOptions& options) {
+    if (image.kept) check_holds_layers(path, *writer_for(path));
     AtomicFile file(path, options.overwrite);
     std::string fault;
     std::string left_out;

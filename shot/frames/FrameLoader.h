@@ -26,8 +26,14 @@ class FrameLoader {
   public:
     using Names = std::array<PictureName, kInputCount>;  // empty for inputs that are not used
 
-    // Throws UsageError where two inputs are the stream.
+    // Throws UsageError where a colour input is to be inverted, and where two inputs are the stream.
     FrameLoader(Names names, Fit fit, Caller caller, const FrameRange& frames = {});
+
+    // Has foregrounds carry what else their files hold; see Image::kept.
+    void keep_layers() { keep_layers_ = true; }
+    // Looks whether the inputs' files of a frame hold what is chosen of them, so that a mistake there is told
+    // once. Throws Error.
+    void check_choices(int frame) const;
 
     const Names& names() const { return names_; }
     // Loads what all frames share, and begins with the stream, so that a mistake there shows before any
@@ -54,6 +60,7 @@ class FrameLoader {
     LoadedInput read(Input input, int frame);
     // Warns of what the user may not expect of a file, once an input.
     void warn(Input input, const std::string& path, const Image& image);
+    void keep(const std::string& path, Image& image);
     LoadedInput fitted_to(const LoadedInput& loaded, const Zo::Image::Format& format,
                           const std::string& file) const;
 
@@ -70,6 +77,8 @@ class FrameLoader {
     Zo::Image::Format fitted_format_;
     std::array<bool, kInputCount> looked_for_parts_{};
     std::array<bool, kInputCount> told_alpha_{};
+    bool keep_layers_ = false;
+    bool told_kept_ = false;
 };
 
 }  // namespace veloxa

@@ -41,6 +41,7 @@ void check_stream(const std::string& name, const WriteOptions& options) {
         const std::string asked = whole ? "uint" + std::to_string(options.bits) : depth.c_str();
         throw Error(name, "a stream of frames cannot hold " + asked + " samples; it holds uint8 or uint16");
     }
+    if (options.layers) throw Error(name, "a stream of frames cannot hold the layers that are kept");
     if (!options.compression.empty() || options.quality > 0 || options.tile_width > 0) {
         throw Error(name, "a stream of frames has no compression, quality or tiles");
     }

@@ -136,4 +136,12 @@ Iop& Node::member(const std::string& name) const {
     throw UsageError("--stage " + name + ": there is no such operator" + choices(name, names));
 }
 
+std::vector<std::string> Node::members() const {
+    std::vector<std::string> names;
+    for (Op* child : op_->children()) {
+        if (child->as_iop()) names.push_back(child->member_name());
+    }
+    return names;
+}
+
 }  // namespace veloxa

@@ -43,6 +43,8 @@ class Node {
 
     // The internal operator of this name. Throws UsageError with the nearest name, or those that there are.
     Zo::Image::Iop& member(const std::string& name) const;
+    // The names of those that make rows.
+    std::vector<std::string> members() const;
 
   private:
     std::unique_ptr<Zo::Image::Op> op_;

@@ -134,6 +134,7 @@ void KeySetup::apply_strokes(std::size_t begin, std::size_t end) {
 
 void KeySetup::prepare() {
     loader_.load_stills();
+    loader_.check_choices(frames_.first);
     choose_screen_color();
     // There is nothing to set up before a screen colour is chosen.
     const std::size_t before = picks_screen() ? 1 : 0;
