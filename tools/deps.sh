@@ -8,7 +8,7 @@ set -euo pipefail
 
 packages=(
     g++ cmake ninja-build ccache pkgconf
-    libopenimageio-dev libcli11-dev nlohmann-json3-dev
+    libopenimageio-dev libopencolorio-dev libcli11-dev nlohmann-json3-dev
     libgtest-dev libgmock-dev
     openimageio-tools fonts-dejavu-core # the demo's contact sheet and its labels
 )
