@@ -48,7 +48,8 @@ int make_clean_plate(const Options& options) {
     const PictureName name(options.foreground);
     const FrameRange frames = frames_of(options.frames, {&name, 1});
     if (!options.screen.pick.empty()) parse_box("--pick", options.screen.pick);
-    const WriteOptions write{Depth(options.depth), options.overwrite, &interrupt_flag()};
+    const WriteOptions write{
+        .depth = Depth(options.depth), .overwrite = options.overwrite, .abort = &interrupt_flag()};
     check_writable(options.output, write);
     for (int n = 0; n < frames.count(); ++n) refuse_input(options.output, {&name, 1}, frames.at(n));
     catch_interrupts();

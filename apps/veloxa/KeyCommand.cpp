@@ -29,7 +29,7 @@ namespace {
 
 struct Options {
     SetupOptions setup;
-    std::string output;
+    std::vector<std::string> outputs;
     std::string save_script;
     std::string shot;
     std::string shot_frames;
@@ -45,15 +45,21 @@ struct Options {
 KeyPlan plan_for(const Options& options, const FrameRange& frames) {
     KeyPlan plan;
     plan.frames = frames;
-    plan.output = FramePattern(options.output);
-    plan.write = {Depth(options.depth), options.overwrite || options.resume};
+    plan.outputs = parse_outputs(options.outputs);
+    plan.write = {.depth = Depth(options.depth), .overwrite = options.overwrite || options.resume};
     plan.resume = options.resume;
     plan.threads = options.threads;
-    if (options.setup.frames.empty() && plan.output.has_frame()) {
-        throw UsageError(options.output + ": a frame pattern needs --frames A-B");
-    }
-    if (frames.count() > 1 && !plan.output.has_frame()) {
-        throw UsageError(options.output + ": several frames need a frame pattern such as %04d or ####");
+    for (const KeyOutput& output : plan.outputs) {
+        const FramePattern& file = output.file;
+        if (options.setup.frames.empty() && file.has_frame()) {
+            throw UsageError(file.name() + ": a frame pattern needs --frames A-B");
+        }
+        if (frames.count() > 1 && !file.has_frame()) {
+            throw UsageError(file.name() + ": several frames need a frame pattern such as %04d or ####");
+        }
+        if (!options.stage.empty() && output.picture != Picture::kNode) {
+            throw UsageError("--stage writes its rows alone, to -o FILE; comp, matte and cut are the node's");
+        }
     }
     return plan;
 }
@@ -177,7 +183,7 @@ int key(const Options& options) {
     {
         Progress progress(options.quiet);
         caller.progress = [&](double done, int all) { progress.update(done, all); };
-        KeyPipeline pipeline(plan, setup.loader(), node.image(), root, setup.inputs(), caller);
+        KeyPipeline pipeline(plan, setup.loader(), node, root, setup.inputs(), caller);
         if (options.stats) pipeline.measure_time();
         good = pipeline.run();
         stats = pipeline.stats();
@@ -195,9 +201,14 @@ constexpr const char* kFooter =
     "Exit status: 0 when every frame was written, 1 when not, 2 for bad usage, 130 when interrupted.";
 
 void add_rendering(CLI::App& command, Options& options) {
-    command.add_option("-o,--output", options.output, "Result; its extension chooses the format")
+    command
+        .add_option(
+            "-o,--output", options.outputs,
+            "Result; its extension chooses the format. comp=FILE writes the composite, matte=FILE the "
+            "matte as one channel, cut=FILE the premultiplied subject, several from one run")
         ->required()
-        ->type_name("FILE");
+        ->type_name("[PICTURE=]FILE")
+        ->allow_extra_args(false);
     command
         .add_option("--save-script", options.save_script,
                     "Save the knobs that differ from their defaults, and what was measured of the "

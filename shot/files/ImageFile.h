@@ -30,8 +30,17 @@ bool is_whole_image(const std::string& path, const Zo::Image::AbortFlag* abort =
 // The type of a file's samples: half, float, uint8 or uint16.
 using Depth = OIIO::TypeDesc;
 
+// What an image's alpha is to its colour, for formats that keep alpha apart from colour, as PNG does.
+enum class Alpha {
+    kAsStored,       // not known: both are written as they are
+    kOpaque,         // a key that the colour does not need: left out
+    kPremultiplied,  // colour is multiplied by it: divided
+    kStraight,       // it is not: kept
+};
+
 struct WriteOptions {
     Depth depth{};  // unknown: half in OpenEXR, float in RLA, else up to 16-bit integers
+    Alpha alpha = Alpha::kAsStored;
     bool overwrite = false;
     const Zo::Image::AbortFlag* abort = nullptr;
 };

@@ -23,7 +23,7 @@ constexpr std::array<std::pair<std::string_view, std::string PictureChoice::*>, 
     {"space", &PictureChoice::space},
 }};
 
-std::string PictureChoice::* value_named(std::string_view key) {
+std::string PictureChoice::*value_named(std::string_view key) {
     for (const auto& [name, value] : kKeys) {
         if (name == key) return value;
     }
@@ -32,7 +32,8 @@ std::string PictureChoice::* value_named(std::string_view key) {
 
 bool begins_choice(std::string_view text) {
     const std::string_view first = text.substr(0, text.find(','));
-    return first == kInvert || (first.find('=') != first.npos && value_named(first.substr(0, first.find('='))));
+    return first == kInvert ||
+           (first.find('=') != first.npos && value_named(first.substr(0, first.find('='))));
 }
 
 void take_entry(PictureChoice& choice, std::string_view entry, const std::string& text) {
@@ -41,7 +42,7 @@ void take_entry(PictureChoice& choice, std::string_view entry, const std::string
         return;
     }
     const std::size_t equals = std::min(entry.find('='), entry.size());
-    std::string PictureChoice::* const value = value_named(entry.substr(0, equals));
+    std::string PictureChoice::*const value = value_named(entry.substr(0, equals));
     if (!value) {
         throw UsageError(text + ": " + std::string(entry) +
                          " is no choice; there are part, layer, view, channel, space and invert");

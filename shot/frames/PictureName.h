@@ -1,8 +1,8 @@
 // The name of an input: a file, or a pattern of frames, and what to read of it.
 //
-// FILE#KEY=VALUE,KEY=VALUE,FLAG, as plate.####.exr#layer=beauty,view=left or stands.exr#channel=R,invert. What
-// stands behind the last # is a choice only where it begins as one; a file of the whole name that is there is
-// that file.
+// FILE#KEY=VALUE,KEY=VALUE,FLAG, as plate.####.exr#layer=beauty,view=left or stands.exr#channel=R,invert.
+// What stands behind the last # is a choice only where it begins as one; a file of the whole name that is
+// there is that file.
 #pragma once
 
 #include <span>

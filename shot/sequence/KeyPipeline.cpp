@@ -7,18 +7,37 @@
 #include "ZoImage/Iop.h"
 #include "shot/Errors.h"
 #include "shot/files/AtomicFile.h"
+#include "shot/setup/ScreenChoice.h"
 
 namespace veloxa {
 
 using namespace Zo::Image;
 
+namespace {
+
+constexpr const char* kModeKnob = "output_mode";
+
+// Shares the plane.
+Image alpha_alone(const Image& image) {
+    Image matte = image;
+    matte.info.channels = kAlpha;
+    for (const Channel c : kMaskRgb) matte.plane(c) = nullptr;
+    return matte;
+}
+
+}  // namespace
+
 void check_outputs(const KeyPlan& plan, const FrameLoader::Names& inputs) {
     for (int n = 0; n < plan.frames.count(); ++n) {
-        const std::string output = plan.output.at(plan.frames.at(n));
-        AtomicFile::check(output, plan.write.overwrite);
-        refuse_input(output, inputs, plan.frames.at(n));
+        for (const KeyOutput& output : plan.outputs) {
+            const std::string file = output.file.at(plan.frames.at(n));
+            AtomicFile::check(file, plan.write.overwrite);
+            refuse_input(file, inputs, plan.frames.at(n));
+        }
     }
-    check_writable(plan.output.at(plan.frames.first), plan.write);
+    for (const KeyOutput& output : plan.outputs) {
+        check_writable(output.file.at(plan.frames.first), plan.write);
+    }
 }
 
 void KeyStats::add(const std::vector<OpStats>& frame) {
@@ -34,16 +53,26 @@ void KeyStats::add(const std::vector<OpStats>& frame) {
     }
 }
 
-KeyPipeline::KeyPipeline(KeyPlan plan, FrameLoader& loader, Iop& node, Iop& root, NodeInputs& inputs,
+KeyPipeline::KeyPipeline(KeyPlan plan, FrameLoader& loader, Node& node, Iop& root, NodeInputs& inputs,
                          const Caller& caller)
     : plan_(std::move(plan)),
       loader_(loader),
       node_(node),
       root_(root),
+      own_mode_(node.panel().get(kModeKnob).text()),
+      passes_(!has_screen_color(node.panel(), {})),
       inputs_(inputs),
       caller_(caller),
       renderer_(plan_.threads, caller.abort) {
     plan_.write.abort = caller.abort;
+    // A matte takes what is rendered anyway, so it comes last.
+    for (const bool mattes : {false, true}) {
+        for (const KeyOutput& output : plan_.outputs) {
+            if ((output.picture == Picture::kMatte) != mattes || (mattes && !modes_.empty())) continue;
+            const std::string mode = mode_of(output.picture, own_mode_);
+            if (std::ranges::find(modes_, mode) == modes_.end()) modes_.push_back(mode);
+        }
+    }
 }
 
 void KeyPipeline::count(double rows, int frames) {
@@ -63,10 +92,9 @@ bool KeyPipeline::attempt(int frame, const Work& work) {
     } catch (const Error& error) {
         caller_.warn(error.what());
     } catch (const std::exception& error) {
-        caller_.warn(plan_.output.at(frame) + ": " + error.what());
+        caller_.warn(plan_.outputs.front().file.at(frame) + ": " + error.what());
     }
     failed_ = true;
-    count(0.0, 1);
     return false;
 }
 
@@ -74,7 +102,7 @@ void KeyPipeline::decode() {
     for (int n = 0; n < plan_.frames.count() && !stopped(); ++n) {
         const int frame = plan_.frames.at(n);
         try {
-            if (plan_.resume && is_whole_image(plan_.output.at(frame), caller_.abort)) {
+            if (plan_.resume && is_done(frame)) {
                 count(0.0, 1);
                 continue;
             }
@@ -87,59 +115,95 @@ void KeyPipeline::decode() {
             const Stopwatch watch(stats_.read);
             next.inputs = loader_.load(frame);
         });
+        if (!good) count(0.0, 1);
         if (good) decoded_.push(std::move(next));
     }
     decoded_.close();
 }
 
-Image KeyPipeline::render(const FrameInputs& inputs) {
-    const Stopwatch watch(stats_.key);
-    inputs_.set(inputs);
-    node_.validate(true);
-    if (!node_.error().empty()) throw Error(node_.error());
+bool KeyPipeline::is_done(int frame) const {
+    return std::ranges::all_of(plan_.outputs, [&](const KeyOutput& output) {
+        return is_whole_image(output.file.at(frame), caller_.abort);
+    });
+}
 
-    Info info = node_.info();
-    info.format = inputs[kFg].image->info.format;
+Image KeyPipeline::render_picture(const Image& foreground, const std::string& mode) {
+    if (modes_.size() > 1) node_.panel().set_from_text(kModeKnob, mode);
+    Iop& node = node_.image();
+    node.validate(true);
+    if (!node.error().empty()) throw Error(node.error());
+
+    Info info = node.info();
+    info.format = foreground.info.format;
     info.channels = kMaskRgba;
     Image image(info);
-    image.header = inputs[kFg].image->header;
-    const int rows = info.box.height();
-    const double part = 1.0 / rows;
+    image.header = foreground.header;
+    const double part = 1.0 / (info.box.height() * static_cast<double>(modes_.size()));
     const bool complete = renderer_.render(root_, info.box, kMaskRgba, [&](int y, const Row& row) {
         for (const Channel c : kMaskRgba) std::copy_n(row[c], row.width(), image.line(c, y));
         count(part, 0);
     });
-    inputs_.clear();
     give_up_if_raised(caller_.abort);
     if (!complete) throw Error("the frame could not be rendered");
     stats_.add(renderer_.stats());
+    return image;
+}
+
+std::vector<Image> KeyPipeline::render(const FrameInputs& inputs) {
+    const Stopwatch watch(stats_.key);
+    inputs_.set(inputs);
+    std::vector<Image> pictures(plan_.outputs.size());
+    int rows = 0;
+    for (const std::string& mode : modes_) {
+        const Image image = render_picture(*inputs[kFg].image, mode);
+        rows = image.info.box.height();
+        for (std::size_t n = 0; n < pictures.size(); ++n) {
+            const Picture picture = plan_.outputs[n].picture;
+            if (picture == Picture::kMatte) pictures[n] = alpha_alone(image);
+            if (picture != Picture::kMatte && mode_of(picture, own_mode_) == mode) pictures[n] = image;
+        }
+    }
+    inputs_.clear();
     stats_.frame_rows += rows;
     ++stats_.frames;
-    return image;
+    return pictures;
 }
 
 void KeyPipeline::key() {
     while (std::optional<Decoded> next = decoded_.pop()) {
         if (stopped()) continue;  // gives its slot back
         Keyed done{next->frame, {}, std::move(next->slot)};
-        const bool good = attempt(done.frame, [&] { done.image = render(next->inputs); });
+        const bool good = attempt(done.frame, [&] { done.pictures = render(next->inputs); });
         next.reset();
+        if (!good) count(0.0, 1);
         if (good) keyed_.push(std::move(done));
     }
     keyed_.close();
 }
 
+void KeyPipeline::write(const Keyed& keyed, std::size_t output) {
+    const Stopwatch watch(stats_.write);
+    const std::string path = plan_.outputs[output].file.at(keyed.frame);
+    const std::string left_out = write_image(path, keyed.pictures[output], how_to_write(output));
+    if (left_out.empty() || std::exchange(told_left_out_, true)) return;
+    caller_.warn(left_out_warning(path, left_out));
+}
+
+WriteOptions KeyPipeline::how_to_write(std::size_t output) const {
+    WriteOptions how = plan_.write;
+    // Nothing is known of what one of the operators, or the foreground, has for alpha.
+    if (&root_ != &node_.image() || passes_) return how;
+    how.alpha = alpha_of(mode_of(plan_.outputs[output].picture, own_mode_));
+    return how;
+}
+
 void KeyPipeline::encode() {
     while (std::optional<Keyed> next = keyed_.pop()) {
         if (stopped()) continue;
-        const bool good = attempt(next->frame, [&] {
-            const Stopwatch watch(stats_.write);
-            const std::string path = plan_.output.at(next->frame);
-            const std::string left_out = write_image(path, next->image, plan_.write);
-            if (left_out.empty() || std::exchange(told_left_out_, true)) return;
-            caller_.warn(left_out_warning(path, left_out));
-        });
-        if (good) count(0.0, 1);
+        for (std::size_t n = 0; n < plan_.outputs.size(); ++n) {
+            attempt(next->frame, [&] { write(*next, n); });
+        }
+        count(0.0, 1);
     }
 }
 

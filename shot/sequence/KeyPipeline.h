@@ -19,15 +19,17 @@
 #include "shot/frames/FrameLoader.h"
 #include "shot/frames/FramePattern.h"
 #include "shot/node/ImageSource.h"
+#include "shot/node/Node.h"
+#include "shot/sequence/KeyOutput.h"
 #include "shot/sequence/Queue.h"
 
 namespace veloxa {
 
 struct KeyPlan {
     FrameRange frames;  // one frame, of any number, for a still
-    FramePattern output;
+    std::vector<KeyOutput> outputs;
     WriteOptions write;
-    bool resume = false;  // leave out frames whose output is whole
+    bool resume = false;  // leave out frames whose outputs are whole
     int threads = 0;
 };
 
@@ -63,9 +65,10 @@ class Stopwatch {
 class KeyPipeline {
   public:
     // Puts each frame on `inputs`, which are the node's, and renders `root`, which is the node or one of its
-    // operators, over the node's box.
-    KeyPipeline(KeyPlan plan, FrameLoader& loader, Zo::Image::Iop& node, Zo::Image::Iop& root,
-                NodeInputs& inputs, const Caller& caller);
+    // operators, over the node's box. The node's knobs must not be turned while it runs; it turns
+    // "output_mode" itself where pictures differ in it.
+    KeyPipeline(KeyPlan plan, FrameLoader& loader, Node& node, Zo::Image::Iop& root, NodeInputs& inputs,
+                const Caller& caller);
 
     void measure_time() { renderer_.measure_time(true); }
     // Renders all frames; false when one could not be done. Throws Interrupted.
@@ -87,25 +90,32 @@ class KeyPipeline {
     };
     struct Keyed {
         int frame;
-        Image image;
+        std::vector<Image> pictures;  // one an output; they share planes
         Slot slot;
     };
 
     void decode();
     void key();
     void encode();
-    Image render(const FrameInputs& inputs);
+    std::vector<Image> render(const FrameInputs& inputs);
+    Image render_picture(const Image& foreground, const std::string& mode);
+    void write(const Keyed& keyed, std::size_t output);
+    WriteOptions how_to_write(std::size_t output) const;
+    bool is_done(int frame) const;
     bool stopped() const { return caller_.abort && caller_.abort->raised(); }
     // So many more rows, as parts of a frame, are rendered, and frames finished or given up.
     void count(double rows, int frames);
-    // Runs one stage's work for a frame; false, with a report, when it fails.
+    // Runs one stage's work for a frame; false, with a report unless it was interrupted, when it fails.
     template <class Work>
     bool attempt(int frame, const Work& work);
 
     KeyPlan plan_;
     FrameLoader& loader_;
-    Zo::Image::Iop& node_;
+    Node& node_;
     Zo::Image::Iop& root_;
+    const std::string own_mode_;      // of the knob "output_mode"
+    std::vector<std::string> modes_;  // that the outputs need
+    const bool passes_;               // the foreground through, as no screen colour is set
     NodeInputs& inputs_;
     Caller caller_;
     Zo::Image::Renderer renderer_;

@@ -45,10 +45,10 @@ class KeyPipelineTest : public test::Files {
         options.frames = "1-6";
         KeySetup setup(options, caller_);
         const KeyPlan plan{
-            setup.frames(), FramePattern(file("out.%d.exr")), {.overwrite = resume}, resume, 2};
+            setup.frames(), parse_outputs({file("out.%d.exr")}), {.overwrite = resume}, resume, 2};
         check_outputs(plan, setup.names());
-        Iop& node = setup.node().image();
-        KeyPipeline pipeline(plan, setup.loader(), node, node, setup.inputs(), caller_);
+        Node& node = setup.node();
+        KeyPipeline pipeline(plan, setup.loader(), node, node.image(), setup.inputs(), caller_);
         const bool good = pipeline.run();
         keyed_ = pipeline.stats().frames;
         return good;
