@@ -37,8 +37,9 @@ int main(int argc, char** argv) {
     veloxa::Run run;
     for (const auto add :
          {veloxa::add_key_command, veloxa::add_analyse_command, veloxa::add_knobs_command,
-          veloxa::add_controls_command, veloxa::add_cleanplate_command, veloxa::add_tune_command,
-          veloxa::add_plate_command, veloxa::add_compare_command, veloxa::add_score_command}) {
+          veloxa::add_controls_command, veloxa::add_spaces_command, veloxa::add_cleanplate_command,
+          veloxa::add_tune_command, veloxa::add_plate_command, veloxa::add_compare_command,
+          veloxa::add_score_command}) {
         add(app, run);
     }
     try {

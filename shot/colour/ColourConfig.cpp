@@ -112,8 +112,10 @@ std::vector<ColourSpace> ColourConfig::spaces() const {
     for (int n = 0; n < config_->getNumColorSpaces(); ++n) {
         const auto space = config_->getColorSpace(config_->getColorSpaceNameByIndex(n));
         ColourSpace entry{space->getName(), {}, space->getDescription(), space->isData()};
-        for (std::size_t a = 0; a < space->getNumAliases(); ++a) entry.aliases.emplace_back(space->getAlias(a));
-        const std::size_t start = std::min(entry.description.find_first_not_of(" \r\n"), entry.description.size());
+        for (std::size_t a = 0; a < space->getNumAliases(); ++a)
+            entry.aliases.emplace_back(space->getAlias(a));
+        const std::size_t start =
+            std::min(entry.description.find_first_not_of(" \r\n"), entry.description.size());
         entry.description.erase(0, start);
         entry.description.resize(std::min(entry.description.find_first_of("\r\n"), entry.description.size()));
         list.push_back(std::move(entry));
@@ -130,7 +132,8 @@ std::vector<ColourDisplay> ColourConfig::displays() const {
     for (int n = 0; n < config_->getNumDisplays(); ++n) {
         ColourDisplay display{config_->getDisplay(n), {}};
         const char* const name = display.name.c_str();
-        for (int v = 0; v < config_->getNumViews(name); ++v) display.views.emplace_back(config_->getView(name, v));
+        for (int v = 0; v < config_->getNumViews(name); ++v)
+            display.views.emplace_back(config_->getView(name, v));
         to_front(display.views, config_->getDefaultView(name), std::identity{});
         list.push_back(std::move(display));
     }
@@ -144,7 +147,7 @@ std::string ColourConfig::space_named(const std::string& asked, const std::strin
     const std::string near = nearest(all, name);
     std::string names;
     for (const ColourSpace& space : all) names += (names.empty() ? "" : ", ") + space.name;
-    throw UsageError(asked + " " + name + ": there is no such colour space" +
+    throw UsageError(asked + name + ": there is no such colour space" +
                      (near.empty() ? "" : "; did you mean " + near + "?") + " There are " + names +
                      (file_.empty() ? "" : " (" + file_ + ")"));
 }
@@ -178,16 +181,15 @@ std::string ColourConfig::scene_linear() const {
 }
 
 ColourConversion ColourConfig::between(const std::string& from, const std::string& to) const {
-    return or_error(file_, "from " + from + " to " + to, [&] {
-        return ColourConversion(config_->getProcessor(from.c_str(), to.c_str()));
-    });
+    return or_error(file_, "from " + from + " to " + to,
+                    [&] { return ColourConversion(config_->getProcessor(from.c_str(), to.c_str())); });
 }
 
 ColourConversion ColourConfig::for_display(const std::string& from, const std::string& display,
                                            const std::string& view) const {
     return or_error(file_, "from " + from + " to " + display + ", " + view, [&] {
-        return ColourConversion(config_->getProcessor(from.c_str(), display.c_str(), view.c_str(),
-                                                      OCIO::TRANSFORM_DIR_FORWARD));
+        return ColourConversion(
+            config_->getProcessor(from.c_str(), display.c_str(), view.c_str(), OCIO::TRANSFORM_DIR_FORWARD));
     });
 }
 

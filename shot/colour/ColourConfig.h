@@ -1,8 +1,8 @@
 // The colour spaces that values can be in, and the ways between them.
 //
-// From the OpenColorIO configuration that $OCIO names, else a set of the program's own, whose reference and scene
-// linear space is light with Rec.709's primaries (KnownSpaces.h). Names and aliases count in whatever case. Const
-// functions may be called by any thread.
+// From the OpenColorIO configuration that $OCIO names, else a set of the program's own, whose reference and
+// scene linear space is light with Rec.709's primaries (KnownSpaces.h). Names and aliases count in whatever
+// case. Const functions may be called by any thread.
 #pragma once
 
 #include <OpenColorIO/OpenColorIO.h>
@@ -40,8 +40,8 @@ class ColourConfig {
     // Those of the configuration, its default display first.
     std::vector<ColourDisplay> displays() const;
 
-    // The space of this name, alias or role. Throws UsageError, which begins with `asked`, as --in-space, and names
-    // the nearest and all.
+    // The space of this name, alias or role. Throws UsageError, which begins with `asked`, as "--in-space ",
+    // and names the nearest and all.
     std::string space_named(const std::string& asked, const std::string& name) const;
     // What this configuration calls the space; empty where it has none such.
     std::string name_of(const KnownSpace& space) const;

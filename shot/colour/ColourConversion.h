@@ -9,8 +9,8 @@
 
 namespace veloxa {
 
-// In single precision, with the library's exact functions rather than its fast ones. A pixel's bits depend on its
-// values alone. Any thread may apply; copies share what they need.
+// In single precision, with the library's exact functions rather than its fast ones. A pixel's bits depend on
+// its values alone. Any thread may apply; copies share what they need.
 class ColourConversion {
   public:
     ColourConversion() = default;  // changes nothing
@@ -27,11 +27,12 @@ class ColourConversion {
 // What an image's alpha has to do with its colour.
 enum class AlphaIs {
     kApart,       // colour is as if there were none: plates, composites, straight cuts
-    kMultiplied,  // colour is multiplied by it: divided, converted and multiplied again where it is between 0 and 1
+    kMultiplied,  // colour is multiplied by it: divided, converted and multiplied again where it is between 0
+                  // and 1
 };
 
-// Converts red, green and blue in place, on the library's threads. A plane that channels share becomes one for each;
-// a channel that is absent counts as 0. Alpha stays.
+// Converts red, green and blue in place, on the library's threads. A plane that channels share becomes one
+// for each; a channel that is absent counts as 0. Alpha stays.
 void convert(Image& image, const ColourConversion& conversion, AlphaIs alpha);
 
 }  // namespace veloxa

@@ -1,5 +1,5 @@
-// The colour spaces that the program knows by itself: those of its own configuration, and what it calls what files
-// say of their values.
+// The colour spaces that the program knows by itself: those of its own configuration, and what it calls what
+// files say of their values.
 #pragma once
 
 #include <OpenColorIO/OpenColorIO.h>
@@ -30,9 +30,9 @@ struct KnownSpace {
 
     const char* name;
     std::string_view aliases;  // with bars between them
-    const Gamut* gamut;  // null where it is none, or none that is published
-    Curve curve;         // from the space to light; straight with a style too
-    const char* style;   // OpenColorIO's own transform to ACES2065-1, or null
+    const Gamut* gamut;        // null where it is none, or none that is published
+    Curve curve;               // from the space to light; straight with a style too
+    const char* style;         // OpenColorIO's own transform to ACES2065-1, or null
     const char* description;
 
     bool is_linear() const;

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "shot/Errors.h"
+#include "shot/colour/FileSpace.h"
 #include "shot/files/AtomicFile.h"
 #include "shot/files/CheckedFile.h"
 #include "shot/files/FileReader.h"
@@ -71,6 +72,7 @@ OIIO::ImageSpec spec_for(OIIO::ImageSpec spec, const Image& image, const OIIO::I
         spec.attribute("dpx:FrameRate", rate);
         spec.attribute("dpx:TemporalFrameRate", rate);
     }
+    tag_for_format(spec, format);
     if (windows || format == "tiff") {
         spec.attribute("compression", "zip");
     } else if (format == "iff" && spec.nchannels == 4) {

@@ -27,12 +27,24 @@ Hash identity_of(const std::string& path, bool matte) {
     return hash;
 }
 
+std::array<std::string, kInputCount> own_spaces(const FrameLoader::Names& names) {
+    std::array<std::string, kInputCount> spaces;
+    for (const Input n : {kFg, kCp, kBg}) spaces[n] = names[n].choice().space;
+    return spaces;
+}
+
 bool is_one_everywhere(const Image& image, Channel c) {
     const float* const samples = image.plane(c).get();
     return std::all_of(samples, samples + image.width() * image.height(), [](float v) { return v == 1.0f; });
 }
 
 }  // namespace
+
+FrameLoader::FrameLoader(Names names, Fit fit, const ColourOptions& colour, Caller caller)
+    : names_(std::move(names)),
+      fit_(fit),
+      caller_(std::move(caller)),
+      colour_(colour, own_spaces(names_), caller_) {}
 
 void FrameLoader::warn(Input input, const std::string& path, const Image& image) {
     if (!std::exchange(looked_for_parts_[input], true)) warn_of_parts(path, caller_);
@@ -48,9 +60,10 @@ void FrameLoader::warn(Input input, const std::string& path, const Image& image)
 LoadedInput FrameLoader::read(Input input, int frame) {
     const std::string path = names_[input].at(frame);
     const bool matte = input == kGm || input == kHm;
-    const Hash identity = identity_of(path, matte);
+    Hash identity = identity_of(path, matte);
     Image image = matte ? read_matte(path, caller_.abort) : read_image(path, caller_.abort);
     warn(input, path, image);
+    if (!matte) colour_.take(image, input, path, identity);
     return {std::make_shared<const Image>(std::move(image)), identity};
 }
 

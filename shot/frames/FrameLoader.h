@@ -6,6 +6,7 @@
 
 #include "ZoImage/Hash.h"
 #include "shot/Caller.h"
+#include "shot/colour/ShotColour.h"
 #include "shot/frames/PictureName.h"
 #include "shot/image/Fit.h"
 #include "shot/image/Image.h"
@@ -27,8 +28,10 @@ class FrameLoader {
   public:
     using Names = std::array<PictureName, kInputCount>;  // empty for inputs that are not used
 
-    FrameLoader(Names names, Fit fit, Caller caller)
-        : names_(std::move(names)), fit_(fit), caller_(std::move(caller)) {}
+    // Throws what ShotColour does.
+    FrameLoader(Names names, Fit fit, const ColourOptions& colour, Caller caller);
+
+    const ShotColour& colour() const { return colour_; }
 
     // Loads what all frames share, so that a mistake there shows before any frame.
     void load_stills();
@@ -47,6 +50,7 @@ class FrameLoader {
     Names names_;
     Fit fit_;
     Caller caller_;
+    ShotColour colour_;
     LoadedInput ahead_;  // a foreground that was read before its turn, and its frame
     int ahead_frame_ = 0;
     FrameInputs stills_;         // as read

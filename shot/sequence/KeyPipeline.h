@@ -116,6 +116,7 @@ class KeyPipeline {
     const std::string own_mode_;      // of the knob "output_mode"
     std::vector<std::string> modes_;  // that the outputs need
     const bool passes_;               // the foreground through, as no screen colour is set
+    const bool mattes_alone_;         // no output has colour
     NodeInputs& inputs_;
     Caller caller_;
     Zo::Image::Renderer renderer_;

@@ -45,7 +45,7 @@ while IFS='|' read -r status text arguments; do
     # shellcheck disable=SC2086
     expect "$status" "$text" $arguments
 done <<'TABLE'
-2|key, analyse, knobs, controls, cleanplate, tune, plate, compare, score|
+2|key, analyse, knobs, controls, spaces, cleanplate, tune, plate, compare, score|
 2|nonsense: there is no such command|nonsense
 2|--fg|key -o out/a.exr
 2|--threads|key --fg shot/fg.0001.exr -o out/a.exr --threads 0

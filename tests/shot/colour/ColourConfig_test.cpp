@@ -72,9 +72,9 @@ TEST(ColourConfig, EverySpaceThereAndBackIsWhereItWas) {
 
 TEST(ColourConfig, SaysWhichNamesThereAre) {
     const ColourConfig config = ColourConfig::built_in();
-    EXPECT_EQ(config.space_named("--in-space", "LIN_AP1"), "ACEScg");
+    EXPECT_EQ(config.space_named("--in-space ", "LIN_AP1"), "ACEScg");
     try {
-        config.space_named("--in-space", "acescgg");
+        config.space_named("--in-space ", "acescgg");
         FAIL();
     } catch (const UsageError& error) {
         EXPECT_THAT(error.what(), HasSubstr("--in-space acescgg: there is no such colour space; did you mean "
