@@ -24,7 +24,7 @@ struct Options {
     ColourOptions colour;
     KnobSettings settings;
     ScreenOptions screen;
-    std::string depth;
+    FormatOptions format;
     int threads = 0;
     int memory = 1024;
     bool overwrite = false;
@@ -49,8 +49,8 @@ int make_clean_plate(const Options& options) {
     const PictureName name(options.foreground);
     const FrameRange frames = frames_of(options.frames, {&name, 1});
     if (!options.screen.pick.empty()) parse_box("--pick", options.screen.pick);
-    const WriteOptions write{
-        .depth = Depth(options.depth), .overwrite = options.overwrite, .abort = &interrupt_flag()};
+    WriteOptions write{.overwrite = options.overwrite, .abort = &interrupt_flag()};
+    options.format.apply_to(write);
     check_writable(options.output, write);
     for (int n = 0; n < frames.count(); ++n) refuse_input(options.output, {&name, 1}, frames.at(n));
     catch_interrupts();
@@ -98,7 +98,7 @@ void add_cleanplate_command(CLI::App& app, Run& run) {
     add_frames_option(*command, options->frames);
     add_knob_options(*command, options->settings);
     add_screen_options(*command, options->screen, "the first frame");
-    add_depth_option(*command, options->depth);
+    add_format_options(*command, options->format);
     command->add_option("--memory", options->memory, "MiB that samples may take")
         ->type_name("N")
         ->check(CLI::Range(1, 1 << 20))

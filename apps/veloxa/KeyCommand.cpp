@@ -34,8 +34,9 @@ struct Options {
     std::string shot;
     std::string shot_frames;
     std::string stage;
-    std::string depth;
+    FormatOptions format;
     int threads = 0;
+    bool no_provenance = false;
     bool stats = false;
     bool resume = false;
     bool overwrite = false;
@@ -46,7 +47,9 @@ KeyPlan plan_for(const Options& options, const FrameRange& frames) {
     KeyPlan plan;
     plan.frames = frames;
     plan.outputs = parse_outputs(options.outputs);
-    plan.write = {.depth = Depth(options.depth), .overwrite = options.overwrite || options.resume};
+    plan.write.overwrite = options.overwrite || options.resume;
+    options.format.apply_to(plan.write);
+    if (!options.no_provenance) plan.program = "veloxa " VELOXA_VERSION;
     plan.resume = options.resume;
     plan.threads = options.threads;
     for (const KeyOutput& output : plan.outputs) {
@@ -229,7 +232,9 @@ void add_rendering(CLI::App& command, Options& options) {
                     "Write an internal operator's rows instead, on the working scale")
         ->type_name("MEMBER");
     command.add_flag("--stats", options.stats, "Print rows and time per operator");
-    add_depth_option(command, options.depth);
+    add_format_options(command, options.format);
+    command.add_flag("--no-provenance", options.no_provenance,
+                     "Leave program, inputs and settings out of the metadata");
     command.add_flag("--resume", options.resume, "Leave out frames whose output is there and whole");
     command.add_flag("--overwrite", options.overwrite, "Replace outputs that exist");
     command.add_flag("--quiet", options.quiet, "Show no progress");

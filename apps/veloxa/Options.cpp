@@ -1,8 +1,18 @@
 #include "Options.h"
 
+#include <string_view>
+
+#include "shot/Errors.h"
+#include "shot/Numbers.h"
 #include "shot/setup/ScreenChoice.h"
 
 namespace veloxa {
+
+namespace {
+
+constexpr int kLargestTile = 1 << 14;
+
+}  // namespace
 
 void add_knob_options(CLI::App& command, KnobSettings& settings) {
     command.add_option("--script", settings.script, "Set knobs from a script")->type_name("FILE");
@@ -47,10 +57,38 @@ void add_threads_option(CLI::App& command, int& threads) {
         ->check(CLI::Range(1, 1024));
 }
 
-void add_depth_option(CLI::App& command, std::string& depth) {
+void FormatOptions::apply_to(WriteOptions& how) const {
+    set_depth(how, depth);
+    how.compression = compression;
+    how.quality = quality;
+    if (tiles.empty()) return;
+    std::string_view rest = tiles;
+    const bool good = take(rest, how.tile_width) && take(rest, 'x') && take(rest, how.tile_height);
+    const auto fits = [](int n) { return n >= 1 && n <= kLargestTile; };
+    if (!good || !rest.empty() || !fits(how.tile_width) || !fits(how.tile_height)) {
+        throw UsageError("--tiles " + tiles + ": expected WxH, as in 64x64, each up to " +
+                         std::to_string(kLargestTile));
+    }
+}
+
+void add_format_options(CLI::App& command, FormatOptions& options) {
     command
-        .add_option("--depth", depth, "Samples: half in OpenEXR, float in RLA, else up to uint16, without it")
-        ->check(CLI::IsMember({"half", "float", "uint8", "uint16"}));
+        .add_option(
+            "--depth", options.depth,
+            "Samples: half in OpenEXR, float in RLA, else up to uint16, without it; uint10 and uint12 "
+            "in DPX and TIFF")
+        ->check(CLI::IsMember({"half", "float", "uint8", "uint10", "uint12", "uint16"}));
+    command
+        .add_option(
+            "--compression", options.compression,
+            "As OpenEXR, TIFF, TGA, PNG and WebP have it, as piz, dwaa:45, zip:9, none; without it the "
+            "foreground's where the format has that")
+        ->type_name("NAME[:LEVEL]");
+    command.add_option("--quality", options.quality, "Of JPEG, WebP and HEIF, 1 to 100")
+        ->type_name("N")
+        ->check(CLI::Range(1, 100));
+    command.add_option("--tiles", options.tiles, "Tiles instead of rows, in OpenEXR and TIFF")
+        ->type_name("WxH");
 }
 
 void add_setup_options(CLI::App& command, SetupOptions& options) {

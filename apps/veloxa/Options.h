@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <string>
 
+#include "shot/files/ImageFile.h"
 #include "shot/setup/KeySetup.h"
 
 namespace veloxa {
@@ -19,6 +20,17 @@ void add_setup_options(CLI::App& command, SetupOptions& options);
 void add_colour_options(CLI::App& command, ColourOptions& options);
 void add_frames_option(CLI::App& command, std::string& frames);
 void add_threads_option(CLI::App& command, int& threads);
-void add_depth_option(CLI::App& command, std::string& depth);
+
+// As the command line gives them: --depth, --compression, --quality, --tiles.
+struct FormatOptions {
+    std::string depth;
+    std::string compression;
+    int quality = 0;
+    std::string tiles;
+
+    // Throws UsageError.
+    void apply_to(WriteOptions& how) const;
+};
+void add_format_options(CLI::App& command, FormatOptions& options);
 
 }  // namespace veloxa

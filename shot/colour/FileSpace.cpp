@@ -9,8 +9,8 @@ namespace veloxa {
 
 namespace {
 
-constexpr const char* kSpaceTag = "veloxa:ColourSpace";
-constexpr const char* kFromTag = "veloxa:ConvertedFrom";
+constexpr const char* kSpaceTag = "veloxa:space";
+constexpr const char* kFromTag = "veloxa:convertedFrom";
 constexpr const char* kWhyTag = "oiio:ColourSpaceWhy";  // what begins with oiio: is not written
 constexpr const char* kLibraryTag = "oiio:ColorSpace";
 constexpr int kUncalibrated = 0xffff;  // Exif's word for what is not sRGB

@@ -10,33 +10,64 @@ using namespace Zo::Image;
 
 namespace {
 
-void convert(const float* in, float* out, std::size_t count) {
+void convert(const float* in, float* out, std::size_t count, int) {
     std::copy_n(in, count, out);
 }
 
-void convert(const float* in, Half* out, std::size_t count) {
+void convert(const float* in, Half* out, std::size_t count, int) {
     to_half(in, out, count);
 }
 
-// NaN fails both comparisons' first side and becomes 0.
+// NaN fails both comparisons' first side and becomes 0. Samples of fewer bits fill their type with their
+// uppermost bits once more, as readers do.
 template <class T>
-void convert(const float* in, T* out, std::size_t count) {
-    constexpr auto kMax = static_cast<float>(std::numeric_limits<T>::max());
+void convert(const float* in, T* out, std::size_t count, int bits) {
+    constexpr int kBits = std::numeric_limits<T>::digits;
+    const int used = bits > 0 ? bits : kBits;
+    const auto most = static_cast<float>((1 << used) - 1);
     for (std::size_t n = 0; n < count; ++n) {
         const float low = in[n] > 0.0f ? in[n] : 0.0f;
         const float clamped = low < 1.0f ? low : 1.0f;
-        out[n] = static_cast<T>(clamped * kMax + 0.5f);
+        const auto value = static_cast<unsigned>(clamped * most + 0.5f);
+        out[n] = static_cast<T>(value << (kBits - used) | value >> (2 * used - kBits));
     }
+}
+
+// Whether alpha is not in the colour of such a file, by what it is read as elsewhere.
+bool is_straight(std::string_view format) {
+    for (const std::string_view one : {"bmp", "gif", "heif", "ico", "jpeg2000", "png", "targa", "webp"}) {
+        if (format == one) return true;
+    }
+    return false;
+}
+
+bool holds_grey(std::string_view format) {
+    for (const std::string_view one : {"gif", "hdr", "heif", "iff", "webp"}) {
+        if (format == one) return false;
+    }
+    return true;
+}
+
+void divide(float* colour, const float* alpha, std::size_t count) {
+    for (std::size_t n = 0; n < count; ++n) colour[n] = alpha[n] > 0.0f ? colour[n] / alpha[n] : 0.0f;
 }
 
 }  // namespace
 
-FileRows::FileRows(const Image& image, const OIIO::ImageOutput& output) : image_(image) {
+FileRows::FileRows(const Image& image, const OIIO::ImageOutput& output, const WriteOptions& options)
+    : image_(image), bits_(options.bits) {
+    const std::string_view format = output.format_name();
+    const bool straight = is_straight(format);
+    const bool opaque = straight && options.alpha == Alpha::kOpaque && image.has(kRed);
     for (const Channel c : image.info.channels& kMaskRgba) {
-        if (image.has(c) && (c != kAlpha || output.supports("alpha"))) channels_.push_back(c);
+        if (!image.has(c)) continue;
+        const bool alone = !image.has(kRed);
+        if (alone && !holds_grey(format)) channels_ = {kAlpha, kAlpha};
+        if (c != kAlpha || alone || (output.supports("alpha") && !opaque)) channels_.push_back(c);
     }
-    const bool windows = std::string_view(output.format_name()) == "openexr";
-    box_ = windows ? image.info.box : image.info.format.box;
+    divides_ = straight && options.alpha == Alpha::kPremultiplied && image.has(kAlpha) &&
+               channels_.size() > 1 && channels_.back() == kAlpha;
+    box_ = format == "openexr" ? image.info.box : image.info.format.box;
 }
 
 template <class Sample>
@@ -49,8 +80,15 @@ void FileRows::fill(int n, Sample* row, Sample* samples) const {
     const int x1 = std::min(box_.r, from.r);
     if (y < from.y || y >= from.t || x0 >= x1) return;
     const auto count = static_cast<std::size_t>(x1 - x0);
+    std::vector<float> divided(divides_ ? count : 0);
     for (std::size_t c = 0; c < stride; ++c) {
-        convert(image_.line(channels_[c], y) + (x0 - from.x), samples, count);
+        const float* line = image_.line(channels_[c], y) + (x0 - from.x);
+        if (divides_ && channels_[c] != kAlpha) {
+            std::copy_n(line, count, divided.data());
+            divide(divided.data(), image_.line(kAlpha, y) + (x0 - from.x), count);
+            line = divided.data();
+        }
+        convert(line, samples, count, bits_);
         Sample* out = row + static_cast<std::size_t>(x0 - box_.x) * stride + c;
         for (std::size_t x = 0; x < count; ++x) out[x * stride] = samples[x];
     }

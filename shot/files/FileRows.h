@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "shot/files/ImageFile.h"
 #include "shot/image/HalfFloat.h"
 #include "shot/image/Image.h"
 
@@ -14,18 +15,20 @@ namespace veloxa {
 
 class FileRows {
   public:
-    // What this writer's format holds of the image: channels that it knows, and the data window or, where the
-    // format has none, the display window. Refers to the image.
-    FileRows(const Image& image, const OIIO::ImageOutput& output);
+    // What this writer's format holds of the image: channels that it knows and needs, and the data window or,
+    // where the format has none, the display window. Refers to the image.
+    FileRows(const Image& image, const OIIO::ImageOutput& output, const WriteOptions& options);
 
     const std::vector<Zo::Image::Channel>& channels() const { return channels_; }
     const Zo::Image::Box& box() const { return box_; }
+    const Zo::Image::Box& frame() const { return image_.info.format.box; }
     std::size_t width() const { return static_cast<std::size_t>(box_.width()); }
     int height() const { return box_.height(); }
     std::size_t pitch() const { return channels_.size() * width(); }  // samples in a row
 
     // Row n of the file from its first; black where the image has no pixel. `samples` has room for a
-    // channel's. Integers are clamped to their range and rounded to nearest; NaN becomes 0.
+    // channel's. Integers are clamped to their range and rounded to nearest; NaN becomes 0. Colour is divided
+    // by alpha, and 0 where that is 0, in formats that keep them apart.
     template <class Sample>
     void fill(int n, Sample* row, Sample* samples) const;
 
@@ -33,6 +36,8 @@ class FileRows {
     const Image& image_;
     std::vector<Zo::Image::Channel> channels_;
     Zo::Image::Box box_;
+    bool divides_ = false;
+    int bits_ = 0;
 };
 
 // Calls work(sample) with a sample of the type that rows of this type of file are made in.

@@ -6,6 +6,7 @@
 
 #include "ZoImage/Render.h"
 #include "shot/Caller.h"
+#include "shot/files/Provenance.h"
 #include "shot/image/Image.h"
 
 namespace veloxa {
@@ -40,13 +41,22 @@ enum class Alpha {
 
 struct WriteOptions {
     Depth depth{};  // unknown: half in OpenEXR, float in RLA, else up to 16-bit integers
+    int bits = 0;   // of an integer sample where fewer than its type's: 10 or 12, in DPX and TIFF
     Alpha alpha = Alpha::kAsStored;
+    std::string compression{};  // NAME or NAME:LEVEL; empty for the metadata's, or the format's usual one
+    int quality = 0;            // 1 to 100 of JPEG, WebP and HEIF; 0 for the library's
+    int tile_width = 0;         // 0 for rows
+    int tile_height = 0;
+    Provenance made_by{};
     bool overwrite = false;
     const Zo::Image::AbortFlag* abort = nullptr;
 };
 
-// Throws Error when no writer answers to the file's extension, when the format cannot hold the depth, or
-// when the file cannot be made there; so that a mistake shows before any frame is rendered.
+// "half", "float", "uint8", "uint10", "uint12" or "uint16"; empty for unknown. Throws UsageError for others.
+void set_depth(WriteOptions& options, const std::string& name);
+
+// Throws Error when no writer answers to the file's extension, when the format cannot hold what the options
+// ask for, or when the file cannot be made there; so that a mistake shows before any frame is rendered.
 void check_writable(const std::string& path, const WriteOptions& options);
 
 // Writes the present channels with the header's metadata. The file appears under its name when it has been

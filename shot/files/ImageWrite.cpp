@@ -1,13 +1,15 @@
 // Writing of image files; see ImageFile.h.
 #include <algorithm>
 #include <cstring>
+#include <map>
 #include <memory>
 #include <string_view>
+#include <utility>
 
 #include "shot/Errors.h"
-#include "shot/colour/FileSpace.h"
 #include "shot/files/AtomicFile.h"
 #include "shot/files/CheckedFile.h"
+#include "shot/files/FileHeader.h"
 #include "shot/files/FileReader.h"
 #include "shot/files/FileRows.h"
 #include "shot/files/ImageFile.h"
@@ -28,75 +30,10 @@ std::unique_ptr<OIIO::ImageOutput> writer_for(const std::string& path) {
     return output;
 }
 
-Depth usual_depth(std::string_view format) {
-    if (format == "openexr") return Depth::HALF;
-    // The library's run lengths of integers in RLA do not always read back; floats have none.
-    return format == "rla" ? Depth::FLOAT : Depth::UINT16;
-}
-
-// A file's header, out of the metadata in `spec`.
-OIIO::ImageSpec spec_for(OIIO::ImageSpec spec, const Image& image, const OIIO::ImageOutput& output,
-                         Depth depth) {
-    const std::string_view format = output.format_name();
-    const FileRows rows(image, output);
-    const Box& box = rows.box();
-    const Box& frame = image.info.format.box;
-    if (spec.nchannels < 3) spec.erase_attribute("ICCProfile");  // a profile of grey does not fit colour
-
-    const bool windows = format == "openexr";
-    spec.full_x = windows ? spec.full_x : 0;
-    spec.full_y = windows ? spec.full_y : 0;
-    spec.full_z = spec.z = 0;
-    spec.full_width = frame.width();
-    spec.full_height = frame.height();
-    spec.x = spec.full_x + box.x;
-    spec.y = spec.full_y + frame.t - box.t;
-    spec.width = box.width();
-    spec.height = box.height();
-    spec.depth = spec.full_depth = 1;
-    spec.tile_width = spec.tile_height = 0;
-    spec.tile_depth = 1;
-    spec.deep = false;
-
-    spec.channelformats.clear();
-    spec.channelnames.clear();
-    spec.alpha_channel = spec.z_channel = -1;
-    for (const Channel c : rows.channels()) {
-        if (c == kAlpha) spec.alpha_channel = static_cast<int>(spec.channelnames.size());
-        spec.channelnames.emplace_back(1, "RGBA"[c - kRed]);
-    }
-    spec.nchannels = static_cast<int>(spec.channelnames.size());
-    spec.set_format(depth == Depth::UNKNOWN ? usual_depth(format) : depth);
-
-    if (const float rate = spec.get_float_attribute("FramesPerSecond"); format == "dpx" && rate > 0.0f) {
-        spec.attribute("dpx:FrameRate", rate);
-        spec.attribute("dpx:TemporalFrameRate", rate);
-    }
-    tag_for_format(spec, format);
-    if (windows || format == "tiff") {
-        spec.attribute("compression", "zip");
-    } else if (format == "iff" && spec.nchannels == 4) {
-        spec.attribute("compression", "none");  // the library's run lengths do not read back
-    }
-    if (!windows && format != "tiff") {
-        spec.attribute("oiio:UnassociatedAlpha", 1);  // store the colour as it is, do not divide by alpha
-    }
-    return spec;
-}
-
 // Behind a proxy the library gives libtiff nothing to read, but libtiff reads the image's directory again
 // after it has written one for Exif, and makes an unusable file when it cannot.
 bool takes_proxy(const OIIO::ImageOutput& output) {
     return output.supports("ioproxy") && std::string_view(output.format_name()) != "tiff";
-}
-
-// Refuses a file that has another sample type than the one that was asked for.
-void check_type(const std::string& path, const OIIO::ImageOutput& output, Depth depth) {
-    const Depth type = output.spec().format;
-    if (depth != Depth::UNKNOWN && type != depth) {
-        throw Error(path, std::string("the format cannot hold ") + depth.c_str() +
-                              " samples; it would hold " + type.c_str());
-    }
 }
 
 template <class Sample>
@@ -126,19 +63,9 @@ bool write_rows(OIIO::ImageOutput& output, const FileRows& from, const AbortFlag
     return true;
 }
 
-bool write_pixels(OIIO::ImageOutput& output, const Image& image, const AbortFlag* abort) {
-    const FileRows rows(image, output);
+bool write_pixels(OIIO::ImageOutput& output, const FileRows& rows, const AbortFlag* abort) {
     return with_sample_of(output.spec().format,
                           [&]<class Sample>(Sample) { return write_rows<Sample>(output, rows, abort); });
-}
-
-bool keeps_samples(const OIIO::ImageOutput& output) {
-    for (const std::string_view format : {"gif", "hdr", "heif", "jpeg", "webp"}) {
-        if (format == output.format_name()) return false;
-    }
-    const OIIO::TypeDesc type = output.spec().format;
-    return type == OIIO::TypeDesc::UINT8 || type == OIIO::TypeDesc::UINT16 || type == OIIO::TypeDesc::HALF ||
-           type == OIIO::TypeDesc::FLOAT;
 }
 
 std::string header_fault(const OIIO::ImageSpec& read, const OIIO::ImageOutput& output) {
@@ -186,12 +113,11 @@ std::string sample_fault(FileReader& reader, const FileRows& rows, bool exact) {
 // Reads a file back that `output` has written from the image and closed. Empty when it has the size, windows,
 // channels and type that the writer opened it with, and every sample of it: the same bits, or, for formats
 // that only approximate samples, any; else what is wrong. Throws Interrupted.
-std::string read_back(const std::string& path, const Image& image, const OIIO::ImageOutput& output,
+std::string read_back(const std::string& path, const FileRows& rows, const OIIO::ImageOutput& output,
                       const AbortFlag* abort) try {
     FileReader reader(path, abort);
     std::string fault = header_fault(reader.spec(), output);
     if (!fault.empty()) return fault;
-    const FileRows rows(image, output);
     return with_sample_of(output.spec().format, [&]<class Sample>(Sample) {
         return sample_fault<Sample>(reader, rows, keeps_samples(output));
     });
@@ -214,25 +140,39 @@ std::string write_once(const std::string& temporary, const std::string& path, co
         if (bytes && !bytes->failure().empty()) throw Error(path, bytes->failure());
     };
     check_bytes();
-    bool good = output->open(temporary, spec_for(header, image, *output, options.depth));
+    const FileRows rows(image, *output, options);
+    bool good = output->open(temporary, header_for(header, rows, *output, options));
     if (good) {
-        check_type(path, *output, options.depth);
-        good = write_pixels(*output, image, options.abort);
+        check_type(path, *output, options);
+        good = write_pixels(*output, rows, options.abort);
         good = output->close() && good;
     }
     if (bytes && good) bytes->close();
     check_bytes();
     if (!good) return tidy_message(output->geterror(), temporary, "could not be written");
-    return read_back(temporary, image, *output, options.abort);
+    return read_back(temporary, rows, *output, options.abort);
 }
 
 }  // namespace
+
+void set_depth(WriteOptions& options, const std::string& name) {
+    static const std::map<std::string_view, std::pair<Depth, int>> kDepths{
+        {"", {Depth::UNKNOWN, 0}},      {"half", {Depth::HALF, 0}},      {"float", {Depth::FLOAT, 0}},
+        {"uint8", {Depth::UINT8, 0}},   {"uint10", {Depth::UINT16, 10}}, {"uint12", {Depth::UINT16, 12}},
+        {"uint16", {Depth::UINT16, 0}},
+    };
+    const auto depth = kDepths.find(name);
+    if (depth == kDepths.end()) throw UsageError("--depth " + name + ": there is no such depth");
+    options.depth = depth->second.first;
+    options.bits = depth->second.second;
+}
 
 void check_writable(const std::string& path, const WriteOptions& options) {
     AtomicFile::check(path, options.overwrite);
     const Hush hush(path);
     OIIO::Filesystem::IOVecOutput memory;  // outlives the writer, which writes once more when it goes
     const auto output = writer_for(path);
+    check_options(path, *output, options);
     if (options.depth == Depth::UNKNOWN || !output->supports("ioproxy")) return;
     // What a writer makes of a sample type shows only when it opens a file; this one stays in memory.
     Info info;
@@ -241,10 +181,11 @@ void check_writable(const std::string& path, const WriteOptions& options) {
     Image image(info);
     for (const Plane& plane : image.planes) std::fill_n(plane.get(), 16 * 16, 0.0f);
     output->set_ioproxy(&memory);
-    if (!output->open(path, spec_for(image.header, image, *output, options.depth))) return;
-    write_pixels(*output, image, nullptr);
+    const FileRows rows(image, *output, options);
+    if (!output->open(path, header_for(image.header, rows, *output, options))) return;
+    write_pixels(*output, rows, nullptr);
     output->close();
-    check_type(path, *output, options.depth);
+    check_type(path, *output, options);
 }
 
 std::string write_image(const std::string& path, const Image& image, const WriteOptions& options) {
@@ -255,6 +196,7 @@ std::string write_image(const std::string& path, const Image& image, const Write
         OIIO::ImageSpec header = image.header;
         left_out = keep_metadata(header, kept);
         if (kept != Metadata::kAll && left_out.empty()) continue;
+        options.made_by.note(header, writer_for(path)->format_name());
         if (!fits(header, *writer_for(path))) continue;
         const std::string now = write_once(file.temporary(), path, image, header, options);
         if (now.empty()) {

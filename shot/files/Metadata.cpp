@@ -10,10 +10,11 @@ namespace {
 
 bool describes_storage(std::string_view name) {
     if (name == "oiio:ColorSpace" || name == "oiio:Gamma") return false;
+    if (name == "openexr:dwaCompressionLevel") return false;  // goes with the compression, which may be kept
     for (const std::string_view prefix : {"oiio:", "openexr:", "thumbnail_"}) {
         if (name.starts_with(prefix)) return true;
     }
-    return name == "compression" || name == "textureformat" || name == "planarconfig" || name == "multiView";
+    return name == "textureformat" || name == "planarconfig" || name == "multiView";
 }
 
 // The block that an attribute is stored in, empty for those that stand by themselves. The library shows a

@@ -33,6 +33,7 @@ class FrameLoader {
 
     const ShotColour& colour() const { return colour_; }
 
+    const Names& names() const { return names_; }
     // Loads what all frames share, so that a mistake there shows before any frame.
     void load_stills();
     // The foreground of a frame, kept for when that frame is loaded.

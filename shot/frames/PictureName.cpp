@@ -66,6 +66,7 @@ PictureName::PictureName(const std::string& text) {
         return;
     }
     pattern_ = FramePattern(text.substr(0, hash));
+    choice_text_ = text.substr(hash);
     for (std::string_view rest = std::string_view(text).substr(hash + 1);;) {
         const std::size_t comma = rest.find(',');
         take_entry(choice_, rest.substr(0, comma), text);

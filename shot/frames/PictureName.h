@@ -38,12 +38,15 @@ class PictureName {
     bool empty() const { return pattern_.empty(); }
     bool has_frame() const { return pattern_.has_frame(); }
     std::string at(int frame) const { return pattern_.at(frame); }
+    // With the choice, as it was given.
+    std::string text_at(int frame) const { return at(frame) + choice_text_; }
 
     const PictureChoice& choice() const { return choice_; }
 
   private:
     FramePattern pattern_;
     PictureChoice choice_;
+    std::string choice_text_;
 };
 
 // The frames that --frames names; one of any number where it is empty. Throws UsageError where it is needed

@@ -86,8 +86,12 @@ std::vector<ToolReport> Node::use_tool(Knob& button) const {
     return op_->tool_reports();
 }
 
+std::string Node::script() const {
+    return write_script(*panel_);
+}
+
 void Node::save_script(const std::string& path, bool overwrite) const {
-    write_text(path, write_script(*panel_), overwrite);
+    write_text(path, script(), overwrite);
 }
 
 Iop& Node::member(const std::string& name) const {

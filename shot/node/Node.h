@@ -34,7 +34,9 @@ class Node {
     const std::set<Zo::Image::Knob*>& named() const { return named_; }
     // Presses a button that starts a tool, and tells what the tool did. Throws Interrupted.
     std::vector<Zo::Image::ToolReport> use_tool(Zo::Image::Knob& button) const;
-    // Writes the knobs that differ from their defaults.
+    // The knobs that differ from their defaults, as a script.
+    std::string script() const;
+    // Writes that.
     void save_script(const std::string& path, bool overwrite) const;
 
     // The internal operator of this name. Throws UsageError with the names that there are.

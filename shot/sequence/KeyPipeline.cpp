@@ -30,6 +30,15 @@ bool is_matte(const KeyOutput& output) {
     return output.picture == Picture::kMatte;
 }
 
+// A line each, for provenance.
+std::string inputs_text(const FrameLoader::Names& names, int frame) {
+    std::string text;
+    for (std::size_t n = 0; n < names.size(); ++n) {
+        if (!names[n].empty()) text += std::string(kInputNames[n]) + " " + names[n].text_at(frame) + "\n";
+    }
+    return text;
+}
+
 }  // namespace
 
 void check_outputs(const KeyPlan& plan, const FrameLoader::Names& inputs) {
@@ -65,6 +74,7 @@ KeyPipeline::KeyPipeline(KeyPlan plan, FrameLoader& loader, Node& node, Iop& roo
       node_(node),
       root_(root),
       own_mode_(node.panel().get(kModeKnob).text()),
+      settings_(node.script()),
       passes_(!has_screen_color(node.panel(), {})),
       mattes_alone_(std::ranges::all_of(plan_.outputs, is_matte)),
       inputs_(inputs),
@@ -196,13 +206,14 @@ void KeyPipeline::key() {
 void KeyPipeline::write(const Keyed& keyed, std::size_t output) {
     const Stopwatch watch(stats_.write);
     const std::string path = plan_.outputs[output].file.at(keyed.frame);
-    const std::string left_out = write_image(path, keyed.pictures[output], how_to_write(output));
+    const std::string left_out = write_image(path, keyed.pictures[output], how_to_write(keyed.frame, output));
     if (left_out.empty() || std::exchange(told_left_out_, true)) return;
     caller_.warn(left_out_warning(path, left_out));
 }
 
-WriteOptions KeyPipeline::how_to_write(std::size_t output) const {
+WriteOptions KeyPipeline::how_to_write(int frame, std::size_t output) const {
     WriteOptions how = plan_.write;
+    how.made_by = {plan_.program, inputs_text(loader_.names(), frame), settings_};
     // Nothing is known of what one of the operators, or the foreground, has for alpha.
     if (&root_ != &node_.image() || passes_) return how;
     how.alpha = alpha_of(mode_of(plan_.outputs[output].picture, own_mode_));

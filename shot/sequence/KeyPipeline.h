@@ -28,6 +28,7 @@ namespace veloxa {
 struct KeyPlan {
     FrameRange frames;  // one frame, of any number, for a still
     std::vector<KeyOutput> outputs;
+    std::string program;  // named in the outputs' provenance; empty for none
     WriteOptions write;
     bool resume = false;  // leave out frames whose outputs are whole
     int threads = 0;
@@ -100,7 +101,7 @@ class KeyPipeline {
     std::vector<Image> render(const FrameInputs& inputs);
     Image render_picture(const Image& foreground, const std::string& mode);
     void write(const Keyed& keyed, std::size_t output);
-    WriteOptions how_to_write(std::size_t output) const;
+    WriteOptions how_to_write(int frame, std::size_t output) const;
     bool is_done(int frame) const;
     bool stopped() const { return caller_.abort && caller_.abort->raised(); }
     // So many more rows, as parts of a frame, are rendered, and frames finished or given up.
@@ -115,6 +116,7 @@ class KeyPipeline {
     Zo::Image::Iop& root_;
     const std::string own_mode_;      // of the knob "output_mode"
     std::vector<std::string> modes_;  // that the outputs need
+    const std::string settings_;      // as a script
     const bool passes_;               // the foreground through, as no screen colour is set
     const bool mattes_alone_;         // no output has colour
     NodeInputs& inputs_;

@@ -2,35 +2,10 @@
 # Runs the program as a user does: exit statuses, messages, and what is left on the disk.
 # usage: cli_test.sh VELOXA
 set -u
-veloxa=$(realpath "$1")
 data=$(realpath "$(dirname "$0")/../controls/data")
+# shellcheck source=tests/apps/lib.sh
+. "$(dirname "$0")/lib.sh"
 lines() { tr -d '\n' <"$1" | tr '|' '\n'; } # of a text that has bars for line ends
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
-cd "$folder" || exit 1
-failures=0
-
-fail() {
-    echo "FAILED: $*"
-    failures=$((failures + 1))
-}
-
-# expect STATUS TEXT ARGUMENT...: the program ends with the status, and its messages hold the text.
-expect() {
-    local status=$1 text=$2
-    shift 2
-    "$veloxa" "$@" >out.txt 2>err.txt
-    local got=$?
-    [ $got -eq "$status" ] || fail "status $got, not $status: veloxa $* ($(head -c 300 err.txt))"
-    [ -z "$text" ] || grep -qF -- "$text" out.txt err.txt || fail "no '$text': veloxa $* ($(head -c 300 err.txt))"
-    [ "$status" -eq 0 ] || [ "${1-}" = compare ] || grep -q '^veloxa: ' err.txt || fail "no 'veloxa: ': veloxa $*"
-}
-
-expect_files() {
-    local found
-    found=$(ls -A "$1" | tr '\n' ' ')
-    [ "$found" = "$2" ] || fail "$1 holds $found, not $2"
-}
 
 pick=(--pick 0,40,8,48)
 
@@ -291,4 +266,4 @@ if [ "$(id -u)" -eq 0 ] && mount -t tmpfs -o size=16k tmpfs full 2>/dev/null; th
     umount full
 fi
 
-[ $failures -eq 0 ] || exit 1
+finish

@@ -2,27 +2,9 @@
 # Colour spaces, as a user meets them: what is told, converted, and written into files.
 # usage: colour_test.sh VELOXA
 set -u
-veloxa=$(realpath "$1")
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
-cd "$folder" || exit 1
-failures=0
+# shellcheck source=tests/apps/lib.sh
+. "$(dirname "$0")/lib.sh"
 unset OCIO
-
-fail() {
-    echo "FAILED: $*"
-    failures=$((failures + 1))
-}
-
-# expect STATUS TEXT ARGUMENT...: the program ends with the status, and its messages hold the text.
-expect() {
-    local status=$1 text=$2
-    shift 2
-    "$veloxa" "$@" >out.txt 2>err.txt
-    local got=$?
-    [ $got -eq "$status" ] || fail "status $got, not $status: veloxa $* ($(head -c 300 err.txt))"
-    [ -z "$text" ] || grep -qF -- "$text" out.txt err.txt || fail "no '$text': veloxa $* ($(head -c 300 err.txt))"
-}
 
 through=(--set screen_color=0,0,0 --overwrite) # the foreground passes
 expect 0 "" plate -o shot --size 64x48
@@ -96,4 +78,4 @@ expect 1 "none.ocio: the colour configuration that \$OCIO names cannot be loaded
     "${through[@]}" --in-space sRGB
 expect 0 "" key --fg web.png -o again.exr "${through[@]}" # needs none
 
-[ $failures -eq 0 ] || exit 1
+finish

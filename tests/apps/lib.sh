@@ -1,0 +1,35 @@
+# Shared by the scripts that run the program as a user does; they source it with $1 the program. It goes to a
+# folder of its own, which is gone afterwards. A script's last line is `finish`.
+veloxa=$(realpath "$1")
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+cd "$folder" || exit 1
+failures=0
+
+fail() {
+    echo "FAILED: $*"
+    failures=$((failures + 1))
+}
+
+# expect STATUS TEXT ARGUMENT...: the program ends with the status, and its messages hold the text. What it
+# printed is left in out.txt and err.txt.
+expect() {
+    local status=$1 text=$2
+    shift 2
+    "$veloxa" "$@" >out.txt 2>err.txt
+    local got=$?
+    [ $got -eq "$status" ] || fail "status $got, not $status: veloxa $* ($(head -c 300 err.txt))"
+    [ -z "$text" ] || grep -qF -- "$text" out.txt err.txt || fail "no '$text': veloxa $* ($(head -c 300 err.txt))"
+    [ "$status" -eq 0 ] || [ "${1-}" = compare ] || grep -q '^veloxa: ' err.txt || fail "no 'veloxa: ': veloxa $*"
+}
+
+# expect_files FOLDER NAMES: it holds these, each followed by a blank, and nothing else.
+expect_files() {
+    local found
+    found=$(ls -A "$1" | tr '\n' ' ')
+    [ "$found" = "$2" ] || fail "$1 holds $found, not $2"
+}
+
+finish() {
+    [ $failures -eq 0 ] || exit 1
+}
