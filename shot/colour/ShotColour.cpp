@@ -46,34 +46,40 @@ std::string ShotColour::space_for(const FileSpace& found, const std::string& own
         "), which the colour configuration does not have; say with --in-space S what they are there");
 }
 
-void ShotColour::tell_once(std::size_t input, const std::string& file, const std::string& space,
-                           const std::string& why) {
+void ShotColour::tell_once(std::size_t input, const std::string& file, const FileSpace& space) {
     if (!taken_[input].file.empty()) return;
     taken_[input] = {file, space};
     const Taken& plate = taken_[kPlate];
     if (converts()) {
-        caller_.tell(file + ": " + space + ", " + why + "; converted to " + working_);
+        caller_.tell(file + ": " + space.name + ", as " + space.why + "; converted to " + working_);
         return;
     }
-    if (input == kPlate) caller_.tell(file + ": " + space + ", " + why);
+    if (input == kPlate) caller_.tell(file + ": " + space.name + ", as " + space.why);
     for (std::size_t n = kPlate + 1; n < taken_.size() && !plate.file.empty(); ++n) {
         const Taken& other = taken_[n];
-        if ((input != kPlate && input != n) || other.file.empty() || other.space == plate.space) continue;
-        caller_.warn(other.file + ": warning: is " + other.space + ", but " + plate.file + " is " +
-                     plate.space + ", and both are keyed as they are stored; --out-space S converts them");
+        if ((input != kPlate && input != n) || other.file.empty() || other.space.name == plate.space.name)
+            continue;
+        const std::string text = "is " + other.space.name + ", but " + plate.file + " is " +
+                                 plate.space.name +
+                                 ", and both are keyed as they are stored; --out-space S converts them";
+        if (other.space.sure && plate.space.sure) {
+            caller_.warn(other.file + ": warning: " + text);
+        } else {
+            caller_.tell(other.file + ": " + text);
+        }
     }
 }
 
 void ShotColour::take(Image& image, std::size_t input, const std::string& file, Zo::Image::Hash& identity) {
     const FileSpace found = space_of(image.header, file);
     if (!converts()) {
-        tell_once(input, file, found.name, "as " + found.why);
+        tell_once(input, file, found);
         tag_space(image.header, found, known_space(found.name));
         return;
     }
     const std::string space = space_for(found, own_[input], file);
     const bool said = !own_[input].empty() || !in_.empty();
-    tell_once(input, file, space, said ? "as asked" : "as " + found.why);
+    tell_once(input, file, {space, said ? "asked" : found.why});
     auto way = to_working_.find(space);
     if (way == to_working_.end()) way = to_working_.emplace(space, config_->between(space, working_)).first;
     // Formats that hold an alpha beside the colour, rather than in it, are read as they are.

@@ -46,12 +46,12 @@ class ShotColour {
 
   private:
     struct Taken {
-        std::string file, space;
+        std::string file;
+        FileSpace space;
     };
 
     std::string space_for(const FileSpace& found, const std::string& own, const std::string& file) const;
-    void tell_once(std::size_t input, const std::string& file, const std::string& space,
-                   const std::string& why);
+    void tell_once(std::size_t input, const std::string& file, const FileSpace& space);
 
     std::optional<ColourConfig> config_;  // null where nothing is converted
     std::string working_, in_, out_;      // names of the configuration

@@ -45,7 +45,7 @@ class KeyPipelineTest : public test::Files {
         options.frames = "1-6";
         KeySetup setup(options, caller_);
         const KeyPlan plan{
-            setup.frames(), parse_outputs({file("out.%d.exr")}), {.overwrite = resume}, resume, 2};
+            setup.frames(), parse_outputs({file("out.%d.exr")}), "", {.overwrite = resume}, resume, 2};
         check_outputs(plan, setup.names());
         Node& node = setup.node();
         KeyPipeline pipeline(plan, setup.loader(), node, node.image(), setup.inputs(), caller_);
