@@ -5,7 +5,8 @@
 # make quality SEEDS="1 2" SIZE=1920x1080 scores keys of other plates than the usual ones.
 # make bench BENCH_ARGS=--benchmark_filter=REGEX runs some of the benchmarks.
 
-.PHONY: build bundle install deps demo test bench quality asan tsan debug format format-check tidy check-house clean
+.PHONY: build bundle install deb deb-check deps demo test bench quality asan tsan debug format format-check tidy \
+	check-house clean
 
 build: deps
 	cmake --preset release
@@ -19,8 +20,19 @@ bundle: deps
 
 install: deps
 	cmake --preset release
-	cmake --build --preset release --target veloxa Veloxa veloxa_ofx
+	cmake --build --preset release --target veloxa Veloxa veloxa_ofx pages
 	cmake --install build --prefix "$(PREFIX)"
+
+# Of what is committed, with the tests unless DEB_BUILD_OPTIONS=nocheck.
+deb:
+	@[ -n "$(SKIP_DEPS)" ] || tools/deps.sh deb
+	tools/deb.sh
+
+# Builds twice and compares, then installs, tests and purges in a system of its own. Root only.
+deb-check:
+	@[ -n "$(SKIP_DEPS)" ] || tools/deps.sh deb-check
+	tools/deb.sh --twice
+	tools/deb_check.sh
 
 deps:
 	@[ -n "$(SKIP_DEPS)" ] || tools/deps.sh

@@ -1,23 +1,33 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages that are missing; does nothing when all are there.
 #
-#   tools/deps.sh          what building, the demo and the tests need
-#   tools/deps.sh dev      also what formatting and linting need
-#   tools/deps.sh bench    also what the benchmarks need
+#   tools/deps.sh              what building, the demo and the tests need
+#   tools/deps.sh dev          also what formatting and linting need
+#   tools/deps.sh bench        also what the benchmarks need
+#   tools/deps.sh deb          also what building Debian packages needs
+#   tools/deps.sh deb-check    also what checking these needs
 set -euo pipefail
 
 packages=(
     g++ cmake ninja-build ccache pkgconf
     libopenimageio-dev libopencolorio-dev libcli11-dev nlohmann-json3-dev
     libgtest-dev libgmock-dev
+    bash-completion zsh fish man-db # their completions and the manual pages are tested in them
     openimageio-tools fonts-dejavu-core # the demo's contact sheet and its labels
 )
 case "${1-}" in
     "") ;;
     dev) packages+=(clang-format clang-tidy) ;;
     bench) packages+=(libbenchmark-dev) ;;
+    deb | deb-check)
+        # The build's own list; the one name in it that is no package's is debhelper's.
+        mapfile -t -O ${#packages[@]} packages < <(sed -nE '/^Build-Depends:/,/^[A-Z]/s/^ ([^ ,]+).*/\1/p' \
+            "$(dirname "$0")/../debian/control" | sed 's/^debhelper-compat$/debhelper/')
+        packages+=(build-essential)
+        [ "$1" = deb ] || packages+=(lintian autopkgtest debootstrap)
+        ;;
     *)
-        echo "usage: tools/deps.sh [dev|bench]" >&2
+        echo "usage: tools/deps.sh [dev|bench|deb|deb-check]" >&2
         exit 2
         ;;
 esac

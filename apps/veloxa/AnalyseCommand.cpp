@@ -1,7 +1,9 @@
 // veloxa analyse: measures a shot, so that its frames are keyed alike.
 #include <memory>
+#include <string>
 
 #include "Commands.h"
+#include "DryRun.h"
 #include "Options.h"
 #include "Signals.h"
 #include "Terminal.h"
@@ -22,16 +24,22 @@ struct Options {
     int thin = kShotFrames;
     bool overwrite = false;
     bool quiet = false;
+    bool dry_run = false;
 };
 
 int analyse(const Options& options) {
-    AtomicFile::check(options.output, options.overwrite);
     catch_interrupts();
     const Caller caller = caller_for(options.quiet);
     KeySetup setup(options.setup, caller);
     for (int n = 0; n < setup.frames().count(); ++n) {
         refuse_input(options.output, setup.names(), setup.frames().at(n));
     }
+    if (options.dry_run) {
+        Preview preview = preview_of(setup, options.setup);
+        preview.make(options.output, options.overwrite);
+        return show(preview);
+    }
+    AtomicFile::check(options.output, options.overwrite);
     setup.prepare();
     const auto measured = setup.measure_shot(setup.frames(), options.thin);
     if (measured.empty()) throw Error("no frame could be measured");
@@ -53,7 +61,7 @@ constexpr const char* kFooter =
 
 void add_analyse_command(CLI::App& app, Run& run) {
     CLI::App* command = app.add_subcommand("analyse", "Measure a shot, so that its frames are keyed alike.");
-    command->footer(kFooter);
+    command->footer(std::string(kSetupOrder) + "\n" + kFooter);
     auto options = std::make_shared<Options>();
     add_setup_options(*command, options->setup);
     command->add_option("-o,--output", options->output, "What was measured, as text")
@@ -65,6 +73,7 @@ void add_analyse_command(CLI::App& app, Run& run) {
         ->capture_default_str();
     command->add_flag("--overwrite", options->overwrite, "Replace a file that exists");
     command->add_flag("--quiet", options->quiet, "Do not tell what was measured");
+    add_dry_run_option(*command, options->dry_run);
     command->callback([options, &run] { run = [options] { return analyse(*options); }; });
 }
 

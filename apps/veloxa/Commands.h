@@ -26,5 +26,6 @@ void add_tune_command(CLI::App& app, Run& run);
 void add_plate_command(CLI::App& app, Run& run);
 void add_compare_command(CLI::App& app, Run& run);
 void add_score_command(CLI::App& app, Run& run);
+void add_help_command(CLI::App& app, Run& run);
 
 }  // namespace veloxa

@@ -2,6 +2,7 @@
 #include <array>
 #include <cstdio>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 
@@ -18,6 +19,7 @@ struct Options {
     std::string second;
     std::optional<double> max_diff;
     std::string channel;
+    bool json = false;
 };
 
 std::string row_of(const std::string& name, const Difference& d) {
@@ -27,11 +29,27 @@ std::string row_of(const std::string& name, const Difference& d) {
     return line.data();
 }
 
-int compare(const Options& options) {
-    const Comparison found = compare_files(options.first, options.second, options.channel, caller_for(false));
+std::string table_of(const Comparison& found) {
     std::string table = "channel         largest           mean  PSNR (dB)\n";
     for (const auto& [channel, difference] : found.channels) table += row_of(channel, difference);
-    print(table + row_of("overall", found.overall));
+    return table + row_of("overall", found.overall);
+}
+
+// {"channels": {NAME: {"largest", "mean", "psnr"}}, "overall": {...}}; what is infinite or no number is null.
+std::string json_of(const Comparison& found) {
+    const auto entry = [](const Difference& d) {
+        return nlohmann::ordered_json{{"largest", d.largest}, {"mean", d.mean()}, {"psnr", d.psnr()}};
+    };
+    nlohmann::ordered_json all{{"channels", nlohmann::ordered_json::object()}};
+    for (const auto& [channel, difference] : found.channels) all["channels"][channel] = entry(difference);
+    all["overall"] = entry(found.overall);
+    return all.dump(2) + "\n";
+}
+
+int compare(const Options& options) {
+    const Comparison found = compare_files(PictureName(options.first), PictureName(options.second),
+                                           options.channel, caller_for(false));
+    print(options.json ? json_of(found) : table_of(found));
     return options.max_diff && !(found.overall.largest <= *options.max_diff) ? kExitFailure : kExitOk;
 }
 
@@ -52,6 +70,7 @@ void add_compare_command(CLI::App& app, Run& run) {
         ->check(CLI::NonNegativeNumber);
     command->add_option("--channel", options->channel, "Compare this channel only: R, G, B or A")
         ->type_name("C");
+    command->add_flag("--json", options->json, "The table as JSON");
     command->callback([options, &run] { run = [options] { return compare(*options); }; });
 }
 

@@ -1,19 +1,18 @@
 // veloxa key: keys a still or a sequence.
 #include <OpenImageIO/imageio.h>
-#include <cxxabi.h>
-#include <sys/resource.h>
 
-#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <memory>
 
 #include "Commands.h"
+#include "DryRun.h"
+#include "KeyReport.h"
 #include "Options.h"
 #include "Progress.h"
 #include "Signals.h"
 #include "Terminal.h"
+#include "Usage.h"
 #include "ZoImage/Iop.h"
 #include "shot/Errors.h"
 #include "shot/files/AtomicFile.h"
@@ -35,9 +34,12 @@ struct Options {
     std::string shot_frames;
     std::string stage;
     FormatOptions format;
+    std::string keep;
     int threads = 0;
     bool no_provenance = false;
     bool stats = false;
+    bool json = false;
+    bool dry_run = false;
     bool resume = false;
     bool overwrite = false;
     bool quiet = false;
@@ -49,6 +51,7 @@ KeyPlan plan_for(const Options& options, const FrameRange& frames) {
     plan.outputs = parse_outputs(options.outputs);
     plan.write.overwrite = options.overwrite || options.resume;
     options.format.apply_to(plan.write);
+    plan.write.layers = !options.keep.empty();
     if (!options.no_provenance) plan.program = "veloxa " VELOXA_VERSION;
     plan.resume = options.resume;
     plan.threads = options.threads;
@@ -102,58 +105,34 @@ void settle_shot(const Options& options, KeySetup& setup, const Caller& caller) 
                 std::to_string(range.first) + "-" + std::to_string(range.last));
 }
 
-double milliseconds(std::chrono::nanoseconds time, int frames) {
-    return std::chrono::duration<double, std::milli>(time).count() / std::max(frames, 1);
-}
-
-// Member names down from the node's own operators; the node and its inputs have none.
-std::string name_of(const Iop& op) {
-    if (op.member_name().empty()) return op.context().node_name;
-    const Op* owner = op.parent();
-    const bool nested = owner && !owner->member_name().empty();
-    return (nested ? owner->member_name() + "." : std::string()) + op.member_name();
-}
-
-// Some classes go by the platform's name of their type, which starts with its length.
-std::string class_of(const Iop& op) {
-    std::string name = op.class_name();
-    if (name.find_first_of("0123456789") != 0) return name;
-    int failed = 0;
-    const std::unique_ptr<char, decltype(&std::free)> readable(
-        abi::__cxa_demangle(name.c_str(), nullptr, nullptr, &failed), &std::free);
-    return failed == 0 ? readable.get() : name;
-}
-
-// What --stats prints: one line an operator with its name, class, rows, rows over the frames' rows,
-// milliseconds a frame (of all threads); then milliseconds a frame of reading, keying and writing, and the
-// most memory that the program has had at a time.
-std::string table_of(const KeyStats& stats) {
-    char line[160];
-    std::snprintf(line, sizeof line, "%-24s %-22s %10s %7s %10s\n", "operator", "class", "rows", "ratio",
-                  "ms/frame");
-    std::string table = line;
-    for (const OpStats& one : stats.ops) {
-        const double ratio = stats.frame_rows > 0
-                                 ? static_cast<double>(one.rows) / static_cast<double>(stats.frame_rows)
-                                 : 0.0;
-        std::snprintf(line, sizeof line, "%-24s %-22s %10lld %7.3f %10.2f\n", name_of(*one.op).c_str(),
-                      class_of(*one.op).c_str(), static_cast<long long>(one.rows), ratio,
-                      milliseconds(one.time, stats.frames));
-        table += line;
+// Whoever gives no background may think that he gets a cut.
+void tell_of_lost_mattes(const Options& options, const KeyPlan& plan, const Node& node,
+                         const Caller& caller) {
+    if (!options.setup.inputs[kBg].empty() || !options.stage.empty()) return;
+    const std::string own = node.panel().get("output_mode").text();
+    for (const KeyOutput& output : plan.outputs) {
+        WriteOptions how = plan.write;
+        how.alpha = alpha_of(mode_of(output.picture, own));
+        const std::string file = output.file.at(plan.frames.first);
+        if (output.picture == Picture::kMatte || how.alpha != Alpha::kOpaque || keeps_alpha(file, how))
+            continue;
+        caller.tell(file + ": a composite over black, without its matte; -o cut=FILE keeps that");
     }
-    std::snprintf(line, sizeof line, "%d frames: read %.2f ms, key %.2f ms, write %.2f ms a frame\n",
-                  stats.frames, milliseconds(stats.read, stats.frames), milliseconds(stats.key, stats.frames),
-                  milliseconds(stats.write, stats.frames));
-    table += line;
-    struct rusage usage {};
-    ::getrusage(RUSAGE_SELF, &usage);
-    std::snprintf(line, sizeof line, "peak memory %ld MB\n", usage.ru_maxrss / 1024);
-    return table + line;
+}
+
+int dry_run(const Options& options, const KeyPlan& plan, KeySetup& setup) {
+    Preview preview = preview_of(setup, options.setup);
+    preview.read("shot", options.shot);
+    for (const KeyOutput& output : plan.outputs)
+        preview.make(output.file, plan.how_to_write(output), inputs_of(setup.names()));
+    preview.make(options.save_script, plan.write.overwrite);
+    return show(preview);
 }
 
 int key(const Options& options) {
     Caller caller = caller_for(options.quiet);
     KeySetup setup(options.setup, caller);
+    if (!options.keep.empty()) setup.loader().keep_layers();
     const KeyPlan plan = plan_for(options, setup.frames());
     catch_interrupts();
     OIIO::attribute("threads", options.threads);
@@ -161,7 +140,9 @@ int key(const Options& options) {
 
     Node& node = setup.node();
     Iop& root = options.stage.empty() ? node.image() : node.member(options.stage);
+    if (options.dry_run) return dry_run(options, plan, setup);
     check_outputs(plan, setup.names());
+    tell_of_lost_mattes(options, plan, node, caller);
     const std::string beside = options.save_script.empty() ? "" : shot_beside(options.save_script);
     if (!beside.empty() && beside == options.save_script) {
         throw UsageError("--save-script " + beside + ": the extension .shot is that of the shot beside it");
@@ -192,14 +173,15 @@ int key(const Options& options) {
         stats = pipeline.stats();
         stats.read += read_ahead;
     }
-    if (options.stats) std::fputs(table_of(stats).c_str(), stderr);
+    if (options.stats) std::fputs((options.json ? stats_json(stats) : stats_table(stats)).c_str(), stderr);
     return good ? kExitOk : kExitFailure;
 }
 
 constexpr const char* kFooter =
     "Paths with a frame number, as %04d or ####, need --frames; inputs without one are the same in every "
-    "frame. Knobs are set in this order: --script, --set, --pick or --screen, --auto, --stroke; --auto "
-    "leaves alone what --script and --set name. `veloxa knobs` lists them.\n"
+    "frame.\n"
+    "FILE#part=P,layer=L,view=V,channel=C chooses what is read of an input, as plate.####.exr#layer=beauty; "
+    "stands.exr#channel=R,invert makes that channel, inverted, the matte.\n"
     "Boxes and rows count from the bottom left pixel of the foreground's display window.\n"
     "Exit status: 0 when every frame was written, 1 when not, 2 for bad usage, 130 when interrupted.";
 
@@ -231,20 +213,28 @@ void add_rendering(CLI::App& command, Options& options) {
         .add_option("--stage", options.stage,
                     "Write an internal operator's rows instead, on the working scale")
         ->type_name("MEMBER");
-    command.add_flag("--stats", options.stats, "Print rows and time per operator");
+    CLI::Option* const stats =
+        command.add_flag("--stats", options.stats, "Print rows and time per operator on standard error");
+    command.add_flag("--json", options.json, "Print what --stats prints as JSON")->needs(stats);
     add_format_options(command, options.format);
     command.add_flag("--no-provenance", options.no_provenance,
                      "Leave program, inputs and settings out of the metadata");
+    command
+        .add_option("--keep", options.keep,
+                    "Write what else the foreground's file holds beside the result, in OpenEXR: other "
+                    "channels, layers and parts, as they are")
+        ->check(OneOf({"layers"}));
     command.add_flag("--resume", options.resume, "Leave out frames whose output is there and whole");
     command.add_flag("--overwrite", options.overwrite, "Replace outputs that exist");
     command.add_flag("--quiet", options.quiet, "Show no progress");
+    add_dry_run_option(command, options.dry_run);
 }
 
 }  // namespace
 
 void add_key_command(CLI::App& app, Run& run) {
     CLI::App* command = app.add_subcommand("key", "Key a still or an image sequence.");
-    command->footer(kFooter);
+    command->footer(std::string(kSetupOrder) + "\n" + kFooter);
     auto options = std::make_shared<Options>();
     add_setup_options(*command, options->setup);
     add_rendering(*command, *options);

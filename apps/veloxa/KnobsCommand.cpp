@@ -4,6 +4,7 @@
 #include <string>
 
 #include "Commands.h"
+#include "PlainText.h"
 #include "Terminal.h"
 #include "shot/node/Node.h"
 
@@ -85,7 +86,7 @@ std::string table_of(const ordered_json& list) {
         if (knob.contains("tab")) line += "  [" + knob["tab"].get<std::string>() + "]";
         table += line + '\n';
         if (!knob.contains("tooltip")) continue;
-        std::string tooltip = "    " + knob["tooltip"].get<std::string>();
+        std::string tooltip = "    " + plain_text(knob["tooltip"].get<std::string>());
         for (std::size_t at = tooltip.find('\n'); at != std::string::npos; at = tooltip.find('\n', at + 1)) {
             tooltip.insert(at + 1, "    ");
         }
@@ -106,6 +107,8 @@ int list_knobs(bool json) {
 void add_knobs_command(CLI::App& app, Run& run) {
     CLI::App* command =
         app.add_subcommand("knobs", "List every knob: name, label, kind, range, default, tooltip.");
+    command->footer(
+        "Tooltips are the panel's own; the table shows them without the markup that some are written with.");
     auto json = std::make_shared<bool>(false);
     command->add_flag("--json", *json, "As a JSON array in panel order");
     command->callback([json, &run] { run = [json] { return list_knobs(*json); }; });

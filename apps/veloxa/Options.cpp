@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "Usage.h"
 #include "shot/Errors.h"
 #include "shot/Numbers.h"
 #include "shot/setup/ScreenChoice.h"
@@ -29,7 +30,7 @@ void add_screen_options(CLI::App& command, ScreenOptions& options, const std::st
         .add_option("--screen", options.screen,
                     "Find the backing in " + image +
                         ": of whatever colour (auto, as when nothing sets screen_color) or of this one")
-        ->check(CLI::IsMember(kScreenChoices))
+        ->check(OneOf(kScreenChoices))
         ->excludes(pick);
 }
 
@@ -77,7 +78,7 @@ void add_format_options(CLI::App& command, FormatOptions& options) {
             "--depth", options.depth,
             "Samples: half in OpenEXR, float in RLA, else up to uint16, without it; uint10 and uint12 "
             "in DPX and TIFF")
-        ->check(CLI::IsMember({"half", "float", "uint8", "uint10", "uint12", "uint16"}));
+        ->check(OneOf({"half", "float", "uint8", "uint10", "uint12", "uint16"}));
     command
         .add_option(
             "--compression", options.compression,
@@ -105,7 +106,7 @@ void add_setup_options(CLI::App& command, SetupOptions& options) {
         .add_option("--fit", options.fit,
                     "Inputs of another size than the foreground: resize scales them, crop centres them, none "
                     "leaves them at the bottom left; edge pixels repeat. Without it they are errors")
-        ->check(CLI::IsMember({"resize", "crop", "none"}));
+        ->check(OneOf({"resize", "crop", "none"}));
     add_colour_options(command, options.colour);
     add_frames_option(command, options.frames);
     add_knob_options(command, options.settings);

@@ -9,6 +9,13 @@
 
 namespace veloxa {
 
+// For the footers of commands with the options of a set-up: the order in which these set knobs.
+inline constexpr const char* kSetupOrder =
+    "Knobs are set in this order: --script, --set, --pick or --screen, --auto, --stroke; a first stroke of "
+    "the "
+    "screen tool comes before --auto. --auto leaves alone what --script and --set name. `veloxa knobs` lists "
+    "them.";
+
 // --script and --set.
 void add_knob_options(CLI::App& command, KnobSettings& settings);
 // --pick and --screen; `image` says which image they look at.

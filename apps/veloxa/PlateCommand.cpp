@@ -9,6 +9,7 @@
 #include "Commands.h"
 #include "Progress.h"
 #include "Signals.h"
+#include "Usage.h"
 #include "plates/Set.h"
 #include "shot/Errors.h"
 #include "shot/Numbers.h"
@@ -74,9 +75,6 @@ plate::Variation variation_of(const VariationOptions& options, std::uint64_t see
 
 int make_plates(PlateOptions options) {
     read_size(options.size, options.scene);
-    if (options.screen != "green" && options.screen != "blue") {
-        throw UsageError("--screen " + options.screen + ": expected green or blue");
-    }
     options.scene.vary = variation_of(options.variation, options.scene.seed);
     options.scene.screen = options.screen == "blue" ? plate::Screen::kBlue : plate::Screen::kGreen;
     const bool sequence = !options.frames.empty();
@@ -114,7 +112,7 @@ void add_variation_options(CLI::App& command, VariationOptions& options) {
     command.add_flag("--vary", options.vary, "Draw all of the following up to --details by the seed")
         ->group(group);
     command.add_option("--veil-colour", options.veil_colour, "Of the veil: warm, neutral or dark")
-        ->check(CLI::IsMember(kVeilColours))
+        ->check(OneOf(kVeilColours))
         ->group(group);
     number("--veil-density", options.veil_density, "The veil's largest alpha; 0.62 without it", 0.0, 1.0);
     number("--spill", options.spill, "Share of the screen's colour added at rims, and less inside", 0.0, 1.0);
@@ -131,7 +129,7 @@ void add_variation_options(CLI::App& command, VariationOptions& options) {
         ->group(group);
     number("--flicker", options.flicker, "How far a frame's light strays, as a share", 0.0, 0.9);
     command.add_option("--camera", options.camera, "locked, or moving: it pans slowly over the set")
-        ->check(CLI::IsMember({"locked", "moving"}))
+        ->check(OneOf({"locked", "moving"}))
         ->capture_default_str()
         ->group(group);
 }
@@ -165,8 +163,9 @@ void add_plate_command(CLI::App& app, Run& run) {
         ->type_name("WxH")
         ->capture_default_str();
     command->add_option("--seed", options->scene.seed, "Which plate")->type_name("N")->capture_default_str();
-    command->add_option("--screen", options->screen, "Colour of the screen: green or blue")
+    command->add_option("--screen", options->screen, "Colour of the screen")
         ->type_name("COLOUR")
+        ->check(OneOf({"green", "blue"}))
         ->capture_default_str();
     command->add_option("--frames", options->frames, "Frames of a sequence")->type_name("A-B");
     add_variation_options(*command, options->variation);

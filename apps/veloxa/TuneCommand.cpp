@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Commands.h"
+#include "DryRun.h"
 #include "Options.h"
 #include "Signals.h"
 #include "Terminal.h"
@@ -27,6 +28,7 @@ struct Options {
     bool json = false;
     bool overwrite = false;
     bool quiet = false;
+    bool dry_run = false;
 };
 
 struct TuneReport {
@@ -125,9 +127,14 @@ std::string json_of(const TuneReport& report) {
 }
 
 int tune(const Options& options) {
-    if (!options.output.empty()) AtomicFile::check(options.output, options.overwrite);
     catch_interrupts();
     KeySetup setup(options.setup, caller_for(options.quiet));
+    if (options.dry_run) {
+        Preview preview = preview_of(setup, options.setup);
+        preview.make(options.output, options.overwrite);
+        return show(preview);
+    }
+    if (!options.output.empty()) AtomicFile::check(options.output, options.overwrite);
     const KnobValues before(setup.node().panel());
     setup.prepare();
     if (!options.output.empty()) setup.node().save_script(options.output, options.overwrite);
@@ -147,7 +154,7 @@ constexpr const char* kFooter =
 
 void add_tune_command(CLI::App& app, Run& run) {
     CLI::App* command = app.add_subcommand("tune", "Set the knobs by strokes of the sampling tools.");
-    command->footer(kFooter);
+    command->footer(std::string(kSetupOrder) + "\n" + kFooter);
     auto options = std::make_shared<Options>();
     add_setup_options(*command, options->setup);
     command
@@ -157,6 +164,7 @@ void add_tune_command(CLI::App& app, Run& run) {
     command->add_flag("--json", options->json, "The table as JSON");
     command->add_flag("--overwrite", options->overwrite, "Replace a script that exists");
     command->add_flag("--quiet", options->quiet, "Do not tell how the screen colour was found");
+    add_dry_run_option(*command, options->dry_run);
     command->callback([options, &run] { run = [options] { return tune(*options); }; });
 }
 

@@ -64,6 +64,7 @@ CleanPlateMaker::CleanPlateMaker(const PictureName& name, const FrameRange& fram
       node_(caller.abort),
       renderer_(limits.threads, caller.abort) {
     loader_.load_stills();
+    loader_.check_choices(frames.first);
     for (int n = 0; n < frames.count(); ++n) frames_.push_back(frames.at(n));
     while (!first_.image) {
         frame_number_ = frames_.front();

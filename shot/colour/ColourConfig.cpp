@@ -1,12 +1,11 @@
 #include "shot/colour/ColourConfig.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstdlib>
 #include <functional>
-#include <numeric>
 #include <utility>
 
+#include "ZoImage/NearestName.h"
 #include "shot/Errors.h"
 
 namespace veloxa {
@@ -21,39 +20,6 @@ std::string first_line(const std::exception& error) {
     line.resize(std::min(line.find_first_of("\r\n"), line.size()));
     while (!line.empty() && (line.back() == '.' || line.back() == ' ')) line.pop_back();
     return line;
-}
-
-// How many letters to change, leave out or put in, without regard to case.
-std::size_t distance(std::string_view a, std::string_view b) {
-    const auto low = [](char c) { return std::tolower(static_cast<unsigned char>(c)); };
-    std::vector<std::size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 1; i <= a.size(); ++i) {
-        std::size_t diagonal = std::exchange(row[0], i);
-        for (std::size_t j = 1; j <= b.size(); ++j) {
-            const std::size_t changed = diagonal + (low(a[i - 1]) == low(b[j - 1]) ? 0 : 1);
-            diagonal = row[j];
-            row[j] = std::min({changed, row[j] + 1, row[j - 1] + 1});
-        }
-    }
-    return row.back();
-}
-
-// The space with the name or alias that is nearest; empty where none is near.
-std::string nearest(const std::vector<ColourSpace>& spaces, const std::string& name) {
-    std::string best;
-    std::size_t least = name.size() / 2 + 1;
-    const auto look_at = [&](const std::string& candidate, const std::string& space) {
-        const std::size_t far = distance(name, candidate);
-        if (far >= least) return;
-        least = far;
-        best = space;
-    };
-    for (const ColourSpace& space : spaces) {
-        look_at(space.name, space.name);
-        for (const std::string& alias : space.aliases) look_at(alias, space.name);
-    }
-    return best;
 }
 
 OCIO::ConstConfigRcPtr built_in_config() {
@@ -143,13 +109,15 @@ std::vector<ColourDisplay> ColourConfig::displays() const {
 
 std::string ColourConfig::space_named(const std::string& asked, const std::string& name) const {
     if (const auto space = config_->getColorSpace(name.c_str())) return space->getName();
-    const std::vector<ColourSpace> all = spaces();
-    const std::string near = nearest(all, name);
-    std::string names;
-    for (const ColourSpace& space : all) names += (names.empty() ? "" : ", ") + space.name;
-    throw UsageError(asked + name + ": there is no such colour space" +
-                     (near.empty() ? "" : "; did you mean " + near + "?") + " There are " + names +
-                     (file_.empty() ? "" : " (" + file_ + ")"));
+    std::vector<std::string> names;
+    std::string list;
+    for (const ColourSpace& space : spaces()) {
+        names.push_back(space.name);
+        names.insert(names.end(), space.aliases.begin(), space.aliases.end());
+        list += (list.empty() ? "" : ", ") + space.name;
+    }
+    throw UsageError(asked + name + ": there is no such colour space; there are " + list +
+                     (file_.empty() ? "" : " (" + file_ + ")") + Zo::Image::did_you_mean(name, names));
 }
 
 std::string ColourConfig::name_of(const KnownSpace& space) const {

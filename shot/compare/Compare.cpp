@@ -66,14 +66,16 @@ Difference difference(const Image& a, const Image& b, Channel c) {
     return total;
 }
 
-Comparison compare_files(const std::string& first, const std::string& second, const std::string& channel,
+Comparison compare_files(const PictureName& first, const PictureName& second, const std::string& channel,
                          const Caller& caller) {
-    const Image a = read_image(first, caller.abort);
-    const Image b = read_image(second, caller.abort);
-    for (const std::string& path : {first, second}) warn_of_parts(path, caller);
+    const Image a = read_image(first.name(), first.choice(), caller.abort);
+    const Image b = read_image(second.name(), second.choice(), caller.abort);
+    for (const PictureName* name : {&first, &second}) {
+        warn_of_parts(name->name(), name->choice(), false, caller);
+    }
     if (a.info.format.box != b.info.format.box) {
-        throw Error(second, "is " + size_text(b.info.format.box) + ", but " + first + " is " +
-                                size_text(a.info.format.box));
+        throw Error(second.name(), "is " + size_text(b.info.format.box) + ", but " + first.name() + " is " +
+                                       size_text(a.info.format.box));
     }
     Comparison result;
     for (const Channel c : wanted_channels(channel, a.info.channels + b.info.channels)) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "shot/Caller.h"
+#include "shot/frames/PictureName.h"
 #include "shot/image/Image.h"
 
 namespace veloxa {
@@ -32,9 +33,9 @@ struct Comparison {
     Difference overall;
 };
 
-// Compares two files: the channels that either has, or the one of the given name. Throws Error when one
-// cannot be read or they differ in size.
-Comparison compare_files(const std::string& first, const std::string& second, const std::string& channel,
+// Compares two files, whose names stand for no frames: the channels that either has, or the one of the given
+// name. Throws Error when one cannot be read or they differ in size.
+Comparison compare_files(const PictureName& first, const PictureName& second, const std::string& channel,
                          const Caller& caller);
 
 }  // namespace veloxa

@@ -54,8 +54,7 @@ class Reader {
         if (!inputs.regions.empty()) read_regions(inputs.regions);
         pictures_.counted.assign(pictures_.truth.values.size(), 1);
         if (!inputs.exclude.empty()) {
-            const std::string path = inputs.exclude.at(frame);
-            const Matte out = matte_of(path, read(path, read_matte), kAlpha);
+            const Matte out = matte_of(inputs.exclude.at(frame), read(inputs.exclude, true), kAlpha);
             std::ranges::transform(out.values, pictures_.counted.begin(),
                                    [](float v) -> char { return v > 0.0f ? 0 : 1; });
         }
@@ -64,11 +63,10 @@ class Reader {
     const ScorePictures& pictures() const { return pictures_; }
 
   private:
-    using Read = Image (*)(const std::string&, const AbortFlag*);
-
-    Image read(const std::string& path, Read how) {
-        Image image = how(path, caller_.abort);
-        if (first_) warn_of_parts(path, caller_);
+    Image read(const PictureName& name, bool matte) {
+        const std::string path = name.at(frame_);
+        Image image = (matte ? read_matte : read_image)(path, name.choice(), caller_.abort);
+        if (first_) warn_of_parts(path, name.choice(), matte, caller_);
         const Box& box = image.info.format.box;
         if (size_.empty()) {
             size_ = size_text(box);
@@ -81,7 +79,7 @@ class Reader {
 
     Matte alpha(const PictureName& name) {
         const std::string path = name.at(frame_);
-        const Image image = read(path, read_image);
+        const Image image = read(name, false);
         // A grey file has one plane for its three colours.
         const bool grey = image.has(kRed) && image.plane(kRed) == image.plane(kGreen);
         if (!image.has(kAlpha) && !grey) throw Error(path, "has no alpha");
@@ -90,7 +88,7 @@ class Reader {
 
     std::vector<Matte> colour(const PictureName& name) {
         const std::string path = name.at(frame_);
-        const Image image = read(path, read_image);
+        const Image image = read(name, false);
         std::vector<Matte> mattes;
         for (const Channel c : {kRed, kGreen, kBlue}) {
             if (!image.has(c)) throw Error(path, "lacks red, green or blue");
@@ -101,7 +99,7 @@ class Reader {
 
     void read_regions(const PictureName& name) {
         const std::string path = name.at(frame_);
-        const Matte numbers = matte_of(path, read(path, read_matte), kAlpha);
+        const Matte numbers = matte_of(path, read(name, true), kAlpha);
         for (const float number : numbers.values) {
             const auto known = static_cast<float>(kRegionNames.size());
             if (number != std::floor(number) || number < 0.0f || number >= known)

@@ -16,8 +16,8 @@ namespace {
 
 struct Compressions {
     std::string_view format;
-    std::vector<std::string_view> names;    // the first where nothing else is said
-    std::vector<std::string_view> levels;   // those that take a number behind a colon
+    std::vector<std::string_view> names;   // the first where nothing else is said
+    std::vector<std::string_view> levels;  // those that take a number behind a colon
     std::vector<std::string_view> approximate;
 };
 
@@ -138,7 +138,8 @@ void check_options(const std::string& path, const OIIO::ImageOutput& output, con
     if (options.quality > 0 && !has_quality(format)) {
         throw Error(path, "--quality: the format has none; JPEG, WebP and HEIF have");
     }
-    if (options.tile_width > 0 && !output.supports("tiles")) throw Error(path, "--tiles: the format has none");
+    if (options.tile_width > 0 && !output.supports("tiles"))
+        throw Error(path, "--tiles: the format has none");
     if (options.tile_width > 0 && format == "tiff" &&
         (options.tile_width % 16 != 0 || options.tile_height % 16 != 0)) {
         throw Error(path, "--tiles: in TIFF width and height are multiples of 16");

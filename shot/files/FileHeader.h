@@ -13,8 +13,8 @@ namespace veloxa {
 // Throws Error where the writer's format has no such compression, quality, tiles or bits.
 void check_options(const std::string& path, const OIIO::ImageOutput& output, const WriteOptions& options);
 
-// `metadata` is what goes into the file beside what is said here; its compression is kept where the format has
-// it and the options name no other.
+// `metadata` is what goes into the file beside what is said here; its compression is kept where the format
+// has it and the options name no other.
 OIIO::ImageSpec header_for(OIIO::ImageSpec metadata, const FileRows& rows, const OIIO::ImageOutput& output,
                            const WriteOptions& options);
 

@@ -33,8 +33,17 @@ FileReader::FileReader(const std::string& path, const AbortFlag* abort)
     input_ = OIIO::ImageInput::open(path_, &config);
     if (!input_) throw Error(path_, tidy_message(OIIO::geterror(), path_, "cannot be opened"));
     if (std::string_view(input_->format_name()) == "null") throw Error(path_, "is no image file");
+}
+
+bool FileReader::go_to(int part) {
+    part_ = part;
+    if (!input_->seek_subimage(part, 0)) {
+        input_->geterror();  // there is always an end
+        return false;
+    }
     if (spec().deep) throw Error(path_, "holds deep pixels, which cannot be keyed");
     if (spec().nchannels < 1) throw Error(path_, "has no channels");
+    return true;
 }
 
 void FileReader::fail() {
@@ -51,9 +60,9 @@ bool FileReader::is_half(const Span& span) const {
 void FileReader::read_rows(int from_row, int to_row, const Span& span, OIIO::TypeDesc type, void* into) {
     const bool ok =
         spec().tile_width > 0
-            ? input_->read_tiles(0, 0, spec().x, spec().x + spec().width, from_row, to_row, 0, 1, span.first,
-                                 span.last, type, into)
-            : input_->read_scanlines(0, 0, from_row, to_row, 0, span.first, span.last, type, into);
+            ? input_->read_tiles(part_, 0, spec().x, spec().x + spec().width, from_row, to_row, 0, 1,
+                                 span.first, span.last, type, into)
+            : input_->read_scanlines(part_, 0, from_row, to_row, 0, span.first, span.last, type, into);
     if (!ok || input_->has_error()) fail();
 }
 

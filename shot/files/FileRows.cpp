@@ -54,16 +54,21 @@ void divide(float* colour, const float* alpha, std::size_t count) {
 
 }  // namespace
 
+bool keeps_alpha(const OIIO::ImageOutput& output, const WriteOptions& options) {
+    // The library's DPX of 10 bits has four channels right in rows of some lengths only.
+    const bool needless = is_straight(output.format_name()) || options.bits == 10;
+    return output.supports("alpha") && !(options.alpha == Alpha::kOpaque && needless);
+}
+
 FileRows::FileRows(const Image& image, const OIIO::ImageOutput& output, const WriteOptions& options)
     : image_(image), bits_(options.bits) {
     const std::string_view format = output.format_name();
     const bool straight = is_straight(format);
-    const bool opaque = straight && options.alpha == Alpha::kOpaque && image.has(kRed);
     for (const Channel c : image.info.channels& kMaskRgba) {
         if (!image.has(c)) continue;
         const bool alone = !image.has(kRed);
         if (alone && !holds_grey(format)) channels_ = {kAlpha, kAlpha};
-        if (c != kAlpha || alone || (output.supports("alpha") && !opaque)) channels_.push_back(c);
+        if (c != kAlpha || alone || keeps_alpha(output, options)) channels_.push_back(c);
     }
     divides_ = straight && options.alpha == Alpha::kPremultiplied && image.has(kAlpha) &&
                channels_.size() > 1 && channels_.back() == kAlpha;

@@ -13,6 +13,9 @@
 
 namespace veloxa {
 
+// Whether files that this writes keep alpha beside colour.
+bool keeps_alpha(const OIIO::ImageOutput& output, const WriteOptions& options);
+
 class FileRows {
   public:
     // What this writer's format holds of the image: channels that it knows and needs, and the data window or,
@@ -23,6 +26,7 @@ class FileRows {
     const Zo::Image::Box& box() const { return box_; }
     const Zo::Image::Box& frame() const { return image_.info.format.box; }
     std::size_t width() const { return static_cast<std::size_t>(box_.width()); }
+    int bits() const { return bits_; }  // used of an integer sample; 0 for all
     int height() const { return box_.height(); }
     std::size_t pitch() const { return channels_.size() * width(); }  // samples in a row
 

@@ -6,26 +6,38 @@
 
 #include "ZoImage/Render.h"
 #include "shot/Caller.h"
+#include "shot/files/PictureChoice.h"
 #include "shot/files/Provenance.h"
 #include "shot/image/Image.h"
 
 namespace veloxa {
 
-// Reads a file. Channels are found by the names R, G, B and A, else by their order; one colour channel fills
-// red, green and blue; other channels are left out. Throws Error when the file is missing, is no image or
-// is not whole, and Interrupted when the flag was raised on the way.
-Image read_image(const std::string& path, const Zo::Image::AbortFlag* abort = nullptr);
+// Reads the part, layer and view that the choice names, else those that come first; see PictureParts.h.
+// Channels are found by the names R, G, B and A, else by their order; one colour channel fills red, green and
+// blue; other channels are left out. Throws Error when the file is missing, is no image, is not whole or has
+// not what was chosen, UsageError for a choice that inverts, and Interrupted when the flag was raised on the
+// way. `choice.space` is the caller's.
+Image read_image(const std::string& path, const PictureChoice& choice = {},
+                 const Zo::Image::AbortFlag* abort = nullptr);
 
-// The same for a matte: a file without alpha supplies its first channel as alpha.
-Image read_matte(const std::string& path, const Zo::Image::AbortFlag* abort = nullptr);
+// The same for a matte: a layer without alpha supplies its first channel as alpha. Inverted, it is 1 - value.
+Image read_matte(const std::string& path, const PictureChoice& choice = {},
+                 const Zo::Image::AbortFlag* abort = nullptr);
 
-// The name of the alpha channel that a file has beside others, from its header; empty without one.
-std::string own_alpha(const OIIO::ImageSpec& header);
+// The UsageError of a colour input whose choice inverts.
+[[noreturn]] void refuse_invert(const std::string& path);
 
-// Warns of a file of several parts, pages or frames, of which only the first is read.
-void warn_of_parts(const std::string& path, const Caller& caller);
+// Throws Error where the file can be opened and has not what was chosen, or leaves the choice open.
+void check_choice(const std::string& path, const PictureChoice& choice, bool matte);
 
-// Whether the file is there and every pixel of it can be read.
+// The name of the alpha channel that a file has beside others, from the header that was read by the choice;
+// empty without one.
+std::string own_alpha(const OIIO::ImageSpec& header, const PictureChoice& choice = {});
+
+// Warns of parts, layers or views that the choice did not decide between, and says how to choose.
+void warn_of_parts(const std::string& path, const PictureChoice& choice, bool matte, const Caller& caller);
+
+// Whether the file is there and every pixel of all its parts can be read.
 bool is_whole_image(const std::string& path, const Zo::Image::AbortFlag* abort = nullptr);
 
 // The type of a file's samples: half, float, uint8 or uint16.
@@ -50,19 +62,23 @@ struct WriteOptions {
     Provenance made_by{};
     bool overwrite = false;
     const Zo::Image::AbortFlag* abort = nullptr;
+    bool layers = false;  // images keep layers; see KeptLayers.h
 };
 
 // "half", "float", "uint8", "uint10", "uint12" or "uint16"; empty for unknown. Throws UsageError for others.
 void set_depth(WriteOptions& options, const std::string& name);
 
+// Whether a file of that name keeps alpha beside colour. Throws Error without a writer.
+bool keeps_alpha(const std::string& path, const WriteOptions& options);
+
 // Throws Error when no writer answers to the file's extension, when the format cannot hold what the options
 // ask for, or when the file cannot be made there; so that a mistake shows before any frame is rendered.
 void check_writable(const std::string& path, const WriteOptions& options);
 
-// Writes the present channels with the header's metadata. The file appears under its name when it has been
-// read back, header and pixels, and not before. OpenEXR keeps both windows; other formats get the display
-// window, black where there are no pixels. Integers are clamped to their range and rounded to nearest; NaN
-// becomes 0.
+// Writes the present channels with the header's metadata, and the layers that the image keeps. The file
+// appears under its name when it has been read back, header and pixels, and not before. OpenEXR keeps both
+// windows; other formats get the display window, black where there are no pixels. Integers are clamped to
+// their range and rounded to nearest; NaN becomes 0.
 //
 // Returns what metadata was left out because the file could not be read back with it; see Metadata.h.
 std::string write_image(const std::string& path, const Image& image, const WriteOptions& options);

@@ -1,15 +1,16 @@
 // Reading of image files; see ImageFile.h.
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
 #include <new>
+#include <optional>
 #include <vector>
 
 #include "shot/Errors.h"
 #include "shot/files/FileReader.h"
 #include "shot/files/ImageFile.h"
+#include "shot/files/PictureParts.h"
 #include "shot/image/HalfFloat.h"
 
 namespace veloxa {
@@ -20,36 +21,6 @@ namespace {
 
 // Windows beyond this are taken for a damaged header.
 constexpr int kLargestCoordinate = 1 << 20;
-
-// Which channel of the file feeds each of red, green, blue and alpha; -1 for none.
-using Sources = std::array<int, 4>;
-
-bool same_letter(const std::string& name, char letter) {
-    return name.size() == 1 && std::toupper(static_cast<unsigned char>(name[0])) == letter;
-}
-
-Sources find_channels(const OIIO::ImageSpec& spec) {
-    Sources from{-1, -1, -1, -1};
-    for (int n = spec.nchannels - 1; n >= 0; --n) {
-        for (std::size_t c = 0; c < from.size(); ++c) {
-            if (same_letter(spec.channel_name(n), "RGBA"[c])) from[c] = n;
-        }
-    }
-    const bool named = from[0] >= 0 || from[1] >= 0 || from[2] >= 0;
-    if (from[3] < 0) from[3] = spec.alpha_channel;
-    std::vector<int> others;
-    for (int n = 0; n < spec.nchannels; ++n) {
-        if (n != from[3]) others.push_back(n);
-    }
-    if (others.size() == 1) {
-        from[0] = from[1] = from[2] = others[0];
-    } else if (!named) {
-        for (std::size_t c = 0; c < from.size() && c < others.size(); ++c) {
-            if (from[c] < 0) from[c] = others[c];
-        }
-    }
-    return from;
-}
 
 Info info_of(const OIIO::ImageSpec& spec, const std::string& path) {
     for (const int v : {spec.x, spec.y, spec.full_x, spec.full_y}) {
@@ -138,69 +109,77 @@ Image read_channels(FileReader& reader, const std::string& path, const Sources& 
     return image;
 }
 
-// Opens a file and calls work(reader, sources of all its channels).
+// Opens a file and calls work(reader). Throws Error too where there is no room for its pixels.
 template <class Work>
 auto with_reader(const std::string& path, const AbortFlag* abort, const Work& work) try {
     FileReader reader(path, abort);
-    return work(reader, find_channels(reader.spec()));
+    return work(reader);
 } catch (const std::bad_alloc&) {
     throw Error(path, "needs more memory than there is");
 } catch (const std::length_error&) {
     throw Error(path, "needs more memory than there is");
 }
 
-// A film has many; what is told of is that there are others.
-constexpr std::size_t kCounted = 100;
-constexpr std::size_t kNamed = 8;
-
-// Their names, or numbers for those without.
-std::vector<std::string> part_names(const std::string& path) {
-    const Hush hush(path);
-    std::vector<std::string> names;
-    const auto input = OIIO::ImageInput::open(path);
-    while (input && names.size() < kCounted && input->seek_subimage(static_cast<int>(names.size()), 0)) {
-        const std::string name = input->spec().get_string_attribute("oiio:subimagename");
-        names.push_back(name.empty() ? std::to_string(names.size()) : name);
-    }
-    OIIO::geterror();  // there is always an end
-    return names;
+Image read_chosen(const std::string& path, const PictureChoice& choice, bool matte, const AbortFlag* abort) {
+    return with_reader(path, abort, [&](FileReader& reader) {
+        const Selection selection = select_picture(path, reader.spec(), choice, matte);
+        if (!reader.go_to(selection.part)) throw Error(path, "is damaged or not whole");
+        return read_channels(reader, path, selection.sources);
+    });
 }
 
 }  // namespace
 
-Image read_image(const std::string& path, const AbortFlag* abort) {
-    return with_reader(path, abort, [&](FileReader& reader, const Sources& from) {
-        return read_channels(reader, path, from);
-    });
+Image read_image(const std::string& path, const PictureChoice& choice, const AbortFlag* abort) {
+    if (choice.invert) refuse_invert(path);
+    return read_chosen(path, choice, false, abort);
 }
 
-Image read_matte(const std::string& path, const AbortFlag* abort) {
-    return with_reader(path, abort, [&](FileReader& reader, const Sources& from) {
-        return read_channels(reader, path, {-1, -1, -1, from[3] >= 0 ? from[3] : 0});
-    });
+Image read_matte(const std::string& path, const PictureChoice& choice, const AbortFlag* abort) {
+    Image image = read_chosen(path, choice, true, abort);
+    if (choice.invert) {
+        const Plane& alpha = image.plane(kAlpha);
+        const std::size_t pixels = image.width() * image.height();
+        std::transform(alpha.get(), alpha.get() + pixels, alpha.get(), [](float v) { return 1.0f - v; });
+    }
+    return image;
 }
 
-std::string own_alpha(const OIIO::ImageSpec& header) {
-    const int alpha = find_channels(header)[3];
+void refuse_invert(const std::string& path) {
+    throw UsageError(path + "#invert: only the matte of an input that is a matte can be inverted");
+}
+
+std::string own_alpha(const OIIO::ImageSpec& header, const PictureChoice& choice) {
+    PictureChoice within = choice;
+    within.part.clear();
+    const int alpha = select_picture({}, std::vector{header}, within, false).sources[3];
     return alpha >= 0 && header.nchannels > 1 ? std::string(header.channel_name(alpha)) : "";
 }
 
-void warn_of_parts(const std::string& path, const Caller& caller) {
-    const std::vector<std::string> names = part_names(path);
-    if (names.size() < 2) return;
-    std::string list;
-    for (std::size_t n = 0; n < std::min(names.size(), kNamed); ++n) list += (n > 0 ? ", " : "") + names[n];
-    if (names.size() > kNamed) list += ", ...";
-    const std::string count = std::to_string(names.size()) + (names.size() == kCounted ? " or more" : "");
-    caller.warn(path + ": warning: holds " + count + " parts (" + list + "); only the first is used, " +
-                names.front());
+void check_choice(const std::string& path, const PictureChoice& choice, bool matte) {
+    std::optional<FileReader> reader;
+    try {
+        reader.emplace(path, nullptr);
+    } catch (const Error&) {
+        return;  // whoever reads it tells of that
+    }
+    select_picture(path, reader->spec(), choice, matte);
+}
+
+void warn_of_parts(const std::string& path, const PictureChoice& choice, bool matte, const Caller& caller) {
+    const std::string besides = select_picture(path, parts_of(path), choice, matte).besides;
+    if (!besides.empty()) caller.warn(path + ": warning: " + besides);
 }
 
 bool is_whole_image(const std::string& path, const AbortFlag* abort) try {
-    with_reader(path, abort, [&](FileReader& reader, const Sources& from) {
-        info_of(reader.spec(), path);
-        each_row(reader, span_of(from), [](int, const float*) {});
-    });
+    const int parts = static_cast<int>(parts_of(path).size());
+    for (int part = 0; part < std::max(parts, 1); ++part) {
+        with_reader(path, abort, [&](FileReader& reader) {
+            reader.go_to(part);
+            info_of(reader.spec(), path);
+            reader.each_row_as({}, {0, reader.spec().nchannels}, [](int, const std::byte*) {});
+        });
+    }
     return true;
 } catch (const Error&) {
     return false;

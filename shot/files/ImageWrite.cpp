@@ -1,5 +1,6 @@
 // Writing of image files; see ImageFile.h.
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <map>
 #include <memory>
@@ -14,6 +15,7 @@
 #include "shot/files/FileRows.h"
 #include "shot/files/ImageFile.h"
 #include "shot/files/ImageLibrary.h"
+#include "shot/files/KeptLayers.h"
 #include "shot/files/Metadata.h"
 
 namespace veloxa {
@@ -96,6 +98,15 @@ std::string header_fault(const OIIO::ImageSpec& read, const OIIO::ImageOutput& o
     return {};
 }
 
+// Readers fill up samples of fewer bits in two ways, which are 1 apart.
+template <class Sample>
+bool same_samples(const Sample* a, const Sample* b, std::size_t count, bool filled) {
+    if (!filled) return std::memcmp(a, b, count * sizeof(Sample)) == 0;
+    return std::equal(a, a + count, b, [](Sample p, Sample q) {
+        return std::abs(static_cast<float>(p) - static_cast<float>(q)) <= 1.0f;
+    });
+}
+
 template <class Sample>
 std::string sample_fault(FileReader& reader, const FileRows& rows, bool exact) {
     const auto row = std::make_unique_for_overwrite<Sample[]>(rows.pitch());
@@ -105,7 +116,7 @@ std::string sample_fault(FileReader& reader, const FileRows& rows, bool exact) {
     reader.each_row<Sample>({0, channels}, [&](int n, const Sample* read) {
         if (!exact || !same) return;
         rows.fill(n, row.get(), samples.get());
-        same = std::memcmp(row.get(), read, rows.pitch() * sizeof(Sample)) == 0;
+        same = same_samples(row.get(), read, rows.pitch(), rows.bits() > 0);
     });
     return same ? "" : "its pixels read back otherwise";
 }
@@ -141,19 +152,26 @@ std::string write_once(const std::string& temporary, const std::string& path, co
     };
     check_bytes();
     const FileRows rows(image, *output, options);
-    bool good = output->open(temporary, header_for(header, rows, *output, options));
-    if (good) {
+    const OIIO::ImageSpec spec = header_for(header, rows, *output, options);
+    bool good = image.kept ? write_with_layers(*output, temporary, spec, image, rows, options.abort)
+                           : output->open(temporary, spec);
+    if (good && !image.kept) {
         check_type(path, *output, options);
         good = write_pixels(*output, rows, options.abort);
-        good = output->close() && good;
     }
+    good = output->close() && good;
     if (bytes && good) bytes->close();
     check_bytes();
     if (!good) return tidy_message(output->geterror(), temporary, "could not be written");
+    if (image.kept) return layers_fault(temporary, spec, image, rows, options.abort);
     return read_back(temporary, rows, *output, options.abort);
 }
 
 }  // namespace
+
+bool keeps_alpha(const std::string& path, const WriteOptions& options) {
+    return keeps_alpha(*writer_for(path), options);
+}
 
 void set_depth(WriteOptions& options, const std::string& name) {
     static const std::map<std::string_view, std::pair<Depth, int>> kDepths{
@@ -173,6 +191,7 @@ void check_writable(const std::string& path, const WriteOptions& options) {
     OIIO::Filesystem::IOVecOutput memory;  // outlives the writer, which writes once more when it goes
     const auto output = writer_for(path);
     check_options(path, *output, options);
+    if (options.layers) check_holds_layers(path, *output);
     if (options.depth == Depth::UNKNOWN || !output->supports("ioproxy")) return;
     // What a writer makes of a sample type shows only when it opens a file; this one stays in memory.
     Info info;
@@ -189,6 +208,7 @@ void check_writable(const std::string& path, const WriteOptions& options) {
 }
 
 std::string write_image(const std::string& path, const Image& image, const WriteOptions& options) {
+    if (image.kept) check_holds_layers(path, *writer_for(path));
     AtomicFile file(path, options.overwrite);
     std::string fault;
     std::string left_out;

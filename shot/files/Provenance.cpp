@@ -15,7 +15,8 @@ constexpr std::string_view kOpening = "made by veloxa ";
 void Provenance::note(OIIO::ImageSpec& header, std::string_view format) const {
     for (const char* name : {kInputs, kSettings}) header.erase_attribute(name);
     for (const char* name : {kHistory, kDescription}) {
-        if (std::string(header.get_string_attribute(name)).starts_with(kOpening)) header.erase_attribute(name);
+        if (std::string(header.get_string_attribute(name)).starts_with(kOpening))
+            header.erase_attribute(name);
     }
     if (program.empty()) return;
     header.attribute("Software", program);

@@ -1,7 +1,8 @@
 // What a picture was made by and from, for whoever finds its file later.
 //
-// OpenEXR and PNG have it as "veloxa:inputs" and "veloxa:settings", JPEG and HEIF as the picture's history, TIFF
-// as its description where the foreground has none; the program's name goes where formats keep such names.
+// OpenEXR and PNG have it as "veloxa:inputs" and "veloxa:settings", JPEG and HEIF as the picture's history,
+// TIFF as its description where the foreground has none; the program's name goes where formats keep such
+// names.
 #pragma once
 
 #include <OpenImageIO/imageio.h>
@@ -16,8 +17,8 @@ struct Provenance {
     std::string inputs;    // a line each: the input's name, a space, the file and what is read of it
     std::string settings;  // a script of the node
 
-    // Adds it to what goes into a file of this format. Replaces that of the foreground, which does not hold for
-    // what was made from it.
+    // Adds it to what goes into a file of this format. Replaces that of the foreground, which does not hold
+    // for what was made from it.
     void note(OIIO::ImageSpec& header, std::string_view format) const;
 };
 

@@ -7,6 +7,7 @@
 
 #include "shot/Errors.h"
 #include "shot/files/ImageFile.h"
+#include "shot/files/KeptLayers.h"
 
 namespace veloxa {
 
@@ -14,10 +15,19 @@ using namespace Zo::Image;
 
 namespace {
 
-Hash identity_of(const std::string& path, bool matte) {
+bool is_matte(std::size_t input) {
+    return input == kGm || input == kHm;
+}
+
+Hash identity_of(const std::string& path, const PictureChoice& choice, bool matte) {
     Hash hash;
     hash.append(std::string_view(path));
     hash.append(std::int32_t{matte});
+    for (const std::string* text :
+         {&choice.part, &choice.layer, &choice.view, &choice.channel, &choice.space}) {
+        hash.append(std::string_view(*text));
+    }
+    hash.append(std::int32_t{choice.invert});
     struct stat status {};
     if (::stat(path.c_str(), &status) == 0) {
         hash.append(static_cast<std::uint64_t>(status.st_size));
@@ -44,12 +54,24 @@ FrameLoader::FrameLoader(Names names, Fit fit, const ColourOptions& colour, Call
     : names_(std::move(names)),
       fit_(fit),
       caller_(std::move(caller)),
-      colour_(colour, own_spaces(names_), caller_) {}
+      colour_(colour, own_spaces(names_), caller_) {
+    for (std::size_t n = 0; n < kInputCount; ++n) {
+        if (names_[n].choice().invert && !is_matte(n)) refuse_invert(names_[n].name());
+    }
+}
+
+void FrameLoader::check_choices(int frame) const {
+    for (std::size_t n = 0; n < kInputCount; ++n) {
+        if (!names_[n].empty()) check_choice(names_[n].at(frame), names_[n].choice(), is_matte(n));
+    }
+}
 
 void FrameLoader::warn(Input input, const std::string& path, const Image& image) {
-    if (!std::exchange(looked_for_parts_[input], true)) warn_of_parts(path, caller_);
-    if ((input != kGm && input != kHm) || told_alpha_[input]) return;
-    const std::string alpha = own_alpha(image.header);
+    const PictureChoice& choice = names_[input].choice();
+    const bool matte = is_matte(input);
+    if (!std::exchange(looked_for_parts_[input], true)) warn_of_parts(path, choice, matte, caller_);
+    if (!matte || told_alpha_[input] || !choice.channel.empty()) return;
+    const std::string alpha = own_alpha(image.header, choice);
     if (alpha.empty() || !is_one_everywhere(image, kAlpha)) return;
     told_alpha_[input] = true;
     caller_.warn(path + ": warning: its alpha, channel " + alpha + ", is 1 everywhere, so the " +
@@ -57,13 +79,26 @@ void FrameLoader::warn(Input input, const std::string& path, const Image& image)
                  " the whole frame; its other channels are not looked at");
 }
 
+void FrameLoader::keep(const std::string& path, Image& image) {
+    const auto kept =
+        std::make_shared<const KeptLayers>(read_kept_layers(path, names_[kFg].choice(), caller_.abort));
+    if (!kept->parts.empty()) image.kept = kept;
+    if (std::exchange(told_kept_, true)) return;
+    if (kept->parts.empty()) caller_.warn(path + ": warning: holds no other layers to keep");
+    if (!kept->left_out.empty()) {
+        caller_.warn(path + ": warning: " + kept->left_out + " cannot be kept beside the result");
+    }
+}
+
 LoadedInput FrameLoader::read(Input input, int frame) {
     const std::string path = names_[input].at(frame);
-    const bool matte = input == kGm || input == kHm;
-    Hash identity = identity_of(path, matte);
-    Image image = matte ? read_matte(path, caller_.abort) : read_image(path, caller_.abort);
+    const PictureChoice& choice = names_[input].choice();
+    const bool matte = is_matte(input);
+    Hash identity = identity_of(path, choice, matte);
+    Image image = (matte ? read_matte : read_image)(path, choice, caller_.abort);
     warn(input, path, image);
     if (!matte) colour_.take(image, input, path, identity);
+    if (input == kFg && keep_layers_) keep(path, image);
     return {std::make_shared<const Image>(std::move(image)), identity};
 }
 

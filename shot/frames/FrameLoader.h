@@ -28,10 +28,16 @@ class FrameLoader {
   public:
     using Names = std::array<PictureName, kInputCount>;  // empty for inputs that are not used
 
-    // Throws what ShotColour does.
+    // Throws UsageError where a colour input is to be inverted, and what ShotColour throws.
     FrameLoader(Names names, Fit fit, const ColourOptions& colour, Caller caller);
 
     const ShotColour& colour() const { return colour_; }
+
+    // Has foregrounds carry what else their files hold; see Image::kept.
+    void keep_layers() { keep_layers_ = true; }
+    // Looks whether the inputs' files of a frame hold what is chosen of them, so that a mistake there is told
+    // once. Throws Error.
+    void check_choices(int frame) const;
 
     const Names& names() const { return names_; }
     // Loads what all frames share, so that a mistake there shows before any frame.
@@ -45,6 +51,7 @@ class FrameLoader {
     LoadedInput read(Input input, int frame);
     // Warns of what the user may not expect of a file, once an input.
     void warn(Input input, const std::string& path, const Image& image);
+    void keep(const std::string& path, Image& image);
     LoadedInput fitted_to(const LoadedInput& loaded, const Zo::Image::Format& format,
                           const std::string& file) const;
 
@@ -59,6 +66,8 @@ class FrameLoader {
     Zo::Image::Format fitted_format_;
     std::array<bool, kInputCount> looked_for_parts_{};
     std::array<bool, kInputCount> told_alpha_{};
+    bool keep_layers_ = false;
+    bool told_kept_ = false;
 };
 
 }  // namespace veloxa

@@ -38,6 +38,7 @@ bool begins_choice(std::string_view text) {
 
 void take_entry(PictureChoice& choice, std::string_view entry, const std::string& text) {
     if (entry == kInvert) {
+        if (choice.invert) throw UsageError(text + ": invert is chosen twice");
         choice.invert = true;
         return;
     }

@@ -9,22 +9,10 @@
 #include <string>
 #include <string_view>
 
+#include "shot/files/PictureChoice.h"
 #include "shot/frames/FramePattern.h"
 
 namespace veloxa {
-
-struct PictureChoice {
-    std::string part;     // by name, or by number from 0
-    std::string layer;    // what stands before a channel's letter, without the dot
-    std::string view;     // of a stereo file, as left
-    std::string channel;  // the one channel to read, by its name in the file or in the layer
-    std::string space;    // the colour space that the values are in
-    bool invert = false;  // 1 - value, for mattes
-
-    bool empty() const {
-        return part.empty() && layer.empty() && view.empty() && channel.empty() && space.empty() && !invert;
-    }
-};
 
 class PictureName {
   public:

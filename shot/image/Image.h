@@ -23,6 +23,8 @@ using Plane = std::shared_ptr<float[]>;
 // A plane of undefined pixels, from the engine's memory for frames.
 Plane make_plane(std::size_t pixels);
 
+struct KeptLayers;
+
 struct Image {
     Image() = default;
     // An image of the given channels (of red, green, blue, alpha) with undefined pixels.
@@ -42,6 +44,9 @@ struct Image {
     Zo::Image::Info info;         // the format's box starts at 0, 0
     std::array<Plane, 4> planes;  // null for a channel that is absent
     OIIO::ImageSpec header;       // the file's metadata and windows; the default one for a new image
+    // What else a foreground's file holds, as stored, to be written beside the result; null where nothing is
+    // kept. See shot/files/KeptLayers.h.
+    std::shared_ptr<const KeptLayers> kept;
 
   private:
     std::size_t offset(int y) const { return static_cast<std::size_t>(y - info.box.y) * width(); }

@@ -1,10 +1,15 @@
 #include "shot/node/Node.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <locale>
+#include <sstream>
+#include <utility>
 
+#include "ZoImage/NearestName.h"
 #include "ZoImage/PluginLoader.h"
 #include "ZoImage/Script.h"
 #include "shot/Errors.h"
@@ -18,9 +23,11 @@ namespace {
 
 constexpr const char* kClassName = "Veloxa";
 
-// The knobs that it names.
-std::set<Knob*> apply_script_file(KnobPanel& panel, const std::string& path) {
-    std::set<Knob*> named;
+// Where each knob got its value, as messages say it: all but the value.
+using Origins = std::vector<std::pair<Knob*, std::string>>;
+
+Origins apply_script_file(KnobPanel& panel, const std::string& path) {
+    Origins origins;
     const ScriptGroup* ours = nullptr;
     try {
         const std::vector<ScriptGroup> groups = read_script(read_text(path), path);
@@ -34,16 +41,16 @@ std::set<Knob*> apply_script_file(KnobPanel& panel, const std::string& path) {
         for (const ScriptEntry& entry : ours->entries) {
             Knob& knob = panel.get(entry.name).target();
             knob.set_flag(kKnobScripted, true);
-            named.insert(&knob);
+            origins.emplace_back(&knob, path + ":" + std::to_string(entry.line) + ": " + entry.name + " ");
         }
     } catch (const ScriptError& error) {
         throw Error(error.what());
     }
-    return named;
+    return origins;
 }
 
-// The knob that it names.
-Knob& apply_set(KnobPanel& panel, const std::string& setting) {
+// The knob that it names, and where.
+Origins::value_type apply_set(KnobPanel& panel, const std::string& setting) {
     const std::size_t equals = setting.find('=');
     if (equals == std::string::npos || equals == 0) {
         throw UsageError("--set " + setting + ": expected KNOB=VALUE");
@@ -51,10 +58,28 @@ Knob& apply_set(KnobPanel& panel, const std::string& setting) {
     try {
         const std::string name = setting.substr(0, equals);
         panel.set_from_text(name, setting.substr(equals + 1));
-        return panel.get(name).target();
+        return {&panel.get(name).target(), "--set " + name + "="};
     } catch (const KnobError& error) {
         throw UsageError("--set " + setting + ": " + error.what());
     }
+}
+
+bool beyond_range(const Knob& knob) {
+    if (!knob.range()) return false;
+    for (int i = 0; i < knob.value_count(); ++i) {
+        // The range is of doubles, the value may be a float's.
+        const auto narrow = [](double v) { return static_cast<float>(v); };
+        const float value = narrow(knob.get_value(i));
+        if (value < narrow(knob.range()->low) || value > narrow(knob.range()->high)) return true;
+    }
+    return false;
+}
+
+std::string plain(double number) {
+    std::ostringstream text;
+    text.imbue(std::locale::classic());
+    text << number;
+    return text.str();
 }
 
 }  // namespace
@@ -74,9 +99,18 @@ Node::Node(const AbortFlag* abort)
     panel_ = std::make_unique<KnobPanel>(*op_);
 }
 
-void Node::apply(const KnobSettings& settings) {
-    if (!settings.script.empty()) named_.merge(apply_script_file(*panel_, settings.script));
-    for (const std::string& setting : settings.sets) named_.insert(&apply_set(*panel_, setting));
+void Node::apply(const KnobSettings& settings, const Caller& caller) {
+    Origins origins;
+    if (!settings.script.empty()) origins = apply_script_file(*panel_, settings.script);
+    for (const std::string& setting : settings.sets) origins.push_back(apply_set(*panel_, setting));
+    for (auto origin = origins.begin(); origin != origins.end(); ++origin) {
+        Knob& knob = *origin->first;
+        named_.insert(&knob);
+        const bool last = std::none_of(origin + 1, origins.end(), [&](auto& o) { return o.first == &knob; });
+        if (!last || !beyond_range(knob)) continue;
+        caller.warn("warning: " + origin->second + knob.text() + ": beyond the panel's range " +
+                    plain(knob.range()->low) + " to " + plain(knob.range()->high) + "; taken as it is");
+    }
 }
 
 std::vector<ToolReport> Node::use_tool(Knob& button) const {
@@ -97,9 +131,17 @@ void Node::save_script(const std::string& path, bool overwrite) const {
 Iop& Node::member(const std::string& name) const {
     Op* op = op_->child(name);
     if (op && op->as_iop()) return *op->as_iop();
-    std::string names;
-    for (const Op* child : op_->children()) names += (names.empty() ? "" : ", ") + child->member_name();
-    throw UsageError("--stage " + name + ": there is no such operator; there are " + names);
+    std::vector<std::string> names;
+    for (const Op* child : op_->children()) names.push_back(child->member_name());
+    throw UsageError("--stage " + name + ": there is no such operator" + choices(name, names));
+}
+
+std::vector<std::string> Node::members() const {
+    std::vector<std::string> names;
+    for (Op* child : op_->children()) {
+        if (child->as_iop()) names.push_back(child->member_name());
+    }
+    return names;
 }
 
 }  // namespace veloxa

@@ -9,6 +9,7 @@
 #include "ZoImage/Iop.h"
 #include "ZoImage/KnobPanel.h"
 #include "ZoImage/Render.h"
+#include "shot/Caller.h"
 
 namespace veloxa {
 
@@ -28,8 +29,9 @@ class Node {
     Zo::Image::Iop& image() const { return *image_; }
     Zo::Image::KnobPanel& panel() const { return *panel_; }
 
-    // Throws Error for a script that does not fit, UsageError for a bad KNOB=VALUE.
-    void apply(const KnobSettings& settings);
+    // Throws Error for a script that does not fit, UsageError for a bad KNOB=VALUE. Warns, once a knob, of
+    // values that are left beyond its range; they count as they are.
+    void apply(const KnobSettings& settings, const Caller& caller);
     // The knobs that the settings applied so far name, whatever the value; a link names its target.
     const std::set<Zo::Image::Knob*>& named() const { return named_; }
     // Presses a button that starts a tool, and tells what the tool did. Throws Interrupted.
@@ -39,8 +41,10 @@ class Node {
     // Writes that.
     void save_script(const std::string& path, bool overwrite) const;
 
-    // The internal operator of this name. Throws UsageError with the names that there are.
+    // The internal operator of this name. Throws UsageError with the nearest name, or those that there are.
     Zo::Image::Iop& member(const std::string& name) const;
+    // The names of those that make rows.
+    std::vector<std::string> members() const;
 
   private:
     std::unique_ptr<Zo::Image::Op> op_;

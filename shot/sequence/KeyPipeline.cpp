@@ -21,6 +21,7 @@ constexpr const char* kModeKnob = "output_mode";
 Image alpha_alone(const Image& image) {
     Image matte = image;
     matte.info.channels = kAlpha;
+    matte.kept = nullptr;
     for (const Channel c : kMaskRgb) matte.plane(c) = nullptr;
     tag_raw(matte.header);
     return matte;
@@ -41,6 +42,12 @@ std::string inputs_text(const FrameLoader::Names& names, int frame) {
 
 }  // namespace
 
+WriteOptions KeyPlan::how_to_write(const KeyOutput& output) const {
+    WriteOptions how = write;
+    how.layers = how.layers && output.picture != Picture::kMatte;
+    return how;
+}
+
 void check_outputs(const KeyPlan& plan, const FrameLoader::Names& inputs) {
     for (int n = 0; n < plan.frames.count(); ++n) {
         for (const KeyOutput& output : plan.outputs) {
@@ -50,7 +57,7 @@ void check_outputs(const KeyPlan& plan, const FrameLoader::Names& inputs) {
         }
     }
     for (const KeyOutput& output : plan.outputs) {
-        check_writable(output.file.at(plan.frames.first), plan.write);
+        check_writable(output.file.at(plan.frames.first), plan.how_to_write(output));
     }
 }
 
@@ -154,6 +161,7 @@ Image KeyPipeline::render_picture(const Image& foreground, const std::string& mo
     info.channels = kMaskRgba;
     Image image(info);
     image.header = foreground.header;
+    image.kept = foreground.kept;
     const double part = 1.0 / (info.box.height() * static_cast<double>(modes_.size()));
     const bool complete = renderer_.render(root_, info.box, kMaskRgba, [&](int y, const Row& row) {
         for (const Channel c : kMaskRgba) std::copy_n(row[c], row.width(), image.line(c, y));
@@ -212,7 +220,7 @@ void KeyPipeline::write(const Keyed& keyed, std::size_t output) {
 }
 
 WriteOptions KeyPipeline::how_to_write(int frame, std::size_t output) const {
-    WriteOptions how = plan_.write;
+    WriteOptions how = plan_.how_to_write(plan_.outputs[output]);
     how.made_by = {plan_.program, inputs_text(loader_.names(), frame), settings_};
     // Nothing is known of what one of the operators, or the foreground, has for alpha.
     if (&root_ != &node_.image() || passes_) return how;

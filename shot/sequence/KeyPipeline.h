@@ -32,6 +32,9 @@ struct KeyPlan {
     WriteOptions write;
     bool resume = false;  // leave out frames whose outputs are whole
     int threads = 0;
+
+    // Without what a frame or the node tells.
+    WriteOptions how_to_write(const KeyOutput& output) const;
 };
 
 // Says what can be known to go wrong with the outputs before any frame is rendered. Throws Error.

@@ -27,7 +27,7 @@ KeySetup::KeySetup(const SetupOptions& options, const Caller& caller)
       frames_(frames_of(options.frames, names_)),
       loader_(names_, fit_named(options.fit).value_or(Fit::kRefuse), options.colour, caller),
       node_(caller.abort) {
-    node_.apply(options.settings);
+    node_.apply(options.settings, caller);
     inputs_.connect(node_.image(), names_);
     if (!options.screen.pick.empty()) parse_box("--pick", options.screen.pick);
     for (const std::string& text : options.strokes) {
@@ -121,6 +121,7 @@ void KeySetup::apply_strokes(std::size_t begin, std::size_t end) {
 
 void KeySetup::prepare() {
     loader_.load_stills();
+    loader_.check_choices(frames_.first);
     if (loader_.colour().converts()) first_foreground();  // says now where its space is not known
     choose_screen_color();
     // There is nothing to set up before a screen colour is chosen.

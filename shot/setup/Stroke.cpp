@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "ZoImage/KnobValues.h"
+#include "ZoImage/NearestName.h"
 #include "shot/Errors.h"
 #include "shot/Numbers.h"
 #include "shot/files/EncodingGuess.h"
@@ -28,13 +29,13 @@ std::string plain_name(std::string_view name) {
 }
 
 Knob& tool_named(const KnobPanel& panel, const std::string& name) {
-    std::string names;
+    std::vector<std::string> names;
     for (const auto& knob : panel.knobs()) {
         if (knob->kind() != Knob::Kind::kToolButton) continue;
         if (plain_name(knob->name()) == plain_name(name)) return *knob;
-        names += (names.empty() ? "" : ", ") + knob->name().substr(kToolPrefix.size());
+        names.push_back(knob->name().substr(kToolPrefix.size()));
     }
-    throw UsageError("--stroke " + name + ": there is no such tool; there are " + names);
+    throw UsageError("--stroke " + name + ": there is no such tool" + choices(plain_name(name), names));
 }
 
 // While it lives the node's tools leave these knobs alone; later strokes may turn them.

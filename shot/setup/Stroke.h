@@ -18,7 +18,8 @@ struct Stroke {
 };
 
 // Reads TOOL=X,Y,R,T or TOOL@FRAME=X,Y,R,T. A tool goes by its knob's name; "toolbar_", capitals and
-// underscores may be left out. Throws UsageError, for a tool that does not exist with those that there are.
+// underscores may be left out. Throws UsageError, for a tool that does not exist with the nearest, or those
+// that there are.
 Stroke parse_stroke(const Zo::Image::KnobPanel& panel, const std::string& text);
 // Over the images that are on the node's inputs. All throw Interrupted when the node's flag is raised.
 Zo::Image::ToolReport apply_stroke(const Node& node, const Stroke& stroke);

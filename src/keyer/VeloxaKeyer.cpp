@@ -3,6 +3,7 @@
 #include "controls/ControlListing.h"
 #include "controls/ControlTrace.h"
 #include "keyer/HelpText.h"
+#include "lanes/Lanes.h"
 #include "panel/KnobCopy.h"
 #include "tools/StrokePixels.h"
 
@@ -74,6 +75,7 @@ ShotModel VeloxaKeyer::measure_frame() {
 
 std::string VeloxaKeyer::diagnostic(std::string_view what) const {
     if (what == "controls") return control_listing(controls_);
+    if (what == "lanes") return name_of(lanes_in_use());
     if (what == "shot") {
         const bool unused = panel_.shot() != nullptr && unmix_params_.shot == nullptr;
         return unused ? "it was measured with another screen or encoding" : "";

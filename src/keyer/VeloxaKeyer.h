@@ -64,7 +64,7 @@ class VeloxaKeyer final : public Zo::Image::Iop {
     int knob_changed(Zo::Image::Knob* knob) override;
     std::vector<Zo::Image::ToolReport> tool_reports() const override { return session_.reports; }
     // "controls" lists the controls, "trace" gives them as a script of commands; "shot" says why the shot's
-    // model, where there is one, is not used.
+    // model, where there is one, is not used; "lanes" names the form of the kernels that runs.
     std::string diagnostic(std::string_view what) const override;
 
     const KnobStorage& knob_values() const { return knobs_; }

@@ -43,6 +43,8 @@ class Mattes {
         return matte_.data() + first;
     }
 
+    const std::vector<float>& decision() const { return regions_.decision; }
+
   private:
     Regions regions_;
     Planes colour_;
@@ -51,9 +53,11 @@ class Mattes {
 
 }  // namespace
 
-std::vector<float> sample_mattes(const Setting& setting, std::span<const PlatedSample> samples) {
+std::vector<float> sample_mattes(const Setting& setting, std::span<const PlatedSample> samples,
+                                 std::vector<float>* decision) {
     Mattes stages(setting, samples);
     const float* const matte = stages.matte(setting.knobs, 0, samples.size());
+    if (decision != nullptr) *decision = stages.decision();
     return {matte, matte + samples.size()};
 }
 

@@ -16,8 +16,10 @@ struct PlatedSample {
     bool operator==(const PlatedSample&) const = default;
 };
 
-// The matte of samples, 0 to 255, as the present knobs make it.
-std::vector<float> sample_mattes(const Setting& setting, std::span<const PlatedSample> samples);
+// The matte of samples, 0 to 255, as the present knobs make it. `decision`, where given, takes the clear
+// region's.
+std::vector<float> sample_mattes(const Setting& setting, std::span<const PlatedSample> samples,
+                                 std::vector<float>* decision = nullptr);
 
 // What the analysis may turn.
 std::vector<Dial> add_matte_dials();

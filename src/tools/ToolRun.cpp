@@ -9,6 +9,7 @@
 #include "panel/InputFlags.h"
 #include "stages/VlxNormalize.h"
 #include "tools/ColorMatchAnalysis.h"
+#include "tools/Elsewhere.h"
 #include "tools/ScreenEstimate.h"
 #include "tools/SpillAnalysis.h"
 
@@ -38,13 +39,20 @@ bool turns_difference(Tool tool) {
            tool == Tool::kRestoreSpill || tool == Tool::kRemoveSpill;
 }
 
+bool turns_matte(Tool tool) {
+    return tool == Tool::kAddOverlay || tool == Tool::kRemoveOverlay || tool == Tool::kAddMatte ||
+           tool == Tool::kRemoveNoise || tool == Tool::kHoldShadow || tool == Tool::kRestoreDetail;
+}
+
 }  // namespace
 
 ToolReport ToolRun::run(Tool tool, const Box& box) {
     report_.tool = node_.panel.tool(tool)->name();
     if (tool >= Tool::kFindScreen || take_box(box)) {
         node_.image.validate(true);
+        const KnobStorage before = node_.knobs;
         if (may_turn(tool)) use(tool);
+        if (turns_matte(tool)) note_elsewhere(before);
     }
     for (std::size_t i = 0; i < node_.session.saved_counts.size(); ++i) {
         node_.session.saved_counts[i] = node_.panel.samples(static_cast<SampleAction>(i))->count();
@@ -134,6 +142,12 @@ Setting ToolRun::setting(const KnobStorage& knobs) const {
 
 Iop* ToolRun::plate() const {
     return node_.flag(kCpUsable) ? &node_.image.input(1) : nullptr;
+}
+
+void ToolRun::note_elsewhere(const KnobStorage& before) {
+    if (node_.knobs.unmixes() || report_.changes.empty()) return;
+    const std::vector<PlatedSample> pixels = pixels_elsewhere(node_, box_);
+    for (const std::string& line : losses(setting(before), setting(), pixels).notes()) note(line);
 }
 
 void ToolRun::note(std::string_view text) {

@@ -74,6 +74,8 @@ class ToolRun {
     Zo::Image::Iop* plate() const;
     void adopt(const Tuning& tuning, std::size_t counted);
     void set_knobs(const KnobStorage& values);
+    // What the stroke costs outside its box.
+    void note_elsewhere(const KnobStorage& before);
     void note(std::string_view text);
 
     static constexpr int kMostRounds = 12;

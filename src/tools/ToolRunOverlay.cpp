@@ -145,7 +145,8 @@ void ToolRun::gather_overlay(bool add) {
     fg->add_area(node_.image.input(0), box_.x, box_.y, box_.r, box_.t);
     node_.image.validate(true);
     if (plate() == nullptr) {
-        cp->add_point(screen_sample(), box_.x, box_.y, box_.r, box_.t);
+        // One, as of a plate: the lists are paired from their ends.
+        cp->add_point(screen_sample(), 0, 0, 1, 1);
     } else {
         cp->add_area(*plate(), box_.x, box_.y, box_.r, box_.t);
     }

@@ -238,11 +238,11 @@ opaque.png: warning: its alpha, channel A, is 1 everywhere, so the holdout matte
 opaque.png: warning: its alpha, channel A, is 1 everywhere, so the garbage matte drops|--fg shot/fg.0001.exr --gm opaque.png -o out/w.exr
 |--fg shot/fg.0001.exr --hm grey.png -o out/w.exr
 |--fg shot/fg.0001.exr --bg opaque.png -o out/w.exr
-parts.exr: warning: holds 2 parts (left, right); only the first is used, left|--fg shot/fg.%04d.exr --cp parts.exr -o out/w.%d.exr --frames 1-3
+parts.exr: warning: R, G, B of part left alone is read; it has parts left, right: choose with parts.exr#part=right|--fg shot/fg.%04d.exr --cp parts.exr -o out/w.%d.exr --frames 1-3
 |--fg odd.tif -o out/w.exr
 out/w.1.jpg: warning: metadata of the foreground is left out|--fg long.tif --bg shot/bg.%04d.exr -o out/w.%d.jpg --frames 1-3
 TABLE
-expect 0 "parts.exr: warning: holds 2 parts" compare parts.exr shot/fg.0001.exr
+expect 0 "parts.exr: warning: R, G, B of part left" compare parts.exr shot/fg.0001.exr
 "$veloxa" compare parts.exr parts.exr >/dev/full 2>err.txt && fail "compare into a full disk: $(cat err.txt)"
 expect 0 "" key --fg shot/fg.0001.exr -o damaged.dpx --set screen_color=0,0,0
 printf '\321\321\321\321' | dd of=damaged.dpx bs=1 seek=32 conv=notrunc status=none

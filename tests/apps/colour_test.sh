@@ -69,7 +69,7 @@ while IFS='|' read -r status text arguments; do
     expect "$status" "$text" key -o no.exr --pick 0,40,8,48 $arguments
     [ ! -e no.exr ] || fail "no.exr is there: $arguments"
 done <<'TABLE'
-2|--in-space acescgg: there is no such colour space; did you mean ACEScg? There are linear, sRGB,|--fg web.png --in-space acescgg
+2|, ADX16, raw; did you mean 'ACEScg'?|--fg web.png --in-space acescgg
 2|#space=nonsense|--fg web.png#space=nonsense
 2|plain.tif: what space its values are in is not sure, perhaps sRGB (uint16 without a linear tag); say it with --in-space|--fg plain.tif --out-space linear
 TABLE

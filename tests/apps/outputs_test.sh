@@ -19,7 +19,7 @@ done <<'TABLE'
 2|--stage writes its rows alone|-o matte=out/a.exr --stage computeMatte
 2|WxH|-o out/a.exr --tiles 64
 1|out/a.exr: --compression lzw: the format has zip|-o out/a.exr --compression lzw
-1|out/a.png: --depth uint10|-o out/a.exr -o cut=out/a.png --depth uint10
+1|out/a.png: --depth uint10|-o out/a.dpx -o cut=out/a.png --depth uint10
 TABLE
 expect_files out ""
 
@@ -39,6 +39,8 @@ for format in exr:4:1:4 tif:4:1:4 png:3:1:4 tga:3:1:4 jpg:3:1:3 webp:3:3:4 bmp:3
     found=$(oiiotool --info out/c.$extension out/m.$extension out/k.$extension | sed -nE 's/.*, ([0-9]) channel.*/\1/p')
     [ "$(echo $found)" = "$comp $matte $cut" ] || fail "$extension has channels $found"
 done
+
+expect 0 "out/c.png: a composite over black, without its matte; -o cut=FILE keeps that" key --fg q/fg.exr -o out/c.png --overwrite
 
 # Who made it, from what and how; the same frame again has the same bytes.
 oiiotool --info -v out/comp.exr >info.txt

@@ -20,7 +20,8 @@ bundle=$root/usr/OFX/Plugins/Veloxa.ofx.bundle/Contents
 modules=("$bundle"/Linux-*/Veloxa.ofx)
 module=${modules[0]}
 for file in "$module" "$bundle/Info.plist" "$bundle/Resources/org.veloxa.Keyer.png" \
-    "$root"/usr/{bin/veloxa,include/ZoImage/Iop.h,lib*/libZoImage.so,lib*/veloxa/Veloxa.so}; do
+    "$root"/usr/share/{man/man1/veloxa-key.1,bash-completion/completions/veloxa,zsh/vendor-completions/_veloxa} \
+    "$root"/usr/share/fish/vendor_completions.d/veloxa.fish "$root"/usr/{bin/veloxa,include/ZoImage/Iop.h,lib*/libZoImage.so,lib*/veloxa/Veloxa.so}; do
     [ -s "$file" ] || fail "$file is missing"
 done
 others=$(ldd "$module" | sed -E 's/^\s*(\S+).*/\1/' | grep -vE '^(linux-vdso|libm|libc|/.*/ld-linux[^/]*)\.so' || true)

@@ -273,6 +273,36 @@ TEST(Tools, ASavedScriptNeedsNoFurtherTuning) {
     EXPECT_EQ(other.span("clearRegion", kAlpha, kShade).second, 255.0f) << other.told();
 }
 
+// A stroke without a plate is one sample of the screen's colour. Scripts of before have it once for each
+// pixel.
+TEST(Tools, ASavedListHoldsWhatWasSampled) {
+    Rig rig, other, old;
+    for (Rig* const r : {&rig, &other, &old})
+        r->patches = {kPatches.begin(), kPatches.begin() + 5};  // numbers
+    const char* const kList = "us_add_overlay_cp";
+    const std::string sample = "0.15 0.6 0.2 0 ";
+    std::string copies;
+    for (int i = 0; i < 100; ++i) copies += sample;
+    rig.stroke("addoverlay", kNoise);
+    EXPECT_EQ(rig.text(kList), sample);
+    const std::string script = write_script(rig.panel);
+    apply_script(other.panel, read_script(script, "s").at(0), "s");
+    EXPECT_EQ(other.values(true), rig.values(true));
+    EXPECT_EQ(render(other.node, kFrame).planes, render(rig.node, kFrame).planes);
+
+    apply_script(old.panel, read_script(script, "s").at(0), "s");
+    old.set(kList, copies);
+    EXPECT_EQ(old.text(kList), copies);
+    // With a plate, too, each stroke keeps its own.
+    for (Rig* const r : {&other, &old}) {
+        r->stroke("removeoverlay", kWarm);
+        r->node.set_input(1, &r->bg);
+        r->stroke("addoverlay", kShade);
+    }
+    EXPECT_EQ(old.values(), other.values());
+    EXPECT_EQ(old.told(), other.told());
+}
+
 TEST(Tools, SurviveWhatIsNoColour) {
     Rig all;
     for (const auto& knob : all.panel.knobs()) {

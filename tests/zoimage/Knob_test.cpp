@@ -102,7 +102,7 @@ TEST(KnobPanel, RefusesWhatAKnobDoesNotTake) {
         {"gain", "nan", "knob 'gain' takes a number; 'nan' is not finite"},
         {"gain", "1e39", "knob 'gain' takes a number; '1e39' is too large"},
         {"on", "yes", "knob 'on' takes true or false; got 'yes'"},
-        {"mode", "Hard", "knob 'mode' takes one of off, soft light, hard; got 'Hard'"},
+        {"mode", "Hard", "knob 'mode' takes one of off, soft light, hard; got 'Hard'; did you mean 'hard'?"},
         {"mode", "3", "knob 'mode' takes one of off, soft light, hard; got '3'"},
         {"reset", "1", "knob 'reset' takes no value: it is a button"},
         {"pick", "1", "knob 'pick' takes no value: it is a tool button"},

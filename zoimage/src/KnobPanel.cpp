@@ -1,31 +1,15 @@
 #include "ZoImage/KnobPanel.h"
 
 #include <algorithm>
-#include <numeric>
 
 #include "Text.h"
+#include "ZoImage/NearestName.h"
 
 namespace Zo::Image {
 
 namespace {
 
 constexpr std::size_t kUndoSteps = 100;
-
-// Levenshtein distance.
-std::size_t edits(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i + 1;
-        for (std::size_t j = 0; j < b.size(); ++j) {
-            const std::size_t replace = diagonal + (a[i] == b[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replace, row[j] + 1, row[j + 1] + 1});
-        }
-    }
-    return row.back();
-}
 
 std::string label_of(const Knob& knob) {
     return "knob '" + knob.name() + "' ";
@@ -81,19 +65,11 @@ Knob* KnobPanel::find(std::string_view name) const {
 
 Knob& KnobPanel::get(std::string_view name) const {
     if (Knob* const knob = find(name)) return *knob;
-    std::string message = "no knob named " + quoted(name);
-    // A name with more than a third of it wrong is no slip of the keyboard.
-    std::size_t nearest = name.size() / 3 + 1;
-    std::string_view proposal;
+    std::vector<std::string> names;
     for (const auto& knob : knobs_) {
-        if (!knob->takes_value()) continue;
-        const std::size_t distance = edits(name.substr(0, 100), knob->name());
-        if (distance >= nearest + (proposal.empty() ? 1 : 0)) continue;
-        nearest = distance;
-        proposal = knob->name();
+        if (knob->takes_value()) names.push_back(knob->name());
     }
-    if (!proposal.empty()) message += "; did you mean " + quoted(proposal) + "?";
-    throw KnobError(message);
+    throw KnobError("no knob named " + quoted(name) + did_you_mean(name, names));
 }
 
 Knob& KnobPanel::check_text(std::string_view name, std::string_view text) const {

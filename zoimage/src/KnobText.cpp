@@ -8,6 +8,7 @@
 
 #include "Text.h"
 #include "ZoImage/Knob.h"
+#include "ZoImage/NearestName.h"
 
 namespace Zo::Image {
 
@@ -179,7 +180,7 @@ std::string Knob::parse_menu(std::string_view text, std::vector<double>& values)
     if (item == items_.end() && (parse(word, index) != std::errc() || index >= items_.size())) {
         std::string list;
         for (const std::string& name : items_) list += (list.empty() ? "" : ", ") + name;
-        return "takes one of " + list + "; got " + quoted(word);
+        return "takes one of " + list + "; got " + quoted(word) + did_you_mean(word, items_);
     }
     values = {static_cast<double>(index)};
     return {};

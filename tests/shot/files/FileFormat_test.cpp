@@ -33,7 +33,7 @@ TEST_F(FileFormat, IsWhatWasAskedFor) {
         {"f.tga", {.compression = "none"}, "compression", ""},
         {"g.exr", {.tile_width = 32, .tile_height = 16}, "tiles", "32x16"},
         {"h.tif", {.tile_width = 32, .tile_height = 16}, "tiles", "32x16"},
-        {"i.dpx", {.depth = Depth::UINT16, .bits = 10}, "oiio:BitsPerSample", "10"},
+        {"i.dpx", {.depth = Depth::UINT16, .bits = 10, .alpha = Alpha::kOpaque}, "oiio:BitsPerSample", "10"},
         {"j.tif", {.depth = Depth::UINT16, .bits = 12}, "oiio:BitsPerSample", "12"},
     };
     Image image = slope();
@@ -42,7 +42,7 @@ TEST_F(FileFormat, IsWhatWasAskedFor) {
         write_image(file(c.name), image, c.options);
         OIIO::ImageSpec spec = OIIO::ImageBuf(file(c.name)).spec();
         spec.attribute("tiles", size_text(spec.tile_width, spec.tile_height));
-        EXPECT_EQ(spec.get_string_attribute(c.attribute), c.value) << c.name;
+        EXPECT_EQ(spec.extra_attribs.get_string(c.attribute), c.value) << c.name;
     }
     const Image ten = read_image(file("i.dpx"));
     for (std::size_t n = 0; n < 70; ++n) {
@@ -58,10 +58,14 @@ TEST_F(FileFormat, IsWhatWasAskedFor) {
 
 TEST_F(FileFormat, WhatItLacksIsSaidBeforeAFrameIsKeyed) {
     const std::pair<const char*, WriteOptions> cases[] = {
-        {"a.exr", {.compression = "lzw"}},      {"a.exr", {.compression = "piz:3"}},
-        {"a.exr", {.compression = "dwaa:"}},    {"a.jpg", {.compression = "zip"}},
-        {"a.exr", {.quality = 50}},             {"a.png", {.tile_width = 16, .tile_height = 16}},
-        {"a.png", {.bits = 10}},                {"a.tif", {.tile_width = 20, .tile_height = 16}},
+        {"a.exr", {.compression = "lzw"}},
+        {"a.exr", {.compression = "piz:3"}},
+        {"a.exr", {.compression = "dwaa:"}},
+        {"a.jpg", {.compression = "zip"}},
+        {"a.exr", {.quality = 50}},
+        {"a.png", {.tile_width = 16, .tile_height = 16}},
+        {"a.png", {.bits = 10}},
+        {"a.tif", {.tile_width = 20, .tile_height = 16}},
     };
     for (const auto& [name, options] : cases) {
         EXPECT_THROW(check_writable(file(name), options), Error) << name << options.compression;

@@ -44,8 +44,11 @@ class KeyPipelineTest : public test::Files {
         options.settings.sets = {"screen_color=0,0,0"};
         options.frames = "1-6";
         KeySetup setup(options, caller_);
-        const KeyPlan plan{
-            setup.frames(), parse_outputs({file("out.%d.exr")}), "", {.overwrite = resume}, resume, 2};
+        KeyPlan plan;
+        plan.frames = setup.frames();
+        plan.outputs = parse_outputs({file("out.%d.exr")});
+        plan.write.overwrite = plan.resume = resume;
+        plan.threads = 2;
         check_outputs(plan, setup.names());
         Node& node = setup.node();
         KeyPipeline pipeline(plan, setup.loader(), node, node.image(), setup.inputs(), caller_);

@@ -1,0 +1,55 @@
+// The program's command line as data: what the manual pages and the completions of shells are written from.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace veloxa {
+
+// What an option's value is, as far as a shell can propose one.
+enum class Value { kNone, kFile, kNamedFile, kFolder, kChoice, kKnob, kTool, kStage, kCommand, kOther };
+
+struct OptionText {
+    std::vector<std::string>
+        names;  // with their dashes, short ones first; a positional's is its value's name
+    bool positional = false;
+    bool required = false;
+    bool repeats = false;
+    Value value = Value::kNone;
+    std::string value_name;            // FILE, A-B[xN]; empty for a flag
+    std::vector<std::string> choices;  // of kChoice
+    std::string limits;                // "1 to 1024"
+    std::string preset;                // its value when it is not given, where that is known
+    std::string meaning;
+    std::string group;
+    std::vector<std::string> excludes;  // long names
+};
+
+struct CommandText {
+    std::string name;  // empty for the program
+    std::string meaning;
+    std::vector<std::string> notes;  // the footer's lines
+    std::vector<OptionText> options;
+};
+
+struct KnobText {
+    std::string name;
+    std::vector<std::string> values;  // where there are few
+};
+
+struct CommandLine {
+    CommandText program;
+    std::vector<CommandText> commands;
+    std::vector<KnobText> knobs;      // that take a value
+    std::vector<std::string> tools;   // as --stroke takes them
+    std::vector<std::string> stages;  // as --stage takes them
+};
+
+// As one word of a POSIX shell.
+inline std::string quoted_for_shell(const std::string& text) {
+    std::string quoted = "'";
+    for (const char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return quoted + "'";
+}
+
+}  // namespace veloxa

@@ -1,0 +1,13 @@
+// Reads the command line from the program's parser and from the node.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include "CommandLine.h"
+#include "shot/node/Node.h"
+
+namespace veloxa {
+
+CommandLine describe(const CLI::App& app, const Node& node);
+
+}  // namespace veloxa

@@ -1,0 +1,115 @@
+#include "Writers.h"
+
+namespace veloxa {
+
+namespace {
+
+// As part of an option's specification, where brackets, colons and backslashes have a meaning.
+std::string escaped(const std::string& text) {
+    std::string out;
+    for (const char c : text) {
+        if (c == '[' || c == ']' || c == ':' || c == '\\') out += '\\';
+        out += c;
+    }
+    return out;
+}
+
+std::string words_of(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words) text += " " + quoted_for_shell(word);
+    return text;
+}
+
+std::string knob_function(const CommandLine& all) {
+    std::string names;
+    std::string cases;
+    for (const KnobText& knob : all.knobs) {
+        names += " " + knob.name;
+        if (!knob.values.empty())
+            cases += "            " + knob.name + ") compadd --" + words_of(knob.values) + " ;;\n";
+    }
+    return "_veloxa_knobs() {\n    if compset -P '*='; then\n        case ${${IPREFIX%=}##*=} in\n" + cases +
+           "        esac\n    else\n        compadd -q -S = --" + names + "\n    fi\n}\n\n";
+}
+
+std::string tool_function(const CommandLine& all) {
+    return "_veloxa_tools() {\n    compadd -q -S = --" + words_of(all.tools) +
+           "\n}\n\n_veloxa_stages() {\n    compadd --" + words_of(all.stages) + "\n}\n\n";
+}
+
+std::string action(const OptionText& option) {
+    switch (option.value) {
+        case Value::kFile:
+            return "_files";
+        case Value::kNamedFile:
+            return "{ compset -P \"*=\"; _files }";
+        case Value::kFolder:
+            return "_files -/";
+        case Value::kKnob:
+            return "_veloxa_knobs";
+        case Value::kTool:
+            return "_veloxa_tools";
+        case Value::kStage:
+            return "_veloxa_stages";
+        case Value::kCommand:
+            return "_veloxa_commands";
+        case Value::kChoice: {
+            std::string choices;
+            for (const std::string& choice : option.choices) choices += (choices.empty() ? "" : " ") + choice;
+            return "(" + choices + ")";
+        }
+        case Value::kNone:
+        case Value::kOther:
+            break;
+    }
+    return " ";
+}
+
+// One argument of _arguments a name.
+std::string specifications(const OptionText& option) {
+    const bool flag = option.value == Value::kNone;
+    const std::string value = flag ? "" : ":" + escaped(option.value_name) + ":" + action(option);
+    if (option.positional) return " \\\n        " + quoted_for_shell((option.repeats ? "*" : "") + value);
+    std::string instead;
+    for (const std::string& name : option.excludes) instead += (instead.empty() ? "" : " ") + name;
+    if (!option.repeats) {
+        for (const std::string& name : option.names) instead += (instead.empty() ? "" : " ") + name;
+    }
+    const std::string front = (instead.empty() ? "" : "(" + instead + ")") + (option.repeats ? "*" : "");
+    std::string text;
+    for (const std::string& name : option.names) {
+        const char* const ending = flag ? "" : name.starts_with("--") ? "=" : "+";
+        text += " \\\n        " +
+                quoted_for_shell(front + name + ending + "[" + escaped(option.meaning) + "]" + value);
+    }
+    return text;
+}
+
+std::string arguments_of(const CommandText& command) {
+    std::string text = "_arguments";
+    for (const OptionText& option : command.options) text += specifications(option);
+    return text;
+}
+
+}  // namespace
+
+std::string zsh_completion(const CommandLine& all) {
+    std::string text = "#compdef veloxa\n# zsh completion for veloxa, made with the program.\n\n" +
+                       knob_function(all) + tool_function(all) +
+                       "_veloxa_commands() {\n    local -a commands=(\n";
+    for (const CommandText& command : all.commands) {
+        text += "        " + quoted_for_shell(command.name + ":" + command.meaning) + "\n";
+    }
+    text +=
+        "    )\n    _describe command commands\n}\n\n_veloxa() {\n    local context state state_descr line\n"
+        "    typeset -A opt_args\n    " +
+        arguments_of(all.program) +
+        " \\\n        '1:command:_veloxa_commands' \\\n        '*::argument:->command'\n"
+        "    [[ $state == command ]] || return\n    case $line[1] in\n";
+    for (const CommandText& command : all.commands) {
+        text += "    " + command.name + ")\n    " + arguments_of(command) + " ;;\n";
+    }
+    return text + "    esac\n}\n\n_veloxa \"$@\"\n";
+}
+
+}  // namespace veloxa

@@ -1,0 +1,74 @@
+#include "Usage.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "ZoImage/NearestName.h"
+
+namespace veloxa {
+
+using namespace Zo::Image;
+
+namespace {
+
+std::string joined(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words) text += (text.empty() ? "" : ", ") + word;
+    return text;
+}
+
+// "; did you mean --NAME?" for an argument that begins with a dash, empty where no option is near.
+std::string option_guess(const CLI::App& app, std::string_view argument) {
+    argument = argument.substr(0, argument.find('='));
+    argument.remove_prefix(std::min(argument.find_first_not_of('-'), argument.size()));
+    std::vector<std::string> names;
+    for (const CLI::Option* option : app.get_options()) {
+        names.insert(names.end(), option->get_lnames().begin(), option->get_lnames().end());
+    }
+    const std::string_view nearest = nearest_name(argument, names);
+    return nearest.empty() ? std::string() : "; did you mean --" + std::string(nearest) + "?";
+}
+
+std::string message_for(const CLI::App& command, const CLI::ParseError& error) {
+    const std::string& name = command.get_name();
+    const std::string help = "; see veloxa " + name + " --help";
+    const std::vector<std::string> left = command.remaining();
+    for (const std::string& argument : left) {
+        if (!argument.starts_with("-")) continue;
+        std::string message = argument;
+        message += ": " + name + " has no such option";
+        const std::string guess = option_guess(command, argument);
+        return message + (guess.empty() ? help : guess);
+    }
+    if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
+        return joined(left) + ": more than " + name + " takes" + help;
+    }
+    const std::string what = error.what();
+    return what.ends_with("?") ? what : what + help;
+}
+
+}  // namespace
+
+OneOf::OneOf(const std::vector<std::string>& names) {
+    desc_function_ = [names] { return CLI::detail::generate_set(names); };
+    func_ = [names](const std::string& value) {
+        if (std::ranges::find(names, value) != names.end()) return std::string();
+        return value + " is none of " + joined(names) + did_you_mean(value, names);
+    };
+}
+
+std::string usage_message(const CLI::App& app, const CLI::ParseError& error, const std::string& first) {
+    const auto chosen = app.get_subcommands();
+    if (!chosen.empty()) return message_for(*chosen.front(), error);
+    std::vector<std::string> names;
+    for (const CLI::App* command : app.get_subcommands({})) names.push_back(command->get_name());
+    if (first.starts_with("-")) {
+        const std::string guess = option_guess(app, first);
+        return first + ": a command comes first: " + joined(names) +
+               (guess.empty() ? "; see veloxa --help" : guess);
+    }
+    if (first.empty()) return "a command is needed: " + joined(names) + "; see veloxa --help";
+    return first + ": there is no such command" + choices(first, names);
+}
+
+}  // namespace veloxa
