@@ -10,7 +10,7 @@ set -euo pipefail
 
 packages=(
     g++ cmake ninja-build ccache pkgconf
-    libopenimageio-dev libcli11-dev nlohmann-json3-dev
+    libopenimageio-dev libopencolorio-dev libcli11-dev nlohmann-json3-dev
     libavformat-dev libavcodec-dev libavutil-dev # streams of frames
     libgtest-dev libgmock-dev
     bash-completion zsh fish man-db # their completions and the manual pages are tested in them

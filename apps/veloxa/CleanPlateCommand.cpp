@@ -24,6 +24,7 @@ struct Options {
     std::string foreground;
     std::string output;
     std::string frames;
+    ColourOptions colour;
     KnobSettings settings;
     ScreenOptions screen;
     FormatOptions format;
@@ -96,7 +97,8 @@ int make_clean_plate(const Options& options) {
     Progress progress(options.quiet);
     Caller caller = caller_for(options.quiet);
     caller.progress = [&](double done, int all) { progress.update(done, all); };
-    CleanPlateMaker maker(name, frames, {options.threads, static_cast<std::size_t>(options.memory) << 20},
+    CleanPlateMaker maker(name, frames,
+                          {options.threads, static_cast<std::size_t>(options.memory) << 20, options.colour},
                           caller);
     KnobPanel& panel = maker.node().panel();
     maker.node().apply(options.settings, caller);
@@ -131,6 +133,7 @@ void add_cleanplate_command(CLI::App& app, Run& run) {
     command->add_option("-o,--output", options->output, "Clean plate; its extension chooses the format")
         ->required()
         ->type_name("FILE");
+    add_colour_options(*command, options->colour);
     add_frames_option(*command, options->frames);
     add_knob_options(*command, options->settings);
     add_screen_options(*command, options->screen, "the first frame");

@@ -20,6 +20,7 @@ void add_key_command(CLI::App& app, Run& run);
 void add_analyse_command(CLI::App& app, Run& run);
 void add_knobs_command(CLI::App& app, Run& run);
 void add_controls_command(CLI::App& app, Run& run);
+void add_spaces_command(CLI::App& app, Run& run);
 void add_cleanplate_command(CLI::App& app, Run& run);
 void add_tune_command(CLI::App& app, Run& run);
 void add_plate_command(CLI::App& app, Run& run);

@@ -34,6 +34,20 @@ void add_screen_options(CLI::App& command, ScreenOptions& options, const std::st
         ->excludes(pick);
 }
 
+void add_colour_options(CLI::App& command, ColourOptions& options) {
+    command
+        .add_option(
+            "--in-space", options.in_space,
+            "Colour space of the colour inputs, but for those with #space=T; they are keyed in scene linear "
+            "light")
+        ->type_name("SPACE");
+    command
+        .add_option(
+            "--out-space", options.out_space,
+            "Colour space to convert the result to; without --in-space the inputs' are as their files say")
+        ->type_name("SPACE");
+}
+
 void add_frames_option(CLI::App& command, std::string& frames) {
     command.add_option("--frames", frames, "Frames A to B, every Nth")->type_name("A-B[xN]");
 }
@@ -93,6 +107,7 @@ void add_setup_options(CLI::App& command, SetupOptions& options) {
                     "Inputs of another size than the foreground: resize scales them, crop centres them, none "
                     "leaves them at the bottom left; edge pixels repeat. Without it they are errors")
         ->check(OneOf({"resize", "crop", "none"}));
+    add_colour_options(command, options.colour);
     add_frames_option(command, options.frames);
     add_knob_options(command, options.settings);
     add_screen_options(command, options.screen, "the first foreground that can be read");

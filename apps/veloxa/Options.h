@@ -23,6 +23,8 @@ void add_screen_options(CLI::App& command, ScreenOptions& options, const std::st
 
 // Those of a set-up, the above among them.
 void add_setup_options(CLI::App& command, SetupOptions& options);
+// --in-space and --out-space.
+void add_colour_options(CLI::App& command, ColourOptions& options);
 void add_frames_option(CLI::App& command, std::string& frames);
 void add_threads_option(CLI::App& command, int& threads);
 

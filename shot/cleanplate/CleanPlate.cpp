@@ -57,7 +57,7 @@ CleanPlateMaker::CleanPlateMaker(const PictureName& name, const FrameRange& fram
     : name_(name),
       limits_(limits),
       caller_(caller),
-      loader_(foreground_only(name), Fit::kRefuse, caller),
+      loader_(foreground_only(name), Fit::kRefuse, limits.colour, caller),
       source_(NodeContext{kInputNames[kFg]}),
       partial_(NodeContext{"partial"}),
       seen_mask_(NodeContext{"seen"}),
@@ -233,6 +233,7 @@ Image CleanPlateMaker::make() {
     if (seen == 0)
         throw Error(name_.name(), "no frame shows clear backing; look at --set overlay_mode=screen");
     if (static_cast<std::size_t>(seen) < seen_.size()) fill(seen_);
+    loader_.colour().give(plate_, AlphaIs::kApart);
     return std::move(plate_);
 }
 

@@ -52,6 +52,7 @@ class PlateSamples {
 struct CleanPlateLimits {
     int threads = 0;
     std::size_t budget = std::size_t{1} << 30;  // bytes of samples; never less than a row's
+    ColourOptions colour{};
 };
 
 struct CleanPlateReport {

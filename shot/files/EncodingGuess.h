@@ -12,8 +12,8 @@ struct EncodingGuess {
     std::string why;
 };
 
-// DPX and Cineon are logarithmic, whole numbers of 8 or 16 bits sRGB, unless the file says otherwise;
-// everything else is light as it is stored.
+// By its colour space (shot/colour/FileSpace.h): the curve of sRGB or one like it, the density of film;
+// everything else is taken for light as it is stored, a camera's logarithm too, which is to be converted.
 EncodingGuess guess_encoding(const OIIO::ImageSpec& header, const std::string& file);
 
 }  // namespace veloxa

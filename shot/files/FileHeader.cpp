@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "shot/Errors.h"
+#include "shot/colour/FileSpace.h"
 
 namespace veloxa {
 
@@ -165,6 +166,7 @@ OIIO::ImageSpec header_for(OIIO::ImageSpec spec, const FileRows& rows, const OII
         spec.attribute("dpx:FrameRate", rate);
         spec.attribute("dpx:TemporalFrameRate", rate);
     }
+    tag_for_format(spec, format);
     set_compression(spec, format, options.compression);
     if (options.quality > 0) spec.attribute("CompressionQuality", options.quality);
     // Colour is stored as it comes, neither divided nor multiplied by the library.

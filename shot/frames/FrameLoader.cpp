@@ -38,6 +38,12 @@ Hash identity_of(const std::string& path, const PictureChoice& choice, bool matt
     return hash;
 }
 
+std::array<std::string, kInputCount> own_spaces(const FrameLoader::Names& names) {
+    std::array<std::string, kInputCount> spaces;
+    for (const Input n : {kFg, kCp, kBg}) spaces[n] = names[n].choice().space;
+    return spaces;
+}
+
 bool is_one_everywhere(const Image& image, Channel c) {
     const float* const samples = image.plane(c).get();
     return std::all_of(samples, samples + image.width() * image.height(), [](float v) { return v == 1.0f; });
@@ -80,9 +86,10 @@ LoadedInput FrameLoader::read(Input input, int frame) try {
     const std::string path = names_[input].at(frame);
     const PictureChoice& choice = names_[input].choice();
     const bool matte = is_matte(input);
-    const Hash identity = identity_of(path, choice, matte);
+    Hash identity = identity_of(path, choice, matte);
     Image image = (matte ? read_matte : read_image)(path, choice, caller_.abort);
     warn(input, path, image);
+    if (!matte) colour_.take(image, input, path, identity);
     if (input == kFg && keep_layers_) keep(path, image);
     return {std::make_shared<const Image>(std::move(image)), identity};
 } catch (const MovieError& movie) {
@@ -97,8 +104,13 @@ LoadedInput FrameLoader::fitted_to(const LoadedInput& loaded, const Format& form
     return result;
 }
 
-FrameLoader::FrameLoader(Names names, Fit fit, Caller caller, const FrameRange& frames)
-    : names_(std::move(names)), fit_(fit), frames_(frames), caller_(std::move(caller)) {
+FrameLoader::FrameLoader(Names names, Fit fit, const ColourOptions& colour, Caller caller,
+                         const FrameRange& frames)
+    : names_(std::move(names)),
+      fit_(fit),
+      frames_(frames),
+      caller_(std::move(caller)),
+      colour_(colour, own_spaces(names_), caller_) {
     for (std::size_t n = 0; n < kInputCount; ++n) {
         if (names_[n].choice().invert && !is_matte(n)) refuse_invert(names_[n].name());
         if (!names_[n].is_stream()) continue;
@@ -106,7 +118,9 @@ FrameLoader::FrameLoader(Names names, Fit fit, Caller caller, const FrameRange& 
             throw UsageError(std::string("--") + kInputNames[n] + " -: standard input is --" +
                              kInputNames[streamed_] + " already");
         }
-        if (!names_[n].choice().empty()) {
+        PictureChoice choice = names_[n].choice();
+        choice.space.clear();
+        if (!choice.empty()) {
             throw UsageError(std::string("--") + kInputNames[n] + ": a stream has no parts to choose from");
         }
         streamed_ = n;
@@ -121,7 +135,10 @@ void FrameLoader::load_stills() {
     if (!has_stream()) return;
     const bool matte = is_matte(streamed_);
     using Use = StreamInput::Use;
-    stream_ = std::make_unique<StreamInput>(frames_, matte ? Use::kMatte : Use::kColour, caller_);
+    const auto ready = [this, matte](Image& image, Hash& identity) {
+        if (!matte) colour_.take(image, streamed_, names_[streamed_].at(0), identity);
+    };
+    stream_ = std::make_unique<StreamInput>(frames_, matte ? Use::kMatte : Use::kColour, ready, caller_);
 }
 
 std::shared_ptr<const Image> FrameLoader::foreground(int frame) {

@@ -6,6 +6,7 @@
 
 #include "ZoImage/Hash.h"
 #include "shot/Caller.h"
+#include "shot/colour/ShotColour.h"
 #include "shot/frames/LoadedInput.h"
 #include "shot/frames/PictureName.h"
 #include "shot/frames/StreamInput.h"
@@ -26,8 +27,12 @@ class FrameLoader {
   public:
     using Names = std::array<PictureName, kInputCount>;  // empty for inputs that are not used
 
-    // Throws UsageError where a colour input is to be inverted, and where two inputs are the stream.
-    FrameLoader(Names names, Fit fit, Caller caller, const FrameRange& frames = {});
+    // Throws UsageError where a colour input is to be inverted, where two inputs are the stream, and what
+    // ShotColour throws.
+    FrameLoader(Names names, Fit fit, const ColourOptions& colour, Caller caller,
+                const FrameRange& frames = {});
+
+    const ShotColour& colour() const { return colour_; }
 
     // Has foregrounds carry what else their files hold; see Image::kept.
     void keep_layers() { keep_layers_ = true; }
@@ -68,6 +73,7 @@ class FrameLoader {
     Fit fit_;
     FrameRange frames_;
     Caller caller_;
+    ShotColour colour_;
     std::size_t streamed_ = kInputCount;  // the input that is the stream
     std::unique_ptr<StreamInput> stream_;
     LoadedInput ahead_;  // a foreground that was read before its turn, and its frame

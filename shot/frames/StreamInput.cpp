@@ -24,9 +24,10 @@ Image matte_of(Image image) {
 
 }  // namespace
 
-StreamInput::StreamInput(const FrameRange& frames, Use use, const Caller& caller)
+StreamInput::StreamInput(const FrameRange& frames, Use use, Ready ready, const Caller& caller)
     : frames_(frames),
       use_(use),
+      ready_(std::move(ready)),
       reader_(STDIN_FILENO, kName, frames.first, caller.abort),
       number_(frames.first - 1) {
     if (reader_.holds_others()) {
@@ -61,6 +62,7 @@ bool StreamInput::reach(int frame) {
         identity.append(std::int32_t{number_});
         identity.append(std::int32_t{use_ == Use::kMatte});
         if (use_ == Use::kMatte) read->image = matte_of(std::move(read->image));
+        ready_(read->image, identity);
         current_ = {std::make_shared<const Image>(std::move(read->image)), identity};
         const std::lock_guard hold(mutex_);
         times_[number_] = read->time;

@@ -1,7 +1,7 @@
 // The input that standard input carries, frame after frame.
 #pragma once
 
-#include <atomic>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -19,9 +19,12 @@ class StreamInput {
   public:
     enum class Use { kColour, kMatte };
 
+    // What is done to a frame before anybody gets it; appends that to what names the pixels.
+    using Ready = std::function<void(Image&, Zo::Image::Hash&)>;
+
     // Reads the stream's header. A frame of a matte is its alpha or, without one, its red as alpha. Throws
     // Error and Interrupted.
-    StreamInput(const FrameRange& frames, Use use, const Caller& caller);
+    StreamInput(const FrameRange& frames, Use use, Ready ready, const Caller& caller);
 
     // Reads on until the frame is there; false at the end of a stream of an open range. Frames before it are
     // gone. Throws Error when the stream is damaged, or ends before its time; then it is broken.
@@ -44,6 +47,7 @@ class StreamInput {
 
     const FrameRange frames_;
     const Use use_;
+    const Ready ready_;
     StreamReader reader_;
     LoadedInput current_;
     int number_;  // of the current frame

@@ -23,7 +23,12 @@ Image alpha_alone(const Image& image) {
     matte.info.channels = kAlpha;
     matte.kept = nullptr;
     for (const Channel c : kMaskRgb) matte.plane(c) = nullptr;
+    tag_raw(matte.header);
     return matte;
+}
+
+bool is_matte(const KeyOutput& output) {
+    return output.picture == Picture::kMatte;
 }
 
 // A line each, for provenance.
@@ -84,6 +89,7 @@ KeyPipeline::KeyPipeline(KeyPlan plan, FrameLoader& loader, Node& node, Iop& roo
       own_mode_(node.panel().get(kModeKnob).text()),
       settings_(node.script()),
       passes_(!has_screen_color(node.panel(), {})),
+      mattes_alone_(std::ranges::all_of(plan_.outputs, is_matte)),
       inputs_(inputs),
       caller_(caller),
       renderer_(plan_.threads, caller.abort),
@@ -180,6 +186,12 @@ Image KeyPipeline::render_picture(const Image& foreground, const std::string& mo
     give_up_if_raised(caller_.abort);
     if (!complete) throw Error("the frame could not be rendered");
     stats_.add(renderer_.stats());
+    if (&root_ != &node) {
+        tag_raw(image.header);
+    } else if (!mattes_alone_) {
+        const bool multiplied = !passes_ && alpha_of(mode) == Alpha::kPremultiplied;
+        loader_.colour().give(image, multiplied ? AlphaIs::kMultiplied : AlphaIs::kApart);
+    }
     return image;
 }
 

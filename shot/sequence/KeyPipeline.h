@@ -124,6 +124,7 @@ class KeyPipeline {
     std::vector<std::string> modes_;  // that the outputs need
     const std::string settings_;      // as a script
     const bool passes_;               // the foreground through, as no screen colour is set
+    const bool mattes_alone_;         // no output has colour
     NodeInputs& inputs_;
     Caller caller_;
     Zo::Image::Renderer renderer_;

@@ -34,7 +34,7 @@ KeySetup::KeySetup(const SetupOptions& options, const Caller& caller)
       caller_(caller),
       names_(input_names(options)),
       frames_(frames_for(options, names_)),
-      loader_(names_, fit_named(options.fit).value_or(Fit::kRefuse), caller, frames_),
+      loader_(names_, fit_named(options.fit).value_or(Fit::kRefuse), options.colour, caller, frames_),
       node_(caller.abort) {
     node_.apply(options.settings, caller);
     inputs_.connect(node_.image(), names_);
@@ -135,6 +135,7 @@ void KeySetup::apply_strokes(std::size_t begin, std::size_t end) {
 void KeySetup::prepare() {
     loader_.load_stills();
     loader_.check_choices(frames_.first);
+    if (loader_.colour().converts()) first_foreground();  // says now where its space is not known
     choose_screen_color();
     // There is nothing to set up before a screen colour is chosen.
     const std::size_t before = picks_screen() ? 1 : 0;
@@ -145,6 +146,10 @@ void KeySetup::prepare() {
     }
     apply_strokes(before, strokes_.size());
     show_nothing();
+    const std::string encoding = node_.panel().get("unmix_encoding").text();
+    if (loader_.colour().converts() && keys_by_shot(node_) && encoding != "as stored") {
+        caller_.warn("warning: unmix_encoding is " + encoding + ", but the inputs are converted to light");
+    }
     if (!has_screen_color(node_.panel(), {})) {
         caller_.warn("warning: screen_color is 0,0,0, so the foreground passes through");
     }

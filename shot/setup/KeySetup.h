@@ -26,6 +26,7 @@ struct SetupOptions {
     std::vector<std::string> strokes;
     std::string frames;
     std::string fit;
+    ColourOptions colour{};
 };
 
 class KeySetup {
