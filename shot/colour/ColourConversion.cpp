@@ -53,7 +53,7 @@ void convert_span(const Span& span, const ColourConversion& conversion, float* r
 
 }  // namespace
 
-ColourConversion::ColourConversion(OCIO::ConstProcessorRcPtr processor) {
+ColourConversion::ColourConversion(const OCIO::ConstProcessorRcPtr& processor) {
     if (processor->isNoOp()) return;
     cpu_ = processor->getOptimizedCPUProcessor(OCIO::OPTIMIZATION_LOSSLESS);
     if (cpu_->isNoOp()) cpu_ = nullptr;

@@ -14,7 +14,7 @@ namespace veloxa {
 class ColourConversion {
   public:
     ColourConversion() = default;  // changes nothing
-    explicit ColourConversion(OCIO_NAMESPACE::ConstProcessorRcPtr processor);
+    explicit ColourConversion(const OCIO_NAMESPACE::ConstProcessorRcPtr& processor);
 
     bool changes() const { return cpu_ != nullptr; }
     // Red, green, blue and something that stays as it is, pixel after pixel.
