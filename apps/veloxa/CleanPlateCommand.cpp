@@ -73,7 +73,8 @@ int dry_run(const Options& options, const PictureName& name, const FrameRange& f
     node.apply(options.settings, caller_for(false));
     Preview preview(frames);
     const NamedInput input{"fg", name};
-    preview.read({&input, 1}, Fit::kRefuse);
+    preview.read({&input, 1}, Fit::kRefuse,
+                 ShotColour(options.colour, std::array{name.choice().space}, caller_for(true)));
     preview.read("script", options.settings.script);
     preview.set(node, options.screen, has_screen_color(node.panel(), options.settings.sets));
     preview.make(options.output, write);

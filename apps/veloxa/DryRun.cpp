@@ -12,13 +12,15 @@ void add_dry_run_option(CLI::App& command, bool& dry_run) {
 
 std::vector<NamedInput> inputs_of(const FrameLoader::Names& names) {
     std::vector<NamedInput> inputs;
-    for (std::size_t n = 0; n < kInputCount; ++n) inputs.push_back({kInputNames[n], names[n]});
+    for (std::size_t n = 0; n < kInputCount; ++n)
+        inputs.push_back({kInputNames[n], names[n], is_matte_input(n)});
     return inputs;
 }
 
 Preview preview_of(KeySetup& setup, const SetupOptions& options) {
     Preview preview(setup.frames());
-    preview.read(inputs_of(setup.names()), fit_named(options.fit).value_or(Fit::kRefuse));
+    preview.read(inputs_of(setup.names()), fit_named(options.fit).value_or(Fit::kRefuse),
+                 setup.loader().colour());
     preview.read("script", options.settings.script);
     preview.set(setup.node(), options);
     return preview;

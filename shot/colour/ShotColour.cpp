@@ -29,32 +29,39 @@ ShotColour::ShotColour(const ColourOptions& options, std::span<const std::string
     config_ = config;
 }
 
-std::string ShotColour::space_for(const FileSpace& found, const std::string& own,
-                                  const std::string& file) const {
-    if (!own.empty()) return own;
-    if (!in_.empty()) return in_;
-    if (std::string ruled = config_->space_by_rule(file); !ruled.empty()) return ruled;
+FileSpace ShotColour::space_for(const FileSpace& found, std::size_t input, const std::string& file) const {
+    for (const std::string& asked : {own_[input], in_}) {
+        if (!asked.empty()) return {asked, "asked"};
+    }
+    if (std::string ruled = config_->space_by_rule(file); !ruled.empty()) return {ruled, found.why};
     if (!found.sure) {
         throw UsageError(file + ": what space its values are in is not sure, perhaps " + found.name + " (" +
                          found.why + "); say it with --in-space S");
     }
     const KnownSpace* const known = known_space(found.name);
     std::string name = known ? config_->name_of(*known) : "";
-    if (!name.empty()) return name;
+    if (!name.empty()) return {name, found.why};
     throw UsageError(
         file + ": its values are " + found.name + " (" + found.why +
         "), which the colour configuration does not have; say with --in-space S what they are there");
+}
+
+std::string ShotColour::text(const FileSpace& space) const {
+    return space.name + ", as " + space.why + (converts() ? "; converted to " + working_ : "");
+}
+
+std::string ShotColour::account(const OIIO::ImageSpec& header, std::size_t input,
+                                const std::string& file) const {
+    const FileSpace found = space_of(header, file);
+    return text(converts() ? space_for(found, input, file) : found);
 }
 
 void ShotColour::tell_once(std::size_t input, const std::string& file, const FileSpace& space) {
     if (!taken_[input].file.empty()) return;
     taken_[input] = {file, space};
     const Taken& plate = taken_[kPlate];
-    if (converts()) {
-        caller_.tell(file + ": " + space.name + ", as " + space.why + "; converted to " + working_);
-        return;
-    }
-    if (input == kPlate) caller_.tell(file + ": " + space.name + ", as " + space.why);
+    if (converts() || input == kPlate) caller_.tell(file + ": " + text(space));
+    if (converts()) return;
     for (std::size_t n = kPlate + 1; n < taken_.size() && !plate.file.empty(); ++n) {
         const Taken& other = taken_[n];
         if ((input != kPlate && input != n) || other.file.empty() || other.space.name == plate.space.name)
@@ -77,9 +84,9 @@ void ShotColour::take(Image& image, std::size_t input, const std::string& file, 
         tag_space(image.header, found, known_space(found.name));
         return;
     }
-    const std::string space = space_for(found, own_[input], file);
-    const bool said = !own_[input].empty() || !in_.empty();
-    tell_once(input, file, {space, said ? "asked" : found.why});
+    const FileSpace from = space_for(found, input, file);
+    tell_once(input, file, from);
+    const std::string& space = from.name;
     auto way = to_working_.find(space);
     if (way == to_working_.end()) way = to_working_.emplace(space, config_->between(space, working_)).first;
     // Formats that hold an alpha beside the colour, rather than in it, are read as they are.

@@ -35,6 +35,12 @@ class ShotColour {
     ShotColour(const ColourOptions& options, std::span<const std::string> own, const Caller& caller);
 
     bool converts() const { return config_.has_value(); }
+    // What results are converted to; empty where they are not.
+    const std::string& out_space() const { return out_; }
+
+    // What a file's values are for this input and what they become: "sRGB, as uint8; converted to linear".
+    // Throws UsageError where that must be known and is not.
+    std::string account(const OIIO::ImageSpec& header, std::size_t input, const std::string& file) const;
 
     // Makes what was read of a file, for this input, ready for the node and says in its header what it is
     // then. Tells once an input what space the file is in, and appends that to what names the pixels. Throws
@@ -50,7 +56,9 @@ class ShotColour {
         FileSpace space;
     };
 
-    std::string space_for(const FileSpace& found, const std::string& own, const std::string& file) const;
+    // What a file's values are converted from.
+    FileSpace space_for(const FileSpace& found, std::size_t input, const std::string& file) const;
+    std::string text(const FileSpace& space) const;
     void tell_once(std::size_t input, const std::string& file, const FileSpace& space);
 
     std::optional<ColourConfig> config_;  // null where nothing is converted

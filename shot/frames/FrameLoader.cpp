@@ -16,10 +16,6 @@ using namespace Zo::Image;
 
 namespace {
 
-bool is_matte(std::size_t input) {
-    return input == kGm || input == kHm;
-}
-
 Hash identity_of(const std::string& path, const PictureChoice& choice, bool matte) {
     Hash hash;
     hash.append(std::string_view(path));
@@ -54,13 +50,13 @@ bool is_one_everywhere(const Image& image, Channel c) {
 void FrameLoader::check_choices(int frame) const {
     for (std::size_t n = 0; n < kInputCount; ++n) {
         if (!names_[n].empty() && n != streamed_)
-            check_choice(names_[n].at(frame), names_[n].choice(), is_matte(n));
+            check_choice(names_[n].at(frame), names_[n].choice(), is_matte_input(n));
     }
 }
 
 void FrameLoader::warn(Input input, const std::string& path, const Image& image) {
     const PictureChoice& choice = names_[input].choice();
-    const bool matte = is_matte(input);
+    const bool matte = is_matte_input(input);
     if (!std::exchange(looked_for_parts_[input], true)) warn_of_parts(path, choice, matte, caller_);
     if (!matte || told_alpha_[input] || !choice.channel.empty()) return;
     const std::string alpha = own_alpha(image.header, choice);
@@ -85,7 +81,7 @@ void FrameLoader::keep(const std::string& path, Image& image) {
 LoadedInput FrameLoader::read(Input input, int frame) try {
     const std::string path = names_[input].at(frame);
     const PictureChoice& choice = names_[input].choice();
-    const bool matte = is_matte(input);
+    const bool matte = is_matte_input(input);
     Hash identity = identity_of(path, choice, matte);
     Image image = (matte ? read_matte : read_image)(path, choice, caller_.abort);
     warn(input, path, image);
@@ -112,7 +108,7 @@ FrameLoader::FrameLoader(Names names, Fit fit, const ColourOptions& colour, Call
       caller_(std::move(caller)),
       colour_(colour, own_spaces(names_), caller_) {
     for (std::size_t n = 0; n < kInputCount; ++n) {
-        if (names_[n].choice().invert && !is_matte(n)) refuse_invert(names_[n].name());
+        if (names_[n].choice().invert && !is_matte_input(n)) refuse_invert(names_[n].name());
         if (!names_[n].is_stream()) continue;
         if (has_stream()) {
             throw UsageError(std::string("--") + kInputNames[n] + " -: standard input is --" +
@@ -133,7 +129,7 @@ void FrameLoader::load_stills() {
         stills_[n] = read(static_cast<Input>(n), 0);
     }
     if (!has_stream()) return;
-    const bool matte = is_matte(streamed_);
+    const bool matte = is_matte_input(streamed_);
     using Use = StreamInput::Use;
     const auto ready = [this, matte](Image& image, Hash& identity) {
         if (!matte) colour_.take(image, streamed_, names_[streamed_].at(0), identity);

@@ -18,6 +18,9 @@ namespace veloxa {
 // The node's inputs by number.
 enum Input : std::size_t { kFg, kCp, kBg, kGm, kHm, kInputCount };
 inline constexpr std::array<const char*, kInputCount> kInputNames{"fg", "cp", "bg", "gm", "hm"};
+constexpr bool is_matte_input(std::size_t input) {
+    return input == kGm || input == kHm;
+}
 
 using FrameInputs = std::array<LoadedInput, kInputCount>;
 

@@ -26,25 +26,27 @@ std::string files_text(const FramePattern& name, const FrameRange& frames, int f
            (frames.count() == 1 ? "" : " to " + name.at(frames.at(frames.count() - 1)));
 }
 
-// Of the display window, from the headers of what is chosen of the file.
-std::string size_of(const std::string& path, const PictureChoice& choice) {
+// The header of what is chosen of the file.
+OIIO::ImageSpec header_of(const std::string& path, const PictureChoice& choice, bool matte) {
     const FileReader there(path, nullptr);  // says what is wrong with a file that cannot be read
     const std::vector<OIIO::ImageSpec> parts = parts_of(path);
-    const int chosen = select_picture(path, parts, choice, false).part;
-    const OIIO::ImageSpec& part = parts.at(static_cast<std::size_t>(chosen));
-    return size_text(part.full_width, part.full_height);
+    return parts.at(static_cast<std::size_t>(select_picture(path, parts, choice, matte).part));
 }
 
-// The sizes of an input's files, frame by frame, once for all of them where they are one file; nothing where
-// a file cannot be used.
+// The sizes of an input's display windows, frame by frame, once for all of them where they are one file;
+// nothing where a file cannot be used.
 class Sizes {
   public:
-    Sizes(const PictureName& name, const FrameRange& frames, std::vector<std::string>& faults) {
+    Sizes(const NamedInput& input, std::size_t number, const FrameRange& frames, const ShotColour& colour,
+          std::vector<std::string>& faults) {
+        const PictureName& name = input.name;
         const int files = name.has_frame() ? frames.count() : 1;
         for (int n = 0; n < files; ++n) {
+            const std::string path = name.at(frames.at(n));
             try {
-                sizes_.emplace_back(size_of(name.at(frames.at(n)), name.choice()));
-                ++found_;
+                const OIIO::ImageSpec header = header_of(path, name.choice(), input.matte);
+                sizes_.emplace_back(size_text(header.full_width, header.full_height));
+                if (found_++ == 0 && !input.matte) space_ = colour.account(header, number, path);
             } catch (const Error& error) {
                 faults.emplace_back(error.what());
                 sizes_.emplace_back();
@@ -53,6 +55,8 @@ class Sizes {
     }
 
     int found() const { return found_; }
+    // What is said of the first one's colour space; empty for a matte.
+    const std::string& space() const { return space_; }
     bool each_frame() const { return sizes_.size() > 1; }
     const std::optional<std::string>& at(int n) const {
         return sizes_[each_frame() ? static_cast<std::size_t>(n) : 0];
@@ -69,23 +73,26 @@ class Sizes {
 
   private:
     std::vector<std::optional<std::string>> sizes_;
+    std::string space_;
     int found_ = 0;
 };
 
 }  // namespace
 
-void Preview::read(std::span<const NamedInput> inputs, Fit fit) {
+void Preview::read(std::span<const NamedInput> inputs, Fit fit, const ShotColour& colour) {
+    if (!colour.out_space().empty()) sets_.push_back("results, converted to " + colour.out_space());
     std::optional<Sizes> foreground;
-    for (const auto& [input, name] : inputs) {
+    for (std::size_t number = 0; number < inputs.size(); ++number) {
+        const auto& [input, name, matte] = inputs[number];
         if (name.empty()) continue;
         if (name.is_stream()) {
             reads_.push_back(std::string(input) + "  a stream of frames on standard input");
             continue;
         }
-        const Sizes sizes(name, frames_, faults_);
-        const std::string size = sizes.text();
-        reads_.push_back(std::string(input) + "  " + files_text(name.pattern(), frames_, sizes.found()) +
-                         (size.empty() ? "" : ", " + size));
+        const Sizes sizes(inputs[number], number, frames_, colour, faults_);
+        std::string line = std::string(input) + "  " + files_text(name.pattern(), frames_, sizes.found());
+        for (const std::string& text : {sizes.text(), sizes.space()}) line += text.empty() ? "" : ", " + text;
+        reads_.push_back(line);
         if (!foreground) {
             foreground = sizes;
             continue;

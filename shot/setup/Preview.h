@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "shot/colour/ShotColour.h"
 #include "shot/files/ImageFile.h"
 #include "shot/frames/PictureName.h"
 #include "shot/image/Fit.h"
@@ -22,6 +23,7 @@ struct ScreenOptions;
 struct NamedInput {
     std::string_view input;  // "fg"
     PictureName name;        // empty for an input that is not used
+    bool matte = false;
 };
 
 class Preview {
@@ -31,8 +33,9 @@ class Preview {
         if (frames_.open) frames_ = {frames.first, frames.first, 1};
     }
 
-    // The first input is the one whose size the others are to have, unless they are fitted to it.
-    void read(std::span<const NamedInput> inputs, Fit fit);
+    // All inputs, in the loader's order. The first is the one whose size the others are to have, unless they
+    // are fitted to it.
+    void read(std::span<const NamedInput> inputs, Fit fit, const ShotColour& colour);
     // A file that is read besides the images.
     void read(std::string_view option, const std::string& path);
     // The knobs that differ from their defaults, and how the screen colour comes about.

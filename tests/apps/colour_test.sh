@@ -30,6 +30,9 @@ expect 0 "" key --fg web.png -o asked.exr "${through[@]}" --in-space srgb --dept
 expect 0 "" compare asked.exr light.exr --max-diff 0
 expect 0 "asked.exr: linear, as float, tagged linear" key --fg asked.exr -o again.exr "${through[@]}"
 
+expect 0 "results, converted to ACEScg" key --fg web.png --gm shot/gm.exr -o x.exr --out-space ACEScg --dry-run
+expect_lines "fg  web.png, 64x48, sRGB, as uint16, tagged sRGB; converted to linear" "gm  shot/gm.exr, 64x48"
+
 # What an input chooses for itself counts first; what differs from the plate is told.
 pick=(--pick 0,40,8,48 --overwrite --depth float)
 expect 0 "" key --fg shot/bg.exr -o bg.png "${through[@]}" --out-space sRGB --depth uint16
@@ -72,6 +75,7 @@ done <<'TABLE'
 2|, ADX16, raw; did you mean 'ACEScg'?|--fg web.png --in-space acescgg
 2|#space=nonsense|--fg web.png#space=nonsense
 2|plain.tif: what space its values are in is not sure, perhaps sRGB (uint16 without a linear tag); say it with --in-space|--fg plain.tif --out-space linear
+1|plain.tif: what space its values are in is not sure|--fg plain.tif --out-space linear --dry-run
 TABLE
 export OCIO=none.ocio
 expect 1 "none.ocio: the colour configuration that \$OCIO names cannot be loaded" key --fg web.png -o no.exr \

@@ -30,6 +30,13 @@ expect_files() {
     [ "$found" = "$2" ] || fail "$1 holds $found, not $2"
 }
 
+# expect_lines TEXT...: the latest output has these lines, blanks before them aside.
+expect_lines() {
+    for text in "$@"; do
+        sed 's/^ *//' out.txt | grep -qxFe "$text" || fail "no line '$text' in $(cat out.txt)"
+    done
+}
+
 finish() {
     [ $failures -eq 0 ] || exit 1
 }

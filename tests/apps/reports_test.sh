@@ -5,13 +5,6 @@ set -u
 # shellcheck source=tests/apps/lib.sh
 . "$(dirname "$0")/lib.sh"
 
-# expect_lines TEXT...: the latest output has these lines, blanks before them aside.
-expect_lines() {
-    for text in "$@"; do
-        sed 's/^ *//' out.txt | grep -qxFe "$text" || fail "no line '$text' in $(cat out.txt)"
-    done
-}
-
 # Help in either way; the version at length.
 for command in "" key help; do
     # shellcheck disable=SC2086
@@ -38,7 +31,7 @@ expect_lines "Select overlay rendering:" "- off: no overlay."
 mkdir out
 shot=(--fg shot/fg.%04d.exr --bg shot/bg.0001.exr --frames 1-5 --dry-run)
 expect 0 "" key "${shot[@]}" -o out/a.%04d.exr --set brights=120 --auto --stroke addmatte=1,2,3,4 --save-script out/a.vlx
-expect_lines "fg  shot/fg.%04d.exr, 5 files: shot/fg.0001.exr to shot/fg.0005.exr, 64x48" "bg  shot/bg.0001.exr, 64x48" \
+expect_lines "fg  shot/fg.%04d.exr, 5 files: shot/fg.0001.exr to shot/fg.0005.exr, 64x48, linear, as half" "bg  shot/bg.0001.exr, 64x48, linear, as half" \
     "brights 120" "screen_color, as the foreground's backing is found to be" "what the stroke addmatte=1,2,3,4 asks" \
     "what --auto finds fit for the foreground; it is not tried here" "out/a.vlx" \
     "out/a.%04d.exr, 5 files: out/a.0001.exr to out/a.0005.exr"
@@ -47,7 +40,7 @@ expect 0 "out/tuned.vlx" tune "${shot[@]}" -o out/tuned.vlx
 expect 0 "out/clean.exr" cleanplate --fg shot/fg.%04d.exr --frames 1-5 -o out/clean.exr --dry-run
 expect 1 "shot/gm.0009.exr: does not exist" key "${shot[@]}" --gm shot/gm.0009.exr -o out/a.%04d.exr
 expect 1 "shot/fg.0007.exr: does not exist" key --fg shot/fg.%04d.exr --frames 4-7 -o out/a.%04d.exr --dry-run
-expect_lines "fg  shot/fg.%04d.exr, 2 of 4 files: shot/fg.0004.exr to shot/fg.0007.exr, 64x48"
+expect_lines "fg  shot/fg.%04d.exr, 2 of 4 files: shot/fg.0004.exr to shot/fg.0007.exr, 64x48, linear, as half"
 [ "$(wc -l <err.txt)" -eq 2 ] || fail "not the two frames that are missing: $(cat err.txt)"
 expect 1 "small/bg.exr: is 32x24, but the foreground is 64x48" key "${shot[@]:0:2}" --frames 1-5 --dry-run \
     --bg small/bg.exr -o out/a.%04d.exr
