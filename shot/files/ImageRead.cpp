@@ -172,6 +172,7 @@ void warn_of_parts(const std::string& path, const PictureChoice& choice, bool ma
 }
 
 bool is_whole_image(const std::string& path, const AbortFlag* abort) try {
+    const FileReader there(path, abort);  // what it refuses makes some libraries leak
     const int parts = static_cast<int>(parts_of(path).size());
     for (int part = 0; part < std::max(parts, 1); ++part) {
         with_reader(path, abort, [&](FileReader& reader) {
