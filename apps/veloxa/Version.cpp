@@ -43,7 +43,7 @@ std::string formats(const char* attribute) {
 }  // namespace
 
 std::string version_text(bool verbose) {
-    const std::string version = "veloxa " VELOXA_VERSION;
+    std::string version = "veloxa " VELOXA_VERSION;
     if (!verbose) return version;
     return version + "\ncompiler     " + kCompiler + "\narithmetic   " + lanes() + "\nOpenImageIO  " +
            library_version() + "\nreads        " + formats("input_format_list") + "\nwrites       " +

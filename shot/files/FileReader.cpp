@@ -63,7 +63,8 @@ bool FileReader::is_half(const Span& span) const {
     return true;
 }
 
-void FileReader::read_rows(int from_row, int to_row, const Span& span, OIIO::TypeDesc type, void* into) {
+void FileReader::read_rows(int from_row, int to_row, const Span& span, const OIIO::TypeDesc& type,
+                           void* into) {
     const bool ok =
         spec().tile_width > 0
             ? input_->read_tiles(part_, 0, spec().x, spec().x + spec().width, from_row, to_row, 0, 1,

@@ -61,7 +61,7 @@ class FileReader {
     void each_row_as(const OIIO::TypeDesc& type, const Span& span, const Take& take);
 
   private:
-    void read_rows(int from_row, int to_row, const Span& span, OIIO::TypeDesc type, void* into);
+    void read_rows(int from_row, int to_row, const Span& span, const OIIO::TypeDesc& type, void* into);
     void close();
     [[noreturn]] void fail();
 

@@ -28,7 +28,7 @@ void convert(const float* in, T* out, std::size_t count, int bits) {
     for (std::size_t n = 0; n < count; ++n) {
         const float low = in[n] > 0.0f ? in[n] : 0.0f;
         const float clamped = low < 1.0f ? low : 1.0f;
-        const auto value = static_cast<unsigned>(clamped * most + 0.5f);
+        const auto value = static_cast<unsigned>(clamped * most + 0.5f);  // NOLINT: not negative, and quicker
         out[n] = static_cast<T>(value << (kBits - used) | value >> (2 * used - kBits));
     }
 }
