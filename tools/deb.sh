@@ -21,6 +21,7 @@ if [ "$version" != "$declared" ]; then
     echo "tools/deb.sh: debian/changelog is at $version, CMakeLists.txt at $declared" >&2
     exit 1
 fi
+commit=$(git rev-parse HEAD)
 [ -z "$(git status --porcelain)" ] || echo "What is not committed is left out."
 
 # Debhelper gives builds a home of their own; the cache of the compiler's output is elsewhere. It may not make paths
@@ -35,7 +36,7 @@ packages() {
     local tree=$1/$2 log=$1/build.log
     rm -rf "$1"
     mkdir -p "$tree"
-    git archive HEAD | tar -x -C "$tree"
+    git archive "$commit" | tar -x -C "$tree"
     # --sanitize-env: the caller's umask and sort order leave no trace.
     if ! (cd "$tree" && dpkg-buildpackage --sanitize-env --no-sign >"$log" 2>&1); then
         tail -n 60 "$log" >&2
