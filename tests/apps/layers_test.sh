@@ -2,26 +2,8 @@
 # Runs the program on files of several parts, layers and views.
 # usage: layers_test.sh VELOXA
 set -u
-veloxa=$(realpath "$1")
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
-cd "$folder" || exit 1
-failures=0
-
-fail() {
-    echo "FAILED: $*"
-    failures=$((failures + 1))
-}
-
-# expect STATUS TEXT ARGUMENT...: the program ends with the status, and its messages hold the text.
-expect() {
-    local status=$1 text=$2
-    shift 2
-    "$veloxa" "$@" >out.txt 2>err.txt
-    local got=$?
-    [ $got -eq "$status" ] || fail "status $got, not $status: veloxa $* ($(head -c 300 err.txt))"
-    [ -z "$text" ] || grep -qF -- "$text" out.txt err.txt || fail "no '$text': veloxa $* ($(head -c 300 err.txt))"
-}
+# shellcheck source=tests/apps/lib.sh
+. "$(dirname "$0")/lib.sh"
 
 pick=(--pick 0,40,8,48)
 expect 0 "" plate -o shot --size 64x48 --frames 1-2
@@ -71,5 +53,4 @@ expect 1 "out/new.png: the format cannot hold the layers" key --fg layers.0001.e
 expect 0 "holds no other layers to keep" key --fg shot/fg.0001.exr "${pick[@]}" --keep layers -o out/d.exr
 [ "$(ls out | wc -l)" -eq $((count + 1)) ] || fail "files: $(ls out)"
 
-[ $failures -eq 0 ] || exit 1
-echo "all passed"
+finish

@@ -2,16 +2,8 @@
 # What the program says of names that do not exist, and of values beyond the panel's ranges.
 # usage: names_test.sh VELOXA
 set -u
-veloxa=$(realpath "$1")
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
-cd "$folder" || exit 1
-failures=0
-
-fail() {
-    echo "FAILED: $*"
-    failures=$((failures + 1))
-}
+# shellcheck source=tests/apps/lib.sh
+. "$(dirname "$0")/lib.sh"
 
 # expect STATUS MESSAGE ARGUMENT...: the program ends with the status, and says exactly that (| ends a line).
 expect() {
@@ -72,5 +64,4 @@ expect 0 "veloxa: warning: --set darks=501: $beyond 0 to 500; taken as it is|" \
     "${key[@]}" --quiet --set darks=501 --save-script saved.vlx
 grep -q '^    darks 501$' saved.vlx || fail "darks is not 501"
 
-[ $failures -eq 0 ] || exit 1
-echo "all good"
+finish
