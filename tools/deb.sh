@@ -48,11 +48,11 @@ packages() {
 
 packages "$out" "veloxa-$version"
 if [ -n "$twice" ]; then
-    # The tests change nothing in the packages. The cache keeps apart what the two builds made, or it would hide what
+    # The last folder's name is in the source package. The tests change nothing in the packages. The cache keeps apart what the two builds made, or it would hide what
     # differs.
     again=$out/again
     DEB_BUILD_OPTIONS="${DEB_BUILD_OPTIONS-} nocheck" CCACHE_NAMESPACE=again \
-        packages "$again" elsewhere/of/another/name
+        packages "$again" "elsewhere/of/another/veloxa-$version"
     differ=0
     compared=0
     for package in "$out"/*.deb "$out"/*.dsc "$out"/*.tar.*; do
