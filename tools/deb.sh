@@ -48,8 +48,8 @@ packages() {
 
 packages "$out" "veloxa-$version"
 if [ -n "$twice" ]; then
-    # The last folder's name is in the source package. The tests change nothing in the packages. The cache keeps apart what the two builds made, or it would hide what
-    # differs.
+    # The last folder's name is in the source package. The tests change nothing in the packages. The cache keeps apart
+    # what the two builds made, or it would hide what differs.
     again=$out/again
     DEB_BUILD_OPTIONS="${DEB_BUILD_OPTIONS-} nocheck" CCACHE_NAMESPACE=again \
         packages "$again" "elsewhere/of/another/veloxa-$version"
