@@ -1,6 +1,5 @@
 // Reading of image files; see ImageFile.h.
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 #include <limits>
 #include <new>
@@ -9,6 +8,7 @@
 
 #include "shot/Errors.h"
 #include "shot/files/FileReader.h"
+#include "shot/files/FrameRate.h"
 #include "shot/files/ImageFile.h"
 #include "shot/files/PictureParts.h"
 #include "shot/image/HalfFloat.h"
@@ -39,18 +39,13 @@ Info info_of(const OIIO::ImageSpec& spec, const std::string& path) {
     return info;
 }
 
-// DPX keeps its frame rate under names of its own; give it the common one, as a fraction: 23.976 stands for
-// 24000/1001.
+// DPX keeps its frame rate under names of its own; give it the common one.
 void name_frame_rate(OIIO::ImageSpec& spec) {
     if (spec.find_attribute("FramesPerSecond")) return;
     const float film = spec.get_float_attribute("dpx:FrameRate");
     const float rate = film > 0.0f ? film : spec.get_float_attribute("dpx:TemporalFrameRate");
     if (!(rate > 0.0f && rate < 1000.0f)) return;
-    const float whole = std::round(rate);
-    std::array<int, 2> fraction{static_cast<int>(std::round(rate * 1000.0f)), 1000};
-    if (std::abs(rate - whole) < 0.001f) fraction = {static_cast<int>(whole), 1};
-    if (std::abs(rate - whole / 1.001f) < 0.001f) fraction = {static_cast<int>(whole) * 1000, 1001};
-    spec.attribute("FramesPerSecond", OIIO::TypeRational, fraction.data());
+    spec.attribute("FramesPerSecond", OIIO::TypeRational, rate_fraction(rate).data());
 }
 
 // Which of red, green, blue and alpha is the first that the file's channel feeds; the others share its plane.
@@ -172,11 +167,11 @@ void warn_of_parts(const std::string& path, const PictureChoice& choice, bool ma
 }
 
 bool is_whole_image(const std::string& path, const AbortFlag* abort) try {
-    const FileReader there(path, abort);  // what it refuses makes some libraries leak
-    const int parts = static_cast<int>(parts_of(path).size());
-    for (int part = 0; part < std::max(parts, 1); ++part) {
+    bool there = true;
+    for (int part = 0; there; ++part) {
         with_reader(path, abort, [&](FileReader& reader) {
-            reader.go_to(part);
+            there = reader.go_to(part);
+            if (!there && part > 0) return;
             info_of(reader.spec(), path);
             reader.each_row_as({}, {0, reader.spec().nchannels}, [](int, const std::byte*) {});
         });

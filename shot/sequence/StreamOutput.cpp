@@ -3,9 +3,9 @@
 #include <unistd.h>
 
 #include <array>
-#include <cmath>
 
 #include "shot/Errors.h"
+#include "shot/files/FrameRate.h"
 
 namespace veloxa {
 
@@ -13,7 +13,6 @@ namespace {
 
 constexpr Ratio kUsualRate{24, 1};
 
-// NTSC's rates are read as the fractions that they stand for.
 Ratio rate_of(const OIIO::ImageSpec& header) {
     std::array<int, 2> fraction{};
     if (header.getattribute("FramesPerSecond", OIIO::TypeRational, fraction.data()) && fraction[0] > 0 &&
@@ -22,9 +21,8 @@ Ratio rate_of(const OIIO::ImageSpec& header) {
     }
     const float rate = header.get_float_attribute("FramesPerSecond");
     if (!(rate > 0.0f && rate < 1000.0f)) return kUsualRate;
-    const float ntsc = std::round(rate) / 1.001f;
-    if (std::abs(rate - ntsc) < 0.002f) return {static_cast<int>(std::round(rate)) * 1000, 1001};
-    return {static_cast<int>(std::round(rate * 1000.0f)), 1000};
+    fraction = rate_fraction(rate);
+    return {fraction[0], fraction[1]};
 }
 
 }  // namespace
