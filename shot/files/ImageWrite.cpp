@@ -211,7 +211,8 @@ void check_writable(const std::string& path, const WriteOptions& options) {
 }
 
 std::string write_image(const std::string& path, const Image& image, const WriteOptions& options) {
-    if (image.kept) check_holds_layers(path, *writer_for(path));
+    const auto format = writer_for(path);  // tells of it; each try has a writer of its own
+    if (image.kept) check_holds_layers(path, *format);
     AtomicFile file(path, options.overwrite);
     std::string fault;
     std::string left_out;
@@ -219,8 +220,8 @@ std::string write_image(const std::string& path, const Image& image, const Write
         OIIO::ImageSpec header = image.header;
         left_out = keep_metadata(header, kept);
         if (kept != Metadata::kAll && left_out.empty()) continue;
-        options.made_by.note(header, writer_for(path)->format_name());
-        if (!fits(header, *writer_for(path))) continue;
+        options.made_by.note(header, format->format_name());
+        if (!fits(header, *format)) continue;
         const std::string now = write_once(file.temporary(), path, image, header, options);
         if (now.empty()) {
             file.commit();

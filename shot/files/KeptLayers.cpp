@@ -198,7 +198,6 @@ class PartRows {
         sample_ = part.spec.format.size();
         samples_.resize(result.width() * sample_);
         row_.resize(result.pitch() * sample_);
-        moves_ = {{0, 0, channels_ * sample_}};
     }
 
     std::size_t pixel() const { return part_.spec.pixel_bytes(true); }
@@ -211,7 +210,8 @@ class PartRows {
                 result_.fill(n, reinterpret_cast<Sample*>(row_.data()),
                              reinterpret_cast<Sample*>(samples_.data()));
             });
-            run(moves_, row_.data(), channels_ * sample_, to, pixel(), width);
+            const std::size_t bytes = channels_ * sample_;
+            run({{0, 0, bytes}}, row_.data(), bytes, to, pixel(), width);
         }
         if (!part_.kept) return;
         const KeptPart& kept = *part_.kept;
@@ -225,7 +225,6 @@ class PartRows {
     const FileRows& result_;
     std::size_t channels_ = 0, sample_ = 0;
     std::vector<std::byte> row_, samples_;
-    Moves moves_;
 };
 
 bool write_rows(OIIO::ImageOutput& output, const OutputPart& part, const FileRows& result,

@@ -59,8 +59,9 @@ void FrameLoader::warn(Input input, const std::string& path, const Image& image)
     const bool matte = is_matte_input(input);
     if (!std::exchange(looked_for_parts_[input], true)) warn_of_parts(path, choice, matte, caller_);
     if (!matte || told_alpha_[input] || !choice.channel.empty()) return;
+    if (!is_one_everywhere(image, kAlpha)) return;
     const std::string alpha = own_alpha(image.header, choice);
-    if (alpha.empty() || !is_one_everywhere(image, kAlpha)) return;
+    if (alpha.empty()) return;
     told_alpha_[input] = true;
     caller_.warn(path + ": warning: its alpha, channel " + alpha + ", is 1 everywhere, so the " +
                  (input == kGm ? "garbage matte drops" : "holdout matte holds") +
