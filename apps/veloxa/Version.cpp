@@ -1,9 +1,10 @@
 #include "Version.h"
 
 #include <OpenImageIO/imageio.h>
+#include <OpenImageIO/strutil.h>
 
-#include <algorithm>
 #include <exception>
+#include <vector>
 
 #include "shot/node/Node.h"
 
@@ -27,17 +28,11 @@ std::string library_version() {
            std::to_string(version % 100);
 }
 
-// The library's list with blanks behind the commas; "null" and "term" stand for no file at all.
+// The library's list without "null" and "term", which stand for no file at all.
 std::string formats(const char* attribute) {
-    std::string list;
-    const std::string all = OIIO::get_string_attribute(attribute);
-    for (std::size_t at = 0; at < all.size();) {
-        const std::size_t end = std::min(all.find(',', at), all.size());
-        const std::string name = all.substr(at, end - at);
-        if (name != "null" && name != "term") list += (list.empty() ? "" : ", ") + name;
-        at = end + 1;
-    }
-    return list;
+    auto names = OIIO::Strutil::splits(OIIO::get_string_attribute(attribute), ",");
+    std::erase_if(names, [](const std::string& name) { return name == "null" || name == "term"; });
+    return OIIO::Strutil::join(names, ", ");
 }
 
 }  // namespace

@@ -1,11 +1,14 @@
 #include "shot/colour/FileSpace.h"
 
+#include <OpenImageIO/strutil.h>
+
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
 #include <vector>
 
 namespace veloxa {
+
+using OIIO::Strutil::lower;
 
 namespace {
 
@@ -14,12 +17,6 @@ constexpr const char* kFromTag = "veloxa:convertedFrom";
 constexpr const char* kWhyTag = "oiio:ColourSpaceWhy";  // what begins with oiio: is not written
 constexpr const char* kLibraryTag = "oiio:ColorSpace";
 constexpr int kUncalibrated = 0xffff;  // Exif's word for what is not sRGB
-
-std::string lower(std::string text) {
-    std::ranges::transform(text, text.begin(),
-                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
 
 bool among(const std::string& text, std::initializer_list<std::string_view> names) {
     return std::ranges::find(names, text) != names.end();

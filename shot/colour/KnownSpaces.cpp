@@ -1,7 +1,8 @@
 #include "shot/colour/KnownSpaces.h"
 
+#include <OpenImageIO/strutil.h>
+
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <string>
 
@@ -71,11 +72,6 @@ constexpr KnownSpace kSpaces[]{
     {kRaw, "data|Utility - Raw", nullptr, kLight, nullptr, "values of no colour; never converted"},
 };
 
-bool same(std::string_view a, std::string_view b) {
-    const auto low = [](char c) { return std::tolower(static_cast<unsigned char>(c)); };
-    return std::ranges::equal(a, b, {}, low, low);
-}
-
 // To Rec.709's primaries; empty for those.
 std::span<const double> matrix_of(const Gamut* gamut) {
     // clang-format off
@@ -140,13 +136,7 @@ bool KnownSpace::is_linear() const {
 }
 
 std::vector<std::string> KnownSpace::alias_list() const {
-    std::vector<std::string> list;
-    for (std::string_view rest = aliases; !rest.empty();) {
-        const std::size_t bar = std::min(rest.find('|'), rest.size());
-        list.emplace_back(rest.substr(0, bar));
-        rest.remove_prefix(std::min(bar + 1, rest.size()));
-    }
-    return list;
+    return OIIO::Strutil::splits(aliases, "|");
 }
 
 std::span<const KnownSpace> known_spaces() {
@@ -155,8 +145,8 @@ std::span<const KnownSpace> known_spaces() {
 
 const KnownSpace* known_space(std::string_view name) {
     const auto answers = [name](const KnownSpace& space) {
-        return same(space.name, name) ||
-               std::ranges::any_of(space.alias_list(), [&](const auto& alias) { return same(alias, name); });
+        const auto same = [name](std::string_view one) { return OIIO::Strutil::iequals(one, name); };
+        return same(space.name) || std::ranges::any_of(space.alias_list(), same);
     };
     const auto found = std::ranges::find_if(kSpaces, answers);
     return found == std::end(kSpaces) ? nullptr : &*found;
