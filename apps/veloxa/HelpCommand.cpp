@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "Commands.h"
-#include "Program.h"
 #include "Terminal.h"
+#include "Usage.h"
 #include "shot/Errors.h"
 
 namespace veloxa {
@@ -26,7 +26,7 @@ void add_help_command(CLI::App& app, Run& run) {
                 print(found->help(app.get_name()));
                 return kExitOk;
             }
-            throw UsageError(*name + ": there is no such command; there are " + command_names(app));
+            throw UsageError(no_such_command(app, *name));
         };
     });
 }

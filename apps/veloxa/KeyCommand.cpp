@@ -14,6 +14,7 @@
 #include "Signals.h"
 #include "Terminal.h"
 #include "Usage.h"
+#include "Version.h"
 #include "ZoImage/Iop.h"
 #include "shot/Errors.h"
 #include "shot/files/AtomicFile.h"
@@ -53,7 +54,7 @@ KeyPlan plan_for(const Options& options, const FrameRange& frames) {
     plan.write.overwrite = options.overwrite || options.resume;
     options.format.apply_to(plan.write);
     plan.write.layers = !options.keep.empty();
-    if (!options.no_provenance) plan.program = "veloxa " VELOXA_VERSION;
+    if (!options.no_provenance) plan.program = version_text(false);
     plan.resume = options.resume;
     plan.threads = options.threads;
     for (const KeyOutput& output : plan.outputs) {

@@ -43,12 +43,4 @@ void add_program(CLI::App& app, Run& run) {
     app.footer(kFooter);  // last, for commands without one would take it over
 }
 
-std::string command_names(const CLI::App& app) {
-    std::string names;
-    for (const CLI::App* command : app.get_subcommands({})) {
-        names += (names.empty() ? "" : ", ") + command->get_name();
-    }
-    return names;
-}
-
 }  // namespace veloxa

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
-#include <string>
 
 #include "Commands.h"
 
@@ -10,8 +9,5 @@ namespace veloxa {
 
 // Adds --version and every command; `app` is new, and `run` outlives it.
 void add_program(CLI::App& app, Run& run);
-
-// "key, analyse, ...".
-std::string command_names(const CLI::App& app);
 
 }  // namespace veloxa

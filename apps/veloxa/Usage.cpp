@@ -17,6 +17,12 @@ std::string joined(const std::vector<std::string>& words) {
     return text;
 }
 
+std::vector<std::string> names_of(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::App* command : app.get_subcommands({})) names.push_back(command->get_name());
+    return names;
+}
+
 // "; did you mean --NAME?" for an argument that begins with a dash, empty where no option is near.
 std::string option_guess(const CLI::App& app, std::string_view argument) {
     argument = argument.substr(0, argument.find('='));
@@ -60,15 +66,18 @@ OneOf::OneOf(const std::vector<std::string>& names) {
 std::string usage_message(const CLI::App& app, const CLI::ParseError& error, const std::string& first) {
     const auto chosen = app.get_subcommands();
     if (!chosen.empty()) return message_for(*chosen.front(), error);
-    std::vector<std::string> names;
-    for (const CLI::App* command : app.get_subcommands({})) names.push_back(command->get_name());
+    const std::vector<std::string> names = names_of(app);
     if (first.starts_with("-")) {
         const std::string guess = option_guess(app, first);
         return first + ": a command comes first: " + joined(names) +
                (guess.empty() ? "; see veloxa --help" : guess);
     }
     if (first.empty()) return "a command is needed: " + joined(names) + "; see veloxa --help";
-    return first + ": there is no such command" + choices(first, names);
+    return no_such_command(app, first);
+}
+
+std::string no_such_command(const CLI::App& app, const std::string& name) {
+    return name + ": there is no such command" + choices(name, names_of(app));
 }
 
 }  // namespace veloxa

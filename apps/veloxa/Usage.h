@@ -17,4 +17,7 @@ class OneOf : public CLI::Validator {
 // what the parser missed for want of it.
 std::string usage_message(const CLI::App& app, const CLI::ParseError& error, const std::string& first);
 
+// The same for a command that there is not: the nearest name, or those that there are.
+std::string no_such_command(const CLI::App& app, const std::string& name);
+
 }  // namespace veloxa

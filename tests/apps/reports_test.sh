@@ -14,6 +14,7 @@ for command in "" key help; do
     cmp -s long.txt out.txt || fail "help $command is not $command --help"
 done
 expect 2 "nonsense: there is no such command; there are key, analyse," help nonsense
+expect 2 "kye: there is no such command; did you mean 'key'?" help kye
 VELOXA_LANES=scalar expect 0 "" --version --verbose
 expect_lines "$("$veloxa" --version)" "arithmetic   scalar"
 grep -qE '^writes .*openexr.*png' out.txt || fail "no formats: $(cat out.txt)"
