@@ -49,12 +49,6 @@ constexpr const char* kBegin = R"sh(_veloxa() {
 constexpr const char* kEnd = R"sh(complete -F _veloxa veloxa
 )sh";
 
-std::string words_of(const std::vector<std::string>& words, const char* behind = "") {
-    std::string text;
-    for (const std::string& word : words) text += " " + quoted_for_shell(word + behind);
-    return text;
-}
-
 std::string knob_function(const CommandLine& all) {
     std::vector<std::string> names;
     std::string cases;

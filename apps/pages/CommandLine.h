@@ -52,4 +52,11 @@ inline std::string quoted_for_shell(const std::string& text) {
     return quoted + "'";
 }
 
+// As such words, each after a blank and with that behind it.
+inline std::string words_of(const std::vector<std::string>& words, const char* behind = "") {
+    std::string text;
+    for (const std::string& word : words) text += " " + quoted_for_shell(word + behind);
+    return text;
+}
+
 }  // namespace veloxa

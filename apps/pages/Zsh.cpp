@@ -14,12 +14,6 @@ std::string escaped(const std::string& text) {
     return out;
 }
 
-std::string words_of(const std::vector<std::string>& words) {
-    std::string text;
-    for (const std::string& word : words) text += " " + quoted_for_shell(word);
-    return text;
-}
-
 std::string knob_function(const CommandLine& all) {
     std::string names;
     std::string cases;

@@ -131,9 +131,7 @@ void Node::save_script(const std::string& path, bool overwrite) const {
 Iop& Node::member(const std::string& name) const {
     Op* op = op_->child(name);
     if (op && op->as_iop()) return *op->as_iop();
-    std::vector<std::string> names;
-    for (const Op* child : op_->children()) names.push_back(child->member_name());
-    throw UsageError("--stage " + name + ": there is no such operator" + choices(name, names));
+    throw UsageError("--stage " + name + ": there is no such operator" + choices(name, members()));
 }
 
 std::vector<std::string> Node::members() const {
