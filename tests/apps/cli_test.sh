@@ -16,10 +16,7 @@ for n in 1 2 3 4 5; do [ -s "shot/fg.000$n.exr" ] || fail "no plate $n"; done
 mkdir out
 
 # Bad usage. The outputs must not come into being.
-while IFS='|' read -r status text arguments; do
-    # shellcheck disable=SC2086
-    expect "$status" "$text" $arguments
-done <<'TABLE'
+expect_rows <<'TABLE'
 2|key, analyse, knobs, controls, spaces, cleanplate, tune, plate, compare, score|
 2|nonsense: there is no such command|nonsense
 2|--fg|key -o out/a.exr

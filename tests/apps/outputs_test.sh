@@ -10,10 +10,7 @@ inputs=(--fg q/fg.exr --bg q/bg.exr --pick 0,40,8,48)
 three=(-o comp=out/comp.exr -o matte=out/matte.exr -o cut=out/cut.exr)
 mkdir out
 
-while IFS='|' read -r status text arguments; do
-    # shellcheck disable=SC2086
-    expect "$status" "$text" key --fg q/fg.exr $arguments
-done <<'TABLE'
+expect_rows key --fg q/fg.exr <<'TABLE'
 2|there is no picture mate; there are comp, matte and cut|-o mate=out/a.exr
 2|is given twice|-o comp=out/a.exr -o matte=out/a.exr
 2|--stage writes its rows alone|-o matte=out/a.exr --stage computeMatte
