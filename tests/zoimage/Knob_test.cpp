@@ -8,9 +8,6 @@
 
 using namespace Zo::Image;
 using test::KnobOp;
-using testing::ThrowsMessage;
-
-namespace {
 
 TEST(Knob, WordsOfSavedText) {
     const std::pair<const char*, std::vector<std::string>> cases[] = {
@@ -114,7 +111,7 @@ TEST(KnobPanel, RefusesWhatAKnobDoesNotTake) {
     KnobPanel panel(op);
     for (const auto& [name, text, message] : cases) {
         const auto set = [&, n = name, t = text] { panel.set_from_text(n, t); };
-        EXPECT_THAT(set, ThrowsMessage<KnobError>(message));
+        EXPECT_THAT(set, testing::ThrowsMessage<KnobError>(message));
     }
     EXPECT_FALSE(panel.get("gain").set_value(std::numeric_limits<double>::quiet_NaN()));
     EXPECT_FALSE(panel.get("gain").set_value(1e39));
@@ -157,5 +154,3 @@ TEST(KnobPanel, UndoGoesBackStepByStep) {
     }
     EXPECT_FALSE(panel.undo());
 }
-
-}  // namespace

@@ -3,9 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
 #include <random>
-#include <stdexcept>
 
 #include "support/Sums.h"
 
@@ -204,7 +202,7 @@ TEST(RowCache, NothingHalfMadeIsKept) {
             std::atomic<bool> armed{true};
             std::atomic<bool> throws{false};
             const auto pixel = [&](Channel c, int x, int y) {
-                if (y == 120 && armed && throws) throw std::runtime_error("row 120");
+                if (y == 120 && armed && throws) throw 120;
                 if (y == 120 && armed) abort.raise();
                 return pattern(c, x, y);
             };
@@ -216,7 +214,7 @@ TEST(RowCache, NothingHalfMadeIsKept) {
             abort.clear();
             throws = true;
             graph.b.set_offset(1.0f);
-            EXPECT_THROW(cached.render(graph), std::runtime_error);
+            EXPECT_THROW(cached.render(graph), int);
             armed = false;
             graph.a.lost_flag = nullptr;
             EXPECT_EQ(cached.render(graph).planes, fresh(graph, graph.box).planes);
