@@ -2,7 +2,6 @@
 #include <OpenImageIO/imagebuf.h>
 #include <gmock/gmock.h>
 
-#include "shot/Errors.h"
 #include "shot/Files.h"
 
 using namespace veloxa;

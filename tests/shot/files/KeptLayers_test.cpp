@@ -5,7 +5,6 @@
 
 #include <numeric>
 
-#include "shot/Errors.h"
 #include "shot/Files.h"
 
 using namespace veloxa;

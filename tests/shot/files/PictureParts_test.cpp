@@ -3,7 +3,6 @@
 
 #include <gmock/gmock.h>
 
-#include "shot/Errors.h"
 #include "shot/Files.h"
 #include "shot/frames/PictureName.h"
 
@@ -51,11 +50,9 @@ TEST_F(PictureParts, TheChoiceSaysWhatIsRead) {
     write_parts(file("parts.exr"), {{{"R", "G", "B"}, "cam", "left"},
                                     {{"R", "G", "B"}, "cam2", "right"},
                                     {{"depth.Z", "key.A", "key.R"}, "1", "left"}});
-    write_parts(file("views.exr"),
-                {{{"R", "G", "B", "d.left.Z", "d.right.Z", "right.R", "right.G", "right.B"},
-                  "",
-                  "",
-                  {"left", "right"}}});
+    const Part views{
+        {"R", "G", "B", "d.left.Z", "d.right.Z", "right.R", "right.G", "right.B"}, "", "", {"left", "right"}};
+    write_parts(file("views.exr"), {views});
     write_parts(file("only.exr"), {{{"Z", "beauty.R", "beauty.G", "beauty.B"}}});
     write_parts(file("several.exr"), {{{"a.R", "a.G", "b.R"}}});
     const struct {
@@ -72,10 +69,7 @@ TEST_F(PictureParts, TheChoiceSaysWhatIsRead) {
         {"layers.exr#channel=V", {9, 9, 9, 0}, 9, ""},
         {"layers.exr#layer=a.c.b", {}, 0, "has no layer a.c.b; there are a.b, d: layers.exr#layer=a.b"},
         {"layers.exr#channel=d.W", {}, 0, ": layers.exr#channel=d.V"},
-        {"parts.exr",
-         {1, 2, 3, 0},
-         1,
-         "parts cam, cam2, 1; layers depth, key; views left, right: choose with"},
+        {"parts.exr", {1, 2, 3, 0}, 1, "parts cam, cam2, 1; layers depth, key; views left, right: choose"},
         {"parts.exr#part=1", {9, 9, 9, 8}, 8, ""},  // its name goes before another's number
         {"parts.exr#part=cam2", {4, 5, 6, 0}, 4, ""},
         {"parts.exr#part=0", {1, 2, 3, 0}, 1, ""},
@@ -96,20 +90,19 @@ TEST_F(PictureParts, TheChoiceSaysWhatIsRead) {
         {"several.exr#channel=b.G", {}, 0, "has no channel b.G; there are a.R, a.G, b.R"}};
     for (const auto& c : cases) {
         const PictureName name(file(c.name));
-        std::string told;
         std::vector<int> found;
-        try {
+        std::string warned;
+        std::string told = test::told_by([&] {
             const Image image = read_image(name.at(0), name.choice());
             for (const Channel channel : kMaskRgba) {
                 found.push_back(image.has(channel) ? static_cast<int>(image.line(channel, 0)[0]) : 0);
             }
             EXPECT_EQ(read_matte(name.at(0), name.choice()).line(kAlpha, 0)[0], c.matte) << c.name;
             Caller caller;
-            caller.warn = [&](const std::string& line) { told += line; };
+            caller.warn = [&](const std::string& line) { warned += line; };
             warn_of_parts(name.at(0), name.choice(), false, caller);
-        } catch (const Error& error) {
-            told = error.what();
-        }
+        });
+        told += warned;
         EXPECT_EQ(found, c.rgba) << c.name << told;
         const std::string folder = folder_.string() + '/';
         for (std::size_t at; (at = told.find(folder)) != told.npos;) told.erase(at, folder.size());
