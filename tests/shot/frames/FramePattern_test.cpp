@@ -6,8 +6,6 @@
 
 using namespace veloxa;
 
-namespace {
-
 TEST(FramePattern, WritesTheNumberAsTheNameSaysAndLeavesOtherNamesAlone) {
     const struct {
         const char* name;
@@ -59,5 +57,3 @@ TEST(FrameRange, ReadsRanges) {
         EXPECT_THROW(parse_frames(text), UsageError) << text;
     }
 }
-
-}  // namespace
