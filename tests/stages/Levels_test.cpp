@@ -1,13 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "stages/NormalizeKernel.h"
 #include "stages/OutputMatteKernel.h"
 #include "support/Plane.h"
 
 // Above 0.5, with u = v - 0.5, the normaliser gives (u / 2 / (u + 1) + 0.5) 255.
 TEST(Levels, WorkedExamples) {
-    constexpr float kInf = std::numeric_limits<float>::infinity();
-    constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+    constexpr float kInf = INFINITY, kNaN = NAN;
     struct Case {
         const LaneKernel<Normalize>& kernel;
         std::vector<float> in, expected;
