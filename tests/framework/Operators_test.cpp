@@ -2,8 +2,6 @@
 // for every screen colour, and what each hash is made of.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <memory>
 #include <optional>
 #include <set>
 

@@ -1,7 +1,7 @@
 // A folder and images for tests that read and write files.
 #pragma once
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <unistd.h>
 
 #include <filesystem>

@@ -1,7 +1,5 @@
 #include "shot/colour/ColourConfig.h"
 
-#include <gmock/gmock.h>
-
 #include <cstdlib>
 #include <fstream>
 

@@ -1,7 +1,5 @@
 #include "shot/colour/FileSpace.h"
 
-#include <gtest/gtest.h>
-
 #include "shot/Files.h"
 #include "shot/files/EncodingGuess.h"
 

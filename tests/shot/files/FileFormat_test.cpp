@@ -1,6 +1,5 @@
 // What files are asked to be: compression, quality, tiles, bits, and what their alpha means.
 #include <OpenImageIO/imagebuf.h>
-#include <gmock/gmock.h>
 
 #include "shot/Files.h"
 

@@ -1,8 +1,6 @@
 // What passes from a foreground's file into that of the result.
 #include "shot/files/KeptLayers.h"
 
-#include <gmock/gmock.h>
-
 #include <numeric>
 
 #include "shot/Files.h"

@@ -1,8 +1,6 @@
 // What is read of files with several parts, layers and views.
 #include "shot/files/PictureParts.h"
 
-#include <gmock/gmock.h>
-
 #include "shot/Files.h"
 #include "shot/frames/PictureName.h"
 

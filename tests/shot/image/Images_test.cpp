@@ -1,5 +1,4 @@
 // What is measured of images, and how one is brought to another's size.
-#include <gmock/gmock.h>
 
 #include <cmath>
 

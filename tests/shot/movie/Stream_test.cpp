@@ -136,19 +136,14 @@ TEST_F(Stream, TheWriterSaysWhatItCannotWrite) {
 }
 
 TEST_F(Stream, NobodyWaitsForGood) {
+    const auto wait = [] { std::this_thread::sleep_for(std::chrono::milliseconds(100)); };
     AbortFlag flag;
     const auto idle = pipe();
-    const std::jthread raise([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        flag.raise();
-    });
+    const std::jthread raise([&] { wait(), flag.raise(); });
     EXPECT_THROW(StreamReader(idle[0], "in", 1, &flag), Interrupted);
     const auto full = pipe();
     StreamWriter writer(full[1], "out", info_, {});
-    const std::jthread stop([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        writer.stop();
-    });
+    const std::jthread stop([&] { wait(), writer.stop(); });
     const auto write = [&] {
         for (int n = 1; n < 1000; ++n) writer.write(frame_of(n), time_of(n));
     };
