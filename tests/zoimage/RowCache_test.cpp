@@ -8,25 +8,20 @@
 #include "support/Sums.h"
 
 using namespace Zo::Image;
-using test::pattern;
-using test::Sums;
+using namespace test;
 
 namespace {
 
 // source -> a -> b -> root and source, a -> c -> root
 struct Graph {
-    explicit Graph(const Box& frame = {-3, 2, 30, 203})
-        : box(frame),
-          source(frame, kMaskRgba, pattern),
-          a("a", {&source}, 0, 1),
-          b("b", {&a}, 0, 1),
-          c("c", {&source, &a}, 0, 1),
-          root("r", {&b, &c}, 0, 1) {}
     Sums& op(char name) { return name == 'a' ? a : name == 'b' ? b : name == 'c' ? c : root; }
 
-    Box box;
-    test::FunctionSource source;
-    Sums a, b, c, root;
+    Box box{-3, 2, 30, 203};
+    FunctionSource source{box, kMaskRgba, pattern};
+    Sums a{"a", {&source}, 0, 1};
+    Sums b{"b", {&a}, 0, 1};
+    Sums c{"c", {&source, &a}, 0, 1};
+    Sums root{"r", {&b, &c}, 0, 1};
 };
 
 // A renderer with a cache, and what it computed last: one letter an operator, s for the source.
@@ -59,7 +54,7 @@ struct Cached {
 
 // The same graph with the same offsets, made for this, without a cache.
 test::Picture fresh(Graph& graph, const Box& region) {
-    Graph other(graph.box);
+    Graph other;
     for (const char name : {'a', 'b', 'c', 'r'}) other.op(name).set_offset(graph.op(name).offset());
     return test::render(other.root, region, 1);
 }
