@@ -1,7 +1,5 @@
 #!/bin/bash
 # Colour spaces, as a user meets them: what is told, converted, and written into files.
-# usage: colour_test.sh VELOXA
-set -u
 # shellcheck source=tests/apps/lib.sh
 . "$(dirname "$0")/lib.sh"
 unset OCIO
@@ -78,5 +76,3 @@ export OCIO=none.ocio
 expect 1 "none.ocio: the colour configuration that \$OCIO names cannot be loaded" key --fg web.png -o no.exr \
     "${through[@]}" --in-space sRGB
 expect 0 "" key --fg web.png -o again.exr "${through[@]}" # needs none
-
-finish

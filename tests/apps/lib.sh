@@ -1,10 +1,11 @@
 # Shared by the scripts that run the program as a user does; they source it with $1 the program. It goes to a
-# folder of its own, which is gone afterwards. A script's last line is `finish`.
+# folder of its own, which is gone afterwards.
+set -u
 veloxa=$(realpath "$1")
 folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
-cd "$folder" || exit 1
 failures=0
+trap 'rm -rf "$folder"; [ $failures -eq 0 ] || exit 1' EXIT
+cd "$folder" || exit 1
 
 fail() {
     echo "FAILED: $*"
@@ -45,8 +46,4 @@ expect_lines() {
     for text in "$@"; do
         sed 's/^ *//' out.txt | grep -qxFe "$text" || fail "no line '$text' in $(cat out.txt)"
     done
-}
-
-finish() {
-    [ $failures -eq 0 ] || exit 1
 }

@@ -1,7 +1,5 @@
 #!/bin/bash
 # What the program says of names that do not exist, and of values beyond the panel's ranges.
-# usage: names_test.sh VELOXA
-set -u
 # shellcheck source=tests/apps/lib.sh
 . "$(dirname "$0")/lib.sh"
 
@@ -53,5 +51,3 @@ said 0 "veloxa: warning: far.vlx:5: screen_shrink 2 30: $beyond 0 to 21; taken a
 said 0 "veloxa: warning: --set darks=501: $beyond 0 to 500; taken as it is|" \
     "${key[@]}" --quiet --set darks=501 --save-script saved.vlx
 grep -q '^    darks 501$' saved.vlx || fail "darks is not 501"
-
-finish
