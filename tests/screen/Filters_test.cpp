@@ -9,8 +9,7 @@
 #include "support/StageControls.h"
 
 using namespace Zo::Image;
-using test::Plane;
-using test::StageControls;
+using namespace test;
 
 namespace {
 

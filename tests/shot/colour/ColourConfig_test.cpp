@@ -1,6 +1,5 @@
 #include "shot/colour/ColourConfig.h"
 
-#include <cstdlib>
 #include <fstream>
 
 #include "shot/Files.h"

@@ -52,6 +52,7 @@ TEST_F(PictureParts, TheChoiceSaysWhatIsRead) {
         {"R", "G", "B", "d.left.Z", "d.right.Z", "right.R", "right.G", "right.B"}, "", "", {"left", "right"}};
     write_parts(file("views.exr"), {views});
     write_parts(file("only.exr"), {{{"Z", "beauty.R", "beauty.G", "beauty.B"}}});
+    write_parts(file("pages.tif"), {{{"R", "G", "B"}}, {{"R", "G", "B"}}});
     write_parts(file("several.exr"), {{{"a.R", "a.G", "b.R"}}});
     const struct {
         const char* name;
@@ -81,6 +82,9 @@ TEST_F(PictureParts, TheChoiceSaysWhatIsRead) {
         {"views.exr#layer=d,view=right", {5, 5, 5, 0}, 5, ""},
         {"views.exr#layer=d.right", {5, 5, 5, 0}, 5, ""},
         {"only.exr", {2, 3, 4, 0}, 2, ""},
+        {"pages.tif#part=1", {4, 5, 6, 0}, 4, ""},
+        {"pages.tif#part=2", {}, 0, "has no part 2"},
+        {"pages.tif#invert", {}, 0, "#invert: only the matte"},
         {"several.exr", {}, 0, "layers a, b; choose with several.exr#layer=a"},
         {"several.exr#layer=c", {}, 0, "has no layer c; there are a, b: several.exr#layer=a"},
         {"several.exr#view=c", {}, 0, "has no view c, nor a name of any view"},
@@ -107,14 +111,7 @@ TEST_F(PictureParts, TheChoiceSaysWhatIsRead) {
         EXPECT_THAT(told, testing::HasSubstr(c.told)) << c.name;
         EXPECT_EQ(told.empty(), *c.told == 0) << c.name << told;
     }
-}
-
-TEST_F(PictureParts, PagesArePartsAndMattesInvert) {
-    write_parts(file("pages.tif"), {{{"R", "G", "B"}}, {{"R", "G", "B"}}});
-    EXPECT_EQ(read_image(file("pages.tif"), {.part = "1"}).line(kGreen, 0)[0], 5.0f);
     EXPECT_EQ(read_matte(file("pages.tif"), {.channel = "B", .invert = true}).line(kAlpha, 0)[0], -2.0f);
-    EXPECT_THROW(read_image(file("pages.tif"), {.invert = true}), UsageError);
-    EXPECT_THROW(read_image(file("pages.tif"), {.part = "2"}), Error);
 }
 
 }  // namespace

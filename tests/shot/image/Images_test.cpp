@@ -28,12 +28,12 @@ TEST(Compare, LargestMeanAndPsnr) {
 
 TEST(Compare, EqualOddValuesAreEqualAndOthersInfinitelyFar) {
     const Box box{0, 0, 1, 1};
-    const double inf = HUGE_VAL;
+    constexpr float inf = INFINITY;
     const struct {
         float a, b;
         double largest;
-    } cases[] = {{NAN, NAN, 0}, {INFINITY, INFINITY, 0},    {0, -0.0f, 0},        {NAN, 1, inf},
-                 {1, NAN, inf}, {INFINITY, -INFINITY, inf}, {INFINITY, NAN, inf}, {INFINITY, 1, inf}};
+    } cases[] = {{NAN, NAN, 0}, {inf, inf, 0},    {0, -0.0f, 0},   {NAN, 1, inf},
+                 {1, NAN, inf}, {inf, -inf, inf}, {inf, NAN, inf}, {inf, 1, inf}};
     for (const auto& c : cases) {
         const Difference d = difference(red(box, box, {c.a}), red(box, box, {c.b}), kRed);
         EXPECT_EQ(d.largest, c.largest) << c.a << ' ' << c.b;

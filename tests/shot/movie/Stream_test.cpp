@@ -1,7 +1,6 @@
 // Streams of frames, written and read.
 #include <fcntl.h>
 
-#include <array>
 #include <cmath>
 #include <csignal>
 #include <fstream>
