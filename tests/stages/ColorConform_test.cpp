@@ -142,8 +142,11 @@ TEST(ColorConformKernel, EqualsTheNaiveLoop) {
             if (adjust) expected = naive_adjustment(s, expected);
             for (std::size_t c = 0; c < 3; ++c) {
                 const float got = out.planes[c][i];
-                if (std::isnan(expected[c]) && std::isnan(got)) continue;
-                EXPECT_NEAR(got, expected[c], adjust ? 1e-4f : 0.0f) << i << ' ' << s.hue;
+                if (std::isnan(expected[c])) {
+                    EXPECT_TRUE(std::isnan(got)) << i << ' ' << s.hue;
+                } else {
+                    EXPECT_NEAR(got, expected[c], adjust ? 1e-4f : 0.0f) << i << ' ' << s.hue;
+                }
             }
         }
     }

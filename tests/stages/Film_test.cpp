@@ -26,45 +26,61 @@ Plane rows_extreme(const Plane& in, float sign) {
 
 }  // namespace
 
+// Red extremes 40 and 100 around a red of 60: 40 up, 20 down.
+TEST(FilmKernel, WorkedExamples) {
+    const struct {
+        int strength, red, green, blue;
+        float matte;
+        std::array<float, 3> expected;
+    } cases[] = {{0, 0, 0, 50, 0.0f, {60, 80, 100}},         // c = 20; blue 90 + 10
+                 {50, 100, 10, 0, -0.0f, {30, 83, 90}},      // c = 30
+                 {200, 100, 100, 300, 0.0f, {0, 140, 255}},  // c = 60; red 0, blue 270
+                 {100, 100, 100, 100, 1e-30f, {60, 80, 90}},
+                 {100, 100, 100, 100, NAN, {60, 80, 90}}};
+    for (const auto& c : cases) {
+        const test::StageControls controls{{10, c.strength}, {11, c.red}, {12, c.green}, {13, c.blue}};
+        const float low = 40, high = 100, red = 60, green = 80, blue = 90;
+        std::array<float, 3> out;
+        film_correct(film_params(controls.block), &low, &high, &c.matte, {&red, &green, &blue},
+                     {&out[0], &out[1], &out[2]}, 1);
+        for (std::size_t i = 0; i < 3; ++i) EXPECT_FLOAT_EQ(out[i], c.expected[i]) << &c - cases << ' ' << i;
+    }
+}
+
 TEST(Film, EqualsTheNaiveLoop) {
-    constexpr float kMattes[]{0.0f, 3.0f, -0.0f, 1e-30f, NAN, 0.0f, -0.0f};
-    constexpr std::array<int, 4> kSettings[]{
-        {30, 80, 15, 50}, {0, 0, 0, 50}, {50, 100, 10, 0}, {200, 100, 100, 300}};  // strength, shares
+    constexpr std::array<double, 3> kShares{-0.8, 0.15, 0.5};
     for (const Box& box : {Box{0, 0, 1, 1}, Box{-6, 3, 31, 22}, Box{5, 5, 6, 30}}) {
         const Plane planes[] = {test::awkward_plane(box, 1), test::awkward_plane(box, 2),
                                 test::awkward_plane(box, 3)};
         const auto in = [&](Channel c) -> const Plane& { return planes[c - kRed]; };
-        const Plane matte(box, [&](int x, int y) { return kMattes[(x + 3 * y + 70) % 7]; });
+        const Plane matte(box, [](int x, int y) { return (x * 3 + y) % 4 == 0 ? 3.0f : 0.0f; });
         const Plane lowest = rows_extreme(in(kRed), -1);
         const Plane highest = rows_extreme(in(kRed), 1);
         test::FunctionSource image(
             box, kMaskRgba, [&](Channel c, int x, int y) { return c == kAlpha ? 9.0f : in(c).at(x, y); });
         test::FunctionSource alpha(box, kMaskRgba, test::pixels_of(matte));
-        for (const auto& [strength, red, green, blue] : kSettings) {
-            const test::StageControls controls{{10, strength}, {11, red}, {12, green}, {13, blue}};
-            const double part = strength / 100.0, shares[] = {red / 100.0, green / 100.0, blue / 100.0};
-            VlxFilmCorrection film(NodeContext{}, &controls.block);
-            film.set_input(0, &image);
-            film.set_input(1, &alpha);
-            for (const int threads : {1, 2}) {
-                const test::Picture out = test::render(film, threads);
-                EXPECT_EQ(out.at(kAlpha, box.x, box.y), 9.0f);
-                for (const Channel c : kMaskRgb) {
-                    const Plane expected(box, [&](int x, int y) {
-                        const float v = in(c).at(x, y);
-                        if (matte.at(x, y) != 0.0f) return v;
-                        const double r = static_cast<double>(in(kRed).at(x, y));
-                        const double up = static_cast<double>(highest.at(x, y)) - r;
-                        const double down = r - static_cast<double>(lowest.at(x, y));
-                        const double big = down > up ? down : up;
-                        const double small = up <= down ? up : down;
-                        const double correction = r - (r - ((1 - part) * small + part * big));
-                        const double shift = correction * shares[c - kRed];
-                        const double shifted = static_cast<double>(v) + (c == kRed ? -shift : shift);
-                        return static_cast<float>(shifted < 0.0 ? 0.0 : shifted > 255.0 ? 255.0 : shifted);
-                    });
-                    EXPECT_EQ(test::bits(out.planes[c]), test::bits(expected.values)) << c << ' ' << strength;
-                }
+        const test::StageControls controls{{10, 30}, {11, 80}, {12, 15}, {13, 50}};
+        VlxFilmCorrection film(NodeContext{}, &controls.block);
+        film.set_input(0, &image);
+        film.set_input(1, &alpha);
+        for (const int threads : {1, 2}) {
+            const test::Picture out = test::render(film, threads);
+            EXPECT_EQ(out.at(kAlpha, box.x, box.y), 9.0f);
+            for (const Channel c : kMaskRgb) {
+                const Plane expected(box, [&](int x, int y) {
+                    const float v = in(c).at(x, y);
+                    if (matte.at(x, y) != 0.0f) return v;
+                    const double r = static_cast<double>(in(kRed).at(x, y));
+                    const double up = static_cast<double>(highest.at(x, y)) - r;
+                    const double down = r - static_cast<double>(lowest.at(x, y));
+                    const double big = down > up ? down : up;
+                    const double small = up <= down ? up : down;
+                    const double correction = r - (r - ((1 - 0.3) * small + 0.3 * big));
+                    const double shifted =
+                        static_cast<double>(v) + correction * kShares[static_cast<std::size_t>(c - kRed)];
+                    return static_cast<float>(shifted < 0.0 ? 0.0 : shifted > 255.0 ? 255.0 : shifted);
+                });
+                EXPECT_EQ(test::bits(out.planes[c]), test::bits(expected.values)) << c;
             }
         }
     }

@@ -11,6 +11,11 @@ struct Density {
     int brights, darks, cool, warm;
 };
 
+StageControls controls_for(const ControlTriple& backing, const Density& k) {
+    return {{75, backing[0]}, {76, backing[1]}, {77, backing[2]}, {79, k.brights},
+            {80, k.darks},    {81, k.cool},     {82, k.warm}};
+}
+
 // The content of a secondary channel that shows s where the backing shows p.
 double content(double darks, float p, float s, float c, float cp) {
     const double d = static_cast<double>(p - s), P = static_cast<double>(p);
@@ -47,8 +52,7 @@ TEST(MatteKernel, EqualsTheNaiveLoop) {
     for (const Density& k : {Density{100, 0, 0, 0}, Density{130, 35, 60, -20}, Density{80, -15, 10, 90}}) {
         for (const ControlTriple& b :
              {ControlTriple{30, 60, 200}, {90, 10, 255}, {-4, 300, 0}, {7, 8, 290}}) {
-            const StageControls controls{{75, b[0]},    {76, b[1]},   {77, b[2]},  {79, k.brights},
-                                         {80, k.darks}, {81, k.cool}, {82, k.warm}};
+            const StageControls controls = controls_for(b, k);
             const MatteParams params = matte_params(controls.block);
             std::vector<float> constant(kCount), clean(kCount), expect_constant, expect_clean;
             matte_constant(params, fg.in(), constant.data(), kCount);
