@@ -6,7 +6,8 @@
 #include "stages/ColorConformKernel.h"
 #include "support/StageControls.h"
 
-using namespace test;
+using test::Span;
+using test::StageControls;
 
 namespace {
 
@@ -28,6 +29,12 @@ ConformParams params_for(const Setting& s) {
         controls.block.set(first + 2, s.tones[role].mid_tones);
     }
     return conform_params(controls.block);
+}
+
+std::array<float, 3> conformed(const Setting& s, const std::array<float, 3>& c, float alpha) {
+    std::array<float, 3> out;
+    conform_colour(params_for(s), {&c[0], &c[1], &c[2]}, &alpha, {&out[0], &out[1], &out[2]}, 1);
+    return out;
 }
 
 float clamped(double v) {
@@ -107,25 +114,38 @@ TEST(LogExp, StaysWithinOneUnitOfTheLastPlace) {
     EXPECT_TRUE(std::isnan(kernel::log_of(double{NAN})) && std::isnan(kernel::exp_of(double{NAN})));
 }
 
-// However far colours are pushed apart, grey has none.
-TEST(ColorConformKernel, GreyStaysGrey) {
-    const ConformParams params = params_for({.hue = 123, .saturation = 2147483647});
-    const float in = 40, alpha = 255;
-    std::array<float, 3> out;
-    conform_colour(params, {&in, &in, &in}, &alpha, {&out[0], &out[1], &out[2]}, 1);
-    for (const float v : out) EXPECT_NEAR(v, in, 1e-3f);
+TEST(ColorConformKernel, WorkedExamples) {
+    const Tone none{0, 100, 0};
+    struct Case {
+        Setting setting;
+        float alpha;
+        std::array<float, 3> in, expected;
+    };
+    for (const Case& c : {
+             Case{{}, 0, {0, 51, 300}, {0, 51, 255}},
+             Case{{{Tone{20, 100, 0}, {0, 200, 0}, {0, 0, 0}}}, 255, {51, 51, 51}, {102, 102, 0.51f}},
+             // Middle 0.17, bend 3.3387668: (0.8 bend + 0.2) 0.2 is 0.5742027.
+             Case{{{none, Tone{0, 100, 50}, none}}, 255, {51, 51, 127.5f}, {51, 146.4217f, 127.5f}},
+             // A sextant on, then half the circle: pure role 0 becomes both secondaries, then the other two.
+             Case{{{none, none, none}, 100}, 255, {200, 10, 10}, {200, 200, 10}},
+             Case{{{none, none, none}, 300}, 255, {200, 10, 10}, {10, 200, 200}},
+             Case{{{none, none, none}, 600}, 255, {200, 50, 10}, {200, 50, 10}},
+             // exp(ln 41 + 1) - 1, equal throughout; hue and saturation leave grey alone.
+             Case{
+                 {{none, none, none}, 0, 0, 100}, 255, {40, 40, 40}, {110.449555f, 110.449555f, 110.449555f}},
+             Case{{{none, none, none}, 123, 2147483647}, 255, {40, 40, 40}, {40, 40, 40}},
+             // The distance from 63 to 15, a factor of 4, to the power of exp(0.69): 64 / 15.8609 - 1.
+             Case{{{none, none, none}, 0, 69}, 255, {63, 15, 15}, {63, 3.0350f, 3.0350f}},
+         }) {
+        const auto out = conformed(c.setting, c.in, c.alpha);
+        for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(out[i], c.expected[i], 1e-3f) << i << ' ' << c.in[0];
+    }
 }
 
 TEST(ColorConformKernel, EqualsTheNaiveLoop) {
     constexpr int kCount = 6001;
     const Span in(kCount, 31);
     for (const Setting& s : {
-             Setting{},
-             Setting{.hue = 300},
-             Setting{.saturation = 69},
-             Setting{.brightness = 100},
-             Setting{{Tone{20, 100, 0}, {0, 200, 0}, {0, 0, 0}}},
-             Setting{{Tone{0, 100, 0}, {0, 100, 50}, {0, 100, 0}}},
              Setting{{Tone{10, 130, 20}, {-15, 70, -30}, {0, -5, 80}}},
              Setting{{Tone{10, 110, 5}, {-5, 90, -10}, {0, 100, 0}}, 40, 15, -20},
              Setting{{Tone{0, 100, 0}, {0, 100, 0}, {0, 100, 0}}, -123457, -60, 30},
