@@ -1,7 +1,5 @@
 #!/bin/bash
 # Colour spaces, as a user meets them: what is told, converted, and written into files.
-# usage: colour_test.sh VELOXA
-set -u
 # shellcheck source=tests/apps/lib.sh
 . "$(dirname "$0")/lib.sh"
 unset OCIO
@@ -67,19 +65,14 @@ expect 0 '"scene_linear": "linear"' spaces --json
 
 # What cannot be.
 expect 0 "" key --fg shot/fg.exr -o plain.tif "${through[@]}"
-while IFS='|' read -r status text arguments; do
-    # shellcheck disable=SC2086
-    expect "$status" "$text" key -o no.exr --pick 0,40,8,48 $arguments
-    [ ! -e no.exr ] || fail "no.exr is there: $arguments"
-done <<'TABLE'
+expect_rows key -o no.exr --pick 0,40,8,48 <<'TABLE'
 2|, ADX16, raw; did you mean 'ACEScg'?|--fg web.png --in-space acescgg
 2|#space=nonsense|--fg web.png#space=nonsense
 2|plain.tif: what space its values are in is not sure, perhaps sRGB (uint16 without a linear tag); say it with --in-space|--fg plain.tif --out-space linear
 1|plain.tif: what space its values are in is not sure|--fg plain.tif --out-space linear --dry-run
 TABLE
+[ ! -e no.exr ] || fail "no.exr is there"
 export OCIO=none.ocio
 expect 1 "none.ocio: the colour configuration that \$OCIO names cannot be loaded" key --fg web.png -o no.exr \
     "${through[@]}" --in-space sRGB
 expect 0 "" key --fg web.png -o again.exr "${through[@]}" # needs none
-
-finish

@@ -2,8 +2,6 @@
 # Runs the documents' commands as they stand: those of one document in a folder of its own, one after the other, up
 # to the first that fails. Blocks without a command of the program (how to build it, what it prints) are passed
 # over; of a block with prompts only what follows them runs.
-# usage: documents_test.sh VELOXA
-set -u
 root=$(realpath "$(dirname "$0")/../..")
 # shellcheck source=tests/apps/lib.sh
 . "$(dirname "$0")/lib.sh"
@@ -39,5 +37,3 @@ for document in "$root"/README.md "$root"/docs/*.md; do
 done
 # Else the documents changed their form, and nothing is tested.
 [ $ran -ge 20 ] || fail "only $ran commands in the documents"
-
-finish

@@ -1,7 +1,5 @@
 #!/bin/bash
 # Runs the program on files of several parts, layers and views.
-# usage: layers_test.sh VELOXA
-set -u
 # shellcheck source=tests/apps/lib.sh
 . "$(dirname "$0")/lib.sh"
 
@@ -52,5 +50,3 @@ TABLE
 expect 1 "out/new.png: the format cannot hold the layers" key --fg layers.0001.exr#layer=beauty --keep layers -o out/new.png
 expect 0 "holds no other layers to keep" key --fg shot/fg.0001.exr "${pick[@]}" --keep layers -o out/d.exr
 [ "$(ls out | wc -l)" -eq $((count + 1)) ] || fail "files: $(ls out)"
-
-finish

@@ -1,10 +1,11 @@
 # Shared by the scripts that run the program as a user does; they source it with $1 the program. It goes to a
-# folder of its own, which is gone afterwards. A script's last line is `finish`.
+# folder of its own, which is gone afterwards.
+set -u
 veloxa=$(realpath "$1")
 folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
-cd "$folder" || exit 1
 failures=0
+trap 'rm -rf "$folder"; [ $failures -eq 0 ] || exit 1' EXIT
+cd "$folder" || exit 1
 
 fail() {
     echo "FAILED: $*"
@@ -12,15 +13,25 @@ fail() {
 }
 
 # expect STATUS TEXT ARGUMENT...: the program ends with the status, and its messages hold the text. What it
-# printed is left in out.txt and err.txt.
+# printed is left in the file that $out names and in err.txt; it reads $in, and may take $limit seconds (0: any).
+in=/dev/null out=out.txt limit=0
 expect() {
     local status=$1 text=$2
     shift 2
-    "$veloxa" "$@" >out.txt 2>err.txt
+    timeout $limit "$veloxa" "$@" <$in >$out 2>err.txt
     local got=$?
     [ $got -eq "$status" ] || fail "status $got, not $status: veloxa $* ($(head -c 300 err.txt))"
-    [ -z "$text" ] || grep -qF -- "$text" out.txt err.txt || fail "no '$text': veloxa $* ($(head -c 300 err.txt))"
+    [ -z "$text" ] || grep -qaF -- "$text" $out err.txt || fail "no '$text': veloxa $* ($(head -c 300 err.txt))"
     [ "$status" -eq 0 ] || [ "${1-}" = compare ] || grep -q '^veloxa: ' err.txt || fail "no 'veloxa: ': veloxa $*"
+}
+
+# expect_rows ARGUMENT...: expect, for each row STATUS|TEXT|MORE ARGUMENTS of the input.
+expect_rows() {
+    local status text arguments
+    while IFS='|' read -r status text arguments; do
+        # shellcheck disable=SC2086
+        expect "$status" "$text" "$@" $arguments
+    done
 }
 
 # expect_files FOLDER NAMES: it holds these, each followed by a blank, and nothing else.
@@ -35,8 +46,4 @@ expect_lines() {
     for text in "$@"; do
         sed 's/^ *//' out.txt | grep -qxFe "$text" || fail "no line '$text' in $(cat out.txt)"
     done
-}
-
-finish() {
-    [ $failures -eq 0 ] || exit 1
 }

@@ -1,7 +1,5 @@
 #!/bin/bash
 # The files that a key writes: several pictures of one run, what formats make of them, what their metadata tells.
-# usage: outputs_test.sh VELOXA
-set -u
 . "$(dirname "$0")/lib.sh"
 
 expect 0 "" plate -o p --size 64x48 --frames 1-2
@@ -10,10 +8,7 @@ inputs=(--fg q/fg.exr --bg q/bg.exr --pick 0,40,8,48)
 three=(-o comp=out/comp.exr -o matte=out/matte.exr -o cut=out/cut.exr)
 mkdir out
 
-while IFS='|' read -r status text arguments; do
-    # shellcheck disable=SC2086
-    expect "$status" "$text" key --fg q/fg.exr $arguments
-done <<'TABLE'
+expect_rows key --fg q/fg.exr <<'TABLE'
 2|there is no picture mate; there are comp, matte and cut|-o mate=out/a.exr
 2|is given twice|-o comp=out/a.exr -o matte=out/a.exr
 2|--stage writes its rows alone|-o matte=out/a.exr --stage computeMatte
@@ -61,5 +56,3 @@ rm out/t.2.exr
 touch -d 2001-01-01 out/s.*.exr
 expect 0 "" key "${sequence[@]}" --resume
 [ "$(find out -name 's.*' -newermt 2002-01-01)" = out/s.2.exr ] || fail "--resume wrote $(ls -l out/s.*)"
-
-finish

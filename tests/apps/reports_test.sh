@@ -1,16 +1,12 @@
 #!/bin/bash
 # What the program says of itself, of what it would do, and as JSON.
-# usage: reports_test.sh VELOXA
-set -u
 # shellcheck source=tests/apps/lib.sh
 . "$(dirname "$0")/lib.sh"
 
 # Help in either way; the version at length.
 for command in "" key help; do
-    # shellcheck disable=SC2086
-    "$veloxa" $command --help >long.txt
-    # shellcheck disable=SC2086
-    expect 0 "Usage: veloxa${command:+ $command} [OPTIONS]" help $command
+    "$veloxa" ${command:+"$command"} --help >long.txt
+    expect 0 "Usage: veloxa${command:+ $command} [OPTIONS]" help ${command:+"$command"}
     cmp -s long.txt out.txt || fail "help $command is not $command --help"
 done
 expect 2 "nonsense: there is no such command; there are key, analyse," help nonsense
@@ -73,5 +69,3 @@ expect 0 "" key --fg shot/fg.0001.exr -o out/c.exr --stats --json --quiet
 tr -d ' \n' <err.txt | grep -qE '^\{"operators":\[\{"name":"[^"]+","class":"[^"]+","rows":[0-9]+,.*"frames":1,"read_ms":.*\}$' ||
     fail "the statistics as JSON: $(head -c 300 err.txt)"
 expect 2 "--stats" key --fg shot/fg.0001.exr -o out/d.exr --json
-
-finish

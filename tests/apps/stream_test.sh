@@ -1,19 +1,9 @@
 #!/bin/bash
 # Frames through pipes, from ffmpeg and to it, as a user sends them.
-# usage: stream_test.sh VELOXA
-set -u
 # shellcheck source=tests/apps/lib.sh
 . "$(dirname "$0")/lib.sh"
 
-# expect_stream STATUS TEXT ARGUMENT...: the same with in.nut for input; the output is out.nut.
-expect_stream() {
-    local status=$1 text=$2
-    shift 2
-    timeout 60 "$veloxa" "$@" <in.nut >out.nut 2>err.txt
-    local got=$?
-    [ $got -eq "$status" ] || fail "status $got, not $status: veloxa $* ($(head -c 300 err.txt))"
-    [ -z "$text" ] || grep -qaF -- "$text" err.txt out.nut || fail "no '$text': veloxa $* ($(head -c 300 err.txt))"
-}
+in=in.nut out=out.nut limit=60 # frames go in and out
 
 # nut FORMAT [OPTION...]: a stream of the three frames in this pixel format.
 nut() {
@@ -33,7 +23,7 @@ done
 # has no name for floats.
 while read -r format depth back; do
     nut "$format" -vf setsar=4/3 >in.nut 2>err.txt || fail "ffmpeg $format"
-    expect_stream 0 "" key --fg - "${pass[@]}" --depth "$depth" -o -
+    expect 0 "" key --fg - "${pass[@]}" --depth "$depth" -o -
     cmp <(sums in.nut "$back") <(sums out.nut "$back") 2>err.txt || fail "$format comes out otherwise"
     [ "$(sums out.nut | grep -c ^0,)" = 3 ] || fail "$format: not three frames"
     ffprobe -v error -show_entries stream=r_frame_rate,sample_aspect_ratio -of csv=p=0 out.nut >rate.txt
@@ -53,11 +43,11 @@ gbrp16le uint16 rgb48le
 gbrap16le uint16 rgba64le
 TABLE
 nut gbrp10le >in.nut
-expect_stream 0 "" key --fg - "${pass[@]}" -o -
+expect 0 "" key --fg - "${pass[@]}" -o -
 cmp <(sums in.nut gbrp10le) <(sums out.nut gbrp10le) || fail "gbrp10le comes out otherwise"
 while IFS='|' read -r format text; do
     nut "$format" >in.nut 2>err.txt
-    expect_stream 1 "standard input: $text" key --fg - "${pass[@]}" -o -
+    expect 1 "standard input: $text" key --fg - "${pass[@]}" -o -
 done <<'TABLE'
 yuv420p|the stream's pixels are yuv420p, which is no RGB; add -pix_fmt rgb48le
 yuva444p10le|the stream's pixels are yuva444p10le, which is no RGB; add -pix_fmt rgba64le
@@ -68,22 +58,22 @@ TABLE
 nut rgba64le -metadata:s:v timecode=01:00:00:00 >in.nut
 key=(--pick 0,40,8,48 --bg shot/bg.0001.exr --set cleanup=1)
 "$veloxa" key --fg fg.#.png --frames 1-3 "${key[@]}" -o cut=file.#.png 2>err.txt || fail "files"
-expect_stream 0 "" key --fg - "${key[@]}" -o cut=- -o matte=m.#.png
+expect 0 "" key --fg - "${key[@]}" -o cut=- -o matte=m.#.png
 ffmpeg -nostdin -v error -i file.%d.png -f nut -c:v rawvideo -pix_fmt rgba64le files.nut
 cmp <(pixels files.nut) <(pixels out.nut) || fail "the stream is keyed otherwise"
 ffprobe -v error -show_entries stream_tags=timecode -of csv=p=0 out.nut | grep -q 01:00:00:00 || fail "no timecode"
-expect_stream 0 "" key --fg - "${key[@]}" --frames 7-8 -o part.#.exr
+expect 0 "" key --fg - "${key[@]}" --frames 7-8 -o part.#.exr
 [ "$(echo part.*)" = "part.7.exr part.8.exr" ] || fail "frames are numbered otherwise: $(echo part.*)"
 "$veloxa" key --fg fg.2.png "${key[@]}" -o two.exr 2>err.txt
 "$veloxa" compare part.8.exr two.exr --max-diff 0 >/dev/null || fail "part.8.exr is another frame"
-expect_stream 0 "" key --fg shot/fg.%04d.exr --frames 1-3 "${key[@]}" -o -
+expect 0 "" key --fg shot/fg.%04d.exr --frames 1-3 "${key[@]}" -o -
 [ "$(ffprobe -v error -count_frames -show_entries stream=r_frame_rate,nb_read_frames -of csv=p=0 out.nut)" = 24/1,3 ] ||
     fail "files make another stream"
-expect_stream 0 "" key --fg - --bg shot/bg.0001.exr --auto -o auto.#.png --set "unmix_method=unmix"
+expect 0 "" key --fg - --bg shot/bg.0001.exr --auto -o auto.#.png --set "unmix_method=unmix"
 grep -q "standard input is read once, so the shot is not measured" err.txt || fail "not told of the shot"
 nut gray16le >in.nut
 for input in gm bg; do
-    expect_stream 0 "" key --fg shot/fg.%04d.exr "--$input" - --pick 0,40,8,48 --frames 1-3 -o $input.#.png
+    expect 0 "" key --fg shot/fg.%04d.exr "--$input" - --pick 0,40,8,48 --frames 1-3 -o $input.#.png
     "$veloxa" key --fg shot/fg.0002.exr "--$input" fg.2.png --pick 0,40,8,48 -o one.png --overwrite 2>err.txt
 done
 ffmpeg -nostdin -v error -y -i fg.2.png -pix_fmt gray16 gray.png
@@ -93,28 +83,23 @@ ffmpeg -nostdin -v error -y -i fg.2.png -pix_fmt gray16 gray.png
 # What goes wrong is told, with the frames before it done, and nothing hangs.
 nut rgba64le >whole.nut
 head -c $(($(stat -c %s whole.nut) * 8 / 10)) whole.nut >in.nut
-expect_stream 1 "standard input: frame 3: is cut off" key --fg - "${pass[@]}" -o -
+expect 1 "standard input: frame 3: is cut off" key --fg - "${pass[@]}" -o -
 cmp <(sums whole.nut | grep ^0 | head -2) <(sums out.nut | grep ^0) || fail "the frames before the cut"
 head -c 100000 /dev/urandom >in.nut
-expect_stream 1 "standard input: is no NUT stream" key --fg - "${pass[@]}" -o -
-: >in.nut
-expect_stream 1 "standard input: is empty" key --fg - "${pass[@]}" -o -
+expect 1 "standard input: is no NUT stream" key --fg - "${pass[@]}" -o -
 cp whole.nut in.nut
-expect_stream 1 "standard input: ends after 3 frames" key --fg - "${pass[@]}" --frames 1-5 -o -
-expect_stream 1 "cannot hold half samples" key --fg - "${pass[@]}" -o - --depth half
-while IFS='|' read -r text arguments; do
-    # shellcheck disable=SC2086
-    expect_stream 2 "$text" $arguments
-done <<'TABLE'
---bg -: standard input is --fg already|key --fg - --bg - -o -
-of its first frame|key --fg - --frames 1-3 --stroke screen@2=0,40,8,48 -o -
---resume|key --fg - -o a.#.exr --resume
---resume|key --fg shot/fg.0001.exr -o - --resume
---shot-frames|key --fg - --shot-frames 1-3 -o -
-analyse|analyse --fg - -o a.shot
-is given twice|key --fg - -o - -o matte=-
+expect 1 "standard input: ends after 3 frames" key --fg - "${pass[@]}" --frames 1-5 -o -
+expect 1 "cannot hold half samples" key --fg - "${pass[@]}" -o - --depth half
+expect_rows <<'TABLE'
+2|--bg -: standard input is --fg already|key --fg - --bg - -o -
+2|of its first frame|key --fg - --frames 1-3 --stroke screen@2=0,40,8,48 -o -
+2|--resume|key --fg - -o a.#.exr --resume
+2|--resume|key --fg shot/fg.0001.exr -o - --resume
+2|--shot-frames|key --fg - --shot-frames 1-3 -o -
+2|analyse|analyse --fg - -o a.shot
+2|is given twice|key --fg - -o - -o matte=-
 TABLE
-expect_stream 0 "screen_color" tune --fg - --stroke screen=0,40,8,48
+expect 0 "screen_color" tune --fg - --stroke screen=0,40,8,48
 for n in $(seq 40); do cat fg.1.png; done >many.png
 (
     set -o pipefail
@@ -126,15 +111,13 @@ grep -q "standard output: nobody reads it any more" err.txt || fail "nobody read
 
 # Movies as files: the commands that are told work as they are.
 nut rgb48le | ffmpeg -v error -f nut -i - -c:v ffv1 "a movie's.mkv"
-expect_stream 1 "is a movie; give its frames: ffmpeg" key --fg "a movie's.mkv" -o a.png
+expect 1 "is a movie; give its frames: ffmpeg" key --fg "a movie's.mkv" -o a.png
 command=$(sed -n 's/.*give its frames: \(.*\) | veloxa.*/\1/p' err.txt)
 eval "$command" >in.nut
-expect_stream 0 "" key --fg - "${pass[@]}" -o -
+expect 0 "" key --fg - "${pass[@]}" -o -
 [ "$(pixels out.nut | wc -l)" = 3 ] && cmp <(pixels in.nut rgb48le) <(pixels out.nut rgb48le) || fail "the movie's frames"
-expect_stream 1 "veloxa key --bg - ..." key --fg fg.1.png --bg "a movie's.mkv" "${pass[@]}" -o a.png
-expect_stream 1 "'out put.mov'" key --fg fg.1.png "${pass[@]}" -o "out put.mov"
+expect 1 "veloxa key --bg - ..." key --fg fg.1.png --bg "a movie's.mkv" "${pass[@]}" -o a.png
+expect 1 "'out put.mov'" key --fg fg.1.png "${pass[@]}" -o "out put.mov"
 grep -qF -- "-o - | ffmpeg -v error -f nut -i - 'out put.mov'" err.txt || fail "no command for a movie"
 ffmpeg -v error -i fg.%d.png moving.gif
-expect_stream 0 "" key --fg moving.gif "${pass[@]}" -o gif.png
-
-finish
+expect 0 "" key --fg moving.gif "${pass[@]}" -o gif.png

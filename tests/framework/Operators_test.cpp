@@ -2,8 +2,6 @@
 // for every screen colour, and what each hash is made of.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <memory>
 #include <optional>
 #include <set>
 
@@ -34,11 +32,7 @@
 #include "unmix/VlxUnmixMatte.h"
 
 using namespace Zo::Image;
-using test::fetch_row;
-using test::kDepth;
-using test::kRoles;
-using test::RolePixel;
-using test::StageControls;
+using namespace test;
 
 namespace {
 
@@ -148,7 +142,7 @@ struct Wired {
         for (const auto& [index, value] : c.settings) controls.block.set(index, value);
         controls.block.set(120, color_index);
         controls.block.set(122, clean_plate);
-        sources = test::connect_role_inputs(*op, c.inputs, color_index);
+        sources = connect_role_inputs(*op, c.inputs, color_index);
     }
     Hash hash() {
         if (auto* const stage = dynamic_cast<VlxIop*>(op.get())) {
@@ -160,7 +154,7 @@ struct Wired {
     }
 
     StageControls controls;
-    test::RoleInputs sources;
+    RoleInputs sources;
     std::unique_ptr<Iop> op;
 };
 
@@ -234,22 +228,21 @@ TEST(Operators, GiveTheSameBitsInEveryForm) {
             const auto bits_in = [&](Lanes lanes) {
                 use_lanes(lanes);
                 Wired wired(c);
-                test::RoleInputs sources;
+                RoleInputs sources;
                 for (std::size_t n = 0; n < c.inputs.size(); ++n) {
-                    std::array<test::Plane, 4> planes{
-                        test::awkward_plane(box, 1), test::awkward_plane(box, 2 + static_cast<unsigned>(n)),
-                        test::awkward_plane(box, 7), test::awkward_plane(box, 8 + static_cast<unsigned>(n))};
-                    sources.push_back(std::make_unique<test::FunctionSource>(
+                    std::array<Plane, 4> planes{
+                        awkward_plane(box, 1), awkward_plane(box, 2 + static_cast<unsigned>(n)),
+                        awkward_plane(box, 7), awkward_plane(box, 8 + static_cast<unsigned>(n))};
+                    sources.push_back(std::make_unique<FunctionSource>(
                         box, kMaskRgba, [planes = std::move(planes)](Channel channel, int x, int y) {
                             return planes[static_cast<std::size_t>(channel - kRed)].at(x, y);
                         }));
                     wired.op->set_input(static_cast<int>(n), sources.back().get());
                 }
                 wired.hash();
-                std::vector<std::vector<std::uint32_t>> bits;
-                for (const auto& plane : test::render(*wired.op, box).planes)
-                    bits.push_back(test::bits(plane));
-                return bits;
+                std::vector<std::vector<std::uint32_t>> made;
+                for (const auto& plane : render(*wired.op, box).planes) made.push_back(bits(plane));
+                return made;
             };
             const auto scalar = bits_in(Lanes::kScalar);
             for (const Lanes lanes : kAllLanes) {

@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "ZoImage/GeneralTile.h"
-#include "support/TestImages.h"
+#include "support/StageControls.h"
 
 using namespace Zo::Image;
 
@@ -61,26 +61,22 @@ class AddThousand final : public VlxFilter {
 
 class VlxFilterTest : public testing::Test {
   protected:
-    VlxFilterTest() : controls(values.data(), 1), op(&controls) { op.set_input(0, &source); }
+    VlxFilterTest() { op.set_input(0, &source); }
 
     // Every pixel, with own channels raised by `added`.
     void expect_rendered(float added, int threads, ChannelSet channels = kMaskRgba) {
         const test::Picture picture = test::render(op, kBox, threads, channels);
         ASSERT_TRUE(picture.complete);
         for (const Channel c : channels) {
-            for (int y = kBox.y; y < kBox.t; ++y) {
-                for (int x = kBox.x; x < kBox.r; ++x) {
-                    ASSERT_EQ(picture.at(c, x, y), pixel(c, x, y) + (kOwn.has(c) ? added : 0.0f))
-                        << c << x << y;
-                }
-            }
+            const float more = kOwn.has(c) ? added : 0.0f;
+            const test::Plane expected(kBox, [&](int x, int y) { return pixel(c, x, y) + more; });
+            ASSERT_EQ(picture.planes[c], expected.values) << c;
         }
     }
 
-    std::array<std::int32_t, ControlBlock::kCount> values{};
-    ControlBlock controls;
+    test::StageControls controls;
     test::FunctionSource source{kBox, kMaskRgba, pixel};
-    AddThousand op;
+    AddThousand op{&controls.block};
 };
 
 TEST_F(VlxFilterTest, ComputesOnceForAllThreadsAndRenders) {

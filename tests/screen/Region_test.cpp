@@ -1,21 +1,18 @@
 // The clear-region kernels and the removal of islands, against values worked out by hand.
 #include <gtest/gtest.h>
 
-#include <array>
-#include <limits>
+#include <cmath>
 
 #include "screen/ClearRegionKernel.h"
 #include "screen/CrudeMatteKernel.h"
 #include "screen/SubRegionKernel.h"
 #include "screen/VlxComputeIsland.h"
 #include "support/StageControls.h"
-#include "support/TestImages.h"
 
 using test::StageControls;
 
 namespace {
 
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 using Pixel = std::array<float, 3>;  // role order
 constexpr Pixel kBacking{60, 80, 200};
 
@@ -45,7 +42,7 @@ TEST(ClearRegion, BothSecondariesMustPass) {
         {60, 80, 200, 255, 29, 100},   {64.9f, 84.9f, 200, 255, 29, 100}, {65.1f, 60, 200, 0, 29, 100},
         {60, 85.1f, 200, 0, 29, 100},  {32, 42, 100, 255, 29, 100},       {33, 40, 100, 0, 29, 100},
         {30, 43, 100, 0, 29, 100},     {-5, -5, 0, 255, 29, 100},         {0, 0, 0, 0, 29, 100},
-        {60, 80, kNaN, 0, 29, 100},    {kNaN, 80, 200, 0, 29, 100},       {75, 95, 220, 255, 29, 100},
+        {60, 80, NAN, 0, 29, 100},     {NAN, 80, 200, 0, 29, 100},        {75, 95, 220, 255, 29, 100},
         {90, 80, 220, 0, 29, 100},     {90, 80, 220, 255, 31, 50},        {60, 103.5f, 220, 255, 29, 100},
         {60, 103.5f, 220, 0, 29, 120}, {30, 49.8f, 100, 255, 30, 10},     {30, 49.9f, 100, 0, 30, 10},
         {41.0f, 40, 100, 255, 32, 10}, {41.2f, 40, 100, 0, 32, 10},       {67, 80, 200, 255, 37, 8}};
@@ -63,22 +60,21 @@ TEST(ClearRegion, PlateAndMattesComeBeforeTheConstantBacking) {
     // Exactly as bright as the plate: the test for brighter pixels decides, or the one for darker pixels.
     EXPECT_EQ(clear({30, 90, 100}, 29, 0, &plate), 255.0f);
     EXPECT_EQ(clear({30, 40, 100}, 29, -100, &plate), 255.0f);
-    const float no = 0;
-    const float yes = 0.25f;
+    const float no = 0, yes = 0.25f, nan = NAN;
     const struct {
         ClearRegionMattes mattes;  // holdout, crude, garbage
         float expected;
-    } cases[] = {{{&no, &no, &yes}, 255}, {{&no, &yes, &no}, 255},     {{&yes, &yes, &yes}, 0},
-                 {{&no, &no, &no}, 0},    {{&kNaN, nullptr, &yes}, 0}, {{nullptr, &kNaN, nullptr}, 255}};
+    } cases[] = {{{&no, &no, &yes}, 255}, {{&no, &yes, &no}, 255},    {{&yes, &yes, &yes}, 0},
+                 {{&no, &no, &no}, 0},    {{&nan, nullptr, &yes}, 0}, {{nullptr, &nan, nullptr}, 255}};
     for (const auto& c : cases) EXPECT_EQ(clear({200, 120, 90}, 29, 100, nullptr, c.mattes), c.expected);
 }
 
 TEST(CrudeMatte, ComparesDominanceWithThePlates) {
     // Tolerance 10: the plate's dominance counts as 130 over role 0 and 110 over role 1.
     const StageControls controls{{39, 10}};
-    const std::pair<Pixel, float> cases[] = {{kBacking, 255},       {{60, 80, 191}, 255}, {{60, 80, 189}, 0},
-                                             {{62, 60, 191}, 0},    {{50, 82, 191}, 0},   {{200, 120, 90}, 0},
-                                             {{kNaN, kNaN, 9}, 255}};
+    const std::pair<Pixel, float> cases[] = {{kBacking, 255},     {{60, 80, 191}, 255}, {{60, 80, 189}, 0},
+                                             {{62, 60, 191}, 0},  {{50, 82, 191}, 0},   {{200, 120, 90}, 0},
+                                             {{NAN, NAN, 9}, 255}};
     for (const auto& [fg, expected] : cases) {
         float alpha = -1;
         crude_matte(crude_matte_params(controls.block), pixels(fg), pixels(kBacking), &alpha, 1);
@@ -98,7 +94,7 @@ TEST(SubRegion, SubjectIsWhereTheExcessOutweighsThePrimary) {
                  {58, 62, 0, 0, 0, 0},
                  {59, 62, 255, 0, 0, 0},
                  {58, 64, 255, 0, 0, 0},
-                 {kNaN, 62, 0, 0, 0, 0},
+                 {NAN, 62, 0, 0, 0, 0},
                  {50.2f, 36.5f, 0, 0, 100, 70},
                  {50.2f, 36.5f, 255, 0, 100, 73},
                  {27.1f, 62, 0, 0, 7, 100},

@@ -1,22 +1,15 @@
 // Clear frame, clean-up and shadows against values worked out by hand.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "screen/CleanupKernel.h"
 #include "screen/CombineShadowKernel.h"
 #include "screen/ComputeShadowKernel.h"
 #include "screen/VlxClearFrame.h"
 #include "support/StageControls.h"
-#include "support/TestImages.h"
 
 using test::StageControls;
-
-namespace {
-
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
 TEST(ClearFrame, CoverageCarriesOverBlackPixelsFromTheBoxEdge) {
     using namespace Zo::Image;
@@ -66,7 +59,7 @@ TEST(Cleanup, PushesWhatIsAboveTheThreshold) {
 
 TEST(Shadow, DensityIsTheMissingBrightness) {
     StageControls controls{{75, 60}, {76, 80}, {77, 200}};  // sum 340
-    const float role0[] = {60, 30, 0, 120, kNaN};
+    const float role0[] = {60, 30, 0, 120, NAN};
     const float role1[] = {80, 40, 0, 160, 0};
     const float primary[] = {200, 100, 0, 400, 0};
     const float expected[] = {0, 127.5f, 255, 0};
@@ -109,5 +102,3 @@ TEST(Shadow, CombinesByLevelsDensityAndTint) {
         EXPECT_NEAR(out[3], c.alpha, 1e-3f) << &c - cases;
     }
 }
-
-}  // namespace

@@ -1,15 +1,13 @@
 // The smart interpolation against a loop that follows its description pixel by pixel, and the operator.
 #include <gmock/gmock.h>
 
-#include <bit>
 #include <cmath>
-#include <limits>
 #include <random>
 
 #include "screen/SmartInterpolKernel.h"
 #include "screen/VlxSmartInterpol.h"
 #include "support/Loops.h"
-#include "support/TestImages.h"
+#include "support/StageControls.h"
 
 using namespace Zo::Image;
 using Plane = std::vector<float>;
@@ -17,7 +15,6 @@ using Planes = std::array<Plane, 3>;
 
 namespace {
 
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 constexpr std::array<float, 3> kBacking{10.0f, 200.0f, 31.0f};
 
 struct Frame {
@@ -134,21 +131,18 @@ TEST(SmartInterpol, EqualsTheDescriptionHoweverItIsCut) {
                 const auto n = static_cast<std::size_t>(w * h);
                 Frame in{w, h, Plane(n), {Plane(n), Plane(n), Plane(n)}};
                 for (float& v : in.clear) {
-                    v = random() % sparse != 0 ? -0.0f : with_nan && random() % 2 != 0 ? kNaN : -3.0f;
+                    v = random() % sparse != 0 ? -0.0f : with_nan && random() % 2 != 0 ? NAN : -3.0f;
                 }
                 for (Plane& plane : in.colour) {
                     for (float& v : plane) v = static_cast<float>(random() % 25500) / 99.0f;
-                    if (with_nan) plane[random() % n] = random() % 2 != 0 ? kNaN : HUGE_VALF;
+                    if (with_nan) plane[random() % n] = random() % 2 != 0 ? NAN : HUGE_VALF;
                 }
                 const Planes wanted = Naive{in}.run();
-                const Planes whole = interpolated(in);
-                const Planes cut = interpolated(in, test::backward_loop);
-                for (std::size_t i = 0; i < 3 * n; ++i) {
-                    const float value = wanted[i / n][i % n];
-                    for (const float got : {whole[i / n][i % n], cut[i / n][i % n]}) {
-                        if (std::isnan(value) && std::isnan(got)) continue;
-                        ASSERT_EQ(std::bit_cast<int>(got), std::bit_cast<int>(value))
-                            << w << " x " << h << " sparse " << sparse << " at " << i << ": " << got;
+                for (const auto& loop : {test::forward_loop, test::backward_loop}) {
+                    const Planes got = interpolated(in, loop);
+                    for (std::size_t k = 0; k < 3; ++k) {
+                        ASSERT_EQ(test::bits(got[k]), test::bits(wanted[k]))
+                            << w << " x " << h << " sparse " << sparse << " plane " << k;
                     }
                 }
             }
@@ -157,12 +151,10 @@ TEST(SmartInterpol, EqualsTheDescriptionHoweverItIsCut) {
 }
 
 TEST(SmartInterpol, Operator) {
-    std::array<std::int32_t, ControlBlock::kCount> values{};
-    ControlBlock controls(values.data(), 1);
     // Role order of a green screen is red, blue, green.
-    controls.set(controls::kColorIndex, 1);
-    controls.set(controls::kBackingColor, 11, 33, 22);
-    EXPECT_THAT(smart_interpol_params(controls).backing, testing::ElementsAre(11.0f, 22.0f, 33.0f));
+    test::StageControls controls{{controls::kColorIndex, 1}};
+    controls.block.set(controls::kBackingColor, 11, 33, 22);
+    EXPECT_THAT(smart_interpol_params(controls.block).backing, testing::ElementsAre(11.0f, 22.0f, 33.0f));
 
     // Only the pixel (-4, 6) is clear, so all others take its colour. Above it the row's mean is over 3
     // pixels, (270 + 1) / 3, the column's then over 2, of which the clear pixel is one.
@@ -172,7 +164,7 @@ TEST(SmartInterpol, Operator) {
     });
     test::FunctionSource clear(box, kMaskAlpha,
                                [](Channel, int x, int y) { return x == -4 && y == 6 ? 255.0f : 0.0f; });
-    VlxSmartInterpol op(NodeContext{}, &controls);
+    VlxSmartInterpol op(NodeContext{}, &controls.block);
     op.set_input(0, &image);
     op.set_input(1, &clear);
     op.setup();

@@ -1,12 +1,12 @@
 // A folder and images for tests that read and write files.
 #pragma once
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <unistd.h>
 
 #include <filesystem>
-#include <string>
 
+#include "shot/Errors.h"
 #include "shot/files/ImageFile.h"
 
 namespace test {
@@ -32,6 +32,17 @@ class Files : public testing::Test {
         (std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) +
          std::to_string(::getpid()));
 };
+
+// What the error says that ends this; nothing where none does.
+template <class Work>
+std::string told_by(const Work& work) {
+    try {
+        work();
+    } catch (const veloxa::Error& error) {
+        return error.what();
+    }
+    return {};
+}
 
 // Each pixel is what value(channel, x, y) says.
 template <class Value>

@@ -1,25 +1,14 @@
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cmath>
 
 #include "stages/VlxFilmCorrection.h"
-#include "support/Plane.h"
+#include "support/StageControls.h"
 
 using namespace Zo::Image;
 using test::Plane;
 
 namespace {
-
-struct Controls {
-    std::vector<std::int32_t> values = std::vector<std::int32_t>(ControlBlock::kCount);
-    ControlBlock block{values.data(), 1};
-
-    Controls(int strength, int red, int green, int blue) {
-        const std::array<int, 4> film{strength, red, green, blue};
-        for (int i = 0; i < 4; ++i) block.set(10 + i, film[static_cast<std::size_t>(i)]);
-    }
-};
 
 // The first of three samples unless a later one lies strictly beyond; sign -1 looks for the lowest.
 float extreme(float sign, float a, float b, float c) {
@@ -39,41 +28,38 @@ Plane rows_extreme(const Plane& in, float sign) {
 
 // Red extremes 40 and 100 around a red of 60: 40 up, 20 down.
 TEST(FilmKernel, WorkedExamples) {
-    struct Case {
+    const struct {
         int strength, red, green, blue;
         float matte;
-        float expect_r, expect_g, expect_b;
-    };
-    for (const Case& c : {Case{0, 0, 0, 50, 0.0f, 60, 80, 100},         // c = 20; blue 90 + 10
-                          Case{50, 100, 10, 0, -0.0f, 30, 83, 90},      // c = 30
-                          Case{200, 100, 100, 300, 0.0f, 0, 140, 255},  // c = 60; red 0, blue 270
-                          Case{100, 100, 100, 100, 1e-30f, 60, 80, 90},
-                          Case{100, 100, 100, 100, std::nanf(""), 60, 80, 90}}) {
-        const Controls controls(c.strength, c.red, c.green, c.blue);
+        std::array<float, 3> expected;
+    } cases[] = {{0, 0, 0, 50, 0.0f, {60, 80, 100}},         // c = 20; blue 90 + 10
+                 {50, 100, 10, 0, -0.0f, {30, 83, 90}},      // c = 30
+                 {200, 100, 100, 300, 0.0f, {0, 140, 255}},  // c = 60; red 0, blue 270
+                 {100, 100, 100, 100, 1e-30f, {60, 80, 90}},
+                 {100, 100, 100, 100, NAN, {60, 80, 90}}};
+    for (const auto& c : cases) {
+        const test::StageControls controls{{10, c.strength}, {11, c.red}, {12, c.green}, {13, c.blue}};
         const float low = 40, high = 100, red = 60, green = 80, blue = 90;
-        float r, g, b;
-        film_correct(film_params(controls.block), &low, &high, &c.matte, {&red, &green, &blue}, {&r, &g, &b},
-                     1);
-        EXPECT_FLOAT_EQ(r, c.expect_r);
-        EXPECT_FLOAT_EQ(g, c.expect_g);
-        EXPECT_FLOAT_EQ(b, c.expect_b);
+        std::array<float, 3> out;
+        film_correct(film_params(controls.block), &low, &high, &c.matte, {&red, &green, &blue},
+                     {&out[0], &out[1], &out[2]}, 1);
+        for (std::size_t i = 0; i < 3; ++i) EXPECT_FLOAT_EQ(out[i], c.expected[i]) << &c - cases << ' ' << i;
     }
 }
 
 TEST(Film, EqualsTheNaiveLoop) {
     constexpr std::array<double, 3> kShares{-0.8, 0.15, 0.5};
     for (const Box& box : {Box{0, 0, 1, 1}, Box{-6, 3, 31, 22}, Box{5, 5, 6, 30}}) {
-        const std::array<Plane, 3> planes{test::awkward_plane(box, 1), test::awkward_plane(box, 2),
-                                          test::awkward_plane(box, 3)};
-        const auto in = [&](Channel c) { return planes[static_cast<std::size_t>(c - kRed)]; };
+        const Plane planes[] = {test::awkward_plane(box, 1), test::awkward_plane(box, 2),
+                                test::awkward_plane(box, 3)};
+        const auto in = [&](Channel c) -> const Plane& { return planes[c - kRed]; };
         const Plane matte(box, [](int x, int y) { return (x * 3 + y) % 4 == 0 ? 3.0f : 0.0f; });
         const Plane lowest = rows_extreme(in(kRed), -1);
         const Plane highest = rows_extreme(in(kRed), 1);
-        test::FunctionSource image(box, kMaskRgba, [&](Channel c, int x, int y) {
-            return c == kAlpha ? 9.0f : planes[static_cast<std::size_t>(c - kRed)].at(x, y);
-        });
+        test::FunctionSource image(
+            box, kMaskRgba, [&](Channel c, int x, int y) { return c == kAlpha ? 9.0f : in(c).at(x, y); });
         test::FunctionSource alpha(box, kMaskRgba, test::pixels_of(matte));
-        const Controls controls(30, 80, 15, 50);
+        const test::StageControls controls{{10, 30}, {11, 80}, {12, 15}, {13, 50}};
         VlxFilmCorrection film(NodeContext{}, &controls.block);
         film.set_input(0, &image);
         film.set_input(1, &alpha);

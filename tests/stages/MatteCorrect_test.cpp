@@ -1,23 +1,18 @@
 // The matte correction: worked examples, a literal loop over every window, and the operator.
 #include <gmock/gmock.h>
 
-#include <bit>
 #include <cmath>
-#include <limits>
 #include <random>
 
 #include "stages/MatteCorrectKernel.h"
 #include "stages/VlxMatteCorrect.h"
 #include "support/Loops.h"
-#include "support/TestImages.h"
+#include "support/StageControls.h"
 
 using namespace Zo::Image;
 using Plane = std::vector<float>;
 
 namespace {
-
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInf = std::numeric_limits<float>::infinity();
 
 struct Image {
     int width, height;
@@ -67,22 +62,11 @@ Plane naive(bool above, long radius, const Image& in) {
     return result;
 }
 
-void expect_same_bits(const Plane& got, const Plane& wanted) {
-    ASSERT_EQ(got.size(), wanted.size());
-    for (std::size_t i = 0; i < got.size(); ++i) {
-        if (std::isnan(wanted[i])) {
-            ASSERT_TRUE(std::isnan(got[i])) << i;
-        } else {
-            ASSERT_EQ(std::bit_cast<int>(got[i]), std::bit_cast<int>(wanted[i])) << i << ": " << got[i];
-        }
-    }
-}
-
 TEST(MatteCorrect, WorkedExamples) {
     // One row, radius 1. At 200 and 300 the window is 100..300, squeezed into 100..255: 100 + 155 * 0.5 and
     // 255. At 100 it is 50..300: 50 + 205 * 0.2. The last does not see 300.
     const Plane none(5, 0.0f);
-    const Plane some{0.0f, 0.0f, 1.0f, 0.0f, kNaN};
+    const Plane some{0.0f, 0.0f, 1.0f, 0.0f, NAN};
     const Plane ramp{100.0f, 200.0f, 300.0f, 100.0f, 50.0f};
     const Plane under{100.0f, -100.0f, 0.0f, 100.0f, -50.0f};
     using testing::ElementsAre;
@@ -99,7 +83,7 @@ TEST(MatteCorrect, WorkedExamples) {
 
 TEST(MatteCorrect, EqualsTheLiteralLoopHoweverItIsCut) {
     std::mt19937 random(7);
-    const float special[] = {kNaN, kInf, -kInf, -0.0f, 0.0f, 255.0f, 3.0e38f, 1.0e-42f};
+    const float special[] = {NAN, INFINITY, -INFINITY, -0.0f, 0.0f, 255.0f, 3.0e38f, 1.0e-42f};
     for (const auto& [w, h] :
          {std::pair{1, 1}, {1, 9}, {9, 1}, {7, 5}, {33, 19}, {70, 37}, {2100, 2}, {3, 530}}) {
         for (const int radius : {1, 2, 3, 16, std::numeric_limits<int>::max()}) {
@@ -111,13 +95,14 @@ TEST(MatteCorrect, EqualsTheLiteralLoopHoweverItIsCut) {
                             ? special[random() % 8]
                             : static_cast<float>(random() % 8000) / 10.0f - 300.0f;
                 }
-                for (float& v : in.pre) v = random() % 5 == 0 ? 255.0f : random() % 9 == 0 ? kNaN : -0.0f;
+                for (float& v : in.pre) v = random() % 5 == 0 ? 255.0f : random() % 9 == 0 ? NAN : -0.0f;
                 for (const bool above : {true, false}) {
                     const MatteLimit limit = above ? MatteLimit::kAbove : MatteLimit::kBelow;
                     const Plane wanted = naive(above, radius, in);
-                    expect_same_bits(corrected(limit, radius, in), wanted);
-                    expect_same_bits(corrected(limit, radius, in, test::backward_loop), wanted);
-                    if (HasFatalFailure()) FAIL() << w << " x " << h << " radius " << radius << above;
+                    for (const auto& loop : {test::forward_loop, test::backward_loop}) {
+                        ASSERT_EQ(test::bits(corrected(limit, radius, in, loop)), test::bits(wanted))
+                            << w << " x " << h << " radius " << radius << above;
+                    }
                 }
             }
         }
@@ -125,8 +110,7 @@ TEST(MatteCorrect, EqualsTheLiteralLoopHoweverItIsCut) {
 }
 
 TEST(MatteCorrect, Operator) {
-    std::array<std::int32_t, ControlBlock::kCount> values{};
-    ControlBlock controls(values.data(), 1);
+    test::StageControls controls{{controls::kEdgeKernel, 1}};
     // Off the origin: 400 at (11, 21) stands alone, everything else is 0 but one clear pixel of 300.
     const Box box{10, 20, 13, 23};
     test::FunctionSource matte(box, kMaskRgba, [](Channel c, int x, int y) {
@@ -135,10 +119,9 @@ TEST(MatteCorrect, Operator) {
     });
     test::FunctionSource pre(box, kMaskAlpha,
                              [](Channel, int x, int y) { return x == 12 && y == 22 ? 1.0f : 0.0f; });
-    VlxMatteCorrect op(NodeContext{}, &controls, 0);
+    VlxMatteCorrect op(NodeContext{}, &controls.block, 0);
     op.set_input(0, &matte);
     op.set_input(1, &pre);
-    controls.set(controls::kEdgeKernel, 1);
     op.setup();
     for (const int threads : {1, 2}) {
         const test::Picture picture = test::render(op, threads);
@@ -146,7 +129,7 @@ TEST(MatteCorrect, Operator) {
         EXPECT_EQ(picture.at(kBlue, 12, 21), 312.0f);
     }
     EXPECT_EQ(pre.rows(), 3);
-    controls.set(controls::kEdgeKernel, 0);
+    controls.block.set(controls::kEdgeKernel, 0);
     op.setup();
     EXPECT_EQ(test::render(op).at(kAlpha, 11, 21), 400.0f);
     EXPECT_EQ(pre.rows(), 3);

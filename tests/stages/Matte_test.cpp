@@ -3,8 +3,7 @@
 #include "stages/MatteKernel.h"
 #include "support/StageControls.h"
 
-using test::Span;
-using test::StageControls;
+using namespace test;
 
 namespace {
 

@@ -3,8 +3,7 @@
 #include "stages/ProcessedForegroundKernel.h"
 #include "support/StageControls.h"
 
-using test::Span;
-using test::StageControls;
+using namespace test;
 
 TEST(ProcessedForegroundKernel, EqualsTheNaiveLoop) {
     constexpr int kCount = 6001;

@@ -3,8 +3,7 @@
 #include "stages/SpillKernel.h"
 #include "support/StageControls.h"
 
-using test::Span;
-using test::StageControls;
+using namespace test;
 using Zo::Image::to_int;
 
 namespace {

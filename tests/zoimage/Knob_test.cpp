@@ -2,15 +2,12 @@
 
 #include <gmock/gmock.h>
 
-#include <limits>
+#include <cmath>
 
 #include "support/KnobOp.h"
 
 using namespace Zo::Image;
 using test::KnobOp;
-using testing::ThrowsMessage;
-
-namespace {
 
 TEST(Knob, WordsOfSavedText) {
     const std::pair<const char*, std::vector<std::string>> cases[] = {
@@ -29,11 +26,10 @@ TEST(Knob, WordsOfSavedText) {
 }
 
 TEST(Knob, TheWholeWordMustBeANumber) {
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
     constexpr double kNone = 7.0;
     const std::pair<const char*, double> cases[] = {
-        {"1.5", 1.5},   {"+2", 2.0},    {"-.5", -0.5},  {"1e3", 1000.0}, {"inf", kInfinity}, {"", kNone},
-        {"x", kNone},   {"1x", kNone},  {"1,5", kNone}, {" 1", kNone},   {"1 ", kNone},      {"+", kNone},
+        {"1.5", 1.5},   {"+2", 2.0},    {"-.5", -0.5},  {"1e3", 1000.0}, {"inf", INFINITY}, {"", kNone},
+        {"x", kNone},   {"1x", kNone},  {"1,5", kNone}, {" 1", kNone},   {"1 ", kNone},     {"+", kNone},
         {"+-1", kNone}, {"++1", kNone}, {"--1", kNone}, {"0x10", kNone}};
     for (const auto& [word, expected] : cases) {
         double value = kNone;
@@ -114,9 +110,9 @@ TEST(KnobPanel, RefusesWhatAKnobDoesNotTake) {
     KnobPanel panel(op);
     for (const auto& [name, text, message] : cases) {
         const auto set = [&, n = name, t = text] { panel.set_from_text(n, t); };
-        EXPECT_THAT(set, ThrowsMessage<KnobError>(message));
+        EXPECT_THAT(set, testing::ThrowsMessage<KnobError>(message));
     }
-    EXPECT_FALSE(panel.get("gain").set_value(std::numeric_limits<double>::quiet_NaN()));
+    EXPECT_FALSE(panel.get("gain").set_value(NAN));
     EXPECT_FALSE(panel.get("gain").set_value(1e39));
     EXPECT_FALSE(panel.get("mode").set_value(3.0));
     EXPECT_TRUE(op.told.empty());
@@ -157,5 +153,3 @@ TEST(KnobPanel, UndoGoesBackStepByStep) {
     }
     EXPECT_FALSE(panel.undo());
 }
-
-}  // namespace

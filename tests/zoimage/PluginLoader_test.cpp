@@ -3,10 +3,8 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <memory>
 
 #include "ZoImage/KnobPanel.h"
 #include "ZoImage/Script.h"
@@ -15,8 +13,6 @@
 using namespace Zo::Image;
 using testing::HasSubstr;
 using testing::ThrowsMessage;
-
-namespace {
 
 namespace fs = std::filesystem;
 
@@ -78,5 +74,3 @@ TEST(Description, TheLatestOfANameCountsUntilItLeaves) {
     }
     EXPECT_EQ(Op::Description::find("Twice"), &first);
 }
-
-}  // namespace

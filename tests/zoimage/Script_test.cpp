@@ -10,9 +10,6 @@
 
 using namespace Zo::Image;
 using test::KnobOp;
-using testing::ThrowsMessage;
-
-namespace {
 
 TEST(Script, WritesWhatDiffersInPanelOrder) {
     KnobOp op;
@@ -91,7 +88,7 @@ TEST(Script, SaysWhereAndWhatWasExpected) {
     KnobPanel panel(op);
     for (const auto& [text, message] : cases) {
         const auto apply = [&, t = text] { apply_script(panel, read_script(t, "f").at(0), "f"); };
-        EXPECT_THAT(apply, ThrowsMessage<ScriptError>(message)) << text;
+        EXPECT_THAT(apply, testing::ThrowsMessage<ScriptError>(message)) << text;
     }
     EXPECT_EQ(op.gain, 1.0f);  // the good lines beside the bad ones
     EXPECT_TRUE(op.told.empty());
@@ -121,5 +118,3 @@ TEST(Script, TakesAnyBytes) {
     EXPECT_GT(read, 100);
     EXPECT_LT(read, 19000);
 }
-
-}  // namespace

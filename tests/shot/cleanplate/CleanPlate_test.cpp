@@ -1,11 +1,8 @@
 // Clean plates: medians and shifts worked out by hand, and whole sequences whose empty set is known.
 #include "shot/cleanplate/CleanPlate.h"
 
-#include <algorithm>
 #include <cmath>
-#include <limits>
 
-#include "shot/Errors.h"
 #include "shot/Files.h"
 
 using namespace veloxa;
@@ -14,9 +11,8 @@ using namespace Zo::Image;
 namespace {
 
 TEST(PlateSamples, MedianOfEachChannel) {
-    constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
     PlateSamples samples(3, 5);
-    const std::array<float, 3> given[] = {{3, 1, 9}, {kNaN, 0, 0}, {1, -2, 7}, {2, 5, 8}, {8, 0.5f, 8}};
+    const std::array<float, 3> given[] = {{3, 1, 9}, {NAN, 0, 0}, {1, -2, 7}, {2, 5, 8}, {8, 0.5f, 8}};
     for (const auto& color : given) samples.add(1, color);
     samples.add(2, {4, 5, 6});
     EXPECT_EQ(samples.count(0), 0);

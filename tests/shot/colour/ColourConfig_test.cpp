@@ -1,12 +1,7 @@
 #include "shot/colour/ColourConfig.h"
 
-#include <gmock/gmock.h>
-
-#include <cmath>
-#include <cstdlib>
 #include <fstream>
 
-#include "shot/Errors.h"
 #include "shot/Files.h"
 
 using namespace veloxa;
@@ -74,14 +69,10 @@ TEST(ColourConfig, EverySpaceThereAndBackIsWhereItWas) {
 TEST(ColourConfig, SaysWhichNamesThereAre) {
     const ColourConfig config = ColourConfig::built_in();
     EXPECT_EQ(config.space_named("--in-space ", "LIN_AP1"), "ACEScg");
-    try {
-        config.space_named("--in-space ", "acescgg");
-        FAIL();
-    } catch (const UsageError& error) {
-        EXPECT_THAT(error.what(),
+    EXPECT_THAT([&] { config.space_named("--in-space ", "acescgg"); },
+                testing::ThrowsMessage<UsageError>(
                     AllOf(HasSubstr("--in-space acescgg: there is no such colour space; there are linear, "),
-                          HasSubstr(", raw; did you mean 'ACEScg'?")));
-    }
+                          HasSubstr(", raw; did you mean 'ACEScg'?"))));
     const auto displays = config.displays();
     ASSERT_EQ(displays.front().name, "sRGB");
     float rgba[4] = {0.2140411f, 0.2140411f, 0.2140411f, 1.0f};
@@ -122,13 +113,9 @@ TEST_F(OcioTest, TheConfigurationOfTheEnvironmentCounts) {
 TEST_F(OcioTest, OneThatCannotBeLoadedIsNamed) {
     for (const char* text : {"ocio_profile_version: 2\nroles: [", "nonsense"}) {
         use(text);
-        try {
-            ColourConfig::load();
-            FAIL() << text;
-        } catch (const Error& error) {
-            EXPECT_THAT(error.what(),
-                        HasSubstr(file("c.ocio") + ": the colour configuration that $OCIO names"));
-        }
+        EXPECT_THAT(test::told_by(ColourConfig::load),
+                    HasSubstr(file("c.ocio") + ": the colour configuration that $OCIO names"))
+            << text;
     }
 }
 

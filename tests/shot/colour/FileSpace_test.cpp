@@ -1,8 +1,7 @@
 #include "shot/colour/FileSpace.h"
 
-#include <gtest/gtest.h>
-
 #include "shot/Files.h"
+#include "shot/files/EncodingGuess.h"
 
 using namespace veloxa;
 using namespace Zo::Image;
@@ -11,8 +10,9 @@ namespace {
 
 using FileSpaceTest = test::Files;
 
-std::string read_space(const std::string& path) {
-    const FileSpace space = space_of(read_image(path).header, path);
+// A space that is only likely has a question mark.
+std::string space_text(const OIIO::ImageSpec& header, const std::string& path) {
+    const FileSpace space = space_of(header, path);
     return space.name + (space.sure ? "" : "?");
 }
 
@@ -43,8 +43,9 @@ TEST_F(FileSpaceTest, WhatIsWrittenReadsBack) {
             test::image_of({0, 0, 8, 8}, {0, 0, 8, 8}, kMaskRgb, [](Channel, int, int) { return 0.5f; });
         tag_space(image.header, {c.space, "a test", true, true}, known_space(c.space));
         write_image(file(c.file), image, {});
-        EXPECT_EQ(read_space(file(c.file)), c.read) << c.file;
-        EXPECT_EQ(read_image(file(c.file)).header.get_string_attribute("oiio:ColorSpace"), c.tag) << c.file;
+        const OIIO::ImageSpec header = read_image(file(c.file)).header;
+        EXPECT_EQ(space_text(header, file(c.file)), c.read) << c.file;
+        EXPECT_EQ(header.get_string_attribute("oiio:ColorSpace"), c.tag) << c.file;
     }
     Chromaticities xy{};
     const auto eight = OIIO::TypeDesc(OIIO::TypeDesc::FLOAT, 8);
@@ -53,32 +54,42 @@ TEST_F(FileSpaceTest, WhatIsWrittenReadsBack) {
 }
 
 TEST_F(FileSpaceTest, HeadersTellAsMuchAsTheyAreSureOf) {
-    const Chromaticities aces = known_space("ACES2065-1")->gamut->xy;
+    const char *profile = "ICCProfile:profile_description", *tag = "oiio:ColorSpace";
     const struct {
         const char* file;
         OIIO::TypeDesc type;
-        const char* profile;
-        const Chromaticities* xy;
+        const char* attribute;
+        const char* value;
         const char* space;
-        bool sure;
+        const char* encoding;  // of the knob unmix_encoding
     } cases[] = {
-        {"a.exr", OIIO::TypeHalf, "", nullptr, "linear", true},
-        {"a.exr", OIIO::TypeHalf, "", &aces, "ACES2065-1", true},
-        {"a.tif", OIIO::TypeUInt16, "", nullptr, "sRGB", false},
-        {"a.tif", OIIO::TypeFloat, "", nullptr, "linear", false},
-        {"a.tif", OIIO::TypeUInt8, "sRGB IEC61966-2.1", nullptr, "sRGB", true},
-        {"a.jpg", OIIO::TypeUInt8, "Display P3", nullptr, "Display-P3", true},
-        {"a.jpg", OIIO::TypeUInt8, "A camera's", nullptr, "sRGB", false},
-        {"a.dpx", OIIO::TypeUInt16, "", nullptr, "film-log", false},
+        {"a.exr", OIIO::TypeHalf, "", "", "linear", "as stored"},
+        {"a.exr", OIIO::TypeHalf, tag, "Linear", "linear", "as stored"},
+        {"a.tif", OIIO::TypeUInt16, "", "", "sRGB?", "sRGB"},
+        {"a.tif", OIIO::TypeFloat, "", "", "linear?", "as stored"},
+        {"a.tif", OIIO::TypeUInt8, profile, "sRGB IEC61966-2.1", "sRGB", "sRGB"},
+        {"a.png", OIIO::TypeUInt8, "", "", "sRGB?", "sRGB"},
+        {"a.png", OIIO::TypeUInt16, tag, "Linear", "linear", "as stored"},
+        {"a.JPG", OIIO::TypeUInt8, tag, "sRGB", "sRGB", "sRGB"},
+        {"a.jpg", OIIO::TypeUInt8, profile, "Display P3", "Display-P3", "sRGB"},
+        {"a.jpg", OIIO::TypeUInt8, profile, "A camera's", "sRGB?", "sRGB"},
+        {"a.1001.dpx", OIIO::TypeUInt16, "", "", "film-log?", "logarithmic"},
+        {"a.DPX", OIIO::TypeUInt16, tag, "KodakLog", "film-log", "logarithmic"},
+        {"a.dpx", OIIO::TypeFloat, tag, "Linear", "linear", "as stored"},
+        {"a.dpx", OIIO::TypeUInt8, tag, "Rec709", "Rec.709", "sRGB"},
+        {"a.cin", OIIO::TypeUInt16, "", "", "film-log?", "logarithmic"},
+        {"noextension", OIIO::TypeUInt8, "", "", "sRGB?", "sRGB"},
     };
     for (const auto& c : cases) {
         OIIO::ImageSpec header(4, 4, 3, c.type);
-        if (c.profile[0] != '\0') header.attribute("ICCProfile:profile_description", c.profile);
-        if (c.xy) header.attribute("chromaticities", OIIO::TypeDesc(OIIO::TypeDesc::FLOAT, 8), c.xy->data());
-        const FileSpace space = space_of(header, c.file);
-        EXPECT_EQ(space.name, c.space) << c.file << ' ' << space.why;
-        EXPECT_EQ(space.sure, c.sure) << c.file << ' ' << space.why;
+        if (c.attribute[0] != '\0') header.attribute(c.attribute, c.value);
+        EXPECT_EQ(space_text(header, c.file), c.space) << c.file << ' ' << c.value;
+        EXPECT_EQ(guess_encoding(header, c.file).name, c.encoding) << c.file << ' ' << c.value;
     }
+    OIIO::ImageSpec header(4, 4, 3, OIIO::TypeHalf);
+    header.attribute("chromaticities", OIIO::TypeDesc(OIIO::TypeDesc::FLOAT, 8),
+                     known_space("ACES2065-1")->gamut->xy.data());
+    EXPECT_EQ(space_text(header, "a.exr"), "ACES2065-1");
 }
 
 }  // namespace

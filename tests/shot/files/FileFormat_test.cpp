@@ -1,8 +1,6 @@
 // What files are asked to be: compression, quality, tiles, bits, and what their alpha means.
 #include <OpenImageIO/imagebuf.h>
-#include <gmock/gmock.h>
 
-#include "shot/Errors.h"
 #include "shot/Files.h"
 
 using namespace veloxa;

@@ -1,11 +1,8 @@
 // What passes from a foreground's file into that of the result.
 #include "shot/files/KeptLayers.h"
 
-#include <gmock/gmock.h>
-
 #include <numeric>
 
-#include "shot/Errors.h"
 #include "shot/Files.h"
 
 using namespace veloxa;

@@ -4,21 +4,17 @@
 
 #include <bit>
 #include <cmath>
-#include <limits>
-#include <vector>
 
 using namespace veloxa;
 
 namespace {
-
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 // Sign, exponent and mantissa by the definition of the format.
 float value_of(int bits) {
     const int exponent = bits >> 10 & 31;
     const int mantissa = bits & 1023;
     double value = exponent == 0 ? std::ldexp(mantissa, -24) : std::ldexp(1024 + mantissa, exponent - 25);
-    if (exponent == 31) value = mantissa == 0 ? kInfinity : std::nan("");
+    if (exponent == 31) value = mantissa == 0 ? HUGE_VAL : std::nan("");
     return static_cast<float>(bits & 0x8000 ? -value : value);
 }
 

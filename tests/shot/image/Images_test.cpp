@@ -1,10 +1,7 @@
 // What is measured of images, and how one is brought to another's size.
-#include <gmock/gmock.h>
 
 #include <cmath>
-#include <limits>
 
-#include "shot/Errors.h"
 #include "shot/Files.h"
 #include "shot/compare/Compare.h"
 #include "shot/image/Fit.h"
@@ -14,9 +11,6 @@ using namespace veloxa;
 using namespace Zo::Image;
 
 namespace {
-
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInf = std::numeric_limits<float>::infinity();
 
 // Red pixels, row by row upward, of a data window in a display window.
 Image red(const Box& box, const Box& frame, const std::vector<float>& pixels) {
@@ -34,12 +28,12 @@ TEST(Compare, LargestMeanAndPsnr) {
 
 TEST(Compare, EqualOddValuesAreEqualAndOthersInfinitelyFar) {
     const Box box{0, 0, 1, 1};
-    const double inf = kInf;
+    constexpr float inf = INFINITY;
     const struct {
         float a, b;
         double largest;
-    } cases[] = {{kNaN, kNaN, 0}, {kInf, kInf, 0},    {0, -0.0f, 0},     {kNaN, 1, inf},
-                 {1, kNaN, inf},  {kInf, -kInf, inf}, {kInf, kNaN, inf}, {kInf, 1, inf}};
+    } cases[] = {{NAN, NAN, 0}, {inf, inf, 0},    {0, -0.0f, 0},   {NAN, 1, inf},
+                 {1, NAN, inf}, {inf, -inf, inf}, {inf, NAN, inf}, {inf, 1, inf}};
     for (const auto& c : cases) {
         const Difference d = difference(red(box, box, {c.a}), red(box, box, {c.b}), kRed);
         EXPECT_EQ(d.largest, c.largest) << c.a << ' ' << c.b;
@@ -67,7 +61,7 @@ TEST(Pick, MeanOfABoxRepeatsEdgesOfTheData) {
     EXPECT_EQ(mean_color(image, {1, 1, 3, 3})[0], 60.0);
     EXPECT_EQ(mean_color(image, {0, 0, 1, 1})[1], 0.0) << "no green";
     EXPECT_THROW(mean_color(image, {2, 0, 4, 1}), UsageError);
-    EXPECT_THROW(mean_color(red(kData, kSmall, {1, kNaN, 1, 1, 1, 1}), {0, 0, 2, 2}), Error);
+    EXPECT_THROW(mean_color(red(kData, kSmall, {1, NAN, 1, 1, 1, 1}), {0, 0, 2, 2}), Error);
 }
 
 TEST(Pick, ReadsBoxes) {

@@ -1,13 +1,11 @@
 // Streams of frames, written and read.
 #include <fcntl.h>
 
-#include <array>
 #include <cmath>
 #include <csignal>
 #include <fstream>
 #include <thread>
 
-#include "shot/Errors.h"
 #include "shot/Files.h"
 #include "shot/movie/StreamReader.h"
 #include "shot/movie/StreamWriter.h"
@@ -54,16 +52,15 @@ class Stream : public test::Files {
         writer.finish();
         return path;
     }
-    // How many frames come, and what ends them.
-    std::pair<int, std::string> read_all(const std::string& path) {
+    // How many frames come, and what is told of what ends them.
+    void expect_damage(const std::string& path, int frames, const std::string& told) {
         int count = 0;
-        try {
+        const std::string text = test::told_by([&] {
             StreamReader reader(opened(path, O_RDONLY), "in", 1, nullptr);
             while (reader.read()) ++count;
-        } catch (const Error& error) {
-            return {count, error.what()};
-        }
-        return {count, "end"};
+        });
+        EXPECT_EQ(count, frames) << text;
+        EXPECT_TRUE(text.starts_with(told)) << text;
     }
 
     const StreamInfo info_{{1, 24000}, {24000, 1001}, {{"timecode", "01:00:00:00"}}, {{"title", "Shot 7"}}};
@@ -110,59 +107,42 @@ TEST_F(Stream, DamageIsToldWithTheFrame) {
     };
     for (const auto& [keep, frames, told] : cuts) {
         cut(written(), keep);
-        const auto [count, text] = read_all(path);
-        EXPECT_EQ(count, frames) << text;
-        EXPECT_TRUE(text.starts_with(told)) << text;
+        expect_damage(path, frames, told);
     }
     {
         std::fstream bytes(written(), std::ios::in | std::ios::out | std::ios::binary);
         bytes.seekp(static_cast<std::streamoff>(0.47 * size));
         bytes << std::string(2000, 'N');  // over the head of the third frame
     }
-    const auto [count, text] = read_all(path);
-    EXPECT_EQ(count, 2) << text;
-    EXPECT_TRUE(text.starts_with("in: frame 3: ")) << text;
+    expect_damage(path, 2, "in: frame 3: ");
 }
 
 TEST_F(Stream, TheWriterSaysWhatItCannotWrite) {
-    const auto told = [](const auto& work) -> std::string {
-        try {
-            work();
-        } catch (const Error& error) {
-            return error.what();
-        }
-        return {};
-    };
     std::signal(SIGPIPE, SIG_IGN);
     const auto closed = pipe();
     StreamWriter writer(closed[1], "out", info_, {});
     ::close(closed[0]);
     std::erase(open_, closed[0]);
-    EXPECT_EQ(told([&] { writer.write(frame_of(1), time_of(1)); }), "out: nobody reads it any more");
-    EXPECT_EQ(told([] { check_stream("out", {.depth = Depth::FLOAT}); }),
+    EXPECT_EQ(test::told_by([&] { writer.write(frame_of(1), time_of(1)); }), "out: nobody reads it any more");
+    EXPECT_EQ(test::told_by([] { check_stream("out", {.depth = Depth::FLOAT}); }),
               "out: a stream of frames cannot hold float samples; it holds uint8 or uint16");
     StreamWriter other(opened(file("out.nut"), O_CREAT | O_WRONLY), "out", info_, {});
     other.write(frame_of(1), time_of(1));
-    EXPECT_EQ(told([&] {
+    EXPECT_EQ(test::told_by([&] {
                   other.write(frame_of(2, {0, 0, 32, 7}), time_of(2));
               }),
               "out: a frame is 32x7, the first was 31x7");
 }
 
 TEST_F(Stream, NobodyWaitsForGood) {
+    const auto wait = [] { std::this_thread::sleep_for(std::chrono::milliseconds(100)); };
     AbortFlag flag;
     const auto idle = pipe();
-    const std::jthread raise([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        flag.raise();
-    });
+    const std::jthread raise([&] { wait(), flag.raise(); });
     EXPECT_THROW(StreamReader(idle[0], "in", 1, &flag), Interrupted);
     const auto full = pipe();
     StreamWriter writer(full[1], "out", info_, {});
-    const std::jthread stop([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        writer.stop();
-    });
+    const std::jthread stop([&] { wait(), writer.stop(); });
     const auto write = [&] {
         for (int n = 1; n < 1000; ++n) writer.write(frame_of(n), time_of(n));
     };

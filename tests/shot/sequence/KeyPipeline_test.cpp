@@ -2,7 +2,6 @@
 
 #include <mutex>
 
-#include "shot/Errors.h"
 #include "shot/Files.h"
 #include "shot/setup/KeySetup.h"
 

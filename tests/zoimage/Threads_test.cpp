@@ -1,8 +1,9 @@
-// Rendering on threads that somebody else provides, in whatever way they run the jobs.
+// Locks whose waiters help, and rendering on threads that somebody else provides, in whatever way they run
+// the jobs.
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <mutex>
+#include <set>
 #include <thread>
 
 #include "ZoImage/GeneralTile.h"
@@ -35,9 +36,8 @@ void one_after_another(int count, const std::function<void(int)>& job) {
 }
 
 void new_threads(int count, const std::function<void(int)>& job) {
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     for (int i = 0; i < count; ++i) threads.emplace_back([&job, i] { job(i); });
-    for (std::thread& thread : threads) thread.join();
 }
 
 constexpr Box kBox{-3, 5, 30, 405};
@@ -77,6 +77,64 @@ class ColumnSums final : public Iop {
     Lock lock_;
     std::vector<float> sums_;
 };
+
+// What the first thread computes under its lock, in a loop that those who wait for it help with.
+struct Once {
+    Lock lock;
+    std::atomic<bool> done{false};
+
+    void compute(int end, int grain, const Lock::Body& body) {
+        const Guard guard(lock);
+        if (done) return;
+        lock.parallel_for(0, end, grain, body);
+        done = true;
+    }
+};
+
+TEST(Lock, WaitersTakePartInTheLoop) {
+    std::mutex mutex;
+    std::set<std::thread::id> workers;
+    std::vector<int> times(1000, 0);
+    Once once;
+    new_threads(4, [&](int) {
+        once.compute(1000, 4, [&](int begin, int end) {
+            for (int i = begin; i < end; ++i) ++times[static_cast<std::size_t>(i)];
+            std::this_thread::sleep_for(std::chrono::microseconds(200));
+            const std::lock_guard hold(mutex);
+            workers.insert(std::this_thread::get_id());
+        });
+    });
+    EXPECT_EQ(times, std::vector<int>(1000, 1));
+    EXPECT_GT(workers.size(), 1U);
+}
+
+TEST(Lock, ALoopInsideALoopOfAnotherLock) {
+    Once outer, inner;
+    std::atomic<int> sum{0};
+    const auto add = [&](int b, int e) { sum += e - b; };
+    new_threads(3, [&](int) {
+        outer.compute(64, 1, [&](int b, int e) {
+            inner.compute(64, 1, add);
+            add(b, e);
+        });
+    });
+    EXPECT_EQ(sum, 128);
+}
+
+TEST(Lock, AnExceptionEndsTheLoopAndFreesTheLock) {
+    Lock lock;
+    std::atomic<int> pieces{0};
+    const auto stop = [&](int b, int) {
+        ++pieces;
+        if (b == 5) throw b;
+    };
+    {
+        const Guard guard(lock);
+        EXPECT_THROW(lock.parallel_for(0, 1000, 1, stop), int);
+    }
+    EXPECT_LT(pieces, 1000);
+    const Guard again(lock);
+}
 
 TEST(ThreadSource, EveryRowOnceHoweverJobsRun) {
     const Jobs none = [](int, const auto&) {};

@@ -1,26 +1,19 @@
+// The filters of the matte against naive loops.
 #include <gtest/gtest.h>
-
-#include <functional>
-#include <memory>
 
 #include "screen/VlxBlurCU.h"
 #include "screen/VlxShadowBlur.h"
 #include "screen/VlxShrink.h"
 #include "screen/VlxShrinkCU.h"
 #include "screen/VlxShrinkS.h"
-#include "support/Plane.h"
+#include "support/StageControls.h"
 
 using namespace Zo::Image;
-using test::Plane;
+using namespace test;
 
 namespace {
 
 constexpr int kHuge = std::numeric_limits<int>::max();
-
-struct Controls {
-    std::vector<std::int32_t> values = std::vector<std::int32_t>(ControlBlock::kCount);
-    ControlBlock block{values.data(), 1};
-};
 
 // A window longer than twice the picture holds nothing but more edge pixels.
 int enough(const Plane& in, int radius) {
@@ -53,6 +46,33 @@ Plane naive_shrink_cu(const Plane& in, int tenths, int dx, int dy) {
     });
 }
 
+Plane naive_blur(const Plane& in, int radius, int dx, int dy) {
+    if (radius < 1) return in;
+    const float scale = 1.0f / static_cast<float>(2 * radius + 1);
+    return Plane(in.box, [&](int x, int y) {
+        float sum = 0.0f;
+        for (int k = -radius; k <= radius; ++k) sum += in.at(x + k * dx, y + k * dy);
+        return scale * sum;
+    });
+}
+
+// Notes whether alpha of its input was there.
+class Probe final : public Iop {
+  public:
+    explicit Probe(Iop& source) : Iop(NodeContext{}) {
+        inputs(1);
+        set_input(0, &source);
+    }
+    const char* class_name() const override { return "Probe"; }
+    bool written = true;
+
+  protected:
+    void engine(int y, int, int, const ChannelSet& channels, Row& row) override {
+        row.get(input(0), y, channels);
+        written = row.channels().has(kAlpha);
+    }
+};
+
 template <class Naive>
 void expect_equal(VlxIop& op, const Plane& alpha, const Naive& naive, int h, int v) {
     const Plane expected = naive(naive(alpha, h, 1, 0), v, 0, 1);
@@ -68,6 +88,11 @@ void expect_equal(VlxIop& op, const Plane& alpha, const Naive& naive, int h, int
     }
 }
 
+template <class T, auto... kMore>
+std::unique_ptr<VlxIop> make(const ControlBlock* controls) {
+    return std::make_unique<T>(NodeContext{}, controls, kMore...);
+}
+
 struct Radii {
     int h, v;
 };
@@ -80,9 +105,7 @@ TEST(Shrink, ErodesLikeTheNaiveLoop) {
     for (const Box& box : kBoxes) {
         for (const Radii& c : {Radii{2, 2}, Radii{0, 3}, Radii{5, 0}, Radii{0, -1}, Radii{1, 21},
                                Radii{kHuge, 1}, Radii{1, kHuge}, Radii{-kHuge - 1, 1}}) {
-            Controls controls;
-            controls.block.set(8, c.h);
-            controls.block.set(40, c.h);
+            StageControls controls{{8, c.h}, {40, c.h}};
             controls.block.subjectShrinkV = controls.block.overlayShrinkV = c.v;
             const Plane matte = test::awkward_plane(box, 5);
             VlxShrinkS subject(NodeContext{}, &controls.block);
@@ -101,12 +124,51 @@ TEST(ShrinkCU, EqualsTheNaiveMaximum) {
         for (const Radii& c :
              {Radii{0, 0}, Radii{15, 23}, Radii{10, 5}, Radii{1, 99}, Radii{-3, 7}, Radii{-10, 4},
               Radii{30, -25}, Radii{-10, -10}, Radii{7, kHuge}, Radii{kHuge, 3}}) {
-            Controls controls;
-            controls.block.set(55, c.h);
-            controls.block.set(56, c.v);
+            const StageControls controls{{55, c.h}, {56, c.v}};
             VlxShrinkCU op(NodeContext{}, &controls.block);
             expect_equal(op, test::awkward_plane(box, 9), naive_shrink_cu, c.h, c.v);
         }
+    }
+}
+
+TEST(Blur, EqualsTheDirectSumBitForBit) {
+    const std::pair<Radii, Box> cases[] = {{{1, 1}, {0, 0, 1, 1}},      {{0, 3}, {5, -20, 22, 3}},
+                                           {{4, 0}, {5, -20, 22, 3}},   {{50, 40}, {100, 7, 133, 25}},
+                                           {{3, 70}, {0, 0, 1100, 20}}, {{-2, 1}, {-1, -1, 8, 8}}};
+    for (const auto& [c, box] : cases) {
+        const StageControls controls{{57, c.h}, {58, c.v}};
+        VlxBlurCU op(NodeContext{}, &controls.block);
+        expect_equal(op, test::awkward_plane(box, 1), naive_blur, c.h, c.v);
+    }
+}
+
+TEST(Blur, AbsurdRadiiCountAsTheLargest) {
+    VlxBlurH pass(NodeContext{});
+    EXPECT_EQ(pass.set_radius(2), 5);
+    EXPECT_EQ(pass.scale(), 0.2f);
+    EXPECT_EQ(pass.set_radius(kHuge), 2 * 4096 + 1);
+    EXPECT_LT(pass.set_radius(-kHuge - 1), 0);
+    test::FunctionSource source({0, 0, 9, 9}, kMaskRgba, [](Channel, int, int) { return 0.5f; });
+    const StageControls controls{{57, kHuge}, {58, kHuge}};
+    VlxBlurCU filter(NodeContext{}, &controls.block);
+    filter.set_input(0, &source);
+    EXPECT_NEAR(test::render(filter).at(kAlpha, 4, 4), 0.5f, 1e-4f);
+}
+
+TEST(Blur, AbortedVerticalPassWritesNothing) {
+    const StageControls controls{{58, 1}};
+    for (const bool aborted : {true, false}) {
+        AbortFlag abort;
+        test::FunctionSource source({0, 0, 4, 4}, kMaskRgba, [&](Channel, int, int) {
+            if (aborted) abort.raise();
+            return 1.0f;
+        });
+        VlxBlurCU filter(NodeContext{}, &controls.block);
+        filter.set_input(0, &source);
+        Probe probe(filter);
+        const auto ignore = [](int, const Row&) {};
+        EXPECT_EQ(Renderer(1, &abort).render(probe, {0, 0, 4, 4}, kMaskAlpha, ignore), !aborted);
+        EXPECT_EQ(probe.written, !aborted);
     }
 }
 
@@ -114,20 +176,17 @@ TEST(ShrinkCU, EqualsTheNaiveMaximum) {
 TEST(ScreenFilters, ReadAndHashTheirControls) {
     struct Case {
         const char* name;
-        std::function<std::unique_ptr<VlxIop>(const ControlBlock*)> make;
+        std::unique_ptr<VlxIop> (*make)(const ControlBlock*);
         int h, v;              // controls; -1 is overlayShrinkV, -2 subjectShrinkV
         int radius7, radius3;  // values that ask for 7 and 3 pixels around a pixel
     };
-    const NodeContext context;
-    const std::vector<Case> cases{
-        {"VlxShrink", [&](auto* b) { return std::make_unique<VlxShrink>(context, b, 0U); }, 40, -1, 7, 3},
-        {"VlxShrinkS", [&](auto* b) { return std::make_unique<VlxShrinkS>(context, b); }, 8, -2, 7, 3},
-        {"VlxShrinkCU", [&](auto* b) { return std::make_unique<VlxShrinkCU>(context, b); }, 55, 56, 69, 20},
-        {"VlxBlurCU", [&](auto* b) { return std::make_unique<VlxBlurCU>(context, b); }, 57, 58, 7, 3},
-        {"VlxShadowBlur", [&](auto* b) { return std::make_unique<VlxShadowBlur>(context, b); }, 68, 69, 7, 3},
-    };
+    const Case cases[] = {{"VlxShrink", make<VlxShrink, 0U>, 40, -1, 7, 3},
+                          {"VlxShrinkS", make<VlxShrinkS>, 8, -2, 7, 3},
+                          {"VlxShrinkCU", make<VlxShrinkCU>, 55, 56, 69, 20},
+                          {"VlxBlurCU", make<VlxBlurCU>, 57, 58, 7, 3},
+                          {"VlxShadowBlur", make<VlxShadowBlur>, 68, 69, 7, 3}};
     for (const Case& c : cases) {
-        Controls controls;
+        StageControls controls;
         const auto value = [&](int i) -> std::int32_t& {
             if (i == -1) return controls.block.overlayShrinkV;
             return i == -2 ? controls.block.subjectShrinkV : controls.values[static_cast<std::size_t>(i)];
