@@ -167,7 +167,6 @@ std::unique_ptr<Instance> OfxTest::instance(const Clips& clips, const Settings& 
     }
     Source output = clips.at("fg");
     output.components = kOfxImageComponentRGBA;
-    output.missing = 0;
     made->connect("Output", &output);
     for (const auto& [name, values] : settings) made->set(name, values);
     return made;

@@ -9,6 +9,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -39,10 +40,6 @@ class PropertySet {
     }
     void add_lists(Names names, const Value& type) {
         for (const char* name : names) properties_[name] = {{}, type.index(), true, true};
-    }
-    // Sets values of a property that exists.
-    void put(const std::string& name, std::vector<Value> values) {
-        properties_.at(name).values = std::move(values);
     }
 
     bool has(const std::string& name) const { return properties_.count(name) != 0; }
@@ -133,7 +130,5 @@ inline constexpr auto entered = [](auto... arguments) {
     begin_call();
     return kFunction(arguments...);
 };
-
-extern const OfxPropertySuiteV1 kPropertySuite;
 
 }  // namespace ofxtest

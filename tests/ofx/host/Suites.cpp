@@ -1,12 +1,10 @@
-// The suites that the plug-in calls, but for those of effects.
-#include <algorithm>
+// The suites that the plug-in calls.
 #include <cstdarg>
-#include <cstdio>
 #include <deque>
-#include <mutex>
 #include <thread>
-#include <utility>
 
+#include "abi/OfxMessage.h"
+#include "abi/OfxMultiThread.h"
 #include "ofx/host/Host.h"
 
 namespace ofxtest {
@@ -79,8 +77,6 @@ OfxStatus get_one(OfxPropertySetHandle properties, const char* name, int index, 
     return kOfxStatOK;
 }
 
-}  // namespace
-
 const OfxPropertySuiteV1 kPropertySuite{set_one<void*>,  set_one<std::string, const char*>,
                                         set_one<double>, set_one<int>,
                                         nullptr,         nullptr,
@@ -90,8 +86,6 @@ const OfxPropertySuiteV1 kPropertySuite{set_one<void*>,  set_one<std::string, co
                                         nullptr,         nullptr,
                                         nullptr,         nullptr,
                                         nullptr,         nullptr};
-
-namespace {
 
 OfxStatus define(OfxParamSetHandle handle, const char* type, const char* name, OfxPropertySetHandle* props) {
     auto& set = behind<ParamSet>(handle);
@@ -116,12 +110,13 @@ OfxStatus set_properties(OfxParamSetHandle set, OfxPropertySetHandle* props) {
     return kOfxStatOK;
 }
 
-OfxStatus give(OfxParamHandle handle, double time, std::va_list out) {
+OfxStatus give(OfxParamHandle handle, const OfxTime* time, std::va_list out) {
     begin_call();
+    if (time == nullptr && Call::now().per_frame) note_fault("reads a value without the frame's time");
     const auto& param = behind<Param>(handle);
     if (!param.holds_value())
         return note_fault("reads a parameter without a value: " + param.name, kOfxStatErrUnsupported);
-    const Param::Content content = param.at(time);
+    const Param::Content content = param.value(time != nullptr ? *time : services().time);
     if (param.is_text()) {
         if (Call::now().per_frame) note_fault("reads a text that its user may be editing");
         *va_arg(out, char**) = lend_string(content.text);
@@ -146,40 +141,35 @@ OfxStatus take(OfxParamHandle handle, const OfxTime* key, std::va_list in) {
     if (param.is_text()) content.text = va_arg(in, const char*);
     for (int i = 0; i < param.dimension && !param.is_text(); ++i)
         content.numbers.push_back(param.is_int() ? va_arg(in, int) : va_arg(in, double));
-    param.owner.edit(param, content, key);
+    // A step of its own, or part of the block that the plug-in opened.
+    ParamSet& set = param.owner;
+    if (set.open_blocks == 0) set.undo.emplace_back();
+    set.undo.back().emplace_back(&param, param.content());
+    if (key != nullptr) {
+        param.set_keys({{*key, content.numbers}});
+    } else {
+        param.assign(content);
+    }
+    if (set.when_edited) set.when_edited(param);
     return kOfxStatOK;
 }
 
-OfxStatus get_value(OfxParamHandle handle, ...) {
-    if (Call::now().per_frame) note_fault("reads a value without the frame's time");
-    std::va_list out;
-    va_start(out, handle);
-    const OfxStatus status = give(handle, services().time, out);
-    va_end(out);
+// Gives or takes the values between a function's own arguments and its end.
+template <auto kDo>
+OfxStatus values(OfxParamHandle handle, ...) {
+    std::va_list list;
+    va_start(list, handle);
+    const OfxStatus status = kDo(handle, nullptr, list);
+    va_end(list);
     return status;
 }
 
-OfxStatus get_value_at(OfxParamHandle handle, OfxTime time, ...) {
-    std::va_list out;
-    va_start(out, time);
-    const OfxStatus status = give(handle, time, out);
-    va_end(out);
-    return status;
-}
-
-OfxStatus set_value(OfxParamHandle handle, ...) {
-    std::va_list in;
-    va_start(in, handle);
-    const OfxStatus status = take(handle, nullptr, in);
-    va_end(in);
-    return status;
-}
-
-OfxStatus set_value_at(OfxParamHandle handle, OfxTime time, ...) {
-    std::va_list in;
-    va_start(in, time);
-    const OfxStatus status = take(handle, &time, in);
-    va_end(in);
+template <auto kDo>
+OfxStatus values_at(OfxParamHandle handle, OfxTime time, ...) {
+    std::va_list list;
+    va_start(list, time);
+    const OfxStatus status = kDo(handle, &time, list);
+    va_end(list);
     return status;
 }
 
@@ -196,23 +186,82 @@ OfxStatus edit_end(OfxParamSetHandle handle) {
     return kOfxStatOK;
 }
 
-}  // namespace
-
 const OfxParameterSuiteV1 kParameterSuite = [] {
     OfxParameterSuiteV1 s{};
     s.paramDefine = entered<define>;
     s.paramGetHandle = entered<get_handle>;
     s.paramSetGetPropertySet = entered<set_properties>;
-    s.paramGetValue = get_value;
-    s.paramGetValueAtTime = get_value_at;
-    s.paramSetValue = set_value;
-    s.paramSetValueAtTime = set_value_at;
+    s.paramGetValue = values<give>;
+    s.paramGetValueAtTime = values_at<give>;
+    s.paramSetValue = values<take>;
+    s.paramSetValueAtTime = values_at<take>;
     s.paramEditBegin = entered<edit_begin>;
     s.paramEditEnd = entered<edit_end>;
     return s;
 }();
 
-namespace {
+OfxStatus get_properties(OfxImageEffectHandle effect, OfxPropertySetHandle* props) {
+    *props = behind<Effect>(effect).props.handle();
+    return kOfxStatOK;
+}
+
+OfxStatus get_params(OfxImageEffectHandle effect, OfxParamSetHandle* params) {
+    *params = reinterpret_cast<OfxParamSetHandle>(&behind<Effect>(effect).params);
+    return kOfxStatOK;
+}
+
+OfxStatus define_clip(OfxImageEffectHandle handle, const char* name, OfxPropertySetHandle* props) {
+    auto& effect = behind<Effect>(handle);
+    if (!effect.params.describing || effect.find_clip(name) != nullptr)
+        return note_fault(std::string("defines a clip twice, or outside a describe action: ") + name,
+                          kOfxStatErrExists);
+    *props = effect.clips.emplace_back(std::make_unique<Clip>(name))->props.handle();
+    return kOfxStatOK;
+}
+
+OfxStatus clip_handle(OfxImageEffectHandle handle, const char* name, OfxImageClipHandle* clip,
+                      OfxPropertySetHandle* props) {
+    return hand_out(behind<Effect>(handle).find_clip(name), clip, props);
+}
+
+OfxStatus get_image(OfxImageClipHandle clip, OfxTime time, const OfxRectD* region,
+                    OfxPropertySetHandle* image) {
+    return behind<Clip>(clip).fetch(time, region, image);
+}
+
+OfxStatus release_image(OfxPropertySetHandle handle) {
+    const std::unique_ptr<Image> image(static_cast<Image*>(&behind<PropertySet>(handle)));
+    const Call& call = Call::now();
+    if (image->is_output && call.output != nullptr) image->collect(call);
+    return kOfxStatOK;
+}
+
+OfxStatus clip_rod(OfxImageClipHandle handle, OfxTime, OfxRectD* bounds) {
+    const auto& clip = behind<Clip>(handle);
+    *bounds = clip.rod();
+    return clip.source() != nullptr ? kOfxStatOK : kOfxStatFailed;
+}
+
+int abort_wanted(OfxImageEffectHandle handle) {
+    auto& effect = behind<Effect>(handle);
+    if (effect.when_polled) effect.when_polled();
+    const int polls = effect.polls.fetch_add(1, std::memory_order_relaxed) + 1;
+    const int after = effect.abort_after.load(std::memory_order_relaxed);
+    return after >= 0 && polls > after ? 1 : 0;
+}
+
+const OfxImageEffectSuiteV1 kImageEffectSuite = [] {
+    OfxImageEffectSuiteV1 s{};
+    s.getPropertySet = entered<get_properties>;
+    s.getParamSet = entered<get_params>;
+    s.clipDefine = entered<define_clip>;
+    s.clipGetHandle = entered<clip_handle>;
+    s.clipGetImage = entered<get_image>;
+    s.clipReleaseImage = entered<release_image>;
+    s.clipGetRegionOfDefinition = entered<clip_rod>;
+    s.abort = entered<abort_wanted>;
+    return s;
+}();
 
 thread_local bool spawned = false;
 
@@ -263,8 +312,6 @@ OfxStatus clear_persistent(void*) {
     return kOfxStatOK;
 }
 
-}  // namespace
-
 const OfxMultiThreadSuiteV1 kMultiThreadSuite = [] {
     OfxMultiThreadSuiteV1 s{};
     s.multiThread = entered<multi_thread>;
@@ -272,6 +319,22 @@ const OfxMultiThreadSuiteV1 kMultiThreadSuite = [] {
     return s;
 }();
 
+// The first version is its beginning.
 const OfxMessageSuiteV2 kMessageSuite{message<false>, message<true>, entered<clear_persistent>};
+
+}  // namespace
+
+const void* Host::fetch_suite(OfxPropertySetHandle handle, const char* name, int version) {
+    static const std::map<std::string, const void*> suites{
+        {"OfxPropertySuite 1", &kPropertySuite},       {"OfxImageEffectSuite 1", &kImageEffectSuite},
+        {"OfxParameterSuite 1", &kParameterSuite},     {"OfxMessageSuite 1", &kMessageSuite},
+        {"OfxMultiThreadSuite 1", &kMultiThreadSuite}, {"OfxMessageSuite 2", &kMessageSuite}};
+    begin_call();
+    // Of the host only its property set comes along: what it lacks is noted there.
+    const std::string key = std::string(name) + ' ' + std::to_string(version);
+    const auto found = suites.find(key);
+    return behind<PropertySet>(handle).has("missing " + key) || found == suites.end() ? nullptr
+                                                                                      : found->second;
+}
 
 }  // namespace ofxtest
