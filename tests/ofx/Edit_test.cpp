@@ -11,6 +11,17 @@ namespace {
 using Edit = OfxTest;
 using Zo::Image::Knob;
 
+// The decimal of the fewest digits that is read as the same float.
+double shortest(double value) {
+    double read = 0.0;
+    for (int digits = 1; static_cast<float>(read) != static_cast<float>(value); ++digits) {
+        char text[32];
+        std::snprintf(text, sizeof text, "%.*g", digits, value);
+        read = std::stod(text);
+    }
+    return read;
+}
+
 // Every parameter that holds a value has that of its knob.
 void expect_same(const Instance& instance, const Zo::Image::KnobPanel& panel) {
     for (const auto& knob : panel.knobs()) {

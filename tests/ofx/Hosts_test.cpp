@@ -72,7 +72,7 @@ TEST_F(Hosts, ToldOnceOfFramesThatFail) {
 
 TEST_F(Hosts, AreRefusedWithoutTheIndispensable) {
     for (const char* suite : {"OfxPropertySuite 1", "OfxImageEffectSuite 1", "OfxParameterSuite 1"}) {
-        host_ = std::make_unique<Host>(OFX_BUNDLE_DIR, HostOptions{.missing = {suite}});
+        host_ = std::make_unique<Host>(HostOptions{.missing = {suite}});
         EXPECT_EQ(host_->load(), kOfxStatErrMissingHostFeature) << suite;
         Effect effect;
         EXPECT_NE(host_->action(kOfxActionDescribe, &effect), kOfxStatOK) << suite;

@@ -50,6 +50,13 @@ Frame render_tiles(Instance& instance, double time = 0.0, double scale = 1.0) {
     return frame;
 }
 
+// Every picture as `wanted` makes it of the one that is there.
+using Pixel = decltype(Source::pixel);
+Clips changed(Clips clips, const std::function<Pixel(const Pixel&)>& wanted) {
+    for (auto& [name, source] : clips) source.pixel = wanted(source.pixel);
+    return clips;
+}
+
 void expect_frames(Instance& effect, const Clips& clips, const Settings& settings, double time = 0.0,
                    double scale = 1.0) {
     const Frame expected = Reference(clips, settings, time, scale).render();

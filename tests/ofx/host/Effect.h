@@ -225,8 +225,6 @@ class Effect {
   public:
     Effect() { params.effect_props = &props; }
     virtual ~Effect() = default;
-    Effect(const Effect&) = delete;
-    Effect& operator=(const Effect&) = delete;
 
     Clip& clip(const std::string& name) const { return there(clips, name); }
     Clip* find_clip(const std::string& name) const { return named(clips, name); }

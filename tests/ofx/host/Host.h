@@ -1,4 +1,4 @@
-// A small OpenFX host for tests: loads a bundle by its path, describes the plug-in, makes instances of it and
+// A small OpenFX host for tests: loads the bundle, describes the plug-in, makes instances of it and
 // drives their actions in the order that hosts keep.
 //
 // One host at a time, since several suites have no handle that would tell hosts apart. Nested calls are
@@ -36,15 +36,14 @@ struct HostOptions {
 class Host {
   public:
     // Opens the binary and gives it the host; throws std::runtime_error when that fails.
-    explicit Host(const std::string& bundle, HostOptions options = {}) : options_(std::move(options)) {
+    explicit Host(HostOptions options) : options_(std::move(options)) {
         if (!options_.bare) {
             props_.add(kOfxParamHostPropSupportsChoiceAnimation, {1});
             props_.add(kOfxParamHostPropSupportsBooleanAnimation, {1});
         }
         host_ = {props_.handle(), fetch_suite};
         for (const std::string& suite : options_.missing) props_.add("missing " + suite, {1});
-        const std::string binary = bundle + "/Contents/Linux-x86-64/Veloxa.ofx";
-        library_ = dlopen(binary.c_str(), RTLD_NOW | RTLD_LOCAL);
+        library_ = dlopen(OFX_BUNDLE_DIR "/Contents/Linux-x86-64/Veloxa.ofx", RTLD_NOW | RTLD_LOCAL);
         if (library_ == nullptr) throw std::runtime_error(dlerror());
         reinterpret_cast<decltype(&OfxSetHost)>(dlsym(library_, "OfxSetHost"))(&host_);
         count = reinterpret_cast<decltype(&OfxGetNumberOfPlugins)>(dlsym(library_, "OfxGetNumberOfPlugins"));
@@ -56,8 +55,6 @@ class Host {
         if (loaded_) action(kOfxActionUnload, nullptr);
         dlclose(library_);
     }
-    Host(const Host&) = delete;
-    Host& operator=(const Host&) = delete;
 
     // Load, Describe, and DescribeInContext for the contexts of both sides; the first reply that is not OK.
     // May be called again, as some hosts do.

@@ -1,5 +1,5 @@
-// Pictures of the test host: what is connected to its clips, the images that a plug-in holds of them, finished
-// frames, and the action that a thread is in.
+// Pictures of the test host: what is connected to its clips, the images that a plug-in holds of them,
+// finished frames, and the action that a thread is in.
 #pragma once
 
 #include <algorithm>
@@ -94,7 +94,9 @@ class Image final : public PropertySet {
         : bounds_(bounds),
           exact_(source.depth == kOfxBitDepthFloat),
           channels_(channels_of(source.components)),
-          bytes_(exact_ ? 4U : source.depth == kOfxBitDepthByte ? 1U : 2U) {
+          bytes_(exact_                             ? 4U
+                 : source.depth == kOfxBitDepthByte ? 1U
+                                                    : 2U) {
         constexpr std::size_t kPadding = 5;  // channels at the end of a row
         const std::size_t line = static_cast<std::size_t>((bounds.x2 - bounds.x1) * channels_) * bytes_;
         const std::size_t stride = line + kPadding * bytes_;
