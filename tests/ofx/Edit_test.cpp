@@ -81,7 +81,7 @@ TEST_F(Edit, ToolsSetParametersInOneUndoableStep) {
     const Settings settings{{"screen_color", {0.2, 0.5, 0.2}}};
     const auto effect = instance(two_clips(), settings);
     Reference node(two_clips(), settings);
-    Host::Values before = effect->saved();
+    Instance::Values before = effect->saved();
     for (const auto& s : strokes) {
         SCOPED_TRACE(s.tool);
         sample(*effect, s.tool, s.box);
@@ -91,7 +91,7 @@ TEST_F(Edit, ToolsSetParametersInOneUndoableStep) {
         EXPECT_LE(effect->params.undo.size(), 1U);
         for (const char* corner : {"sampling_first_corner", "sampling_second_corner"})
             before[corner] = effect->params.get(corner).content();
-        const Host::Values after = effect->saved();
+        const Instance::Values after = effect->saved();
         for (const auto& [name, content] : after) EXPECT_TRUE(content.keys.empty()) << name;
         if (s.sets != nullptr) {
             EXPECT_NE(after.at(s.sets), before.at(s.sets));
@@ -131,7 +131,7 @@ TEST_F(Edit, ToolsKeyWhatIsAnimated) {
     const auto effect = instance(two_clips(), {});
     Param& color = effect->params.get("screen_color");
     color.set_keys({{0, {0.1, 0.5, 0.1}}, {8, {0.3, 0.8, 0.3}}});
-    const Host::Values before = effect->saved();
+    const Instance::Values before = effect->saved();
     services().time = 3.0;
     sample(*effect, "toolbar_screen", kBacking);
     Reference node(two_clips(), {}, 3.0);
@@ -166,7 +166,7 @@ TEST_F(Edit, FindsTheScreenAndSetsItselfUp) {
         SCOPED_TRACE(button);
         const auto effect = instance(two_clips(), {{"cleanup_recover", {0.1}}});
         Reference node(two_clips(), {{"cleanup_recover", {0.1}}});
-        const Host::Values before = effect->saved();
+        const Instance::Values before = effect->saved();
         effect->params.undo.clear();
         effect->polls = 0;
         effect->press(button);
@@ -174,8 +174,7 @@ TEST_F(Edit, FindsTheScreenAndSetsItselfUp) {
         node.panel.get(button).changed();
         expect_same(*effect, node.panel);
         EXPECT_NEAR(effect->params.get("screen_color").value().numbers[1], 0.6, 0.05);
-        EXPECT_EQ(effect->params.get("unmix_method").value().numbers[0],
-                  button == std::string("set_up") ? 1.0 : 0.0);
+        EXPECT_EQ(number(*effect, "unmix_method"), button == std::string("set_up") ? 1.0 : 0.0);
         EXPECT_THAT(take_messages(), testing::Contains(testing::HasSubstr("green screen")));
         ASSERT_EQ(effect->params.undo.size(), 1U);
         effect->undo();
@@ -198,7 +197,7 @@ TEST_F(Edit, ToolsNeedPixels) {
     for (const char* tool : {"toolbar_screen", "find_screen", "set_up"}) {
         Clips clips = two_clips();
         const auto effect = instance(clips, {{"screen_color", kScreen}});
-        const Host::Values before = effect->saved();
+        const Instance::Values before = effect->saved();
         clips["fg"].fails = true;
         effect->connect("fg", &clips["fg"]);
         effect->press(tool);
@@ -239,7 +238,7 @@ TEST_F(Edit, EnablesGreyOut) {
 }
 
 TEST_F(Edit, ValuesAloneBringAnInstanceBack) {
-    Host::Values saved;
+    Instance::Values saved;
     Frame frame;
     {
         const auto effect = instance(two_clips(), {{"cleanup", {1}}, {"cleanup_shrink", {2, 1}}});
@@ -290,11 +289,11 @@ TEST_F(Edit, PreferencesSayWhetherColourIsMultiplied) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.settings);
         const auto effect = instance(all_clips(), look(c.settings));
-        EXPECT_EQ(effect->premultiplication(), c.over_background);
+        EXPECT_EQ(effect->preferences.string_at(kOfxImageEffectPropPreMultiplication), c.over_background);
         effect->connect("bg", nullptr);
-        EXPECT_EQ(effect->premultiplication(), c.without);
+        EXPECT_EQ(effect->preferences.string_at(kOfxImageEffectPropPreMultiplication), c.without);
         const auto filter = instance(two_clips(), look(c.settings), kOfxImageEffectContextFilter);
-        EXPECT_EQ(filter->premultiplication(), c.without);
+        EXPECT_EQ(filter->preferences.string_at(kOfxImageEffectPropPreMultiplication), c.without);
     }
 }
 

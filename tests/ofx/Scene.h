@@ -166,10 +166,10 @@ class OfxTest : public testing::Test {
 
     std::unique_ptr<Instance> instance(const Clips& clips, const Settings& settings,
                                        const std::string& context = kOfxImageEffectContextGeneral,
-                                       const Host::Values& saved = {}) {
+                                       const Instance::Values& saved = {}) {
         if (!host_) host();
-        auto made = host_->create(context, saved);
-        if (!made) throw std::runtime_error("no instance");
+        auto made = std::make_unique<Instance>(*host_, context, host_->descriptor(context));
+        made->create(saved);
         for (const auto& [name, source] : clips) {
             const bool filter = context == kOfxImageEffectContextFilter;
             if (!filter || name == "fg") made->connect(filter ? "Source" : name, &source);

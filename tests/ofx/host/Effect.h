@@ -12,6 +12,14 @@
 
 namespace ofxtest {
 
+struct HostOptions {
+    std::set<std::string> missing{};           // suites, name and version: "OfxMessageSuite 2"
+    std::set<std::string> refused_types{};     // of parameters: answered ErrUnsupported
+    std::set<std::string> refused_children{};  // of pages: answered ErrValue
+    bool tiles = true;
+    bool bare = false;  // the host tells nothing of itself
+};
+
 class ParamSet;
 
 class Param {
@@ -145,10 +153,8 @@ class ParamSet {
     std::vector<Step> undo;
     int open_blocks = 0;
 
-    std::set<std::string> refused_children;   // of pages, answered ErrValue
-    std::set<std::string> refused_types;      // answered ErrUnsupported
-    std::function<void(Param&)> when_edited;  // tells the plug-in of its own change
-    bool describing = false;
+    std::function<void(const std::string& name)> when_edited;  // tells the plug-in of its own change
+    HostOptions options;
     PropertySet* effect_props = nullptr;
     std::vector<std::unique_ptr<Param>> all;
 };

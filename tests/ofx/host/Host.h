@@ -23,16 +23,6 @@ struct Services {
 Services& services();
 std::vector<std::string> take_messages();
 
-class Instance;
-
-struct HostOptions {
-    std::set<std::string> missing{};           // suites, name and version: "OfxMessageSuite 2"
-    std::set<std::string> refused_types{};     // of parameters
-    std::set<std::string> refused_children{};  // of pages
-    bool tiles = true;
-    bool bare = false;  // the host tells nothing of itself
-};
-
 class Host {
   public:
     // Opens the binary and gives it the host; throws std::runtime_error when that fails.
@@ -85,14 +75,12 @@ class Host {
         for (const std::string& context : p.strings(kOfxImageEffectPropSupportedContexts)) {
             auto effect = std::make_unique<Effect>();
             effect->props = p;
-            effect->params.refused_types = options_.refused_types;
-            effect->params.refused_children = options_.refused_children;
-            effect->params.describing = true;
+            effect->params.options = options_;
             PropertySet in;
             in.add(kOfxImageEffectPropContext, {context});
-            status = action(kOfxImageEffectActionDescribeInContext, effect.get(), &in);
+            status = action(kOfxImageEffectActionDescribeInContext, effect.get(), &in, nullptr,
+                            {.may_define = true});
             if (status != kOfxStatOK) return status;
-            effect->params.describing = false;
             contexts_[context] = std::move(effect);
         }
         return kOfxStatOK;
@@ -101,12 +89,6 @@ class Host {
     decltype(&OfxGetPlugin) plugin;
     Effect& descriptor() { return *descriptor_; }
     Effect& descriptor(const std::string& context) { return *contexts_.at(context); }
-    const HostOptions& options() const { return options_; }
-
-    // Defaults, then the given values, then CreateInstance; null when the plug-in fails. Clips are connected
-    // afterwards. The host must outlive it.
-    using Values = std::map<std::string, Param::Content>;
-    std::unique_ptr<Instance> create(const std::string& context, const Values& saved = {});
 
     OfxStatus action(const char* name, Effect* effect, PropertySet* in = nullptr, PropertySet* out = nullptr,
                      const Call& call = {}) {
@@ -149,23 +131,27 @@ class Instance final : public Effect {
   public:
     Instance(Host& host, const std::string& context, Effect& descriptor) : host_(host) {
         props = descriptor.props;
+        params.options = descriptor.params.options;
         props.add(kOfxImageEffectPropContext, {context});
         props.add(kOfxPropInstanceData, {static_cast<void*>(nullptr)}, true);
         props.add(kOfxPropParamSetNeedsSyncing, {1}, true);
         for (const auto& clip : descriptor.clips) clips.push_back(std::make_unique<Clip>(*clip));
         for (const auto& param : descriptor.params.all)
             params.all.push_back(std::make_unique<Param>(params, *param));
-        params.when_edited = [this](Param& param) {
-            if (created_) changed(kOfxTypeParameter, param.name, kOfxChangePluginEdited);
-        };
     }
     ~Instance() override { host_.action(kOfxActionDestroyInstance, this); }
 
-    OfxStatus create() {
+    // With these values in place of the defaults; throws when the plug-in fails. Clips are connected
+    // afterwards.
+    using Values = std::map<std::string, Param::Content>;
+    void create(const Values& saved) {
+        for (const auto& [name, content] : saved) params.get(name).assign(content);
         const OfxStatus status =
             host_.action(kOfxActionCreateInstance, this, nullptr, nullptr, {.may_set_params = true});
-        created_ = true;
-        return status;
+        if (status != kOfxStatOK && status != kOfxStatReplyDefault) throw std::runtime_error("no instance");
+        params.when_edited = [this](const std::string& name) {
+            changed(kOfxTypeParameter, name, kOfxChangePluginEdited);
+        };
     }
     // Connects a clip, or with null disconnects it, and tells the plug-in. Output takes depth and components.
     void connect(const std::string& name, const Source* source) {
@@ -193,8 +179,8 @@ class Instance final : public Effect {
         }
     }
     // The values that a project file holds.
-    Host::Values saved() const {
-        Host::Values values;
+    Values saved() const {
+        Values values;
         for (const auto& param : params.all) {
             if (param->holds_value()) values[param->name] = param->content();
         }
@@ -217,8 +203,7 @@ class Instance final : public Effect {
         for (const auto& clip : clips) {
             if (!clip->is_output()) add_rect(out, kOfxImageClipPropRoI_ + clip->name, region);
         }
-        host_.action(kOfxImageEffectActionGetRegionsOfInterest, this, &in, &out,
-                     {.per_frame = true, .scale = scale});
+        host_.action(kOfxImageEffectActionGetRegionsOfInterest, this, &in, &out, {.per_frame = true});
         std::map<std::string, OfxRectD> regions;
         for (const auto& clip : clips) {
             if (!clip->is_output()) regions[clip->name] = rect_of(out, kOfxImageClipPropRoI_ + clip->name);
@@ -231,9 +216,8 @@ class Instance final : public Effect {
                      const std::string& field = kOfxImageFieldNone) {
         Call call{.per_frame = true, .may_fetch = true, .scale = scale, .window = w, .field = field};
         call.output = &frame;
-        if (host_.options().tiles) {
+        if (params.options.tiles)
             call.regions = regions_of_interest(canonical_of(w, scale, aspect()), time, scale);
-        }
         PropertySet in = frame_arguments(time, scale);
         in.add(kOfxImageEffectPropFieldToRender, {field});
         in.add(kOfxImageEffectPropRenderWindow, {w.x1, w.y1, w.x2, w.y2});
@@ -244,8 +228,7 @@ class Instance final : public Effect {
         PropertySet in = frame_arguments(time, scale);
         PropertySet out;
         add_rect(out, kOfxImageEffectPropRegionOfDefinition, clips[0]->rod());
-        host_.action(kOfxImageEffectActionGetRegionOfDefinition, this, &in, &out,
-                     {.per_frame = true, .scale = scale});
+        host_.action(kOfxImageEffectActionGetRegionOfDefinition, this, &in, &out, {.per_frame = true});
         return pixels_of(rect_of(out, kOfxImageEffectPropRegionOfDefinition), scale, aspect());
     }
     // A whole frame in one piece, within a sequence. Throws when an action fails.
@@ -262,11 +245,7 @@ class Instance final : public Effect {
     }
     void sequence(const char* action, double time = 0.0, double scale = 1.0) {
         PropertySet in = frame_arguments(time, scale);
-        host_.action(action, this, &in, nullptr, {.per_frame = true, .scale = scale});
-    }
-
-    const std::string& premultiplication() const {
-        return preferences.string_at(kOfxImageEffectPropPreMultiplication);
+        host_.action(action, this, &in, nullptr, {.per_frame = true});
     }
 
     PropertySet preferences;    // of clips; asked for anew after each change that they may depend on
@@ -299,16 +278,6 @@ class Instance final : public Effect {
     }
 
     Host& host_;
-    bool created_ = false;
 };
-
-inline std::unique_ptr<Instance> Host::create(const std::string& context, const Values& saved) {
-    auto instance = std::make_unique<Instance>(*this, context, *contexts_.at(context));
-    for (const auto& [name, content] : saved) {
-        if (Param* param = instance->params.find(name)) param->assign(content);
-    }
-    const OfxStatus status = instance->create();
-    return status == kOfxStatOK || status == kOfxStatReplyDefault ? std::move(instance) : nullptr;
-}
 
 }  // namespace ofxtest

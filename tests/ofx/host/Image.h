@@ -42,6 +42,7 @@ struct Frame {
 
 // What a plug-in may do in the action that the calling thread is in, and what a render gave it.
 struct Call {
+    bool may_define = false;
     bool per_frame = false;
     bool may_set_params = false;
     bool may_fetch = false;

@@ -45,9 +45,7 @@ class PropertySet {
     bool has(const std::string& name) const { return properties_.count(name) != 0; }
     int int_at(const std::string& name, int i = 0) const { return at<int>(name, i); }
     double double_at(const std::string& name, int i = 0) const { return at<double>(name, i); }
-    const std::string& string_at(const std::string& name, int i = 0) const {
-        return at<std::string>(name, i);
-    }
+    std::string string_at(const std::string& name, int i = 0) const { return at<std::string>(name, i); }
     std::vector<std::string> strings(const std::string& name) const {
         std::vector<std::string> result;
         const auto found = properties_.find(name);

@@ -89,13 +89,13 @@ const OfxPropertySuiteV1 kPropertySuite{set_one<void*>,  set_one<std::string, co
 
 OfxStatus define(OfxParamSetHandle handle, const char* type, const char* name, OfxPropertySetHandle* props) {
     auto& set = behind<ParamSet>(handle);
-    if (!set.describing) note_fault(std::string("defines outside a describe action: ") + name);
-    if (set.refused_types.count(type) != 0) return kOfxStatErrUnsupported;
+    if (!Call::now().may_define) note_fault(std::string("defines outside a describe action: ") + name);
+    if (set.options.refused_types.count(type) != 0) return kOfxStatErrUnsupported;
     if (set.find(name) != nullptr)
         return note_fault(std::string("defines twice: ") + name, kOfxStatErrExists);
     auto param = Param::described(set, type, name);
     if (!param) return kOfxStatErrUnknown;
-    if (param->type == kOfxParamTypePage) param->props.refused = set.refused_children;
+    if (param->type == kOfxParamTypePage) param->props.refused = set.options.refused_children;
     return hand_out(set.all.emplace_back(std::move(param)).get(), static_cast<OfxParamHandle*>(nullptr),
                     props);
 }
@@ -150,7 +150,7 @@ OfxStatus take(OfxParamHandle handle, const OfxTime* key, std::va_list in) {
     } else {
         param.assign(content);
     }
-    if (set.when_edited) set.when_edited(param);
+    if (set.when_edited) set.when_edited(param.name);
     return kOfxStatOK;
 }
 
@@ -212,7 +212,7 @@ OfxStatus get_params(OfxImageEffectHandle effect, OfxParamSetHandle* params) {
 
 OfxStatus define_clip(OfxImageEffectHandle handle, const char* name, OfxPropertySetHandle* props) {
     auto& effect = behind<Effect>(handle);
-    if (!effect.params.describing || effect.find_clip(name) != nullptr)
+    if (!Call::now().may_define || effect.find_clip(name) != nullptr)
         return note_fault(std::string("defines a clip twice, or outside a describe action: ") + name,
                           kOfxStatErrExists);
     *props = effect.clips.emplace_back(std::make_unique<Clip>(name))->props.handle();
