@@ -2,8 +2,6 @@
 //
 // A set knows beforehand which properties it has, of which type and length, and which of them a plug-in may
 // set. Reading is safe from many threads as long as nobody sets.
-//
-// The suites of this host have the functions that the plug-in calls; where there is none a table holds null.
 #pragma once
 
 #include <map>
@@ -102,31 +100,7 @@ class PropertySet {
     std::map<std::string, Property, std::less<>> properties_;
 };
 
-// A string as a host returns it: spoilt by the next call of any function of the host on the same thread.
-char* lend_string(std::string text);
 // Every function of every suite begins with this.
 void begin_call();
-
-// The object behind a handle.
-template <class T, class Handle>
-T& behind(Handle handle) {
-    return *reinterpret_cast<T*>(handle);
-}
-
-// What asks for an object by name replies.
-template <class T, class Handle>
-OfxStatus hand_out(T* found, Handle* handle, OfxPropertySetHandle* props) {
-    if (found == nullptr) return kOfxStatErrUnknown;
-    if (handle != nullptr) *handle = reinterpret_cast<Handle>(found);
-    if (props != nullptr) *props = found->props.handle();
-    return kOfxStatOK;
-}
-
-// A function of a suite, with begin_call before it.
-template <auto kFunction>
-inline constexpr auto entered = [](auto... arguments) {
-    begin_call();
-    return kFunction(arguments...);
-};
 
 }  // namespace ofxtest

@@ -39,10 +39,6 @@ std::string take_faults() {
     return std::exchange(faults, {});
 }
 
-char* lend_string(std::string text) {
-    return lent.emplace_back(std::move(text)).data();
-}
-
 void begin_call() {
     for (std::string& text : lent) std::fill(text.begin(), text.end(), '?');
     std::deque<std::string>().swap(lent);
@@ -50,13 +46,42 @@ void begin_call() {
 
 namespace {
 
-template <class Stored, class T = Stored>
-OfxStatus set_one(OfxPropertySetHandle properties, const char* name, int index, T value) {
-    begin_call();
-    return behind<PropertySet>(properties).set(name, index, Stored(value));
+// A string as a host returns it: spoilt by the next call of any function of the host on the same thread.
+char* lend_string(std::string text) {
+    return lent.emplace_back(std::move(text)).data();
 }
 
-OfxStatus set_doubles(OfxPropertySetHandle properties, const char* name, int count, const double* values) {
+// The object behind a handle, as the type that is asked for.
+struct Behind {
+    template <class T>
+    operator T&() const {
+        return *static_cast<T*>(handle);
+    }
+    void* handle;
+};
+
+// What asks for an object by name replies.
+template <class T, class Handle>
+OfxStatus hand_out(T* found, Handle* handle, OfxPropertySetHandle* props) {
+    if (found == nullptr) return kOfxStatErrUnknown;
+    if (handle != nullptr) *handle = reinterpret_cast<Handle>(found);
+    if (props != nullptr) *props = found->props.handle();
+    return kOfxStatOK;
+}
+
+// A function of a suite, which takes a handle for the object.
+template <auto kFunction>
+constexpr auto entered = [](auto handle, auto... arguments) {
+    begin_call();
+    return kFunction(Behind{handle}, arguments...);
+};
+
+template <class Stored, class T = Stored>
+OfxStatus set_one(PropertySet& properties, const char* name, int index, T value) {
+    return properties.set(name, index, Stored(value));
+}
+
+OfxStatus set_doubles(PropertySet& properties, const char* name, int count, const double* values) {
     OfxStatus status = kOfxStatOK;
     for (int i = 0; i < count && status == kOfxStatOK; ++i)
         status = set_one<double>(properties, name, i, values[i]);
@@ -64,10 +89,9 @@ OfxStatus set_doubles(OfxPropertySetHandle properties, const char* name, int cou
 }
 
 template <class Stored, class T = Stored>
-OfxStatus get_one(OfxPropertySetHandle properties, const char* name, int index, T* out) {
-    begin_call();
+OfxStatus get_one(PropertySet& properties, const char* name, int index, T* out) {
     Value value = Stored{};
-    const OfxStatus status = behind<PropertySet>(properties).get(name, index, value);
+    const OfxStatus status = properties.get(name, index, value);
     if (status != kOfxStatOK) return status;
     if constexpr (std::is_same_v<T, char*>) {
         *out = lend_string(std::get<std::string>(value));
@@ -77,18 +101,7 @@ OfxStatus get_one(OfxPropertySetHandle properties, const char* name, int index, 
     return kOfxStatOK;
 }
 
-const OfxPropertySuiteV1 kPropertySuite{set_one<void*>,  set_one<std::string, const char*>,
-                                        set_one<double>, set_one<int>,
-                                        nullptr,         nullptr,
-                                        set_doubles,     nullptr,
-                                        get_one<void*>,  get_one<std::string, char*>,
-                                        get_one<double>, get_one<int>,
-                                        nullptr,         nullptr,
-                                        nullptr,         nullptr,
-                                        nullptr,         nullptr};
-
-OfxStatus define(OfxParamSetHandle handle, const char* type, const char* name, OfxPropertySetHandle* props) {
-    auto& set = behind<ParamSet>(handle);
+OfxStatus define(ParamSet& set, const char* type, const char* name, OfxPropertySetHandle* props) {
     if (!Call::now().may_define) note_fault(std::string("defines outside a describe action: ") + name);
     if (set.options.refused_types.count(type) != 0) return kOfxStatErrUnsupported;
     if (set.find(name) != nullptr)
@@ -100,20 +113,17 @@ OfxStatus define(OfxParamSetHandle handle, const char* type, const char* name, O
                     props);
 }
 
-OfxStatus get_handle(OfxParamSetHandle set, const char* name, OfxParamHandle* param,
-                     OfxPropertySetHandle* props) {
-    return hand_out(behind<ParamSet>(set).find(name), param, props);
+OfxStatus find_param(ParamSet& set, const char* name, OfxParamHandle* param, OfxPropertySetHandle* props) {
+    return hand_out(set.find(name), param, props);
 }
 
-OfxStatus set_properties(OfxParamSetHandle set, OfxPropertySetHandle* props) {
-    *props = behind<ParamSet>(set).effect_props->handle();
+OfxStatus set_properties(ParamSet& set, OfxPropertySetHandle* props) {
+    *props = set.effect_props->handle();
     return kOfxStatOK;
 }
 
-OfxStatus give(OfxParamHandle handle, const OfxTime* time, std::va_list out) {
-    begin_call();
+OfxStatus give(Param& param, const OfxTime* time, std::va_list out) {
     if (time == nullptr && Call::now().per_frame) note_fault("reads a value without the frame's time");
-    const auto& param = behind<Param>(handle);
     if (!param.holds_value())
         return note_fault("reads a parameter without a value: " + param.name, kOfxStatErrUnsupported);
     const Param::Content content = param.value(time != nullptr ? *time : services().time);
@@ -131,9 +141,7 @@ OfxStatus give(OfxParamHandle handle, const OfxTime* time, std::va_list out) {
     return kOfxStatOK;
 }
 
-OfxStatus take(OfxParamHandle handle, const OfxTime* key, std::va_list in) {
-    begin_call();
-    auto& param = behind<Param>(handle);
+OfxStatus take(Param& param, const OfxTime* key, std::va_list in) {
     if (!Call::now().may_set_params) note_fault("sets a parameter at the wrong time: " + param.name);
     if (!param.holds_value())
         return note_fault("sets a parameter without a value: " + param.name, kOfxStatErrUnsupported);
@@ -159,7 +167,7 @@ template <auto kDo>
 OfxStatus values(OfxParamHandle handle, ...) {
     std::va_list list;
     va_start(list, handle);
-    const OfxStatus status = kDo(handle, nullptr, list);
+    const OfxStatus status = entered<kDo>(handle, nullptr, list);
     va_end(list);
     return status;
 }
@@ -168,50 +176,33 @@ template <auto kDo>
 OfxStatus values_at(OfxParamHandle handle, OfxTime time, ...) {
     std::va_list list;
     va_start(list, time);
-    const OfxStatus status = kDo(handle, &time, list);
+    const OfxStatus status = entered<kDo>(handle, &time, list);
     va_end(list);
     return status;
 }
 
-OfxStatus edit_begin(OfxParamSetHandle handle, const char*) {
-    auto& set = behind<ParamSet>(handle);
+OfxStatus edit_begin(ParamSet& set, const char*) {
     if (set.open_blocks++ == 0) set.undo.emplace_back();
     return kOfxStatOK;
 }
 
-OfxStatus edit_end(OfxParamSetHandle handle) {
-    auto& set = behind<ParamSet>(handle);
+OfxStatus edit_end(ParamSet& set) {
     if (set.open_blocks == 0) return note_fault("ends an edit that was not begun");
     if (--set.open_blocks == 0 && set.undo.back().empty()) set.undo.pop_back();
     return kOfxStatOK;
 }
 
-const OfxParameterSuiteV1 kParameterSuite = [] {
-    OfxParameterSuiteV1 s{};
-    s.paramDefine = entered<define>;
-    s.paramGetHandle = entered<get_handle>;
-    s.paramSetGetPropertySet = entered<set_properties>;
-    s.paramGetValue = values<give>;
-    s.paramGetValueAtTime = values_at<give>;
-    s.paramSetValue = values<take>;
-    s.paramSetValueAtTime = values_at<take>;
-    s.paramEditBegin = entered<edit_begin>;
-    s.paramEditEnd = entered<edit_end>;
-    return s;
-}();
-
-OfxStatus get_properties(OfxImageEffectHandle effect, OfxPropertySetHandle* props) {
-    *props = behind<Effect>(effect).props.handle();
+OfxStatus get_properties(Effect& effect, OfxPropertySetHandle* props) {
+    *props = effect.props.handle();
     return kOfxStatOK;
 }
 
-OfxStatus get_params(OfxImageEffectHandle effect, OfxParamSetHandle* params) {
-    *params = reinterpret_cast<OfxParamSetHandle>(&behind<Effect>(effect).params);
+OfxStatus get_params(Effect& effect, OfxParamSetHandle* params) {
+    *params = reinterpret_cast<OfxParamSetHandle>(&effect.params);
     return kOfxStatOK;
 }
 
-OfxStatus define_clip(OfxImageEffectHandle handle, const char* name, OfxPropertySetHandle* props) {
-    auto& effect = behind<Effect>(handle);
+OfxStatus define_clip(Effect& effect, const char* name, OfxPropertySetHandle* props) {
     if (!Call::now().may_define || effect.find_clip(name) != nullptr)
         return note_fault(std::string("defines a clip twice, or outside a describe action: ") + name,
                           kOfxStatErrExists);
@@ -219,53 +210,37 @@ OfxStatus define_clip(OfxImageEffectHandle handle, const char* name, OfxProperty
     return kOfxStatOK;
 }
 
-OfxStatus clip_handle(OfxImageEffectHandle handle, const char* name, OfxImageClipHandle* clip,
-                      OfxPropertySetHandle* props) {
-    return hand_out(behind<Effect>(handle).find_clip(name), clip, props);
+OfxStatus find_clip(Effect& effect, const char* name, OfxImageClipHandle* clip, OfxPropertySetHandle* props) {
+    return hand_out(effect.find_clip(name), clip, props);
 }
 
-OfxStatus get_image(OfxImageClipHandle clip, OfxTime time, const OfxRectD* region,
-                    OfxPropertySetHandle* image) {
-    return behind<Clip>(clip).fetch(time, region, image);
+OfxStatus get_image(Clip& clip, OfxTime time, const OfxRectD* region, OfxPropertySetHandle* image) {
+    return clip.fetch(time, region, image);
 }
 
-OfxStatus release_image(OfxPropertySetHandle handle) {
-    const std::unique_ptr<Image> image(static_cast<Image*>(&behind<PropertySet>(handle)));
+OfxStatus release_image(PropertySet& properties) {
+    const std::unique_ptr<Image> image(static_cast<Image*>(&properties));
     const Call& call = Call::now();
     if (image->is_output && call.output != nullptr) image->collect(call);
     return kOfxStatOK;
 }
 
-OfxStatus clip_rod(OfxImageClipHandle handle, OfxTime, OfxRectD* bounds) {
-    const auto& clip = behind<Clip>(handle);
+OfxStatus clip_rod(Clip& clip, OfxTime, OfxRectD* bounds) {
     *bounds = clip.rod();
     return clip.source() != nullptr ? kOfxStatOK : kOfxStatFailed;
 }
 
-int abort_wanted(OfxImageEffectHandle handle) {
-    auto& effect = behind<Effect>(handle);
+int abort_wanted(Effect& effect) {
     if (effect.when_polled) effect.when_polled();
     const int polls = effect.polls.fetch_add(1, std::memory_order_relaxed) + 1;
     const int after = effect.abort_after.load(std::memory_order_relaxed);
     return after >= 0 && polls > after ? 1 : 0;
 }
 
-const OfxImageEffectSuiteV1 kImageEffectSuite = [] {
-    OfxImageEffectSuiteV1 s{};
-    s.getPropertySet = entered<get_properties>;
-    s.getParamSet = entered<get_params>;
-    s.clipDefine = entered<define_clip>;
-    s.clipGetHandle = entered<clip_handle>;
-    s.clipGetImage = entered<get_image>;
-    s.clipReleaseImage = entered<release_image>;
-    s.clipGetRegionOfDefinition = entered<clip_rod>;
-    s.abort = entered<abort_wanted>;
-    return s;
-}();
-
 thread_local bool spawned = false;
 
 OfxStatus multi_thread(OfxThreadFunctionV1 function, unsigned count, void* argument) {
+    begin_call();
     if (spawned) return kOfxStatErrExists;
     if (services().threads_fail) return kOfxStatFailed;
     ++services().parallel_calls;
@@ -285,6 +260,7 @@ OfxStatus multi_thread(OfxThreadFunctionV1 function, unsigned count, void* argum
 }
 
 OfxStatus cpus(unsigned* count) {
+    begin_call();
     *count = static_cast<unsigned>(services().threads);
     return kOfxStatOK;
 }
@@ -295,7 +271,7 @@ void note_message(std::string text) {
 }
 
 template <bool kPersistent>
-OfxStatus message(void* effect, const char* type, const char*, const char* format, ...) {
+OfxStatus show(void* effect, const char* type, const char*, const char* format, ...) {
     begin_call();
     if (kPersistent && effect == nullptr) note_fault("persistent message without an instance");
     char text[1024];
@@ -308,33 +284,66 @@ OfxStatus message(void* effect, const char* type, const char*, const char* forma
 }
 
 OfxStatus clear_persistent(void*) {
+    begin_call();
     note_message("*cleared");
     return kOfxStatOK;
 }
 
-const OfxMultiThreadSuiteV1 kMultiThreadSuite = [] {
-    OfxMultiThreadSuiteV1 s{};
-    s.multiThread = entered<multi_thread>;
-    s.multiThreadNumCPUs = entered<cpus>;
-    return s;
-}();
+// Functions that the plug-in does not call are null. The first version of messages is the beginning of the
+// second.
+struct Suites {
+    OfxPropertySuiteV1 property{};
+    OfxParameterSuiteV1 parameter{};
+    OfxImageEffectSuiteV1 effect{};
+    OfxMultiThreadSuiteV1 threads{};
+    OfxMessageSuiteV2 message{show<false>, show<true>, clear_persistent};
 
-// The first version is its beginning.
-const OfxMessageSuiteV2 kMessageSuite{message<false>, message<true>, entered<clear_persistent>};
+    Suites() {
+        property.propSetPointer = entered<set_one<void*>>;
+        property.propSetString = entered<set_one<std::string, const char*>>;
+        property.propSetDouble = entered<set_one<double>>;
+        property.propSetInt = entered<set_one<int>>;
+        property.propSetDoubleN = entered<set_doubles>;
+        property.propGetPointer = entered<get_one<void*>>;
+        property.propGetString = entered<get_one<std::string, char*>>;
+        property.propGetDouble = entered<get_one<double>>;
+        property.propGetInt = entered<get_one<int>>;
+        parameter.paramDefine = entered<define>;
+        parameter.paramGetHandle = entered<find_param>;
+        parameter.paramSetGetPropertySet = entered<set_properties>;
+        parameter.paramGetValue = values<give>;
+        parameter.paramGetValueAtTime = values_at<give>;
+        parameter.paramSetValue = values<take>;
+        parameter.paramSetValueAtTime = values_at<take>;
+        parameter.paramEditBegin = entered<edit_begin>;
+        parameter.paramEditEnd = entered<edit_end>;
+        effect.getPropertySet = entered<get_properties>;
+        effect.getParamSet = entered<get_params>;
+        effect.clipDefine = entered<define_clip>;
+        effect.clipGetHandle = entered<find_clip>;
+        effect.clipGetImage = entered<get_image>;
+        effect.clipReleaseImage = entered<release_image>;
+        effect.clipGetRegionOfDefinition = entered<clip_rod>;
+        effect.abort = entered<abort_wanted>;
+        threads.multiThread = multi_thread;
+        threads.multiThreadNumCPUs = cpus;
+    }
+};
 
 }  // namespace
 
 const void* Host::fetch_suite(OfxPropertySetHandle handle, const char* name, int version) {
+    static const Suites all;
     static const std::map<std::string, const void*> suites{
-        {"OfxPropertySuite 1", &kPropertySuite},       {"OfxImageEffectSuite 1", &kImageEffectSuite},
-        {"OfxParameterSuite 1", &kParameterSuite},     {"OfxMessageSuite 1", &kMessageSuite},
-        {"OfxMultiThreadSuite 1", &kMultiThreadSuite}, {"OfxMessageSuite 2", &kMessageSuite}};
+        {"OfxPropertySuite 1", &all.property},   {"OfxImageEffectSuite 1", &all.effect},
+        {"OfxParameterSuite 1", &all.parameter}, {"OfxMessageSuite 1", &all.message},
+        {"OfxMultiThreadSuite 1", &all.threads}, {"OfxMessageSuite 2", &all.message}};
     begin_call();
     // Of the host only its property set comes along: what it lacks is noted there.
     const std::string key = std::string(name) + ' ' + std::to_string(version);
     const auto found = suites.find(key);
-    return behind<PropertySet>(handle).has("missing " + key) || found == suites.end() ? nullptr
-                                                                                      : found->second;
+    const PropertySet& host = Behind{handle};
+    return host.has("missing " + key) || found == suites.end() ? nullptr : found->second;
 }
 
 }  // namespace ofxtest
