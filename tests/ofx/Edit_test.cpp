@@ -106,7 +106,7 @@ TEST_F(Edit, ToolsSetParametersInOneUndoableStep) {
     }
     node.node.invalidate();
     EXPECT_EQ(differences(effect->render(), node.render()), 0);
-    take_messages();  // remarks on samples
+    shown.take();  // remarks on samples
 }
 
 TEST_F(Edit, Buttons) {
@@ -124,7 +124,7 @@ TEST_F(Edit, Buttons) {
     EXPECT_EQ(effect->params.undo.size(), 1U);
     effect->press("spill_reset");
     EXPECT_EQ(number(*effect, "spill_strength"), 40.0);
-    take_messages();
+    shown.take();
 }
 
 TEST_F(Edit, ToolsKeyWhatIsAnimated) {
@@ -132,7 +132,7 @@ TEST_F(Edit, ToolsKeyWhatIsAnimated) {
     Param& color = effect->params.get("screen_color");
     color.set_keys({{0, {0.1, 0.5, 0.1}}, {8, {0.3, 0.8, 0.3}}});
     const Instance::Values before = effect->saved();
-    services().time = 3.0;
+    services.time = 3.0;
     sample(*effect, "toolbar_screen", kBacking);
     Reference node(two_clips(), {}, 3.0);
     sample(node, "toolbar_screen", kBacking);
@@ -157,7 +157,7 @@ TEST_F(Edit, ToolsOnAProxyOfOblongPixels) {
     node.panel.set_from_text("edge_kernel", "5");
     for (const char* size : {"screen_shrink", "film_shrink"}) node.panel.set_from_text(size, "2,2");
     expect_same(*effect, node.panel);
-    take_messages();
+    shown.take();
 }
 
 // As the program does: one reference presses the buttons of the node itself.
@@ -175,21 +175,21 @@ TEST_F(Edit, FindsTheScreenAndSetsItselfUp) {
         expect_same(*effect, node.panel);
         EXPECT_NEAR(effect->params.get("screen_color").value().numbers[1], 0.6, 0.05);
         EXPECT_EQ(number(*effect, "unmix_method"), button == std::string("set_up") ? 1.0 : 0.0);
-        EXPECT_THAT(take_messages(), testing::Contains(testing::HasSubstr("green screen")));
+        EXPECT_THAT(shown.take(), testing::Contains(testing::HasSubstr("green screen")));
         ASSERT_EQ(effect->params.undo.size(), 1U);
         effect->undo();
         EXPECT_EQ(effect->saved(), before);
         // Given up half way, it leaves nothing behind. One thread alone polls, so let it have all rows.
-        services().threads = 1;
+        services.threads = 1;
         effect->abort_after = effect->polls + polls / 2;
         effect->press(button);
         EXPECT_EQ(effect->saved(), before);
-        EXPECT_NE(take_faults(), "") << "the action should fail";
+        EXPECT_FALSE(faults.take().empty()) << "the action should fail";
         effect->abort_after = -1;
-        services().threads = 2;
+        services.threads = 2;
         effect->press(button);
         expect_same(*effect, node.panel);
-        take_messages();
+        shown.take();
     }
 }
 
@@ -204,8 +204,8 @@ TEST_F(Edit, ToolsNeedPixels) {
         effect->connect("fg", nullptr);
         effect->press(tool);
         EXPECT_EQ(effect->saved(), before);
-        EXPECT_EQ(take_messages().size(), 2U);
-        EXPECT_NE(take_faults(), "") << "the action should fail";
+        EXPECT_EQ(shown.take().size(), 2U);
+        EXPECT_FALSE(faults.take().empty()) << "the action should fail";
     }
 }
 
@@ -257,7 +257,7 @@ TEST_F(Edit, ValuesAloneBringAnInstanceBack) {
     loaded->press("screen_correct_reset");
     EXPECT_NE(loaded->params.get("us_add_overlay").value(), saved.at("us_add_overlay"));
     EXPECT_EQ(loaded->params.get("us_restore_spill").value(), saved.at("us_restore_spill"));
-    take_messages();
+    shown.take();
 }
 
 // Sample lists that the picture depends on reach the nodes that render.
@@ -275,7 +275,7 @@ TEST_F(Edit, WhatUnmixWasTaughtIsRendered) {
     effect->press("unmix_reset");
     effect->set("unmix_method", {1});
     EXPECT_EQ(differences(effect->render(), before), 0);
-    take_messages();
+    shown.take();
 }
 
 TEST_F(Edit, PreferencesSayWhetherColourIsMultiplied) {

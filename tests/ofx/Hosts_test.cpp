@@ -43,8 +43,8 @@ TEST_F(Hosts, DoNotNeedWhatIsOptional) {
     std::thread([] {}).join();  // a sanitizer's own thread comes with the first
     for (std::size_t n = 0; n < std::size(cases); ++n) {
         SCOPED_TRACE(n);
-        services().threads = n % 2 == 0 ? 2 : 1;
-        services().threads_fail = n + 1 == std::size(cases);
+        services.threads = n % 2 == 0 ? 2 : 1;
+        services.threads_fail = n + 1 == std::size(cases);
         host(cases[n]);
         const std::ptrdiff_t running = thread_count();
         const auto effect = instance(two_clips(), kLook);
@@ -64,7 +64,7 @@ TEST_F(Hosts, ToldOnceOfFramesThatFail) {
         Frame frame(kFrame);
         effect->connect("fg", nullptr);
         for (int tile = 0; tile < 3; ++tile) EXPECT_EQ(effect->render(frame, kFrame), kOfxStatFailed);
-        EXPECT_EQ(take_messages(), std::vector<std::string>{"OfxMessageError: no foreground is connected"});
+        EXPECT_EQ(shown.take(), std::vector<std::string>{"OfxMessageError: no foreground is connected"});
         effect->connect("fg", &clips.at("fg"));
         effect->render();
     }
@@ -76,7 +76,7 @@ TEST_F(Hosts, AreRefusedWithoutTheIndispensable) {
         EXPECT_EQ(host_->load(), kOfxStatErrMissingHostFeature) << suite;
         Effect effect;
         EXPECT_NE(host_->action(kOfxActionDescribe, &effect), kOfxStatOK) << suite;
-        EXPECT_EQ(take_messages().size(), 1U) << suite;
+        EXPECT_EQ(shown.take().size(), 1U) << suite;
         host_.reset();
     }
 }
@@ -132,7 +132,7 @@ TEST_F(Hosts, FailingImages) {
         Frame frame(scaled_box(kFrame, c.scale));
         EXPECT_EQ(effect->render(frame, frame.box, 0.0, c.scale), c.status);
         EXPECT_EQ(Image::held, 0);
-        const auto messages = take_messages();
+        const auto messages = shown.take();
         ASSERT_EQ(messages.size(), *c.message != 0 ? 1U : 0U);
         EXPECT_TRUE(messages.empty() || messages[0].starts_with(c.message));
         if (c.status == kOfxStatOK) {
@@ -158,8 +158,8 @@ TEST_F(Hosts, ValuesThatNoUserWouldSet) {
         EXPECT_EQ(effect->render(frame, kFrame), kOfxStatOK) << value;
         effect->press("toolbar_addoverlay");
     }
-    take_messages();
-    take_faults();
+    shown.take();
+    faults.take();
 }
 
 std::size_t mapped_pages() {

@@ -71,7 +71,7 @@ TEST_F(Render, WholeAndInTiles) {
             expect_frames(*instance(clips, settings), clips, settings);
         }
     }
-    EXPECT_GT(services().parallel_calls, 0);
+    EXPECT_GT(services.parallel_calls, 0);
 }
 
 TEST_F(Render, ClipsOfAllKinds) {
@@ -169,7 +169,7 @@ TEST_F(Render, AnimatedParametersAtTheFramesTime) {
     effect->params.get("screen_color").set_keys({{0, {0.15, 0.6, 0.2}}, {8, {0.25, 0.8, 0.2}}});
     effect->params.get("spill_suppression").set_keys({{0, {0}}, {3, {1}}});
     const auto steady = instance(two_clips(), kCleanup);  // only its pictures change
-    services().time = 5.0;                                // the user looks elsewhere
+    services.time = 5.0;                                  // the user looks elsewhere
     for (const double time : {2.0, 6.0, 2.0}) {
         SCOPED_TRACE(time);
         Settings settings = kCleanup;
@@ -182,7 +182,7 @@ TEST_F(Render, AnimatedParametersAtTheFramesTime) {
 }
 
 TEST_F(Render, AnEditReadsLessUntilTheRowsAreGone) {
-    services().threads = 1;  // which asks at every row whether to go on
+    services.threads = 1;  // which asks at every row whether to go on
     Settings settings{{"screen_color", kScreen}};
     const auto effect = instance(all_clips(), settings);
     const auto edit = [&](const char* knob, double value) {

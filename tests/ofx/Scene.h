@@ -146,15 +146,15 @@ inline int differences(const Frame& a, const Frame& b) {
 class OfxTest : public testing::Test {
   protected:
     void SetUp() override {
-        services().threads = 2;
-        services().threads_fail = false;
-        services().time = 0.0;
+        services.threads = 2;
+        services.threads_fail = false;
+        services.time = 0.0;
     }
     void TearDown() override {
         host_.reset();
-        EXPECT_EQ(take_faults(), "");
+        EXPECT_EQ(faults.take(), std::vector<std::string>());
         EXPECT_EQ(Image::held, 0);
-        EXPECT_EQ(take_messages(), std::vector<std::string>());
+        EXPECT_EQ(shown.take(), std::vector<std::string>());
     }
 
     Host& host(HostOptions options = {}) {

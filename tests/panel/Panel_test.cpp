@@ -43,8 +43,6 @@ TEST_F(Panel, LinksEditTheirKnobs) {
         EXPECT_NE(panel.get(knob).get_value(), before) << link;
         EXPECT_EQ(panel.get(link).tooltip(), panel.get(knob).tooltip());
     }
-    panel.press(panel.get("invert"));
-    EXPECT_TRUE(op.storage.overlay_mono);
 }
 
 TEST_F(Panel, TabsFollowTheirEnables) {

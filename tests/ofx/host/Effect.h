@@ -4,7 +4,6 @@
 
 #include <climits>
 #include <memory>
-#include <mutex>
 #include <stdexcept>
 
 #include "abi/OfxParam.h"

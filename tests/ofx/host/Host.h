@@ -11,17 +11,14 @@
 
 namespace ofxtest {
 
-// Threads, the time line and messages are the process's: their suites have no handle of a host.
+// Threads and the time line are the process's: their suites have no handle of a host.
 struct Services {
     int threads = 2;                     // that multiThread runs jobs on; 1 is the calling thread
     bool threads_fail = false;           // multiThread launches none
     double time = 0.0;                   // that the user looks at
     std::atomic<int> parallel_calls{0};  // of multiThread
-
-    std::vector<std::string> messages{};  // "type: text" each, persistent ones with a star
 };
-Services& services();
-std::vector<std::string> take_messages();
+inline Services services;
 
 class Host {
   public:
@@ -172,7 +169,7 @@ class Instance final : public Effect {
             changed(kOfxTypeParameter, param->name, kOfxChangeUserEdited);
     }
     void go_to(double time) {
-        services().time = time;
+        services.time = time;
         for (const auto& param : params.all) {
             if (param->holds_value() && param->props.int_at(kOfxParamPropIsAnimating) != 0)
                 changed(kOfxTypeParameter, param->name, kOfxChangeTime);
@@ -263,7 +260,7 @@ class Instance final : public Effect {
         host_.action(kOfxImageEffectActionGetClipPreferences, this, nullptr, &preferences);
     }
     void changed(const std::string& type, const std::string& name, const char* reason) {
-        PropertySet what = frame_arguments(services().time, viewer_scale);
+        PropertySet what = frame_arguments(services.time, viewer_scale);
         what.add(kOfxPropType, {type});
         what.add(kOfxPropName, {name});
         what.add(kOfxPropChangeReason, {std::string(reason)});

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <map>
+#include <mutex>
 #include <set>
 #include <string>
 #include <utility>
@@ -15,10 +16,31 @@
 
 namespace ofxtest {
 
+// Noted on any thread, until they are taken.
+class Notes {
+  public:
+    void add(const std::string& text) {
+        const std::lock_guard lock(lock_);
+        texts_.push_back(text);
+    }
+    std::vector<std::string> take() {
+        const std::lock_guard lock(lock_);
+        return std::exchange(texts_, {});
+    }
+
+  private:
+    std::mutex lock_;
+    std::vector<std::string> texts_;
+};
+
+inline Notes shown;  // "type: text" of each message, persistent ones with a star
 // Whatever a plug-in does that a host may not put up with: unknown properties, wrong types, illegal moments.
-// Any thread; gives the reply back. take_faults gives what was noted since, a line each.
-OfxStatus note_fault(const std::string& text, OfxStatus reply = kOfxStatFailed);
-std::string take_faults();
+inline Notes faults;
+// Gives the reply back.
+inline OfxStatus note_fault(const std::string& text, OfxStatus reply = kOfxStatFailed) {
+    faults.add(text);
+    return reply;
+}
 
 using Value = std::variant<void*, std::string, double, int>;
 inline const Value kText = std::string();

@@ -11,33 +11,9 @@ namespace ofxtest {
 
 namespace {
 
-std::mutex notes_lock;
-std::string faults;
-
 thread_local std::deque<std::string> lent;
 
 }  // namespace
-
-Services& services() {
-    static Services instance;
-    return instance;
-}
-
-std::vector<std::string> take_messages() {
-    const std::lock_guard lock(notes_lock);
-    return std::exchange(services().messages, {});
-}
-
-OfxStatus note_fault(const std::string& text, OfxStatus reply) {
-    const std::lock_guard lock(notes_lock);
-    faults += text + '\n';
-    return reply;
-}
-
-std::string take_faults() {
-    const std::lock_guard lock(notes_lock);
-    return std::exchange(faults, {});
-}
 
 void begin_call() {
     for (std::string& text : lent) std::fill(text.begin(), text.end(), '?');
@@ -126,7 +102,7 @@ OfxStatus give(Param& param, const OfxTime* time, std::va_list out) {
     if (time == nullptr && Call::now().per_frame) note_fault("reads a value without the frame's time");
     if (!param.holds_value())
         return note_fault("reads a parameter without a value: " + param.name, kOfxStatErrUnsupported);
-    const Param::Content content = param.value(time != nullptr ? *time : services().time);
+    const Param::Content content = param.value(time != nullptr ? *time : services.time);
     if (param.is_text()) {
         if (Call::now().per_frame) note_fault("reads a text that its user may be editing");
         *va_arg(out, char**) = lend_string(content.text);
@@ -242,9 +218,9 @@ thread_local bool spawned = false;
 OfxStatus multi_thread(OfxThreadFunctionV1 function, unsigned count, void* argument) {
     begin_call();
     if (spawned) return kOfxStatErrExists;
-    if (services().threads_fail) return kOfxStatFailed;
-    ++services().parallel_calls;
-    const unsigned jobs = std::min(count, static_cast<unsigned>(services().threads));
+    if (services.threads_fail) return kOfxStatFailed;
+    ++services.parallel_calls;
+    const unsigned jobs = std::min(count, static_cast<unsigned>(services.threads));
     const Call* call = &Call::now();
     const auto work = [&](unsigned i) {
         const Call* outer = std::exchange(Call::current, call);
@@ -261,13 +237,8 @@ OfxStatus multi_thread(OfxThreadFunctionV1 function, unsigned count, void* argum
 
 OfxStatus cpus(unsigned* count) {
     begin_call();
-    *count = static_cast<unsigned>(services().threads);
+    *count = static_cast<unsigned>(services.threads);
     return kOfxStatOK;
-}
-
-void note_message(std::string text) {
-    const std::lock_guard lock(notes_lock);
-    services().messages.push_back(std::move(text));
 }
 
 template <bool kPersistent>
@@ -279,13 +250,13 @@ OfxStatus show(void* effect, const char* type, const char*, const char* format, 
     va_start(values, format);
     std::vsnprintf(text, sizeof text, format, values);
     va_end(values);
-    note_message((kPersistent ? "*" : "") + std::string(type) + ": " + text);
+    shown.add((kPersistent ? "*" : "") + std::string(type) + ": " + text);
     return kOfxStatOK;
 }
 
 OfxStatus clear_persistent(void*) {
     begin_call();
-    note_message("*cleared");
+    shown.add("*cleared");
     return kOfxStatOK;
 }
 
