@@ -1,9 +1,7 @@
 // What the plug-in tells of itself.
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <fstream>
-#include <sstream>
 
 #include "ofx/Scene.h"
 

@@ -1,7 +1,6 @@
 // Hosts that lack something, frames that fail, and the binary coming and going.
 #include <malloc.h>
 
-#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <latch>

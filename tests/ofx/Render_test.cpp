@@ -1,7 +1,4 @@
 // What the plug-in renders against what the node makes in this process, bit by bit.
-#include <algorithm>
-#include <atomic>
-#include <cmath>
 #include <random>
 #include <thread>
 
@@ -212,12 +209,11 @@ TEST_F(Render, AnEditReadsLessUntilTheRowsAreGone) {
 }
 
 TEST_F(Render, AbortedAndThenWhole) {
-    const Settings& settings = kCleanup;
-    const Frame expected = Reference(all_clips(), settings).render();
+    const Frame expected = Reference(all_clips(), kCleanup).render();
     int renders = 0;
     for (const int polls : {0, 1, 3, 0, 1}) {
         if (++renders == 4) host({.missing = {"OfxMultiThreadSuite 1"}});
-        const auto effect = instance(all_clips(), settings);
+        const auto effect = instance(all_clips(), kCleanup);
         effect->abort_after = polls;
         Frame frame(effect->window());
         const OfxStatus status = effect->render(frame, frame.box);
@@ -256,20 +252,19 @@ TEST_F(Render, RegionsAreNoLargerThanWhatIsRead) {
 }
 
 TEST_F(Render, ClipsComeAndGo) {
-    const Settings& settings = kShadow;
     Clips clips = all_clips();
-    const auto effect = instance(clips, settings);
+    const auto effect = instance(clips, kShadow);
     effect->render();
     for (const char* clip : {"bg", "gm", "cp", "hm"}) {
         SCOPED_TRACE(clip);
         const Source gone = clips.at(clip);
         clips.erase(clip);
         effect->connect(clip, nullptr);
-        expect_frames(*effect, clips, settings);
+        expect_frames(*effect, clips, kShadow);
         if (clip == std::string("gm")) continue;
         clips[clip] = gone;
         effect->connect(clip, &gone);
-        expect_frames(*effect, clips, settings);
+        expect_frames(*effect, clips, kShadow);
     }
 }
 

@@ -31,49 +31,42 @@ class Param {
         friend bool operator==(const Content&, const Content&) = default;
     };
 
-    // As it is described; of a type that no host knows null.
-    static std::unique_ptr<Param> described(ParamSet& owner, const std::string& type,
-                                            const std::string& name) {
-        // Values of each type; 0 for those that hold none.
-        static const std::map<std::string, int> dimensions{
-            {kOfxParamTypeDouble, 1},    {kOfxParamTypeDouble2D, 2}, {kOfxParamTypeRGB, 3},
-            {kOfxParamTypeRGBA, 4},      {kOfxParamTypeBoolean, 1},  {kOfxParamTypeChoice, 1},
-            {kOfxParamTypeString, 1},    {kOfxParamTypeGroup, 0},    {kOfxParamTypePage, 0},
-            {kOfxParamTypePushButton, 0}};
-        const auto known = dimensions.find(type);
-        if (known == dimensions.end()) return nullptr;
-        const int n = known->second;
-        auto param = std::make_unique<Param>(owner, type, name, n);
-        PropertySet& p = param->props;
-        p.add_all({kOfxPropLabel, kOfxParamPropScriptName, kOfxParamPropHint, kOfxParamPropParent}, kText);
-        p.add_all({kOfxParamPropSecret}, 0);
-        p.add_all({kOfxParamPropEnabled}, 1);
-        if (type == kOfxParamTypeGroup) p.add_all({kOfxParamPropGroupOpen}, 1);
-        if (type == kOfxParamTypePage) p.add_lists({kOfxParamPropPageChild}, kText);
-        if (n == 0) return param;
+    // Values of each type that hosts know; 0 for those that hold none.
+    static inline const std::map<std::string, int> kDimensions{
+        {kOfxParamTypeDouble, 1},    {kOfxParamTypeDouble2D, 2}, {kOfxParamTypeRGB, 3},
+        {kOfxParamTypeRGBA, 4},      {kOfxParamTypeBoolean, 1},  {kOfxParamTypeChoice, 1},
+        {kOfxParamTypeString, 1},    {kOfxParamTypeGroup, 0},    {kOfxParamTypePage, 0},
+        {kOfxParamTypePushButton, 0}};
 
-        const bool number = !param->is_text() && !param->is_int();
-        p.add_all({kOfxParamPropAnimates}, number ? 1 : 0);
-        p.add(kOfxParamPropIsAnimating, {0});
-        p.add_all({kOfxParamPropEvaluateOnChange}, 1);
-        p.add_all({kOfxParamPropDefault}, number ? Value(0.0) : param->is_int() ? Value(0) : kText, n);
-        if (type == kOfxParamTypeChoice) p.add_lists({kOfxParamPropChoiceOption}, kText);
-        if (!number) return param;
-        p.add_all({kOfxParamPropMin, kOfxParamPropDisplayMin, kOfxParamPropMax, kOfxParamPropDisplayMax}, 0.0,
-                  n);
-        if (!type.starts_with(kOfxParamTypeDouble)) return param;
-        p.add_all({kOfxParamPropIncrement}, 1.0);
-        p.add_all({kOfxParamPropDigits, kOfxParamPropUseHostOverlayHandle}, 0);
-        p.add_all({kOfxParamPropDoubleType, kOfxParamPropDefaultCoordinateSystem}, kText);
-        if (n > 1) p.add_all({kOfxParamPropDimensionLabel}, kText, n);
-        return param;
+    // As it is described.
+    Param(ParamSet& set, const std::string& kind, const std::string& called)
+        : owner(set), type(kind), name(called), dimension(kDimensions.at(kind)) {
+        props.add_all({kOfxPropLabel, kOfxParamPropScriptName, kOfxParamPropHint, kOfxParamPropParent},
+                      kText);
+        props.add_all({kOfxParamPropSecret}, 0);
+        props.add_all({kOfxParamPropEnabled}, 1);
+        if (type == kOfxParamTypeGroup) props.add_all({kOfxParamPropGroupOpen}, 1);
+        if (type == kOfxParamTypePage) props.add_lists({kOfxParamPropPageChild}, kText);
+        if (!holds_value()) return;
+
+        const bool number = !is_text() && !is_int();
+        props.add_all({kOfxParamPropAnimates}, number ? 1 : 0);
+        props.add(kOfxParamPropIsAnimating, {0});
+        props.add_all({kOfxParamPropEvaluateOnChange}, 1);
+        props.add_all({kOfxParamPropDefault}, number ? Value(0.0) : is_int() ? Value(0) : kText, dimension);
+        if (type == kOfxParamTypeChoice) props.add_lists({kOfxParamPropChoiceOption}, kText);
+        if (!number) return;
+        props.add_all({kOfxParamPropMin, kOfxParamPropDisplayMin, kOfxParamPropMax, kOfxParamPropDisplayMax},
+                      0.0, dimension);
+        if (!type.starts_with(kOfxParamTypeDouble)) return;
+        props.add_all({kOfxParamPropIncrement}, 1.0);
+        props.add_all({kOfxParamPropDigits, kOfxParamPropUseHostOverlayHandle}, 0);
+        props.add_all({kOfxParamPropDoubleType, kOfxParamPropDefaultCoordinateSystem}, kText);
+        if (dimension > 1) props.add_all({kOfxParamPropDimensionLabel}, kText, dimension);
     }
-    Param(ParamSet& set, std::string kind, std::string called, int values)
-        : owner(set), type(std::move(kind)), name(std::move(called)), dimension(values) {}
     // An instance's, at its default.
-    Param(ParamSet& set, const Param& descriptor)
-        : Param(set, descriptor.type, descriptor.name, descriptor.dimension) {
-        props = descriptor.props;
+    Param(ParamSet& set, const Param& d)
+        : owner(set), type(d.type), name(d.name), dimension(d.dimension), props(d.props) {
         if (is_text()) content_.text = props.string_at(kOfxParamPropDefault);
         for (int i = 0; i < dimension && !is_text(); ++i) {
             content_.numbers.push_back(is_int() ? props.int_at(kOfxParamPropDefault, i)

@@ -82,11 +82,11 @@ OfxStatus define(ParamSet& set, const char* type, const char* name, OfxPropertyS
     if (set.options.refused_types.count(type) != 0) return kOfxStatErrUnsupported;
     if (set.find(name) != nullptr)
         return note_fault(std::string("defines twice: ") + name, kOfxStatErrExists);
-    auto param = Param::described(set, type, name);
-    if (!param) return kOfxStatErrUnknown;
+    if (Param::kDimensions.count(type) == 0) return kOfxStatErrUnknown;
+    auto param = std::make_unique<Param>(set, type, name);
     if (param->type == kOfxParamTypePage) param->props.refused = set.options.refused_children;
-    return hand_out(set.all.emplace_back(std::move(param)).get(), static_cast<OfxParamHandle*>(nullptr),
-                    props);
+    *props = set.all.emplace_back(std::move(param))->props.handle();
+    return kOfxStatOK;
 }
 
 OfxStatus find_param(ParamSet& set, const char* name, OfxParamHandle* param, OfxPropertySetHandle* props) {
