@@ -1,7 +1,6 @@
 // What becomes of the parameters when the user changes, presses, samples, undoes and saves.
 #include <gmock/gmock.h>
 
-
 #include "ofx/Scene.h"
 
 namespace ofxtest {
