@@ -165,7 +165,7 @@ class Clip {
     void connect(std::shared_ptr<const Source> source) {
         source_ = std::move(source);
         static std::atomic<int> connections{0};
-        connection_ = ++connections;
+        connection = ++connections;
         const Source none{.depth = kOfxBitDepthNone, .components = kOfxImageComponentNone};
         const Source& s = source_ ? *source_ : none;
         const auto known = props.strings(kOfxImageEffectPropSupportedComponents);
@@ -185,37 +185,12 @@ class Clip {
         return canonical_of(source_->box, 1.0, aspect());
     }
 
-    OfxStatus fetch(double time, const OfxRectD* region, OfxPropertySetHandle* image) const {
-        const Call& call = Call::now();
-        if (!call.may_fetch) return note_fault("fetches an image at the wrong time: " + name);
-        if (!source_ || source_->fails) return kOfxStatFailed;
-        const double scale = source_->scaled ? call.scale : 1.0;
-        const OfxRectI rod = pixels_of(this->rod(), scale, aspect());
-        const auto asked = call.regions.find(name);
-        if (region == nullptr && asked != call.regions.end()) region = &asked->second;
-        const OfxRectI part = region != nullptr ? pixels_of(*region, scale, aspect()) : rod;
-        const int n = source_->missing;
-        OfxRectI bounds{std::max(rod.x1, part.x1) + n, std::max(rod.y1, part.y1) + n,
-                        std::min(rod.x2, part.x2) - n, std::min(rod.y2, part.y2) - n};
-        const OfxRectI& w = call.window;
-        if (is_output()) bounds = {w.x1 - 3, w.y1 - 2, w.x2 + 1, w.y2 + 4};  // a little more than the window
-        auto made = std::make_unique<Image>(*source_, bounds, rod, scale);
-        made->is_output = is_output();
-        if (!is_output()) {
-            if (source_->identified)
-                made->add(kOfxImagePropUniqueIdentifier, {name + std::to_string(connection_)});
-            made->fill(*source_, time, call.field);
-        }
-        *image = made.release()->handle();
-        return kOfxStatOK;
-    }
-
     const std::string name;
     PropertySet props;
+    int connection = 0;  // no other of the process has this number
 
   private:
     std::shared_ptr<const Source> source_;
-    int connection_ = 0;  // no other of the process has this number
 };
 
 // A descriptor or an instance.

@@ -191,7 +191,29 @@ OfxStatus find_clip(Effect& effect, const char* name, OfxImageClipHandle* clip, 
 }
 
 OfxStatus get_image(Clip& clip, OfxTime time, const OfxRectD* region, OfxPropertySetHandle* image) {
-    return clip.fetch(time, region, image);
+    const Source* source = clip.source();
+    const Call& call = Call::now();
+    if (!call.may_fetch) return note_fault("fetches an image at the wrong time: " + clip.name);
+    if (source == nullptr || source->fails) return kOfxStatFailed;
+    const double scale = source->scaled ? call.scale : 1.0;
+    const OfxRectI rod = pixels_of(clip.rod(), scale, clip.aspect());
+    const auto asked = call.regions.find(clip.name);
+    if (region == nullptr && asked != call.regions.end()) region = &asked->second;
+    const OfxRectI part = region != nullptr ? pixels_of(*region, scale, clip.aspect()) : rod;
+    const int n = source->missing;
+    OfxRectI bounds{std::max(rod.x1, part.x1) + n, std::max(rod.y1, part.y1) + n,
+                    std::min(rod.x2, part.x2) - n, std::min(rod.y2, part.y2) - n};
+    const OfxRectI& w = call.window;
+    if (clip.is_output()) bounds = {w.x1 - 3, w.y1 - 2, w.x2 + 1, w.y2 + 4};  // a little more than the window
+    auto made = std::make_unique<Image>(*source, bounds, rod, scale);
+    made->is_output = clip.is_output();
+    if (!clip.is_output()) {
+        if (source->identified)
+            made->add(kOfxImagePropUniqueIdentifier, {clip.name + std::to_string(clip.connection)});
+        made->fill(*source, time, call.field);
+    }
+    *image = made.release()->handle();
+    return kOfxStatOK;
 }
 
 OfxStatus release_image(PropertySet& properties) {
