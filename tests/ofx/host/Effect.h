@@ -4,6 +4,7 @@
 
 #include <climits>
 #include <memory>
+#include <shared_mutex>
 #include <stdexcept>
 
 #include "abi/OfxParam.h"
@@ -96,7 +97,7 @@ class Param {
     }
     // With the keys.
     Content content() const {
-        const std::lock_guard lock(lock_);
+        const std::shared_lock lock(lock_);
         return content_;
     }
     void assign(const Content& content) {
@@ -118,7 +119,7 @@ class Param {
     PropertySet props;
 
   private:
-    mutable std::mutex lock_;
+    mutable std::shared_mutex lock_;
     Content content_;
 };
 
