@@ -1,5 +1,4 @@
-// Effects of the test host: their parameters and clips. Parameters have values with keys, locked call by
-// call.
+// Effects of the test host: their clips, and their parameters, whose values have keys, locked call by call.
 #pragma once
 
 #include <climits>

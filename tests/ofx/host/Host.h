@@ -160,7 +160,11 @@ class Instance final : public Effect {
         params.get(name).assign({std::move(numbers), {}});
         changed(kOfxTypeParameter, name, kOfxChangeUserEdited);
     }
-    void press(const std::string& button) { changed(kOfxTypeParameter, button, kOfxChangeUserEdited); }
+    void press(const std::string& button) {
+        if (params.get(button).type != kOfxParamTypePushButton)
+            throw std::logic_error(button + " is no button");
+        changed(kOfxTypeParameter, button, kOfxChangeUserEdited);
+    }
     void undo() {
         const ParamSet::Step step = params.undo.back();
         params.undo.pop_back();
