@@ -5,7 +5,6 @@
 #include <array>
 #include <limits>
 #include <numeric>
-#include <string>
 
 #include "controls/Controls.h"
 

@@ -1,9 +1,7 @@
 // What the plug-in tells of itself.
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <fstream>
-#include <sstream>
 
 #include "ofx/Scene.h"
 
@@ -63,18 +61,16 @@ bool is_control(const Param& param) {
            param.props.int_at(kOfxParamPropSecret) == 0;
 }
 
-// The labels that a user finds a control under in a host of a kind: one that makes tabs of pages, each with
-// the groups that it names and what it names that is in none; one whose pages hold parameters alone.
-enum Kind { kTabs, kPages };
-
-Strings places(const Effect& effect, const Param& param, Kind kind) {
+// The labels that a user finds a control under in a host whose pages hold parameters alone; or in one that
+// makes tabs of pages, each with the groups that it names and what it names that is in none.
+Strings places(const Effect& effect, const Param& param, bool tabs = false) {
     Strings labels;
     const std::string& group = param.props.string_at(kOfxParamPropParent);
     for (const std::string& name : effect.props.strings(kOfxPluginPropParamPageOrder)) {
         const PropertySet& page = effect.params.get(name).props;
         const auto children = page.strings(kOfxParamPropPageChild);
         for (const std::string& child : children) effect.params.get(child);
-        const bool alone = kind == kPages || group.empty();
+        const bool alone = !tabs || group.empty();
         const auto times = std::count(children.begin(), children.end(), alone ? param.name : group);
         labels.insert(labels.end(), times, page.string_at(kOfxPropLabel));
     }
@@ -95,7 +91,7 @@ std::string line_of(const Effect& effect, const Param& param) {
         EXPECT_LE(p.double_at(kOfxParamPropMin, i), low);
     }
     for (const std::string& option : p.strings(kOfxParamPropChoiceOption)) line << ' ' << option;
-    for (const std::string& page : places(effect, param, kPages)) line << ", " << page;
+    for (const std::string& page : places(effect, param)) line << ", " << page;
     if (param.holds_value() && p.int_at(kOfxParamPropAnimates) != 0) line << ", animates";
     return line.str() + (p.int_at(kOfxParamPropSecret) != 0 ? " hidden" : "");
 }
@@ -141,15 +137,14 @@ TEST_F(Describe, WhereUsersFindTheControls) {
         const std::string& group = param->props.string_at(kOfxParamPropParent);
         EXPECT_EQ(std::count(groups.begin(), groups.end(), group), 1) << "comes before its group";
         const std::string label = effect.params.get(group).props.string_at(kOfxPropLabel);
-        EXPECT_THAT(places(effect, *param, kTabs), ElementsAre(label));
-        pages[name] = places(effect, *param, kPages);
+        EXPECT_THAT(places(effect, *param, true), ElementsAre(label));
+        pages[name] = places(effect, *param);
         EXPECT_THAT(pages[name], Contains(label));
     }
     for (const char* button : {"find_screen", "set_up"}) EXPECT_THAT(pages[button], ElementsAre("Sampling"));
     const HostOptions strict{.refused_children = {"group_density", "group_output"}};
     const Effect& other = host(strict).descriptor(kOfxImageEffectContextGeneral);
-    for (const auto& [name, labels] : pages)
-        EXPECT_EQ(places(other, other.params.get(name), kPages), labels) << name;
+    for (const auto& [name, labels] : pages) EXPECT_EQ(places(other, other.params.get(name)), labels) << name;
 }
 
 }  // namespace

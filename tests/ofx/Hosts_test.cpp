@@ -1,7 +1,6 @@
 // Hosts that lack something, frames that fail, and the binary coming and going.
 #include <malloc.h>
 
-#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <latch>
@@ -43,8 +42,8 @@ TEST_F(Hosts, DoNotNeedWhatIsOptional) {
     std::thread([] {}).join();  // a sanitizer's own thread comes with the first
     for (std::size_t n = 0; n < std::size(cases); ++n) {
         SCOPED_TRACE(n);
-        services().threads = n % 2 == 0 ? 2 : 1;
-        services().threads_fail = n + 1 == std::size(cases);
+        services.threads = n % 2 == 0 ? 2 : 1;
+        services.threads_fail = n + 1 == std::size(cases);
         host(cases[n]);
         const std::ptrdiff_t running = thread_count();
         const auto effect = instance(two_clips(), kLook);
@@ -64,7 +63,7 @@ TEST_F(Hosts, ToldOnceOfFramesThatFail) {
         Frame frame(kFrame);
         effect->connect("fg", nullptr);
         for (int tile = 0; tile < 3; ++tile) EXPECT_EQ(effect->render(frame, kFrame), kOfxStatFailed);
-        EXPECT_EQ(take_messages(), std::vector<std::string>{"OfxMessageError: no foreground is connected"});
+        EXPECT_EQ(shown.take(), std::vector<std::string>{"OfxMessageError: no foreground is connected"});
         effect->connect("fg", &clips.at("fg"));
         effect->render();
     }
@@ -72,11 +71,11 @@ TEST_F(Hosts, ToldOnceOfFramesThatFail) {
 
 TEST_F(Hosts, AreRefusedWithoutTheIndispensable) {
     for (const char* suite : {"OfxPropertySuite 1", "OfxImageEffectSuite 1", "OfxParameterSuite 1"}) {
-        host_ = std::make_unique<Host>(OFX_BUNDLE_DIR, HostOptions{.missing = {suite}});
+        host_ = std::make_unique<Host>(HostOptions{.missing = {suite}});
         EXPECT_EQ(host_->load(), kOfxStatErrMissingHostFeature) << suite;
         Effect effect;
         EXPECT_NE(host_->action(kOfxActionDescribe, &effect), kOfxStatOK) << suite;
-        EXPECT_EQ(take_messages().size(), 1U) << suite;
+        EXPECT_EQ(shown.take().size(), 1U) << suite;
         host_.reset();
     }
 }
@@ -120,7 +119,6 @@ TEST_F(Hosts, FailingImages) {
                  {"Output", none, 1.0, kOfxStatFailed, "*OfxMessageError: "},
                  {"bg", none, 1.0, kOfxStatOK, "*cleared"},
                  {"fg", none, 1.0, kOfxStatOK, ""}};
-    const Frame whole = Reference(good, kLook).render();
     Clips black = good;
     black["bg"].pixel = [](double, int, int, int) { return 0.0f; };
     for (const auto& c : cases) {
@@ -132,7 +130,7 @@ TEST_F(Hosts, FailingImages) {
         Frame frame(scaled_box(kFrame, c.scale));
         EXPECT_EQ(effect->render(frame, frame.box, 0.0, c.scale), c.status);
         EXPECT_EQ(Image::held, 0);
-        const auto messages = take_messages();
+        const auto messages = shown.take();
         ASSERT_EQ(messages.size(), *c.message != 0 ? 1U : 0U);
         EXPECT_TRUE(messages.empty() || messages[0].starts_with(c.message));
         if (c.status == kOfxStatOK) {
@@ -141,14 +139,13 @@ TEST_F(Hosts, FailingImages) {
         }
         effect->connect(c.clip, &back);
     }
-    EXPECT_EQ(differences(effect->render(), whole), 0);
+    EXPECT_EQ(differences(effect->render(), Reference(good, kLook).render()), 0);
 }
 
 TEST_F(Hosts, ValuesThatNoUserWouldSet) {
     const auto effect = instance(two_clips(), kLook);
-    const double odd[] = {std::nan(""), std::numeric_limits<double>::infinity(), 1e300, -1e300, 3e9};
     Frame frame(kFrame);
-    for (const double value : odd) {
+    for (const double value : {std::nan(""), std::numeric_limits<double>::infinity(), 1e300, -1e300, 3e9}) {
         for (const auto& param : effect->params.all) {
             if (!param->holds_value() || param->is_text()) continue;
             const double number = param->is_int() ? 99.0 : value;
@@ -158,8 +155,8 @@ TEST_F(Hosts, ValuesThatNoUserWouldSet) {
         EXPECT_EQ(effect->render(frame, kFrame), kOfxStatOK) << value;
         effect->press("toolbar_addoverlay");
     }
-    take_messages();
-    take_faults();
+    shown.take();
+    faults.take();
 }
 
 std::size_t mapped_pages() {

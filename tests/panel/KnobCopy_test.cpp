@@ -20,17 +20,12 @@ struct Copy {
     Zo::Image::KnobPanel panel{op};
 };
 
-struct Expected {
-    int control;
-    std::int32_t value;
-};
-
 // On a green screen, so a triple lands as red, blue, green. A level x above 0.5 is encoded as
 // 0.5 + 0.5 (x - 0.5) / (x + 0.5), times 255; below, as 255 x.
 struct Row {
     const char* knob;
     const char* text;
-    std::vector<Expected> expected;
+    std::vector<std::pair<int, std::int32_t>> expected;  // control and value
 };
 const Row kRows[] = {
     {"screen_color", "0.2,0.65,0.3", {{75, 51}, {76, 76}, {77, 144}, {120, 1}}},  // 51, 144.13, 76.5
@@ -91,10 +86,10 @@ TEST(KnobCopy, EveryKnobReachesItsControls) {
         for (const Row& row : kRows) copy.panel.set_from_text(row.knob, row.text);
         copy();
         for (const Row& row : kRows) {
-            for (const Expected& e : row.expected) {
-                const bool stays = !on && kept.count(e.control) == 1;
-                EXPECT_EQ(copy.controls.get(e.control), stays ? fresh.controls.get(e.control) : e.value)
-                    << row.knob << " " << e.control;
+            for (const auto& [control, value] : row.expected) {
+                const bool stays = !on && kept.count(control) == 1;
+                EXPECT_EQ(copy.controls.get(control), stays ? fresh.controls.get(control) : value)
+                    << row.knob << " " << control;
             }
         }
         EXPECT_EQ(copy.controls.stored(5), on ? -6 : fresh.controls.stored(5));
@@ -135,7 +130,8 @@ TEST(KnobCopy, PrimaryIsTheGreatestComponentAlone) {
         copy.op.storage.screen_color = c.color;
         copy();
         EXPECT_EQ((std::array{copy.values[75], copy.values[76], copy.values[77], copy.values[120]}),
-                  c.expected);
+                  c.expected)
+            << &c - cases;
     }
 }
 

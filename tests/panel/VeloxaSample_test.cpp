@@ -5,7 +5,6 @@
 #include <locale>
 #include <sstream>
 
-#include "ZoImage/KnobPanel.h"
 #include "ZoImage/Script.h"
 #include "support/PanelOp.h"
 #include "support/TestImages.h"

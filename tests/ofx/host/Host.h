@@ -1,4 +1,4 @@
-// A small OpenFX host for tests: loads a bundle by its path, describes the plug-in, makes instances of it and
+// A small OpenFX host for tests: loads the bundle, describes the plug-in, makes instances of it and
 // drives their actions in the order that hosts keep.
 //
 // One host at a time, since several suites have no handle that would tell hosts apart. Nested calls are
@@ -7,58 +7,30 @@
 
 #include <dlfcn.h>
 
-#include <algorithm>
-#include <atomic>
-#include <map>
-#include <memory>
-#include <set>
-#include <stdexcept>
-#include <string>
-#include <vector>
-
-#include "abi/OfxMessage.h"
-#include "abi/OfxMultiThread.h"
 #include "ofx/host/Effect.h"
 
 namespace ofxtest {
 
-// Threads, the time line and messages are the process's: their suites have no handle of a host.
+// Threads and the time line are the process's: their suites have no handle of a host.
 struct Services {
     int threads = 2;                     // that multiThread runs jobs on; 1 is the calling thread
     bool threads_fail = false;           // multiThread launches none
     double time = 0.0;                   // that the user looks at
     std::atomic<int> parallel_calls{0};  // of multiThread
-
-    std::vector<std::string> messages{};  // "type: text" each, persistent ones with a star
 };
-Services& services();
-std::vector<std::string> take_messages();
-
-extern const OfxMultiThreadSuiteV1 kMultiThreadSuite;
-extern const OfxMessageSuiteV2 kMessageSuite;  // the first version is its beginning
-
-class Instance;
-
-struct HostOptions {
-    std::set<std::string> missing{};           // suites, name and version: "OfxMessageSuite 2"
-    std::set<std::string> refused_types{};     // of parameters
-    std::set<std::string> refused_children{};  // of pages
-    bool tiles = true;
-    bool bare = false;  // the host tells nothing of itself
-};
+inline Services services;
 
 class Host {
   public:
     // Opens the binary and gives it the host; throws std::runtime_error when that fails.
-    explicit Host(const std::string& bundle, HostOptions options = {}) : options_(std::move(options)) {
-        for (const char* yes :
-             {kOfxParamHostPropSupportsChoiceAnimation, kOfxParamHostPropSupportsBooleanAnimation}) {
-            if (!options_.bare) props_.add(yes, {1});
+    explicit Host(HostOptions options) : options_(std::move(options)) {
+        if (!options_.bare) {
+            props_.add(kOfxParamHostPropSupportsChoiceAnimation, {1});
+            props_.add(kOfxParamHostPropSupportsBooleanAnimation, {1});
         }
         host_ = {props_.handle(), fetch_suite};
         for (const std::string& suite : options_.missing) props_.add("missing " + suite, {1});
-        const std::string binary = bundle + "/Contents/Linux-x86-64/Veloxa.ofx";
-        library_ = dlopen(binary.c_str(), RTLD_NOW | RTLD_LOCAL);
+        library_ = dlopen(OFX_BUNDLE_DIR "/Contents/Linux-x86-64/Veloxa.ofx", RTLD_NOW | RTLD_LOCAL);
         if (library_ == nullptr) throw std::runtime_error(dlerror());
         reinterpret_cast<decltype(&OfxSetHost)>(dlsym(library_, "OfxSetHost"))(&host_);
         count = reinterpret_cast<decltype(&OfxGetNumberOfPlugins)>(dlsym(library_, "OfxGetNumberOfPlugins"));
@@ -70,8 +42,6 @@ class Host {
         if (loaded_) action(kOfxActionUnload, nullptr);
         dlclose(library_);
     }
-    Host(const Host&) = delete;
-    Host& operator=(const Host&) = delete;
 
     // Load, Describe, and DescribeInContext for the contexts of both sides; the first reply that is not OK.
     // May be called again, as some hosts do.
@@ -102,14 +72,12 @@ class Host {
         for (const std::string& context : p.strings(kOfxImageEffectPropSupportedContexts)) {
             auto effect = std::make_unique<Effect>();
             effect->props = p;
-            effect->params.refused_types = options_.refused_types;
-            effect->params.refused_children = options_.refused_children;
-            effect->params.describing = true;
+            effect->params.options = options_;
             PropertySet in;
             in.add(kOfxImageEffectPropContext, {context});
-            status = action(kOfxImageEffectActionDescribeInContext, effect.get(), &in);
+            status = action(kOfxImageEffectActionDescribeInContext, effect.get(), &in, nullptr,
+                            {.may_define = true});
             if (status != kOfxStatOK) return status;
-            effect->params.describing = false;
             contexts_[context] = std::move(effect);
         }
         return kOfxStatOK;
@@ -118,12 +86,6 @@ class Host {
     decltype(&OfxGetPlugin) plugin;
     Effect& descriptor() { return *descriptor_; }
     Effect& descriptor(const std::string& context) { return *contexts_.at(context); }
-    const HostOptions& options() const { return options_; }
-
-    // Defaults, then the given values, then CreateInstance; null when the plug-in fails. Clips are connected
-    // afterwards. The host must outlive it.
-    using Values = std::map<std::string, Param::Content>;
-    std::unique_ptr<Instance> create(const std::string& context, const Values& saved = {});
 
     OfxStatus action(const char* name, Effect* effect, PropertySet* in = nullptr, PropertySet* out = nullptr,
                      const Call& call = {}) {
@@ -136,18 +98,7 @@ class Host {
     }
 
   private:
-    static const void* fetch_suite(OfxPropertySetHandle handle, const char* name, int version) {
-        static const std::map<std::string, const void*> suites{
-            {"OfxPropertySuite 1", &kPropertySuite},       {"OfxImageEffectSuite 1", &kImageEffectSuite},
-            {"OfxParameterSuite 1", &kParameterSuite},     {"OfxMessageSuite 1", &kMessageSuite},
-            {"OfxMultiThreadSuite 1", &kMultiThreadSuite}, {"OfxMessageSuite 2", &kMessageSuite}};
-        begin_call();
-        // Of the host only its property set comes along: what it lacks is noted there.
-        const std::string key = std::string(name) + ' ' + std::to_string(version);
-        const auto found = suites.find(key);
-        return behind<PropertySet>(handle).has("missing " + key) || found == suites.end() ? nullptr
-                                                                                          : found->second;
-    }
+    static const void* fetch_suite(OfxPropertySetHandle handle, const char* name, int version);
 
     HostOptions options_;
     PropertySet props_;
@@ -177,23 +128,27 @@ class Instance final : public Effect {
   public:
     Instance(Host& host, const std::string& context, Effect& descriptor) : host_(host) {
         props = descriptor.props;
+        params.options = descriptor.params.options;
         props.add(kOfxImageEffectPropContext, {context});
         props.add(kOfxPropInstanceData, {static_cast<void*>(nullptr)}, true);
         props.add(kOfxPropParamSetNeedsSyncing, {1}, true);
         for (const auto& clip : descriptor.clips) clips.push_back(std::make_unique<Clip>(*clip));
         for (const auto& param : descriptor.params.all)
             params.all.push_back(std::make_unique<Param>(params, *param));
-        params.when_edited = [this](Param& param) {
-            if (created_) changed(kOfxTypeParameter, param.name, kOfxChangePluginEdited);
-        };
     }
     ~Instance() override { host_.action(kOfxActionDestroyInstance, this); }
 
-    OfxStatus create() {
+    // With these values in place of the defaults; throws when the plug-in fails. Clips are connected
+    // afterwards.
+    using Values = std::map<std::string, Param::Content>;
+    void create(const Values& saved) {
+        for (const auto& [name, content] : saved) params.get(name).assign(content);
         const OfxStatus status =
             host_.action(kOfxActionCreateInstance, this, nullptr, nullptr, {.may_set_params = true});
-        created_ = true;
-        return status;
+        if (status != kOfxStatOK && status != kOfxStatReplyDefault) throw std::runtime_error("no instance");
+        params.when_edited = [this](const std::string& name) {
+            changed(kOfxTypeParameter, name, kOfxChangePluginEdited);
+        };
     }
     // Connects a clip, or with null disconnects it, and tells the plug-in. Output takes depth and components.
     void connect(const std::string& name, const Source* source) {
@@ -218,15 +173,15 @@ class Instance final : public Effect {
             changed(kOfxTypeParameter, param->name, kOfxChangeUserEdited);
     }
     void go_to(double time) {
-        services().time = time;
+        services.time = time;
         for (const auto& param : params.all) {
             if (param->holds_value() && param->props.int_at(kOfxParamPropIsAnimating) != 0)
                 changed(kOfxTypeParameter, param->name, kOfxChangeTime);
         }
     }
     // The values that a project file holds.
-    Host::Values saved() const {
-        Host::Values values;
+    Values saved() const {
+        Values values;
         for (const auto& param : params.all) {
             if (param->holds_value()) values[param->name] = param->content();
         }
@@ -249,8 +204,7 @@ class Instance final : public Effect {
         for (const auto& clip : clips) {
             if (!clip->is_output()) add_rect(out, kOfxImageClipPropRoI_ + clip->name, region);
         }
-        host_.action(kOfxImageEffectActionGetRegionsOfInterest, this, &in, &out,
-                     {.per_frame = true, .scale = scale});
+        host_.action(kOfxImageEffectActionGetRegionsOfInterest, this, &in, &out, {.per_frame = true});
         std::map<std::string, OfxRectD> regions;
         for (const auto& clip : clips) {
             if (!clip->is_output()) regions[clip->name] = rect_of(out, kOfxImageClipPropRoI_ + clip->name);
@@ -263,9 +217,8 @@ class Instance final : public Effect {
                      const std::string& field = kOfxImageFieldNone) {
         Call call{.per_frame = true, .may_fetch = true, .scale = scale, .window = w, .field = field};
         call.output = &frame;
-        if (host_.options().tiles) {
+        if (params.options.tiles)
             call.regions = regions_of_interest(canonical_of(w, scale, aspect()), time, scale);
-        }
         PropertySet in = frame_arguments(time, scale);
         in.add(kOfxImageEffectPropFieldToRender, {field});
         in.add(kOfxImageEffectPropRenderWindow, {w.x1, w.y1, w.x2, w.y2});
@@ -276,8 +229,7 @@ class Instance final : public Effect {
         PropertySet in = frame_arguments(time, scale);
         PropertySet out;
         add_rect(out, kOfxImageEffectPropRegionOfDefinition, clips[0]->rod());
-        host_.action(kOfxImageEffectActionGetRegionOfDefinition, this, &in, &out,
-                     {.per_frame = true, .scale = scale});
+        host_.action(kOfxImageEffectActionGetRegionOfDefinition, this, &in, &out, {.per_frame = true});
         return pixels_of(rect_of(out, kOfxImageEffectPropRegionOfDefinition), scale, aspect());
     }
     // A whole frame in one piece, within a sequence. Throws when an action fails.
@@ -294,11 +246,7 @@ class Instance final : public Effect {
     }
     void sequence(const char* action, double time = 0.0, double scale = 1.0) {
         PropertySet in = frame_arguments(time, scale);
-        host_.action(action, this, &in, nullptr, {.per_frame = true, .scale = scale});
-    }
-
-    const std::string& premultiplication() const {
-        return preferences.string_at(kOfxImageEffectPropPreMultiplication);
+        host_.action(action, this, &in, nullptr, {.per_frame = true});
     }
 
     PropertySet preferences;    // of clips; asked for anew after each change that they may depend on
@@ -316,7 +264,7 @@ class Instance final : public Effect {
         host_.action(kOfxImageEffectActionGetClipPreferences, this, nullptr, &preferences);
     }
     void changed(const std::string& type, const std::string& name, const char* reason) {
-        PropertySet what = frame_arguments(services().time, viewer_scale);
+        PropertySet what = frame_arguments(services.time, viewer_scale);
         what.add(kOfxPropType, {type});
         what.add(kOfxPropName, {name});
         what.add(kOfxPropChangeReason, {std::string(reason)});
@@ -331,16 +279,6 @@ class Instance final : public Effect {
     }
 
     Host& host_;
-    bool created_ = false;
 };
-
-inline std::unique_ptr<Instance> Host::create(const std::string& context, const Values& saved) {
-    auto instance = std::make_unique<Instance>(*this, context, *contexts_.at(context));
-    for (const auto& [name, content] : saved) {
-        if (Param* param = instance->params.find(name)) param->assign(content);
-    }
-    const OfxStatus status = instance->create();
-    return status == kOfxStatOK || status == kOfxStatReplyDefault ? std::move(instance) : nullptr;
-}
 
 }  // namespace ofxtest

@@ -2,13 +2,13 @@
 //
 // A set knows beforehand which properties it has, of which type and length, and which of them a plug-in may
 // set. Reading is safe from many threads as long as nobody sets.
-//
-// The suites of this host have the functions that the plug-in calls; where there is none a table holds null.
 #pragma once
 
 #include <map>
+#include <mutex>
 #include <set>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -16,10 +16,31 @@
 
 namespace ofxtest {
 
+// Noted on any thread, until they are taken.
+class Notes {
+  public:
+    void add(const std::string& text) {
+        const std::lock_guard lock(lock_);
+        texts_.push_back(text);
+    }
+    std::vector<std::string> take() {
+        const std::lock_guard lock(lock_);
+        return std::exchange(texts_, {});
+    }
+
+  private:
+    std::mutex lock_;
+    std::vector<std::string> texts_;
+};
+
+inline Notes shown;  // "type: text" of each message, persistent ones with a star
 // Whatever a plug-in does that a host may not put up with: unknown properties, wrong types, illegal moments.
-// Any thread; gives the reply back. take_faults gives what was noted since, a line each.
-OfxStatus note_fault(const std::string& text, OfxStatus reply = kOfxStatFailed);
-std::string take_faults();
+inline Notes faults;
+// Gives the reply back.
+inline OfxStatus note_fault(const std::string& text, OfxStatus reply = kOfxStatFailed) {
+    faults.add(text);
+    return reply;
+}
 
 using Value = std::variant<void*, std::string, double, int>;
 inline const Value kText = std::string();
@@ -40,17 +61,11 @@ class PropertySet {
     void add_lists(Names names, const Value& type) {
         for (const char* name : names) properties_[name] = {{}, type.index(), true, true};
     }
-    // Sets values of a property that exists.
-    void put(const std::string& name, std::vector<Value> values) {
-        properties_.at(name).values = std::move(values);
-    }
 
     bool has(const std::string& name) const { return properties_.count(name) != 0; }
     int int_at(const std::string& name, int i = 0) const { return at<int>(name, i); }
     double double_at(const std::string& name, int i = 0) const { return at<double>(name, i); }
-    const std::string& string_at(const std::string& name, int i = 0) const {
-        return at<std::string>(name, i);
-    }
+    std::string string_at(const std::string& name, int i = 0) const { return at<std::string>(name, i); }
     std::vector<std::string> strings(const std::string& name) const {
         std::vector<std::string> result;
         const auto found = properties_.find(name);
@@ -107,33 +122,7 @@ class PropertySet {
     std::map<std::string, Property, std::less<>> properties_;
 };
 
-// A string as a host returns it: spoilt by the next call of any function of the host on the same thread.
-char* lend_string(std::string text);
 // Every function of every suite begins with this.
 void begin_call();
-
-// The object behind a handle.
-template <class T, class Handle>
-T& behind(Handle handle) {
-    return *reinterpret_cast<T*>(handle);
-}
-
-// What asks for an object by name replies.
-template <class T, class Handle>
-OfxStatus hand_out(T* found, Handle* handle, OfxPropertySetHandle* props) {
-    if (found == nullptr) return kOfxStatErrUnknown;
-    if (handle != nullptr) *handle = reinterpret_cast<Handle>(found);
-    if (props != nullptr) *props = found->props.handle();
-    return kOfxStatOK;
-}
-
-// A function of a suite, with begin_call before it.
-template <auto kFunction>
-inline constexpr auto entered = [](auto... arguments) {
-    begin_call();
-    return kFunction(arguments...);
-};
-
-extern const OfxPropertySuiteV1 kPropertySuite;
 
 }  // namespace ofxtest
