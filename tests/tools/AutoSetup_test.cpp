@@ -9,6 +9,7 @@
 #include "ZoImage/Script.h"
 #include "plates/Set.h"
 #include "shot/node/ImageSource.h"
+#include "support/Loops.h"
 #include "tools/ToolRig.h"
 
 using namespace Zo::Image;
@@ -56,10 +57,16 @@ struct Rig : test::ToolRig {
 template <class Counts>
 int count(const Box& box, const Counts& counts) {
     int sum = 0;
-    for (int y = box.y; y < box.t; ++y) {
-        for (int x = box.x; x < box.r; ++x) sum += counts(static_cast<std::size_t>(y * kWidth + x)) ? 1 : 0;
-    }
+    test::each(box.width(), box.height(), [&](int x, int y) {
+        sum += counts(static_cast<std::size_t>((box.y + y) * kWidth + box.x + x)) ? 1 : 0;
+    });
     return sum;
+}
+
+void fill(Image& fg, const Box& box, const std::array<float, 3>& colour) {
+    for (int y = box.y; y < box.t; ++y) {
+        for (const Channel c : kMaskRgb) std::fill_n(fg.line(c, y) + box.x, box.width(), colour[c - kRed]);
+    }
 }
 
 TEST(AutoSetup, ComesNearerToTheTruthThanTheDefaults) {
@@ -79,7 +86,7 @@ TEST(AutoSetup, ComesNearerToTheTruthThanTheDefaults) {
 }
 
 void make_grey(Image& fg) {
-    for (const Channel c : kMaskRgb) std::fill_n(fg.line(c, 0), kWidth * kHeight, 0.4f);
+    fill(fg, {0, 0, kWidth, kHeight}, {0.4f, 0.4f, 0.4f});
 }
 
 TEST(AutoSetup, ChoosesTheMethod) {
@@ -103,11 +110,7 @@ TEST(AutoSetup, ChoosesTheMethod) {
         SCOPED_TRACE(c.sets);
         Rig rig(plate::Screen::kGreen, 1, c.change);
         rig.hold("unmix_method", false);
-        for (const std::string& setting : test::words(c.sets)) {
-            const std::size_t equals = setting.find('=');
-            rig.set(setting.substr(0, equals), setting.substr(equals + 1));
-            rig.hold(setting.substr(0, equals));
-        }
+        rig.set_and_hold(c.sets);
         const KnobValues before(rig.panel);
         rig.use("set_up");
         EXPECT_EQ(rig.text("unmix_method") == "unmix", c.unmixes);
@@ -119,29 +122,16 @@ TEST(AutoSetup, ChoosesTheMethod) {
 
 // A patch of skin on the jacket, and one of grey cloth that the screen shines on.
 TEST(AutoSetup, TakesSpillOutOfClothAndLeavesSkin) {
-    constexpr Box kSkin{200, 10, 240, 60};
-    constexpr Box kCloth{250, 10, 270, 60};
     Rig rig(plate::Screen::kGreen, 1, [&](Image& fg) {
-        const auto paint = [&](const Box& box, const std::array<float, 3>& colour) {
-            for (int y = box.y; y < box.t; ++y) {
-                for (const Channel c : kMaskRgb) {
-                    std::fill_n(fg.line(c, y) + box.x, box.width(),
-                                colour[static_cast<std::size_t>(c - kRed)]);
-                }
-            }
-        };
-        paint(kSkin, {0.764f, 0.574f, 0.437f});
-        paint(kCloth, {0.40f, 0.52f, 0.42f});
+        fill(fg, {200, 10, 240, 60}, {0.764f, 0.574f, 0.437f});
+        fill(fg, {250, 10, 270, 60}, {0.40f, 0.52f, 0.42f});
     });
     rig.use("set_up");
-    const auto out = test::render(rig.node, 2);
-    const auto at = [&](Channel c, const Box& box) {
-        return out.planes[c].at(static_cast<std::size_t>((box.y + 25) * kWidth + box.x + box.width() / 2));
-    };
-    EXPECT_NEAR(at(kRed, kSkin), 0.764f, 0.03f) << rig.told();
-    EXPECT_NEAR(at(kGreen, kSkin), 0.574f, 0.03f);
-    EXPECT_NEAR(at(kBlue, kSkin), 0.437f, 0.03f);
-    EXPECT_LT(at(kGreen, kCloth), 0.46f);
+    const test::Picture out = test::render(rig.node, 2);
+    EXPECT_NEAR(out.at(kRed, 220, 35), 0.764f, 0.03f) << rig.told();
+    EXPECT_NEAR(out.at(kGreen, 220, 35), 0.574f, 0.03f);
+    EXPECT_NEAR(out.at(kBlue, 220, 35), 0.437f, 0.03f);
+    EXPECT_LT(out.at(kGreen, 260, 35), 0.46f);
     // What a script tells of spill is left alone.
     rig.apply("spill_strength 41");
     rig.set("spill_warm", "50");
@@ -163,9 +153,8 @@ TEST(AutoSetup, CoversPaleBacking) {
     for (const char* const overlay : {"off", "subject"}) {  // there the overlay tools change places
         Rig rig(plate::Screen::kGreen, 1, make_pale);
         const auto opaque = [&] {
-            const std::vector<float> alpha = rig.alpha();
             return count({kLeft.x + 8, kLeft.y + 8, kLeft.r - 8, kLeft.t - 8},
-                         [&](std::size_t at) { return alpha[at] > 0.0f; });
+                         [alpha = rig.alpha()](std::size_t at) { return alpha[at] > 0.0f; });
         };
         rig.set("overlay_mode", overlay);
         rig.set("matte_scale", "linear");
@@ -202,11 +191,7 @@ TEST(AutoSetup, WorksAroundWhatIsSet) {
         SCOPED_TRACE(c.script + c.sets);
         Rig rig(plate::Screen::kGreen, 1, make_pale);
         if (!c.script.empty()) rig.apply(c.script);
-        for (const std::string& setting : test::words(c.sets)) {
-            const std::size_t equals = setting.find('=');
-            rig.set(setting.substr(0, equals), setting.substr(equals + 1));
-            rig.hold(setting.substr(0, equals));
-        }
+        rig.set_and_hold(c.sets);
         const KnobValues before(rig.panel);
         rig.use("set_up");
         std::vector<std::string> moved;
@@ -221,22 +206,21 @@ TEST(AutoSetup, WorksAroundWhatIsSet) {
 
 // A script has the knobs that strokes found and the means of some, not their pixels.
 TEST(AutoSetup, UndoesNoStrokeOfAScript) {
-    const Box cleared{15, 230, 45, 260};
     Rig made(plate::Screen::kBlue, 1);
     made.use("removeoverlay", {420, 187, 450, 217});
-    made.use("addoverlay", {15, 230, 45, 260});
+    made.use("addoverlay", {15, 230, 45, 260});  // whose pixels are counted below
     const std::string script = write_script(made.panel);
     Rig rig(plate::Screen::kBlue, 1);
     rig.apply(script.substr(script.find('\n'), script.rfind('}') - script.find('\n')));
     const std::vector<float> before = rig.alpha();
     rig.use("set_up");
     const std::vector<float> after = rig.alpha();
-    EXPECT_EQ(count(cleared, [&](std::size_t at) { return before[at] <= 0.0f && after[at] > 0.0f; }), 0);
+    EXPECT_EQ(
+        count({15, 230, 45, 260}, [&](std::size_t at) { return before[at] <= 0.0f && after[at] > 0.0f; }), 0);
 }
 
 TEST(AutoSetup, FindsTheScreenWhereNoneIsChosen) {
     Rig rig(plate::Screen::kBlue, 1);
-    Knob& color = rig.panel.get("screen_color");
     rig.set("screen_color", "0,0,0");
     rig.hold("screen_color");  // meant so
     rig.use("set_up");
@@ -244,7 +228,7 @@ TEST(AutoSetup, FindsTheScreenWhereNoneIsChosen) {
     EXPECT_EQ(rig.told().find("find_screen"), std::string::npos);
     rig.hold("screen_color", false);
     rig.use("set_up");
-    EXPECT_NEAR(color.get_value(2), 0.6, 0.1) << rig.told();
+    EXPECT_NEAR(rig.panel.get("screen_color").get_value(2), 0.6, 0.1) << rig.told();
     EXPECT_THAT(test::words(rig.turned()), testing::Contains("merge"));
     Rig grey(plate::Screen::kBlue, 1, make_grey);
     grey.set("screen_color", "0,0,0");
@@ -254,15 +238,14 @@ TEST(AutoSetup, FindsTheScreenWhereNoneIsChosen) {
 }
 
 TEST(AutoSetup, SurvivesPlatesWithNothingToGoBy) {
+    constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
     const std::function<void(Image&)> changes[] = {
-        [](Image& fg) {  // backing alone
-            for (const Channel c : kMaskRgb)
-                std::fill_n(fg.line(c, 0), kWidth * kHeight, c == kGreen ? 0.6f : 0.15f);
-        },
+        [](Image& fg) {
+            fill(fg, {0, 0, kWidth, kHeight}, {0.15f, 0.6f, 0.15f});
+        },          // backing alone
         make_grey,  // no backing at all
         [](Image& fg) {
-            for (const Channel c : kMaskRgb)
-                std::fill_n(fg.line(c, 100), 40 * kWidth, std::numeric_limits<float>::quiet_NaN());
+            fill(fg, {0, 100, kWidth, 140}, {kNan, kNan, kNan});
         },
     };
     for (const auto& change : changes) {
