@@ -60,6 +60,13 @@ struct Rig : ToolRig {
         use(tool, {box.x + 3.2, box.y + 3.9, box.r - 3.4, box.t - 3.8});
     }
 
+    // Whether a stroke changes the value of a knob.
+    bool turns(const std::string& tool, const Box& box) {
+        const std::string before = values();
+        stroke(tool, box);
+        return values() != before;
+    }
+
     // The least and greatest value of a stage under the stroke.
     std::pair<float, float> span(const char* stage, Channel c, const Box& box) {
         node.invalidate();
