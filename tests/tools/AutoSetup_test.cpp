@@ -12,7 +12,7 @@
 #include "support/Loops.h"
 #include "tools/ToolRig.h"
 
-using namespace Zo::Image;
+using namespace test;
 
 namespace {
 
@@ -24,7 +24,7 @@ constexpr int kHeight = 270;
 constexpr Box kLeft{40, 120, 110, 260};
 
 // Keys a plate whose foreground was changed by `change`, by colour difference unless that is let go.
-struct Rig : test::ToolRig {
+struct Rig : ToolRig {
     explicit Rig(plate::Screen screen, std::uint64_t seed, const std::function<void(Image&)>& change = {})
         : set_of_plates(plate::render_set({kWidth, kHeight, seed, screen}, 0, 2)) {
         auto picture = std::make_shared<Image>(set_of_plates[plate::kForeground]);
@@ -34,7 +34,7 @@ struct Rig : test::ToolRig {
         set("screen_color", screen == plate::Screen::kBlue ? "0.09,0.22,0.6" : "0.14,0.6,0.24");
         hold("unmix_method");
     }
-    std::vector<float> alpha() { return test::render(node, 2).planes[kAlpha]; }
+    std::vector<float> alpha() { return render(node, 2).planes[kAlpha]; }
     // The sum of the alpha's differences from the true one.
     double error() {
         const std::vector<float> now = alpha();
@@ -57,7 +57,7 @@ struct Rig : test::ToolRig {
 template <class Counts>
 int count(const Box& box, const Counts& counts) {
     int sum = 0;
-    test::each(box.width(), box.height(), [&](int x, int y) {
+    each(box.width(), box.height(), [&](int x, int y) {
         sum += counts(static_cast<std::size_t>((box.y + y) * kWidth + box.x + x)) ? 1 : 0;
     });
     return sum;
@@ -127,7 +127,7 @@ TEST(AutoSetup, TakesSpillOutOfClothAndLeavesSkin) {
         fill(fg, {250, 10, 270, 60}, {0.40f, 0.52f, 0.42f});
     });
     rig.use("set_up");
-    const test::Picture out = test::render(rig.node, 2);
+    const Picture out = render(rig.node, 2);
     EXPECT_NEAR(out.at(kRed, 220, 35), 0.764f, 0.03f) << rig.told();
     EXPECT_NEAR(out.at(kGreen, 220, 35), 0.574f, 0.03f);
     EXPECT_NEAR(out.at(kBlue, 220, 35), 0.437f, 0.03f);
@@ -196,10 +196,10 @@ TEST(AutoSetup, WorksAroundWhatIsSet) {
         rig.use("set_up");
         std::vector<std::string> moved;
         for (const Knob* knob : before.changed()) moved.push_back(knob->name());
-        EXPECT_THAT(moved, testing::IsSupersetOf(test::words(c.moved)));
-        for (const std::string& name : test::words(std::string(c.stay) + ' ' + c.kept))
+        EXPECT_THAT(moved, testing::IsSupersetOf(words(c.moved)));
+        for (const std::string& name : words(std::string(c.stay) + ' ' + c.kept))
             EXPECT_THAT(moved, testing::Not(testing::Contains(name)));
-        for (const std::string& name : test::words(c.stay))
+        for (const std::string& name : words(c.stay))
             EXPECT_THAT(rig.told(), testing::HasSubstr('\n' + name + " stays"));
     }
 }
@@ -229,7 +229,7 @@ TEST(AutoSetup, FindsTheScreenWhereNoneIsChosen) {
     rig.hold("screen_color", false);
     rig.use("set_up");
     EXPECT_NEAR(rig.panel.get("screen_color").get_value(2), 0.6, 0.1) << rig.told();
-    EXPECT_THAT(test::words(rig.turned()), testing::Contains("merge"));
+    EXPECT_THAT(words(rig.turned()), testing::Contains("merge"));
     Rig grey(plate::Screen::kBlue, 1, make_grey);
     grey.set("screen_color", "0,0,0");
     grey.use("set_up");

@@ -14,7 +14,7 @@
 #include "support/Loops.h"
 #include "support/TestImages.h"
 
-using namespace Zo::Image;
+using namespace test;
 
 namespace {
 
@@ -35,7 +35,7 @@ ScreenEstimate look(Iop& image, std::optional<Channel> primary = {}) {
 // The picture has its pixels in a box of its own, whatever the frame shows.
 ScreenEstimate look(const Paint& paint, std::optional<Channel> primary = {}, const Box& box = kFrame) {
     const auto pixel = [&](Channel c, int x, int y) { return static_cast<float>(paint(x, y)[c - kRed]); };
-    test::FunctionSource image(box, kMaskRgb, pixel, kFrame);
+    FunctionSource image(box, kMaskRgb, pixel, kFrame);
     return look(image, primary);
 }
 
@@ -60,7 +60,7 @@ TEST(ScreenEstimate, SharesOfHalves) {
 TEST(ScreenEstimate, BordersCountMost) {
     const auto inside = [](int x, int y) { return x >= 8 && x < 56 && y < 42; };
     double blue = 0.0, all = 0.0;
-    test::each(64, 48, [&](int x, int y) {
+    each(64, 48, [&](int x, int y) {
         const double way = std::min({(x + 0.5) / 32.0, (63.5 - x) / 32.0, (47.5 - y) / 24.0});
         const double weight = way < 0.4 ? 1.0 + 3.0 * (1.0 - way / 0.4) : 1.0;
         all += weight;
