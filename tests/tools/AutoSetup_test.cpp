@@ -17,6 +17,7 @@ using namespace test;
 namespace {
 
 using veloxa::Image;
+using Change = std::function<void(Image&)>;
 
 constexpr int kWidth = 480;
 constexpr int kHeight = 270;
@@ -25,7 +26,7 @@ constexpr Box kLeft{40, 120, 110, 260};
 
 // Keys a plate whose foreground was changed by `change`, by colour difference unless that is let go.
 struct Rig : ToolRig {
-    explicit Rig(plate::Screen screen, std::uint64_t seed, const std::function<void(Image&)>& change = {})
+    explicit Rig(plate::Screen screen, std::uint64_t seed, const Change& change = {})
         : set_of_plates(plate::render_set({kWidth, kHeight, seed, screen}, 0, 2)) {
         auto picture = std::make_shared<Image>(set_of_plates[plate::kForeground]);
         if (change) change(*picture);
@@ -63,11 +64,16 @@ int count(const Box& box, const Counts& counts) {
     return sum;
 }
 
-void fill(Image& fg, const Box& box, const std::array<float, 3>& colour) {
-    for (int y = box.y; y < box.t; ++y) {
-        for (const Channel c : kMaskRgb) std::fill_n(fg.line(c, y) + box.x, box.width(), colour[c - kRed]);
-    }
+Change filled(const Box& box, const std::array<float, 3>& colour) {
+    return [=](Image& fg) {
+        for (int y = box.y; y < box.t; ++y) {
+            for (const Channel c : kMaskRgb)
+                std::fill_n(fg.line(c, y) + box.x, box.width(), colour[c - kRed]);
+        }
+    };
 }
+
+const Change kAllGrey = filled({0, 0, kWidth, kHeight}, {0.4f, 0.4f, 0.4f});
 
 TEST(AutoSetup, ComesNearerToTheTruthThanTheDefaults) {
     for (const plate::Screen screen : {plate::Screen::kGreen, plate::Screen::kBlue}) {
@@ -85,16 +91,12 @@ TEST(AutoSetup, ComesNearerToTheTruthThanTheDefaults) {
     }
 }
 
-void make_grey(Image& fg) {
-    fill(fg, {0, 0, kWidth, kHeight}, {0.4f, 0.4f, 0.4f});
-}
-
 TEST(AutoSetup, ChoosesTheMethod) {
     const struct {
         std::string sets;  // and held: NAME=VALUE
         bool unmixes;
         const char* told;
-        const std::function<void(Image&)> change = {};
+        Change change = {};
     } cases[] = {
         {"", true, "green screen: "},
         {"unmix_veil=0.3", true, "green screen: "},
@@ -104,7 +106,7 @@ TEST(AutoSetup, ChoosesTheMethod) {
         {"spill_suppression_enable=0", false, "colour difference, as spill_suppression is set"},
         {"film_enable=1", false, "colour difference, as film correction is on"},
         {"unmix_method=unmix darks=3", true, "unmix_method stays at unmix, as set"},
-        {"", false, "colour difference, as unmixing needs more of the backing", make_grey},
+        {"", false, "colour difference, as unmixing needs more of the backing", kAllGrey},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.sets);
@@ -123,8 +125,8 @@ TEST(AutoSetup, ChoosesTheMethod) {
 // A patch of skin on the jacket, and one of grey cloth that the screen shines on.
 TEST(AutoSetup, TakesSpillOutOfClothAndLeavesSkin) {
     Rig rig(plate::Screen::kGreen, 1, [&](Image& fg) {
-        fill(fg, {200, 10, 240, 60}, {0.764f, 0.574f, 0.437f});
-        fill(fg, {250, 10, 270, 60}, {0.40f, 0.52f, 0.42f});
+        filled({200, 10, 240, 60}, {0.764f, 0.574f, 0.437f})(fg);
+        filled({250, 10, 270, 60}, {0.40f, 0.52f, 0.42f})(fg);
     });
     rig.use("set_up");
     const Picture out = render(rig.node, 2);
@@ -230,7 +232,7 @@ TEST(AutoSetup, FindsTheScreenWhereNoneIsChosen) {
     rig.use("set_up");
     EXPECT_NEAR(rig.panel.get("screen_color").get_value(2), 0.6, 0.1) << rig.told();
     EXPECT_THAT(words(rig.turned()), testing::Contains("merge"));
-    Rig grey(plate::Screen::kBlue, 1, make_grey);
+    Rig grey(plate::Screen::kBlue, 1, kAllGrey);
     grey.set("screen_color", "0,0,0");
     grey.use("set_up");
     EXPECT_NE(grey.report().failure, "");
@@ -239,16 +241,9 @@ TEST(AutoSetup, FindsTheScreenWhereNoneIsChosen) {
 
 TEST(AutoSetup, SurvivesPlatesWithNothingToGoBy) {
     constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
-    const std::function<void(Image&)> changes[] = {
-        [](Image& fg) {
-            fill(fg, {0, 0, kWidth, kHeight}, {0.15f, 0.6f, 0.15f});
-        },          // backing alone
-        make_grey,  // no backing at all
-        [](Image& fg) {
-            fill(fg, {0, 100, kWidth, 140}, {kNan, kNan, kNan});
-        },
-    };
-    for (const auto& change : changes) {
+    // Backing alone, none at all, and a stripe of what is no number.
+    for (const Change& change : {filled({0, 0, kWidth, kHeight}, {0.15f, 0.6f, 0.15f}), kAllGrey,
+                                 filled({0, 100, kWidth, 140}, {kNan, kNan, kNan})}) {
         Rig rig(plate::Screen::kGreen, 1, change);
         rig.hold("unmix_method", false);
         rig.use("set_up");  // by whichever method

@@ -10,11 +10,6 @@ using namespace test;
 
 namespace {
 
-std::vector<float> alphas(Rig& rig) {
-    rig.node.invalidate();
-    return render(rig.node, kFrame).planes[kAlpha];
-}
-
 TEST(Elsewhere, StrokesTellWhatTheyCost) {
     constexpr const char* kBackingGone = "of the backing elsewhere is no longer clear";
     constexpr const char* kSubjectGone = "of the solid subject elsewhere is clear now";
@@ -42,10 +37,14 @@ TEST(Elsewhere, StrokesTellWhatTheyCost) {
         rig.set("matte_scale", c.scale);
         rig.set("screen_shrink", "0,0");
         rig.set("screen_orphans", "off");
-        const std::vector<float> before = alphas(rig);
+        const auto alphas = [&] {
+            rig.node.invalidate();
+            return render(rig.node, kFrame).planes[kAlpha];
+        };
+        const std::vector<float> before = alphas();
         rig.use(c.tool, {static_cast<double>(c.box.x), static_cast<double>(c.box.y),
                          static_cast<double>(c.box.r), static_cast<double>(c.box.t)});
-        const std::vector<float> after = alphas(rig);
+        const std::vector<float> after = alphas();
         SCOPED_TRACE(rig.told());
         if (*c.told == '\0') {
             EXPECT_FALSE(rig.report().changes.empty());
