@@ -35,43 +35,34 @@ struct Cached {
     Renderer renderer{2};
 };
 
+// What a change computes again after a picture for which `member` computed rows.
+void expect_computed(const char* before, const char* member, const char* change, const Names& computed) {
+    SCOPED_TRACE(change);
+    Rig rig(kFrame);
+    rig.node.set_input(2, &rig.bg);
+    rig.set(before);
+    Cached cached(std::size_t{1} << 26U);
+    cached.render(rig);
+    EXPECT_EQ(cached.computed().count(member), 1U);
+    rig.set(change);
+    cached.render(rig);
+    EXPECT_EQ(cached.computed(), computed);
+    cached.render(rig);
+    EXPECT_EQ(cached.computed(), Names{}) << "again";
+}
+
 TEST(Caching, AKnobComputesOnlyWhatFollowsIt) {
-    const struct {
-        const char* before;
-        const char* member;  // computes rows then
-        const char* change;
-        Names computed;
-    } cases[] = {
-        {"", "clearRegion", "output_mode unpremultiplied", {}},
-        {"", "clearRegion", "overlay_color 0,1,0,0.7", {}},
-        {"", "clearRegion", "spill_strength 70", {"spillSuppression"}},
-        // Normalising is as fast as reading back.
-        {"",
-         "clearRegion",
-         "screen_shrink 3,1",
-         {"normFg", "shrinkScreen", "horizontal", "vertical", "computePFG", "outputMatte",
-          "spillSuppression"}},
-        {"",
-         "clearRegion",
-         "brights 120",
-         {"normFg", "computeMatte", "computePFG", "outputMatte", "spillSuppression"}},
-        // Operators that need whole frames rest behind kept rows.
-        {"edge_kernel 4", "matteCorrectRaw", "spill_cool 71", {"spillSuppression"}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.change);
-        Rig rig(kFrame);
-        rig.node.set_input(2, &rig.bg);
-        rig.set(c.before);
-        Cached cached(std::size_t{1} << 26U);
-        cached.render(rig);
-        EXPECT_EQ(cached.computed().count(c.member), 1U);
-        rig.set(c.change);
-        cached.render(rig);
-        EXPECT_EQ(cached.computed(), c.computed);
-        cached.render(rig);
-        EXPECT_EQ(cached.computed(), Names{}) << "again";
-    }
+    expect_computed("", "clearRegion", "output_mode unpremultiplied", {});
+    expect_computed("", "clearRegion", "overlay_color 0,1,0,0.7", {});
+    expect_computed("", "clearRegion", "spill_strength 70", {"spillSuppression"});
+    // Normalising is as fast as reading back.
+    expect_computed("", "clearRegion", "screen_shrink 3,1",
+                    {"normFg", "shrinkScreen", "horizontal", "vertical", "computePFG", "outputMatte",
+                     "spillSuppression"});
+    expect_computed("", "clearRegion", "brights 120",
+                    {"normFg", "computeMatte", "computePFG", "outputMatte", "spillSuppression"});
+    // Operators that need whole frames rest behind kept rows.
+    expect_computed("edge_kernel 4", "matteCorrectRaw", "spill_cool 71", {"spillSuppression"});
 }
 
 TEST(Caching, AnySeriesOfChangesEqualsAFreshNode) {

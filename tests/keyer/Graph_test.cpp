@@ -14,79 +14,68 @@ const char* const kEverythingOn =
     "film 1; shadow 1; cleanup 1; color_conformance 1; edge_kernel 3; cleanup_shrink 15,5; cleanup_blur 2,1; "
     "shadows_blur 2,3; film_strength 50; color_hue 20; overlay_mode screen";
 
-TEST(Graph, AlternativesOfTheWiring) {
-    const struct {
-        bool clean_plate;
-        const char* settings;
-        std::vector<std::string> expected;  // reader, its input, what it reads
-    } cases[] = {
-        {false,
-         "",
-         {"filmCorrection 1 shrinkS", "clearRegionCP 1 normFg", "clearRegion 0 normFg",
-          "clearRegion 1 normCp", "shrinkScreen 0 computeIsland", "computePFG 0 normFg",
-          "computePFG 2 computeMatte", "computePFG 3 shrinkScreen", "matteCorrectRaw 1 shrinkScreen",
-          "outputMatte 0 computePFG", "spillSuppression 1 shrinkScreen", "colorCorrection 0 spillSuppression",
-          "blurCU 0 outputMatte", "cleanup 0 outputMatte", "smartInterpol 0 normFg",
-          "shadowBlur 0 computeShadow", "combineShadow 0 spillSuppression", "combineShadow 1 outputMatte"}},
-        {true,
-         "",
-         {"clearRegionCP 1 normCp", "clearRegion 0 shrinkCP", "smartInterpol 0 normCp",
-          "shadowBlur 0 clearFrame"}},
-        {true,
-         "screen_correct 0",
-         {"clearRegion 0 normFg", "matteCorrectRaw 1 computeMatte", "matteCorrectPFG 1 computePFG",
-          "spillSuppression 1 outputMatte", "computePFG 3 shrinkScreen", "shadowBlur 0 computeShadow"}},
-        {false,
-         "screen_shrink 0,-3; film_shrink 0,0",
-         {"computePFG 3 computeIsland", "filmCorrection 1 subRegion"}},
-        {false,
-         "screen_shrink 0,0; screen_orphans off",
-         {"computePFG 3 clearRegion", "shrinkScreen 0 clearRegion", "smartInterpol 1 clearRegion"}},
-        {false, "edge_kernel 0.99", {"computePFG 2 computeMatte", "outputMatte 0 computePFG"}},
-        {false,
-         "edge_kernel 1; film 1",
-         {"computePFG 2 matteCorrectRaw", "outputMatte 0 matteCorrectPFG", "computePFG 0 filmCorrection"}},
-        {false,
-         "cleanup 1; cleanup_shrink 0,1; cleanup_blur 1,0",
-         {"blurCU 0 shrinkCU", "cleanup 0 blurCU", "combineShadow 1 cleanup"}},
-        // A clean-up that changes nothing is left out.
-        {false, "cleanup 1; cleanup_cleanup 0.9; cleanup_shrink 0,1", {"combineShadow 1 shrinkCU"}},
-        {false,
-         "color_conformance 1; spill_suppression 0",
-         {"colorCorrection 0 outputMatte", "combineShadow 0 colorCorrection"}},
-        {false, "spill_suppression 0", {"combineShadow 0 outputMatte"}},
-        {true,
-         "unmix_method unmix",
-         {"unmixColour 0 unmixClean", "shrinkCU 0 unmixMatte", "blurCU 0 unmixMatte", "cleanup 0 unmixMatte",
-          "shadowBlur 0 unmixShadow", "combineShadow 0 unmixMatte", "combineShadow 1 unmixMatte"}},
-        {false,
-         "unmix_method unmix; color_conformance 1; cleanup 1; cleanup_blur 1,1",
-         {"colorCorrection 0 unmixMatte", "blurCU 0 unmixMatte", "cleanup 0 blurCU",
-          "combineShadow 0 colorCorrection", "combineShadow 1 cleanup"}},
-    };
-    for (const auto& c : cases) {
-        Rig rig;
-        if (c.clean_plate) rig.node.set_input(1, &rig.cp);
-        rig.set(c.settings);
-        std::vector<std::string> wires;
-        for (const Op* reader : rig.node.children()) {
-            for (int n = 0; n < reader->inputs(); ++n) {
-                if (reader->input_op(n) == nullptr) continue;
-                wires.push_back(reader->member_name() + ' ' + std::to_string(n) + ' ' +
-                                reader->input_op(n)->member_name());
-            }
+// Each: reader, its input, what it reads.
+void expect_wires(bool clean_plate, const char* settings, const std::vector<std::string>& expected) {
+    Rig rig;
+    if (clean_plate) rig.node.set_input(1, &rig.cp);
+    rig.set(settings);
+    std::vector<std::string> wires;
+    for (const Op* reader : rig.node.children()) {
+        for (int n = 0; n < reader->inputs(); ++n) {
+            const Op* const source = reader->input_op(n);
+            wires.push_back(reader->member_name() + ' ' + std::to_string(n) + ' ' +
+                            (source == nullptr ? "" : source->member_name()));
         }
-        EXPECT_THAT(wires, testing::IsSupersetOf(c.expected)) << c.settings;
     }
+    EXPECT_THAT(wires, testing::IsSupersetOf(expected)) << settings << (clean_plate ? ", clean plate" : "");
+}
+
+TEST(Graph, AlternativesOfTheWiring) {
+    expect_wires(
+        false, "",
+        {"filmCorrection 1 shrinkS", "clearRegionCP 1 normFg", "clearRegion 0 normFg", "clearRegion 1 normCp",
+         "shrinkScreen 0 computeIsland", "computePFG 0 normFg", "computePFG 2 computeMatte",
+         "computePFG 3 shrinkScreen", "matteCorrectRaw 1 shrinkScreen", "outputMatte 0 computePFG",
+         "spillSuppression 1 shrinkScreen", "colorCorrection 0 spillSuppression", "blurCU 0 outputMatte",
+         "cleanup 0 outputMatte", "smartInterpol 0 normFg", "shadowBlur 0 computeShadow",
+         "combineShadow 0 spillSuppression", "combineShadow 1 outputMatte"});
+    expect_wires(true, "",
+                 {"clearRegionCP 1 normCp", "clearRegion 0 shrinkCP", "smartInterpol 0 normCp",
+                  "shadowBlur 0 clearFrame"});
+    expect_wires(
+        true, "screen_correct 0",
+        {"clearRegion 0 normFg", "matteCorrectRaw 1 computeMatte", "matteCorrectPFG 1 computePFG",
+         "spillSuppression 1 outputMatte", "computePFG 3 shrinkScreen", "shadowBlur 0 computeShadow"});
+    expect_wires(false, "screen_shrink 0,-3; film_shrink 0,0",
+                 {"computePFG 3 computeIsland", "filmCorrection 1 subRegion"});
+    expect_wires(false, "screen_shrink 0,0; screen_orphans off",
+                 {"computePFG 3 clearRegion", "shrinkScreen 0 clearRegion", "smartInterpol 1 clearRegion"});
+    expect_wires(false, "edge_kernel 0.99", {"computePFG 2 computeMatte", "outputMatte 0 computePFG"});
+    expect_wires(
+        false, "edge_kernel 1; film 1",
+        {"computePFG 2 matteCorrectRaw", "outputMatte 0 matteCorrectPFG", "computePFG 0 filmCorrection"});
+    expect_wires(false, "cleanup 1; cleanup_shrink 0,1; cleanup_blur 1,0",
+                 {"blurCU 0 shrinkCU", "cleanup 0 blurCU", "combineShadow 1 cleanup"});
+    // A clean-up that changes nothing is left out.
+    expect_wires(false, "cleanup 1; cleanup_cleanup 0.9; cleanup_shrink 0,1", {"combineShadow 1 shrinkCU"});
+    expect_wires(false, "color_conformance 1; spill_suppression 0",
+                 {"colorCorrection 0 outputMatte", "combineShadow 0 colorCorrection"});
+    expect_wires(false, "spill_suppression 0", {"combineShadow 0 outputMatte"});
+    expect_wires(
+        true, "unmix_method unmix",
+        {"unmixColour 0 unmixClean", "shrinkCU 0 unmixMatte", "blurCU 0 unmixMatte", "cleanup 0 unmixMatte",
+         "shadowBlur 0 unmixShadow", "combineShadow 0 unmixMatte", "combineShadow 1 unmixMatte"});
+    expect_wires(false, "unmix_method unmix; color_conformance 1; cleanup 1; cleanup_blur 1,1",
+                 {"colorCorrection 0 unmixMatte", "blurCU 0 unmixMatte", "cleanup 0 blurCU",
+                  "combineShadow 0 colorCorrection", "combineShadow 1 cleanup"});
 }
 
 // A shadow on the backing that grows to 0.4 in its middle, off the subject.
 TEST(Graph, TheUnmixedShadowIsWhatTheBackingLacks) {
     const Box frame{0, 0, 160, 90};
     const auto light = [](int x, int y) {
-        const float dx = static_cast<float>(x - 110) / 18.0f;
-        const float dy = static_cast<float>(y - 45) / 18.0f;
-        return 1.0f - 0.4f * std::exp(-0.5f * (dx * dx + dy * dy));
+        const auto away = static_cast<float>((x - 110) * (x - 110) + (y - 45) * (y - 45));
+        return 1.0f - 0.4f * std::exp(-0.5f * away / (18.0f * 18.0f));
     };
     Rig rig(frame, [&](Channel c, int x, int y) {
         const bool subject = (x - 35) * (x - 35) + (y - 45) * (y - 45) < 400;
@@ -194,9 +183,7 @@ TEST(Graph, ASpillKnobLeavesEverythingUpstreamAsItIs) {
 struct Configuration {
     bool inputs;
     const char* settings;
-};
-
-const Configuration kConfigurations[] = {
+} const kConfigurations[] = {
     {false, ""},
     {true, ""},
     {false, "edge_kernel 4"},
