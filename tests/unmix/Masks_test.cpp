@@ -29,12 +29,8 @@ double least(const Bytes& mask, int value, int x, int y, const Measure& measure,
     return best;
 }
 
-double straight(int dx, int dy) {
-    return std::hypot(dx, dy);
-}
-double steps(int dx, int dy) {
-    return std::abs(dx) + std::abs(dy);
-}
+const auto straight = [](int dx, int dy) { return std::hypot(dx, dy); };
+const auto steps = [](int dx, int dy) { return static_cast<double>(std::abs(dx) + std::abs(dy)); };
 
 // Each pixel's number spreads to its neighbours while it is less.
 void check_components(const Bytes& mask) {
