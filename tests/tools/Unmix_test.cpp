@@ -83,8 +83,7 @@ TEST(Unmix, AShotKeepsAVeilFromBreathing) {
     const auto veil = [&](bool posts, float light) {
         show(posts, light);
         rig.node.validate(true);
-        Renderer renderer(2);
-        const Picture alpha = render(renderer, *rig.node.child("unmixClean")->as_iop(), frame);
+        const Picture alpha = render(*rig.node.child("unmixClean")->as_iop(), frame, 2);
         double sum = 0.0;
         for (int x = 60; x < 80; ++x) sum += static_cast<double>(alpha.at(kAlpha, x, 120)) / 20.0;
         return sum;
