@@ -1,44 +1,31 @@
 // The output passes against values worked out by hand, and in the node.
 #include "keyer/OutputKernel.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <cmath>
-#include <limits>
-#include <utility>
 
 #include "keyer/Rig.h"
 #include "stages/WorkingScale.h"
 
-using namespace Zo::Image;
-using test::green_screen;
-using test::Rig;
-using test::same_bit_pattern;
+using namespace test;
+using testing::NanSensitiveFloatEq;
+using testing::NanSensitiveFloatNear;
+using testing::Pointwise;
 
 namespace {
 
-constexpr float kInf = std::numeric_limits<float>::infinity();
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-
 TEST(OutputKernel, DecodeUndoesTheKnee) {
-    struct Case {
-        float v;
-        float decoded;
-    };
-    const Case cases[] = {
+    const struct {
+        float v, decoded;
+    } cases[] = {
         {0.0f, 0.0f},    {-25.5f, -0.1f},  // straight below the pivot
         {127.5f, 0.5f},  {170.0f, 1.0f},   // t = 1/3: t / (1 - t) + 0.5
         {191.25f, 1.5f}, {229.5f, 4.5f},   // t = 0.5, t = 0.8
-        {255.0f, kInf},  {300.0f, kInf},
+        {255.0f, kInf},  {300.0f, kInf},  {kNaN, kNaN},
     };
-    for (const Case& c : cases) {
-        if (std::isinf(c.decoded)) {
-            EXPECT_EQ(decode(c.v, 0.5f), c.decoded) << c.v;
-        } else {
-            EXPECT_NEAR(decode(c.v, 0.5f), c.decoded, 2e-6f) << c.v;
-        }
-    }
-    EXPECT_TRUE(std::isnan(decode(kNaN, 0.5f)));
+    for (const auto& c : cases)
+        EXPECT_THAT(decode(c.v, 0.5f), NanSensitiveFloatNear(c.decoded, 2e-6f)) << c.v;
     EXPECT_FLOAT_EQ(decode(51.0f, 0.1f), 0.1f / 0.9f / (1.0f - 0.1f / 0.9f) + 0.1f);
 }
 
@@ -50,19 +37,10 @@ TEST(OutputKernel, RulesForEveryMode) {
     constexpr std::size_t n = std::size(matte);
     float k[n];
     opacity(matte, k, n);
-    const float expected_k[] = {1, 0, 0, 1, 0.5f, 1, 0};
-    for (std::size_t i = 0; i < n; ++i) EXPECT_NEAR(k[i], expected_k[i], 1e-6f) << i;
-
+    EXPECT_THAT(k, Pointwise(NanSensitiveFloatNear(1e-6f), {1.0f, 0.0f, 0.0f, 1.0f, 0.5f, 1.0f, 0.0f}));
     float out[n];
     output_colour(OutputMode::kComposite, colour, background, k, out, n);
-    const float composite[] = {0.2f, 0.5f, 0.25f, 0.2f, 0.7f, kInf, kInf};
-    for (std::size_t i = 0; i < n; ++i) {
-        if (std::isinf(composite[i])) {
-            EXPECT_EQ(out[i], composite[i]) << i;
-        } else {
-            EXPECT_NEAR(out[i], composite[i], 1e-6f) << i;
-        }
-    }
+    EXPECT_THAT(out, Pointwise(NanSensitiveFloatNear(1e-6f), {0.2f, 0.5f, 0.25f, 0.2f, 0.7f, kInf, kInf}));
     output_colour(OutputMode::kPremultiplied, colour, background, k, out, n);
     EXPECT_EQ(out[2], 0.0f);
     EXPECT_NEAR(out[4], 0.2f, 1e-6f);
@@ -74,94 +52,77 @@ TEST(OutputKernel, RulesForEveryMode) {
 TEST(OutputKernel, LinearScaleAndAddedColour) {
     // Opaque, two thirds, nearly and fully transparent, beyond both ends, NaN.
     const float matte[] = {0.0f, 170.0f, 204.0f, 255.0f, 400.0f, -30.0f, kNaN};
-    const float expected_k[] = {1.0f, 1.0f / 3.0f, 0.2f, 0.0f, 0.0f, 1.0f};
-    constexpr std::size_t n = std::size(matte);
-    float k[n];
-    linear_opacity(matte, k, n);
-    for (std::size_t i = 0; i + 1 < n; ++i) EXPECT_NEAR(k[i], expected_k[i], 1e-6f) << i;
-    EXPECT_TRUE(std::isnan(k[n - 1]));
+    float out[std::size(matte)];
+    for (const auto scale : {linear_opacity, colour_share}) {  // the same line, without the knee's bend
+        scale(matte, out, std::size(matte));
+        EXPECT_THAT(
+            out, Pointwise(NanSensitiveFloatNear(1e-6f), {1.0f, 1.0f / 3.0f, 0.2f, 0.0f, 0.0f, 1.0f, kNaN}));
+    }
+}
 
-    float share[n];
-    colour_share(matte, share, n);  // the same line, without the knee's bend
-    for (std::size_t i = 0; i + 1 < n; ++i) EXPECT_NEAR(share[i], expected_k[i], 1e-6f) << i;
-    EXPECT_TRUE(std::isnan(share[n - 1]));
+struct Merged {
+    float colour, background, k, share;
+    float expected[3];  // as composite, premultiplied, unpremultiplied
+};
+
+template <class Merge, class Matcher>
+void check_merge(const Merged& c, const Merge& merge, const Matcher& like) {
+    SCOPED_TRACE(testing::Message() << c.colour << " over " << c.background << ", " << c.k);
+    for (const int mode : {0, 1, 2}) {
+        float out = 0.0f;
+        merge(static_cast<OutputMode>(mode), &c.colour, &c.background, &c.k, &c.share, &out, 1);
+        EXPECT_THAT(out, like(c.expected[mode])) << mode;
+        EXPECT_TRUE(std::isnan(out) || std::signbit(out) == std::signbit(c.expected[mode])) << mode;
+    }
 }
 
 TEST(OutputKernel, AddedColour) {
-    const struct {
-        float colour, background, k, share;
-        float composite, premultiplied, unpremultiplied;
-    } cases[] = {
+    const Merged cases[] = {
         // Colours that decode to 0.1, 1.5 and what no half float holds, all as the matte has them.
-        {25.5f, 0.5f, 0.2f, 0.2f, 0.5f, 0.1f, 0.5f},
-        {191.25f, 0.8f, 0.25f, 0.25f, 2.1f, 1.5f, 6.0f},
-        {255.0f, 1.0f, 0.5f, 0.5f, 65504.5f, 65504.0f, 131008.0f},
+        {25.5f, 0.5f, 0.2f, 0.2f, {0.5f, 0.1f, 0.5f}},
+        {191.25f, 0.8f, 0.25f, 0.25f, {2.1f, 1.5f, 6.0f}},
+        {255.0f, 1.0f, 0.5f, 0.5f, {65504.5f, 65504.0f, 131008.0f}},
         // Lowered to a quarter of its share; risen, which brings no colour.
-        {102.0f, 0.5f, 0.2f, 0.8f, 0.5f, 0.1f, 0.5f},
-        {102.0f, 0.5f, 0.8f, 0.5f, 0.5f, 0.4f, 0.5f},
+        {102.0f, 0.5f, 0.2f, 0.8f, {0.5f, 0.1f, 0.5f}},
+        {102.0f, 0.5f, 0.8f, 0.5f, {0.5f, 0.4f, 0.5f}},
         // Left out altogether, with and without colour of its own; solid.
-        {102.0f, 0.75f, 0.0f, 0.8f, 0.75f, 0.0f, 0.0f},
-        {300.0f, -0.0f, 0.0f, 0.0f, -0.0f, 0.0f, 0.0f},
-        {255.0f, kInf, 0.0f, 0.5f, kInf, 0.0f, 0.0f},
-        {25.5f, kInf, 1.0f, 1.0f, 0.1f, 0.1f, 0.1f},
-        {kNaN, 0.5f, 1.0f, 1.0f, kNaN, kNaN, kNaN},
-        {25.5f, 0.5f, kNaN, 0.5f, kNaN, 0.1f, kNaN},
+        {102.0f, 0.75f, 0.0f, 0.8f, {0.75f, 0.0f, 0.0f}},
+        {300.0f, -0.0f, 0.0f, 0.0f, {-0.0f, 0.0f, 0.0f}},
+        {255.0f, kInf, 0.0f, 0.5f, {kInf, 0.0f, 0.0f}},
+        {25.5f, kInf, 1.0f, 1.0f, {0.1f, 0.1f, 0.1f}},
+        {kNaN, 0.5f, 1.0f, 1.0f, {kNaN, kNaN, kNaN}},
+        {25.5f, 0.5f, kNaN, 0.5f, {kNaN, 0.1f, kNaN}},
     };
-    for (const auto& c : cases) {
-        const auto check = [&](OutputMode mode, float expected) {
-            float out = 0.0f;
-            added_colour(mode, &c.colour, &c.background, &c.k, &c.share, &out, 1);
-            if (std::isnan(expected)) {
-                EXPECT_TRUE(std::isnan(out)) << c.colour << ' ' << c.k;
-            } else {
-                EXPECT_FLOAT_EQ(out, expected) << c.colour << ' ' << c.k;
-                EXPECT_EQ(std::signbit(out), std::signbit(expected)) << c.colour << ' ' << c.k;
-            }
-        };
-        check(OutputMode::kComposite, c.composite);
-        check(OutputMode::kPremultiplied, c.premultiplied);
-        check(OutputMode::kUnpremultiplied, c.unpremultiplied);
-    }
+    for (const Merged& c : cases)
+        check_merge(c, added_colour, [](float expected) { return NanSensitiveFloatEq(expected); });
 }
 
 TEST(OutputKernel, UnmixedColour) {
     constexpr auto kStored = Encoding::kStored;
     constexpr auto kSrgb = Encoding::kSrgb;
-    const struct {
-        Encoding encoding;
-        float colour, background, k, share;
-        float composite, premultiplied, unpremultiplied;
-    } cases[] = {
-        {kStored, 0.3f, 0.5f, 0.5f, 0.5f, 0.55f, 0.3f, 0.6f},
+    const std::pair<Encoding, Merged> cases[] = {
+        {kStored, {0.3f, 0.5f, 0.5f, 0.5f, {0.55f, 0.3f, 0.6f}}},
         // Lowered, risen, left out; without a share.
-        {kStored, 0.4f, 0.5f, 0.2f, 0.8f, 0.5f, 0.1f, 0.5f},
-        {kStored, 0.2f, 0.5f, 0.8f, 0.4f, 0.3f, 0.4f, 0.5f},
-        {kStored, 0.4f, -0.0f, 0.0f, 0.8f, -0.0f, 0.0f, 0.0f},
-        {kStored, 0.0f, 0.5f, 0.5f, 0.0f, 0.25f, 0.0f, 0.0f},
+        {kStored, {0.4f, 0.5f, 0.2f, 0.8f, {0.5f, 0.1f, 0.5f}}},
+        {kStored, {0.2f, 0.5f, 0.8f, 0.4f, {0.3f, 0.4f, 0.5f}}},
+        {kStored, {0.4f, -0.0f, 0.0f, 0.8f, {-0.0f, 0.0f, 0.0f}}},
+        {kStored, {0.0f, 0.5f, 0.5f, 0.0f, {0.25f, 0.0f, 0.0f}}},
         // Bright and solid before what is not finite.
-        {kStored, 1000.0f, kInf, 1.0f, 1.0f, 1000.0f, 1000.0f, 1000.0f},
-        {kSrgb, 1000.0f, kNaN, 1.0f, 1.0f, 1000.0f, 1000.0f, 1000.0f},
-        {kStored, kNaN, 0.5f, 0.5f, 0.5f, kNaN, kNaN, kNaN},
-        {kStored, -1.0f, 0.0f, 1e-6f, 1e-6f, -1.0f, -1.0f, -65504.0f},
+        {kStored, {1000.0f, kInf, 1.0f, 1.0f, {1000.0f, 1000.0f, 1000.0f}}},
+        {kSrgb, {1000.0f, kNaN, 1.0f, 1.0f, {1000.0f, 1000.0f, 1000.0f}}},
+        {kStored, {kNaN, 0.5f, 0.5f, 0.5f, {kNaN, kNaN, kNaN}}},
+        {kStored, {-1.0f, 0.0f, 1e-6f, 1e-6f, {-1.0f, -1.0f, -65504.0f}}},
         // White over black and half grey over white, by light.
-        {kSrgb, 0.5f, 0.0f, 0.5f, 0.5f, 0.735357f, 0.5f, 1.0f},
-        {kSrgb, 0.25f, 1.0f, 0.25f, 0.5f, 0.908087f, 0.125f, 0.5f},
-        {kSrgb, 0.25f, -0.25f, 0.0f, 0.5f, -0.25f, 0.0f, 0.0f},
+        {kSrgb, {0.5f, 0.0f, 0.5f, 0.5f, {0.735357f, 0.5f, 1.0f}}},
+        {kSrgb, {0.25f, 1.0f, 0.25f, 0.5f, {0.908087f, 0.125f, 0.5f}}},
+        {kSrgb, {0.25f, -0.25f, 0.0f, 0.5f, {-0.25f, 0.0f, 0.0f}}},
     };
+    const auto near = [](float expected) { return NanSensitiveFloatNear(expected, 2e-6f); };
     for (const auto& c : cases) {
-        const auto check = [&](OutputMode mode, float expected) {
-            float out = 0.0f;
-            unmixed_colour({mode, c.encoding}, &c.colour, &c.background, &c.k, &c.share, &out, 1);
-            if (std::isnan(expected)) {
-                EXPECT_TRUE(std::isnan(out)) << c.colour << ' ' << c.k;
-            } else {
-                EXPECT_NEAR(out, expected, 2e-6f) << c.colour << ' ' << c.k;
-                EXPECT_EQ(std::signbit(out), std::signbit(expected)) << c.colour << ' ' << c.k;
-            }
+        const auto unmixed = [&](OutputMode mode, auto... planes) {
+            unmixed_colour({mode, c.first}, planes...);
         };
-        check(OutputMode::kComposite, c.composite);
-        check(OutputMode::kPremultiplied, c.premultiplied);
-        check(OutputMode::kUnpremultiplied, c.unpremultiplied);
+        check_merge(c.second, unmixed, near);
     }
 }
 
@@ -171,16 +132,15 @@ TEST(OutputKernel, OverlayCoversScreenOrSubject) {
     const float g[] = {0.5f, 0.5f, 0.5f, 0.5f, 0.5f};
     const float b[] = {0, 0, 0, 0, 0};
     constexpr std::size_t n = std::size(region);
-    struct Case {
+    const struct {
         OverlayMode mode;
         bool covered[n];
-    };
-    const Case cases[] = {
+    } cases[] = {
         {OverlayMode::kScreen, {false, true, true, false, false}},
         {OverlayMode::kSubject, {true, false, false, false, false}},
         {static_cast<OverlayMode>(3), {false, false, false, false, false}},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         float out[3][n];
         const OverlayParams params{c.mode, false, {0.0f, 1.0f, 1.0f, 0.25f}, 0.5f};
         overlay(params, region, {r, g, b}, {out[0], out[1], out[2]}, n);
@@ -204,13 +164,10 @@ TEST(OutputKernel, HoldoutBringsTheForegroundBack) {
     float colour[] = {0.5f, 0.0f, 0.6f, 0.5f, 0.75f};
     holdout_alpha(holdout, alpha, 5);
     holdout_colour(holdout, fg, colour, 5);
-    const float expected_alpha[] = {0.8f, 0.5f, 0.3f, 0.4f, 1.0f};
-    for (int i = 0; i < 5; ++i) EXPECT_EQ(alpha[i], expected_alpha[i]) << i;
-    EXPECT_FLOAT_EQ(colour[0], 0.75f);
-    EXPECT_FLOAT_EQ(colour[1], 0.5f);
-    EXPECT_EQ(colour[2], 0.6f);
-    EXPECT_TRUE(std::isnan(colour[3]));  // a NaN counts as not 0
-    EXPECT_EQ(colour[4], 0.25f);
+    EXPECT_THAT(alpha, testing::ElementsAre(0.8f, 0.5f, 0.3f, 0.4f, 1.0f));
+    // A NaN counts as not 0.
+    EXPECT_THAT(colour, testing::ElementsAre(testing::FloatEq(0.75f), testing::FloatEq(0.5f), 0.6f,
+                                             testing::IsNan(), 0.25f));
 }
 
 // A white lamp in the subject, from 0.9 to far beyond what any knee keeps.
@@ -222,72 +179,61 @@ TEST(Output, HighlightsStayNeutralAndFinite) {
     for (const char* const settings :
          {"", "merge add; matte_scale linear", "shadow 1; spill_suppression 0", "output_mode unpremultiplied",
           "color_conformance 1; output_mode premultiplied"}) {
+        SCOPED_TRACE(settings);
         Rig rig({0, 0, 41, 31}, lamp);
         rig.set(settings);
-        const test::Picture clipped = test::render(rig.node);
+        const Picture clipped = render(rig.node);
         rig.set("highlights keep");
-        const test::Picture kept = test::render(rig.node);
+        const Picture kept = render(rig.node);
         for (int x = 14; x < 27; ++x) {
-            ASSERT_EQ(kept.at(kAlpha, x, 15), 1.0f) << settings << x;
+            ASSERT_EQ(kept.at(kAlpha, x, 15), 1.0f) << x;
             for (const Channel c : kMaskRgb) {
                 const float plate = lamp(c, x, 15);
                 const float before = clipped.at(c, x, 15);
                 const float here = kept.at(c, x, 15);
-                if (plate <= 1.0f) {
-                    EXPECT_TRUE(same_bit_pattern(here, before)) << settings << x;
-                }
-                if (plate > 1.0f && plate < 2.0f) {
-                    EXPECT_NEAR(here, before + (plate - 1.0f) * (plate - before), 1e-5f) << settings << x;
-                }
-                if (plate >= 2.0f) {
-                    EXPECT_EQ(here, plate) << settings << x;
-                }
+                const float keep = std::clamp(plate - 1.0f, 0.0f, 1.0f);
+                EXPECT_TRUE(keep > 0.0f || same_bit_pattern(here, before)) << x;
+                EXPECT_NEAR(here, std::lerp(before, plate, keep), keep < 1.0f ? 1e-5f : 0.0f) << x;
             }
         }
         for (const Channel c : kMaskRgba) {
-            EXPECT_TRUE(same_bit_pattern(kept.at(c, 3, 3), clipped.at(c, 3, 3))) << settings;
+            EXPECT_TRUE(same_bit_pattern(kept.at(c, 3, 3), clipped.at(c, 3, 3)));
         }
     }
 }
 
 // The linear matte scale and the added foreground, with the colour of the operator that must supply it.
 TEST(Output, TheTabActsOnBothPaths) {
-    struct Case {
-        bool shadow, spill, conform;
+    const struct {
+        const char* settings;
         const char* colour;
         const char* matte;
-    };
-    const Case cases[] = {{false, false, false, "outputMatte", "outputMatte"},
-                          {false, true, false, "spillSuppression", "outputMatte"},
-                          {false, false, true, "colorCorrection", "outputMatte"},
-                          {true, false, false, "combineShadow", "combineShadow"},
-                          {true, true, false, "combineShadow", "combineShadow"}};
-    for (const Case& c : cases) {
+    } cases[] = {{"spill_suppression 0", "outputMatte", "outputMatte"},
+                 {"", "spillSuppression", "outputMatte"},
+                 {"spill_suppression 0; color_conformance 1", "colorCorrection", "outputMatte"},
+                 {"spill_suppression 0; shadow 1", "combineShadow", "combineShadow"},
+                 {"shadow 1", "combineShadow", "combineShadow"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.settings);
         Rig rig;
         rig.connect_all();
         rig.node.set_input(4, nullptr);
-        KnobStorage& k = rig.knobs();
-        k.shadow = c.shadow;
-        k.spill_suppression = c.spill;
-        k.color_conformance = c.conform;
-        k.matte_scale = k.merge = 1;
-        rig.update();
-        const test::Picture out = test::render(rig.node, 2);
-        const test::Picture colour = test::render(rig.member(c.colour));
-        const test::Picture matte = test::render(rig.member(c.matte));
+        rig.knobs().matte_scale = rig.knobs().merge = 1;
+        rig.set(c.settings);
+        const Picture out = render(rig.node, 2);
+        const Picture colour = render(rig.member(c.colour));
+        const Picture matte = render(rig.member(c.matte));
         int mixed = 0;
-        for (int y = 0; y < 31; ++y) {
-            for (int x = 0; x < 41; ++x) {
-                const double opaque = std::clamp(1.0 - double{matte.at(kAlpha, x, y)} / 255.0, 0.0, 1.0);
-                ASSERT_NEAR(double{out.at(kAlpha, x, y)}, opaque, 1e-6) << c.colour << x << ' ' << y;
-                mixed += opaque > 0.1 && opaque < 0.9 ? 1 : 0;
-                const double s = double{colour.at(kRed, x, y)} / 255.0;  // straight up to the pivot
-                const double added = s > 0.5 ? (2.0 * s - 1.0) / (2.0 - 2.0 * s) + 0.5 : s;
-                const double expected = added + (1.0 - opaque) * ((x + y) % 9) * 0.1;
-                ASSERT_NEAR(double{out.at(kRed, x, y)}, expected, 1e-5) << c.colour << x << ' ' << y;
-            }
-        }
-        EXPECT_GT(mixed, 10) << c.colour;
+        each(41, 31, [&](int x, int y) {
+            const double opaque = std::clamp(1.0 - double{matte.at(kAlpha, x, y)} / 255.0, 0.0, 1.0);
+            ASSERT_NEAR(double{out.at(kAlpha, x, y)}, opaque, 1e-6) << x << ' ' << y;
+            mixed += opaque > 0.1 && opaque < 0.9 ? 1 : 0;
+            const double s = double{colour.at(kRed, x, y)} / 255.0;  // straight up to the pivot
+            const double added = s > 0.5 ? (2.0 * s - 1.0) / (2.0 - 2.0 * s) + 0.5 : s;
+            const double expected = added + (1.0 - opaque) * ((x + y) % 9) * 0.1;
+            ASSERT_NEAR(double{out.at(kRed, x, y)}, expected, 1e-5) << x << ' ' << y;
+        });
+        EXPECT_GT(mixed, 10);
     }
 }
 
@@ -302,44 +248,39 @@ TEST(Output, TheFinalMatteDecidesWhatIsBackgroundAlone) {
         {false, "unmix_method unmix"},
         {false, "unmix_method unmix; unmix_encoding sRGB; color_conformance 1"},
         {false, "unmix_method unmix; shadow 1; cleanup 1"}};
-    const float backing[] = {0.0f, 0.2f, 0.65f, 0.3f};
-    const auto half_even = [&](Channel c, int x, int y) {
-        return x < 12 ? backing[static_cast<std::size_t>(c)] : green_screen(c, x, y);
+    const auto half_even = [](Channel c, int x, int y) {
+        return x < 12 ? kPlainBacking[c] : green_screen(c, x, y);
     };
+    const auto light = [](Channel, int x, int y) { return static_cast<float>(x + y) * 0.01f; };
     for (const auto& [mattes, stage] : stages) {
         for (int variant = 0; variant < 6; ++variant) {
-            const int mode = variant % 3;
-            const auto render = [&](const test::FunctionSource::Pixel& background) {
-                Rig rig({0, 0, 41, 31}, half_even);
-                if (mattes) rig.connect_all();
-                rig.node.set_input(1, nullptr);
-                test::FunctionSource other({0, 0, 41, 31}, kMaskRgba, background);
-                rig.node.set_input(2, &other);
-                rig.knobs().merge = 1;
-                rig.knobs().matte_scale = variant / 3;
-                rig.knobs().output_mode = mode;
-                rig.set(stage);
-                return test::render(rig.node, 2);
-            };
-            const auto light = [](Channel, int x, int y) { return static_cast<float>(x + y) * 0.01f; };
-            const test::Picture over_light = render(light);
-            const test::Picture over_dark = render([](Channel, int, int) { return -0.0f; });
+            SCOPED_TRACE(stage + std::to_string(variant));
+            Rig rig({0, 0, 41, 31}, half_even);
+            if (mattes) rig.connect_all();
+            rig.node.set_input(1, nullptr);
+            rig.node.set_input(2, &rig.bg);
+            rig.bg.set_pixel(light);
+            rig.knobs().merge = 1;
+            rig.knobs().matte_scale = variant / 3;
+            rig.knobs().output_mode = variant % 3;
+            rig.set(stage);
+            const Picture over_light = render(rig.node, 2);
+            rig.bg.set_pixel([](Channel, int, int) { return -0.0f; });
+            rig.update();
+            const Picture over_dark = render(rig.node, 2);
             int clear = 0;
             int solid = 0;
-            for (int y = 0; y < 31; ++y) {
-                for (int x = 0; x < 41; ++x) {
-                    const float alpha = over_light.at(kAlpha, x, y);
-                    clear += alpha == 0.0f ? 1 : 0;
-                    solid += alpha == 1.0f ? 1 : 0;
-                    const float left = mode == 0 ? light(kRed, x, y) : 0.0f;
-                    const float here = over_light.at(kRed, x, y);
-                    EXPECT_TRUE(alpha != 0.0f || same_bit_pattern(here, left)) << stage << variant;
-                    EXPECT_TRUE(alpha != 1.0f || same_bit_pattern(here, over_dark.at(kRed, x, y)))
-                        << stage << variant;
-                }
-            }
-            EXPECT_GT(clear, 100) << stage << variant;
-            EXPECT_GT(solid, 10) << stage << variant;
+            each(41, 31, [&](int x, int y) {
+                const float alpha = over_light.at(kAlpha, x, y);
+                clear += alpha == 0.0f ? 1 : 0;
+                solid += alpha == 1.0f ? 1 : 0;
+                const float left = variant % 3 == 0 ? light(kRed, x, y) : 0.0f;
+                const float here = over_light.at(kRed, x, y);
+                EXPECT_TRUE(alpha != 0.0f || same_bit_pattern(here, left));
+                EXPECT_TRUE(alpha != 1.0f || same_bit_pattern(here, over_dark.at(kRed, x, y)));
+            });
+            EXPECT_GT(clear, 100);
+            EXPECT_GT(solid, 10);
         }
     }
 }

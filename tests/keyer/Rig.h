@@ -1,31 +1,35 @@
 // A node with five inputs that can be connected at will, and a round subject before a green backing.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
-#include <cstring>
+#include <limits>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "ZoImage/KnobPanel.h"
 #include "keyer/VeloxaKeyer.h"
+#include "lanes/Lanes.h"
+#include "support/Loops.h"
 #include "support/TestImages.h"
 
 namespace test {
 
 using namespace Zo::Image;
 
+inline constexpr float kInf = std::numeric_limits<float>::infinity();
+inline constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+
+inline constexpr float kPlainBacking[] = {0.0f, 0.2f, 0.65f, 0.3f, 0.0f};  // by channel number
+
 inline float green_screen(Channel c, int x, int y) {
     const auto wave = static_cast<float>((x * 37 + y * 101 + static_cast<int>(c) * 17) % 23) / 460.0f;
-    const int dx = x - 20;
-    const int dy = y - 15;
-    const bool subject = dx * dx + dy * dy < 90;
-    const float backing[] = {0.0f, 0.2f, 0.65f, 0.3f, 0.0f};
+    const int away = (x - 20) * (x - 20) + (y - 15) * (y - 15);
     const float skin[] = {0.0f, 0.8f, 0.5f, 0.4f, 0.0f};
-    const float edge = subject && dx * dx + dy * dy > 60 ? 0.5f : subject ? 1.0f : 0.0f;
-    const auto i = static_cast<std::size_t>(c);
-    return skin[i] * edge + backing[i] * (1.0f - edge) + wave;
+    const float alpha = away >= 90 ? 0.0f : away > 60 ? 0.5f : 1.0f;
+    return skin[c] * alpha + kPlainBacking[c] * (1.0f - alpha) + wave;
 }
 
 inline std::vector<std::string> split(const std::string& settings) {
@@ -36,8 +40,7 @@ inline std::vector<std::string> split(const std::string& settings) {
 }
 
 struct Rig {
-    explicit Rig(const Box& frame = {0, 0, 41, 31}) : Rig(frame, green_screen) {}
-    Rig(const Box& frame, const FunctionSource::Pixel& pixel)
+    explicit Rig(const Box& frame = {0, 0, 41, 31}, const FunctionSource::Pixel& pixel = green_screen)
         : fg(frame, kMaskRgb, pixel),
           cp(frame, kMaskRgb,
              [](Channel c, int x, int) {
@@ -66,16 +69,10 @@ struct Rig {
         node.validate(true);
     }
     void connect_all() {
-        node.set_input(1, &cp);
-        node.set_input(2, &bg);
-        node.set_input(3, &gm);
-        node.set_input(4, &hm);
+        int n = 0;
+        for (Op* const source : {&cp, &bg, &gm, &hm}) node.set_input(++n, source);
     }
     Iop& member(const std::string& name) { return *node.child(name)->as_iop(); }
-    std::string reads(const char* name, int n) {
-        const Op* op = node.child(name)->input_op(n);
-        return op == nullptr ? "" : op->member_name();
-    }
 
     FunctionSource fg, cp, bg, gm, hm;
     VeloxaKeyer node;
@@ -86,11 +83,23 @@ inline bool same_bit_pattern(float a, float b) {
 }
 
 inline bool same_bits(const Picture& a, const Picture& b) {
-    for (std::size_t c = 1; c < a.planes.size(); ++c) {
-        const std::size_t bytes = a.planes[c].size() * sizeof(float);
-        if (std::memcmp(a.planes[c].data(), b.planes[c].data(), bytes) != 0) return false;
+    return std::ranges::equal(a.planes, b.planes, [](const auto& plane, const auto& other) {
+        return std::ranges::equal(plane, other, same_bit_pattern);
+    });
+}
+
+// What `render` gives for a number of threads has the same bits for any, with every form of the kernels.
+template <class Render>
+void expect_same_in_every_form(const Render& render, std::initializer_list<int> threads) {
+    const Lanes before = lanes_in_use();
+    use_lanes(Lanes::kScalar);
+    const Picture plain = render(1);
+    for (const Lanes lanes : kAllLanes) {
+        if (!supported(lanes)) continue;
+        use_lanes(lanes);
+        for (const int n : threads) EXPECT_TRUE(same_bits(plain, render(n))) << name_of(lanes) << ' ' << n;
     }
-    return true;
+    use_lanes(before);
 }
 
 }  // namespace test

@@ -2,19 +2,13 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 
 #include "keyer/Rig.h"
-#include "lanes/Lanes.h"
 
-using namespace Zo::Image;
-using test::FunctionSource;
-using test::Rig;
+using namespace test;
 
 namespace {
 
-constexpr float kInf = std::numeric_limits<float>::infinity();
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 constexpr float kBacking[] = {0.0f, 0.1f, 0.6f, 0.15f};
 
 FunctionSource::Pixel flat(float r, float g, float b) {
@@ -24,11 +18,10 @@ FunctionSource::Pixel flat(float r, float g, float b) {
 // A grey disc with a soft edge, lines beside it, a mark, a highlight, and noise.
 float scene(Channel c, int x, int y) {
     const float noise = static_cast<float>((x * 7919 + y * 104729 + c * 1299709) % 1009) / 1009.0f - 0.5f;
-    const float dx = static_cast<float>(x) - 100.0f;
-    const float dy = static_cast<float>(y) - 70.0f;
-    float alpha = std::clamp((46.0f - std::hypot(dx, dy)) / 8.0f, 0.0f, 1.0f);
+    const float away = std::hypot(static_cast<float>(x - 100), static_cast<float>(y - 70));
+    float alpha = std::clamp((46.0f - away) / 8.0f, 0.0f, 1.0f);
     if (x > 150 && y % 9 == 0) alpha = 0.6f;
-    const float subject = dx * dx + dy * dy < 9.0f ? 40.0f : c == kRed ? 0.5f : 0.35f;
+    const float subject = away < 3.0f ? 40.0f : c == kRed ? 0.5f : 0.35f;
     const float dirt = std::abs(x - 20) < 5 && std::abs(y - 20) < 5 ? 0.8f : 1.0f;
     return alpha * subject + (1.0f - alpha) * dirt * kBacking[c] + 0.02f * noise;
 }
@@ -48,7 +41,7 @@ void check(const Case& c, const char* settings, bool plate, float alpha) {
         [](Channel channel, int x, int y) { return x % 5 == 0 ? kNaN : scene(channel, y + 80, x + 30); });
     if (plate) rig.node.set_input(1, &rig.cp);
     rig.set(settings);
-    const test::Picture out = test::render(rig.node, 2);
+    const Picture out = render(rig.node, 2);
     ASSERT_TRUE(out.complete);
     for (std::size_t i = 0; i < out.planes[1].size(); ++i) {
         for (const Channel channel : kMaskRgb) ASSERT_TRUE(std::isfinite(out.planes[channel][i])) << i;
@@ -107,31 +100,25 @@ TEST(Unmix, ForgetsTheFrameBefore) {
         for (Rig* rig : {&fresh, &used}) {
             rig->connect_all();
             rig->set("unmix_method unmix");
-            test::render(rig->node);
+            render(rig->node);
         }
         used.fg.set_pixel(pixel);
         used.update();
-        EXPECT_TRUE(test::same_bits(test::render(used.node), test::render(fresh.node)));
+        EXPECT_TRUE(same_bits(render(used.node), render(fresh.node)));
     }
 }
 
 TEST(Unmix, TheSameBitsOnAnyThreadsAndInEveryForm) {
-    const Lanes before = lanes_in_use();
     for (const char* const settings :
          {"unmix_method unmix", "unmix_method unmix; unmix_encoding sRGB; shadow 1"}) {
-        const auto in_form = [&](Lanes lanes, int threads) {
-            use_lanes(lanes);
+        SCOPED_TRACE(settings);
+        const auto keyed = [&](int threads) {
             Rig rig({0, 0, 201, 141}, scene);
             rig.set(settings);
-            return test::render(rig.node, threads);
+            return render(rig.node, threads);
         };
-        const test::Picture scalar = in_form(Lanes::kScalar, 1);
-        for (const Lanes lanes : kAllLanes) {
-            if (!supported(lanes)) continue;
-            EXPECT_TRUE(test::same_bits(in_form(lanes, 2), scalar)) << name_of(lanes) << settings;
-        }
+        expect_same_in_every_form(keyed, {2});
     }
-    use_lanes(before);
 }
 
 }  // namespace

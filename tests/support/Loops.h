@@ -1,4 +1,4 @@
-// Ways to run a kernel's loops without a lock.
+// Ways to run a kernel's loops without a lock, and over all pixels.
 #pragma once
 
 #include <algorithm>
@@ -15,6 +15,11 @@ inline void forward_loop(int begin, int end, int grain, const std::function<void
 inline void backward_loop(int begin, int end, int grain, const std::function<void(int, int)>& body) {
     const int length = (2 * grain + 2) / 3;
     for (int at = end; at > begin; at -= length) body(std::max(at - length, begin), at);
+}
+
+template <class Visit>
+void each(int width, int height, const Visit& visit) {
+    for (int n = 0; n < width * height; ++n) visit(n % width, n / width);
 }
 
 }  // namespace test

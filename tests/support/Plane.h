@@ -14,11 +14,11 @@
 namespace test {
 
 struct Plane {
-    Zo::Image::Box box;
+    Box box;
     std::vector<float> values;
 
     template <class Pixel>
-    Plane(const Zo::Image::Box& b, Pixel&& pixel) : box(b) {
+    Plane(const Box& b, Pixel&& pixel) : box(b) {
         for (int y = b.y; y < b.t; ++y) {
             for (int x = b.x; x < b.r; ++x) values.push_back(pixel(x, y));
         }
@@ -38,7 +38,7 @@ inline std::vector<std::uint32_t> bits(const std::vector<float>& values) {
 }
 
 // Values that filters trip over: negatives, far above 255, exact zeros of both signs, infinities, NaN.
-inline Plane awkward_plane(const Zo::Image::Box& box, unsigned seed) {
+inline Plane awkward_plane(const Box& box, unsigned seed) {
     using Limits = std::numeric_limits<float>;
     const float special[] = {0.0f, -0.0f, Limits::quiet_NaN(), 3e7f, Limits::infinity()};
     std::mt19937 random(seed);
@@ -50,9 +50,7 @@ inline Plane awkward_plane(const Zo::Image::Box& box, unsigned seed) {
 
 // A source whose alpha is the plane and whose other channels are their number.
 inline FunctionSource::Pixel pixels_of(const Plane& alpha) {
-    return [alpha](Zo::Image::Channel c, int x, int y) {
-        return c == Zo::Image::kAlpha ? alpha.at(x, y) : static_cast<float>(c);
-    };
+    return [alpha](Channel c, int x, int y) { return c == kAlpha ? alpha.at(x, y) : static_cast<float>(c); };
 }
 
 }  // namespace test

@@ -28,7 +28,6 @@ struct Span {
     Span(int n, unsigned seed) {
         for (auto& plane : planes) plane = awkward_plane({0, 0, n, 1}, seed++).values;
     }
-    std::size_t size() const { return planes[0].size(); }
     const float* alpha() const { return planes[3].data(); }
     RolePixels in() const { return {planes[0].data(), planes[1].data(), planes[2].data()}; }
     RoleOutput out() { return {planes[0].data(), planes[1].data(), planes[2].data()}; }

@@ -7,13 +7,13 @@
 
 namespace test {
 
-class Sums final : public Zo::Image::Iop {
+class Sums final : public Iop {
   public:
-    Sums(const char* name, std::initializer_list<Zo::Image::Op*> sources, int dx, int dy)
-        : Iop(Zo::Image::NodeContext{name}), dx_(dx), dy_(dy) {
+    Sums(const char* name, std::initializer_list<Op*> sources, int dx, int dy)
+        : Iop(NodeContext{name}), dx_(dx), dy_(dy) {
         inputs(static_cast<int>(sources.size()));
         int n = 0;
-        for (Zo::Image::Op* source : sources) set_input(n++, source);
+        for (Op* source : sources) set_input(n++, source);
     }
     const char* class_name() const override { return "Sums"; }
     void set_offset(float offset) {
@@ -21,26 +21,24 @@ class Sums final : public Zo::Image::Iop {
         invalidate();
     }
     float offset() const { return offset_; }
-    std::size_t frame = 0;                      // bytes that it holds itself
-    bool ahead = false;                         // it reads its last input whole before its first row
-    Zo::Image::AbortFlag* lost_flag = nullptr;  // cleared as soon as an abort is seen, and a wrong row given
+    std::size_t frame = 0;           // bytes that it holds itself
+    bool ahead = false;              // it reads its last input whole before its first row
+    AbortFlag* lost_flag = nullptr;  // cleared as soon as an abort is seen, and a wrong row given
 
   protected:
     void _validate(bool /*for_real*/) override {
         copy_info();
-        set_out_channels(Zo::Image::ChannelSet(Zo::Image::kAlpha) +
-                         (offset_ != 0.0f ? Zo::Image::ChannelSet(Zo::Image::kRed) : Zo::Image::kMaskNone));
+        set_out_channels(ChannelSet(kAlpha) + (offset_ != 0.0f ? ChannelSet(kRed) : kMaskNone));
     }
-    void _request(int x, int y, int r, int t, Zo::Image::ChannelSet channels, int count) override {
+    void _request(int x, int y, int r, int t, ChannelSet channels, int count) override {
         hold(frame);
         reads_ahead_ = ahead;
-        if (ahead) input(inputs() - 1).read_ahead(Zo::Image::kMaskAll);
-        input(0).request(x, y, r, t, channels - Zo::Image::kMaskAlpha, count);
+        if (ahead) input(inputs() - 1).read_ahead(kMaskAll);
+        input(0).request(x, y, r, t, channels - kMaskAlpha, count);
         for (int n = 0; n < inputs(); ++n)
-            input(n).request(x - dx_, y - dy_, r + dx_, t + dy_, Zo::Image::kMaskAlpha, count);
+            input(n).request(x - dx_, y - dy_, r + dx_, t + dy_, kMaskAlpha, count);
     }
-    void engine(int y, int x, int r, const Zo::Image::ChannelSet& channels, Zo::Image::Row& row) override {
-        using namespace Zo::Image;
+    void engine(int y, int x, int r, const ChannelSet& channels, Row& row) override {
         row.get(input(0), y, channels - kMaskAlpha);
         float* red = channels.has(kRed) && offset_ != 0.0f ? row.writable(kRed) : nullptr;
         for (int i = 0; red != nullptr && i < r - x; ++i) red[i] += offset_;

@@ -13,13 +13,17 @@
 
 namespace test {
 
-// An image whose pixel at (x, y) of a channel is whatever the given function says. Counts its rows.
-class FunctionSource : public Zo::Image::Iop {
-  public:
-    using Pixel = std::function<float(Zo::Image::Channel, int x, int y)>;
+using namespace Zo::Image;
 
-    FunctionSource(const Zo::Image::Box& box, Zo::Image::ChannelSet channels, Pixel pixel)
-        : Iop(Zo::Image::NodeContext{}), box_(box), channels_(channels), pixel_(std::move(pixel)) {}
+// An image whose pixel at (x, y) of a channel is whatever the given function says. Counts its rows.
+class FunctionSource : public Iop {
+  public:
+    using Pixel = std::function<float(Channel, int x, int y)>;
+
+    FunctionSource(const Box& box, ChannelSet channels, Pixel pixel)
+        : FunctionSource(box, channels, std::move(pixel), box) {}
+    FunctionSource(const Box& box, ChannelSet channels, Pixel pixel, const Box& frame)
+        : Iop(NodeContext{}), box_(box), frame_(frame), channels_(channels), pixel_(std::move(pixel)) {}
 
     const char* class_name() const override { return "FunctionSource"; }
 
@@ -34,66 +38,58 @@ class FunctionSource : public Zo::Image::Iop {
     void _validate(bool /*for_real*/) override {
         ++validations_;
         info_.box = box_;
-        info_.format.box = box_;
+        info_.format.box = frame_;
         info_.channels = channels_;
-        set_out_channels(Zo::Image::kMaskAll);
+        set_out_channels(kMaskAll);
     }
-    void engine(int y, int x, int r, const Zo::Image::ChannelSet& channels, Zo::Image::Row& row) override {
+    void engine(int y, int x, int r, const ChannelSet& channels, Row& row) override {
         ++rows_;
-        for (const Zo::Image::Channel c : channels) {
+        for (const Channel c : channels) {
             float* out = row.overwrite(c);
             for (int i = x; i < r; ++i) out[i - x] = pixel_(c, i, y);
         }
     }
 
   private:
-    Zo::Image::Box box_;
-    Zo::Image::ChannelSet channels_;
+    Box box_, frame_;
+    ChannelSet channels_;
     Pixel pixel_;
     int validations_ = 0;
     std::atomic<int> rows_{0};
 };
 
-inline float pattern(Zo::Image::Channel c, int x, int y) {
+inline float pattern(Channel c, int x, int y) {
     return static_cast<float>((x * 7 + y * 13 + c * 29) % 31);
 }
 
 // Rendered planes of one box, row box.y first.
 struct Picture {
-    Zo::Image::Box box;
+    Box box;
     std::array<std::vector<float>, 5> planes;  // by channel number, 1 to 4
     bool complete = false;
 
-    float at(Zo::Image::Channel c, int x, int y) const {
-        return planes[static_cast<std::size_t>(c)]
-                     [static_cast<std::size_t>(y - box.y) * static_cast<std::size_t>(box.width()) +
-                      static_cast<std::size_t>(x - box.x)];
+    std::size_t index(int x, int y) const {
+        return static_cast<std::size_t>((y - box.y) * box.width() + x - box.x);
     }
+    float at(Channel c, int x, int y) const { return planes[c][index(x, y)]; }
 };
 
-inline Picture render(Zo::Image::Renderer& renderer, Zo::Image::Iop& op, const Zo::Image::Box& box,
-                      Zo::Image::ChannelSet channels = Zo::Image::kMaskRgba) {
-    Picture picture;
-    picture.box = box;
-    const auto width = static_cast<std::size_t>(box.width());
-    for (auto& plane : picture.planes) plane.resize(width * static_cast<std::size_t>(box.height()));
-    picture.complete = renderer.render(op, box, channels, [&](int y, const Zo::Image::Row& row) {
-        for (const Zo::Image::Channel c : channels) {
-            std::copy_n(row[c], width,
-                        picture.planes[static_cast<std::size_t>(c)].data() +
-                            static_cast<std::size_t>(y - box.y) * width);
-        }
+inline Picture render(Renderer& renderer, Iop& op, const Box& box, ChannelSet channels = kMaskRgba) {
+    Picture picture{box, {}};
+    for (auto& plane : picture.planes) plane.resize(picture.index(box.x, box.t));
+    picture.complete = renderer.render(op, box, channels, [&](int y, const Row& row) {
+        for (const Channel c : channels)
+            std::copy_n(row[c], box.width(), &picture.planes[c][picture.index(box.x, y)]);
     });
     return picture;
 }
 
-inline Picture render(Zo::Image::Iop& op, const Zo::Image::Box& box, int threads = 1,
-                      Zo::Image::ChannelSet channels = Zo::Image::kMaskRgba) {
-    Zo::Image::Renderer renderer(threads);
+inline Picture render(Iop& op, const Box& box, int threads = 1, ChannelSet channels = kMaskRgba) {
+    Renderer renderer(threads);
     return render(renderer, op, box, channels);
 }
 
-inline Picture render(Zo::Image::Iop& op, int threads = 1) {
+inline Picture render(Iop& op, int threads = 1) {
     op.validate(true);
     return render(op, op.info().box, threads);
 }

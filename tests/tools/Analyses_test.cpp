@@ -1,11 +1,11 @@
 // The analyses on many samples at once: the same answer each time, which holds.
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <random>
 
 #include "panel/InputFlags.h"
 #include "panel/KnobCopy.h"
+#include "support/StageControls.h"
 #include "tools/AddMatteAnalysis.h"
 #include "tools/ColorMatchAnalysis.h"
 #include "tools/MatteSampleAnalysis.h"
@@ -16,21 +16,15 @@ namespace {
 
 using Sample = VeloxaSample::Sample;
 
-class Node {
-  public:
-    Node() : controls(values_.data(), 1) {
+struct Node {
+    Node() {
         knobs.screen_color = {0.15f, 0.6f, 0.2f};
-        copy_knobs(knobs, 0, controls);
+        copy_knobs(knobs, 0, controls.block);
     }
-    Setting setting() const { return {knobs, controls, 0}; }
+    Setting setting() const { return {knobs, controls.block, 0}; }
 
     KnobStorage knobs;
-
-  private:
-    std::array<std::int32_t, ControlBlock::kCount> values_{};
-
-  public:
-    ControlBlock controls;
+    test::StageControls controls;
 };
 
 class Random {
@@ -54,23 +48,24 @@ std::vector<double> settle(Node& node, const Analyse& analyse) {
     const Tuning tuned = analyse(node.setting());
     EXPECT_TRUE(analyse(node.setting()).knobs == tuned.knobs) << "not the same twice";
     node.knobs = tuned.knobs;
-    copy_knobs(node.knobs, 0, node.controls);
+    copy_knobs(node.knobs, 0, node.controls.block);
     EXPECT_TRUE(analyse(node.setting()).knobs == tuned.knobs) << "moved once more";
     return tuned.misses;
 }
 
-// Samples that can all be satisfied are; what `spoil` makes of them settles too.
-template <class Analyse, class Spoil>
-void satisfy(const char* name, Node& node, const Analyse& analyse, const Spoil& spoil) {
+// Samples that can all be satisfied are; what `spoil` makes of each of them settles too.
+template <class List, class Analyse, class Spoil>
+void satisfy(const char* name, List& samples, const Analyse& analyse, const Spoil& spoil) {
     SCOPED_TRACE(name);
+    Node node;
     EXPECT_THAT(settle(node, analyse), testing::Each(0.0));
-    spoil();
+    for (std::size_t i = 0; i < samples.size(); ++i) spoil(samples[i], i);
     settle(node, analyse);
 }
 
 TEST(Analyses, AHundredSamples) {
     Random random;
-    Node nodes[5];
+    const Node node;
     std::vector<OverlaySample> overlay;
     std::vector<PlatedSample> solid, backing;
     std::vector<MatteSample> mattes;
@@ -88,26 +83,24 @@ TEST(Analyses, AHundredSamples) {
         keyed.push_back({level, level, level, 0});
         background.push_back({20.0f + 0.9f * level, 10.0f + level, 0.8f * level, 0});
     }
-    const auto kept = sample_mattes(nodes[1].setting(), backing);
-    const auto each = [](auto& list, const auto& change) {
-        for (std::size_t i = 0; i < list.size(); ++i) change(list[i], i);
-    };
+    const auto kept = sample_mattes(node.setting(), backing);
     satisfy(
-        "overlay", nodes[0], [&](const Setting& s) { return analyse_overlay(s, overlay); },
-        [&] { each(overlay, [](OverlaySample& s, std::size_t i) { s.screen = i % 3 == 0; }); });
+        "overlay", overlay, [&](const Setting& s) { return analyse_overlay(s, overlay); },
+        [](OverlaySample& s, std::size_t i) { s.screen = i % 3 == 0; });
     satisfy(
-        "add matte", nodes[1], [&](const Setting& s) { return analyse_add_matte(s, solid, backing, kept); },
-        [&] { each(solid, [&](PlatedSample& s, std::size_t i) { s = i % 2 == 0 ? backing[i / 2] : s; }); });
+        "add matte", solid, [&](const Setting& s) { return analyse_add_matte(s, solid, backing, kept); },
+        [&](PlatedSample& s, std::size_t i) { s = i % 2 == 0 ? backing[i / 2] : s; });
     satisfy(
-        "noise and detail", nodes[2],
-        [&](const Setting& s) { return analyse_matte_samples(s, true, mattes); },
-        [&] { each(mattes, [&](MatteSample& s, std::size_t) { s.matte = random(0.0f, 255.0f); }); });
+        "noise and detail", mattes, [&](const Setting& s) { return analyse_matte_samples(s, true, mattes); },
+        [&](MatteSample& s, std::size_t) { s.matte = random(0.0f, 255.0f); });
     satisfy(
-        "spill", nodes[3], [&](const Setting& s) { return analyse_spill(s, spill); },
-        [&] { each(spill, [](SpillSample& s, std::size_t i) { s.restore = i % 2 == 0; }); });
+        "spill", spill, [&](const Setting& s) { return analyse_spill(s, spill); },
+        [](SpillSample& s, std::size_t i) { s.restore = i % 2 == 0; });
+    const std::vector<Sample> reverse(background.rbegin(), background.rend());
     satisfy(
-        "color match", nodes[4], [&](const Setting& s) { return match_colors(s, keyed, background).tuning; },
-        [&] { std::reverse(background.begin(), background.end()); });
+        "color match", background,
+        [&](const Setting& s) { return match_colors(s, keyed, background).tuning; },
+        [&](Sample& s, std::size_t i) { s = reverse[i]; });
 }
 
 TEST(Analyses, SpillIsJudgedInBothDirections) {
@@ -134,7 +127,7 @@ TEST(Analyses, SpillIsJudgedInBothDirections) {
 TEST(Analyses, ACleanPlateChangesWhatIsTurned) {
     const Node node;
     for (const std::uint32_t flags : {std::uint32_t{0}, kCpUsable}) {
-        const Setting setting{node.knobs, node.controls, flags};
+        const Setting setting{node.knobs, node.controls.block, flags};
         EXPECT_EQ(overlay_dials(setting).size(), flags != 0 ? 7U : 6U);
         EXPECT_EQ(spill_dials(setting, true).size(), flags != 0 ? 9U : 10U);
     }

@@ -9,13 +9,15 @@
 #include "ZoImage/Script.h"
 #include "plates/Set.h"
 #include "shot/node/ImageSource.h"
+#include "support/Loops.h"
 #include "tools/ToolRig.h"
 
-using namespace Zo::Image;
+using namespace test;
 
 namespace {
 
 using veloxa::Image;
+using Change = std::function<void(Image&)>;
 
 constexpr int kWidth = 480;
 constexpr int kHeight = 270;
@@ -23,8 +25,8 @@ constexpr int kHeight = 270;
 constexpr Box kLeft{40, 120, 110, 260};
 
 // Keys a plate whose foreground was changed by `change`, by colour difference unless that is let go.
-struct Rig : test::ToolRig {
-    explicit Rig(plate::Screen screen, std::uint64_t seed, const std::function<void(Image&)>& change = {})
+struct Rig : ToolRig {
+    explicit Rig(plate::Screen screen, std::uint64_t seed, const Change& change = {})
         : set_of_plates(plate::render_set({kWidth, kHeight, seed, screen}, 0, 2)) {
         auto picture = std::make_shared<Image>(set_of_plates[plate::kForeground]);
         if (change) change(*picture);
@@ -33,7 +35,7 @@ struct Rig : test::ToolRig {
         set("screen_color", screen == plate::Screen::kBlue ? "0.09,0.22,0.6" : "0.14,0.6,0.24");
         hold("unmix_method");
     }
-    std::vector<float> alpha() { return test::render(node, 2).planes[kAlpha]; }
+    std::vector<float> alpha() { return render(node, 2).planes[kAlpha]; }
     // The sum of the alpha's differences from the true one.
     double error() {
         const std::vector<float> now = alpha();
@@ -56,11 +58,22 @@ struct Rig : test::ToolRig {
 template <class Counts>
 int count(const Box& box, const Counts& counts) {
     int sum = 0;
-    for (int y = box.y; y < box.t; ++y) {
-        for (int x = box.x; x < box.r; ++x) sum += counts(static_cast<std::size_t>(y * kWidth + x)) ? 1 : 0;
-    }
+    each(box.width(), box.height(), [&](int x, int y) {
+        sum += counts(static_cast<std::size_t>((box.y + y) * kWidth + box.x + x)) ? 1 : 0;
+    });
     return sum;
 }
+
+Change filled(const Box& box, const std::array<float, 3>& colour) {
+    return [=](Image& fg) {
+        for (int y = box.y; y < box.t; ++y) {
+            for (const Channel c : kMaskRgb)
+                std::fill_n(fg.line(c, y) + box.x, box.width(), colour[c - kRed]);
+        }
+    };
+}
+
+const Change kAllGrey = filled({0, 0, kWidth, kHeight}, {0.4f, 0.4f, 0.4f});
 
 TEST(AutoSetup, ComesNearerToTheTruthThanTheDefaults) {
     for (const plate::Screen screen : {plate::Screen::kGreen, plate::Screen::kBlue}) {
@@ -78,16 +91,12 @@ TEST(AutoSetup, ComesNearerToTheTruthThanTheDefaults) {
     }
 }
 
-void make_grey(Image& fg) {
-    for (const Channel c : kMaskRgb) std::fill_n(fg.line(c, 0), kWidth * kHeight, 0.4f);
-}
-
 TEST(AutoSetup, ChoosesTheMethod) {
     const struct {
         std::string sets;  // and held: NAME=VALUE
         bool unmixes;
         const char* told;
-        const std::function<void(Image&)> change = {};
+        Change change = {};
     } cases[] = {
         {"", true, "green screen: "},
         {"unmix_veil=0.3", true, "green screen: "},
@@ -97,17 +106,13 @@ TEST(AutoSetup, ChoosesTheMethod) {
         {"spill_suppression_enable=0", false, "colour difference, as spill_suppression is set"},
         {"film_enable=1", false, "colour difference, as film correction is on"},
         {"unmix_method=unmix darks=3", true, "unmix_method stays at unmix, as set"},
-        {"", false, "colour difference, as unmixing needs more of the backing", make_grey},
+        {"", false, "colour difference, as unmixing needs more of the backing", kAllGrey},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.sets);
         Rig rig(plate::Screen::kGreen, 1, c.change);
         rig.hold("unmix_method", false);
-        for (const std::string& setting : test::words(c.sets)) {
-            const std::size_t equals = setting.find('=');
-            rig.set(setting.substr(0, equals), setting.substr(equals + 1));
-            rig.hold(setting.substr(0, equals));
-        }
+        rig.set_and_hold(c.sets);
         const KnobValues before(rig.panel);
         rig.use("set_up");
         EXPECT_EQ(rig.text("unmix_method") == "unmix", c.unmixes);
@@ -119,29 +124,16 @@ TEST(AutoSetup, ChoosesTheMethod) {
 
 // A patch of skin on the jacket, and one of grey cloth that the screen shines on.
 TEST(AutoSetup, TakesSpillOutOfClothAndLeavesSkin) {
-    constexpr Box kSkin{200, 10, 240, 60};
-    constexpr Box kCloth{250, 10, 270, 60};
     Rig rig(plate::Screen::kGreen, 1, [&](Image& fg) {
-        const auto paint = [&](const Box& box, const std::array<float, 3>& colour) {
-            for (int y = box.y; y < box.t; ++y) {
-                for (const Channel c : kMaskRgb) {
-                    std::fill_n(fg.line(c, y) + box.x, box.width(),
-                                colour[static_cast<std::size_t>(c - kRed)]);
-                }
-            }
-        };
-        paint(kSkin, {0.764f, 0.574f, 0.437f});
-        paint(kCloth, {0.40f, 0.52f, 0.42f});
+        filled({200, 10, 240, 60}, {0.764f, 0.574f, 0.437f})(fg);
+        filled({250, 10, 270, 60}, {0.40f, 0.52f, 0.42f})(fg);
     });
     rig.use("set_up");
-    const auto out = test::render(rig.node, 2);
-    const auto at = [&](Channel c, const Box& box) {
-        return out.planes[c].at(static_cast<std::size_t>((box.y + 25) * kWidth + box.x + box.width() / 2));
-    };
-    EXPECT_NEAR(at(kRed, kSkin), 0.764f, 0.03f) << rig.told();
-    EXPECT_NEAR(at(kGreen, kSkin), 0.574f, 0.03f);
-    EXPECT_NEAR(at(kBlue, kSkin), 0.437f, 0.03f);
-    EXPECT_LT(at(kGreen, kCloth), 0.46f);
+    const Picture out = render(rig.node, 2);
+    EXPECT_NEAR(out.at(kRed, 220, 35), 0.764f, 0.03f) << rig.told();
+    EXPECT_NEAR(out.at(kGreen, 220, 35), 0.574f, 0.03f);
+    EXPECT_NEAR(out.at(kBlue, 220, 35), 0.437f, 0.03f);
+    EXPECT_LT(out.at(kGreen, 260, 35), 0.46f);
     // What a script tells of spill is left alone.
     rig.apply("spill_strength 41");
     rig.set("spill_warm", "50");
@@ -163,9 +155,8 @@ TEST(AutoSetup, CoversPaleBacking) {
     for (const char* const overlay : {"off", "subject"}) {  // there the overlay tools change places
         Rig rig(plate::Screen::kGreen, 1, make_pale);
         const auto opaque = [&] {
-            const std::vector<float> alpha = rig.alpha();
             return count({kLeft.x + 8, kLeft.y + 8, kLeft.r - 8, kLeft.t - 8},
-                         [&](std::size_t at) { return alpha[at] > 0.0f; });
+                         [alpha = rig.alpha()](std::size_t at) { return alpha[at] > 0.0f; });
         };
         rig.set("overlay_mode", overlay);
         rig.set("matte_scale", "linear");
@@ -202,41 +193,36 @@ TEST(AutoSetup, WorksAroundWhatIsSet) {
         SCOPED_TRACE(c.script + c.sets);
         Rig rig(plate::Screen::kGreen, 1, make_pale);
         if (!c.script.empty()) rig.apply(c.script);
-        for (const std::string& setting : test::words(c.sets)) {
-            const std::size_t equals = setting.find('=');
-            rig.set(setting.substr(0, equals), setting.substr(equals + 1));
-            rig.hold(setting.substr(0, equals));
-        }
+        rig.set_and_hold(c.sets);
         const KnobValues before(rig.panel);
         rig.use("set_up");
         std::vector<std::string> moved;
         for (const Knob* knob : before.changed()) moved.push_back(knob->name());
-        EXPECT_THAT(moved, testing::IsSupersetOf(test::words(c.moved)));
-        for (const std::string& name : test::words(std::string(c.stay) + ' ' + c.kept))
+        EXPECT_THAT(moved, testing::IsSupersetOf(words(c.moved)));
+        for (const std::string& name : words(std::string(c.stay) + ' ' + c.kept))
             EXPECT_THAT(moved, testing::Not(testing::Contains(name)));
-        for (const std::string& name : test::words(c.stay))
+        for (const std::string& name : words(c.stay))
             EXPECT_THAT(rig.told(), testing::HasSubstr('\n' + name + " stays"));
     }
 }
 
 // A script has the knobs that strokes found and the means of some, not their pixels.
 TEST(AutoSetup, UndoesNoStrokeOfAScript) {
-    const Box cleared{15, 230, 45, 260};
     Rig made(plate::Screen::kBlue, 1);
     made.use("removeoverlay", {420, 187, 450, 217});
-    made.use("addoverlay", {15, 230, 45, 260});
+    made.use("addoverlay", {15, 230, 45, 260});  // whose pixels are counted below
     const std::string script = write_script(made.panel);
     Rig rig(plate::Screen::kBlue, 1);
     rig.apply(script.substr(script.find('\n'), script.rfind('}') - script.find('\n')));
     const std::vector<float> before = rig.alpha();
     rig.use("set_up");
     const std::vector<float> after = rig.alpha();
-    EXPECT_EQ(count(cleared, [&](std::size_t at) { return before[at] <= 0.0f && after[at] > 0.0f; }), 0);
+    EXPECT_EQ(
+        count({15, 230, 45, 260}, [&](std::size_t at) { return before[at] <= 0.0f && after[at] > 0.0f; }), 0);
 }
 
 TEST(AutoSetup, FindsTheScreenWhereNoneIsChosen) {
     Rig rig(plate::Screen::kBlue, 1);
-    Knob& color = rig.panel.get("screen_color");
     rig.set("screen_color", "0,0,0");
     rig.hold("screen_color");  // meant so
     rig.use("set_up");
@@ -244,9 +230,9 @@ TEST(AutoSetup, FindsTheScreenWhereNoneIsChosen) {
     EXPECT_EQ(rig.told().find("find_screen"), std::string::npos);
     rig.hold("screen_color", false);
     rig.use("set_up");
-    EXPECT_NEAR(color.get_value(2), 0.6, 0.1) << rig.told();
-    EXPECT_THAT(test::words(rig.turned()), testing::Contains("merge"));
-    Rig grey(plate::Screen::kBlue, 1, make_grey);
+    EXPECT_NEAR(rig.panel.get("screen_color").get_value(2), 0.6, 0.1) << rig.told();
+    EXPECT_THAT(words(rig.turned()), testing::Contains("merge"));
+    Rig grey(plate::Screen::kBlue, 1, kAllGrey);
     grey.set("screen_color", "0,0,0");
     grey.use("set_up");
     EXPECT_NE(grey.report().failure, "");
@@ -254,18 +240,10 @@ TEST(AutoSetup, FindsTheScreenWhereNoneIsChosen) {
 }
 
 TEST(AutoSetup, SurvivesPlatesWithNothingToGoBy) {
-    const std::function<void(Image&)> changes[] = {
-        [](Image& fg) {  // backing alone
-            for (const Channel c : kMaskRgb)
-                std::fill_n(fg.line(c, 0), kWidth * kHeight, c == kGreen ? 0.6f : 0.15f);
-        },
-        make_grey,  // no backing at all
-        [](Image& fg) {
-            for (const Channel c : kMaskRgb)
-                std::fill_n(fg.line(c, 100), 40 * kWidth, std::numeric_limits<float>::quiet_NaN());
-        },
-    };
-    for (const auto& change : changes) {
+    constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+    // Backing alone, none at all, and a stripe of what is no number.
+    for (const Change& change : {filled({0, 0, kWidth, kHeight}, {0.15f, 0.6f, 0.15f}), kAllGrey,
+                                 filled({0, 100, kWidth, 140}, {kNan, kNan, kNan})}) {
         Rig rig(plate::Screen::kGreen, 1, change);
         rig.hold("unmix_method", false);
         rig.use("set_up");  // by whichever method

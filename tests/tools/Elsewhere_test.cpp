@@ -10,30 +10,23 @@ using namespace test;
 
 namespace {
 
-struct Case {
-    const char* tool;
-    Box box;
-    const char* scale;
-    bool garbage;
-    const char* told;  // empty for nothing at all
-};
-
-std::vector<float> alphas(Rig& rig) {
-    rig.node.invalidate();
-    return render(rig.node, kFrame).planes[kAlpha];
-}
-
 TEST(Elsewhere, StrokesTellWhatTheyCost) {
     constexpr const char* kBackingGone = "of the backing elsewhere is no longer clear";
     constexpr const char* kSubjectGone = "of the solid subject elsewhere is clear now";
-    const Case cases[] = {{"addoverlay", kShade, "linear", false, ""},
-                          {"addmatte", kGrey, "linear", false, ""},
-                          {"removeoverlay", {50, 2, 58, 10}, "linear", false, kBackingGone},
-                          {"removeoverlay", {50, 2, 58, 10}, "linear", true, kBackingGone},
-                          {"removeoverlay", {50, 2, 58, 10}, "knee", false, "is gone; only the density"},
-                          {"addoverlay", kWarm, "linear", false, kSubjectGone}};
+    const struct {
+        const char* tool;
+        Box box;
+        const char* scale;
+        bool garbage;
+        const char* told;  // empty for nothing at all
+    } cases[] = {{"addoverlay", kShade, "linear", false, ""},
+                 {"addmatte", kGrey, "linear", false, ""},
+                 {"removeoverlay", {50, 2, 58, 10}, "linear", false, kBackingGone},
+                 {"removeoverlay", {50, 2, 58, 10}, "linear", true, kBackingGone},
+                 {"removeoverlay", {50, 2, 58, 10}, "knee", false, "is gone; only the density"},
+                 {"addoverlay", kWarm, "linear", false, kSubjectGone}};
     const std::vector<Patch> skin{{kWarm, {0.45f, 0.35f, 0.3f}}, {{4, 24, 40, 36}, {0.44f, 0.35f, 0.29f}}};
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         Rig rig;
         std::erase_if(rig.patches, [](const Patch& p) { return !std::isfinite(p.color[0] + p.color[1]); });
         rig.patches.insert(rig.patches.end(), skin.begin(), skin.end());
@@ -44,10 +37,14 @@ TEST(Elsewhere, StrokesTellWhatTheyCost) {
         rig.set("matte_scale", c.scale);
         rig.set("screen_shrink", "0,0");
         rig.set("screen_orphans", "off");
-        const std::vector<float> before = alphas(rig);
+        const auto alphas = [&] {
+            rig.node.invalidate();
+            return render(rig.node, kFrame).planes[kAlpha];
+        };
+        const std::vector<float> before = alphas();
         rig.use(c.tool, {static_cast<double>(c.box.x), static_cast<double>(c.box.y),
                          static_cast<double>(c.box.r), static_cast<double>(c.box.t)});
-        const std::vector<float> after = alphas(rig);
+        const std::vector<float> after = alphas();
         SCOPED_TRACE(rig.told());
         if (*c.told == '\0') {
             EXPECT_FALSE(rig.report().changes.empty());
@@ -62,11 +59,9 @@ TEST(Elsewhere, StrokesTellWhatTheyCost) {
             const bool inside = x >= c.box.x && x < c.box.r && y >= c.box.y && y < c.box.t;
             if (inside || covered(x, y)) continue;
             const bool solid = c.told == kSubjectGone;
-            all += (solid ? before[i] >= 0.9f : before[i] == 0.0f) ? 1 : 0;
-            lost +=
-                (solid ? before[i] >= 0.9f && after[i] == 0.0f : before[i] == 0.0f && after[i] > 1.0f / 255)
-                    ? 1
-                    : 0;
+            if (solid ? before[i] < 0.9f : before[i] != 0.0f) continue;
+            ++all;
+            lost += (solid ? after[i] == 0.0f : after[i] > 1.0f / 255) ? 1 : 0;
         }
         ASSERT_GT(all, 100);
         const double share = 100.0 * lost / all;

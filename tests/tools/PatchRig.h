@@ -29,8 +29,8 @@ inline const Box kNoise{4, 40, 20, 56};    // backing that is not quite
 inline const Box kWarm{24, 40, 40, 56};    // backing's brightness on skin
 inline const Box kBroken{44, 40, 60, 56};  // NaN
 inline const Box kHuge{64, 40, 80, 56};    // infinite
-inline const Box kCloth{44, 24, 60,
-                        36};  // black with a little green, which has no content for the other knobs
+// Black with a little green, which has no content for the other knobs.
+inline const Box kCloth{44, 24, 60, 36};
 inline const std::vector<Patch> kPatches{{kShade, {0.1f, 0.3f, 0.12f}}, {kGrey, {0.3f, 0.42f, 0.31f}},
                                          {kLeaf, {0.2f, 0.3f, 0.1f}},   {kNoise, {0.2f, 0.56f, 0.24f}},
                                          {kWarm, {0.45f, 0.5f, 0.35f}}, {kBroken, {kNan, 0.4f, 0.3f}},
@@ -42,13 +42,11 @@ inline float plate(const std::vector<Patch>& patches, Channel c, int x, int y) {
         if (x >= p.box.x && x < p.box.r && y >= p.box.y && y < p.box.t) color = p.color;
     }
     const int grain = (x * 7 + y * 13 + static_cast<int>(c) * 5) % 5 - 2;
-    return color[static_cast<std::size_t>(c) - 1] + 0.002f * static_cast<float>(grain);
+    return color[c - kRed] + 0.002f * static_cast<float>(grain);
 }
 
-class Rig : public test::ToolRig {
-  public:
-    Rig() : Rig(NodeContext{}) {}
-    explicit Rig(const NodeContext& context)
+struct Rig : ToolRig {
+    explicit Rig(const NodeContext& context = {})
         : ToolRig(context),
           fg(kFrame, kMaskRgb, [this](Channel c, int x, int y) { return plate(patches, c, x, y); }),
           bg(kFrame, kMaskRgb, [](Channel c, int, int) { return 0.1f * static_cast<float>(c) + 0.1f; }) {
@@ -61,21 +59,26 @@ class Rig : public test::ToolRig {
     void stroke(const std::string& tool, const Box& box) {
         use(tool, {box.x + 3.2, box.y + 3.9, box.r - 3.4, box.t - 3.8});
     }
-    static Box under(const Box& box) { return {box.x + 3, box.y + 3, box.r - 3, box.t - 3}; }
+
+    // Whether a stroke changes the value of a knob.
+    bool turns(const std::string& tool, const Box& box) {
+        const std::string before = values();
+        stroke(tool, box);
+        return values() != before;
+    }
 
     // The least and greatest value of a stage under the stroke.
     std::pair<float, float> span(const char* stage, Channel c, const Box& box) {
         node.invalidate();
         node.validate(true);
         Iop& op = *stage == '\0' ? node : *node.child(stage)->as_iop();
-        const test::Picture picture = test::render(op, under(box));
-        const auto& plane = picture.planes[static_cast<std::size_t>(c)];
-        const auto [low, high] = std::minmax_element(plane.begin(), plane.end());
+        const Picture picture = render(op, {box.x + 3, box.y + 3, box.r - 3, box.t - 3});
+        const auto [low, high] = std::minmax_element(picture.planes[c].begin(), picture.planes[c].end());
         return {*low, *high};
     }
 
     std::vector<Patch> patches = kPatches;
-    test::FunctionSource fg, bg;
+    FunctionSource fg, bg;
 };
 
 using Values = std::pair<float, float>;

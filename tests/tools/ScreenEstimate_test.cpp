@@ -4,16 +4,16 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <functional>
 #include <limits>
 #include <random>
 
 #include "plates/Set.h"
 #include "shot/node/ImageSource.h"
+#include "support/Loops.h"
 #include "support/TestImages.h"
 
-using namespace Zo::Image;
+using namespace test;
 
 namespace {
 
@@ -26,28 +26,15 @@ const Box kFrame{0, 0, 64, 48};
 
 using Paint = std::function<Color(int, int)>;
 
-// Has pixels in a box of its own, whatever the frame shows.
-class Painted final : public test::FunctionSource {
-  public:
-    Painted(const Box& box, const Paint& paint)
-        : FunctionSource(box, kMaskRgb, [paint](Channel c, int x, int y) {
-              return static_cast<float>(paint(x, y)[static_cast<std::size_t>(c - kRed)]);
-          }) {}
-
-  protected:
-    void _validate(bool for_real) override {
-        FunctionSource::_validate(for_real);
-        info_.format.box = kFrame;
-    }
-};
-
 ScreenEstimate look(Iop& image, std::optional<Channel> primary = {}) {
     Renderer renderer(2);
     return estimate_screen(image, primary, renderer);
 }
 
+// The picture has its pixels in a box of its own, whatever the frame shows.
 ScreenEstimate look(const Paint& paint, std::optional<Channel> primary = {}, const Box& box = kFrame) {
-    Painted image(box, paint);
+    const auto pixel = [&](Channel c, int x, int y) { return static_cast<float>(paint(x, y)[c - kRed]); };
+    FunctionSource image(box, kMaskRgb, pixel, kFrame);
     return look(image, primary);
 }
 
@@ -72,14 +59,12 @@ TEST(ScreenEstimate, SharesOfHalves) {
 TEST(ScreenEstimate, BordersCountMost) {
     const auto inside = [](int x, int y) { return x >= 8 && x < 56 && y < 42; };
     double blue = 0.0, all = 0.0;
-    for (int y = 0; y < 48; ++y) {
-        for (int x = 0; x < 64; ++x) {
-            const double way = std::min({(x + 0.5) / 32.0, (63.5 - x) / 32.0, (47.5 - y) / 24.0});
-            const double weight = way < 0.4 ? 1.0 + 3.0 * (1.0 - way / 0.4) : 1.0;
-            all += weight;
-            blue += inside(x, y) ? weight : 0.0;
-        }
-    }
+    each(64, 48, [&](int x, int y) {
+        const double way = std::min({(x + 0.5) / 32.0, (63.5 - x) / 32.0, (47.5 - y) / 24.0});
+        const double weight = way < 0.4 ? 1.0 + 3.0 * (1.0 - way / 0.4) : 1.0;
+        all += weight;
+        blue += inside(x, y) ? weight : 0.0;
+    });
     const ScreenEstimate found = look([&](int x, int y) { return inside(x, y) ? kBluish : kGreenish; });
     EXPECT_EQ(found.primary, kGreen);  // on a third of the pixels
     EXPECT_NEAR(found.share, 1.0 - blue / all, 1e-9);
@@ -108,13 +93,13 @@ TEST(ScreenEstimate, StopsWithoutABacking) {
         const auto draw = [&] { return static_cast<double>(random() % 1024) / 1024.0; };
         return {draw(), draw(), draw()};
     };
-    const auto nothing = [](int, int) -> Color { return {}; };
+    const auto even = [](double red, double green, double blue) -> Paint {
+        return [=](int, int) { return Color{red, green, blue}; };
+    };
     const auto ramp = [](int x, int) -> Color { return {x / 64.0, x / 64.0, x / 64.0}; };
-    const auto pale = [](int, int) -> Color { return {0.5, 0.57, 0.5}; };
-    const auto nan = [](int, int) -> Color { return {std::nan(""), std::nan(""), std::nan("")}; };
-    for (const Paint& plain : {Paint(noise), {nothing}, {ramp}, {pale}, {nan}}) {
-        EXPECT_FALSE(look(plain).found());
-    }
+    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+    const Paint plain[] = {noise, ramp, even(0.0, 0.0, 0.0), even(0.5, 0.57, 0.5), even(kNan, kNan, kNan)};
+    for (const Paint& paint : plain) EXPECT_FALSE(look(paint).found()) << &paint - plain;
     EXPECT_FALSE(look([](int, int) { return kGreenish; }, {}, {70, 0, 80, 48}).found());
 }
 

@@ -7,7 +7,7 @@
 
 #include "support/TestImages.h"
 
-using namespace Zo::Image;
+using namespace test;
 
 namespace {
 
@@ -17,8 +17,8 @@ TEST(StrokePixels, AreThoseOfTheBoxThatCount) {
         if (x == 3 && y == 3 && c == kBlue) return std::numeric_limits<float>::quiet_NaN();
         return static_cast<float>(c == kRed ? x : y);
     };
-    test::FunctionSource image(frame, kMaskRgba, place);
-    test::FunctionSource even(frame, kMaskRgba, [](Channel, int x, int) { return x % 2 == 0 ? 1.0f : 0.0f; });
+    FunctionSource image(frame, kMaskRgba, place);
+    FunctionSource even(frame, kMaskRgba, [](Channel, int x, int) { return x % 2 == 0 ? 1.0f : 0.0f; });
     const struct {
         Box box;
         Iop* keep;

@@ -20,12 +20,19 @@ inline std::vector<std::string> words(const std::string& text) {
     return list;
 }
 
-class ToolRig {
-  public:
+struct ToolRig {
     explicit ToolRig(const NodeContext& context = {}) : node(context), panel(node) {}
 
     void set(const std::string& knob, const std::string& text) { panel.set_from_text(knob, text); }
     std::string text(const char* knob) const { return panel.get(knob).text(); }
+    // NAME=VALUE with blanks between them.
+    void set_and_hold(const std::string& settings) {
+        for (const std::string& setting : words(settings)) {
+            const std::string name = setting.substr(0, setting.find('='));
+            set(name, setting.substr(name.size() + 1));
+            hold(name);
+        }
+    }
     void hold(const std::string& names, bool on = true) {
         for (const std::string& name : words(names)) panel.get(name).target().set_flag(kKnobHeld, on);
     }

@@ -9,11 +9,11 @@
 #include "ZoImage/Script.h"
 #include "tools/PatchRig.h"
 
-using namespace Zo::Image;
 using namespace test;
 
 namespace {
 
+constexpr const char* kNoiseKnobs = "cleanup cleanup_cleanup cleanup_recover";
 constexpr const char* kOverlay =
     "screen_tolerance screen_darks_red_smaller screen_darks_red_larger screen_brights_red_smaller "
     "screen_brights_red_larger";
@@ -34,12 +34,7 @@ TEST(Tools, WhatWasAskedIsInThePicture) {
         {"removeoverlay", &kShade, "clearRegion", kNone, kFull, kOverlay, "subject"},
         {"addmatte", &kGrey, "outputMatte", {1.0f, 200.0f}, kNone, "brights darks warm cool"},
         {"addmatte", &kCloth, "outputMatte", {20.0f, 255.0f}, kNone, "darks"},
-        {"removenoise",
-         &kNoise,
-         "cleanup",
-         {100.0f, 254.0f},
-         kFull,
-         "cleanup cleanup_cleanup cleanup_recover"},
+        {"removenoise", &kNoise, "cleanup", {100.0f, 254.0f}, kFull, kNoiseKnobs},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.tool) + " at " + std::to_string(c.box->x));
@@ -51,12 +46,9 @@ TEST(Tools, WhatWasAskedIsInThePicture) {
         rig.stroke(c.tool, *c.box);
         EXPECT_EQ(rig.span(c.stage, kAlpha, *c.box), c.after) << rig.told();
         EXPECT_TRUE(rig.satisfied()) << rig.told();
-        const auto may_turn = test::words(c.may_turn + " screen_color overlay_mode");
-        EXPECT_THAT(may_turn, testing::IsSupersetOf(test::words(rig.turned())));
-
-        const std::string values = rig.values();
-        rig.stroke(c.tool, *c.box);
-        EXPECT_EQ(rig.values(), values) << rig.told();
+        EXPECT_THAT(words(rig.turned()),
+                    testing::IsSubsetOf(words(c.may_turn + " screen_color overlay_mode")));
+        EXPECT_FALSE(rig.turns(c.tool, *c.box)) << rig.told();
     }
 }
 
@@ -66,82 +58,61 @@ TEST(Tools, HeldKnobsStay) {
     const struct {
         const char* tool;
         const Box* box;
-        std::string hold;  // with which the tool still finds an answer
-        const char* stage;
-        Values after;
-        std::string hold_too;  // with which it has nothing left
+        std::string hold;
+        std::string hold_too = "";  // without which the tool still finds an answer
+        const char* stage = "";
+        Values after = {};
     } cases[] = {
-        {"addoverlay", &kShade, "screen_tolerance", "clearRegion", kFull, overlay.substr(overlay.find(' '))},
-        {"addmatte", &kGrey, "brights", "outputMatte", kNone, "darks warm cool"},
-        {"removenoise", &kNoise, "cleanup_recover", "cleanup", kFull, "cleanup"},
+        {"addoverlay", &kShade, "screen_tolerance", overlay.substr(overlay.find(' ')), "clearRegion", kFull},
+        {"addmatte", &kGrey, "brights", "darks warm cool", "outputMatte", kNone},
+        {"removenoise", &kNoise, "cleanup_recover", "cleanup", "cleanup", kFull},
+        {"screen", &kLeaf, "screen_color"},
+        {"find_screen", &kLeaf, "screen_color"},
+        {"matchshadow", &kLeaf, "shadows_tint"},
+        {"restorespill", &kLeaf, "spill_suppression"},
+        {"removespill", &kLeaf, "spill_suppression"},
+        {"matchcolor", &kLeaf, "color_conformance"},
+        {"holdShadow", &kLeaf, "cleanup_recover"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.tool);
         Rig rig;
-        rig.hold(c.hold);
-        rig.hold(c.hold_too);
+        rig.set("spill_suppression", "0");
+        rig.hold(c.hold + ' ' + c.hold_too);
         const std::string script = write_script(rig.panel);
         rig.stroke(c.tool, *c.box);
         EXPECT_EQ(write_script(rig.panel), script);
         EXPECT_FALSE(rig.report().notes.empty()) << rig.told();
         EXPECT_THAT(rig.report().held, testing::Contains(c.hold));
+        if (c.hold_too.empty()) continue;
         rig.hold(c.hold_too, false);
         rig.stroke(c.tool, *c.box);
         EXPECT_EQ(rig.span(c.stage, kAlpha, *c.box), c.after) << rig.told();
         EXPECT_FALSE(rig.panel.get(c.hold).differs_from_default());
     }
-    for (const auto& [tool, knob] : {std::pair{"screen", "screen_color"},
-                                     {"find_screen", "screen_color"},
-                                     {"matchshadow", "shadows_tint"},
-                                     {"restorespill", "spill_suppression"},
-                                     {"removespill", "spill_suppression"},
-                                     {"matchcolor", "color_conformance"},
-                                     {"holdShadow", "cleanup_recover"}}) {
-        Rig rig;
-        rig.set("spill_suppression", "0");
-        rig.hold(knob);
-        const std::string script = write_script(rig.panel);
-        rig.stroke(tool, kLeaf);
-        EXPECT_EQ(write_script(rig.panel), script) << tool;
-        EXPECT_FALSE(rig.report().notes.empty()) << rig.told();
-        EXPECT_THAT(rig.report().held, testing::Contains(knob));
-    }
-}
-
-// The primary that leaves spill suppression under the box, less what enters it.
-Values primary_gain(Rig& rig, const Box& box) {
-    const Values in = rig.span("outputMatte", kGreen, box);
-    const Values out = rig.span("spillSuppression", kGreen, box);
-    return {out.first - in.first, out.second - in.second};
 }
 
 TEST(Tools, SpillComesBackAndGoes) {
     Rig rig;
-    EXPECT_LT(primary_gain(rig, kLeaf).second, -5.0f);
+    const auto primary = [&](const char* stage) { return rig.span(stage, kGreen, kLeaf); };
+    EXPECT_LT(primary("spillSuppression").second, primary("outputMatte").second - 5.0f);
     rig.stroke("restorespill", kLeaf);
-    const Values gain = primary_gain(rig, kLeaf);
-    EXPECT_NEAR(gain.first, 0.0f, 4.0f);  // 2 at the mean, 2 for the grain
-    EXPECT_NEAR(gain.second, 0.0f, 4.0f);
-    const std::string values = rig.values();
-    rig.stroke("restorespill", kLeaf);
-    EXPECT_EQ(rig.values(), values);
+    const Values in = primary("outputMatte"), out = primary("spillSuppression");
+    EXPECT_NEAR(out.first, in.first, 4.0f);  // 2 at the mean, 2 for the grain
+    EXPECT_NEAR(out.second, in.second, 4.0f);
+    EXPECT_FALSE(rig.turns("restorespill", kLeaf));
 
     rig.set("brights", "1000");  // solid, so that the green stays in it
     rig.set("spill_warm", "-200");
     rig.set("spill_cool", "-200");
-    const auto excess = [&] {
-        const float red = rig.span("spillSuppression", kRed, kGrey).second;
-        const float blue = rig.span("spillSuppression", kBlue, kGrey).second;
-        return rig.span("spillSuppression", kGreen, kGrey).second - std::max(red, blue);
-    };
+    const auto most = [&](Channel c) { return rig.span("spillSuppression", c, kGrey).second; };
+    const auto excess = [&] { return most(kGreen) - std::max(most(kRed), most(kBlue)); };
     EXPECT_GT(excess(), 5.0f);
     rig.stroke("removespill", kGrey);
     EXPECT_LE(excess(), 2.0f) << rig.told();  // 1 at the mean, 1 for the grain
 
     rig.reset("Spill");
     EXPECT_EQ(rig.turned(), "screen_color brights");
-    EXPECT_FALSE(rig.panel.get("us_restore_spill").differs_from_default());
-    EXPECT_FALSE(rig.panel.get("us_remove_spill").differs_from_default());
 }
 
 TEST(Tools, HeldShadowStaysWhereNoiseGoes) {
@@ -155,7 +126,7 @@ TEST(Tools, HeldShadowStaysWhereNoiseGoes) {
         rig.stroke("removenoise", kNoise);
         EXPECT_EQ(rig.span("cleanup", kAlpha, kNoise), kFull) << rig.told();
         EXPECT_EQ(rig.span("cleanup", kAlpha, kShade), keyed) << rig.told();
-        EXPECT_EQ(rig.turned(), "screen_color cleanup cleanup_cleanup cleanup_recover");
+        EXPECT_EQ(rig.turned(), std::string("screen_color ") + kNoiseKnobs);
     }
 }
 
@@ -176,13 +147,14 @@ TEST(Tools, ColoursArePicked) {
     Rig rig;
     rig.set("screen_color", "0,0,0");
     rig.stroke("screen", kBacking);
-    const Rgb wanted{0.15f, 0.6f, 0.2f};
+    const double wanted[] = {0.15, 0.6, 0.2};
+    const Knob& color = rig.panel.get("screen_color");
     for (int i = 0; i < 3; ++i) {
-        EXPECT_NEAR(rig.panel.get("screen_color").get_value(i), wanted[static_cast<std::size_t>(i)], 0.002);
-        EXPECT_EQ(rig.panel.get("toolbar_screen").get_value(i), rig.panel.get("screen_color").get_value(i));
+        EXPECT_NEAR(color.get_value(i), wanted[i], 0.002);
+        EXPECT_EQ(rig.panel.get("toolbar_screen").get_value(i), color.get_value(i));
     }
     rig.stroke("screen", kBroken);
-    EXPECT_NEAR(rig.panel.get("screen_color").get_value(1), 0.6, 0.002);
+    EXPECT_NEAR(color.get_value(1), 0.6, 0.002);
 
     rig.stroke("matchshadow", kBacking);  // 0.2, 0.3, 0.4: 0.9 needs 0.85 four times
     double sum = 0.0;
@@ -208,14 +180,12 @@ TEST(Tools, BackingKeepsItsMatteWithoutScreenCorrection) {
 // The rim of the stroke would stay in the picture, since the half light around it is no screen area.
 TEST(Tools, AStrokeWithinWhatIsWrongIsTransparentToItsMargin) {
     Rig rig;
-    const Box veil{24, 22, 40, 38};
     const Box part{28, 26, 36, 34};
-    rig.patches.push_back({veil, {0.28f, 0.5f, 0.3f}});
+    rig.patches.push_back({{24, 22, 40, 38}, {0.28f, 0.5f, 0.3f}});
     rig.patches.push_back({part, {0.26f, 0.52f, 0.28f}});
     EXPECT_GT(rig.span("", kAlpha, part).first, 0.0f);
     rig.use("addoverlay", {28, 26, 36, 34});
-    const test::Picture picture = test::render(rig.node, part);
-    for (const float alpha : picture.planes[kAlpha]) EXPECT_EQ(alpha, 0.0f) << rig.told();
+    EXPECT_THAT(render(rig.node, part).planes[kAlpha], testing::Each(0.0f)) << rig.told();
 }
 
 TEST(Tools, ContradictionsGoToTheNewerStroke) {
@@ -224,18 +194,12 @@ TEST(Tools, ContradictionsGoToTheNewerStroke) {
     rig.stroke("removeoverlay", kShade);
     EXPECT_EQ(rig.span("clearRegion", kAlpha, kShade), kNone);
     EXPECT_FALSE(rig.satisfied()) << rig.told();
-    const std::string values = rig.values();
-    rig.stroke("removeoverlay", kShade);
-    EXPECT_EQ(rig.values(), values);
+    EXPECT_FALSE(rig.turns("removeoverlay", kShade));
     rig.stroke("addoverlay", kShade);
     EXPECT_EQ(rig.span("clearRegion", kAlpha, kShade), kFull);
 
     rig.reset("Screen Correct");
     EXPECT_EQ(rig.turned(), "screen_color");
-    for (const char* list :
-         {"us_add_overlay", "us_add_overlay_cp", "us_remove_ovelray", "us_remove_ovelray_cp"}) {
-        EXPECT_FALSE(rig.panel.get(list).differs_from_default()) << list;
-    }
 }
 
 // A script brings the means along, not the pixels; the knobs that it sets satisfy them.
@@ -244,8 +208,7 @@ TEST(Tools, AnUndoneStrokeAsksForNothingAnyMore) {
     for (Rig* const r : {&rig, &other}) r->stroke("addoverlay", kNoise);
     const std::string before = rig.values();
     rig.stroke("addoverlay", kShade);
-    const auto* const list = rig.panel.find("us_add_overlay");
-    const auto samples = [&] { return list->text(true); };
+    const auto samples = [&] { return rig.panel.get("us_add_overlay").text(true); };
     const std::string two = samples();
     while (samples() == two || rig.values() != before) ASSERT_TRUE(rig.panel.undo());
     for (Rig* const r : {&rig, &other}) r->stroke("removeoverlay", kShade);
@@ -261,9 +224,8 @@ TEST(Tools, ASavedScriptNeedsNoFurtherTuning) {
     rig.stroke("restorespill", kLeaf);
     apply_script(other.panel, read_script(write_script(rig.panel), "s").at(0), "s");
     EXPECT_EQ(other.values(), rig.values());
-    other.stroke("removeoverlay", kWarm);
-    other.stroke("restorespill", kLeaf);
-    EXPECT_EQ(other.values(), rig.values());
+    EXPECT_FALSE(other.turns("removeoverlay", kWarm));
+    EXPECT_FALSE(other.turns("restorespill", kLeaf));
 
     other.hold("us_add_overlay us_remove_ovelray");
     const auto lists = [&] { return other.text("us_add_overlay") + '/' + other.text("us_remove_ovelray"); };
@@ -285,12 +247,10 @@ TEST(Tools, ASavedListHoldsWhatWasSampled) {
     for (int i = 0; i < 100; ++i) copies += sample;
     rig.stroke("addoverlay", kNoise);
     EXPECT_EQ(rig.text(kList), sample);
-    const std::string script = write_script(rig.panel);
-    apply_script(other.panel, read_script(script, "s").at(0), "s");
+    for (Rig* const r : {&other, &old})
+        apply_script(r->panel, read_script(write_script(rig.panel), "s").at(0), "s");
     EXPECT_EQ(other.values(true), rig.values(true));
     EXPECT_EQ(render(other.node, kFrame).planes, render(rig.node, kFrame).planes);
-
-    apply_script(old.panel, read_script(script, "s").at(0), "s");
     old.set(kList, copies);
     EXPECT_EQ(old.text(kList), copies);
     // With a plate, too, each stroke keeps its own.
@@ -309,10 +269,8 @@ TEST(Tools, SurviveWhatIsNoColour) {
         if (knob->kind() != Knob::Kind::kToolButton) continue;
         const std::string tool = knob->name();
         Rig rig;
-        const std::string values = rig.values();
-        rig.stroke(tool, {9, 9, 5, 5});
-        rig.stroke(tool, {-2000000000, 0, 2000000000, 2000000000});
-        EXPECT_EQ(rig.values(), values) << tool;
+        EXPECT_FALSE(rig.turns(tool, {9, 9, 5, 5})) << tool;
+        EXPECT_FALSE(rig.turns(tool, {-2000000000, 0, 2000000000, 2000000000})) << tool;
         EXPECT_EQ(rig.report().samples(), 0) << rig.told();
         for (const Box* box : {&kHuge, &kBacking, &kBroken}) rig.stroke(tool, *box);
         EXPECT_GT(rig.report().samples(), 0) << tool << rig.told();

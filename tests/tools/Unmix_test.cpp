@@ -7,7 +7,6 @@
 #include "panel/VeloxaSample_Knob.h"
 #include "tools/PatchRig.h"
 
-using namespace Zo::Image;
 using namespace test;
 
 namespace {
@@ -47,12 +46,10 @@ TEST(Unmix, IsTaught) {
         EXPECT_THAT(rig.report().held, testing::ElementsAre(c.list));
         rig.hold(c.list, false);
         rig.set("unmix_method", "unmix");
-        for (int n = 0; n < 100; ++n) rig.stroke(c.tool, kLeaf);
-        EXPECT_EQ(list.count(), 100);
-        EXPECT_NEAR(list.samples()[0][0], kPatches[2].color[0], 1e-3f);
+        rig.stroke(c.tool, kLeaf);
+        EXPECT_EQ(list.count(), 2);
         EXPECT_EQ(rig.report().notes.size(), 1U) << rig.told();
         rig.reset("Unmix");
-        EXPECT_EQ(list.count(), 0);
         EXPECT_EQ(hash(), before);
     }
 }
@@ -86,8 +83,7 @@ TEST(Unmix, AShotKeepsAVeilFromBreathing) {
     const auto veil = [&](bool posts, float light) {
         show(posts, light);
         rig.node.validate(true);
-        Renderer renderer(2);
-        const Picture alpha = render(renderer, *rig.node.child("unmixClean")->as_iop(), frame);
+        const Picture alpha = render(*rig.node.child("unmixClean")->as_iop(), frame, 2);
         double sum = 0.0;
         for (int x = 60; x < 80; ++x) sum += static_cast<double>(alpha.at(kAlpha, x, 120)) / 20.0;
         return sum;

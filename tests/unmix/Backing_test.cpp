@@ -3,12 +3,7 @@
 
 #include "unmix/Picture.h"
 
-using test::Colour;
-using test::each;
-using test::kGreen;
-using test::kGrey;
-using test::mix;
-using test::Picture;
+using namespace test;
 
 namespace {
 
@@ -49,8 +44,7 @@ TEST(Backing, LightAndNoiseOfAPlate) {
 TEST(Backing, WhatCountsAsIt) {
     const Colour tape{0.05f, 0.4f, 0.25f};
     const auto fold = [](int x, int y) {
-        return mix(kGreen, {},
-                   1.0f - 0.3f * std::exp(-5e-4f * std::pow(test::away_from(x, y, 160, 120), 2.0f)));
+        return mix(kGreen, {}, 1.0f - 0.3f * std::exp(-5e-4f * std::pow(away_from(x, y, 160, 120), 2.0f)));
     };
     const auto patch = [](const Colour& c) {
         return [c](int x, int y) { return in_patch(x, y) ? c : kGreen; };

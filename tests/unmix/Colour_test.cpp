@@ -8,18 +8,17 @@
 #include "unmix/SpillTable.h"
 
 using namespace unmix;
-using test::Colour;
-using test::kGreen;
+using namespace test;
 
 namespace {
 
 // A disc of grey and of skin; its outer 30 pixels hold up to so much of the screen's light.
 struct Spilled {
-    static Colour own(int x) { return x < 150 ? test::kGrey : Colour{0.6f, 0.45f, 0.35f}; }
+    static Colour own(int x) { return x < 150 ? kGrey : Colour{0.6f, 0.45f, 0.35f}; }
 
     explicit Spilled(float most)
         : alpha(300, 300), picture(300, 300, [&](int x, int y) {
-              const float away = test::away_from(x, y, 150, 150);
+              const float away = away_from(x, y, 150, 150);
               alpha(x, y) = away > 110.0f ? 0.0f : 1.0f;
               if (away > 110.0f) return kGreen;
               Colour c = own(x);
@@ -30,13 +29,13 @@ struct Spilled {
         picture.fit();
     }
     void unspill(float amount, Encoding encoding = Encoding::kStored) {
-        const auto table = learn_spill(picture.backing, alpha, {0.05f, {}, {}}, test::backward_loop);
+        const auto table = learn_spill(picture.backing, alpha, {0.05f, {}, {}}, backward_loop);
         const UnspillParams params{table.data(), {1, 0, 2}, picture.backing.colour, amount};
-        colour_frame(picture.backing, alpha, params, encoding, colour, test::backward_loop);
+        colour_frame(picture.backing, alpha, params, encoding, colour, backward_loop);
     }
 
     Floats alpha;
-    test::Picture picture;
+    Picture picture;
     Colours colour;
 };
 

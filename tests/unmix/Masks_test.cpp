@@ -12,8 +12,7 @@
 #include "unmix/PushPull.h"
 
 using namespace unmix;
-using test::backward_loop;
-using test::each;
+using namespace test;
 
 namespace {
 
@@ -30,12 +29,8 @@ double least(const Bytes& mask, int value, int x, int y, const Measure& measure,
     return best;
 }
 
-double straight(int dx, int dy) {
-    return std::hypot(dx, dy);
-}
-double steps(int dx, int dy) {
-    return std::abs(dx) + std::abs(dy);
-}
+const auto straight = [](int dx, int dy) { return std::hypot(dx, dy); };
+const auto steps = [](int dx, int dy) { return static_cast<double>(std::abs(dx) + std::abs(dy)); };
 
 // Each pixel's number spreads to its neighbours while it is less.
 void check_components(const Bytes& mask) {
@@ -150,9 +145,9 @@ TEST(PushPull, ClosedCases) {
     };
     for (const auto& c : cases) {
         const auto colour = [&](int x, int y) {
-            return c.known(x, y) ? test::Colour{0.0f, 0.0f, c.value(x, y)} : test::Colour{NAN, NAN, NAN};
+            return c.known(x, y) ? Colour{0.0f, 0.0f, c.value(x, y)} : Colour{NAN, NAN, NAN};
         };
-        const test::Picture values(c.width, c.height, colour);
+        const Picture values(c.width, c.height, colour);
         Bytes mask(c.width, c.height);
         each(c.width, c.height, [&](int x, int y) { mask(x, y) = c.known(x, y); });
         Colours out;
@@ -170,11 +165,11 @@ TEST(FrameCubic, FindsTheLightsFalloff) {
         return 0.4f + 0.04f * u - 0.06f * v * v + 0.04f * u * u * u - 0.02f * u * v;
     };
     Bytes mask(80, 60);
-    const test::Picture cells(80, 60, [&](int x, int y) {
+    const Picture cells(80, 60, [&](int x, int y) {
         mask(x, y) = !(x > 20 && x < 40 && y > 20);
-        if (x > 50 && x < 62 && y > 8 && y < 20) return test::Colour{0.9f, 0.9f, 0.9f};
+        if (x > 50 && x < 62 && y > 8 && y < 20) return Colour{0.9f, 0.9f, 0.9f};
         const float v = mask(x, y) == 0 ? NAN : light(x, y);
-        return test::Colour{-0.2f * v, v, 0.5f * v};
+        return Colour{-0.2f * v, v, 0.5f * v};
     });
     FrameCubic cubic;
     cubic.fit(cells.backing.light, mask);
@@ -193,8 +188,8 @@ TEST(FrameCubic, FindsTheLightsFalloff) {
 }
 
 TEST(Clusters, ToldApart) {
-    const std::array<test::Colour, 3> colours{{{0.1f, 0.2f, 0.9f}, {0.8f, 0.3f, 0.2f}, {0.4f, 0.7f, 0.4f}}};
-    std::vector<test::Colour> samples;
+    const std::array<Colour, 3> colours{{{0.1f, 0.2f, 0.9f}, {0.8f, 0.3f, 0.2f}, {0.4f, 0.7f, 0.4f}}};
+    std::vector<Colour> samples;
     for (std::size_t n = 0; n < 90; ++n) {
         samples.push_back(colours[n % 3]);
         samples.back()[0] += n / 3 % 2 == 0 ? 0.02f : -0.02f;

@@ -33,11 +33,6 @@ inline float away_from(int x, int y, int from_x, int from_y) {
     return std::hypot(static_cast<float>(x - from_x), static_cast<float>(y - from_y));
 }
 
-template <class Visit>
-void each(int width, int height, const Visit& visit) {
-    for (int n = 0; n < width * height; ++n) visit(n % width, n / width);
-}
-
 struct Picture {
     template <class At>
     Picture(int width, int height, const At& at) {

@@ -5,11 +5,7 @@
 #include "unmix/Region.h"
 
 using namespace unmix;
-using test::each;
-using test::kGreen;
-using test::kGrey;
-using test::mix;
-using test::Picture;
+using namespace test;
 
 namespace {
 
@@ -18,12 +14,12 @@ namespace {
 TEST(Solids, KeepFromSoftEdgesByTwiceTheirWidth) {
     for (const float width : {0.0f, 10.0f, 20.0f, 30.0f}) {
         Picture p(320, 320, [&](int x, int y) {
-            return mix(kGrey, kGreen, test::ramp(test::away_from(x, y, 160, 160), 110.0f, width));
+            return mix(kGrey, kGreen, ramp(away_from(x, y, 160, 160), 110.0f, width));
         });
         p.segment();
         const float edge = 110.0f - 0.16f * width - std::max(0.62f * width, 1.5f);
         each(320, 320, [&](int x, int y) {
-            const float away = test::away_from(x, y, 160, 160);
+            const float away = away_from(x, y, 160, 160);
             const bool solid = p.segmentation.solid(x / 2, y / 2) != 0;
             const bool unknown = p.segmentation.unknown(x, y) != 0;
             ASSERT_TRUE(solid == (away < edge) || std::abs(away - edge) < 6.0f) << width << ": " << away;
@@ -35,13 +31,13 @@ TEST(Solids, KeepFromSoftEdgesByTwiceTheirWidth) {
 
 // A disc and, beside it, a square of another opacity.
 TEST(Solids, PlateausMattesAndStrokes) {
-    constexpr test::Colour kBrown{0.3f, 0.25f, 0.1f};
+    constexpr Colour kBrown{0.3f, 0.25f, 0.1f};
     const struct {
         const char* name;
         float alpha;
         int disc_at;  // 120 touches the square
         bool garbage, holdout;
-        std::vector<test::Colour> taught;
+        std::vector<Colour> taught;
         int solid, unknown;
     } cases[] = {
         {"half covered", 0.5f, 120, false, false, {}, 0, 1},
@@ -59,7 +55,7 @@ TEST(Solids, PlateausMattesAndStrokes) {
         Picture p(320, 320, [&](int x, int y) {
             const bool square = x >= 200 && x < 280 && y >= 120 && y < 200;
             matte(x, y) = square ? 1.0f : 0.0f;
-            const float disc = test::ramp(test::away_from(x, y, c.disc_at, 160), 80.0f, 2.0f);
+            const float disc = ramp(away_from(x, y, c.disc_at, 160), 80.0f, 2.0f);
             return square ? mix(kBrown, kGreen, c.alpha) : mix(kGrey, kGreen, disc);
         });
         p.segment(c.garbage ? matte : Floats(), c.holdout ? matte : Floats(), {0.66f, c.taught});
@@ -75,7 +71,7 @@ TEST(Solids, PlateausMattesAndStrokes) {
 TEST(Solids, RoughOpacityReckonsWithTheSubjectsOwnColour) {
     Picture p(62, 38, [](int x, int) { return x < 44 ? kGreen : mix({0.5f, 0.3f, 0.2f}, kGreen, 0.5f); });
     p.fit();
-    const ParallelLoop loop = test::backward_loop;
+    const ParallelLoop loop = backward_loop;
     Floats own(16, 10);
     each(16, 10, [&](int x, int y) { own(x, y) = -0.02f * static_cast<float>(x); });
     for (const auto grid : {Region::Grid::kCoarse, Region::Grid::kFine}) {

@@ -6,12 +6,7 @@
 #include "unmix/Picture.h"
 
 using namespace unmix;
-using test::backward_loop;
-using test::Colour;
-using test::each;
-using test::kGreen;
-using test::mix;
-using test::Picture;
+using namespace test;
 
 namespace {
 
@@ -109,8 +104,8 @@ TEST(Solve, MixturesGiveTheirAlphaBack) {
         Floats truth(300, 300);
         Picture p(300, 300, [&](int x, int y) {
             const float along = std::abs(static_cast<float>(10 * y + x) / 10.0f - 165.0f);
-            const float alpha = c.line ? test::ramp(along, 2.0f, 6.0f)
-                                       : test::ramp(test::away_from(x, y, 150, 150), 90.0f, 14.0f);
+            const float alpha =
+                c.line ? ramp(along, 2.0f, 6.0f) : ramp(away_from(x, y, 150, 150), 90.0f, 14.0f);
             truth(x, y) = alpha;
             Colour subject = c.subject;
             for (std::size_t i = 0; i < 3 && alpha < 1.0f; ++i) subject[i] += c.spill * c.behind[i];
