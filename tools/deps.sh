@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages that are missing; does nothing when all are there.
 #
-#   tools/deps.sh              what building, the demo and the tests need
-#   tools/deps.sh dev          also what formatting and linting need
+#   tools/deps.sh              what building the program, the demo and the bundle need
+#   tools/deps.sh viewer       also what the viewer and its tests need
+#   tools/deps.sh dev          these, and what formatting and linting need
 #   tools/deps.sh bench        also what the benchmarks need
 #   tools/deps.sh deb          also what building Debian packages needs
 #   tools/deps.sh deb-check    also what checking these needs
@@ -17,9 +18,11 @@ packages=(
     ffmpeg # the tests' other end of a stream
     openimageio-tools fonts-dejavu-core # the demo's contact sheet and its labels
 )
+viewer=(qt6-base-dev qt6-base-dev-tools xvfb openbox xdotool desktop-file-utils appstream librsvg2-bin)
 case "${1-}" in
     "") ;;
-    dev) packages+=(clang-format clang-tidy) ;;
+    viewer) packages+=("${viewer[@]}") ;;
+    dev) packages+=("${viewer[@]}" clang-format clang-tidy) ;;
     bench) packages+=(libbenchmark-dev) ;;
     deb | deb-check)
         # The build's own list; the one name in it that is no package's is debhelper's.
@@ -29,7 +32,7 @@ case "${1-}" in
         [ "$1" = deb ] || packages+=(lintian autopkgtest debootstrap)
         ;;
     *)
-        echo "usage: tools/deps.sh [dev|bench|deb|deb-check]" >&2
+        echo "usage: tools/deps.sh [viewer|dev|bench|deb|deb-check]" >&2
         exit 2
         ;;
 esac
