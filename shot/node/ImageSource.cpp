@@ -25,11 +25,12 @@ void ImageSource::engine(int y, int x, int /*r*/, const ChannelSet& channels, Ro
     }
 }
 
-void NodeInputs::connect(Iop& node, const FrameLoader::Names& names) {
+void NodeInputs::connect(Iop& node, const std::array<bool, kInputCount>& used) {
     for (int n = 0; n < node.inputs(); ++n) {
         const auto input = static_cast<std::size_t>(n);
-        if (names[input].empty()) {
+        if (!used[input]) {
             node.set_input(n, node.default_input(n));
+            sources_[input].reset();
         } else {
             sources_[input] = std::make_unique<ImageSource>(NodeContext{kInputNames[input]});
             node.set_input(n, sources_[input].get());

@@ -37,8 +37,8 @@ class ImageSource final : public Zo::Image::Iop {
 // The images on all of the node's inputs. Must outlive the node's last use. Not while rendering.
 class NodeInputs {
   public:
-    // Puts a source on every input that `names` names; the others get what the node puts there itself.
-    void connect(Zo::Image::Iop& node, const FrameLoader::Names& names);
+    // Puts a source on every input that is used; the others get what the node puts there itself.
+    void connect(Zo::Image::Iop& node, const std::array<bool, kInputCount>& used);
     // Serves a frame's images until the next ones.
     void set(const FrameInputs& inputs);
     // Lets the images go.

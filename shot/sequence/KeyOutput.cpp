@@ -52,6 +52,11 @@ std::string mode_of(Picture picture, const std::string& own) {
     return picture == Picture::kCut ? "premultiplied" : own;
 }
 
+void turn_to(const Node& node, Picture picture) {
+    Zo::Image::KnobPanel& panel = node.panel();
+    panel.set_from_text(kModeKnob, mode_of(picture, panel.get(kModeKnob).text()));
+}
+
 Alpha alpha_of(const std::string& mode) {
     if (mode == "composite") return Alpha::kOpaque;
     return mode == "premultiplied" ? Alpha::kPremultiplied : Alpha::kStraight;

@@ -30,6 +30,11 @@ std::vector<KeyOutput> parse_outputs(const std::vector<std::string>& texts);
 // all of them.
 std::string mode_of(Picture picture, const std::string& own);
 
+// The knob that holds it.
+inline constexpr const char* kModeKnob = "output_mode";
+// Has the node make that picture.
+void turn_to(const Node& node, Picture picture);
+
 // What the alpha of a picture means that was rendered with that item.
 Alpha alpha_of(const std::string& mode);
 

@@ -15,8 +15,6 @@ using namespace Zo::Image;
 
 namespace {
 
-constexpr const char* kModeKnob = "output_mode";
-
 // Shares the plane.
 Image alpha_alone(const Image& image) {
     Image matte = image;

@@ -37,7 +37,9 @@ KeySetup::KeySetup(const SetupOptions& options, const Caller& caller)
       loader_(names_, fit_named(options.fit).value_or(Fit::kRefuse), options.colour, caller, frames_),
       node_(caller.abort) {
     node_.apply(options.settings, caller);
-    inputs_.connect(node_.image(), names_);
+    std::array<bool, kInputCount> used{};
+    std::ranges::transform(names_, used.begin(), [](const PictureName& name) { return !name.empty(); });
+    inputs_.connect(node_.image(), used);
     if (!options.screen.pick.empty()) parse_box("--pick", options.screen.pick);
     for (const std::string& text : options.strokes) {
         strokes_.push_back(parse_stroke(node_.panel(), text));

@@ -1,0 +1,50 @@
+#include "render/Errands.h"
+
+#include <utility>
+
+#include "render/Priority.h"
+
+namespace veloxa::viewer {
+
+Errands::Errands(bool beside) : beside_(beside), thread_([this] { run(); }) {}
+
+Errands::~Errands() {
+    {
+        const std::lock_guard lock(mutex_);
+        ending_ = true;
+        abort_.raise();
+    }
+    wake_.notify_all();
+    thread_.join();
+}
+
+void Errands::add(Work work) {
+    {
+        const std::lock_guard lock(mutex_);
+        waiting_.push_back(std::move(work));
+    }
+    wake_.notify_all();
+}
+
+void Errands::give_up() {
+    const std::lock_guard lock(mutex_);
+    waiting_.clear();
+    abort_.raise();
+}
+
+void Errands::run() {
+    beside_ ? step_far_back() : step_back();
+    std::unique_lock lock(mutex_);
+    for (;;) {
+        wake_.wait(lock, [this] { return ending_ || !waiting_.empty(); });
+        if (ending_) return;
+        const Work work = std::move(waiting_.front());
+        waiting_.pop_front();
+        abort_.clear();
+        lock.unlock();
+        work(abort_);
+        lock.lock();
+    }
+}
+
+}  // namespace veloxa::viewer

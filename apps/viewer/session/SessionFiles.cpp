@@ -1,0 +1,228 @@
+// Files of a session: shots, scripts, what is written.
+#include <filesystem>
+#include <utility>
+
+#include "session/Project.h"
+#include "session/Session.h"
+#include "shot/Errors.h"
+#include "shot/files/ImageFile.h"
+
+namespace veloxa::viewer {
+
+using namespace Zo::Image;
+
+namespace {
+
+FrameRange range_of(const ShotFiles& files) {
+    std::array<PictureName, kInputCount> names;
+    for (std::size_t n = 0; n < kInputCount; ++n) names[n] = PictureName(files.inputs[n]);
+    return frames_of(files.frames, names);
+}
+
+ShotFiles files_of(const SetupOptions& options) {
+    ShotFiles files;
+    files.inputs = options.inputs;
+    files.frames = options.frames;
+    files.fit = options.fit;
+    files.colour = options.colour;
+    return files;
+}
+
+}  // namespace
+
+// What an errand found out, brought to the window.
+struct Session::Opened {
+    State state;
+    std::string error;
+};
+
+void Session::put_in_place(const ShotFiles& files) {
+    files_ = files;
+    ++shot_;
+    compared_[static_cast<std::size_t>(Against::kDefault)].reset();
+    compared_[static_cast<std::size_t>(Against::kAutomatic)].reset();
+    try {
+        range_ = range_of(files);
+    } catch (const Error& error) {
+        tell(error.what());
+        range_ = {};
+    }
+    if (frame_ < range_.first || frame_ > range_.last || (frame_ - range_.first) % range_.step != 0) {
+        frame_ = range_.first;
+    }
+    frames_.open(files);
+    if (events.shot) events.shot();
+    read_around();
+}
+
+void Session::start(State state, const std::string& document) {
+    give_up();
+    state.settings.give(panel());
+    settings_ = Settings(panel());
+    mattes_ = std::move(state.mattes);
+    memory_ = nullptr;
+    document_ = document;
+    compared_ = {};
+    put_in_place(state.files);
+    history_.start({this->state(), nullptr});
+    keep_safe();
+    if (events.settings) events.settings();
+    look();
+}
+
+void Session::open(const SetupOptions& options) {
+    State state;
+    state.files = files_of(options);
+    state.settings = Settings(Node().panel());
+    start(std::move(state), options.settings.script);
+    set_up(options, [this](const Settings& settings, const DrawnMattes& mattes) {
+        settings.give(panel());
+        settings_ = Settings(panel());
+        mattes_ = mattes;
+        // What the user turned meanwhile would be lost, so it is a step; else it is where one begins.
+        if (history_.undo_name().empty()) {
+            history_.start({this->state(), nullptr});
+            if (events.settings) events.settings();
+        } else {
+            commit("set up");
+        }
+        look();
+    });
+}
+
+void Session::set_up(const SetupOptions& options, std::function<void(const Settings&, const DrawnMattes&)> done) {
+    ++setting_up_;
+    if (events.busy) events.busy();
+    errands_.add([this, options, done = std::move(done), shot = shot_](const AbortFlag& abort) {
+        auto settings = std::make_shared<Settings>();
+        auto mattes = std::make_shared<DrawnMattes>();
+        std::string error;
+        try {
+            Caller caller;
+            caller.abort = &abort;
+            caller.warn = caller.tell = [this](const std::string& line) { post([this, line] { tell(line); }); };
+            KeySetup setup(options, caller);
+            const std::string& script = options.settings.script;
+            if (!script.empty()) *mattes = read_mattes(read_text(script), script);
+            *settings = Settings(setup.node().panel());
+            setup.prepare();
+            *settings = Settings(setup.node().panel());
+        } catch (const Interrupted&) {
+        } catch (const std::exception& fault) {
+            error = fault.what();
+        }
+        post([this, settings, mattes, error, done, shot] {
+            --setting_up_;
+            if (events.busy) events.busy();
+            if (!error.empty()) tell(error);
+            if (shot == shot_ && !settings->empty()) done(*settings, *mattes);
+        });
+    });
+}
+
+void Session::open_project(const std::string& path) {
+    rescue({path, path});
+}
+
+void Session::rescue(const Rescued& rescued) {
+    ++setting_up_;
+    if (events.busy) events.busy();
+    errands_.add([this, rescued](const AbortFlag&) {
+        auto opened = std::make_shared<Opened>();
+        try {
+            Caller caller;
+            caller.warn = [this](const std::string& line) { post([this, line] { tell(line); }); };
+            Node node;
+            opened->state = load_project(rescued.file, node, caller);
+        } catch (const std::exception& error) {
+            opened->error = error.what();
+        }
+        post([this, rescued, opened] {
+            --setting_up_;
+            if (events.busy) events.busy();
+            if (!opened->error.empty()) return tell(opened->error);
+            start(std::move(opened->state), rescued.document);
+            if (rescued.file == rescued.document) return;
+            history_.mark_unsaved();
+            Autosave::remove(rescued);
+            keep_safe();
+            if (events.settings) events.settings();
+        });
+    });
+}
+
+std::string Session::script(const std::string& path) const {
+    return project_text(state(), node_->panel(), path);
+}
+
+void Session::save(const std::string& path, std::function<void(const std::string&)> done) {
+    const State saved = state();
+    errands_.add([this, saved, path, done = std::move(done)](const AbortFlag&) {
+        std::string error;
+        try {
+            Node node;
+            saved.settings.give(node.panel());
+            save_project(saved, node, path);
+        } catch (const std::exception& fault) {
+            error = fault.what();
+        }
+        post([this, saved, path, error, done] {
+            if (error.empty()) {
+                document_ = path;
+                history_.mark_saved(saved);
+                keep_safe();
+                if (events.settings) events.settings();
+            }
+            done(error);
+        });
+    });
+}
+
+void Session::load_settings(const std::string& path) {
+    errands_.add([this, path](const AbortFlag&) {
+        auto opened = std::make_shared<Opened>();
+        try {
+            Caller caller;
+            caller.warn = [this](const std::string& line) { post([this, line] { tell(line); }); };
+            Node node;
+            opened->state = load_project(path, node, caller);
+        } catch (const std::exception& error) {
+            opened->error = error.what();
+        }
+        post([this, path, opened] {
+            if (!opened->error.empty()) return tell(opened->error);
+            opened->state.settings.give(panel());
+            settle();
+            commit("settings of " + std::filesystem::path(path).filename().string());
+        });
+    });
+}
+
+void Session::set_files(const ShotFiles& files, const std::string& name) {
+    put_in_place(files);
+    commit(name);
+    look();
+}
+
+void Session::write_matte(DrawnMatte::Kind kind, const std::string& path,
+                          std::function<void(const std::string&)> done) {
+    const FramePtr frame = current_frame();
+    if (!frame || !frame->error.empty()) return done(path + ": the plate is not read, so its size is not known");
+    errands_.add([this, frame, mattes = mattes_, kind, path, done = std::move(done)](const AbortFlag& abort) {
+        std::string error;
+        try {
+            const auto image = draw(mattes, kind, frame->inputs[kFg].image->info.format, nullptr);
+            if (!image) throw Error(path, "nothing of the kind is drawn");
+            WriteOptions how;
+            how.depth = OIIO::TypeDesc::FLOAT;
+            how.overwrite = true;
+            how.abort = &abort;
+            write_image(path, *image, how);
+        } catch (const std::exception& fault) {
+            error = fault.what();
+        }
+        post([done, error] { done(error); });
+    });
+}
+
+}  // namespace veloxa::viewer
