@@ -116,9 +116,10 @@ void add_setup_options(CLI::App& command, SetupOptions& options) {
         "Set the node up from the first foreground that can be read, before any stroke but one of the "
         "screen tool at their head; knobs that --script or --set name stay as they are");
     command
-        .add_option("--stroke", options.strokes,
-                    "Use a sampling tool on a box, as add_overlay=10,20,30,40; of a sequence's frame N with "
-                    "@N behind the tool, else of the first that can be read")
+        .add_option(
+            "--stroke", options.strokes,
+            "Use a sampling tool on a box, as add_overlay=10,20,30,40, or on several with a + between them; "
+            "of a sequence's frame N with @N behind the tool, else of the first that can be read")
         ->type_name("TOOL=X,Y,R,T")
         ->allow_extra_args(false);
 }

@@ -129,7 +129,7 @@ void KeySetup::apply_strokes(std::size_t begin, std::size_t end) {
     for (std::size_t n = begin; n < end; ++n) {
         const Stroke& stroke = strokes_[n];
         show(stroke.frame ? *stroke.frame : first_foreground().second);
-        check_inside("--stroke " + options_.strokes[n], *foreground_, stroke.box);
+        check_inside("--stroke " + options_.strokes[n], *foreground_, stroke);
         note({apply_stroke(node_, stroke)});
     }
 }

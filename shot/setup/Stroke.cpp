@@ -38,6 +38,24 @@ Knob& tool_named(const KnobPanel& panel, const std::string& name) {
     throw UsageError("--stroke " + name + ": there is no such tool" + choices(plain_name(name), names));
 }
 
+// "--stroke", and which of several areas.
+std::string area_of(const std::string& option, std::size_t number, std::size_t count) {
+    if (count == 1) return option;
+    return option + ", area " + std::to_string(number + 1) + " of " + std::to_string(count);
+}
+
+std::vector<Box> parse_areas(std::string_view text) {
+    const auto count = static_cast<std::size_t>(std::ranges::count(text, '+')) + 1;
+    std::vector<Box> areas;
+    while (areas.size() < count) {
+        const std::size_t end = std::min(text.find('+'), text.size());
+        const std::string option = area_of("--stroke", areas.size(), count) + (count == 1 ? "" : ":");
+        areas.push_back(parse_box(option, std::string(text.substr(0, end))));
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return areas;
+}
+
 // While it lives the node's tools leave these knobs alone; later strokes may turn them.
 class Hold {
   public:
@@ -72,13 +90,17 @@ Stroke parse_stroke(const KnobPanel& panel, const std::string& text) {
         frame = number;
         name.resize(at);
     }
-    return {&tool_named(panel, name), parse_box("--stroke", text.substr(equals + 1)), frame};
+    return {&tool_named(panel, name), parse_areas(std::string_view(text).substr(equals + 1)), frame};
+}
+
+void check_inside(const std::string& option, const Image& image, const Stroke& stroke) {
+    for (std::size_t n = 0; n < stroke.areas.size(); ++n) {
+        check_inside(area_of(option, n, stroke.areas.size()), image, stroke.areas[n]);
+    }
 }
 
 ToolReport apply_stroke(const Node& node, const Stroke& stroke) {
-    const Box& box = stroke.box;
-    int value = 4;
-    for (const int edge : {box.x, box.y, box.r, box.t}) stroke.tool->set_value(edge, value++);
+    stroke.tool->stroke(stroke.areas);
     return node.use_tool(*stroke.tool).front();
 }
 

@@ -55,6 +55,27 @@ ToolNode VeloxaKeyer::tool_node() {
             .measure_frame = [this] { return measure_frame(); }};
 }
 
+std::shared_ptr<const ToolMemory> VeloxaKeyer::tool_memory() const {
+    auto record = std::make_shared<ToolRecord>();
+    record->session = session_;
+    record->fg_sample = controls_.get(controls::kFgSample);
+    record->bg_sample = controls_.get(controls::kBgSample);
+    return record;
+}
+
+void VeloxaKeyer::recall(const std::shared_ptr<const ToolMemory>& memory) {
+    const auto* const record = dynamic_cast<const ToolRecord*>(memory.get());
+    session_ = record != nullptr ? record->session : ToolSession();
+    const auto take = [&](const ControlGroup& sample, ControlTriple ToolRecord::*held) {
+        controls_.reset(sample);
+        if (record != nullptr)
+            controls_.set(sample, (record->*held)[0], (record->*held)[1], (record->*held)[2]);
+    };
+    take(controls::kFgSample, &ToolRecord::fg_sample);
+    take(controls::kBgSample, &ToolRecord::bg_sample);
+    invalidate();
+}
+
 ShotModel VeloxaKeyer::measure_frame() {
     struct Measuring {
         explicit Measuring(VeloxaKeyer& keyer) : node(keyer) { stand(true); }

@@ -63,6 +63,8 @@ class VeloxaKeyer final : public Zo::Image::Iop {
     void knobs(Zo::Image::Knob_Closure& closure) override;
     int knob_changed(Zo::Image::Knob* knob) override;
     std::vector<Zo::Image::ToolReport> tool_reports() const override { return session_.reports; }
+    std::shared_ptr<const Zo::Image::ToolMemory> tool_memory() const override;
+    void recall(const std::shared_ptr<const Zo::Image::ToolMemory>& memory) override;
     // "controls" lists the controls, "trace" gives them as a script of commands; "shot" says why the shot's
     // model, where there is one, is not used; "lanes" names the form of the kernels that runs.
     std::string diagnostic(std::string_view what) const override;

@@ -40,21 +40,30 @@ int VeloxaSample::add_point(const Sample& sample, int x, int y, int r, int t) {
 }
 
 int VeloxaSample::add_area(Iop& source, int x, int y, int r, int t) {
-    if (r <= x || t <= y) return 0;
-    source.validate(true);
-    source.request(x, y, r, t, channels_, 1);
+    const Box area{x, y, r, t};
+    return add_areas(source, {&area, 1});
+}
+
+int VeloxaSample::add_areas(Iop& source, std::span<const Box> areas) {
     constexpr std::array<Channel, 4> kChannels{kRed, kGreen, kBlue, kAlpha};
     Sample mean{};
-    const auto add = [&](std::size_t, int, const Row& row) {
-        for (std::size_t i = 0; i < kChannels.size(); ++i) {
-            const float* const pixels = row[kChannels[i]];
-            for (int column = 0; column < r - x; ++column) mean[i] += pixels[column];
-        }
-    };
-    const RowSource from{&source, channels_};
-    if (!fetch_rows({&from, 1}, {x, y, r, t}, nullptr, add)) return 0;
-    const float pixels = static_cast<float>((std::int64_t{r} - x) * (std::int64_t{t} - y));
-    for (float& value : mean) value /= pixels;
+    std::int64_t pixels = 0;
+    for (const Box& area : areas) {
+        if (area.empty()) continue;
+        source.validate(true);
+        source.request(area.x, area.y, area.r, area.t, channels_, 1);
+        const auto add = [&](std::size_t, int, const Row& row) {
+            for (std::size_t i = 0; i < kChannels.size(); ++i) {
+                const float* const line = row[kChannels[i]];
+                for (int column = 0; column < area.width(); ++column) mean[i] += line[column];
+            }
+        };
+        const RowSource from{&source, channels_};
+        if (!fetch_rows({&from, 1}, area, nullptr, add)) return 0;
+        pixels += std::int64_t{area.width()} * area.height();
+    }
+    if (pixels == 0) return 0;
+    for (float& value : mean) value /= static_cast<float>(pixels);
     begin_change();
     append(mean);
     end_change();
@@ -97,14 +106,13 @@ bool VeloxaSample::read(std::string_view text) {
 }
 
 int decimate(int x, int y, int r, int t, int& step_x, int& step_y) {
-    constexpr std::uint64_t kMost = 16386;
     step_x = 1;
     step_y = 1;
     if (r <= x || t <= y) return 0;
     // Unsigned, so that the product of any two sides fits.
     const auto width = static_cast<std::uint64_t>(std::int64_t{r} - x);
     const auto height = static_cast<std::uint64_t>(std::int64_t{t} - y);
-    if (width * height < kMost) return static_cast<int>(width * height);
+    if (width * height < kMostPositions) return static_cast<int>(width * height);
     const auto steps = [](std::uint64_t side, int step) {
         const auto n = static_cast<std::uint64_t>(step);
         return (side + n - 1) / n;
@@ -112,9 +120,9 @@ int decimate(int x, int y, int r, int t, int& step_x, int& step_y) {
     while (true) {
         if (std::int64_t{y} + step_y < t) ++step_y;
         const std::uint64_t rows = steps(height, step_y);
-        if (steps(width, step_x) * rows < kMost) return static_cast<int>(rows);
+        if (steps(width, step_x) * rows < kMostPositions) return static_cast<int>(rows);
         if (std::int64_t{x} + step_x < r) ++step_x;
         const std::uint64_t columns = steps(width, step_x);
-        if (columns * rows < kMost) return static_cast<int>(columns);
+        if (columns * rows < kMostPositions) return static_cast<int>(columns);
     }
 }

@@ -5,8 +5,10 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <ostream>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -32,6 +34,8 @@ class VeloxaSample {
     // The mean of the box of the image. Returns 0, and nothing happens, when the box is empty or the render
     // was aborted, else 1.
     int add_area(Zo::Image::Iop& source, int x, int y, int r, int t);
+    // The same of all pixels of several boxes, of which no two overlap.
+    int add_areas(Zo::Image::Iop& source, std::span<const Zo::Image::Box> areas);
     void clear() { samples_->clear(); }
 
     int count() const { return static_cast<int>(samples_->size()); }
@@ -60,6 +64,9 @@ class VeloxaSample {
     Zo::Image::Op* owner_;
 };
 
-// Steps that thin a large box out to fewer than 16386 positions. Returns the pixel count when the box is
+// A stroke is thinned out to fewer positions than this.
+inline constexpr std::uint64_t kMostPositions = 16386;
+
+// Steps that thin a large box out to fewer than kMostPositions. Returns the pixel count when the box is
 // small enough as it is, else the count along the axis that was thinned last: callers use the steps.
 int decimate(int x, int y, int r, int t, int& step_x, int& step_y);

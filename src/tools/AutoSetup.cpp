@@ -65,7 +65,7 @@ class AutoSetup {
     std::vector<ToolReport> run() {
         // A colour of 0, 0, 0 that is held was meant so.
         if (node_.knobs.screen_color == KnobStorage::Color{} && !knob("screen_color").flag(kKnobHeld)) {
-            reports_.push_back(ToolRun(node_).run(Tool::kFindScreen, {}));
+            reports_.push_back(ToolRun(node_).run(Tool::kFindScreen, StrokeAreas()));
             if (!reports_.back().failure.empty()) return std::move(reports_);
         }
         step("auto unmix", [this] { choose_method(); });
@@ -244,12 +244,12 @@ class AutoSetup {
         std::erase_if(found, [&](const Tile& tile) { return !wanted(tile); });
         for (int n = 0; n < kMostStrokes && !found.empty(); ++n) {
             const auto worst = std::ranges::max_element(found, {}, &Tile::left);
-            const Box box = worst->box;
+            const StrokeAreas area({worst->box});
             found.erase(worst);
             const KnobValues before(knobs_);
             const std::vector<double> solid = solidity();
             const std::vector<float> alpha = alpha_;
-            ToolReport report = ToolRun(node_).run(tool, box);
+            ToolReport report = ToolRun(node_).run(tool, area);
             for (const std::string& name : report.held) stays(name);
             if (!report.held.empty() && report.samples() == 0) return;  // the tool has nothing left to turn
             render();

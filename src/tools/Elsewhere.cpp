@@ -92,7 +92,7 @@ std::vector<std::string> Losses::notes() const {
     return lines;
 }
 
-std::vector<PlatedSample> pixels_elsewhere(const ToolNode& node, const Box& box) {
+std::vector<PlatedSample> pixels_elsewhere(const ToolNode& node, const StrokeAreas& areas) {
     Iop& fg = node.image.input(0);
     const Grid grid(node, fg.info().box);
     std::vector<PlatedSample> all;
@@ -102,7 +102,7 @@ std::vector<PlatedSample> pixels_elsewhere(const ToolNode& node, const Box& box)
     };
     grid.read(fg, kMaskRgba, [&](std::size_t, const Row& row, int i, int x, int y) {
         all.push_back({color(row, i), {}});
-        kept.push_back(x < box.x || x >= box.r || y < box.y || y >= box.t);
+        kept.push_back(!areas.contains(x, y));
     });
     if (node.flag(kCpUsable)) {
         grid.read(node.image.input(1), kMaskRgba,

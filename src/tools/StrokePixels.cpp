@@ -25,35 +25,44 @@ void render_or_give_up(Renderer& renderer, Iop& image, const Box& box, ChannelSe
     if (!renderer.render(image, box, channels, sink)) throw GivenUp();
 }
 
-std::vector<StrokePixel> read_pixels(Iop& first, Iop* second, Iop* keep, const Box& box,
+std::vector<StrokePixel> read_pixels(Iop& first, Iop* second, Iop* keep, const StrokeAreas& areas,
                                      const AbortFlag* abort) {
-    std::vector<StrokePixel> pixels;
-    int step_x = 1;
-    int step_y = 1;
-    if (decimate(box.x, box.y, box.r, box.t, step_x, step_y) == 0) return pixels;
-    const auto steps = [](int side, int step) { return static_cast<std::size_t>((side - 1) / step + 1); };
-    const std::size_t columns = steps(box.width(), step_x);
+    const StrokeGrid grid(areas);
     // In a render what an operator looks up and down is made once for all that ask for it; where rows are
     // left out, once a row.
     Renderer renderer(1, abort);
+    std::size_t count = 0;
     const auto read = [&](Iop* image, ChannelSet channels, const auto& take) {
         if (image == nullptr) return;
-        const auto every = [&](int y, const Row& row) {
-            const std::size_t begin = static_cast<std::size_t>((y - box.y) / step_y) * columns;
-            for (std::size_t i = 0; i < columns; ++i) take(begin + i, row, static_cast<int>(i) * step_x);
-        };
-        const int height = step_y == 1 ? box.height() : 1;
-        for (int y = 0; y < box.height(); y += step_y * height) {
-            render_or_give_up(renderer, *image, {box.x, box.y + y, box.r, box.y + y + height}, channels,
-                              every);
+        std::size_t before = 0;  // pixels of the parts before
+        for (const Box& part : areas.parts()) {
+            const auto columns = static_cast<std::size_t>(grid.columns(part));
+            const int row = grid.row_from(part.y);
+            const int column = grid.column_from(part.x) - part.x;
+            const auto every = [&](int y, const Row& pixels) {
+                const std::size_t begin =
+                    before + static_cast<std::size_t>((y - row) / grid.step_y()) * columns;
+                for (std::size_t i = 0; i < columns; ++i) {
+                    take(begin + i, pixels, column + static_cast<int>(i) * grid.step_x());
+                }
+            };
+            const int height = grid.step_y() == 1 ? part.height() : 1;
+            for (int y = row; y < part.t && columns > 0; y += grid.step_y() * height) {
+                render_or_give_up(renderer, *image, {part.x, y, part.r, y + height}, channels, every);
+            }
+            before += columns * static_cast<std::size_t>(grid.rows(part));
         }
     };
-    std::vector<StrokePixel> all(columns * steps(box.height(), step_y));
-    std::vector<bool> kept(all.size(), true);
+    for (const Box& part : areas.parts()) {
+        count += static_cast<std::size_t>(grid.columns(part)) * static_cast<std::size_t>(grid.rows(part));
+    }
+    std::vector<StrokePixel> all(count);
+    std::vector<bool> kept(count, true);
     read(&first, kMaskRgba, [&](std::size_t at, const Row& row, int i) { all[at].first = pixel_of(row, i); });
     read(second, kMaskRgba,
          [&](std::size_t at, const Row& row, int i) { all[at].second = pixel_of(row, i); });
     read(keep, kMaskAlpha, [&](std::size_t at, const Row& row, int i) { kept[at] = row[kAlpha][i] != 0.0f; });
+    std::vector<StrokePixel> pixels;
     for (std::size_t i = 0; i < all.size(); ++i) {
         if (kept[i] && usable(all[i].first) && usable(all[i].second)) pixels.push_back(all[i]);
     }

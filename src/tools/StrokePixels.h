@@ -1,4 +1,4 @@
-// Pixels that stand for a stroke: of everything under its box the most extreme in each direction that the
+// Pixels that stand for a stroke: of everything under its areas the most extreme in each direction that the
 // kernels look in, so that what holds for them holds for what lies between.
 #pragma once
 
@@ -8,6 +8,7 @@
 #include "ZoImage/Iop.h"
 #include "ZoImage/Render.h"
 #include "panel/VeloxaSample.h"
+#include "tools/StrokeAreas.h"
 
 // Thrown where the user gave a tool up.
 struct GivenUp {};
@@ -21,11 +22,11 @@ struct StrokePixel {
     VeloxaSample::Sample second{};
 };
 
-// Pixels of the box (thinned out by decimate) whose alpha in `keep` is not 0; of all without it. `second` may
-// be null. Those that are not finite are left out. Validation thread; renders what it reads, or throws
-// GivenUp.
+// Pixels of the areas, as the grid thins them out, whose alpha in `keep` is not 0; of all without it.
+// `second` may be null. Those that are not finite are left out. Validation thread; renders what it reads, or
+// throws GivenUp.
 std::vector<StrokePixel> read_pixels(Zo::Image::Iop& first, Zo::Image::Iop* second, Zo::Image::Iop* keep,
-                                     const Zo::Image::Box& box, const Zo::Image::AbortFlag* abort);
+                                     const StrokeAreas& areas, const Zo::Image::AbortFlag* abort);
 
 // Where in the list the least and greatest red, green, blue, alpha and difference of two colours are;
 // ascending, each place once.

@@ -1,8 +1,5 @@
 #include "tools/ToolNode.h"
 
-#include <cmath>
-
-#include "ZoImage/Convert.h"
 #include "ZoImage/KnobValues.h"
 #include "tools/AutoSetup.h"
 #include "tools/ToolRun.h"
@@ -36,12 +33,6 @@ class Attempt {
     bool done_ = false;
 };
 
-Box box_of(const Knob& tool) {
-    const auto down = [&](int i) { return to_int(std::floor(tool.get_value(i))); };
-    const auto up = [&](int i) { return to_int(std::ceil(tool.get_value(i))); };
-    return {down(4), down(5), up(6), up(7)};
-}
-
 }  // namespace
 
 void use_tool(const ToolNode& node, Tool tool) try {
@@ -50,7 +41,7 @@ void use_tool(const ToolNode& node, Tool tool) try {
     if (tool == Tool::kSetUp) {
         reports = set_up(node);
     } else {
-        reports.push_back(ToolRun(node).run(tool, box_of(*node.panel.tool(tool))));
+        reports.push_back(ToolRun(node).run(tool, StrokeAreas(node.panel.tool(tool)->stroke())));
     }
     if (node.abort() != nullptr && node.abort()->raised()) return;
     node.session.reports = std::move(reports);

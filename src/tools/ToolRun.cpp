@@ -46,9 +46,9 @@ bool turns_matte(Tool tool) {
 
 }  // namespace
 
-ToolReport ToolRun::run(Tool tool, const Box& box) {
+ToolReport ToolRun::run(Tool tool, const StrokeAreas& areas) {
     report_.tool = node_.panel.tool(tool)->name();
-    if (tool >= Tool::kFindScreen || take_box(box)) {
+    if (tool >= Tool::kFindScreen || take_areas(areas)) {
         node_.image.validate(true);
         const KnobStorage before = node_.knobs;
         if (may_turn(tool)) use(tool);
@@ -109,15 +109,16 @@ bool ToolRun::taken_back(SampleAction action) const {
     return count == 0 || count < node_.session.saved_counts[static_cast<std::size_t>(action)];
 }
 
-bool ToolRun::take_box(const Box& box) {
-    report_.box = box_ = box;
-    const std::int64_t width = std::int64_t{box_.r} - box_.x;
-    const std::int64_t height = std::int64_t{box_.t} - box_.y;
+bool ToolRun::take_areas(const StrokeAreas& areas) {
+    areas_ = areas;
+    const Box& box = report_.box = areas_.around();
+    const std::int64_t width = std::int64_t{box.r} - box.x;
+    const std::int64_t height = std::int64_t{box.t} - box.y;
     if (width <= 0 || height <= 0) {
         note("the stroke is empty");
         return false;
     }
-    if (width > kLargestSide || height > kLargestSide || width * height > kLargestArea) {
+    if (width > kLargestSide || height > kLargestSide || areas_.pixels() > kLargestArea) {
         note("the stroke is too large");
         return false;
     }
@@ -126,12 +127,12 @@ bool ToolRun::take_box(const Box& box) {
 
 ToolRun::Sample ToolRun::mean(Iop& source) const {
     VeloxaSample stroke(&node_.image);
-    stroke.add_area(source, box_.x, box_.y, box_.r, box_.t);
+    stroke.add_areas(source, areas_.parts());
     return stroke.count() == 0 ? Sample{} : stroke.samples().front();
 }
 
 std::vector<StrokePixel> ToolRun::pixels(Iop& first, Iop* second) {
-    std::vector<StrokePixel> stroke = read_pixels(first, second, nullptr, box_, node_.abort());
+    std::vector<StrokePixel> stroke = read_pixels(first, second, nullptr, areas_, node_.abort());
     if (stroke.empty()) ++unusable_;
     return stroke;
 }
@@ -146,7 +147,7 @@ Iop* ToolRun::plate() const {
 
 void ToolRun::note_elsewhere(const KnobStorage& before) {
     if (node_.knobs.unmixes() || report_.changes.empty()) return;
-    const std::vector<PlatedSample> pixels = pixels_elsewhere(node_, box_);
+    const std::vector<PlatedSample> pixels = pixels_elsewhere(node_, areas_);
     for (const std::string& line : losses(setting(before), setting(), pixels).notes()) note(line);
 }
 
@@ -184,7 +185,7 @@ void ToolRun::find_screen() {
 // A bright background would make the shadow's tint no shadow.
 void ToolRun::pick_color(Iop& source, KnobStorage::Color KnobStorage::*field, bool darken) {
     VeloxaSample stroke(&node_.image);
-    stroke.add_area(source, box_.x, box_.y, box_.r, box_.t);
+    stroke.add_areas(source, areas_.parts());
     Sample color = stroke.average();
     if (!usable(color)) {
         note("the stroke's colour is not finite");
@@ -233,8 +234,8 @@ void ToolRun::gather_backing() {
     if (session.backing_color == node_.knobs.screen_color && !session.backing.empty() && kept()) return;
     Iop& fg = node_.image.input(0);
     std::vector<OverlaySample> region;
-    for (const StrokePixel& p :
-         read_pixels(fg, plate(), &node_.screen_area(), fg.info().box, node_.abort())) {
+    const StrokeAreas all({fg.info().box});
+    for (const StrokePixel& p : read_pixels(fg, plate(), &node_.screen_area(), all, node_.abort())) {
         region.push_back({p.first, p.second, true});
     }
     // A pixel that is of the region only by its neighbours would be judged without them.
@@ -274,7 +275,7 @@ void ToolRun::spill(bool restore) {
             asked.push_back({p.first, restore});
         strokes.begin(std::move(asked));
         if (list->flag(kKnobHeld)) return tell_held(*list);
-        list->add_area(node_.output_matte(), box_.x, box_.y, box_.r, box_.t);
+        list->add_areas(node_.output_matte(), areas_.parts());
     });
 
     const auto samples = [&] {

@@ -16,14 +16,14 @@ class ToolRun {
   public:
     explicit ToolRun(const ToolNode& node) : node_(node) {}
 
-    // Any tool but that which sets up by means of the others. The box is the foreground's; that which looks
-    // at all of it takes none.
-    Zo::Image::ToolReport run(Tool tool, const Zo::Image::Box& box);
+    // Any tool but that which sets up by means of the others. The areas are the foreground's; those
+    // that look at all of it take none.
+    Zo::Image::ToolReport run(Tool tool, const StrokeAreas& areas);
 
   private:
     using Sample = VeloxaSample::Sample;
 
-    bool take_box(const Zo::Image::Box& box);
+    bool take_areas(const StrokeAreas& areas);
     // Whether a held knob leaves the tool anything to turn; says which are held.
     bool may_turn(Tool tool);
     void use(Tool tool);
@@ -46,7 +46,7 @@ class ToolRun {
     void pick_color(Zo::Image::Iop& source, KnobStorage::Color KnobStorage::*field, bool darken);
     void overlay(bool add);
     void gather_overlay(bool add);
-    // The pixels of a box with the plate's or, without one, the screen colour.
+    // The pixels with the plate's or, without one, the screen colour.
     std::vector<OverlaySample> overlay_pixels(const std::vector<StrokePixel>& pixels, bool screen) const;
     Sample screen_sample() const;
     // Where the stroke is not transparent in the picture that the knobs would give; spread over it, if many.
@@ -74,7 +74,7 @@ class ToolRun {
     Zo::Image::Iop* plate() const;
     void adopt(const Tuning& tuning, std::size_t counted);
     void set_knobs(const KnobStorage& values);
-    // What the stroke costs outside its box.
+    // What the stroke costs outside its areas.
     void note_elsewhere(const KnobStorage& before);
     void note(std::string_view text);
 
@@ -82,7 +82,7 @@ class ToolRun {
     static constexpr int kMostIdleRounds = 2;
 
     const ToolNode& node_;
-    Zo::Image::Box box_{};
+    StrokeAreas areas_;
     int unusable_ = 0;  // so far; what the analysis says goes to the report
     Zo::Image::ToolReport report_;
 };

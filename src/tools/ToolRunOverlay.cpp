@@ -78,18 +78,19 @@ void ToolRun::overlay(bool add) {
 
 std::vector<std::array<int, 2>> ToolRun::visible(const KnobStorage& knobs) {
     std::vector<std::array<int, 2>> places;
-    int step_x = 1;
-    int step_y = 1;
-    if (decimate(box_.x, box_.y, box_.r, box_.t, step_x, step_y) == 0) return places;
+    const StrokeGrid grid(areas_);
     with(knobs, [&] {
         // A render makes what the stages look up and down for once.
         Renderer renderer(1, node_.abort());
-        render_or_give_up(renderer, node_.image, box_, kMaskRgba, [&](int y, const Row& row) {
-            if ((y - box_.y) % step_y != 0) return;
-            for (int x = box_.x; x < box_.r; x += step_x) {
-                if (row[kAlpha][x - box_.x] != 0.0f) places.push_back({x, y});
-            }
-        });
+        for (const Box& part : areas_.parts()) {
+            if (grid.columns(part) == 0 || grid.rows(part) == 0) continue;
+            render_or_give_up(renderer, node_.image, part, kMaskRgba, [&](int y, const Row& row) {
+                if (grid.row_from(y) != y) return;
+                for (int x = grid.column_from(part.x); x < part.r; x += grid.step_x()) {
+                    if (row[kAlpha][x - part.x] != 0.0f) places.push_back({x, y});
+                }
+            });
+        }
     });
     return places;
 }
@@ -107,7 +108,8 @@ std::vector<OverlaySample> ToolRun::surroundings(const KnobStorage& knobs,
         const auto [x, y] = places[i * places.size() / count];
         const Box near{std::max(x - reach(0), frame.x), std::max(y - reach(1), frame.y),
                        std::min(x + reach(0) + 1, frame.r), std::min(y + reach(1) + 1, frame.t)};
-        const auto pixels = read_pixels(node_.image.input(0), plate(), nullptr, near, node_.abort());
+        const auto pixels =
+            read_pixels(node_.image.input(0), plate(), nullptr, StrokeAreas({near}), node_.abort());
         const std::vector<OverlaySample> samples = overlay_pixels(pixels, true);
         beside.insert(beside.end(), samples.begin(), samples.end());
     }
@@ -142,13 +144,13 @@ void ToolRun::gather_overlay(bool add) {
     for (const Knob* const samples : {fg, cp}) {
         if (samples->flag(kKnobHeld)) return tell_held(*samples);
     }
-    fg->add_area(node_.image.input(0), box_.x, box_.y, box_.r, box_.t);
+    fg->add_areas(node_.image.input(0), areas_.parts());
     node_.image.validate(true);
     if (plate() == nullptr) {
         // One, as of a plate: the lists are paired from their ends.
         cp->add_point(screen_sample(), 0, 0, 1, 1);
     } else {
-        cp->add_area(*plate(), box_.x, box_.y, box_.r, box_.t);
+        cp->add_areas(*plate(), areas_.parts());
     }
     node_.image.validate(true);
 }

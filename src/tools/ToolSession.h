@@ -9,13 +9,18 @@
 //   detail
 //   match color      one mean a stroke: of the keyed subject, or of the background where there is no subject
 //
+// Beside these the controls hold the samples that "match color" left there. ToolRecord is all of it at one
+// time.
+//
 // Like the saved lists each keeps the latest hundred.
 #pragma once
 
 #include <array>
 #include <vector>
 
+#include "ZoImage/ToolMemory.h"
 #include "ZoImage/ToolReport.h"
+#include "controls/Controls.h"
 #include "tools/MatteSampleAnalysis.h"
 #include "tools/Strokes.h"
 
@@ -37,4 +42,9 @@ struct ToolSession {
     std::vector<VeloxaSample::Sample> behind;  // the background under each of `keyed`
 
     std::vector<Zo::Image::ToolReport> reports;  // of the latest tool
+};
+
+struct ToolRecord final : Zo::Image::ToolMemory {
+    ToolSession session;
+    ControlTriple fg_sample{}, bg_sample{};
 };

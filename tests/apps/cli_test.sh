@@ -39,6 +39,8 @@ expect_rows <<'TABLE'
 2|removeoverlay, addmatte|key --fg shot/fg.0001.exr -o out/a.exr --stroke erase=1,2,3,4
 2|TOOL=X,Y,R,T|tune --fg shot/fg.0001.exr -o out/a.script --stroke screen
 2|64x48|tune --fg shot/fg.0001.exr -o out/a.script --stroke screen=0,0,65,48
+2|area 2 of 2: the box reaches outside|tune --fg shot/fg.0001.exr -o out/a.script --stroke screen=0,0,5,5+0,0,65,48
+2|area 3 of 3: 1,2,3: expected|tune --fg shot/fg.0001.exr -o out/a.script --stroke screen=0,0,5,5+0,9,5,48+1,2,3
 2|@FRAME needs --frames|tune --fg shot/fg.0001.exr -o out/a.script --stroke screen@1=0,0,5,5
 2|number after @|tune --fg shot/fg.%d.exr --frames 1-5 -o out/a.script --stroke screen@one=0,0,5,5
 1|shot/fg.0009.exr: does not exist|tune --fg shot/fg.%04d.exr --frames 1-5 -o out/a.script --stroke screen@9=0,0,5,5
@@ -90,7 +92,7 @@ expect 1 "" compare spill0/fg.exr spill0.4/fg.exr --max-diff 0.01
 expect 1 "" compare spill0/alpha_true.exr shot/alpha_true.0001.exr --max-diff 0.1
 
 # Strokes: keying and tuning do the same, a second time nothing is left to do.
-strokes=(--stroke screen=0,40,8,48 --stroke add_overlay@3=0,0,20,20 --stroke toolbar_removenoise=50,30,60,40)
+strokes=(--stroke screen=0,40,8,48 --stroke add_overlay@3=0,0,20,10+0,5,12,20 --stroke toolbar_removenoise=50,30,60,40)
 shot=(--fg shot/fg.%04d.exr --frames 2-4)
 expect 0 "toolbar_addoverlay @3 0,0,20,20: " tune "${shot[@]}" "${strokes[@]}" -o out/tuned.script
 grep -q "screen, screen_color" err.txt && fail "the screen was estimated in spite of a stroke: $(cat err.txt)"

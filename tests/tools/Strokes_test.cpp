@@ -20,17 +20,24 @@ TEST(StrokePixels, AreThoseOfTheBoxThatCount) {
     FunctionSource image(frame, kMaskRgba, place);
     FunctionSource even(frame, kMaskRgba, [](Channel, int x, int) { return x % 2 == 0 ? 1.0f : 0.0f; });
     const struct {
-        Box box;
+        std::vector<Box> areas;
         Iop* keep;
         std::size_t count;
         float last_x, last_y;
     } cases[] = {
-        {{1, 2, 6, 5}, nullptr, 14, 5.0f, 4.0f},  // but for the one that is no number
-        {{1, 2, 6, 5}, &even, 6, 4.0f, 4.0f},
-        {{0, 0, 331, 301}, nullptr, 111 * 101 - 1, 330.0f, 300.0f},  // every third
+        {{{1, 2, 6, 5}}, nullptr, 14, 5.0f, 4.0f},  // but for the one that is no number
+        {{{1, 2, 6, 5}}, &even, 6, 4.0f, 4.0f},
+        {{{1, 2, 6, 5}, {4, 1, 8, 4}, {9, 9, 9, 12}}, nullptr, 22, 5.0f, 4.0f},  // four are in both
+        {{{0, 0, 331, 301}}, nullptr, 111 * 101 - 1, 330.0f, 300.0f},            // every third
+        {{{0, 0, 331, 301}, {1, 0, 2, 301}, {331, 302, 400, 305}},
+         nullptr,
+         111 * 101 - 1 + 23,
+         399.0f,
+         303.0f},
     };
     for (const auto& c : cases) {
-        const std::vector<StrokePixel> pixels = read_pixels(image, nullptr, c.keep, c.box, nullptr);
+        const std::vector<StrokePixel> pixels =
+            read_pixels(image, nullptr, c.keep, StrokeAreas(c.areas), nullptr);
         ASSERT_EQ(pixels.size(), c.count);
         EXPECT_EQ(pixels.back().first, (VeloxaSample::Sample{c.last_x, c.last_y, c.last_y, c.last_y}));
     }

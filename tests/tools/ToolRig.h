@@ -50,6 +50,13 @@ struct ToolRig {
         reports = node.tool_reports();
     }
 
+    void paint(const std::string& tool, const std::vector<Box>& areas) {
+        Knob& button = panel.get("toolbar_" + tool);
+        button.stroke(areas);
+        button.changed();
+        reports = node.tool_reports();
+    }
+
     const ToolReport& report() const { return reports.at(0); }
     bool satisfied() const { return report().samples() > 0 && report().samples() == report().satisfied; }
     // Of all reports, for messages and to look for notes in.

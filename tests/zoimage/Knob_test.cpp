@@ -138,6 +138,27 @@ TEST(KnobPanel, ButtonsAndTools) {
     EXPECT_THROW(panel.press(panel.get("gain")), KnobError);
 }
 
+TEST(KnobPanel, AStrokeIsOfTheAreasUntilItsBoxIsSet) {
+    KnobOp op;
+    KnobPanel panel(op);
+    Knob& pick = panel.get("pick");
+    const std::vector<Box> areas{{1, 2, 3, 4}, {2, 8, 9, 9}};
+    pick.stroke({areas[0], {5, 5, 5, 7}, areas[1]});
+    EXPECT_EQ(pick.stroke(), areas);
+    for (const auto& [i, edge] : {std::pair(4, 1.0), {5, 2.0}, {6, 9.0}, {7, 9.0}}) {
+        EXPECT_EQ(pick.get_value(i), edge) << i;
+    }
+    pick.set_value(0.5, 3);  // a colour's
+    EXPECT_EQ(pick.stroke(), areas);
+    pick.set_value(7.25, 6);
+    EXPECT_EQ(pick.stroke(), (std::vector<Box>{{1, 2, 8, 9}}));
+    pick.stroke(areas);
+    pick.stroke({areas[1]});
+    EXPECT_EQ(pick.stroke(), (std::vector<Box>{areas[1]}));
+    panel.get("gain").stroke(areas);
+    EXPECT_TRUE(panel.get("gain").stroke().empty());
+}
+
 TEST(KnobPanel, UndoGoesBackStepByStep) {
     KnobOp op;
     KnobPanel panel(op);

@@ -10,6 +10,12 @@
 
 namespace Zo::Image {
 
+namespace {
+
+constexpr std::size_t kStrokeValues = 4;  // of a tool's values the first of the stroke's box
+
+}  // namespace
+
 Knob::Knob(Kind kind, std::string_view name, std::string_view label, Field field)
     : kind_(kind), name_(name), label_(label), field_(field) {
     if (kind_ == Kind::kToolButton) field_ = std::span<double>(tool_values_);
@@ -26,6 +32,27 @@ void Knob::join_toolbar(std::int32_t* active_tool, std::int32_t number) {
 
 void Knob::activate() {
     if (active_tool_ != nullptr) *active_tool_ = tool_number_;
+}
+
+void Knob::stroke(const std::vector<Box>& areas) {
+    if (target_ != nullptr) return target_->stroke(areas);
+    if (kind_ != Kind::kToolButton) return;
+    std::vector<Box> filled = areas;
+    std::erase_if(filled, [](const Box& area) { return area.empty(); });
+    Box around = areas.empty() ? Box{} : areas.front();
+    for (const Box& area : filled) around.merge(area);
+    std::size_t value = kStrokeValues;
+    for (const int edge : {around.x, around.y, around.r, around.t}) write_field(edge, value++);
+    if (filled.size() > 1) areas_ = std::move(filled);
+}
+
+std::vector<Box> Knob::stroke() const {
+    if (target_ != nullptr) return target_->stroke();
+    if (kind_ != Kind::kToolButton) return {};
+    if (!areas_.empty()) return areas_;
+    const auto down = [this](std::size_t i) { return to_int(std::floor(tool_values_[i])); };
+    const auto up = [this](std::size_t i) { return to_int(std::ceil(tool_values_[i])); };
+    return {{down(kStrokeValues), down(kStrokeValues + 1), up(kStrokeValues + 2), up(kStrokeValues + 3)}};
 }
 
 int Knob::value_count() const {
@@ -70,6 +97,7 @@ void Knob::write_field(double value, std::size_t i) {
         (*floats)[i] = static_cast<float>(value);
     } else if (auto* doubles = std::get_if<std::span<double>>(&field_)) {
         (*doubles)[i] = value;
+        if (i >= kStrokeValues) areas_.clear();
     } else if (auto* flag = std::get_if<bool*>(&field_)) {
         **flag = value != 0.0;
     } else if (auto* index = std::get_if<std::int32_t*>(&field_)) {

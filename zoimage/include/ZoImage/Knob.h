@@ -16,6 +16,8 @@
 #include <variant>
 #include <vector>
 
+#include "ZoImage/Box.h"
+
 namespace Zo::Image {
 
 class KnobPanel;
@@ -51,7 +53,7 @@ class Knob {
         kBeginToolbar,
         kEndToolbar,
         kToolbarSeparator,
-        kToolButton,  // values 0 to 3: the colour it shows; 4 to 7: the stroke's box x, y, r, t
+        kToolButton,  // values 0 to 3: the colour it shows; 4 to 7: the stroke's box x, y, r, t; see stroke()
         kCustom,      // a subclass; what it holds it reads and writes itself
     };
 
@@ -98,6 +100,10 @@ class Knob {
     void join_toolbar(std::int32_t* active_tool, std::int32_t number);
     bool active() const { return active_tool_ != nullptr && *active_tool_ == tool_number_; }
     void activate();
+    // The areas that a tool's stroke consists of, in pixels; empty ones are left out. Values 4 to 7 become
+    // the box around them. Setting one of those values makes the stroke that one box again, rounded outward.
+    void stroke(const std::vector<Box>& areas);
+    std::vector<Box> stroke() const;
 
     // Values by position, 0 to value_count() - 1; links read and set their target's. A position that does not
     // exist reads as 0. set_value returns false, and changes nothing, for one and for a value that is not
@@ -157,6 +163,7 @@ class Knob {
     Field field_;
     std::vector<double> defaults_;
     std::array<double, 8> tool_values_{};
+    std::vector<Box> areas_;  // of the stroke, where they are several
     bool pressed_ = false;
     std::int32_t* active_tool_ = nullptr;
     std::int32_t tool_number_ = 0;

@@ -12,6 +12,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -28,6 +29,7 @@ class Knob;
 class Knob_Closure;
 class Op;
 class ThreadSource;
+class ToolMemory;
 
 // What a host hands to the constructor of the operators that it creates. Internal operators get the one
 // of the node that owns them.
@@ -135,6 +137,12 @@ class Op {
 
     // What the latest tool that a button of the panel started did, step by step.
     virtual std::vector<ToolReport> tool_reports() const { return {}; }
+
+    // What the tools remember of their strokes, to be put back later, into this or another operator of the
+    // class: with the same knob values and inputs the next stroke then gives what it would have given here.
+    // Null, where nothing is remembered and for other operators' memory, forgets every stroke.
+    virtual std::shared_ptr<const ToolMemory> tool_memory() const { return nullptr; }
+    virtual void recall(const std::shared_ptr<const ToolMemory>& /*memory*/) {}
 
     // A report in plain text about the operator as it stands, for people and front ends; which there are is
     // up to the operator. Empty for one that it does not know.
