@@ -17,7 +17,8 @@ FrameLoader::Names names_of(const ShotFiles& files) {
     FrameLoader::Names names;
     for (std::size_t n = 0; n < kInputCount; ++n) {
         names[n] = PictureName(files.inputs[n]);
-        if (names[n].is_stream()) throw UsageError("-: a stream cannot be looked at twice; write its frames first");
+        if (names[n].is_stream())
+            throw UsageError("-: a stream cannot be looked at twice; write its frames first");
     }
     return names;
 }
@@ -94,7 +95,8 @@ FrameStore::Held FrameStore::held() const {
     Held held;
     {
         const std::lock_guard lock(mutex_);
-        for (const FramePtr& frame : kept_) (frame->error.empty() ? held.read : held.failed).push_back(frame->number);
+        for (const FramePtr& frame : kept_)
+            (frame->error.empty() ? held.read : held.failed).push_back(frame->number);
     }
     std::ranges::sort(held.read);
     std::ranges::sort(held.failed);
@@ -151,8 +153,8 @@ void FrameStore::read(int frame, std::unique_lock<std::mutex>& lock) {
             Caller caller;
             caller.abort = &abort_;
             caller.warn = caller.tell = calls_.told;
-            auto loader = std::make_unique<FrameLoader>(std::move(names), fit_named(files.fit).value_or(Fit::kRefuse),
-                                                        files.colour, caller);
+            auto loader = std::make_unique<FrameLoader>(
+                std::move(names), fit_named(files.fit).value_or(Fit::kRefuse), files.colour, caller);
             loader->load_stills();
             loader_ = std::move(loader);
             loaders_shot_ = shot;

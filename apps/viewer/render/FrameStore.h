@@ -1,5 +1,5 @@
-// The frames of a shot in memory: read ahead on a thread of its own, kept under a byte budget, read again when
-// their files change. Every call returns at once; any thread.
+// The frames of a shot in memory: read ahead on a thread of its own, kept under a byte budget, read again
+// when their files change. Every call returns at once; any thread.
 #pragma once
 
 #include <condition_variable>
@@ -34,9 +34,9 @@ struct FileMark {
 // Immutable once it is handed out.
 struct Frame {
     int number = 0;
-    FrameInputs inputs;       // without drawn mattes; empty where it could not be read
+    FrameInputs inputs;        // without drawn mattes; empty where it could not be read
     Zo::Image::Hash identity;  // of the inputs' pixels
-    std::string error;        // FILE: what is wrong; empty for a frame that is whole
+    std::string error;         // FILE: what is wrong; empty for a frame that is whole
     std::vector<FileMark> files;
     std::size_t bytes = 0;  // that it alone holds
 };
@@ -45,7 +45,7 @@ using FramePtr = std::shared_ptr<const Frame>;
 class FrameStore {
   public:
     struct Calls {
-        std::function<void(int frame)> changed;              // was read, failed or was let go; the reader's thread
+        std::function<void(int frame)> changed;        // was read, failed or was let go; the reader's thread
         std::function<void(const std::string&)> told;  // a line about a file; the reader's thread
     };
 
@@ -85,8 +85,8 @@ class FrameStore {
     std::condition_variable wake_;
     bool ending_ = false;
     ShotFiles files_;
-    std::uint64_t shot_ = 0;            // counts openings
-    std::list<FramePtr> kept_;          // the one that was used last in front
+    std::uint64_t shot_ = 0;    // counts openings
+    std::list<FramePtr> kept_;  // the one that was used last in front
     std::vector<int> wanted_;
     std::vector<int> checks_;
     int reading_ = 0;  // while busy_

@@ -56,7 +56,7 @@ class NodeRenderer {
     Zo::Image::Renderer renderer_;
     std::array<bool, kInputCount> used_{};
     Zo::Image::Iop* root_ = nullptr;
-    FramePtr frame_;        // that `loaded_` was made of
+    FramePtr frame_;  // that `loaded_` was made of
     DrawnMattes mattes_;
     FrameInputs loaded_;
 };

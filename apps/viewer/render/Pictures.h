@@ -10,10 +10,10 @@
 
 namespace veloxa::viewer {
 
-inline constexpr const char* kResult = "result";      // what the node puts out
-inline constexpr const char* kSubject = "subject";    // cut out, premultiplied
-inline constexpr const char* kMatte = "matte";        // the result's alpha
-inline constexpr const char* kStatus = "status";      // the same, with what is exactly 0 and 1 told apart
+inline constexpr const char* kResult = "result";    // what the node puts out
+inline constexpr const char* kSubject = "subject";  // cut out, premultiplied
+inline constexpr const char* kMatte = "matte";      // the result's alpha
+inline constexpr const char* kStatus = "status";    // the same, with what is exactly 0 and 1 told apart
 inline constexpr const char* kPlate = "plate";
 inline constexpr const char* kCleanPlate = "clean plate";
 inline constexpr const char* kBackground = "background";

@@ -40,7 +40,8 @@ void shrink_plane(const Image& image, Channel c, int scale, Image& small) {
         float* const line = small.line(c, y);
         for (int x = to.x; x < to.r; ++x) {
             const int columns = std::min(from.r, (x + 1) * scale) - std::max(from.x, x * scale);
-            line[x - to.x] = sums[static_cast<std::size_t>(x - to.x)] / static_cast<float>(columns * (end - first));
+            line[x - to.x] =
+                sums[static_cast<std::size_t>(x - to.x)] / static_cast<float>(columns * (end - first));
         }
     }
 }

@@ -25,9 +25,9 @@ struct ToolJob {
     Settings settings;         // that the tool begins with
     std::shared_ptr<const Zo::Image::ToolMemory> memory;
     DrawnMattes mattes;
-    std::string file;      // of the frame's foreground, for messages
-    std::size_t knob = 0;  // number of the tool's button in the panel
-    double choice = 0.0;   // of its items, for buttons that have some
+    std::string file;                   // of the frame's foreground, for messages
+    std::size_t knob = 0;               // number of the tool's button in the panel
+    double choice = 0.0;                // of its items, for buttons that have some
     std::vector<Zo::Image::Box> areas;  // of a stroke, in the frame; none for buttons
     bool preview = false;
 };

@@ -37,7 +37,10 @@ Keyed keyed_of(const PaneRequest& pane) {
 }  // namespace
 
 ViewWorker::ViewWorker(std::size_t row_budget, std::size_t picture_budget, Show show)
-    : row_budget_(row_budget), show_(std::move(show)), pictures_(picture_budget), thread_([this] { run(); }) {}
+    : row_budget_(row_budget),
+      show_(std::move(show)),
+      pictures_(picture_budget),
+      thread_([this] { run(); }) {}
 
 ViewWorker::~ViewWorker() {
     {

@@ -41,7 +41,7 @@ struct ViewRequest {
     std::vector<PaneRequest> panes;  // one or two
     bool difference = false;         // of the two, in the first one's place
     float difference_gain = 1.0f;
-    bool counts = false;             // of the first one's matte
+    bool counts = false;  // of the first one's matte
     DisplayTransform display;
     std::uint64_t number = 0;  // comes back with what is shown
 };
@@ -54,7 +54,7 @@ struct ViewResult {
     ShownPicture picture;  // what was shaded; of the whole frame once it is `whole`
     bool whole = false;
     std::optional<StatusCounts> counts;
-    std::string error;  // instead of a picture
+    std::string error;                            // instead of a picture
     std::chrono::steady_clock::time_point began;  // when the request was taken in
 };
 

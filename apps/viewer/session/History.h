@@ -34,7 +34,9 @@ class History {
     const Moment& now() const { return moments_[at_].moment; }
     // The names of the steps that undo and redo would take; empty for none.
     std::string undo_name() const { return at_ > 0 ? moments_[at_].name : std::string(); }
-    std::string redo_name() const { return at_ + 1 < moments_.size() ? moments_[at_ + 1].name : std::string(); }
+    std::string redo_name() const {
+        return at_ + 1 < moments_.size() ? moments_[at_ + 1].name : std::string();
+    }
     // False where there is none.
     bool undo();
     bool redo();

@@ -15,7 +15,7 @@
 namespace veloxa::viewer {
 
 struct RenderPlan {
-    State state;  // that is rendered, whatever becomes of the session
+    State state;                       // that is rendered, whatever becomes of the session
     std::string frames;                // A-B[xN]; the state's where it is empty
     std::vector<std::string> outputs;  // as -o takes them
     WriteOptions how;
@@ -30,8 +30,8 @@ struct WorstFrame {
 };
 
 struct JobEvents {
-    std::function<void(double done, int all)> progress;  // in frames
-    std::function<void(const std::string&)> line;        // FILE: what is wrong, or what was done
+    std::function<void(double done, int all)> progress;         // in frames
+    std::function<void(const std::string&)> line;               // FILE: what is wrong, or what was done
     std::function<void(const std::vector<WorstFrame>&)> worst;  // so far, by frames
     // What came of the job: empty when all is well, "interrupted", or what is wrong.
     std::function<void(const std::string&)> done;

@@ -38,8 +38,9 @@ std::string unquoted(std::string_view text) {
     std::string result;
     while (!text.empty()) {
         unsigned char code = 0;
-        const bool hidden = text.front() == '%' && text.size() >= 3 &&
-                            std::from_chars(text.data() + 1, text.data() + 3, code, 16).ptr == text.data() + 3;
+        const bool hidden =
+            text.front() == '%' && text.size() >= 3 &&
+            std::from_chars(text.data() + 1, text.data() + 3, code, 16).ptr == text.data() + 3;
         result += hidden ? static_cast<char>(code) : text.front();
         text.remove_prefix(hidden ? 3 : 1);
     }
@@ -98,7 +99,8 @@ std::string project_text(const State& state, const KnobPanel& panel, const std::
     });
     std::string text;
     if (!shot.empty()) {
-        text = std::string(kGroup) + " {\n    " + kFolder + ' ' + quoted(folder.string()) + '\n' + shot + "}\n";
+        text =
+            std::string(kGroup) + " {\n    " + kFolder + ' ' + quoted(folder.string()) + '\n' + shot + "}\n";
     }
     return text + write_script(panel) + mattes_script(state.mattes);
 }

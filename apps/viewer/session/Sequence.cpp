@@ -57,8 +57,8 @@ FoundSequence find_sequence(const std::string& file) {
     int step = numbers.back() - numbers.front();
     for (std::size_t n = 1; n < numbers.size(); ++n) step = std::min(step, numbers[n] - numbers[n - 1]);
     const bool even = std::ranges::all_of(numbers, [&](int n) { return (n - numbers.front()) % step == 0; });
-    const bool padded = std::ranges::all_of(
-        numbers, [&](int n) { return std::to_string(n).size() == name.digits.size(); });
+    const bool padded =
+        std::ranges::all_of(numbers, [&](int n) { return std::to_string(n).size() == name.digits.size(); });
     const std::size_t width = padded || name.digits.front() == '0' ? name.digits.size() : 1;
     FoundSequence found;
     found.name = (path.parent_path() / (name.head + std::string(width, '#') + name.tail)).string();

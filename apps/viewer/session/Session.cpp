@@ -99,7 +99,8 @@ void Session::reset_all() {
     begin_edit("reset everything");
     std::vector<Knob*> changed;
     for (const auto& knob : panel().knobs()) {
-        if (!knob->takes_value() || knob->kind() == Knob::Kind::kLink || !knob->differs_from_default()) continue;
+        if (!knob->takes_value() || knob->kind() == Knob::Kind::kLink || !knob->differs_from_default())
+            continue;
         knob->restore_default();
         changed.push_back(knob.get());
     }

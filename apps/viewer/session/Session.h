@@ -109,7 +109,8 @@ class Session final : public PanelEdits {
     // While `going_on`, what follows is the same step.
     void set_mattes(DrawnMattes mattes, const std::string& name, bool going_on = false);
     // Writes what is drawn of a kind as an image file.
-    void write_matte(DrawnMatte::Kind kind, const std::string& path, std::function<void(const std::string&)> done);
+    void write_matte(DrawnMatte::Kind kind, const std::string& path,
+                     std::function<void(const std::string&)> done);
 
     // Time.
     const FrameRange& range() const { return range_; }

@@ -90,7 +90,8 @@ void Session::open(const SetupOptions& options) {
     });
 }
 
-void Session::set_up(const SetupOptions& options, std::function<void(const Settings&, const DrawnMattes&)> done) {
+void Session::set_up(const SetupOptions& options,
+                     std::function<void(const Settings&, const DrawnMattes&)> done) {
     ++setting_up_;
     if (events.busy) events.busy();
     errands_.add([this, options, done = std::move(done), shot = shot_](const AbortFlag& abort) {
@@ -100,7 +101,8 @@ void Session::set_up(const SetupOptions& options, std::function<void(const Setti
         try {
             Caller caller;
             caller.abort = &abort;
-            caller.warn = caller.tell = [this](const std::string& line) { post([this, line] { tell(line); }); };
+            caller.warn =
+                caller.tell = [this](const std::string& line) { post([this, line] { tell(line); }); };
             KeySetup setup(options, caller);
             const std::string& script = options.settings.script;
             if (!script.empty()) *mattes = read_mattes(read_text(script), script);
@@ -207,7 +209,8 @@ void Session::set_files(const ShotFiles& files, const std::string& name) {
 void Session::write_matte(DrawnMatte::Kind kind, const std::string& path,
                           std::function<void(const std::string&)> done) {
     const FramePtr frame = current_frame();
-    if (!frame || !frame->error.empty()) return done(path + ": the plate is not read, so its size is not known");
+    if (!frame || !frame->error.empty())
+        return done(path + ": the plate is not read, so its size is not known");
     errands_.add([this, frame, mattes = mattes_, kind, path, done = std::move(done)](const AbortFlag& abort) {
         std::string error;
         try {

@@ -54,8 +54,7 @@ void Session::frame_changed(int frame) {
 bool Session::has_result(int frame) const {
     const FramePtr here = frames_.find(frame);
     if (!here || !here->error.empty()) return false;
-    return view_.pictures().has(
-        Keyed{here, settings_, mattes_, rendered_as(panes_[0].picture)}.identity());
+    return view_.pictures().has(Keyed{here, settings_, mattes_, rendered_as(panes_[0].picture)}.identity());
 }
 
 void Session::set_pane(std::size_t n, Pane pane) {

@@ -11,17 +11,21 @@ namespace veloxa::viewer {
 namespace {
 
 constexpr CommandRow kCommands[] = {
-    {"open", "&File", "&Open Plate or Settings…", "Ctrl+O", "Open a plate, a sequence's frame, or saved settings"},
+    {"open", "&File", "&Open Plate or Settings…", "Ctrl+O",
+     "Open a plate, a sequence's frame, or saved settings"},
     {"open_cp", "&File/Open &Other", "&Clean Plate…", "", "The backing without the subject"},
     {"open_bg", "&File/Open &Other", "&Background…", "Ctrl+B", "What the subject is put over"},
     {"open_gm", "&File/Open &Other", "&Garbage Matte…", "", "What it covers is dropped"},
     {"open_hm", "&File/Open &Other", "&Holdout Matte…", "", "What it covers is kept"},
     {"close_others", "&File/Open &Other", "Close &All of These", "", "Key the plate alone", false, true},
     {"reload", "&File", "&Reload", "F5", "Read the files of this frame again"},
-    {"load_settings", "&File", "&Load Settings…", "", "Take over the knobs of a script; the files stay", false, true},
-    {"save", "&File", "&Save Settings", "Ctrl+S", "Save knobs, drawn mattes and the names of the files as a script"},
+    {"load_settings", "&File", "&Load Settings…", "", "Take over the knobs of a script; the files stay",
+     false, true},
+    {"save", "&File", "&Save Settings", "Ctrl+S",
+     "Save knobs, drawn mattes and the names of the files as a script"},
     {"save_as", "&File", "Save Settings &As…", "Ctrl+Shift+S", "Save them under another name"},
-    {"write_garbage", "&File", "Write &Garbage Matte…", "", "Write what is drawn as an image file", false, true},
+    {"write_garbage", "&File", "Write &Garbage Matte…", "", "Write what is drawn as an image file", false,
+     true},
     {"write_holdout", "&File", "Write &Holdout Matte…", "", "Write what is drawn as an image file"},
     {"render", "&File", "&Render…", "Ctrl+R", "Key the sequence to files, in the background", false, true},
     {"quit", "&File", "&Quit", "Ctrl+Q", "Close the window", false, true},
@@ -36,7 +40,8 @@ constexpr CommandRow kCommands[] = {
     {"mode_box", "&Tools", "&Measure a Box", "X", "Least, largest and mean values in a box", true},
     {"mode_garbage", "&Tools", "Draw &Garbage Matte", "G", "Draw around what is to be dropped", true},
     {"mode_holdout", "&Tools", "Draw &Holdout Matte", "H", "Draw around what is to be kept", true},
-    {"matte_outside", "&Tools", "Chosen Matte &Outside", "O", "What lies outside of the polygon counts", true, true},
+    {"matte_outside", "&Tools", "Chosen Matte &Outside", "O", "What lies outside of the polygon counts", true,
+     true},
     {"feather_more", "&Tools", "More &Feather", "Ctrl+Up", "Soften the chosen polygon"},
     {"feather_less", "&Tools", "&Less Feather", "Ctrl+Down", "Harden the chosen polygon"},
     {"brush_larger", "&Tools", "Larger &Brush", "Ctrl+]", "", false, true},
@@ -54,13 +59,16 @@ constexpr CommandRow kCommands[] = {
     {"channel_luminance", "&View/&Channels", "&Luminance", "Y", "", true},
     {"overlay", "&View", "Alpha as O&verlay", "T", "Tint the picture by its alpha", true, true},
     {"overlay_colour", "&View", "Overlay Colour…", "", "Choose the tint"},
-    {"false_colours", "&View", "Mark &Out of Range", "N", "Show values above 1, below 0 and NaN in colours", true},
-    {"counts", "&View", "Count &Leaks and Holes", "L", "Count pixels of the matte that leak or have holes", true},
+    {"false_colours", "&View", "Mark &Out of Range", "N", "Show values above 1, below 0 and NaN in colours",
+     true},
+    {"counts", "&View", "Count &Leaks and Holes", "L", "Count pixels of the matte that leak or have holes",
+     true},
     {"behind_nothing", "&View/&Behind the Subject", "&Nothing", "", "", true},
     {"behind_black", "&View/&Behind the Subject", "&Black", "", "", true},
     {"behind_checker", "&View/&Behind the Subject", "&Checkerboard", "", "", true},
     {"behind_colour", "&View/&Behind the Subject", "C&olour…", "", "", true},
-    {"behind_picture", "&View/&Behind the Subject", "&Background", "", "The picture that was opened as background", true},
+    {"behind_picture", "&View/&Behind the Subject", "&Background", "",
+     "The picture that was opened as background", true},
     {"reset_exposure", "&View", "&Reset Gain and Gamma", "0", "", false, true},
     {"layout_single", "&View/Co&mpare", "&One Picture", "Shift+1", "", true},
     {"layout_wipe", "&View/Co&mpare", "&Wipe", "W", "Two pictures with a line between", true},
@@ -75,8 +83,8 @@ constexpr CommandRow kCommands[] = {
     {"next", "&Shot", "&Next Frame", ".", ""},
     {"first", "&Shot", "&First Frame", "Home", ""},
     {"last", "&Shot", "&Last Frame", "End", ""},
-    {"worst", "&Shot", "Find &Worst Frames…", "Ctrl+W", "Key a thinned-out sequence and list where it leaks or has holes", false,
-     true},
+    {"worst", "&Shot", "Find &Worst Frames…", "Ctrl+W",
+     "Key a thinned-out sequence and list where it leaks or has holes", false, true},
     {"cancel_jobs", "&Shot", "&Cancel Background Work", "", "Give up rendering and searching"},
 
     {"keys", "&Help", "&Keys", "F1", "All keys and what the pointer does"},
@@ -110,8 +118,9 @@ Commands::Commands(QMainWindow& window) {
     for (const CommandRow& row : kCommands) {
         QMenu*& menu = menus_[row.menu];
         const std::size_t slash = row.menu.find('/');
-        const QString title = QString::fromUtf8(row.menu.data() + (slash == row.menu.npos ? 0 : slash + 1),
-                                                static_cast<qsizetype>(row.menu.size() - (slash == row.menu.npos ? 0 : slash + 1)));
+        const QString title = QString::fromUtf8(
+            row.menu.data() + (slash == row.menu.npos ? 0 : slash + 1),
+            static_cast<qsizetype>(row.menu.size() - (slash == row.menu.npos ? 0 : slash + 1)));
         if (menu == nullptr) {
             menu = slash == row.menu.npos ? window.menuBar()->addMenu(title)
                                           : menus_.at(row.menu.substr(0, slash))->addMenu(title);
@@ -120,7 +129,8 @@ Commands::Commands(QMainWindow& window) {
         auto* const action = menu->addAction(QString::fromUtf8(row.text));
         action->setObjectName(QString::fromUtf8(row.name.data(), static_cast<qsizetype>(row.name.size())));
         QList<QKeySequence> keys;
-        for (const QString& key : QString::fromLatin1(row.keys).split(';', Qt::SkipEmptyParts)) keys.append(QKeySequence(key));
+        for (const QString& key : QString::fromLatin1(row.keys).split(';', Qt::SkipEmptyParts))
+            keys.append(QKeySequence(key));
         action->setShortcuts(keys);
         action->setCheckable(row.checkable);
         const QString tip = QString::fromUtf8(row.tip);

@@ -39,7 +39,8 @@ void show_keys(QWidget& parent) {
         if (*row.tip != '\0') what += QStringLiteral(": ") + QString::fromUtf8(row.tip);
         add_row(*table, keys, what);
     }
-    for (const GestureRow& row : gesture_table()) add_row(*table, QString::fromUtf8(row.keys), QString::fromUtf8(row.what));
+    for (const GestureRow& row : gesture_table())
+        add_row(*table, QString::fromUtf8(row.keys), QString::fromUtf8(row.what));
     table->resizeColumnsToContents();
     table->horizontalHeader()->setStretchLastSection(true);
     auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Close, dialog);

@@ -1,0 +1,49 @@
+// What is looked at: pictures and settings of one or two panes, gain, gamma, the display. Window thread.
+#pragma once
+
+#include <QToolBar>
+#include <array>
+
+#include "session/Session.h"
+#include "session/ViewColour.h"
+
+class QAction;
+class QComboBox;
+class QDoubleSpinBox;
+
+namespace veloxa::viewer {
+
+class ViewBar final : public QToolBar {
+    Q_OBJECT
+
+  public:
+    ViewBar(Session& session, ViewColour& colour, QWidget* parent = nullptr);
+
+    // Shows the panes as they are.
+    void refresh();
+    // The next picture, or the one before, in the first pane.
+    void step_picture(int by);
+
+  private:
+    struct PaneChoice {
+        QComboBox* picture = nullptr;
+        QComboBox* against = nullptr;
+        std::array<QAction*, 2> actions{};
+    };
+
+    void add_pane(std::size_t n);
+    QDoubleSpinBox* add_number(const QString& caption, const QString& name, double low, double high, double value);
+    void change_view();
+
+    Session& session_;
+    ViewColour& colour_;
+    std::array<PaneChoice, 2> panes_;
+    QDoubleSpinBox* gain_;
+    QDoubleSpinBox* gamma_;
+    QDoubleSpinBox* difference_;
+    QAction* difference_action_;
+    QComboBox* display_;
+    bool refreshing_ = false;
+};
+
+}  // namespace veloxa::viewer
