@@ -17,6 +17,7 @@ enum class Behind { kNothing, kBlack, kChecker, kColour, kPicture };
 struct View {
     Channels channels = Channels::kColour;
     bool overlay = false;  // alpha as a tint over the colour
+    // Red, green and blue as the screen shows them; how strong it is where alpha is 1.
     std::array<float, 4> overlay_colour{1.0f, 0.0f, 0.0f, 0.5f};
     Behind behind = Behind::kNothing;
     std::array<float, 3> behind_colour{0.5f, 0.5f, 0.5f};  // as stored in the picture
