@@ -3,25 +3,13 @@
 #include "Host.h"
 #include "ParameterSet.h"
 #include "Properties.h"
+#include "ZoImage/KnobDisplay.h"
 
 namespace veloxa::ofx {
 
 using namespace Zo::Image;
 
 namespace {
-
-// A tooltip as plain text: list items become lines that begin with a dash, other marks go.
-std::string plain_text(std::string_view tooltip) {
-    std::string text;
-    for (;;) {
-        const std::size_t open = tooltip.find('<');
-        const std::size_t close = tooltip.find('>', open);
-        if (close == tooltip.npos) return text.append(tooltip);
-        text += tooltip.substr(0, open);
-        if (tooltip.substr(open, close + 1 - open) == "<li>") text += "\n- ";
-        tooltip.remove_prefix(close + 1);
-    }
-}
 
 // Without properties where the host does not know the type.
 Properties define(OfxParamSetHandle set, const char* type, const std::string& name,

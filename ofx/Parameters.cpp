@@ -1,12 +1,12 @@
 #include "Parameters.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <limits>
 #include <map>
 #include <utility>
 
+#include "ZoImage/KnobDisplay.h"
 #include "abi/OfxParam.h"
 
 namespace veloxa::ofx {
@@ -51,15 +51,8 @@ std::string trimmed(std::string_view text) {
     return std::string(text.substr(first, text.find_last_not_of(' ') - first + 1));
 }
 
-// A tool's label names its icon before a semicolon.
-std::string tool_label(std::string_view label, const std::string& caption) {
-    const std::string word = trimmed(label.substr(std::min(label.size(), label.find(';') + 1)));
+std::string captioned(const std::string& caption, const std::string& word) {
     return caption.empty() ? word : caption + ": " + word;
-}
-
-bool keeps_floats(const Knob& knob) {
-    return knob.kind() == Knob::Kind::kFloat || knob.kind() == Knob::Kind::kColor ||
-           knob.kind() == Knob::Kind::kColorAlpha;
 }
 
 }  // namespace
@@ -105,24 +98,13 @@ ParameterList::ParameterList(const KnobPanel& panel) {
         const bool tool = knob->kind() == Knob::Kind::kToolButton;
         std::string name = knob->name();
         if (uses[name] > 1) name.insert(0, identifier(tab) + "_");
-        const std::string label = tool ? tool_label(knob->label(), caption) : knob->label();
+        const std::string label = tool ? captioned(caption, tool_label(knob->label()).word) : knob->label();
         // One that stands on a tab before it stays there.
         const bool looks = knob->flag(kKnobLooks) && sampling != Parameter::kNoGroup;
         const std::size_t place = looks ? sampling : group;
         if (place != Parameter::kNoGroup) groups_[place].members.push_back(name);
         parameters_.push_back({knob.get(), name, label, type, place});
     }
-}
-
-double shown(const Knob& knob, double value) {
-    if (!keeps_floats(knob)) return value;
-    const auto kept = static_cast<float>(value);
-    std::array<char, 32> text;
-    const char* const end = std::to_chars(text.data(), text.data() + text.size(), kept).ptr;
-    double result = 0.0;
-    std::from_chars(text.data(), end, result);
-    // The decimal may lie so near the middle of two floats that the double is the middle.
-    return static_cast<float>(result) == kept ? result : value;
 }
 
 Value knob_value(const Parameter& parameter, const RenderScale& scale) {

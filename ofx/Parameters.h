@@ -66,7 +66,7 @@ inline constexpr std::string_view kOutputMode = "output_mode";
 inline constexpr int kComposite = 0;  // items of kOutputMode
 inline constexpr int kUnpremultiplied = 2;
 
-// What a parameter holds; numbers for all but texts.
+// What a parameter holds; numbers for all but texts, as shown() has them.
 struct Value {
     std::array<double, 4> numbers{};
     std::string text;
@@ -74,10 +74,6 @@ struct Value {
     friend bool operator==(const Value&, const Value&) = default;
 };
 using Values = std::vector<Value>;  // in the order of the list, buttons too
-
-// A value that the knob holds, as hosts show it. They keep doubles, in which 0.51f reads 0.50999999046325684:
-// of a knob that keeps floats, the shortest decimal that is read back as the same float.
-double shown(const Zo::Image::Knob& knob, double value);
 
 // The knob's values now, and those by which it becomes them at this scale of images. Numbers that the knob
 // cannot hold (NaN, infinite, no item of the menu) become its default, too large ones the largest.

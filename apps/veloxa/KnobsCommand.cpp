@@ -4,8 +4,8 @@
 #include <string>
 
 #include "Commands.h"
-#include "PlainText.h"
 #include "Terminal.h"
+#include "ZoImage/KnobDisplay.h"
 #include "shot/node/Node.h"
 
 namespace veloxa {
@@ -15,25 +15,15 @@ using nlohmann::ordered_json;
 
 namespace {
 
-// A float's own shortest digits, so that 0.51f shows as 0.51 and not as the double it widens to.
-double plain_number(double value) {
-    const auto single = static_cast<float>(value);
-    if (static_cast<double>(single) != value) return value;
-    char digits[32];
-    const auto end = std::to_chars(digits, digits + sizeof digits, single).ptr;
-    std::from_chars(digits, end, value);
-    return value;
-}
-
 ordered_json default_of(const Knob& knob) {
     if (knob.kind() == Knob::Kind::kBool) return knob.default_value() != 0.0;
     if (knob.kind() == Knob::Kind::kMenu) {
         const auto item = static_cast<std::size_t>(knob.default_value());
         return item < knob.items().size() ? ordered_json(knob.items()[item]) : ordered_json(item);
     }
-    if (knob.value_count() == 1) return plain_number(knob.default_value());
+    if (knob.value_count() == 1) return shown(knob, knob.default_value());
     ordered_json values = ordered_json::array();
-    for (int i = 0; i < knob.value_count(); ++i) values.push_back(plain_number(knob.default_value(i)));
+    for (int i = 0; i < knob.value_count(); ++i) values.push_back(shown(knob, knob.default_value(i)));
     return values;
 }
 
@@ -46,8 +36,8 @@ ordered_json describe(const Knob& knob) {
     if (!knob.tab().empty()) entry["tab"] = knob.tab();
     if (knob.takes_value() && target.value_count() > 0) entry["default"] = default_of(target);
     if (target.range()) {
-        entry["min"] = plain_number(target.range()->low);
-        entry["max"] = plain_number(target.range()->high);
+        entry["min"] = target.range()->low;
+        entry["max"] = target.range()->high;
     }
     if (!target.items().empty()) entry["items"] = target.items();
     if (!knob.tooltip().empty()) entry["tooltip"] = knob.tooltip();

@@ -1,4 +1,4 @@
-#include "PlainText.h"
+#include "ZoImage/KnobDisplay.h"
 
 #include <array>
 #include <cctype>
@@ -6,7 +6,9 @@
 #include <cstdint>
 #include <utility>
 
-namespace veloxa {
+#include "Text.h"
+
+namespace Zo::Image {
 
 namespace {
 
@@ -54,7 +56,23 @@ std::string_view mark_of(std::string_view tag) {
     return tag == "br" || tag == "br/" || tag == "p" || tag == "/ul" || tag == "/ol" ? "\n" : "";
 }
 
+bool keeps_floats(const Knob& knob) {
+    const Knob::Kind kind = knob.target().kind();
+    return kind == Knob::Kind::kFloat || kind == Knob::Kind::kColor || kind == Knob::Kind::kColorAlpha;
+}
+
 }  // namespace
+
+double shown(const Knob& knob, double value) {
+    if (!keeps_floats(knob)) return value;
+    const auto kept = static_cast<float>(value);
+    std::array<char, 32> text;
+    const char* const end = std::to_chars(text.data(), text.data() + text.size(), kept).ptr;
+    double result = 0.0;
+    std::from_chars(text.data(), end, result);
+    // The decimal may lie so near the middle of two floats that the double is the middle.
+    return static_cast<float>(result) == kept ? result : value;
+}
 
 std::string plain_text(std::string_view markup) {
     std::string text;
@@ -76,4 +94,12 @@ std::string plain_text(std::string_view markup) {
     return text;
 }
 
-}  // namespace veloxa
+ToolLabel tool_label(std::string_view label) {
+    const std::size_t end = label.find(';');
+    if (end == std::string_view::npos) return {{}, std::string(trim(label))};
+    std::string_view icon = trim(label.substr(0, end));
+    if (icon.starts_with('@')) icon.remove_prefix(1);
+    return {std::string(icon), std::string(trim(label.substr(end + 1)))};
+}
+
+}  // namespace Zo::Image
