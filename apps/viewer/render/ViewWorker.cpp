@@ -134,7 +134,7 @@ void ViewWorker::work_on_difference(const ViewRequest& request, Clock::time_poin
         auto image = std::make_shared<const Image>(
             difference(*a.picture.image, *b.picture.image, request.difference_gain));
         const bool last = a.last && b.last;
-        show(request, 0, {{std::move(image), a.picture.scale}, last}, began);
+        show(request, 0, {{std::move(image), a.picture.scale, a.picture.frame}, last}, began);
         if (last || overtaken()) return;
     }
 }
@@ -160,22 +160,23 @@ ViewWorker::Made ViewWorker::make(const ViewRequest& request, std::size_t n, std
     const PaneRequest& pane = request.panes[n];
     if (!pane.frame) return {};
     if (!pane.frame->error.empty()) throw Error(pane.frame->error);
+    const Box& frame = pane.frame->inputs[kFg].image->info.format.box;
     if (const int input = input_of(pane.picture); input >= 0) {
-        return {{pane.frame->inputs[static_cast<std::size_t>(input)].image, 1.0}, true};
+        return {{pane.frame->inputs[static_cast<std::size_t>(input)].image, 1.0, frame}, true};
     }
     const Keyed keyed = keyed_of(pane);
     const Hash identity = keyed.identity();
     if (auto kept = pictures_.find(identity)) {
         const std::lock_guard lock(mutex_);
         ++stats_.from_cache;
-        return {{std::move(kept), 1.0}, true};
+        return {{std::move(kept), 1.0, frame}, true};
     }
     const std::vector<Pass> all = passes(pane);
     const Pass& now = all[std::min(pass, all.size() - 1)];
     const bool last = pass + 1 >= all.size();
     auto image = render(n, keyed, now);
     if (image && last) pictures_.keep(identity, image);
-    return {{std::move(image), static_cast<double>(now.scale)}, last};
+    return {{std::move(image), static_cast<double>(now.scale), frame}, last};
 }
 
 std::shared_ptr<const Image> ViewWorker::render(std::size_t pane, const Keyed& keyed, const Pass& pass) {

@@ -1,0 +1,126 @@
+// A session over procedural plates in a folder of its own, and the window's thread that it posts to.
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "plates/Set.h"
+#include "session/Session.h"
+#include "shot/Files.h"
+#include "shot/sequence/KeyPipeline.h"
+
+namespace test {
+
+using namespace veloxa;
+using namespace veloxa::viewer;
+using namespace Zo::Image;
+
+// Takes calls from any thread and makes them on the test's.
+class Desk {
+  public:
+    void post(std::function<void()> call) {
+        {
+            const std::lock_guard lock(mutex_);
+            calls_.push_back(std::move(call));
+        }
+        wake_.notify_all();
+    }
+    // Makes calls until `done` holds; false when it takes too long.
+    template <class Done>
+    bool until(const Done& done, int seconds = 120) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
+        for (;;) {
+            std::unique_lock lock(mutex_);
+            while (!calls_.empty()) {
+                const auto call = std::move(calls_.front());
+                calls_.pop_front();
+                lock.unlock();
+                call();
+                lock.lock();
+            }
+            lock.unlock();
+            if (done()) return true;
+            lock.lock();
+            if (!wake_.wait_until(lock, end, [this] { return !calls_.empty(); })) return false;
+        }
+    }
+
+  private:
+    std::mutex mutex_;
+    std::condition_variable wake_;
+    std::deque<std::function<void()>> calls_;
+};
+
+class SessionRig : public Files {
+  protected:
+    // Frames 1 to `count` of a plate set; small, for sanitizers.
+    void make_plates(int count, int width = 160, int height = 96) const {
+        plate::Options options;
+        options.width = width;
+        options.height = height;
+        for (int n = 1; n <= count; ++n) write_plates(options, n);
+    }
+    void write_plates(const plate::Options& options, int frame) const {
+        const plate::Set set = plate::render_set(options, frame, 0, nullptr);
+        for (std::size_t i = 0; i < plate::kPictureNames.size(); ++i) {
+            const std::string name = plate::kPictureNames[i];
+            if (name != "fg" && name != "bg") continue;
+            WriteOptions how{.depth = Depth::HALF};
+            how.overwrite = true;
+            write_image(file(name + "." + std::to_string(frame) + ".exr"), set[i], how);
+        }
+    }
+    SetupOptions shot(int count) const {
+        SetupOptions options;
+        options.inputs[kFg] = file("fg.#.exr");
+        options.inputs[kBg] = file("bg.#.exr");
+        options.frames = "1-" + std::to_string(count);
+        return options;
+    }
+
+    SessionPlace place() {
+        SessionPlace place;
+        place.post = [this](std::function<void()> call) { desk_.post(std::move(call)); };
+        return place;
+    }
+    void listen(Session& session) {
+        session.events.message = [this](const std::string& line) { messages_.push_back(line); };
+        session.events.shown = [this](const ViewResult& result) {
+            if (!result.picture.image && result.error.empty()) return;
+            shown_ = result;
+            ++count_;
+        };
+        session.events.tool = [this](const std::vector<ToolReport>& reports, bool preview) {
+            if (!preview) reports_ = reports;
+        };
+    }
+    // Until nothing works and the whole picture of the latest request is there.
+    bool settle(Session& session) {
+        return desk_.until([&] {
+            return !session.working() && session.current_frame() &&
+                   (shown_.whole || !shown_.error.empty()) && shown_.number == session.latest_request();
+        });
+    }
+    void open(Session& session, int frames) {
+        listen(session);
+        Pane pane = session.pane(0);
+        pane.geometry = Geometry{120, 80, 0.75, 1.0, {80.0, 48.0}};
+        session.set_pane(0, pane);
+        session.open(shot(frames));
+        ASSERT_TRUE(settle(session));
+    }
+    const Knob& knob(Session& session, std::string_view name) { return session.panel().get(name); }
+
+    Desk desk_;
+    std::vector<std::string> messages_;
+    std::vector<ToolReport> reports_;
+    ViewResult shown_;
+    int count_ = 0;
+};
+
+}  // namespace test
