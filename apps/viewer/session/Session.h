@@ -67,6 +67,10 @@ class Session final : public PanelEdits {
     // The document.
     // Opens a shot as the command line would key it: what that sets up is set up in the background.
     void open(const SetupOptions& options);
+    // Opens a plate with the sequence that it belongs to, or a saved session.
+    void open_file(const std::string& path);
+    // Puts a file, or as many of its sequence as the plate has frames for, on another input; empty for none.
+    void open_input(Input input, const std::string& path);
     void open_project(const std::string& path);
     void rescue(const Rescued& rescued);
     // Saves as a script; `done` takes what went wrong, empty for nothing.
@@ -118,13 +122,15 @@ class Session final : public PanelEdits {
     void go_to(int frame);
     FrameStore::Held held_frames() const { return frames_.held(); }
     bool has_result(int frame) const;
-    FramePtr current_frame() { return frames_.find(frame_); }
+    FramePtr current_frame() const { return frames_.find(frame_); }
+    FramePtr frame_at(int frame) const { return frames_.find(frame); }
     // Looks whether the files of the frame in sight changed.
     void recheck() { frames_.recheck(frame_); }
 
     // Looking.
     const Pane& pane(std::size_t n) const { return panes_[n]; }
     void set_pane(std::size_t n, Pane pane);
+    void set_panes(std::array<Pane, 2> panes);
     Layout layout() const { return layout_; }
     void set_layout(Layout layout);
     void set_difference_gain(float gain);

@@ -1,8 +1,12 @@
 // Files of a session: shots, scripts, what is written.
+#include <OpenImageIO/imageio.h>
+#include <OpenImageIO/strutil.h>
+
 #include <filesystem>
 #include <utility>
 
 #include "session/Project.h"
+#include "session/Sequence.h"
 #include "session/Session.h"
 #include "shot/Errors.h"
 #include "shot/files/ImageFile.h"
@@ -17,6 +21,19 @@ FrameRange range_of(const ShotFiles& files) {
     std::array<PictureName, kInputCount> names;
     for (std::size_t n = 0; n < kInputCount; ++n) names[n] = PictureName(files.inputs[n]);
     return frames_of(files.frames, names);
+}
+
+// What no writer or reader of pictures knows by its name.
+bool is_script(const std::string& path) {
+    std::string extension = std::filesystem::path(path).extension().string();
+    if (extension.empty()) return true;
+    extension.erase(0, 1);
+    for (const auto& [format, extensions] : OIIO::get_extension_map()) {
+        for (const std::string& known : extensions) {
+            if (OIIO::Strutil::iequals(known, extension)) return false;
+        }
+    }
+    return true;
 }
 
 ShotFiles files_of(const SetupOptions& options) {
@@ -87,6 +104,37 @@ void Session::open(const SetupOptions& options) {
             commit("set up");
         }
         look();
+    });
+}
+
+void Session::open_file(const std::string& path) {
+    if (is_script(path)) return open_project(path);
+    errands_.add([this, path](const AbortFlag&) {
+        const FoundSequence found = find_sequence(path);
+        post([this, found] {
+            SetupOptions options;
+            options.inputs[kFg] = found.name;
+            options.frames = found.frames;
+            open(options);
+        });
+    });
+}
+
+void Session::open_input(Input input, const std::string& path) {
+    const std::string name = path.empty() ? std::string("close ") + kInputNames[input]
+                                          : std::string("open ") + kInputNames[input];
+    if (path.empty() || files_.frames.empty()) {
+        ShotFiles files = files_;
+        files.inputs[input] = path;
+        return set_files(files, name);
+    }
+    errands_.add([this, input, path, name](const AbortFlag&) {
+        const FoundSequence found = find_sequence(path);
+        post([this, input, found, name] {
+            ShotFiles files = files_;
+            files.inputs[input] = found.name;
+            set_files(files, name);
+        });
     });
 }
 

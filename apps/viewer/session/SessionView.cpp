@@ -63,6 +63,12 @@ void Session::set_pane(std::size_t n, Pane pane) {
     look();
 }
 
+void Session::set_panes(std::array<Pane, 2> panes) {
+    panes_ = std::move(panes);
+    for (const Pane& pane : panes_) find_settings(pane.against);
+    look();
+}
+
 void Session::set_layout(Layout layout) {
     layout_ = layout;
     look();

@@ -76,6 +76,8 @@ constexpr CommandRow kCommands[] = {
     {"layout_difference", "&View/Co&mpare", "&Difference", "D", "How far two pictures are apart", true},
     {"keep_a", "&View/Co&mpare", "Keep Settings as &A", "Ctrl+1", "", false, true},
     {"keep_b", "&View/Co&mpare", "Keep Settings as &B", "Ctrl+2", ""},
+    {"picture_next", "&View", "Next &Picture", "]", "The next of result, matte, inputs and inner stages", false, true},
+    {"picture_previous", "&View", "Previous Picture", "[", ""},
     {"full_screen", "&View", "Full S&creen", "F11", "", true, true},
 
     {"play", "&Shot", "&Play", "Space", "Play the sequence, or stop it", true},

@@ -1,0 +1,147 @@
+// What the session tells the window.
+#include <QLabel>
+#include <algorithm>
+
+#include "area/PictureArea.h"
+#include "panel/PanelView.h"
+#include "panel/ToolBarView.h"
+#include "timeline/TimeLine.h"
+#include "window/Commands.h"
+#include "window/JobsView.h"
+#include "window/MainWindow.h"
+#include "window/Readout.h"
+#include "window/ViewBar.h"
+
+namespace veloxa::viewer {
+
+using namespace Zo::Image;
+
+void MainWindow::show_result(const ViewResult& result) {
+    if (result.counts) return readout_->show_counts(result.counts);
+    if (!result.error.empty()) {
+        area_->set_message(QString::fromStdString(result.error));
+        return time_->set_shown(session_->frame());
+    }
+    area_->set_message({});
+    shown_[result.pane] = result.picture;
+    if (!result.shaded.pixels.empty()) area_->set_shaded(result.pane, result.shaded, result.geometry);
+    if (result.number == session_->latest_request() || result.whole) time_->set_shown(session_->frame());
+    if (!result.whole) return;
+    time_->set_state(session_->frame(), FrameState::kResult);
+    if (result.pane == 0 && result.picture.image && std::exchange(fit_next_, false)) {
+        area_->set_format(result.picture.image->info.format);
+        area_->fit();
+    }
+}
+
+void MainWindow::show_settings() {
+    panel_->refresh();
+    tools_->refresh();
+    view_->refresh();
+    Commands& commands = *commands_;
+    const auto show_step = [&](const char* name, const QString& verb, const std::string& step) {
+        commands[name].setEnabled(!step.empty());
+        commands[name].setText(step.empty() ? verb : verb + QStringLiteral(" ") + QString::fromStdString(step));
+    };
+    show_step("undo", QStringLiteral("&Undo"), session_->history().undo_name());
+    show_step("redo", QStringLiteral("&Redo"), session_->history().redo_name());
+    area_->set_mattes(session_->mattes());
+    const std::string& document = session_->document();
+    const QString name = !document.empty() ? QString::fromStdString(document)
+                                           : QString::fromStdString(session_->files().inputs[kFg]);
+    setWindowFilePath(name);
+    setWindowTitle((name.isEmpty() ? QString() : name + QStringLiteral("[*] – ")) + QStringLiteral("Veloxa[*]").left(name.isEmpty() ? 9 : 6));
+    setWindowModified(session_->modified());
+}
+
+void MainWindow::show_shot() {
+    fit_next_ = true;
+    shown_ = {};
+    time_->set_range(session_->range());
+    time_->go_to(session_->frame());
+    show_frames();
+}
+
+void MainWindow::show_frames() {
+    const FrameStore::Held held = session_->held_frames();
+    for (const int frame : held.read) {
+        time_->set_state(frame, session_->has_result(frame) ? FrameState::kResult : FrameState::kPlate);
+    }
+    for (const int frame : held.failed) {
+        const FramePtr failed = session_->frame_at(frame);
+        time_->set_state(frame, FrameState::kFailed, failed ? QString::fromStdString(failed->error) : QString());
+    }
+    if (time_->current() != session_->frame()) time_->go_to(session_->frame());
+    const FramePtr here = session_->current_frame();
+    if (!here || !here->error.empty()) return;
+    const Image& plate = *here->inputs[kFg].image;
+    colour_->take(plate.header, PictureName(session_->files().inputs[kFg]).at(here->number));
+    area_->set_format(plate.info.format);
+    if (std::exchange(fit_next_, false)) area_->fit();
+}
+
+void MainWindow::show_modes() {
+    Commands& commands = *commands_;
+    const bool tool = session_->tool() != nullptr;
+    const bool picking = session_->picking() != nullptr;
+    if (tool || picking) {
+        for (const char* const mode : {"mode_look", "mode_box", "mode_garbage", "mode_holdout"}) commands[mode].setChecked(false);
+        readout_->clear_box();
+    }
+    if (tool) area_->set_mode(PointerMode::kBrush);
+    if (picking) area_->set_mode(PointerMode::kPick);
+    const bool left = !tool && !picking && (area_->mode() == PointerMode::kBrush || area_->mode() == PointerMode::kPick);
+    if (left) commands["mode_look"].trigger();
+    tools_->refresh();
+    panel_->refresh();
+}
+
+void MainWindow::show_busy() {
+    area_->set_busy(session_->working() ? QStringLiteral("Working… (Ctrl+. gives up)") : QString());
+}
+
+void MainWindow::tell(const QString& line) {
+    message_->setText(line);
+    message_->setVisible(!line.isEmpty());
+    if (!line.isEmpty()) jobs_view_->add_line(line);
+}
+
+void MainWindow::show_cursor(QPointF picture) {
+    CursorValues values;
+    values.x = static_cast<int>(std::floor(picture.x()));
+    values.y = static_cast<int>(std::floor(picture.y()));
+    const FramePtr here = session_->current_frame();
+    const auto in_frame = [&](const Image& image) {
+        Box all = image.info.box;
+        all.merge(image.info.format.box);
+        return all.contains({values.x, values.y, values.x + 1, values.y + 1});
+    };
+    if (here && here->error.empty() && in_frame(*here->inputs[kFg].image)) {
+        values.source = value_at(*here->inputs[kFg].image, values.x, values.y);
+    }
+    const ShownPicture& shown = shown_[area_->pane_under_cursor()];
+    if (shown.image && values.source) {
+        const int scale = static_cast<int>(shown.scale);
+        const auto down = [&](int v) { return static_cast<int>(std::floor(static_cast<double>(v) / scale)); };
+        values.result = value_at(*shown.image, down(values.x), down(values.y));
+        std::array<float, 4> pixel = *values.result;
+        display_.apply(pixel.data(), 1);
+        values.displayed = std::array<float, 3>{pixel[0], pixel[1], pixel[2]};
+    }
+    readout_->show_values(values);
+}
+
+void MainWindow::show_box(const Box& box) {
+    const FramePtr here = session_->current_frame();
+    const ShownPicture& shown = shown_[0];
+    if (!here || !here->error.empty() || !shown.image) return readout_->clear_box();
+    // A stand-in has fewer pixels than the box names; the whole picture soon takes its place.
+    Box of_shown = box;
+    if (shown.scale > 1.0) {
+        const int scale = static_cast<int>(shown.scale);
+        of_shown = {box.x / scale, box.y / scale, (box.r + scale - 1) / scale, (box.t + scale - 1) / scale};
+    }
+    readout_->show_box(box, statistics(*here->inputs[kFg].image, box), statistics(*shown.image, of_shown));
+}
+
+}  // namespace veloxa::viewer
