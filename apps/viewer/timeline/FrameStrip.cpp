@@ -149,9 +149,9 @@ void FrameStrip::wheelEvent(QWheelEvent* event) {
 }
 
 void FrameStrip::keyPressEvent(QKeyEvent* event) {
-    constexpr std::pair<int, int> kSteps[]{
-        {Qt::Key_Left, -1},           {Qt::Key_Right, 1},          {Qt::Key_PageUp, -kFarStep},
-        {Qt::Key_PageDown, kFarStep}, {Qt::Key_Home, -kMostFrames}, {Qt::Key_End, kMostFrames}};
+    constexpr std::pair<int, int> kSteps[]{{Qt::Key_Left, -1},           {Qt::Key_Right, 1},
+                                           {Qt::Key_PageUp, -kFarStep},  {Qt::Key_PageDown, kFarStep},
+                                           {Qt::Key_Home, -kMostFrames}, {Qt::Key_End, kMostFrames}};
     for (const auto& [key, steps] : kSteps) {
         if (event->key() == key) return ask(stepped(steps));
     }

@@ -1,5 +1,5 @@
-#include <QPainter>
 #include <QPaintEvent>
+#include <QPainter>
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -60,7 +60,8 @@ void FrameStrip::paint_states(QPainter& painter) const {
     std::vector<Column> states(static_cast<std::size_t>(columns));
     for (const auto& [index, known] : known_) {
         const int first = std::min(static_cast<int>(index * per_frame), columns - 1);
-        const int last = std::clamp(static_cast<int>(std::ceil((index + 1) * per_frame)) - 1, first, columns - 1);
+        const int last =
+            std::clamp(static_cast<int>(std::ceil((index + 1) * per_frame)) - 1, first, columns - 1);
         for (int x = first; x <= last; ++x) {
             Column& column = states[static_cast<std::size_t>(x)];
             column.plates += known.state == FrameState::kPlate;

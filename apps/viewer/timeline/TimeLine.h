@@ -64,8 +64,8 @@ class TimeLine final : public QWidget {
     QSpinBox* frame_;
     QDoubleSpinBox* rate_;
     QTimer timer_;
-    QElapsedTimer clock_;   // since it began to play
-    double due_at_ = 0.0;   // when the next frame's turn is, in milliseconds
+    QElapsedTimer clock_;  // since it began to play
+    double due_at_ = 0.0;  // when the next frame's turn is, in milliseconds
     bool playing_ = false;
     bool waiting_ = false;  // for the current frame to be shown
     bool due_ = false;      // its time is over

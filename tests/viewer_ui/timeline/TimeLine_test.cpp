@@ -51,8 +51,8 @@ TEST_F(TimeLineTest, ClicksDragsWheelKeysAndFieldsAskForFrames) {
     const struct {
         Qt::Key key;
         int frame;
-    } keys[] = {{Qt::Key_Left, 26}, {Qt::Key_PageUp, 10}, {Qt::Key_Right, 12}, {Qt::Key_End, 28},
-                {Qt::Key_Home, 10}, {Qt::Key_PageDown, 28}};
+    } keys[] = {{Qt::Key_Left, 26}, {Qt::Key_PageUp, 10}, {Qt::Key_Right, 12},
+                {Qt::Key_End, 28},  {Qt::Key_Home, 10},   {Qt::Key_PageDown, 28}};
     for (const auto& [key, frame] : keys) {
         QTest::keyClick(strip, key);
         EXPECT_EQ(line.current(), frame) << key;
@@ -127,7 +127,10 @@ TEST_F(TimeLineTest, PlaysAtItsRateWhenFramesAreThereAtOnce) {
 }
 
 TEST_F(TimeLineTest, ShowsWhatIsKnownOfFrames) {
-    const auto colour_at = [&](int x) { return strip->grab().toImage().pixelColor(x, strip->height() - 2); };
+    const auto colour_at = [&](double x) {
+        const QImage image = strip->grab().toImage();
+        return image.pixelColor(static_cast<int>(x * image.devicePixelRatio()), image.height() - 3);
+    };
     const QColor nothing = colour_at(250);
     std::vector<QColor> seen{nothing};
     for (const FrameState state :
