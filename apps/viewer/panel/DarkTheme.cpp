@@ -1,8 +1,10 @@
 #include "panel/DarkTheme.h"
 
 #include <QApplication>
+#include <QPainter>
 #include <QPalette>
-#include <QStyleFactory>
+#include <QProxyStyle>
+#include <QStyleOption>
 
 namespace veloxa::viewer {
 
@@ -11,6 +13,23 @@ namespace {
 QColor grey(int level) {
     return QColor(level, level, level);
 }
+
+// On a dark ground the style's own outline of a check box is all but black.
+class DarkStyle final : public QProxyStyle {
+  public:
+    DarkStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override {
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        if (element != PE_IndicatorCheckBox) return;
+        painter->save();
+        const bool focused = (option->state & State_HasFocus) != 0;
+        painter->setPen(option->palette.color(focused ? QPalette::Link : QPalette::PlaceholderText));
+        painter->drawRect(QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5));
+        painter->restore();
+    }
+};
 
 }  // namespace
 
@@ -37,9 +56,10 @@ void use_dark_theme(QApplication& application) {
     palette.setColor(QPalette::BrightText, QColor(255, 140, 120));
     palette.setColor(QPalette::HighlightedText, grey(255));
     palette.setColor(QPalette::PlaceholderText, grey(165));
+    palette.setColor(QPalette::Disabled, QPalette::PlaceholderText, grey(120));
     palette.setColor(QPalette::Disabled, QPalette::Highlight, grey(70));
     palette.setColor(QPalette::Disabled, QPalette::HighlightedText, grey(190));
-    application.setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    application.setStyle(new DarkStyle);  // the application takes it
     application.setPalette(palette);
 }
 

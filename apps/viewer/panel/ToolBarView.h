@@ -29,7 +29,7 @@ class ToolBarView final : public QToolBar {
     void rebuild();
 
   signals:
-    // A setting among the tools, or a button, was used; other views may have to show it.
+    // A setting among the tools or a button was used, or a tool left; other views may have to show it.
     void edited();
 
   private:

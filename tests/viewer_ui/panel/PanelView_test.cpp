@@ -163,7 +163,7 @@ TEST_F(PanelViewTest, TheWheelScrollsUntilAControlHasTheFocus) {
     const auto turn = [](QWidget* on) {
         QWheelEvent event(QPointF(3, 3), on->mapToGlobal(QPointF(3, 3)), {}, {0, -120}, {}, {}, {}, false);
         QSpontaneKeyEvent::setSpontaneous(&event);  // else it stays where it is sent
-        QApplication::sendEvent(on, &event);
+        qApp->notify(on, &event);
     };
     edits.knob("overlay_mode").set_value(1);
     view.refresh();
