@@ -23,6 +23,7 @@ void add_controls_command(CLI::App& app, Run& run);
 void add_spaces_command(CLI::App& app, Run& run);
 void add_cleanplate_command(CLI::App& app, Run& run);
 void add_tune_command(CLI::App& app, Run& run);
+void add_view_command(CLI::App& app, Run& run);
 void add_plate_command(CLI::App& app, Run& run);
 void add_compare_command(CLI::App& app, Run& run);
 void add_score_command(CLI::App& app, Run& run);

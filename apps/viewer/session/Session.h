@@ -28,7 +28,7 @@ namespace veloxa::viewer {
 enum class Against { kNow, kA, kB, kDefault, kAutomatic };
 inline constexpr int kAgainst = 5;
 
-struct Pane {
+struct Sight {
     Against against = Against::kNow;
     std::string picture = "result";
     View view;
@@ -67,6 +67,9 @@ class Session final : public PanelEdits {
     // The document.
     // Opens a shot as the command line would key it: what that sets up is set up in the background.
     void open(const SetupOptions& options);
+    // The same, but where no frames are named the plate's stands for its sequence, and a script that names
+    // its files is opened as such.
+    void open_as_named(const SetupOptions& options);
     // Opens a plate with the sequence that it belongs to, or a saved session.
     void open_file(const std::string& path);
     // Puts a file, or as many of its sequence as the plate has frames for, on another input; empty for none.
@@ -128,9 +131,9 @@ class Session final : public PanelEdits {
     void recheck() { frames_.recheck(frame_); }
 
     // Looking.
-    const Pane& pane(std::size_t n) const { return panes_[n]; }
-    void set_pane(std::size_t n, Pane pane);
-    void set_panes(std::array<Pane, 2> panes);
+    const Sight& sight(std::size_t n) const { return sights_[n]; }
+    void set_sight(std::size_t n, Sight sight);
+    void set_sights(std::array<Sight, 2> sights);
     Layout layout() const { return layout_; }
     void set_layout(Layout layout);
     void set_difference_gain(float gain);
@@ -161,7 +164,7 @@ class Session final : public PanelEdits {
     void commit(const std::string& name);
     void keep_safe();
     void look();
-    PaneRequest request_of(const Pane& pane);
+    PaneRequest request_of(const Sight& sight);
     Settings settings_of(Against against);
     // Has the default or the automatic settings found out, if they are not.
     void find_settings(Against against);
@@ -199,7 +202,7 @@ class Session final : public PanelEdits {
     int setting_up_ = 0;
     std::uint64_t shot_ = 0;  // counts shots
 
-    std::array<Pane, 2> panes_;
+    std::array<Sight, 2> sights_;
     Layout layout_ = Layout::kSingle;
     float difference_gain_ = 1.0f;
     DisplayTransform display_;

@@ -108,21 +108,36 @@ void Session::open(const SetupOptions& options) {
 }
 
 void Session::open_file(const std::string& path) {
-    if (is_script(path)) return open_project(path);
-    errands_.add([this, path](const AbortFlag&) {
-        const FoundSequence found = find_sequence(path);
-        post([this, found] {
-            SetupOptions options;
-            options.inputs[kFg] = found.name;
-            options.frames = found.frames;
-            open(options);
-        });
+    SetupOptions options;
+    options.inputs[kFg] = path;
+    open_as_named(options);
+}
+
+void Session::open_as_named(const SetupOptions& options) {
+    const std::string& plate = options.inputs[kFg];
+    if (is_script(plate)) return open_project(plate);
+    if (!options.frames.empty()) return open(options);
+    errands_.add([this, options](const AbortFlag&) {
+        SetupOptions found = options;
+        try {
+            const PictureName name(options.inputs[kFg]);
+            const FoundSequence sequence = find_sequence(name.at(0));
+            found.frames = sequence.frames;
+            if (!name.has_frame() && !name.choice().empty()) {
+                found.frames.clear();  // a part of a file is named, and that file alone
+            } else if (!name.has_frame() && !sequence.frames.empty()) {
+                found.inputs[kFg] = sequence.name;
+            }
+        } catch (const Error& error) {
+            return post([this, line = std::string(error.what())] { tell(line); });
+        }
+        post([this, found] { open(found); });
     });
 }
 
 void Session::open_input(Input input, const std::string& path) {
-    const std::string name = path.empty() ? std::string("close ") + kInputNames[input]
-                                          : std::string("open ") + kInputNames[input];
+    const std::string name =
+        path.empty() ? std::string("close ") + kInputNames[input] : std::string("open ") + kInputNames[input];
     if (path.empty() || files_.frames.empty()) {
         ShotFiles files = files_;
         files.inputs[input] = path;

@@ -54,18 +54,18 @@ void Session::frame_changed(int frame) {
 bool Session::has_result(int frame) const {
     const FramePtr here = frames_.find(frame);
     if (!here || !here->error.empty()) return false;
-    return view_.pictures().has(Keyed{here, settings_, mattes_, rendered_as(panes_[0].picture)}.identity());
+    return view_.pictures().has(Keyed{here, settings_, mattes_, rendered_as(sights_[0].picture)}.identity());
 }
 
-void Session::set_pane(std::size_t n, Pane pane) {
-    panes_[n] = std::move(pane);
-    find_settings(panes_[n].against);
+void Session::set_sight(std::size_t n, Sight sight) {
+    sights_[n] = std::move(sight);
+    find_settings(sights_[n].against);
     look();
 }
 
-void Session::set_panes(std::array<Pane, 2> panes) {
-    panes_ = std::move(panes);
-    for (const Pane& pane : panes_) find_settings(pane.against);
+void Session::set_sights(std::array<Sight, 2> sights) {
+    sights_ = std::move(sights);
+    for (const Sight& sight : sights_) find_settings(sight.against);
     look();
 }
 
@@ -121,15 +121,15 @@ void Session::find_settings(Against against) {
     });
 }
 
-PaneRequest Session::request_of(const Pane& pane) {
-    return {current_frame(), settings_of(pane.against), mattes_, pane.picture, pane.view, pane.geometry};
+PaneRequest Session::request_of(const Sight& sight) {
+    return {current_frame(), settings_of(sight.against), mattes_, sight.picture, sight.view, sight.geometry};
 }
 
 void Session::look() {
     ViewRequest request;
     request.number = ++request_;
-    request.panes.push_back(request_of(panes_[0]));
-    if (layout_ != Layout::kSingle) request.panes.push_back(request_of(panes_[1]));
+    request.panes.push_back(request_of(sights_[0]));
+    if (layout_ != Layout::kSingle) request.panes.push_back(request_of(sights_[1]));
     request.difference = layout_ == Layout::kDifference;
     request.difference_gain = difference_gain_;
     request.counts = counts_;

@@ -35,7 +35,8 @@ JobsView::JobsView(QWidget* parent)
     progress_->setAccessibleName(QStringLiteral("Progress of the background work"));
     cancel_->setEnabled(false);
     cancel_->setToolTip(QStringLiteral("Give up the background work; frames that are written stay"));
-    worst_->setHorizontalHeaderLabels({QStringLiteral("Frame"), QStringLiteral("Leaks"), QStringLiteral("Holes"), QStringLiteral("Remark")});
+    worst_->setHorizontalHeaderLabels({QStringLiteral("Frame"), QStringLiteral("Leaks"),
+                                       QStringLiteral("Holes"), QStringLiteral("Remark")});
     worst_->setAccessibleName(QStringLiteral("Worst frames"));
     worst_->setToolTip(QStringLiteral("Enter or a double-click goes to the frame"));
     worst_->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -90,7 +91,8 @@ void JobsView::show_worst(std::vector<WorstFrame> frames) {
         worst_->setItem(row, 0, item(QString::number(frame.frame)));
         worst_->setItem(row, 1, item(frame.error.empty() ? QString::number(frame.counts.leaks) : QString()));
         worst_->setItem(row, 2, item(frame.error.empty() ? QString::number(frame.counts.holes) : QString()));
-        const QString broken = frame.counts.broken > 0 ? QStringLiteral("%1 NaN").arg(frame.counts.broken) : QString();
+        const QString broken =
+            frame.counts.broken > 0 ? QStringLiteral("%1 NaN").arg(frame.counts.broken) : QString();
         worst_->setItem(row, 3, item(frame.error.empty() ? broken : QString::fromStdString(frame.error)));
     }
 }

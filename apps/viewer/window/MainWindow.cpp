@@ -79,7 +79,8 @@ void MainWindow::make_session() {
     colour_->choose(kept_->value(QStringLiteral("display")).toString().toStdString());
 }
 
-QDockWidget* MainWindow::add_dock(const QString& title, const QString& name, QWidget* widget, Qt::DockWidgetArea where) {
+QDockWidget* MainWindow::add_dock(const QString& title, const QString& name, QWidget* widget,
+                                  Qt::DockWidgetArea where) {
     auto* const dock = new QDockWidget(title, this);
     dock->setObjectName(name);
     dock->setWidget(widget);
@@ -121,14 +122,20 @@ void MainWindow::make_widgets() {
     commands_->menu("&View").addSeparator();
     add_dock(QStringLiteral("Knobs"), QStringLiteral("knobs_dock"), panel_, Qt::RightDockWidgetArea);
     add_dock(QStringLiteral("Changes"), QStringLiteral("changes_dock"), changes_, Qt::BottomDockWidgetArea);
-    jobs_dock_ = add_dock(QStringLiteral("Background work"), QStringLiteral("jobs_dock"), jobs_view_, Qt::BottomDockWidgetArea);
+    jobs_dock_ = add_dock(QStringLiteral("Background work"), QStringLiteral("jobs_dock"), jobs_view_,
+                          Qt::BottomDockWidgetArea);
     tabifyDockWidget(findChild<QDockWidget*>(QStringLiteral("changes_dock")), jobs_dock_);
-    for (const char* const name : {"changes_dock", "jobs_dock"}) findChild<QDockWidget*>(QLatin1String(name))->hide();
+    for (const char* const name : {"changes_dock", "jobs_dock"})
+        findChild<QDockWidget*>(QLatin1String(name))->hide();
     setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
 
     readout_ = new Readout(this);
     readout_->show_colour(QString::fromStdString(colour_->account()));
     statusBar()->addWidget(readout_, 1);
+    busy_ = new QLabel(this);
+    busy_->setObjectName(QStringLiteral("busy"));
+    busy_->setAccessibleName(QStringLiteral("What works in the background"));
+    statusBar()->addPermanentWidget(busy_);
     recent_ = commands_->menu("&File").addMenu(QStringLiteral("Open Re&cent"));
     commands_->menu("&File").insertMenu(&(*commands_)["open_cp"], recent_);
     resize(1500, 940);
@@ -162,7 +169,8 @@ void MainWindow::save_layout() {
     kept_->setValue(QStringLiteral("layout"), saveState());
     kept_->setValue(QStringLiteral("folded"), panel_->folded());
     if (!colour_->choices().empty()) {
-        kept_->setValue(QStringLiteral("display"), QString::fromStdString(colour_->choices()[colour_->choice()].label));
+        kept_->setValue(QStringLiteral("display"),
+                        QString::fromStdString(colour_->choices()[colour_->choice()].label));
     }
     kept_->sync();
 }

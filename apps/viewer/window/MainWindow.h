@@ -66,7 +66,8 @@ class MainWindow final : public QMainWindow {
     // Making of the window.
     void make_session();
     void make_widgets();
-    QDockWidget* add_dock(const QString& title, const QString& name, QWidget* widget, Qt::DockWidgetArea where);
+    QDockWidget* add_dock(const QString& title, const QString& name, QWidget* widget,
+                          Qt::DockWidgetArea where);
     void wire_session();
     void wire_area();
     void wire_files();
@@ -86,7 +87,8 @@ class MainWindow final : public QMainWindow {
     void tell(const QString& line);
 
     // What commands do.
-    void ask_for_file(const QString& title, const std::function<void(const QString&)>& use, bool save = false);
+    void ask_for_file(const QString& title, const std::function<void(const QString&)>& use,
+                      bool save = false);
     void save(const std::function<void()>& then = {});
     void save_as(const std::function<void()>& then = {});
     // Asks what becomes of changes, then goes on, or not.
@@ -96,7 +98,7 @@ class MainWindow final : public QMainWindow {
     void start(RenderPlan plan);
     void find_worst();
     void look_for_worst(int most);
-    void change_panes(const std::function<void(Pane&)>& change);
+    void change_sights(const std::function<void(Sight&)>& change);
     void choose_layout(Layout layout);
     void choose_behind(Behind behind);
     void show_cursor(QPointF picture);
@@ -120,11 +122,11 @@ class MainWindow final : public QMainWindow {
     JobsView* jobs_view_ = nullptr;
     QDockWidget* jobs_dock_ = nullptr;
     QLabel* message_ = nullptr;
+    QLabel* busy_ = nullptr;
     QMenu* recent_ = nullptr;
     QTimer files_timer_;
     std::array<ShownPicture, 2> shown_;
     DisplayTransform display_;
-    bool fit_next_ = true;  // the first picture of a shot
     bool closing_ = false;
 };
 

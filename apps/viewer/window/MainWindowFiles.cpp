@@ -27,14 +27,16 @@ constexpr std::array<std::pair<const char*, Input>, 4> kOthers{
 
 void MainWindow::wire_files() {
     Commands& commands = *commands_;
-    const auto on = [&](const char* name, auto call) { connect(&commands[name], &QAction::triggered, this, call); };
-    on("open", [this] {
-        ask_for_file(QStringLiteral("Open"), [this](const QString& file) { open_files({file}); });
-    });
+    const auto on = [&](const char* name, auto call) {
+        connect(&commands[name], &QAction::triggered, this, call);
+    };
+    on("open",
+       [this] { ask_for_file(QStringLiteral("Open"), [this](const QString& file) { open_files({file}); }); });
     for (const auto& [name, input] : kOthers) {
         on(name, [this, input = input] {
-            ask_for_file(QStringLiteral("Open"),
-                         [this, input](const QString& file) { session_->open_input(input, file.toStdString()); });
+            ask_for_file(QStringLiteral("Open"), [this, input](const QString& file) {
+                session_->open_input(input, file.toStdString());
+            });
         });
     }
     on("close_others", [this] {
@@ -44,7 +46,8 @@ void MainWindow::wire_files() {
     });
     on("reload", [this] { session_->set_files(session_->files(), "reload"); });
     on("load_settings", [this] {
-        ask_for_file(QStringLiteral("Load settings"), [this](const QString& file) { session_->load_settings(file.toStdString()); });
+        ask_for_file(QStringLiteral("Load settings"),
+                     [this](const QString& file) { session_->load_settings(file.toStdString()); });
     });
     on("save", [this] { save(); });
     on("save_as", [this] { save_as(); });
@@ -58,7 +61,8 @@ void MainWindow::wire_files() {
     connect(jobs_view_, &JobsView::frame_chosen, this, [this](int frame) { time_->go_to(frame); });
 }
 
-void MainWindow::ask_for_file(const QString& title, const std::function<void(const QString&)>& use, bool save) {
+void MainWindow::ask_for_file(const QString& title, const std::function<void(const QString&)>& use,
+                              bool save) {
     auto* const dialog = new QFileDialog(this, title, kept_->value(QStringLiteral("folder")).toString());
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setObjectName(QStringLiteral("file_dialog"));
@@ -83,10 +87,13 @@ void MainWindow::open_files(const QStringList& files) {
     auto* const menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->setObjectName(QStringLiteral("open_as"));
-    menu->addAction(QStringLiteral("Open as &plate or settings"), this, [this, open] { with_changes_kept(open); });
+    menu->addAction(QStringLiteral("Open as &plate or settings"), this,
+                    [this, open] { with_changes_kept(open); });
     for (const auto& [name, input] : kOthers) {
-        const QString text = QStringLiteral("Open as ") + (*commands_)[name].text().remove(QStringLiteral("…")).toLower();
-        menu->addAction(text, this, [this, file, input = input] { session_->open_input(input, file.toStdString()); });
+        const QString text =
+            QStringLiteral("Open as ") + (*commands_)[name].text().remove(QStringLiteral("…")).toLower();
+        menu->addAction(text, this,
+                        [this, file, input = input] { session_->open_input(input, file.toStdString()); });
     }
     menu->popup(QCursor::pos());
 }
@@ -174,10 +181,12 @@ void MainWindow::offer_rescue() {
     const std::vector<Rescued> left = Autosave::left(place_.rescue_folder.toStdString());
     if (left.empty()) return;
     const Rescued rescued = left.front();
-    const QString name = rescued.document.empty() ? QStringLiteral("never saved") : QString::fromStdString(rescued.document);
-    auto* const box = new QMessageBox(QMessageBox::Question, QStringLiteral("Restore"),
-                                      QStringLiteral("A session ended before its changes were saved (%1).").arg(name),
-                                      QMessageBox::NoButton, this);
+    const QString name =
+        rescued.document.empty() ? QStringLiteral("never saved") : QString::fromStdString(rescued.document);
+    auto* const box =
+        new QMessageBox(QMessageBox::Question, QStringLiteral("Restore"),
+                        QStringLiteral("A session ended before its changes were saved (%1).").arg(name),
+                        QMessageBox::NoButton, this);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setObjectName(QStringLiteral("rescue"));
     QPushButton* const restore = box->addButton(QStringLiteral("&Restore"), QMessageBox::AcceptRole);
@@ -218,7 +227,9 @@ void MainWindow::start(RenderPlan plan) {
     events.progress = [this](double done, int all) { jobs_view_->show_progress(done, all); };
     events.line = [this](const std::string& line) { jobs_view_->add_line(QString::fromStdString(line)); };
     events.done = [this](const std::string& outcome) {
-        jobs_view_->end(outcome.empty() ? QStringLiteral("Rendered.") : QStringLiteral("Rendering ended: ") + QString::fromStdString(outcome));
+        jobs_view_->end(outcome.empty()
+                            ? QStringLiteral("Rendered.")
+                            : QStringLiteral("Rendering ended: ") + QString::fromStdString(outcome));
     };
     try {
         jobs_->render(std::move(plan), std::move(events));
@@ -255,7 +266,8 @@ void MainWindow::look_for_worst(int most) {
         if (worst != frames.end()) time_->set_worst(worst->frame);
     };
     events.done = [this](const std::string& outcome) {
-        jobs_view_->end(outcome.empty() ? QStringLiteral("Looked at all of them.") : QStringLiteral("Ended: ") + QString::fromStdString(outcome));
+        jobs_view_->end(outcome.empty() ? QStringLiteral("Looked at all of them.")
+                                        : QStringLiteral("Ended: ") + QString::fromStdString(outcome));
     };
     jobs_->find_worst(session_->state(), most, std::move(events));
 }

@@ -24,14 +24,10 @@ void MainWindow::show_result(const ViewResult& result) {
     }
     area_->set_message({});
     shown_[result.pane] = result.picture;
-    if (!result.shaded.pixels.empty()) area_->set_shaded(result.pane, result.shaded, result.geometry);
+    if (!result.shaded.pixels.empty())
+        area_->set_shaded(static_cast<Pane>(result.pane), result.shaded, result.geometry);
     if (result.number == session_->latest_request() || result.whole) time_->set_shown(session_->frame());
-    if (!result.whole) return;
-    time_->set_state(session_->frame(), FrameState::kResult);
-    if (result.pane == 0 && result.picture.image && std::exchange(fit_next_, false)) {
-        area_->set_format(result.picture.image->info.format);
-        area_->fit();
-    }
+    if (result.whole) time_->set_state(session_->frame(), FrameState::kResult);
 }
 
 void MainWindow::show_settings() {
@@ -41,7 +37,8 @@ void MainWindow::show_settings() {
     Commands& commands = *commands_;
     const auto show_step = [&](const char* name, const QString& verb, const std::string& step) {
         commands[name].setEnabled(!step.empty());
-        commands[name].setText(step.empty() ? verb : verb + QStringLiteral(" ") + QString::fromStdString(step));
+        commands[name].setText(step.empty() ? verb
+                                            : verb + QStringLiteral(" ") + QString::fromStdString(step));
     };
     show_step("undo", QStringLiteral("&Undo"), session_->history().undo_name());
     show_step("redo", QStringLiteral("&Redo"), session_->history().redo_name());
@@ -50,12 +47,12 @@ void MainWindow::show_settings() {
     const QString name = !document.empty() ? QString::fromStdString(document)
                                            : QString::fromStdString(session_->files().inputs[kFg]);
     setWindowFilePath(name);
-    setWindowTitle((name.isEmpty() ? QString() : name + QStringLiteral("[*] – ")) + QStringLiteral("Veloxa[*]").left(name.isEmpty() ? 9 : 6));
+    setWindowTitle((name.isEmpty() ? QString() : name + QStringLiteral("[*] – ")) +
+                   QStringLiteral("Veloxa[*]").left(name.isEmpty() ? 9 : 6));
     setWindowModified(session_->modified());
 }
 
 void MainWindow::show_shot() {
-    fit_next_ = true;
     shown_ = {};
     time_->set_range(session_->range());
     time_->go_to(session_->frame());
@@ -69,7 +66,8 @@ void MainWindow::show_frames() {
     }
     for (const int frame : held.failed) {
         const FramePtr failed = session_->frame_at(frame);
-        time_->set_state(frame, FrameState::kFailed, failed ? QString::fromStdString(failed->error) : QString());
+        time_->set_state(frame, FrameState::kFailed,
+                         failed ? QString::fromStdString(failed->error) : QString());
     }
     if (time_->current() != session_->frame()) time_->go_to(session_->frame());
     const FramePtr here = session_->current_frame();
@@ -77,7 +75,6 @@ void MainWindow::show_frames() {
     const Image& plate = *here->inputs[kFg].image;
     colour_->take(plate.header, PictureName(session_->files().inputs[kFg]).at(here->number));
     area_->set_format(plate.info.format);
-    if (std::exchange(fit_next_, false)) area_->fit();
 }
 
 void MainWindow::show_modes() {
@@ -85,19 +82,21 @@ void MainWindow::show_modes() {
     const bool tool = session_->tool() != nullptr;
     const bool picking = session_->picking() != nullptr;
     if (tool || picking) {
-        for (const char* const mode : {"mode_look", "mode_box", "mode_garbage", "mode_holdout"}) commands[mode].setChecked(false);
+        for (const char* const mode : {"mode_look", "mode_box", "mode_garbage", "mode_holdout"})
+            commands[mode].setChecked(false);
         readout_->clear_box();
     }
-    if (tool) area_->set_mode(PointerMode::kBrush);
-    if (picking) area_->set_mode(PointerMode::kPick);
-    const bool left = !tool && !picking && (area_->mode() == PointerMode::kBrush || area_->mode() == PointerMode::kPick);
+    if (tool) area_->set_tool(PointerTool::kBrush);
+    if (picking) area_->set_tool(PointerTool::kPick);
+    const bool left =
+        !tool && !picking && (area_->tool() == PointerTool::kBrush || area_->tool() == PointerTool::kPick);
     if (left) commands["mode_look"].trigger();
     tools_->refresh();
     panel_->refresh();
 }
 
 void MainWindow::show_busy() {
-    area_->set_busy(session_->working() ? QStringLiteral("Working… (Ctrl+. gives up)") : QString());
+    busy_->setText(session_->working() ? QStringLiteral("Working… (Ctrl+. gives up)") : QString());
 }
 
 void MainWindow::tell(const QString& line) {
@@ -119,7 +118,7 @@ void MainWindow::show_cursor(QPointF picture) {
     if (here && here->error.empty() && in_frame(*here->inputs[kFg].image)) {
         values.source = value_at(*here->inputs[kFg].image, values.x, values.y);
     }
-    const ShownPicture& shown = shown_[area_->pane_under_cursor()];
+    const ShownPicture& shown = shown_[static_cast<std::size_t>(area_->pane_under_pointer())];
     if (shown.image && values.source) {
         const int scale = static_cast<int>(shown.scale);
         const auto down = [&](int v) { return static_cast<int>(std::floor(static_cast<double>(v) / scale)); };

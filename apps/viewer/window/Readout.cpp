@@ -25,7 +25,8 @@ QString statistics_text(const BoxStatistics& statistics) {
         const ChannelStatistics& channel = statistics.channels[c];
         texts += QStringLiteral("%1 %2 to %3, mean %4")
                      .arg(QChar("RGBA"[c]))
-                     .arg(number(static_cast<double>(channel.least)), number(static_cast<double>(channel.most)), number(channel.mean));
+                     .arg(number(static_cast<double>(channel.least)),
+                          number(static_cast<double>(channel.most)), number(channel.mean));
     }
     if (statistics.broken > 0) texts += QStringLiteral("%1 not finite").arg(statistics.broken);
     return texts.join(QStringLiteral("; "));
@@ -73,7 +74,8 @@ void Readout::clear_values() {
 
 void Readout::show_box(const Zo::Image::Box& box, const BoxStatistics& source, const BoxStatistics& result) {
     const QString place = QStringLiteral("%1,%2,%3,%4").arg(box.x).arg(box.y).arg(box.r).arg(box.t);
-    const QString text = QStringLiteral("box %1   plate %2   shown %3").arg(place, statistics_text(source), statistics_text(result));
+    const QString text = QStringLiteral("box %1   plate %2   shown %3")
+                             .arg(place, statistics_text(source), statistics_text(result));
     box_->setText(text);
     box_->setToolTip(QString(text).replace(QStringLiteral("   "), QStringLiteral("\n")));
     box_->show();
@@ -89,8 +91,10 @@ void Readout::show_counts(const std::optional<StatusCounts>& counts) {
     if (!counts) return counts_->clear();
     const QLocale local;
     QString text = QStringLiteral("leaks %1, holes %2; clear %3, solid %4, between %5")
-                       .arg(local.toString(static_cast<qlonglong>(counts->leaks)), local.toString(static_cast<qlonglong>(counts->holes)),
-                            local.toString(static_cast<qlonglong>(counts->clear)), local.toString(static_cast<qlonglong>(counts->solid)),
+                       .arg(local.toString(static_cast<qlonglong>(counts->leaks)),
+                            local.toString(static_cast<qlonglong>(counts->holes)),
+                            local.toString(static_cast<qlonglong>(counts->clear)),
+                            local.toString(static_cast<qlonglong>(counts->solid)),
                             local.toString(static_cast<qlonglong>(counts->between)));
     if (counts->beyond > 0) text += QStringLiteral(", out of range %1").arg(counts->beyond);
     if (counts->broken > 0) text += QStringLiteral(", NaN %1").arg(counts->broken);

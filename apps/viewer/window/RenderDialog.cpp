@@ -29,7 +29,8 @@ RenderDialog::RenderDialog(const QString& frames, const QString& folder, QWidget
     frames_->setEnabled(!frames.isEmpty());
     form->addRow(QStringLiteral("&Frames"), frames_);
     result_ = add_output(QStringLiteral("&Result"), folder, QStringLiteral("What the output mode says"));
-    comp_ = add_output(QStringLiteral("&Composite"), folder, QStringLiteral("The subject over the background"));
+    comp_ =
+        add_output(QStringLiteral("&Composite"), folder, QStringLiteral("The subject over the background"));
     matte_ = add_output(QStringLiteral("&Matte"), folder, QStringLiteral("The matte as one channel"));
     cut_ = add_output(QStringLiteral("C&ut"), folder, QStringLiteral("The subject alone, premultiplied"));
     depth_ = new QComboBox(this);
@@ -54,7 +55,8 @@ RenderDialog::RenderDialog(const QString& frames, const QString& folder, QWidget
     resize(640, sizeHint().height());
 }
 
-QLineEdit* RenderDialog::add_output(const QString& caption, const QString& folder, const QString& description) {
+QLineEdit* RenderDialog::add_output(const QString& caption, const QString& folder,
+                                    const QString& description) {
     auto* const line = new QLineEdit(this);
     const QString name = QString(caption).remove('&');
     line->setObjectName(name.toLower());
@@ -86,9 +88,11 @@ RenderPlan RenderDialog::plan() const {
     RenderPlan plan;
     plan.frames = frames_->text().trimmed().toStdString();
     if (!plan.frames.empty()) static_cast<void>(parse_frames(plan.frames));
-    const std::array<std::pair<const char*, QLineEdit*>, 4> outputs{{{"", result_}, {"comp=", comp_}, {"matte=", matte_}, {"cut=", cut_}}};
+    const std::array<std::pair<const char*, QLineEdit*>, 4> outputs{
+        {{"", result_}, {"comp=", comp_}, {"matte=", matte_}, {"cut=", cut_}}};
     for (const auto& [prefix, line] : outputs) {
-        if (!line->text().trimmed().isEmpty()) plan.outputs.push_back(prefix + line->text().trimmed().toStdString());
+        if (!line->text().trimmed().isEmpty())
+            plan.outputs.push_back(prefix + line->text().trimmed().toStdString());
     }
     if (plan.outputs.empty()) throw UsageError("Name a file for at least one of the pictures.");
     for (const KeyOutput& output : parse_outputs(plan.outputs)) {

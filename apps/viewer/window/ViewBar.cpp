@@ -20,7 +20,8 @@ ViewBar::ViewBar(Session& session, ViewColour& colour, QWidget* parent)
     setObjectName(QStringLiteral("view_bar"));
     add_pane(0);
     add_pane(1);
-    difference_ = add_number(QStringLiteral("× "), QStringLiteral("Gain of the difference"), 0.01, 10000.0, 1.0);
+    difference_ =
+        add_number(QStringLiteral("× "), QStringLiteral("Gain of the difference"), 0.01, 10000.0, 1.0);
     difference_action_ = actions().back();
     addSeparator();
     gain_ = add_number(QStringLiteral(" gain "), QStringLiteral("Gain of the view"), 0.001, 1000.0, 1.0);
@@ -30,7 +31,8 @@ ViewBar::ViewBar(Session& session, ViewColour& colour, QWidget* parent)
     display_->setObjectName(QStringLiteral("display"));
     display_->setAccessibleName(QStringLiteral("Display"));
     display_->setToolTip(QStringLiteral("What the values are shown on; nothing of it changes the key"));
-    for (const DisplayChoice& choice : colour_.choices()) display_->addItem(QString::fromStdString(choice.label));
+    for (const DisplayChoice& choice : colour_.choices())
+        display_->addItem(QString::fromStdString(choice.label));
     addWidget(display_);
     connect(display_, &QComboBox::currentIndexChanged, this, [this](int n) {
         if (!refreshing_ && n >= 0) colour_.choose(static_cast<std::size_t>(n));
@@ -49,29 +51,33 @@ void ViewBar::add_pane(std::size_t n) {
     choice.picture = new QComboBox(this);
     choice.picture->setObjectName(which + QStringLiteral("_picture"));
     choice.picture->setAccessibleName(QStringLiteral("Picture of the %1 pane").arg(which));
-    choice.picture->setToolTip(QStringLiteral("What is shown: the result, its matte, the inputs, inner stages"));
-    for (const std::string& name : picture_names(session_.node())) choice.picture->addItem(QString::fromStdString(name));
+    choice.picture->setToolTip(
+        QStringLiteral("What is shown: the result, its matte, the inputs, inner stages"));
+    for (const std::string& name : picture_names(session_.node()))
+        choice.picture->addItem(QString::fromStdString(name));
     choice.against = new QComboBox(this);
     choice.against->setObjectName(which + QStringLiteral("_settings"));
     choice.against->setAccessibleName(QStringLiteral("Settings of the %1 pane").arg(which));
-    choice.against->setToolTip(QStringLiteral("By which settings: those of now, kept ones, the defaults, the automatic set-up"));
+    choice.against->setToolTip(
+        QStringLiteral("By which settings: those of now, kept ones, the defaults, the automatic set-up"));
     for (const char* const text : kAgainstTexts) choice.against->addItem(QString::fromLatin1(text));
     choice.actions = {addWidget(choice.picture), addWidget(choice.against)};
     connect(choice.picture, &QComboBox::currentTextChanged, this, [this, n](const QString& name) {
         if (refreshing_) return;
-        Pane pane = session_.pane(n);
-        pane.picture = name.toStdString();
-        session_.set_pane(n, pane);
+        Sight sight = session_.sight(n);
+        sight.picture = name.toStdString();
+        session_.set_sight(n, sight);
     });
     connect(choice.against, &QComboBox::currentIndexChanged, this, [this, n](int against) {
         if (refreshing_) return;
-        Pane pane = session_.pane(n);
-        pane.against = static_cast<Against>(against);
-        session_.set_pane(n, pane);
+        Sight sight = session_.sight(n);
+        sight.against = static_cast<Against>(against);
+        session_.set_sight(n, sight);
     });
 }
 
-QDoubleSpinBox* ViewBar::add_number(const QString& caption, const QString& name, double low, double high, double value) {
+QDoubleSpinBox* ViewBar::add_number(const QString& caption, const QString& name, double low, double high,
+                                    double value) {
     auto* const label = new QLabel(caption, this);
     auto* const box = new QDoubleSpinBox(this);
     box->setRange(low, high);
@@ -91,10 +97,10 @@ QDoubleSpinBox* ViewBar::add_number(const QString& caption, const QString& name,
 void ViewBar::change_view() {
     if (refreshing_) return;
     for (std::size_t n = 0; n < panes_.size(); ++n) {
-        Pane pane = session_.pane(n);
-        pane.view.gain = static_cast<float>(gain_->value());
-        pane.view.gamma = static_cast<float>(gamma_->value());
-        session_.set_pane(n, pane);
+        Sight sight = session_.sight(n);
+        sight.view.gain = static_cast<float>(gain_->value());
+        sight.view.gamma = static_cast<float>(gamma_->value());
+        session_.set_sight(n, sight);
     }
 }
 
@@ -106,13 +112,14 @@ void ViewBar::step_picture(int by) {
 void ViewBar::refresh() {
     refreshing_ = true;
     for (std::size_t n = 0; n < panes_.size(); ++n) {
-        const Pane& pane = session_.pane(n);
-        panes_[n].picture->setCurrentText(QString::fromStdString(pane.picture));
-        panes_[n].against->setCurrentIndex(static_cast<int>(pane.against));
-        for (QAction* const action : panes_[n].actions) action->setVisible(n == 0 || session_.layout() != Layout::kSingle);
+        const Sight& sight = session_.sight(n);
+        panes_[n].picture->setCurrentText(QString::fromStdString(sight.picture));
+        panes_[n].against->setCurrentIndex(static_cast<int>(sight.against));
+        for (QAction* const action : panes_[n].actions)
+            action->setVisible(n == 0 || session_.layout() != Layout::kSingle);
     }
-    gain_->setValue(static_cast<double>(session_.pane(0).view.gain));
-    gamma_->setValue(static_cast<double>(session_.pane(0).view.gamma));
+    gain_->setValue(static_cast<double>(session_.sight(0).view.gain));
+    gamma_->setValue(static_cast<double>(session_.sight(0).view.gamma));
     difference_->setValue(static_cast<double>(session_.difference_gain()));
     const QList<QAction*> all = actions();
     const bool differs = session_.layout() == Layout::kDifference;

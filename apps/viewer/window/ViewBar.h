@@ -32,7 +32,8 @@ class ViewBar final : public QToolBar {
     };
 
     void add_pane(std::size_t n);
-    QDoubleSpinBox* add_number(const QString& caption, const QString& name, double low, double high, double value);
+    QDoubleSpinBox* add_number(const QString& caption, const QString& name, double low, double high,
+                               double value);
     void change_view();
 
     Session& session_;

@@ -102,8 +102,8 @@ class SessionRig : public Files {
     // Until nothing works and the whole picture of the latest request is there.
     bool settle(Session& session) {
         return desk_.until([&] {
-            return !session.working() && session.current_frame() &&
-                   (shown_.whole || !shown_.error.empty()) && shown_.number == session.latest_request();
+            return !session.working() && session.current_frame() && (shown_.whole || !shown_.error.empty()) &&
+                   shown_.number == session.latest_request();
         });
     }
     void open(Session& session, int frames) {

@@ -50,7 +50,8 @@ TEST_F(SessionRig, ShowsWhatTheCommandLineKeys) {
     session.go_to(2);
     ASSERT_TRUE(settle(session)) << shown_.error;
     std::string fault;
-    session.save(file("shot.veloxa"), [&](const std::string& error) { fault = error.empty() ? "none" : error; });
+    session.save(file("shot.veloxa"),
+                 [&](const std::string& error) { fault = error.empty() ? "none" : error; });
     ASSERT_TRUE(desk_.until([&] { return !fault.empty(); }));
     ASSERT_EQ(fault, "none");
     EXPECT_FALSE(session.modified());
@@ -76,11 +77,14 @@ TEST(Project, HoldsAnyName) {
     Node node;
     State state;
     state.settings = Settings(node.panel());
-    state.files.inputs = {"/a b/%41\"{}#\n.%04d.exr#layer=x", "/c/d.exr", "", "", "/e/f.exr#channel=R,invert"};
+    state.files.inputs = {"/a b/%41\"{}#\n.%04d.exr#layer=x", "/c/d.exr", "", "",
+                          "/e/f.exr#channel=R,invert"};
     state.files.frames = "1-9x2";
     state.files.colour.in_space = "ACEScg";
-    EXPECT_TRUE(project_files(project_text(state, node.panel(), "/g/h.veloxa"), "/g/h.veloxa") == state.files);
-    EXPECT_THAT(told_by([] { project_files("Shot {\n fg \"/a\"\n frame 3\n}\n", "x"); }), HasSubstr("x:3: 'frame'"));
+    EXPECT_TRUE(project_files(project_text(state, node.panel(), "/g/h.veloxa"), "/g/h.veloxa") ==
+                state.files);
+    EXPECT_THAT(told_by([] { project_files("Shot {\n fg \"/a\"\n frame 3\n}\n", "x"); }),
+                HasSubstr("x:3: 'frame'"));
 }
 
 // Edits that a user can make, by number.
@@ -92,14 +96,17 @@ void act(Session& session, std::mt19937& random) {
         case 0:
             return session.reset(knob);
         case 1:
-            if (knob.kind() == Knob::Kind::kScriptButton || (knob.kind() == Knob::Kind::kButton && !knob.flag(kKnobLooks)))
+            if (knob.kind() == Knob::Kind::kScriptButton ||
+                (knob.kind() == Knob::Kind::kButton && !knob.flag(kKnobLooks)))
                 session.press(knob);
             return;
         case 2:
             return static_cast<void>(any(2) == 0 ? session.undo() : session.redo());
         case 3: {
             DrawnMattes mattes = session.mattes();
-            mattes.push_back({any(2) == 0 ? DrawnMatte::Kind::kGarbage : DrawnMatte::Kind::kHoldout, any(2) == 0, 3.5,
+            mattes.push_back({any(2) == 0 ? DrawnMatte::Kind::kGarbage : DrawnMatte::Kind::kHoldout,
+                              any(2) == 0,
+                              3.5,
                               {{{0.1, 0}, {static_cast<double>(any(160)), 5}, {20, 90}}}});
             return session.set_mattes(mattes, "draw");
         }
@@ -146,7 +153,8 @@ TEST_F(SessionRig, StrokesAndTheirUndoAreThoseOfTheCommandLine) {
     make_plates(1);
     Session session(place());
     open(session, 1);
-    const std::vector<std::vector<Box>> paths{{{4, 70, 12, 80}, {20, 70, 26, 78}}, {{75, 30, 82, 36}}, {{6, 40, 14, 50}}};
+    const std::vector<std::vector<Box>> paths{
+        {{4, 70, 12, 80}, {20, 70, 26, 78}}, {{75, 30, 82, 36}}, {{6, 40, 14, 50}}};
     const char* const tools[] = {"addoverlay", "addmatte", "removenoise"};
     const auto stroke = [&](std::size_t n) {
         session.use_tool(session.panel().find(std::string("toolbar_") + tools[n]));
