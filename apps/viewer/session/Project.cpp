@@ -5,6 +5,7 @@
 #include <map>
 
 #include "ZoImage/Script.h"
+#include "session/Sequence.h"
 #include "shot/Errors.h"
 #include "shot/files/AtomicFile.h"
 #include "shot/setup/ShotModel.h"
@@ -75,17 +76,11 @@ std::string relative_name(const std::string& name, const fs::path& folder) {
     return relative.empty() ? whole.string() : relative.string();
 }
 
-// Whether anything lies there: a pattern is looked for by its folder.
-bool is_there(const fs::path& path) {
-    std::error_code error;
-    return fs::exists(path, error) || fs::exists(path.parent_path(), error);
-}
-
 std::string found_name(const std::string& name, const fs::path& folder, const std::string& earlier) {
     if (!is_file_name(name) || fs::path(name).is_absolute()) return name;
-    const fs::path here = (folder / name).lexically_normal();
-    const fs::path there = (fs::path(earlier) / name).lexically_normal();
-    return (earlier.empty() || is_there(here) || !is_there(there) ? here : there).string();
+    const std::string here = (folder / name).lexically_normal().string();
+    const std::string there = (fs::path(earlier) / name).lexically_normal().string();
+    return earlier.empty() || is_there(here) || !is_there(there) ? here : there;
 }
 
 }  // namespace

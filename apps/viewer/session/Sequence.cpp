@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <vector>
 
+#include "shot/frames/PictureName.h"
+
 namespace veloxa::viewer {
 
 namespace fs = std::filesystem;
@@ -65,6 +67,14 @@ FoundSequence find_sequence(const std::string& file) {
     found.frames = std::to_string(numbers.front()) + "-" + std::to_string(numbers.back());
     if (even && step > 1) found.frames += "x" + std::to_string(step);
     return found;
+}
+
+bool is_there(const std::string& name) {
+    const PictureName picture(name);
+    std::error_code error;
+    if (!picture.has_frame()) return fs::exists(picture.name(), error);
+    const fs::path file(picture.at(0));
+    return !numbers_beside(file, split(file.filename().string())).empty();
 }
 
 }  // namespace veloxa::viewer

@@ -14,4 +14,7 @@ struct FoundSequence {
 // by the step that most of them have. A file alone of its kind is a still. Reads the folder; never throws.
 FoundSequence find_sequence(const std::string& file);
 
+// Whether there is any frame of a name with a frame's number in it; of a still, whether it is there.
+bool is_there(const std::string& name);
+
 }  // namespace veloxa::viewer

@@ -108,9 +108,9 @@ class SessionRig : public Files {
     }
     void open(Session& session, int frames) {
         listen(session);
-        Pane pane = session.pane(0);
-        pane.geometry = Geometry{120, 80, 0.75, 1.0, {80.0, 48.0}};
-        session.set_pane(0, pane);
+        Sight sight = session.sight(0);
+        sight.geometry = Geometry{120, 80, 0.75, 1.0, {80.0, 48.0}};
+        session.set_sight(0, sight);
         session.open(shot(frames));
         ASSERT_TRUE(settle(session));
     }

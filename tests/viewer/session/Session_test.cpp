@@ -25,9 +25,8 @@ std::vector<float> samples(const veloxa::Image& image) {
 }
 
 // What the command line keys of a frame with a script.
-veloxa::Image keyed(const SetupOptions& options, int frame, const DrawnMattes& mattes = {}) {
+veloxa::Image keyed(const SetupOptions& options, int frame) {
     KeySetup setup(options, {});
-    setup.loader().draw(mattes);
     setup.prepare();
     setup.inputs().set(setup.loader().load(frame));
     Iop& node = setup.node().image();
@@ -133,11 +132,12 @@ TEST_F(SessionRig, UndoAndRedoGiveBackTheSameScripts) {
     const std::string first = scripts.front();
     std::vector<std::string> after;
     for (int n = 0; n < 200; ++n) act(session, random);
-    ASSERT_GT(session.history().undo_name(), "");
+    while (session.redo()) {
+    }
     after.push_back(session.script(file("s")));
     while (session.undo()) after.push_back(session.script(file("s")));
     EXPECT_EQ(after.back(), first);
-    EXPECT_GT(after.size(), 60U);
+    EXPECT_GT(after.size(), 40U);
     std::vector<std::string> forth{session.script(file("s"))};
     while (session.redo()) forth.push_back(session.script(file("s")));
     EXPECT_TRUE(std::ranges::equal(forth, std::vector(after.rbegin(), after.rend())));
@@ -233,9 +233,9 @@ TEST_F(SessionRig, AnOvertakenRenderIsAborted) {
     make_plates(1, 1500, 900);
     Session session(place());
     open(session, 1);
-    Pane pane = session.pane(0);
-    pane.picture = kResult;
-    session.set_pane(0, pane);
+    Sight sight = session.sight(0);
+    sight.picture = kResult;
+    session.set_sight(0, sight);
     const auto aborted = [&] { return session.view_stats().aborted; };
     // The method that takes whole frames is slow enough to be overtaken anywhere.
     session.set(session.panel().get("unmix_method"), 1.0);
