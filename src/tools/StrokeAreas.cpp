@@ -59,7 +59,8 @@ StrokeAreas::StrokeAreas(const std::vector<Box>& areas) {
 
 std::int64_t StrokeAreas::pixels() const {
     std::int64_t pixels = 0;
-    for (const Box& part : parts_) pixels += (std::int64_t{part.r} - part.x) * (std::int64_t{part.t} - part.y);
+    for (const Box& part : parts_)
+        pixels += (std::int64_t{part.r} - part.x) * (std::int64_t{part.t} - part.y);
     return pixels;
 }
 

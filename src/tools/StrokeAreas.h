@@ -34,9 +34,7 @@ class StrokeGrid {
     // The first of its columns and rows from there on.
     int column_from(int x) const { return from(x, corner_.x, step_x_); }
     int row_from(int y) const { return from(y, corner_.y, step_y_); }
-    int columns(const Zo::Image::Box& part) const {
-        return count(column_from(part.x), part.r, step_x_);
-    }
+    int columns(const Zo::Image::Box& part) const { return count(column_from(part.x), part.r, step_x_); }
     int rows(const Zo::Image::Box& part) const { return count(row_from(part.y), part.t, step_y_); }
 
   private:

@@ -13,9 +13,9 @@ TEST(StrokeAreas, HoldEachPixelOnce) {
         {},
         {{5, 5, 5, 9}},
         {{1, 2, 6, 5}},
-        {{1, 2, 6, 5}, {6, 2, 9, 5}, {1, 5, 9, 7}},              // one box
-        {{0, 0, 9, 9}, {2, 3, 4, 5}, {12, 3, 14, 5}},            // one within, one apart
-        {{4, 0, 6, 10}, {0, 4, 10, 6}, {20, 15, 25, 20}},        // a cross
+        {{1, 2, 6, 5}, {6, 2, 9, 5}, {1, 5, 9, 7}},                // one box
+        {{0, 0, 9, 9}, {2, 3, 4, 5}, {12, 3, 14, 5}},              // one within, one apart
+        {{4, 0, 6, 10}, {0, 4, 10, 6}, {20, 15, 25, 20}},          // a cross
         {{1, 1, 4, 4}, {2, 2, 5, 5}, {3, 3, 6, 6}, {9, 2, 3, 4}},  // a path; one is empty
         {{0, 0, 3, 2}, {8, 0, 9, 2}, {0, 6, 3, 8}, {8, 6, 9, 8}},
     };
@@ -93,9 +93,9 @@ TEST(ToolMemory, TakesStrokesBack) {
     const struct {
         const char* tool;
         Box first, tried, then;
-    } cases[] = {{"addoverlay", kNoise, kWarm, kShade},    {"addmatte", kGrey, kLeaf, kCloth},
-                 {"removenoise", kNoise, kShade, kNoise},  {"restorespill", kLeaf, kGrey, kWarm},
-                 {"matchcolor", kWarm, kLeaf, kGrey},      {"unmixsolid", kWarm, kLeaf, kGrey},
+    } cases[] = {{"addoverlay", kNoise, kWarm, kShade},      {"addmatte", kGrey, kLeaf, kCloth},
+                 {"removenoise", kNoise, kShade, kNoise},    {"restorespill", kLeaf, kGrey, kWarm},
+                 {"matchcolor", kWarm, kLeaf, kGrey},        {"unmixsolid", kWarm, kLeaf, kGrey},
                  {"removeoverlay", kShade, kBacking, kNoise}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.tool);
