@@ -182,7 +182,7 @@ int key(const Options& options) {
     if (!options.save_script.empty()) {
         const bool measured = has_shot(node);
         if (measured) AtomicFile::check(beside, plan.write.overwrite);
-        node.save_script(options.save_script, plan.write.overwrite);
+        setup.save_script(options.save_script, plan.write.overwrite);
         if (measured) save_shot(node, beside, plan.write.overwrite);
     }
 

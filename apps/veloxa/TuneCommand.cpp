@@ -140,7 +140,7 @@ int tune(const Options& options) {
     if (setup.loader().has_stream()) refuse_terminal(STDIN_FILENO, "standard input");
     const KnobValues before(setup.node().panel());
     setup.prepare();
-    if (!options.output.empty()) setup.node().save_script(options.output, options.overwrite);
+    if (!options.output.empty()) setup.save_script(options.output, options.overwrite);
 
     const TuneReport report{setup.strokes(), before.changes()};
     print(options.json ? json_of(report) : table_of(report));

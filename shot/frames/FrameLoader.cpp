@@ -150,6 +150,14 @@ std::shared_ptr<const Image> FrameLoader::foreground(int frame) {
     return ahead_.image;
 }
 
+std::array<bool, kInputCount> FrameLoader::used() const {
+    std::array<bool, kInputCount> used{};
+    for (std::size_t n = 0; n < kInputCount; ++n) used[n] = !names_[n].empty();
+    used[kGm] = used[kGm] || drawn_.any(DrawnMatte::Kind::kGarbage);
+    used[kHm] = used[kHm] || drawn_.any(DrawnMatte::Kind::kHoldout);
+    return used;
+}
+
 FrameInputs FrameLoader::load(int frame) {
     reach(frame);
     FrameInputs inputs;
@@ -179,6 +187,8 @@ FrameInputs FrameLoader::load(int frame) {
         if (!fitted_stills_[n].image) fitted_stills_[n] = fitted_to(stills_[n], format, file);
         inputs[n] = fitted_stills_[n];
     }
+    inputs[kGm] = drawn_.over(DrawnMatte::Kind::kGarbage, inputs[kGm], format);
+    inputs[kHm] = drawn_.over(DrawnMatte::Kind::kHoldout, inputs[kHm], format);
     return inputs;
 }
 

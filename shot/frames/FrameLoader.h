@@ -7,6 +7,7 @@
 #include "ZoImage/Hash.h"
 #include "shot/Caller.h"
 #include "shot/colour/ShotColour.h"
+#include "shot/frames/DrawnInputs.h"
 #include "shot/frames/LoadedInput.h"
 #include "shot/frames/PictureName.h"
 #include "shot/frames/StreamInput.h"
@@ -39,6 +40,12 @@ class FrameLoader {
 
     // Has foregrounds carry what else their files hold; see Image::kept.
     void keep_layers() { keep_layers_ = true; }
+    // Frames that are loaded from now on have these mattes on the inputs of their kind, over what a file has
+    // there and whether there is one or not.
+    void draw(DrawnMattes mattes) { drawn_.set(std::move(mattes)); }
+    const DrawnMattes& drawn() const { return drawn_.mattes(); }
+    // The inputs that frames have an image for.
+    std::array<bool, kInputCount> used() const;
     // Looks whether the inputs' files of a frame hold what is chosen of them, so that a mistake there is told
     // once. Throws Error.
     void check_choices(int frame) const;
@@ -77,6 +84,7 @@ class FrameLoader {
     FrameRange frames_;
     Caller caller_;
     ShotColour colour_;
+    DrawnInputs drawn_;
     std::size_t streamed_ = kInputCount;  // the input that is the stream
     std::unique_ptr<StreamInput> stream_;
     LoadedInput ahead_;  // a foreground that was read before its turn, and its frame

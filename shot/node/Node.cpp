@@ -13,7 +13,6 @@
 #include "ZoImage/PluginLoader.h"
 #include "ZoImage/Script.h"
 #include "shot/Errors.h"
-#include "shot/files/AtomicFile.h"
 
 namespace veloxa {
 
@@ -26,11 +25,11 @@ constexpr const char* kClassName = "Veloxa";
 // Where each knob got its value, as messages say it: all but the value.
 using Origins = std::vector<std::pair<Knob*, std::string>>;
 
-Origins apply_script_file(KnobPanel& panel, const std::string& path) {
+Origins apply_script_text(KnobPanel& panel, const std::string& text, const std::string& path) {
     Origins origins;
     const ScriptGroup* ours = nullptr;
     try {
-        const std::vector<ScriptGroup> groups = read_script(read_text(path), path);
+        const std::vector<ScriptGroup> groups = read_script(text, path);
         for (const ScriptGroup& group : groups) {
             if (group.class_name != kClassName) continue;
             if (ours) throw ScriptError(path, group.line, "a second Veloxa group; one node is keyed");
@@ -101,7 +100,10 @@ Node::Node(const AbortFlag* abort)
 
 void Node::apply(const KnobSettings& settings, const Caller& caller) {
     Origins origins;
-    if (!settings.script.empty()) origins = apply_script_file(*panel_, settings.script);
+    if (!settings.script.empty()) {
+        applied_text_ = read_text(settings.script);
+        origins = apply_script_text(*panel_, applied_text_, settings.script);
+    }
     for (const std::string& setting : settings.sets) origins.push_back(apply_set(*panel_, setting));
     for (auto origin = origins.begin(); origin != origins.end(); ++origin) {
         Knob& knob = *origin->first;
@@ -122,10 +124,6 @@ std::vector<ToolReport> Node::use_tool(Knob& button) const {
 
 std::string Node::script() const {
     return write_script(*panel_);
-}
-
-void Node::save_script(const std::string& path, bool overwrite) const {
-    write_text(path, script(), overwrite);
 }
 
 Iop& Node::member(const std::string& name) const {

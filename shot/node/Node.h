@@ -34,12 +34,12 @@ class Node {
     void apply(const KnobSettings& settings, const Caller& caller);
     // The knobs that the settings applied so far name, whatever the value; a link names its target.
     const std::set<Zo::Image::Knob*>& named() const { return named_; }
+    // The text of the script that was applied last; empty for none.
+    const std::string& applied_text() const { return applied_text_; }
     // Presses a button that starts a tool, and tells what the tool did. Throws Interrupted.
     std::vector<Zo::Image::ToolReport> use_tool(Zo::Image::Knob& button) const;
     // The knobs that differ from their defaults, as a script.
     std::string script() const;
-    // Writes that.
-    void save_script(const std::string& path, bool overwrite) const;
 
     // The internal operator of this name. Throws UsageError with the nearest name, or those that there are.
     Zo::Image::Iop& member(const std::string& name) const;
@@ -51,6 +51,7 @@ class Node {
     Zo::Image::Iop* image_;
     std::unique_ptr<Zo::Image::KnobPanel> panel_;
     std::set<Zo::Image::Knob*> named_;
+    std::string applied_text_;
 };
 
 }  // namespace veloxa

@@ -85,7 +85,7 @@ KeyPipeline::KeyPipeline(KeyPlan plan, FrameLoader& loader, Node& node, Iop& roo
       node_(node),
       root_(root),
       own_mode_(node.panel().get(kModeKnob).text()),
-      settings_(node.script()),
+      settings_(node.script() + mattes_script(loader.drawn())),
       passes_(!has_screen_color(node.panel(), {})),
       mattes_alone_(std::ranges::all_of(plan_.outputs, is_matte)),
       inputs_(inputs),

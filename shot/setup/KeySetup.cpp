@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "shot/Errors.h"
+#include "shot/files/AtomicFile.h"
 #include "shot/setup/ScreenChoice.h"
 #include "shot/setup/ShotModel.h"
 
@@ -37,9 +38,7 @@ KeySetup::KeySetup(const SetupOptions& options, const Caller& caller)
       loader_(names_, fit_named(options.fit).value_or(Fit::kRefuse), options.colour, caller, frames_),
       node_(caller.abort) {
     node_.apply(options.settings, caller);
-    std::array<bool, kInputCount> used{};
-    std::ranges::transform(names_, used.begin(), [](const PictureName& name) { return !name.empty(); });
-    inputs_.connect(node_.image(), used);
+    take_mattes();
     if (!options.screen.pick.empty()) parse_box("--pick", options.screen.pick);
     for (const std::string& text : options.strokes) {
         strokes_.push_back(parse_stroke(node_.panel(), text));
@@ -51,6 +50,26 @@ KeySetup::KeySetup(const SetupOptions& options, const Caller& caller)
                              ": standard input is read once, so strokes are of its first frame");
         }
     }
+}
+
+void KeySetup::take_mattes() {
+    const std::string& script = options_.settings.script;
+    DrawnMattes mattes = read_mattes(node_.applied_text(), script);
+    if (!mattes.empty()) {
+        const std::string count = std::to_string(mattes.size());
+        caller_.tell(script + ": " + count + (mattes.size() == 1 ? " drawn matte" : " drawn mattes"));
+    }
+    draw(std::move(mattes));
+}
+
+void KeySetup::draw(DrawnMattes mattes) {
+    loader_.draw(std::move(mattes));
+    show_nothing();
+    inputs_.connect(node_.image(), loader_.used());
+}
+
+void KeySetup::save_script(const std::string& path, bool overwrite) const {
+    write_text(path, node_.script() + mattes_script(loader_.drawn()), overwrite);
 }
 
 std::pair<std::shared_ptr<const Image>, int> KeySetup::first_foreground() {

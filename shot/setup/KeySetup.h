@@ -31,7 +31,8 @@ struct SetupOptions {
 
 class KeySetup {
   public:
-    // Sets the knobs and connects the inputs; reads no image. Throws UsageError, and Error for a script.
+    // Sets the knobs, draws the script's mattes, connects the inputs; reads no image. Throws UsageError, and
+    // Error for a script.
     KeySetup(const SetupOptions& options, const Caller& caller);
 
     Node& node() { return node_; }
@@ -51,10 +52,17 @@ class KeySetup {
     // Gives the node the shot that the file holds. Throws Error where it does not fit the file or the node.
     void use_shot(const std::string& path);
 
+    // Frames that are shown or loaded from now on have these mattes instead. Not while rendering.
+    void draw(DrawnMattes mattes);
+    // Writes the knobs that differ from their defaults, and the drawn mattes, as a script.
+    void save_script(const std::string& path, bool overwrite) const;
+
     // What the automatic steps and the strokes did, in their order.
     const std::vector<Zo::Image::ToolReport>& strokes() const { return reports_; }
 
   private:
+    // Draws what the script has, and tells of it.
+    void take_mattes();
     // The foreground of the first frame that can be read, and its number: a broken one is reported when its
     // turn comes.
     std::pair<std::shared_ptr<const Image>, int> first_foreground();

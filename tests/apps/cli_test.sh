@@ -103,6 +103,19 @@ expect 0 "" compare out/stroked.0004.exr out/tuned.0004.exr --max-diff 0
 expect 0 "no knob changed" tune "${shot[@]}" "${strokes[@]}" --script out/tuned.script
 expect 0 '"name": "screen_color"' tune "${shot[@]}" "${strokes[@]}" --json
 
+# Mattes drawn in a script count, in what is keyed and in what is saved.
+drawn='Matte {|kind garbage|feather 4|points {-9 -9 40 -9 40 90 -9 90}|}|'
+{ cat out/tuned.script && lines <(echo "$drawn"); } >out/drawn.script
+expect 0 "" tune "${shot[@]}" --script out/drawn.script -o out/kept.script
+grep -q "out/drawn.script: 1 drawn matte$" err.txt || fail "the drawn matte is not told of: $(cat err.txt)"
+for script in drawn kept; do
+    expect 0 "" key "${shot[@]}" --script out/$script.script -o out/$script.%04d.exr
+done
+expect 1 "" compare out/tuned.0003.exr out/drawn.0003.exr --max-diff 0.1
+expect 0 "" compare out/kept.0003.exr out/drawn.0003.exr --max-diff 0
+sed -i 's/garbage/soft/' out/drawn.script
+expect 1 ": kind is garbage or holdout; got soft" key "${shot[@]}" --script out/drawn.script -o out/soft.%04d.exr
+
 # A shot that is measured: by key or by analyse, and a frame alone is what it is among the others.
 unmix=(--fg shot/fg.%04d.exr --frames 1-5 --set unmix_method=unmix "${pick[@]}")
 expect 0 "the shot is measured on 5 frames of 1-5" key "${unmix[@]}" -o out/u.%04d.exr --save-script out/u.script
