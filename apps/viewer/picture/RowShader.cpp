@@ -24,7 +24,7 @@ bool odd_square(int place) {
     return (place / kCheckerSide) % 2 != 0;
 }
 
-std::uint32_t colour_of_mark(std::uint8_t marks) {
+std::uint32_t colour_of_mark(std::uint32_t marks) {
     if (marks & kIsNan) return kFalseNan;
     if (marks & kIsInfinite) return kFalseInfinite;
     return marks & kIsAbove ? kFalseAbove : kFalseBelow;
@@ -73,6 +73,11 @@ RowShader::RowShader(const ShownPicture& picture, const View& view, const Displa
       width_(static_cast<std::size_t>(geometry.width)) {
     if (view.behind == Behind::kPicture && view.behind_picture) {
         behind_.emplace(ShownPicture{view.behind_picture, 1.0, {}}, geometry);
+    }
+    for (std::size_t n = 0; n < checkers_.size() && view.behind == Behind::kChecker; ++n) {
+        for (int x = 0; x < geometry.width; ++x) {
+            checkers_[n].push_back(kCheckerGreys[odd_square(x) ? 1 - n : n]);
+        }
     }
 }
 
@@ -138,9 +143,7 @@ void RowShader::put_behind(int row, const float* alpha, Planes& planes, Scratch&
         } else if (view_.behind == Behind::kColour) {
             std::fill_n(plane, width_, view_.behind_colour[c]);
         } else {
-            for (std::size_t x = 0; x < width_; ++x) {
-                plane[x] = kCheckerGreys[odd_square(row) != odd_square(static_cast<int>(x)) ? 1 : 0];
-            }
+            behind = checkers_[odd_square(row) ? 1 : 0].data();
         }
         for (std::size_t x = 0; x < width_; ++x) plane[x] = planes[c][x] + (1.0f - alpha[x]) * behind[x];
         planes[c] = plane;
@@ -194,13 +197,15 @@ void RowShader::grey(int row, Scratch& scratch, std::uint32_t* out) const {
 }
 
 void RowShader::overlay(const float* alpha, std::uint32_t* out) const {
-    const auto& tint = view_.overlay_colour;
+    std::array<float, 4> tint{};
+    for (std::size_t c = 0; c < tint.size(); ++c) tint[c] = std::clamp(view_.overlay_colour[c], 0.0f, 1.0f);
     for (std::size_t x = 0; x < width_; ++x) {
         const float solid = alpha[x] > 0.0f ? std::min(alpha[x], 1.0f) : 0.0f;  // NaN is as 0
-        const float share = solid * std::clamp(tint[3], 0.0f, 1.0f);
+        const float share = solid * tint[3];
         const auto mixed = [&](std::size_t c, unsigned shift) {
-            const float level = static_cast<float>(out[x] >> shift & 0xffU) / 255.0f;
-            return static_cast<std::uint32_t>(level_of(level + (tint[c] - level) * share));
+            const auto level = static_cast<float>(static_cast<std::int32_t>(out[x] >> shift & 0xffU));
+            const float to = level + (tint[c] * 255.0f - level) * share + 0.5f;
+            return static_cast<std::uint32_t>(static_cast<std::int32_t>(to));
         };
         out[x] = pixel(mixed(0, 16U), mixed(1, 8U), mixed(2, 0U));
     }

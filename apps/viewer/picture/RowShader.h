@@ -20,7 +20,7 @@ class RowShader {
         Sampler::Scratch sampler;
         std::array<std::vector<float>, 4> planes, behind;
         std::vector<float> rgba;
-        std::vector<std::uint8_t> marks;
+        std::vector<std::uint32_t> marks;
     };
 
     RowShader(const ShownPicture& picture, const View& view, const DisplayTransform& display,
@@ -48,6 +48,7 @@ class RowShader {
     Sampler sampler_;
     std::optional<Sampler> behind_;
     std::vector<LevelTable> tables_;  // red's, green's and blue's, or one for a grey; none without curves
+    std::array<std::vector<float>, 2> checkers_;  // a row of it and the other, where it lies behind
     std::size_t width_;
 };
 

@@ -75,6 +75,24 @@ SampledAxis sampled(const AxisOf& axis, const Place& place) {
     return to;
 }
 
+// Of each column the sum of so many rows. Read but once and written but once where it matters: pictures are
+// larger than the processor's caches.
+void add_rows(const float* top, std::size_t stride, int rows, std::size_t columns, float* sums) {
+    const float* const second = top + stride;
+    const float* const third = second + stride;
+    if (rows == 1) {
+        std::copy_n(top, columns, sums);
+    } else if (rows == 2) {
+        for (std::size_t x = 0; x < columns; ++x) sums[x] = top[x] + second[x];
+    } else {
+        for (std::size_t x = 0; x < columns; ++x) sums[x] = top[x] + second[x] + third[x];
+    }
+    for (int n = 3; n < rows; ++n) {
+        const float* const other = top + static_cast<std::size_t>(n) * stride;
+        for (std::size_t x = 0; x < columns; ++x) sums[x] += other[x];
+    }
+}
+
 }  // namespace
 
 Sampler::Sampler(const ShownPicture& picture, const Geometry& geometry) : image_(*picture.image) {
@@ -147,16 +165,12 @@ void Sampler::average(Channel c, int row, Scratch& scratch, float* out) const {
     const int* const first = columns_.first.data();
     const int* const count = columns_.count.data();
     const int from = first[begin];
-    const auto columns = static_cast<std::size_t>(first[end - 1] + count[end - 1] - from);
+    const int width = first[end - 1] + count[end - 1] - from;
+    const auto columns = static_cast<std::size_t>(width);
     const int rows = rows_.count[static_cast<std::size_t>(row)];
     scratch.sums.resize(columns + 1);  // one more, for threes that are read where two are meant
     float* const sums = scratch.sums.data();
-    const float* const top = line(c, row) + from;
-    std::copy_n(top, columns, sums);
-    for (int n = 1; n < rows; ++n) {
-        const float* const other = top + static_cast<std::size_t>(n) * image_.width();
-        for (std::size_t x = 0; x < columns; ++x) sums[x] += other[x];
-    }
+    add_rows(line(c, row) + from, image_.width(), rows, columns, sums);
     if (fewest_ >= 2 && most_ <= 3) {
         for (int x = begin; x < end; ++x) {
             const float* const v = sums + (first[x] - from);
@@ -174,17 +188,23 @@ void Sampler::average(Channel c, int row, Scratch& scratch, float* out) const {
     for (int x = begin; x < end; ++x) out[x] /= counts_[static_cast<std::size_t>(x)] * each;
 }
 
-void Sampler::mark(Channel c, int row, Scratch& scratch, std::uint8_t* marks) const {
+void Sampler::mark(Channel c, int row, Scratch& scratch, std::uint32_t* marks) const {
     const auto [begin, end] = std::pair(columns_.begin, columns_.end);
     if (!has(c) || rows_.count[static_cast<std::size_t>(row)] == 0 || begin == end) return;
     const int* const first = columns_.first.data();
     const int from = first[begin];
     const int* const count = columns_.count.data();
-    const auto columns = static_cast<std::size_t>(first[end - 1] + count[end - 1] - from);
+    const int width = first[end - 1] + count[end - 1] - from;
+    const auto columns = static_cast<std::size_t>(width);
     scratch.marks.assign(columns, kNoMark);
     for (int n = 0; n < rows_.count[static_cast<std::size_t>(row)]; ++n) {
         const float* const v = line(c, row) + static_cast<std::size_t>(n) * image_.width() + from;
         for (std::size_t x = 0; x < columns; ++x) scratch.marks[x] |= mark_of(v[x]);
+    }
+    if (straight_) {
+        for (std::size_t x = 0; x < columns; ++x)
+            marks[static_cast<std::size_t>(begin) + x] |= scratch.marks[x];
+        return;
     }
     for (int x = begin; x < end; ++x) {
         for (int n = 0; n < count[x]; ++n) {

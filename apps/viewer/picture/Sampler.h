@@ -1,8 +1,10 @@
 // Which pixels of a picture are under those of the area, and what they come to.
 #pragma once
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "picture/Geometry.h"
@@ -10,13 +12,12 @@
 
 namespace veloxa::viewer {
 
-// What false colours tell of a sample, or of several together.
-enum Mark : std::uint8_t { kNoMark = 0, kIsBelow = 1, kIsAbove = 2, kIsInfinite = 4, kIsNan = 8 };
+// What false colours tell of a sample, or of several together; what is infinite is above or below, too.
+enum Mark : std::uint32_t { kNoMark = 0, kIsBelow = 1, kIsAbove = 2, kIsInfinite = 4, kIsNan = 8 };
 
-inline std::uint8_t mark_of(float v) {
-    if (v >= 0.0f && v <= 1.0f) return kNoMark;
-    if (v - v == 0.0f) return v < 0.0f ? kIsBelow : kIsAbove;
-    return v != v ? kIsNan : kIsInfinite;
+inline std::uint32_t mark_of(float v) {
+    return (v < 0.0f ? kIsBelow : 0U) | (v > 1.0f ? kIsAbove : 0U) |
+           (std::abs(v) > std::numeric_limits<float>::max() ? kIsInfinite : 0U) | (v != v ? kIsNan : 0U);
 }
 
 // One direction of the area, pixel by pixel.
@@ -33,7 +34,7 @@ class Sampler {
   public:
     struct Scratch {
         std::vector<float> sums;
-        std::vector<std::uint8_t> marks;
+        std::vector<std::uint32_t> marks;
     };
 
     // The picture's image stays alive.
@@ -49,7 +50,7 @@ class Sampler {
     // image's pixels it is 0; a channel that is absent is `absent` throughout.
     const float* read(Zo::Image::Channel c, int row, float absent, Scratch& scratch, float* out) const;
     // Adds the marks of that row's samples, each one under a pixel of the area.
-    void mark(Zo::Image::Channel c, int row, Scratch& scratch, std::uint8_t* marks) const;
+    void mark(Zo::Image::Channel c, int row, Scratch& scratch, std::uint32_t* marks) const;
 
   private:
     const float* line(Zo::Image::Channel c, int row) const;

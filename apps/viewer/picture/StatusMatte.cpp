@@ -121,8 +121,8 @@ std::uint32_t status_colour(float alpha) {
     const float share = 2.0f * (alpha - kHalf * static_cast<float>(part));
     std::uint32_t colour = 0xffU;
     for (std::size_t c = 0; c < 3; ++c) {
-        const float level = kStops[part][c] + (kStops[part + 1][c] - kStops[part][c]) * share;
-        colour = colour << 8U | static_cast<std::uint32_t>(level + 0.5f);
+        const float level = kStops[part][c] + (kStops[part + 1][c] - kStops[part][c]) * share + 0.5f;
+        colour = colour << 8U | static_cast<std::uint32_t>(level);
     }
     return colour;
 }

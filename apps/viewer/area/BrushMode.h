@@ -1,0 +1,49 @@
+// A square brush that marks areas of the picture along the pointer's path.
+//
+// A dab is a square of `size` pixels around the one under the pointer. Dabs follow each other at half a
+// brush's distance; what lies outside of the frame is cut off, and an area that is there already is left out.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "ZoImage/Box.h"
+#include "area/Marks.h"
+#include "area/PointerMode.h"
+
+namespace veloxa::viewer {
+
+inline constexpr int kLeastBrush = 1;
+inline constexpr int kMostBrush = 999;
+
+class BrushMode final : public PointerMode {
+  public:
+    using PointerMode::PointerMode;
+
+    int size() const { return size_; }
+    void set_size(int size);
+
+    QString help() const override;
+    void press(const PointerAt& at) override;
+    void move(const PointerAt& at) override;
+    void release(const PointerAt& at) override;
+    void leave() override;
+    void act(const PointerAt& at) override;
+    bool key(const QKeyEvent& event) override;
+    bool wheel(double notches, Qt::KeyboardModifiers modifiers) override;
+    bool cancel() override;
+    void paint(QPainter& painter, const Geometry& geometry, double ratio) const override;
+
+  private:
+    Zo::Image::Box square(Point picture) const;
+    void dab(Point picture);
+    void change_size(int steps);
+
+    int size_ = 15;
+    bool drawing_ = false;
+    std::vector<Zo::Image::Box> areas_;  // of the stroke
+    Point last_;                         // where its last dab was set
+    std::optional<Point> hover_;
+};
+
+}  // namespace veloxa::viewer
