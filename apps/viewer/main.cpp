@@ -1,7 +1,6 @@
 // veloxa-viewer: reads the command line and opens the window.
 #include <QApplication>
-#include <QStandardPaths>
-#include <QTimer>
+#include <QDir>
 #include <iostream>
 
 #include "Commands.h"
@@ -24,12 +23,17 @@ void open(veloxa::viewer::MainWindow& window, const veloxa::ViewOptions& options
     if (!setup.inputs[veloxa::kFg].empty()) window.session().open_as_named(setup);
 }
 
+// As the desktop's base directories have it; Qt 6.4 does not know this one.
+QString state_folder() {
+    const QString named = qEnvironmentVariable("XDG_STATE_HOME");
+    return named.startsWith('/') ? named : QDir::homePath() + QStringLiteral("/.local/state");
+}
+
 int run(QApplication& application, const veloxa::ViewOptions& options) {
     veloxa::viewer::use_dark_theme(application);
     veloxa::viewer::WindowPlace place;
     place.program = QString::fromStdString(veloxa::version_text(false));
-    const QString state = QStandardPaths::writableLocation(QStandardPaths::GenericStateLocation);
-    place.rescue_folder = state + QStringLiteral("/veloxa/rescue");
+    place.rescue_folder = state_folder() + QStringLiteral("/veloxa/rescue");
     veloxa::viewer::MainWindow window(place);
     window.show();
     open(window, options);
