@@ -5,6 +5,7 @@
 #include <QPalette>
 #include <QProxyStyle>
 #include <QStyleOption>
+#include <memory>
 
 namespace veloxa::viewer {
 
@@ -59,7 +60,7 @@ void use_dark_theme(QApplication& application) {
     palette.setColor(QPalette::Disabled, QPalette::PlaceholderText, grey(120));
     palette.setColor(QPalette::Disabled, QPalette::Highlight, grey(70));
     palette.setColor(QPalette::Disabled, QPalette::HighlightedText, grey(190));
-    application.setStyle(new DarkStyle);  // the application takes it
+    application.setStyle(std::make_unique<DarkStyle>().release());  // takes it
     application.setPalette(palette);
 }
 
