@@ -5,7 +5,6 @@
 #include <QPalette>
 #include <QProxyStyle>
 #include <QStyleOption>
-#include <memory>
 
 namespace veloxa::viewer {
 
@@ -60,7 +59,9 @@ void use_dark_theme(QApplication& application) {
     palette.setColor(QPalette::Disabled, QPalette::PlaceholderText, grey(120));
     palette.setColor(QPalette::Disabled, QPalette::Highlight, grey(70));
     palette.setColor(QPalette::Disabled, QPalette::HighlightedText, grey(190));
-    application.setStyle(std::make_unique<DarkStyle>().release());  // takes it
+    auto* const style = new DarkStyle;
+    style->setParent(&application);
+    application.setStyle(style);
     application.setPalette(palette);
 }
 
