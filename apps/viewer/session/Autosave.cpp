@@ -68,7 +68,7 @@ Autosave::~Autosave() {
     ::close(lock_);
 }
 
-void Autosave::keep(std::string text, std::string document) {
+void Autosave::keep(std::function<std::string()> text, std::string document) {
     {
         const std::lock_guard lock(mutex_);
         latest_ = Kept{std::move(text), std::move(document)};
@@ -124,12 +124,12 @@ void Autosave::write(const std::optional<Kept>& kept) {
         if (kept) {
             std::string document = kept->document;
             std::ranges::replace(document, '\n', ' ');
-            write_text(file_ + kText, std::string(kDocument) + document + '\n' + kept->text, true);
+            write_text(file_ + kText, std::string(kDocument) + document + '\n' + kept->text(), true);
         } else {
             std::error_code error;
             fs::remove(file_ + kText, error);
         }
-    } catch (const Error& error) {
+    } catch (const std::exception& error) {
         failure = error.what();
     }
     const std::lock_guard lock(mutex_);

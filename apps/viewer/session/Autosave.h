@@ -5,6 +5,7 @@
 #pragma once
 
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -27,8 +28,9 @@ class Autosave {
     Autosave(const Autosave&) = delete;
     Autosave& operator=(const Autosave&) = delete;
 
-    // Writes it soon, on a thread of its own: what comes within a second is written once. Any thread.
-    void keep(std::string text, std::string document);
+    // Writes soon, on a thread of its own, what `text` gives there: what comes within a second is written
+    // once. Any thread.
+    void keep(std::function<std::string()> text, std::string document);
     // There is nothing to lose now.
     void drop();
     // Writes what waits. Blocks.
@@ -41,7 +43,7 @@ class Autosave {
 
   private:
     struct Kept {
-        std::string text;
+        std::function<std::string()> text;
         std::string document;
     };
 

@@ -13,7 +13,8 @@ using namespace Zo::Image;
 Session::Session(SessionPlace place)
     : place_(std::move(place)),
       node_(std::make_unique<Node>()),
-      settings_(node_->panel()),
+      defaults_(node_->panel()),
+      settings_(defaults_),
       autosave_(place_.rescue_folder.empty() ? nullptr : std::make_unique<Autosave>(place_.rescue_folder)),
       frames_(place_.frame_budget,
               {.changed = [this](int frame) { post([this, frame] { frame_changed(frame); }); },
@@ -22,6 +23,7 @@ Session::Session(SessionPlace place)
             [this](ViewResult result) {
                 auto shared = std::make_shared<ViewResult>(std::move(result));
                 post([this, shared] {
+                    if (shared->number <= former_) return;
                     if (!shared->error.empty()) tell(shared->error);
                     if (events.shown) events.shown(*shared);
                 });
@@ -64,7 +66,13 @@ void Session::commit(const std::string& name) {
 void Session::keep_safe() {
     if (!autosave_) return;
     if (modified()) {
-        autosave_->keep(script(document_.empty() ? place_.rescue_folder + "/-" : document_), document_);
+        const std::string path = document_.empty() ? place_.rescue_folder + "/-" : document_;
+        const auto text = [state = state(), path] {
+            const Node node;
+            state.settings.give(node.panel());
+            return project_text(state, node.panel(), path);
+        };
+        autosave_->keep(text, document_);
     } else {
         autosave_->drop();
     }
@@ -142,14 +150,14 @@ void Session::pick_colour(Knob* knob) {
 }
 
 bool Session::undo() {
-    give_up();
+    give_up_tools();
     if (!history_.undo()) return false;
     restore(history_.now());
     return true;
 }
 
 bool Session::redo() {
-    give_up();
+    give_up_tools();
     if (!history_.redo()) return false;
     restore(history_.now());
     return true;
