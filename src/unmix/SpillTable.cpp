@@ -46,6 +46,8 @@ class Learner {
         const float first = colour[static_cast<std::size_t>(backing_.others[0])];
         const float second = colour[static_cast<std::size_t>(backing_.others[1])];
         const float sum = first + second;
+        // What is broken teaches nothing.
+        if (!std::isfinite(sum + colour[static_cast<std::size_t>(backing_.screen)])) return;
         const float rel =
             (colour[static_cast<std::size_t>(backing_.screen)] - 0.5f * sum) / std::max(sum, 0.02f);
         const float hue = (first + 0.01f) / std::max(sum + 0.02f, 1e-4f);

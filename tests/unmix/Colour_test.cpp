@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <limits>
 
 #include "unmix/ColourFrame.h"
 #include "unmix/Picture.h"
@@ -38,6 +39,15 @@ struct Spilled {
     Picture picture;
     Colours colour;
 };
+
+TEST(Colour, WhatIsBrokenTeachesNothing) {
+    Spilled s(0.15f);
+    const auto table = learn_spill(s.picture.backing, s.alpha, {0.05f, {}, {}}, backward_loop);
+    constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+    constexpr float kInf = std::numeric_limits<float>::infinity();
+    const std::vector<Colour> broken{{kNan, 0.1f, 0.1f}, {0.1f, kNan, 0.1f}, {kInf, 0.1f, -kInf}};
+    EXPECT_EQ(learn_spill(s.picture.backing, s.alpha, {0.05f, broken, {}}, backward_loop), table);
+}
 
 // A fifth of the spill may be left, or as much be taken beyond it.
 TEST(Colour, SpillGoesAndTheSubjectsOwnStays) {
