@@ -34,11 +34,11 @@ struct FileMark {
 // Immutable once it is handed out.
 struct Frame {
     int number = 0;
-    FrameInputs inputs;        // without drawn mattes; empty where it could not be read
-    Zo::Image::Hash identity;  // of the inputs' pixels
-    std::string error;         // FILE: what is wrong; empty for a frame that is whole
+    FrameInputs inputs;           // without drawn mattes; empty where it could not be read
+    Zo::Image::Hash identity;     // of the inputs' pixels
+    std::string error;            // FILE: what is wrong; empty for a frame that is whole
     std::vector<FileMark> files;  // as they were before it was read, by inputs
-    std::size_t bytes = 0;  // that it alone holds
+    std::size_t bytes = 0;        // that it alone holds
 };
 using FramePtr = std::shared_ptr<const Frame>;
 

@@ -12,7 +12,7 @@ void History::start(Moment now) {
 }
 
 void History::add(std::string name, Moment now) {
-    if (now.state == this->now().state) return;
+    if (now.state == this->now().state && now.memory == this->now().memory) return;
     moments_.resize(at_ + 1);
     moments_.push_back({std::move(name), std::move(now)});
     if (moments_.size() > kSteps) moments_.pop_front();

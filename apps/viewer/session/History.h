@@ -28,7 +28,8 @@ class History {
   public:
     // The state of a new session, with nothing to undo.
     void start(Moment now);
-    // Takes in what the user did; what was undone is forgotten. Nothing where the state is the same.
+    // Takes in what the user did; what was undone is forgotten. Nothing where all is as it was: a stroke that
+    // turned no knob is a step, because later ones go by what the tools remember of it.
     void add(std::string name, Moment now);
 
     const Moment& now() const { return moments_[at_].moment; }

@@ -55,7 +55,7 @@ void render_all(const RenderPlan& plan, const AbortFlag& abort, const JobEvents&
     caller.warn = caller.tell = events.line;
     caller.progress = events.progress;
     KeySetup setup(options_of(plan.state, plan.frames), caller);
-    setup.loader().draw(plan.state.mattes);
+    setup.draw(plan.state.mattes);
     plan.state.settings.give(setup.node().panel());
     const KeyPlan key = plan_of(plan, setup.frames());
     check_outputs(key, setup.names());

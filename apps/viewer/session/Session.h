@@ -210,8 +210,8 @@ class Session final : public PanelEdits {
     bool stroking_ = false;
     std::uint64_t stroke_ = 0;  // counts strokes
     std::optional<Settings> preview_;
-    std::deque<Stroke> strokes_;  // that wait for the tool
-    std::uint64_t jobs_ = 0;  // counts what tools were given
+    std::deque<Stroke> strokes_;            // that wait for the tool
+    std::uint64_t jobs_ = 0;                // counts what tools were given
     std::optional<std::uint64_t> running_;  // the job that is waited for
     int setting_up_ = 0;
     std::uint64_t opening_ = 0;  // counts documents
@@ -231,7 +231,7 @@ class Session final : public PanelEdits {
     mutable FrameStore frames_;  // finding a frame moves it to the front
     ViewWorker view_;
     ToolWorker tools_;
-    Errands errands_;   // files
+    Errands errands_;  // files
     Errands set_ups_;
 };
 

@@ -115,7 +115,8 @@ void Session::take(const ToolOutcome& outcome) {
     if (!outcome.given_up && outcome.error.empty()) {
         // What was turned by hand while the tool worked stays.
         settings_.changed(outcome.job.settings, outcome.settings).give(panel());
-        memory_ = outcome.memory;
+        const bool button = outcome.job.areas.empty();
+        if (!button || !(outcome.settings == outcome.job.settings)) memory_ = outcome.memory;
         settle();
         commit(step_name(*panel().knobs()[outcome.job.knob]));
         if (events.tool) events.tool(outcome.reports, false);

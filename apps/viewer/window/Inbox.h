@@ -1,5 +1,5 @@
-// Calls that other threads hand to the window's, which makes them in their order. What is left when it goes is
-// not made.
+// Calls that other threads hand to the window's, which makes them in their order. What is left when it goes
+// is not made.
 #pragma once
 
 #include <QSocketNotifier>

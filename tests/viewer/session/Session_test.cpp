@@ -254,6 +254,8 @@ TEST_F(SessionRig, WhatAKilledSessionLeftIsOffered) {
     ASSERT_TRUE(desk_.until([&] { return knob(session, "spill_cool").get_value() == 61.0; }));
     EXPECT_TRUE(session.modified());
     EXPECT_EQ(session.document(), "/a/b.veloxa");
+    for (int n = 0; n < 1000 && !Autosave::left(folder).empty(); ++n)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_TRUE(Autosave::left(folder).empty());
     std::filesystem::remove_all(folder);
 }
