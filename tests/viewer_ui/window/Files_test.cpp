@@ -99,6 +99,8 @@ TEST_F(WindowRig, WhatWasLeftIsOfferedDroppedFilesOpenAndBadOnesAreNamed) {
     const auto drop = [&](const std::string& path) {
         QMimeData data;
         data.setUrls({QUrl::fromLocalFile(QString::fromStdString(path))});
+        QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QApplication::sendEvent(&area(), &enter);
         QDropEvent event(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, {});
         QApplication::sendEvent(&area(), &event);
     };
@@ -150,9 +152,7 @@ TEST_F(WindowRig, RendersCancelsAndResumes) {
         box->accept();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     };
-    const auto count = [&] {
-        return std::distance(std::filesystem::directory_iterator(file("out")), {});
-    };
+    const auto count = [&] { return std::distance(std::filesystem::directory_iterator(file("out")), {}); };
     render(false);
     render(false);  // waits behind the first, and is given up with it
     ASSERT_TRUE(until([&] { return count() > 2; }));

@@ -38,7 +38,11 @@ class Vandal {
 class RandomWindow : public WindowRig {
   protected:
     int any(int count) { return static_cast<int>(random_() % static_cast<unsigned>(count)); }
-    Point place() { return {any(71) - 5.0, any(53) - 5.0}; }
+    // Anywhere in the area, on the frame or not.
+    Point place() {
+        const Geometry& seen = area().picture_geometry();
+        return seen.to_picture({0.5 + any(seen.width), 0.5 + any(seen.height)});
+    }
 
     void break_file(std::mt19937& random) const {
         const int frame = 1 + static_cast<int>(random() % kFrames);
@@ -73,7 +77,8 @@ class RandomWindow : public WindowRig {
         constexpr const char* kModes[] = {"mode_look", "mode_box", "mode_garbage", "mode_holdout"};
         std::vector<QAction*> tools;
         for (const auto& knob : session().panel().knobs()) {
-            if (knob->kind() == Knob::Kind::kToolButton) tools.push_back(child<QAction>(knob->name().c_str()));
+            if (knob->kind() == Knob::Kind::kToolButton)
+                tools.push_back(child<QAction>(knob->name().c_str()));
         }
         if (any(2) == 0) {
             tools[static_cast<std::size_t>(any(static_cast<int>(tools.size())))]->trigger();
@@ -103,14 +108,41 @@ class RandomWindow : public WindowRig {
         }
     }
     void use_command() {
-        constexpr const char* kNames[] = {
-            "undo",          "undo",          "redo",          "fit",          "one_to_one",
-            "zoom_in",       "zoom_out",      "channel_alpha", "channel_red",  "channel_colour",
-            "overlay",       "false_colours", "counts",        "behind_black", "behind_picture",
-            "layout_single", "layout_wipe",   "layout_side",   "keep_a",       "layout_difference",
-            "picture_next",  "play",          "feather_more",  "matte_outside", "reload",
-            "next",          "previous",      "last",          "give_up",      "reset_all",
-            "picture_previous", "cancel_jobs", "brush_larger", "behind_nothing", "channel_luminance"};
+        constexpr const char* kNames[] = {"undo",
+                                          "undo",
+                                          "redo",
+                                          "fit",
+                                          "one_to_one",
+                                          "zoom_in",
+                                          "zoom_out",
+                                          "channel_alpha",
+                                          "channel_red",
+                                          "channel_colour",
+                                          "overlay",
+                                          "false_colours",
+                                          "counts",
+                                          "behind_black",
+                                          "behind_picture",
+                                          "layout_single",
+                                          "layout_wipe",
+                                          "layout_side",
+                                          "keep_a",
+                                          "layout_difference",
+                                          "picture_next",
+                                          "play",
+                                          "feather_more",
+                                          "matte_outside",
+                                          "reload",
+                                          "next",
+                                          "previous",
+                                          "last",
+                                          "give_up",
+                                          "reset_all",
+                                          "picture_previous",
+                                          "cancel_jobs",
+                                          "brush_larger",
+                                          "behind_nothing",
+                                          "channel_luminance"};
         command(kNames[any(static_cast<int>(std::size(kNames)))]);
     }
     void act() {
@@ -139,7 +171,8 @@ class RandomWindow : public WindowRig {
         }
     }
 
-    std::mt19937 random_{2024};
+    // --gtest_random_seed tries another session.
+    std::mt19937 random_{static_cast<unsigned>(2024 + GTEST_FLAG_GET(random_seed))};
 };
 
 TEST_F(RandomWindow, SettlesOnWhatTheCommandLineKeys) {
@@ -151,7 +184,7 @@ TEST_F(RandomWindow, SettlesOnWhatTheCommandLineKeys) {
         const Vandal vandal([this](std::mt19937& random) { break_file(random); });
         for (int n = 0; n < kActions; ++n) {
             act();
-            QCoreApplication::processEvents();
+            QTest::qWait(any(3) == 0 ? any(30) : 0);  // what it began goes on for a while, or not
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         }
     }
