@@ -1,7 +1,7 @@
 // veloxa-viewer: reads the command line and opens the window.
 #include <QApplication>
+#include <QDir>
 #include <QIcon>
-#include <QStandardPaths>
 #include <exception>
 #include <string>
 
@@ -22,6 +22,12 @@ void open(veloxa::viewer::MainWindow& window, const veloxa::ViewOptions& options
     const bool plain = setup.inputs[veloxa::kFg].empty() && !options.plates.empty();
     if (plain) setup.inputs[veloxa::kFg] = options.plates.front();
     if (!setup.inputs[veloxa::kFg].empty()) window.session().open_as_named(setup);
+}
+
+// As the desktop's base directories have it; Qt 6.4 does not know this one.
+QString state_folder() {
+    const QString named = qEnvironmentVariable("XDG_STATE_HOME");
+    return named.startsWith('/') ? named : QDir::homePath() + QStringLiteral("/.local/state");
 }
 
 // The toolkit ends the program where it finds none.
@@ -48,8 +54,7 @@ int run(char** argv, const veloxa::ViewOptions& options) {
     veloxa::viewer::use_dark_theme(application);
     veloxa::viewer::WindowPlace place;
     place.program = QString::fromStdString(veloxa::version_text(false));
-    const QString state = QStandardPaths::writableLocation(QStandardPaths::GenericStateLocation);
-    place.rescue_folder = state + QStringLiteral("/veloxa/rescue");
+    place.rescue_folder = state_folder() + QStringLiteral("/veloxa/rescue");
     veloxa::viewer::MainWindow window(place);
     window.show();
     open(window, options);

@@ -189,6 +189,14 @@ const DrawnMattes& PictureArea::mattes() const {
     return polygon_->mattes();
 }
 
+std::optional<std::size_t> PictureArea::chosen_matte() const {
+    return polygon_->chosen();
+}
+
+Pane PictureArea::pane_under_pointer() const {
+    return room().at(device(mapFromGlobal(QCursor::pos())));
+}
+
 void PictureArea::set_new_matte(const DrawnMatte& like) {
     polygon_->set_kind(like);
 }

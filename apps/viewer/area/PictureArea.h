@@ -73,6 +73,9 @@ class PictureArea final : public QWidget {
     void set_box(const Zo::Image::Box& box);  // that the box tool shows; empty for none
     void set_mattes(DrawnMattes mattes);
     const DrawnMattes& mattes() const;
+    // The number of the matte that was clicked on or drawn last; none where there is no such.
+    std::optional<std::size_t> chosen_matte() const;
+    Pane pane_under_pointer() const;
     // Kind, side and feather of mattes that are drawn from now on.
     void set_new_matte(const DrawnMatte& like);
 

@@ -18,6 +18,9 @@ class PolygonMode final : public PointerMode {
     using PointerMode::PointerMode;
 
     const DrawnMattes& mattes() const { return mattes_; }
+    std::optional<std::size_t> chosen() const {
+        return choice_ ? std::optional(choice_->matte) : std::nullopt;
+    }
     // Gives up a drag; the choice stays where there is still such a polygon or point.
     void set_mattes(DrawnMattes mattes);
     // What new ones are; its points do not count.

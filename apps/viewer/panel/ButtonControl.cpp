@@ -1,6 +1,5 @@
 #include "panel/ButtonControl.h"
 
-#include <QActionGroup>
 #include <QHBoxLayout>
 
 #include "panel/PanelLayout.h"
@@ -22,10 +21,10 @@ ButtonControl::ButtonControl(PanelEdits& edits, Zo::Image::Knob& knob, const QSt
         return;
     }
     items_ = new QMenu(button_);
-    auto* const choices = new QActionGroup(items_);
+    choices_ = new QActionGroup(items_);
     int n = 0;
     for (const std::string& item : this->knob().items()) {
-        QAction* const choice = choices->addAction(items_->addAction(QString::fromStdString(item)));
+        QAction* const choice = choices_->addAction(items_->addAction(QString::fromStdString(item)));
         choice->setCheckable(true);
         connect(choice, &QAction::triggered, this, [this, n] {
             if (this->knob().get_value() != n) this->edits().set(this->knob(), n);

@@ -1,6 +1,7 @@
 // A button; one with items asks for one of them and presses itself with it.
 #pragma once
 
+#include <QActionGroup>
 #include <QMenu>
 #include <QToolButton>
 
@@ -20,6 +21,7 @@ class ButtonControl final : public KnobControl {
 
     QToolButton* button_;
     QMenu* items_ = nullptr;
+    QActionGroup* choices_ = nullptr;
 };
 
 }  // namespace veloxa::viewer

@@ -59,7 +59,9 @@ void use_dark_theme(QApplication& application) {
     palette.setColor(QPalette::Disabled, QPalette::PlaceholderText, grey(120));
     palette.setColor(QPalette::Disabled, QPalette::Highlight, grey(70));
     palette.setColor(QPalette::Disabled, QPalette::HighlightedText, grey(190));
-    application.setStyle(new DarkStyle);  // the application takes it
+    auto* const style = new DarkStyle;
+    style->setParent(&application);
+    application.setStyle(style);
     application.setPalette(palette);
 }
 

@@ -22,6 +22,10 @@ KnobControl::KnobControl(PanelEdits& edits, Knob& knob, const QString& section, 
     setObjectName(QString::fromStdString(knob.name()));
 }
 
+void KnobControl::retire() {
+    for (QObject* const child : findChildren<QObject*>()) child->blockSignals(true);
+}
+
 double KnobControl::shown_value(int i) const {
     return shown(knob_, knob_.get_value(i));
 }

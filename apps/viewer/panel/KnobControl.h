@@ -17,6 +17,8 @@ class KnobControl : public QWidget {
 
     // Shows what the knob holds; calls nobody.
     virtual void refresh() = 0;
+    // Before it goes: its knob may be gone, and nothing of what is being typed or dragged may reach that.
+    void retire();
 
   signals:
     // The control has written; others may have to show it.

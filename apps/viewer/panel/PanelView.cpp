@@ -57,8 +57,7 @@ void PanelView::rebuild() {
     const QStringList labels = folded();
     sections_.clear();
     if (QWidget* const former = scroll_->widget()) {
-        // Its knobs may be gone: nothing of what is being typed or dragged may reach them.
-        for (QObject* const child : former->findChildren<QObject*>()) child->blockSignals(true);
+        for (KnobControl* const control : former->findChildren<KnobControl*>()) control->retire();
         delete scroll_->takeWidget();
     }
     auto* const content = new QWidget;

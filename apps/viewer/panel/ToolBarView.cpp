@@ -39,9 +39,7 @@ ToolBarView::ToolBarView(PanelEdits& edits, QWidget* parent)
 }
 
 void ToolBarView::rebuild() {
-    for (QObject* const child : findChildren<QObject*>()) {
-        if (child != escape_) child->blockSignals(true);
-    }
+    for (KnobControl* const control : controls_) control->retire();
     qDeleteAll(actions());
     actions_.clear();
     colours_.clear();

@@ -196,8 +196,6 @@ TEST_F(PanelViewTest, FieldsTakeNumbersAndNothingElse) {
         field->selectAll();
         QTest::keyClick(field, Qt::Key_Backspace);
         QTest::keyClicks(field, typed);
-        view.refresh();
-        EXPECT_EQ(field->text(), typed) << "what is typed stays";
         view.findChild<QLineEdit*>()->setFocus();
         EXPECT_EQ(field->text(), shown) << typed;
     }
@@ -213,8 +211,11 @@ TEST_F(PanelViewTest, FieldsTakeNumbersAndNothingElse) {
         EXPECT_EQ(field->text(), shown);
     }
     QTest::keyClicks(field, "7");
+    edits.knob("darks").set_value(5.0);  // as undo may
+    view.refresh();
+    EXPECT_EQ(field->text(), "7111.1") << "what is typed stays";
     QTest::keyClick(field, Qt::Key_Escape);
-    EXPECT_EQ(field->text(), "111.1");
+    EXPECT_EQ(field->text(), "5");
 }
 
 TEST_F(PanelViewTest, MarksWhatDiffersAndResetsItByADoubleClick) {
@@ -271,7 +272,7 @@ TEST_F(PanelViewTest, SearchesLabelsNamesAndTabs) {
     } cases[] = {{"veiling", "background veiling red, Spill", "cool, Spill"},
                  {"spill_COOL", "cool, Spill", "cool, Density"},
                  {"spill cool", "cool, Spill", "warm, Spill"},
-                 {"spil", "warm, Spill", "warm, Density"},
+                 {"densit", "warm, Density", "warm, Spill"},
                  {"", "warm, Density", "warm, Spill"}};
     for (const auto& [words, seen, unseen] : cases) {
         QTest::keyClick(search, Qt::Key_Escape);

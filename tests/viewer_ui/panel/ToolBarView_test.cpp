@@ -7,6 +7,7 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QMenu>
+#include <QSignalSpy>
 #include <QTableWidget>
 #include <QTest>
 #include <QToolButton>
@@ -118,6 +119,9 @@ TEST(ToolBarView, ShowsColoursSettingsAndButtonsThatLook) {
 
     bar.rebuild();
     EXPECT_EQ(bar.findChildren<QComboBox*>().size(), 1);
+    QSignalSpy toggled(bar.toggleViewAction(), &QAction::toggled);
+    bar.show();
+    EXPECT_EQ(toggled.count(), 1) << "the window's menu shows and hides it";
 }
 
 TEST(ChangesView, ShowsWhatToolsDidAndCopiesIt) {
