@@ -207,6 +207,7 @@ void PictureArea::describe() {
     const QString help = mode().help();
     setAccessibleDescription((lines << help).join(' '));
     setToolTip(help);
+    setWhatsThis(help);
 }
 
 void PictureArea::show_cursor() {
