@@ -29,7 +29,7 @@ void draw_shaded(QPainter& painter, const Shaded& shaded, const Geometry& from, 
 }
 
 void draw_caption(QPainter& painter, const QString& caption, const QRect& seen, bool right, double ratio) {
-    if (caption.isEmpty()) return;
+    if (caption.isEmpty() || seen.width() < 4 * kMargin * ratio) return;
     painter.save();
     painter.scale(ratio, ratio);
     const QRectF room =
