@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "session/Project.h"
+#include "shot/setup/ShotModel.h"
 
 namespace veloxa::viewer {
 
@@ -64,7 +65,8 @@ void Session::commit(const std::string& name) {
 void Session::keep_safe() {
     if (!autosave_) return;
     if (modified()) {
-        autosave_->keep(script(document_.empty() ? place_.rescue_folder + "/-" : document_), document_);
+        autosave_->keep(script(document_.empty() ? place_.rescue_folder + "/-" : document_), document_,
+                        shot_text(*node_));
     } else {
         autosave_->drop();
     }
@@ -111,7 +113,7 @@ void Session::reset_all() {
 
 void Session::press(Knob& button) {
     if (button.flag(kKnobLooks)) {
-        strokes_.push_back({number_of(button), {}, button.get_value()});
+        strokes_.push_back({current_frame(), number_of(button), {}, button.get_value()});
         return work_off();
     }
     begin_edit(button.label());
@@ -142,14 +144,14 @@ void Session::pick_colour(Knob* knob) {
 }
 
 bool Session::undo() {
-    give_up();
+    give_up_tools();
     if (!history_.undo()) return false;
     restore(history_.now());
     return true;
 }
 
 bool Session::redo() {
-    give_up();
+    give_up_tools();
     if (!history_.redo()) return false;
     restore(history_.now());
     return true;

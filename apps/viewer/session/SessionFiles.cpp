@@ -58,6 +58,7 @@ void Session::put_in_place(const ShotFiles& files) {
     ++shot_;
     compared_[static_cast<std::size_t>(Against::kDefault)].reset();
     compared_[static_cast<std::size_t>(Against::kAutomatic)].reset();
+    finding_ = {};
     try {
         range_ = range_of(files);
     } catch (const Error& error) {
@@ -157,7 +158,7 @@ void Session::set_up(const SetupOptions& options,
                      std::function<void(const Settings&, const DrawnMattes&)> done) {
     ++setting_up_;
     if (events.busy) events.busy();
-    errands_.add([this, options, done = std::move(done), shot = shot_](const AbortFlag& abort) {
+    setups_.add([this, options, done = std::move(done), shot = shot_](const AbortFlag& abort) {
         auto settings = std::make_shared<Settings>();
         auto mattes = std::make_shared<DrawnMattes>();
         std::string error;
