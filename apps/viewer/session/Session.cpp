@@ -1,6 +1,8 @@
 // The panel and undo.
 #include "session/Session.h"
 
+#include <OpenImageIO/sysutil.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -10,6 +12,16 @@
 namespace veloxa::viewer {
 
 using namespace Zo::Image;
+
+SessionPlace place_on_this_machine() {
+    SessionPlace place;
+    const std::size_t memory = OIIO::Sysutil::physical_memory();
+    if (memory == 0) return place;
+    place.frame_budget = std::min(place.frame_budget, memory / 6);
+    place.row_budget = std::min(place.row_budget, memory / 12);
+    place.picture_budget = std::min(place.picture_budget, memory / 6);
+    return place;
+}
 
 Session::Session(SessionPlace place)
     : place_(std::move(place)),

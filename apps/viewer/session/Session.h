@@ -58,6 +58,9 @@ struct SessionPlace {
     std::size_t picture_budget = std::size_t{2} << 30;
 };
 
+// With budgets that leave this machine's memory room for others.
+SessionPlace place_on_this_machine();
+
 class Session final : public PanelEdits {
   public:
     explicit Session(SessionPlace place);

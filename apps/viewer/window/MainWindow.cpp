@@ -116,6 +116,7 @@ void MainWindow::make_widgets() {
     message_->setMargin(4);
     message_->hide();
     time_ = new TimeLine(middle);
+    time_->hide();  // until there is more than one frame
     column->addWidget(area_, 1);
     column->addWidget(message_);
     column->addWidget(time_);
