@@ -12,6 +12,7 @@
 #include <memory>
 #include <set>
 
+#include "render/Errands.h"
 #include "session/Jobs.h"
 #include "session/Session.h"
 #include "session/ViewColour.h"
@@ -130,6 +131,7 @@ class MainWindow final : public QMainWindow {
     QTimer states_timer_;  // brings the time line up to date, a moment after what may have changed it
     std::array<ShownPicture, 2> shown_;
     DisplayTransform display_;
+    Errands statistics_;         // of boxes
     std::set<int> frames_here_;  // as the time line has it
     bool closing_ = false;
 };

@@ -152,7 +152,16 @@ void MainWindow::show_box(const Box& box) {
         const int scale = static_cast<int>(shown.scale);
         of_shown = {box.x / scale, box.y / scale, (box.r + scale - 1) / scale, (box.t + scale - 1) / scale};
     }
-    readout_->show_box(box, statistics(*here->inputs[kFg].image, box), statistics(*shown.image, of_shown));
+    // A large box takes longer than the window may.
+    statistics_.give_up();
+    statistics_.add(
+        [this, box, of_shown, plate = here->inputs[kFg].image, picture = shown.image](const AbortFlag&) {
+            const BoxStatistics of_plate = statistics(*plate, box);
+            const BoxStatistics of_picture = statistics(*picture, of_shown);
+            QMetaObject::invokeMethod(
+                this, [this, box, of_plate, of_picture] { readout_->show_box(box, of_plate, of_picture); },
+                Qt::QueuedConnection);
+        });
 }
 
 }  // namespace veloxa::viewer
