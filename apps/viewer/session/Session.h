@@ -157,12 +157,12 @@ class Session final : public PanelEdits {
         double choice = 0.0;
     };
 
-    struct Opened;
-
     // Comes back on the window's thread, unless the session is gone.
     void post(std::function<void()> call);
     void tell(const std::string& line);
     void start(State state, const std::string& document);
+    // Reads a script beside the window.
+    void load(const std::string& path, std::function<void(State)> then);
     void restore(const Moment& moment);
     void put_in_place(const ShotFiles& files);
     void settle();  // after knobs were turned
