@@ -53,6 +53,7 @@ int run(char** argv, const veloxa::ViewOptions& options) {
     QApplication::setWindowIcon(icon());
     veloxa::viewer::use_dark_theme(application);
     veloxa::viewer::WindowPlace place;
+    place.budgets = veloxa::viewer::place_on_this_machine();
     place.program = QString::fromStdString(veloxa::version_text(false));
     place.rescue_folder = state_folder() + QStringLiteral("/veloxa/rescue");
     veloxa::viewer::MainWindow window(place);

@@ -27,6 +27,8 @@ class Errands {
     void add(Work work);
     // Gives up what is under way and leaves out what waits.
     void give_up();
+    // Gives up what is under way, if it minds; what waits goes on.
+    void interrupt() { abort_.raise(); }
 
   private:
     void run();

@@ -12,8 +12,16 @@ namespace veloxa::viewer {
 using namespace Zo::Image;
 
 Hash Keyed::identity() const {
+    return identity(settings_identity(), *frame);
+}
+
+Hash Keyed::identity(Hash settings, const Frame& frame) {
+    settings.append(frame.identity);
+    return settings;
+}
+
+Hash Keyed::settings_identity() const {
     Hash hash;
-    hash.append(frame->identity);
     settings.append_to(hash);
     hash.append(std::string_view(mattes_script(mattes)));
     hash.append(std::string_view(picture));

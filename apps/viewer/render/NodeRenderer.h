@@ -27,6 +27,9 @@ struct Keyed {
     std::string picture;  // as rendered_as gives it
 
     Zo::Image::Hash identity() const;
+    // The same, where what of it does not depend on the frame was hashed before.
+    Zo::Image::Hash settings_identity() const;
+    static Zo::Image::Hash identity(Zo::Image::Hash settings, const Frame& frame);
 };
 
 // The inputs with what is drawn on the garbage and holdout mattes.

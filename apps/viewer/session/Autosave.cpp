@@ -13,6 +13,7 @@
 #include "shot/Errors.h"
 #include "shot/files/AtomicFile.h"
 #include "shot/node/Node.h"
+#include "shot/setup/ShotModel.h"
 
 namespace veloxa::viewer {
 
@@ -68,10 +69,10 @@ Autosave::~Autosave() {
     ::close(lock_);
 }
 
-void Autosave::keep(std::string text, std::string document) {
+void Autosave::keep(std::string text, std::string document, std::string shot) {
     {
         const std::lock_guard lock(mutex_);
-        latest_ = Kept{std::move(text), std::move(document)};
+        latest_ = Kept{std::move(text), std::move(document), std::move(shot)};
         changed_ = true;
     }
     wake_.notify_all();
@@ -121,12 +122,14 @@ void Autosave::run() {
 void Autosave::write(const std::optional<Kept>& kept) {
     std::string failure;
     try {
+        std::error_code error;
+        if (kept && !kept->shot.empty()) write_text(shot_beside(file_ + kText), kept->shot, true);
+        if (!kept || kept->shot.empty()) fs::remove(shot_beside(file_ + kText), error);
         if (kept) {
             std::string document = kept->document;
             std::ranges::replace(document, '\n', ' ');
             write_text(file_ + kText, std::string(kDocument) + document + '\n' + kept->text, true);
         } else {
-            std::error_code error;
             fs::remove(file_ + kText, error);
         }
     } catch (const Error& error) {
@@ -154,6 +157,7 @@ std::vector<Rescued> Autosave::left(const std::string& folder) {
     }
     std::ranges::sort(found, std::greater{}, [](const auto& f) { return f.first; });
     std::vector<Rescued> result;
+    result.reserve(found.size());
     for (auto& [time, rescued] : found) result.push_back(std::move(rescued));
     return result;
 }
@@ -161,6 +165,7 @@ std::vector<Rescued> Autosave::left(const std::string& folder) {
 void Autosave::remove(const Rescued& rescued) {
     std::error_code error;
     fs::remove(rescued.file, error);
+    fs::remove(shot_beside(rescued.file), error);
     fs::remove(fs::path(rescued.file).replace_extension(kLock), error);
 }
 

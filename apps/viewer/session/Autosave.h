@@ -28,7 +28,8 @@ class Autosave {
     Autosave& operator=(const Autosave&) = delete;
 
     // Writes it soon, on a thread of its own: what comes within a second is written once. Any thread.
-    void keep(std::string text, std::string document);
+    // `shot` is what was measured of the shot, which lies beside the text; empty for nothing.
+    void keep(std::string text, std::string document, std::string shot = {});
     // There is nothing to lose now.
     void drop();
     // Writes what waits. Blocks.
@@ -43,6 +44,7 @@ class Autosave {
     struct Kept {
         std::string text;
         std::string document;
+        std::string shot;
     };
 
     void run();

@@ -167,6 +167,13 @@ void Jobs::find_worst(State state, int most, JobEvents events) {
 
 void Jobs::cancel() {
     errands_.give_up();
+    // The first is under way and tells itself how it ended; the others never begin.
+    while (waiting_.size() > 1) {
+        const auto done = std::move(waiting_.back());
+        waiting_.pop_back();
+        --running_;
+        done("interrupted");
+    }
 }
 
 }  // namespace veloxa::viewer

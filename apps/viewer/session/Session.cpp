@@ -1,14 +1,27 @@
 // The panel and undo.
 #include "session/Session.h"
 
+#include <OpenImageIO/sysutil.h>
+
 #include <algorithm>
 #include <utility>
 
 #include "session/Project.h"
+#include "shot/setup/ShotModel.h"
 
 namespace veloxa::viewer {
 
 using namespace Zo::Image;
+
+SessionPlace place_on_this_machine() {
+    SessionPlace place;
+    const std::size_t memory = OIIO::Sysutil::physical_memory();
+    if (memory == 0) return place;
+    place.frame_budget = std::min(place.frame_budget, memory / 6);
+    place.row_budget = std::min(place.row_budget, memory / 12);
+    place.picture_budget = std::min(place.picture_budget, memory / 6);
+    return place;
+}
 
 Session::Session(SessionPlace place)
     : place_(std::move(place)),
@@ -64,7 +77,8 @@ void Session::commit(const std::string& name) {
 void Session::keep_safe() {
     if (!autosave_) return;
     if (modified()) {
-        autosave_->keep(script(document_.empty() ? place_.rescue_folder + "/-" : document_), document_);
+        autosave_->keep(script(document_.empty() ? place_.rescue_folder + "/-" : document_), document_,
+                        shot_text(*node_));
     } else {
         autosave_->drop();
     }
@@ -111,7 +125,7 @@ void Session::reset_all() {
 
 void Session::press(Knob& button) {
     if (button.flag(kKnobLooks)) {
-        strokes_.push_back({number_of(button), {}, button.get_value()});
+        strokes_.push_back({current_frame(), number_of(button), {}, button.get_value()});
         return work_off();
     }
     begin_edit(button.label());
@@ -142,14 +156,14 @@ void Session::pick_colour(Knob* knob) {
 }
 
 bool Session::undo() {
-    give_up();
+    give_up_tools();
     if (!history_.undo()) return false;
     restore(history_.now());
     return true;
 }
 
 bool Session::redo() {
-    give_up();
+    give_up_tools();
     if (!history_.redo()) return false;
     restore(history_.now());
     return true;

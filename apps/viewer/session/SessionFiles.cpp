@@ -47,17 +47,12 @@ ShotFiles files_of(const SetupOptions& options) {
 
 }  // namespace
 
-// What an errand found out, brought to the window.
-struct Session::Opened {
-    State state;
-    std::string error;
-};
-
 void Session::put_in_place(const ShotFiles& files) {
     files_ = files;
     ++shot_;
     compared_[static_cast<std::size_t>(Against::kDefault)].reset();
     compared_[static_cast<std::size_t>(Against::kAutomatic)].reset();
+    finding_ = {};
     try {
         range_ = range_of(files);
     } catch (const Error& error) {
@@ -157,7 +152,7 @@ void Session::set_up(const SetupOptions& options,
                      std::function<void(const Settings&, const DrawnMattes&)> done) {
     ++setting_up_;
     if (events.busy) events.busy();
-    errands_.add([this, options, done = std::move(done), shot = shot_](const AbortFlag& abort) {
+    setups_.add([this, options, done = std::move(done), shot = shot_](const AbortFlag& abort) {
         auto settings = std::make_shared<Settings>();
         auto mattes = std::make_shared<DrawnMattes>();
         std::string error;
@@ -189,30 +184,36 @@ void Session::open_project(const std::string& path) {
     rescue({path, path});
 }
 
-void Session::rescue(const Rescued& rescued) {
+void Session::load(const std::string& path, std::function<void(State)> then) {
     ++setting_up_;
     if (events.busy) events.busy();
-    errands_.add([this, rescued](const AbortFlag&) {
-        auto opened = std::make_shared<Opened>();
+    errands_.add([this, path, then = std::move(then)](const AbortFlag&) {
+        auto state = std::make_shared<State>();
+        std::string error;
         try {
             Caller caller;
             caller.warn = [this](const std::string& line) { post([this, line] { tell(line); }); };
             Node node;
-            opened->state = load_project(rescued.file, node, caller);
-        } catch (const std::exception& error) {
-            opened->error = error.what();
+            *state = load_project(path, node, caller);
+        } catch (const std::exception& fault) {
+            error = fault.what();
         }
-        post([this, rescued, opened] {
+        post([this, state, error, then] {
             --setting_up_;
             if (events.busy) events.busy();
-            if (!opened->error.empty()) return tell(opened->error);
-            start(std::move(opened->state), rescued.document);
-            if (rescued.file == rescued.document) return;
-            history_.mark_unsaved();
-            Autosave::remove(rescued);
-            keep_safe();
-            if (events.settings) events.settings();
+            error.empty() ? then(std::move(*state)) : tell(error);
         });
+    });
+}
+
+void Session::rescue(const Rescued& rescued) {
+    load(rescued.file, [this, rescued](State state) {
+        start(std::move(state), rescued.document);
+        if (rescued.file == rescued.document) return;
+        history_.mark_unsaved();
+        Autosave::remove(rescued);
+        keep_safe();
+        if (events.settings) events.settings();
     });
 }
 
@@ -244,22 +245,10 @@ void Session::save(const std::string& path, std::function<void(const std::string
 }
 
 void Session::load_settings(const std::string& path) {
-    errands_.add([this, path](const AbortFlag&) {
-        auto opened = std::make_shared<Opened>();
-        try {
-            Caller caller;
-            caller.warn = [this](const std::string& line) { post([this, line] { tell(line); }); };
-            Node node;
-            opened->state = load_project(path, node, caller);
-        } catch (const std::exception& error) {
-            opened->error = error.what();
-        }
-        post([this, path, opened] {
-            if (!opened->error.empty()) return tell(opened->error);
-            opened->state.settings.give(panel());
-            settle();
-            commit("settings of " + std::filesystem::path(path).filename().string());
-        });
+    load(path, [this, path](const State& state) {
+        state.settings.give(panel());
+        settle();
+        commit("settings of " + std::filesystem::path(path).filename().string());
     });
 }
 

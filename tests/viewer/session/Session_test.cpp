@@ -219,7 +219,8 @@ TEST_F(SessionRig, FilesThatChangeAreReadAgainAndThoseThatBreakAreNamed) {
     std::filesystem::remove(path);
     look_again();
     EXPECT_THAT(messages_, Contains(HasSubstr(path)));
-    EXPECT_EQ(session.held_frames().failed, std::vector<int>{1});
+    EXPECT_EQ(session.held_frames().front()->number, 1);
+    EXPECT_THAT(session.held_frames().front()->error, HasSubstr(path));
     session.go_to(2);  // the others are as they were
     ASSERT_TRUE(settle(session));
     EXPECT_TRUE(shown_.error.empty());
