@@ -83,9 +83,9 @@ std::string synopsis(const CommandLine& all, const CommandText& command) {
     text += " [" + italic("OPTION") + " ...]";
     for (const OptionText& option : command.options) {
         if (!option.positional) continue;
-        const std::string name = italic(option.names.front());
-        const std::string more = option.repeats ? " ..." : "";
-        text += option.required ? " " + name + more : " [" + name + more + "]";
+        std::string name = italic(option.names.front());
+        if (option.repeats) name += " ...";
+        text += option.required ? " " + name : " [" + name + "]";
     }
     return text + "\n";
 }
