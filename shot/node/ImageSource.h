@@ -39,12 +39,16 @@ class NodeInputs {
   public:
     // Puts a source on every input that is used; the others get what the node puts there itself.
     void connect(Zo::Image::Iop& node, const std::array<bool, kInputCount>& used);
-    // Serves a frame's images until the next ones.
+    // Serves a frame's images until the next ones. Inputs are used from now on where there is an image: drawn
+    // mattes come and go.
     void set(const FrameInputs& inputs);
     // Lets the images go.
     void clear();
 
   private:
+    void use(std::size_t input, bool used);
+
+    Zo::Image::Iop* node_ = nullptr;
     std::array<std::unique_ptr<ImageSource>, kInputCount> sources_;
 };
 
