@@ -25,9 +25,9 @@ void ImageSource::engine(int y, int x, int /*r*/, const ChannelSet& channels, Ro
     }
 }
 
-void NodeInputs::connect(Iop& node, const std::array<bool, kInputCount>& used) {
+void NodeInputs::connect(Iop& node) {
     node_ = &node;
-    for (std::size_t n = 0; n < kInputCount; ++n) use(n, used[n]);
+    for (std::size_t n = 0; n < kInputCount; ++n) use(n, false);
 }
 
 void NodeInputs::use(std::size_t input, bool used) {

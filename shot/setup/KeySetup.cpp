@@ -39,7 +39,7 @@ KeySetup::KeySetup(const SetupOptions& options, const Caller& caller)
       node_(caller.abort) {
     node_.apply(options.settings, caller);
     take_mattes();
-    inputs_.connect(node_.image(), loader_.used());
+    inputs_.connect(node_.image());
     if (!options.screen.pick.empty()) parse_box("--pick", options.screen.pick);
     for (const std::string& text : options.strokes) {
         strokes_.push_back(parse_stroke(node_.panel(), text));
