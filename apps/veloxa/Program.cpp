@@ -35,10 +35,9 @@ void add_program(CLI::App& app, Run& run) {
     app.description("Colour-difference keyer for stills and image sequences.");
     add_version(app);
     app.require_subcommand(1);
-    for (const auto add :
-         {add_key_command, add_analyse_command, add_knobs_command, add_controls_command, add_spaces_command,
-          add_cleanplate_command, add_tune_command, add_view_command, add_view_command, add_plate_command,
-          add_compare_command, add_score_command, add_help_command}) {
+    for (const auto add : {add_key_command, add_analyse_command, add_knobs_command, add_controls_command,
+                           add_spaces_command, add_cleanplate_command, add_tune_command, add_view_command,
+                           add_plate_command, add_compare_command, add_score_command, add_help_command}) {
         add(app, run);
     }
     app.footer(kFooter);  // last, for commands without one would take it over
