@@ -17,12 +17,11 @@ give_up() {
 
 # await COMMAND...: until it succeeds, for as long as a busy machine may take.
 await() {
-    local n
-    for ((n = 0; n < 100; n++)); do
-        "$@" >/dev/null 2>&1 && return
+    local end=$((SECONDS + 40))
+    until "$@" >/dev/null 2>&1; do
+        [ $SECONDS -lt $end ] || return 1
         sleep 0.2
     done
-    return 1
 }
 
 # start NAME COMMAND...: in the background; its process is the last of $started.
