@@ -56,8 +56,8 @@ bool WatchedApplication::notify(QObject* receiver, QEvent* event) {
     ++depth_;
     const bool result = QApplication::notify(receiver, event);
     --depth_;
-    if (watching_) note(what, milliseconds(Clock::now() - began),
-                        processor_ms(CLOCK_THREAD_CPUTIME_ID) - processor);
+    if (watching_)
+        note(what, milliseconds(Clock::now() - began), processor_ms(CLOCK_THREAD_CPUTIME_ID) - processor);
     if (std::exchange(painted_, false) && after_paint_) after_paint_();
     return result;
 }

@@ -120,11 +120,8 @@ const WindowRig::Painted* WindowRig::painted(std::uint64_t number, bool whole) c
 
 void WindowRig::settle() {
     Session& session = window_->session();
-    wait(
-        [&] {
-            return !session.working() && session.current_frame() && whole_ >= session.latest_request();
-        },
-        "whole picture");
+    wait([&] { return !session.working() && session.current_frame() && whole_ >= session.latest_request(); },
+         "whole picture");
     painted_.clear();
 }
 

@@ -15,8 +15,8 @@ class QWidget;
 
 namespace bench {
 
-// From the hand's move to a picture on the screen, in milliseconds: as a clock sees it, and the processor time
-// that all threads took for it, which other programs do not lengthen.
+// From the hand's move to a picture on the screen, in milliseconds: as a clock sees it, and the processor
+// time that all threads took for it, which other programs do not lengthen.
 struct Delay {
     double clock = 0.0;
     double processor = 0.0;

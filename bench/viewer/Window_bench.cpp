@@ -35,7 +35,7 @@ void print(const std::vector<double>& times) {
 }
 
 void print(const char* what, const std::vector<Seen>& seen) {
-    const auto all = [&](Delay Seen::* which, double Delay::* clock) {
+    const auto all = [&](Delay Seen::*which, double Delay::*clock) {
         std::vector<double> times;
         for (const Seen& one : seen) times.push_back(one.*which.*clock);
         return times;
@@ -78,7 +78,8 @@ bool run(WatchedApplication& application, int width, int height) {
     WindowRig rig(application, width, height, kFrames, kApart);
     std::printf("\n### The viewer's window, %dx%d\n\n", width, height);
     std::printf(
-        "| | first ms | 95 %% | processor ms | 95 %% | whole ms | 95 %% | processor ms | 95 %% | shown a second |\n"
+        "| | first ms | 95 %% | processor ms | 95 %% | whole ms | 95 %% | processor ms | 95 %% | shown a "
+        "second |\n"
         "|---|---:|---:|---:|---:|---:|---:|---:|---:|---:|\n");
     application.start_watching();
     print("spill knob", rig.slide_and_wait("spill_cool", kMoves));
