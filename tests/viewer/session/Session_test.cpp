@@ -244,7 +244,9 @@ TEST_F(SessionRig, AnOvertakenRenderIsAborted) {
     for (int n = 0; n < 300 && aborted() == 0; ++n) {
         session.set(session.panel().get("unmix_detail"), 1.0 + n / 500.0);
         std::this_thread::sleep_for(std::chrono::milliseconds(n % 60));
-        if (n % 5 == 0) ASSERT_TRUE(settle(session));
+        if (n % 5 == 0) {
+            ASSERT_TRUE(settle(session));
+        }
     }
     EXPECT_GT(aborted(), 0);
     ASSERT_TRUE(settle(session));
