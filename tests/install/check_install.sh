@@ -37,8 +37,8 @@ done
 if [ -x "$build/bin/veloxa-viewer" ]; then
     viewers=$(env -i LD_DEBUG=files LD_DEBUG_OUTPUT="$work/viewers" "$root/usr/bin/veloxa-viewer" --version)
     [ "$viewers" = "$("$root/usr/bin/veloxa" --version)" ] || fail "the viewer's version is $viewers"
-    cat "$work"/viewers.* | grep -qF "calling init: $root/usr/" || fail "the viewer loads no library of the installation"
-    ! cat "$work"/viewers.* | grep -q "calling init: $build/" || fail "the viewer loads from the build"
+    grep -qF "calling init: $root/usr/" "$work"/viewers.* || fail "the viewer loads no library of the installation"
+    ! grep -q "calling init: $build/" "$work"/viewers.* || fail "the viewer loads from the build"
 fi
 others=$(ldd "$module" | sed -E 's/^\s*(\S+).*/\1/' | grep -vE '^(linux-vdso|libm|libc|/.*/ld-linux[^/]*)\.so' || true)
 [ -z "$others" ] || fail "the bundle needs $others"

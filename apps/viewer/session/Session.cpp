@@ -102,6 +102,7 @@ void Session::set(Knob& knob, double value, int i) {
 }
 
 void Session::reset(Knob& knob) {
+    if (!knob.takes_value()) return;
     begin_edit("reset " + knob.target().label());
     knob.target().restore_default();
     knob.target().changed();

@@ -162,8 +162,7 @@ void Session::set_up(const SetupOptions& options,
             caller.warn =
                 caller.tell = [this](const std::string& line) { post([this, line] { tell(line); }); };
             KeySetup setup(options, caller);
-            const std::string& script = options.settings.script;
-            if (!script.empty()) *mattes = read_mattes(read_text(script), script);
+            *mattes = setup.loader().drawn();
             *settings = Settings(setup.node().panel());
             setup.prepare();
             *settings = Settings(setup.node().panel());
