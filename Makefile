@@ -5,12 +5,17 @@
 # make quality SEEDS="1 2" SIZE=1920x1080 scores keys of other plates than the usual ones.
 # make bench BENCH_ARGS=--benchmark_filter=REGEX runs some of the benchmarks.
 
-.PHONY: build bundle install deb deb-check deps demo test bench quality asan tsan debug format format-check tidy \
-	check-house clean
+.PHONY: build viewer bundle install deb deb-check deps deps-viewer demo test bench quality asan tsan debug format \
+	format-check tidy check-house clean
 
 build: deps
 	cmake --preset release
 	cmake --build --preset release
+
+# The interactive viewer, which alone needs Qt.
+viewer: deps-viewer
+	cmake --preset release
+	cmake --build --preset release --target veloxa veloxa-viewer
 
 PREFIX ?= /usr/local
 
@@ -18,9 +23,10 @@ bundle: deps
 	cmake --preset release
 	cmake --build --preset release --target veloxa_ofx
 
+# With the viewer where what it needs is there.
 install: deps
 	cmake --preset release
-	cmake --build --preset release --target veloxa Veloxa veloxa_ofx pages
+	cmake --build --preset release --target products
 	cmake --install build --prefix "$(PREFIX)"
 
 # Of what is committed, with the tests unless DEB_BUILD_OPTIONS=nocheck.
@@ -37,13 +43,18 @@ deb-check:
 deps:
 	@[ -n "$(SKIP_DEPS)" ] || tools/deps.sh
 
+deps-viewer:
+	@[ -n "$(SKIP_DEPS)" ] || tools/deps.sh viewer
+
 # Builds the program and its module alone, so that a newcomer need not wait for the tests.
 demo: deps
 	cmake --preset release
 	cmake --build --preset release --target veloxa
 	tools/demo.sh
 
-test: build
+test: deps-viewer
+	cmake --preset release
+	cmake --build --preset release
 	tools/run_tests.sh release
 
 bench:
@@ -57,7 +68,7 @@ quality: deps
 	cmake --build --preset release --target veloxa
 	tools/quality.sh
 
-debug asan tsan: deps
+debug asan tsan: deps-viewer
 	cmake --preset $@
 	cmake --build --preset $@
 	tools/run_tests.sh $@

@@ -40,7 +40,7 @@ inside() {
     chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive "$@"
 }
 # All that the packages and their tests need beside themselves, so that the lists differ by these alone.
-needed=$(for deb in "${debs[@]}"; do dpkg-deb -f "$deb" Depends; done | tr ',' '\n' | grep -v libzoimage0 | paste -sd ,)
+needed=$(for deb in "${debs[@]}"; do dpkg-deb -f "$deb" Depends; done | tr ',' '\n' | grep -vE '^ *(libzoimage0|veloxa)' | paste -sd ,)
 {
     inside apt-get -q update
     inside apt-get -q -y --no-install-recommends satisfy "$needed, g++, pkgconf, dpkg-dev"

@@ -1,15 +1,18 @@
+#include <utility>
+
 #include "Writers.h"
 
 namespace veloxa {
 
 namespace {
 
-// What does not depend on the command line. `given` is what is typed of the value, `head` what stands before
-// it in the same word, as --set= does.
-constexpr const char* kHelpers = R"sh(# bash completion for veloxa, made with the program.
+// What does not depend on the command line, with @program@ for its name and @prefix@ for where names of
+// functions begin. `given`
+// is what is typed of the value, `head` what stands before it in the same word, as --set= does.
+constexpr const char* kHelpers = R"sh(# bash completion for @program@, made with the program.
 
 # Proposes the arguments that begin as the word does. The shell replaces what follows the last = of it.
-_veloxa_reply() {
+@prefix@_reply() {
     local word start=
     [[ $COMP_WORDBREAKS == *=* && $cur == *=* ]] && start=${cur%=*}=
     for word in "$@"; do
@@ -19,34 +22,39 @@ _veloxa_reply() {
 }
 
 # Items with blanks are quoted as they would be typed.
-_veloxa_items() {
+@prefix@_items() {
     local item items=()
     for item in "$@"; do items+=("$(printf %q "$item")"); done
-    _veloxa_reply "${items[@]}"
+    @prefix@_reply "${items[@]}"
 }
 
-_veloxa_files() {
+@prefix@_files() {
     cur=$given
     _filedir "$@"
 }
 
 )sh";
 
-constexpr const char* kBegin = R"sh(_veloxa() {
+constexpr const char* kBegin = R"sh(@prefix@() {
     local cur prev words cword
     _init_completion -n := || return
-    local command= option=$prev given=$cur head= i
+    local command= option=$prev given=$cur head=
+)sh";
+
+constexpr const char* kFindCommand = R"sh(    local i
     for ((i = 1; i < cword; i++)); do
         [[ ${words[i]} == -* ]] || { command=${words[i]}; break; }
     done
-    if [[ $cur == --*=* ]]; then
+)sh";
+
+constexpr const char* kMiddle = R"sh(    if [[ $cur == --*=* ]]; then
         option=${cur%%=*} given=${cur#*=}
         head=$option=
     fi
     case $command:$option in
 )sh";
 
-constexpr const char* kEnd = R"sh(complete -F _veloxa veloxa
+constexpr const char* kEnd = R"sh(complete -F @prefix@ @program@
 )sh";
 
 std::string knob_function(const CommandLine& all) {
@@ -55,11 +63,11 @@ std::string knob_function(const CommandLine& all) {
     for (const KnobText& knob : all.knobs) {
         names.push_back(knob.name);
         if (knob.values.empty()) continue;
-        cases += "        " + knob.name + "=*) head+=${given%%=*}= && _veloxa_items" + words_of(knob.values) +
-                 " ;;\n";
+        cases += "        " + knob.name + "=*) head+=${given%%=*}= && @prefix@_items" +
+                 words_of(knob.values) + " ;;\n";
     }
-    return "_veloxa_knobs() {\n    case $given in\n" + cases +
-           "        *=*) ;;\n        *)\n            compopt -o nospace\n            _veloxa_reply" +
+    return "@prefix@_knobs() {\n    case $given in\n" + cases +
+           "        *=*) ;;\n        *)\n            compopt -o nospace\n            @prefix@_reply" +
            words_of(names, "=") + "\n            ;;\n    esac\n}\n\n";
 }
 
@@ -67,19 +75,19 @@ std::string knob_function(const CommandLine& all) {
 std::string action(const OptionText& option, const CommandLine& all) {
     switch (option.value) {
         case Value::kFile:
-            return "_veloxa_files";
+            return "@prefix@_files";
         case Value::kNamedFile:
-            return "given=${given#*=} && _veloxa_files";
+            return "given=${given#*=} && @prefix@_files";
         case Value::kFolder:
-            return "_veloxa_files -d";
+            return "@prefix@_files -d";
         case Value::kChoice:
-            return "_veloxa_items" + words_of(option.choices);
+            return "@prefix@_items" + words_of(option.choices);
         case Value::kKnob:
-            return "_veloxa_knobs";
+            return "@prefix@_knobs";
         case Value::kTool:
-            return "compopt -o nospace && _veloxa_reply" + words_of(all.tools, "=");
+            return "compopt -o nospace && @prefix@_reply" + words_of(all.tools, "=");
         case Value::kStage:
-            return "_veloxa_reply" + words_of(all.stages);
+            return "@prefix@_reply" + words_of(all.stages);
         case Value::kNone:
         case Value::kCommand:
         case Value::kOther:
@@ -109,27 +117,42 @@ std::string words_case(const CommandText& command, const CommandLine& all) {
     std::vector<std::string> commands;
     for (const CommandText& one : all.commands) commands.push_back(one.name);
     std::string otherwise = ":";
-    if (command.name.empty()) otherwise = "_veloxa_reply" + words_of(commands);
+    if (command.name.empty()) otherwise = "@prefix@_reply" + words_of(commands);
     for (const OptionText& option : command.options) {
         if (!option.positional) continue;
-        otherwise = option.value == Value::kCommand ? "_veloxa_reply" + words_of(commands) : "_veloxa_files";
+        otherwise =
+            option.value == Value::kCommand ? "@prefix@_reply" + words_of(commands) : "@prefix@_files";
     }
-    return "        " + quoted_for_shell(command.name) + ":-*) _veloxa_reply" + names_of(command) +
+    return "        " + quoted_for_shell(command.name) + ":-*) @prefix@_reply" + names_of(command) +
            " ;;\n        " + quoted_for_shell(command.name) + ":*) " + otherwise + " ;;\n";
+}
+
+// A text of the above for this program.
+std::string filled_in(std::string text, const CommandLine& all) {
+    const std::pair<std::string, std::string> kinds[] = {{"@program@", all.name},
+                                                         {"@prefix@", prefix_of(all)}};
+    for (const auto& [word, name] : kinds) {
+        for (std::size_t at = text.find(word); at != text.npos; at = text.find(word, at + name.size()))
+            text.replace(at, word.size(), name);
+    }
+    return text;
 }
 
 }  // namespace
 
 std::string bash_completion(const CommandLine& all) {
-    std::string text = kHelpers + knob_function(all) + kBegin;
-    for (const CommandText& command : all.commands) {
-        for (const OptionText& option : command.options) {
-            if (option.value != Value::kNone && !option.positional) text += case_of(command, option, all);
+    std::vector<CommandText> lines{all.program};
+    lines.insert(lines.end(), all.commands.begin(), all.commands.end());
+    std::string text =
+        kHelpers + knob_function(all) + kBegin + (all.commands.empty() ? "" : kFindCommand) + kMiddle;
+    for (const CommandText& line : lines) {
+        for (const OptionText& option : line.options) {
+            if (option.value != Value::kNone && !option.positional) text += case_of(line, option, all);
         }
     }
-    text += "    esac\n    case $command:$cur in\n" + words_case(all.program, all);
-    for (const CommandText& command : all.commands) text += words_case(command, all);
-    return text + "    esac\n}\n" + kEnd;
+    text += "    esac\n    case $command:$cur in\n";
+    for (const CommandText& line : lines) text += words_case(line, all);
+    return filled_in(text + "    esac\n}\n" + kEnd, all);
 }
 
 }  // namespace veloxa

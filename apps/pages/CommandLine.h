@@ -1,4 +1,4 @@
-// The program's command line as data: what the manual pages and the completions of shells are written from.
+// A program's command line as data: what the manual pages and the completions of shells are written from.
 #pragma once
 
 #include <string>
@@ -38,12 +38,21 @@ struct KnobText {
 };
 
 struct CommandLine {
-    CommandText program;
+    std::string name;     // of the program
+    CommandText program;  // the whole command line where there are no commands
     std::vector<CommandText> commands;
-    std::vector<KnobText> knobs;      // that take a value
-    std::vector<std::string> tools;   // as --stroke takes them
-    std::vector<std::string> stages;  // as --stage takes them
+    std::vector<KnobText> knobs;       // that take a value
+    std::vector<std::string> tools;    // as --stroke takes them
+    std::vector<std::string> stages;   // as --stage takes them
+    std::vector<std::string> related;  // pages beside the commands'
 };
+
+// What the functions that completions define begin with.
+inline std::string prefix_of(const CommandLine& all) {
+    std::string prefix = "_" + all.name;
+    for (char& c : prefix) c = c == '-' ? '_' : c;
+    return prefix;
+}
 
 // As one word of a POSIX shell.
 inline std::string quoted_for_shell(const std::string& text) {

@@ -95,6 +95,7 @@ std::vector<std::string> values_of(const Knob& knob) {
 CommandLine describe(const CLI::App& app, const Node& node) {
     constexpr std::string_view kToolbar = "toolbar_";
     CommandLine all;
+    all.name = app.get_name();
     all.program = describe(app);
     for (const CLI::App* command : app.get_subcommands({})) all.commands.push_back(describe(*command));
     for (const auto& knob : node.panel().knobs()) {

@@ -1,4 +1,4 @@
-// Reads the command line from the program's parser and from the node.
+// Reads a command line from a program's parser and from the node.
 #pragma once
 
 #include <CLI/CLI.hpp>

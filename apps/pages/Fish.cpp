@@ -27,7 +27,8 @@ std::string knob_function(const CommandLine& all) {
         for (const std::string& value : knob.values) cases += " " + quoted(knob.name + "=" + value);
         cases += "\n";
     }
-    return "function __veloxa_knobs\n    switch (commandline -ct | string replace -r -- '^--[a-z-]+=' '' | "
+    return "function _" + prefix_of(all) +
+           "_knobs\n    switch (commandline -ct | string replace -r -- '^--[a-z-]+=' '' | "
            "string unescape)\n" +
            cases + "        case '*=*'\n        case '*'\n            printf '%s\\n'" + names +
            "\n    end\nend\n\n";
@@ -43,7 +44,7 @@ std::string action(const OptionText& option, const CommandLine& all) {
         case Value::kChoice:
             return " -x -a " + quoted(joined(option.choices));
         case Value::kKnob:
-            return " -x -a '(__veloxa_knobs)'";
+            return " -x -a '(_" + prefix_of(all) + "_knobs)'";
         case Value::kTool:
             return " -x -a " + quoted(joined(all.tools, "="));
         case Value::kStage:
@@ -57,26 +58,46 @@ std::string action(const OptionText& option, const CommandLine& all) {
     return "";
 }
 
+// A completion where the condition holds; everywhere without one.
+std::string line(const CommandLine& all, const std::string& condition, const std::string& rest) {
+    return "complete -c " + all.name + (condition.empty() ? "" : " -n " + quoted(condition)) + rest + "\n";
+}
+
 std::string line_of(const std::string& condition, const OptionText& option, const CommandLine& all) {
-    std::string line = "complete -c veloxa -n " + quoted(condition);
+    std::string names;
     for (const std::string& name : option.names) {
-        line += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
+        names += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
     }
-    return line + action(option, all) + " -d " + quoted(option.meaning) + "\n";
+    return line(all, condition, names + action(option, all) + " -d " + quoted(option.meaning));
+}
+
+std::string lines_of(const std::string& condition, const CommandText& command, const CommandLine& all,
+                     const std::string& commands) {
+    std::string text;
+    for (const OptionText& option : command.options) {
+        if (!option.positional) {
+            text += line_of(condition, option, all);
+        } else if (option.value == Value::kCommand) {
+            text += line(all, condition, " -a " + quoted(commands));
+        } else {
+            text += line(all, condition, " -F");
+        }
+    }
+    return text;
 }
 
 }  // namespace
 
 std::string fish_completion(const CommandLine& all) {
-    std::vector<std::string> commands;
-    for (const CommandText& command : all.commands) commands.push_back(command.name);
-    const std::string before = "not __fish_seen_subcommand_from " + joined(commands);
-    std::string text = "# fish completion for veloxa, made with the program.\n\n" + knob_function(all) +
-                       "complete -c veloxa -f\n";
-    for (const OptionText& option : all.program.options) text += line_of(before, option, all);
+    std::vector<std::string> names;
+    for (const CommandText& command : all.commands) names.push_back(command.name);
+    const std::string commands = joined(names);
+    const std::string before = names.empty() ? "" : "not __fish_seen_subcommand_from " + commands;
+    std::string text = "# fish completion for " + all.name + ", made with the program.\n\n" +
+                       knob_function(all) + line(all, "", " -f");
+    text += lines_of(before, all.program, all, commands);
     for (const CommandText& command : all.commands) {
-        text += "complete -c veloxa -n " + quoted(before) + " -a " + command.name + " -d " +
-                quoted(command.meaning) + "\n";
+        text += line(all, before, " -a " + command.name + " -d " + quoted(command.meaning));
     }
     for (const CommandText& command : all.commands) {
         // `help key` has two of their names.
@@ -84,15 +105,7 @@ std::string fish_completion(const CommandLine& all) {
                                                         : "not __fish_seen_subcommand_from help; and "
                                                           "__fish_seen_subcommand_from " +
                                                               command.name;
-        for (const OptionText& option : command.options) {
-            if (!option.positional) {
-                text += line_of(here, option, all);
-            } else if (option.value == Value::kCommand) {
-                text += "complete -c veloxa -n " + quoted(here) + " -a " + quoted(joined(commands)) + "\n";
-            } else {
-                text += "complete -c veloxa -n " + quoted(here) + " -F\n";
-            }
-        }
+        text += lines_of(here, command, all, commands);
     }
     return text;
 }

@@ -55,8 +55,8 @@ std::string joined(const std::vector<std::string>& words, const char* between) {
     return text;
 }
 
-std::string page_name(const CommandText& command) {
-    return command.name.empty() ? "veloxa" : "veloxa-" + command.name;
+std::string page_name(const CommandLine& all, const CommandText& command) {
+    return all.name + (command.name.empty() ? "" : "-" + command.name);
 }
 
 std::string value_text(const OptionText& option) {
@@ -66,9 +66,15 @@ std::string value_text(const OptionText& option) {
     return text;
 }
 
-std::string synopsis(const CommandText& command) {
-    std::string text = ".SH SYNOPSIS\n" + bold("veloxa" + (command.name.empty() ? "" : " " + command.name));
-    if (command.name.empty()) return text + " " + italic("COMMAND") + " [" + italic("OPTION") + " ...]\n";
+// Whether it is the program's own, which goes on with a command.
+bool takes_command(const CommandLine& all, const CommandText& command) {
+    return command.name.empty() && !all.commands.empty();
+}
+
+std::string synopsis(const CommandLine& all, const CommandText& command) {
+    std::string text = ".SH SYNOPSIS\n" + bold(all.name + (command.name.empty() ? "" : " " + command.name));
+    if (takes_command(all, command))
+        return text + " " + italic("COMMAND") + " [" + italic("OPTION") + " ...]\n";
     for (const OptionText& option : command.options) {
         if (option.required && !option.positional) {
             text += " " + bold(option.names.front()) + " " + value_text(option);
@@ -77,7 +83,8 @@ std::string synopsis(const CommandText& command) {
     text += " [" + italic("OPTION") + " ...]";
     for (const OptionText& option : command.options) {
         if (!option.positional) continue;
-        const std::string name = italic(option.names.front());
+        std::string name = italic(option.names.front());
+        if (option.repeats) name += " ...";
         text += option.required ? " " + name : " [" + name + "]";
     }
     return text + "\n";
@@ -117,7 +124,7 @@ std::string options_of(const CommandText& command) {
 std::string commands_of(const CommandLine& all) {
     std::string text = ".SH COMMANDS\nEach has a page of its own.\n";
     for (const CommandText& command : all.commands) {
-        text += ".TP\n" + bold(page_name(command)) + "(1)\n" + roff(command.meaning) + "\n";
+        text += ".TP\n" + bold(page_name(all, command)) + "(1)\n" + roff(command.meaning) + "\n";
     }
     return text;
 }
@@ -154,11 +161,13 @@ std::string section(const char* title, const CommandText& command, std::string_v
 }
 
 std::string see_also(const CommandLine& all, const CommandText& command) {
-    std::string text = command.name.empty() ? "" : "\\fBveloxa\\fR(1)";
+    std::vector<std::string> pages;
+    if (!command.name.empty()) pages.push_back(bold(all.name) + "(1)");
     for (const CommandText& other : all.commands) {
-        if (other.name != command.name) text += (text.empty() ? "" : ",\n") + bold(page_name(other)) + "(1)";
+        if (other.name != command.name) pages.push_back(bold(page_name(all, other)) + "(1)");
     }
-    return ".SH SEE ALSO\n" + text + "\n";
+    for (const std::string& page : all.related) pages.push_back(bold(page) + "(1)");
+    return ".SH SEE ALSO\n" + joined(pages, ",\n") + "\n";
 }
 
 }  // namespace
@@ -168,15 +177,16 @@ std::string manual_page(const CommandLine& all, const CommandText& command, cons
     for (const std::string& line : all.program.notes) {
         if (line.starts_with(kExitStatus)) status = line.substr(kExitStatus.size());
     }
-    std::string title = page_name(command);
+    std::string title = page_name(all, command);
     for (char& c : title) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
     std::string brief = command.meaning;
     if (brief.ends_with('.')) brief.pop_back();
     if (!brief.empty()) brief[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(brief[0])));
     return ".TH " + roff(title) + " 1 \"\" \"veloxa " + roff(version) + "\" \"Veloxa\"\n.SH NAME\n" +
-           roff(page_name(command)) + " \\- " + roff(brief) + "\n" + synopsis(command) + ".SH DESCRIPTION\n" +
-           roff(command.meaning) + "\n" + prose_of(command) + (command.name.empty() ? commands_of(all) : "") +
-           options_of(command) + section("ENVIRONMENT", command, kEnvironment, "") +
+           roff(page_name(all, command)) + " \\- " + roff(brief) + "\n" + synopsis(all, command) +
+           ".SH DESCRIPTION\n" + roff(command.meaning) + "\n" + prose_of(command) +
+           (takes_command(all, command) ? commands_of(all) : "") + options_of(command) +
+           section("ENVIRONMENT", command, kEnvironment, "") +
            section("EXIT STATUS", command, kExitStatus, status) + see_also(all, command);
 }
 

@@ -22,16 +22,17 @@ std::string knob_function(const CommandLine& all) {
         if (!knob.values.empty())
             cases += "            " + knob.name + ") compadd --" + words_of(knob.values) + " ;;\n";
     }
-    return "_veloxa_knobs() {\n    if compset -P '*='; then\n        case ${${IPREFIX%=}##*=} in\n" + cases +
+    return prefix_of(all) +
+           "_knobs() {\n    if compset -P '*='; then\n        case ${${IPREFIX%=}##*=} in\n" + cases +
            "        esac\n    else\n        compadd -q -S = --" + names + "\n    fi\n}\n\n";
 }
 
 std::string tool_function(const CommandLine& all) {
-    return "_veloxa_tools() {\n    compadd -q -S = --" + words_of(all.tools) +
-           "\n}\n\n_veloxa_stages() {\n    compadd --" + words_of(all.stages) + "\n}\n\n";
+    return prefix_of(all) + "_tools() {\n    compadd -q -S = --" + words_of(all.tools) + "\n}\n\n" +
+           prefix_of(all) + "_stages() {\n    compadd --" + words_of(all.stages) + "\n}\n\n";
 }
 
-std::string action(const OptionText& option) {
+std::string action(const OptionText& option, const std::string& prefix) {
     switch (option.value) {
         case Value::kFile:
             return "_files";
@@ -40,13 +41,13 @@ std::string action(const OptionText& option) {
         case Value::kFolder:
             return "_files -/";
         case Value::kKnob:
-            return "_veloxa_knobs";
+            return prefix + "_knobs";
         case Value::kTool:
-            return "_veloxa_tools";
+            return prefix + "_tools";
         case Value::kStage:
-            return "_veloxa_stages";
+            return prefix + "_stages";
         case Value::kCommand:
-            return "_veloxa_commands";
+            return prefix + "_commands";
         case Value::kChoice: {
             std::string choices;
             for (const std::string& choice : option.choices) choices += (choices.empty() ? "" : " ") + choice;
@@ -60,9 +61,9 @@ std::string action(const OptionText& option) {
 }
 
 // One argument of _arguments a name.
-std::string specifications(const OptionText& option) {
+std::string specifications(const OptionText& option, const std::string& prefix) {
     const bool flag = option.value == Value::kNone;
-    const std::string value = flag ? "" : ":" + escaped(option.value_name) + ":" + action(option);
+    const std::string value = flag ? "" : ":" + escaped(option.value_name) + ":" + action(option, prefix);
     if (option.positional) return " \\\n        " + quoted_for_shell((option.repeats ? "*" : "") + value);
     std::string instead;
     for (const std::string& name : option.excludes) instead += (instead.empty() ? "" : " ") + name;
@@ -82,31 +83,38 @@ std::string specifications(const OptionText& option) {
     return text;
 }
 
-std::string arguments_of(const CommandText& command) {
+std::string arguments_of(const CommandText& command, const std::string& prefix) {
     std::string text = "_arguments";
-    for (const OptionText& option : command.options) text += specifications(option);
+    for (const OptionText& option : command.options) text += specifications(option, prefix);
     return text;
+}
+
+// The function's body behind the program's own arguments.
+std::string commands_of(const CommandLine& all, const std::string& prefix) {
+    std::string text = " \\\n        '1:command:" + prefix +
+                       "_commands' \\\n        '*::argument:->command'\n"
+                       "    [[ $state == command ]] || return\n    case $line[1] in\n";
+    for (const CommandText& command : all.commands) {
+        text += "    " + command.name + ")\n    " + arguments_of(command, prefix) + " ;;\n";
+    }
+    return text + "    esac";
 }
 
 }  // namespace
 
 std::string zsh_completion(const CommandLine& all) {
-    std::string text = "#compdef veloxa\n# zsh completion for veloxa, made with the program.\n\n" +
-                       knob_function(all) + tool_function(all) +
-                       "_veloxa_commands() {\n    local -a commands=(\n";
+    const std::string prefix = prefix_of(all);
+    std::string text = "#compdef " + all.name + "\n# zsh completion for " + all.name +
+                       ", made with the program.\n\n" + knob_function(all) + tool_function(all);
+    if (!all.commands.empty()) text += prefix + "_commands() {\n    local -a commands=(\n";
     for (const CommandText& command : all.commands) {
         text += "        " + quoted_for_shell(command.name + ":" + command.meaning) + "\n";
     }
-    text +=
-        "    )\n    _describe command commands\n}\n\n_veloxa() {\n    local context state state_descr line\n"
-        "    typeset -A opt_args\n    " +
-        arguments_of(all.program) +
-        " \\\n        '1:command:_veloxa_commands' \\\n        '*::argument:->command'\n"
-        "    [[ $state == command ]] || return\n    case $line[1] in\n";
-    for (const CommandText& command : all.commands) {
-        text += "    " + command.name + ")\n    " + arguments_of(command) + " ;;\n";
-    }
-    return text + "    esac\n}\n\n_veloxa \"$@\"\n";
+    if (!all.commands.empty()) text += "    )\n    _describe command commands\n}\n\n";
+    text += prefix + "() {\n    local context state state_descr line\n    typeset -A opt_args\n    " +
+            arguments_of(all.program, prefix);
+    if (!all.commands.empty()) text += commands_of(all, prefix);
+    return text + "\n}\n\n" + prefix + " \"$@\"\n";
 }
 
 }  // namespace veloxa

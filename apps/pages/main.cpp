@@ -1,4 +1,4 @@
-// Writes the program's manual pages and completions below a folder: man/ and completions/. Run by the build.
+// Writes the programs' manual pages and completions below a folder: man/ and completions/. Run by the build.
 // usage: veloxa-pages FOLDER
 #include <filesystem>
 #include <string>
@@ -6,30 +6,45 @@
 #include "Describe.h"
 #include "Program.h"
 #include "Terminal.h"
+#include "ViewOptions.h"
 #include "Writers.h"
 #include "shot/files/AtomicFile.h"
 
 namespace {
 
-void write_pages(const std::filesystem::path& folder) {
-    CLI::App app;
-    veloxa::Run run;
-    veloxa::add_program(app, run);
-    const veloxa::Node node;
-    const veloxa::CommandLine all = veloxa::describe(app, node);
-
-    std::filesystem::create_directories(folder / "man");
-    std::filesystem::create_directories(folder / "completions");
+void write_pages(const std::filesystem::path& folder, const veloxa::CommandLine& all) {
     const auto write = [&](const std::string& name, const std::string& text) {
         veloxa::write_text((folder / name).string(), text, true);
     };
-    write("man/veloxa.1", veloxa::manual_page(all, all.program, VELOXA_VERSION));
+    write("man/" + all.name + ".1", veloxa::manual_page(all, all.program, VELOXA_VERSION));
     for (const veloxa::CommandText& command : all.commands) {
-        write("man/veloxa-" + command.name + ".1", veloxa::manual_page(all, command, VELOXA_VERSION));
+        write("man/" + all.name + "-" + command.name + ".1",
+              veloxa::manual_page(all, command, VELOXA_VERSION));
     }
-    write("completions/veloxa", veloxa::bash_completion(all));
-    write("completions/_veloxa", veloxa::zsh_completion(all));
-    write("completions/veloxa.fish", veloxa::fish_completion(all));
+    write("completions/" + all.name, veloxa::bash_completion(all));
+    write("completions/_" + all.name, veloxa::zsh_completion(all));
+    write("completions/" + all.name + ".fish", veloxa::fish_completion(all));
+}
+
+void write_all(const std::filesystem::path& folder) {
+    std::filesystem::create_directories(folder / "man");
+    std::filesystem::create_directories(folder / "completions");
+    const veloxa::Node node;
+
+    CLI::App program;
+    veloxa::Run run;
+    veloxa::add_program(program, run);
+    veloxa::CommandLine all = veloxa::describe(program, node);
+
+    CLI::App viewer;
+    veloxa::ViewOptions options;
+    veloxa::add_viewer(viewer, options);
+    veloxa::CommandLine viewers = veloxa::describe(viewer, node);
+
+    all.related = {viewers.name};
+    viewers.related = {all.name, all.name + "-view"};
+    write_pages(folder, all);
+    write_pages(folder, viewers);
 }
 
 }  // namespace
@@ -39,7 +54,7 @@ int main(int argc, char** argv) try {
         veloxa::report("usage: veloxa-pages FOLDER");
         return veloxa::kExitUsage;
     }
-    write_pages(argv[1]);
+    write_all(argv[1]);
     return veloxa::kExitOk;
 } catch (const std::exception& error) {
     veloxa::report(error.what());

@@ -37,7 +37,9 @@ std::string option_guess(const CLI::App& app, std::string_view argument) {
 
 std::string message_for(const CLI::App& command, const CLI::ParseError& error) {
     const std::string& name = command.get_name();
-    const std::string help = "; see veloxa " + name + " --help";
+    const CLI::App* const program = command.get_parent();
+    const std::string help =
+        "; see " + (program != nullptr ? program->get_name() + " " : std::string()) + name + " --help";
     const std::vector<std::string> left = command.remaining();
     for (const std::string& argument : left) {
         if (!argument.starts_with("-")) continue;
@@ -67,6 +69,7 @@ std::string usage_message(const CLI::App& app, const CLI::ParseError& error, con
     const auto chosen = app.get_subcommands();
     if (!chosen.empty()) return message_for(*chosen.front(), error);
     const std::vector<std::string> names = names_of(app);
+    if (names.empty()) return message_for(app, error);
     if (first.starts_with("-")) {
         const std::string guess = option_guess(app, first);
         return first + ": a command comes first: " + joined(names) +

@@ -1,8 +1,18 @@
 #include "ViewOptions.h"
 
 #include "Options.h"
+#include "Version.h"
 
 namespace veloxa {
+
+namespace {
+
+constexpr const char* kViewerFooter =
+    "Environment: DISPLAY or WAYLAND_DISPLAY names the screen, QT_SCALE_FACTOR scales the window; OCIO, "
+    "VELOXA_LANES and VELOXA_PLUGIN_PATH count as for `veloxa`.\n"
+    "Exit status: 0 when the window was closed, 1 when it could not be opened, 2 for bad usage.";
+
+}  // namespace
 
 void add_view_options(CLI::App& command, ViewOptions& options) {
     command
@@ -14,6 +24,15 @@ void add_view_options(CLI::App& command, ViewOptions& options) {
     add_setup_options(command, options.setup);
     command.get_option("--fg")->required(false);
     command.footer(kSetupOrder);
+}
+
+void add_viewer(CLI::App& app, ViewOptions& options) {
+    app.name("veloxa-viewer");
+    app.description("Interactive keyer for stills and image sequences.");
+    add_view_options(app, options);
+    app.set_version_flag(
+        "--version", [] { return version_text(false); }, "Print the version and exit");
+    app.footer(std::string(kSetupOrder) + "\n" + kViewerFooter);
 }
 
 std::vector<std::string> view_arguments(const ViewOptions& options) {

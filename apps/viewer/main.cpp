@@ -1,7 +1,9 @@
 // veloxa-viewer: reads the command line and opens the window.
 #include <QApplication>
 #include <QDir>
-#include <iostream>
+#include <QIcon>
+#include <exception>
+#include <string>
 
 #include "Commands.h"
 #include "Terminal.h"
@@ -9,7 +11,6 @@
 #include "Version.h"
 #include "ViewOptions.h"
 #include "panel/DarkTheme.h"
-#include "shot/Errors.h"
 #include "shot/files/ImageLibrary.h"
 #include "window/MainWindow.h"
 
@@ -29,9 +30,30 @@ QString state_folder() {
     return named.startsWith('/') ? named : QDir::homePath() + QStringLiteral("/.local/state");
 }
 
-int run(QApplication& application, const veloxa::ViewOptions& options) {
+// The toolkit ends the program where it finds none.
+bool has_display() {
+    for (const char* const name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+        if (!qEnvironmentVariableIsEmpty(name)) return true;
+    }
+    return false;
+}
+
+QIcon icon() {
+    QIcon icon;
+    for (const int size : {16, 32, 64, 256}) icon.addFile(QStringLiteral(":/icon/%1.png").arg(size));
+    return icon;
+}
+
+int run(char** argv, const veloxa::ViewOptions& options) {
+    int arguments = 1;  // names of files are none of the toolkit's options
+    QApplication application(arguments, argv);
+    QApplication::setApplicationName(QStringLiteral("veloxa-viewer"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Veloxa"));
+    QApplication::setDesktopFileName(QStringLiteral("org.veloxa.Viewer"));
+    QApplication::setWindowIcon(icon());
     veloxa::viewer::use_dark_theme(application);
     veloxa::viewer::WindowPlace place;
+    place.budgets = veloxa::viewer::place_on_this_machine();
     place.program = QString::fromStdString(veloxa::version_text(false));
     place.rescue_folder = state_folder() + QStringLiteral("/veloxa/rescue");
     veloxa::viewer::MainWindow window(place);
@@ -45,19 +67,16 @@ int run(QApplication& application, const veloxa::ViewOptions& options) {
 
 int main(int argc, char** argv) {
     veloxa::silence_library();
-    CLI::App app("Interactive keyer for stills and image sequences.", "veloxa-viewer");
+    CLI::App app;
     veloxa::ViewOptions options;
-    veloxa::add_view_options(app, options);
-    app.set_version_flag("--version", [] { return veloxa::version_text(false); });
+    veloxa::add_viewer(app, options);
     try {
-        // The toolkit takes its own options, as -platform, off the line.
-        QApplication application(argc, argv);
-        QApplication::setApplicationName(QStringLiteral("veloxa-viewer"));
-        QApplication::setApplicationDisplayName(QStringLiteral("Veloxa"));
-        QApplication::setDesktopFileName(QStringLiteral("veloxa-viewer"));
         app.parse(argc, argv);
-        return run(application, options);
+        if (has_display()) return run(argv, options);
+        veloxa::report("there is no screen: neither DISPLAY nor WAYLAND_DISPLAY is set");
+        return veloxa::kExitFailure;
     } catch (const CLI::ParseError& error) {
+        // --help and --version arrive here too, as errors of status 0.
         if (error.get_exit_code() == 0) return app.exit(error);
         veloxa::report(veloxa::usage_message(app, error, argc > 1 ? argv[1] : ""));
         return veloxa::kExitUsage;

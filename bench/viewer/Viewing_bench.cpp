@@ -75,6 +75,7 @@ std::vector<Case> cases() {
 void count(benchmark::State& state, const Timing& time) {
     state.counters["ms"] = time.median * 1e3;
     state.counters["least"] = time.least * 1e3;
+    state.counters["processor ms"] = time.processor * 1e3;
 }
 
 void shade_case(benchmark::State& state, const Case& one) {
@@ -121,5 +122,5 @@ int main(int argc, char** argv) {
     measure("making a display transform", 1, 1, [](const Image&) {
         benchmark::DoNotOptimize(display_transform(ColourConfig::built_in(), kLinear, {"sRGB", "plain", ""}));
     });
-    return run_table(argc, argv, "The viewer's pictures", {{"ms", 2}, {"least", 2}});
+    return run_table(argc, argv, "The viewer's pictures", {{"processor ms", 1}, {"ms", 1}, {"least", 1}});
 }

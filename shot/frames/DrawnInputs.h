@@ -14,7 +14,6 @@ class DrawnInputs {
     void set(DrawnMattes mattes);
     const DrawnMattes& mattes() const { return mattes_; }
 
-    bool any(DrawnMatte::Kind kind) const;
     // The input as it is where there are none of the kind.
     LoadedInput over(DrawnMatte::Kind kind, const LoadedInput& under, const Zo::Image::Format& format);
 
@@ -23,6 +22,8 @@ class DrawnInputs {
         LoadedInput under, result;
         Zo::Image::Format format;
     };
+
+    bool any(DrawnMatte::Kind kind) const;
 
     DrawnMattes mattes_;
     std::array<Drawn, 2> drawn_;  // the latest of each kind

@@ -150,14 +150,6 @@ std::shared_ptr<const Image> FrameLoader::foreground(int frame) {
     return ahead_.image;
 }
 
-std::array<bool, kInputCount> FrameLoader::used() const {
-    std::array<bool, kInputCount> used{};
-    for (std::size_t n = 0; n < kInputCount; ++n) used[n] = !names_[n].empty();
-    used[kGm] = used[kGm] || drawn_.any(DrawnMatte::Kind::kGarbage);
-    used[kHm] = used[kHm] || drawn_.any(DrawnMatte::Kind::kHoldout);
-    return used;
-}
-
 FrameInputs FrameLoader::load(int frame) {
     reach(frame);
     FrameInputs inputs;

@@ -44,8 +44,6 @@ class FrameLoader {
     // there and whether there is one or not.
     void draw(DrawnMattes mattes) { drawn_.set(std::move(mattes)); }
     const DrawnMattes& drawn() const { return drawn_.mattes(); }
-    // The inputs that frames have an image for.
-    std::array<bool, kInputCount> used() const;
     // Looks whether the inputs' files of a frame hold what is chosen of them, so that a mistake there is told
     // once. Throws Error.
     void check_choices(int frame) const;

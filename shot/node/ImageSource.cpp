@@ -25,22 +25,24 @@ void ImageSource::engine(int y, int x, int /*r*/, const ChannelSet& channels, Ro
     }
 }
 
-void NodeInputs::connect(Iop& node, const std::array<bool, kInputCount>& used) {
-    for (int n = 0; n < node.inputs(); ++n) {
-        const auto input = static_cast<std::size_t>(n);
-        if (!used[input]) {
-            node.set_input(n, node.default_input(n));
-            sources_[input].reset();
-        } else {
-            sources_[input] = std::make_unique<ImageSource>(NodeContext{kInputNames[input]});
-            node.set_input(n, sources_[input].get());
-        }
-    }
+void NodeInputs::connect(Iop& node) {
+    node_ = &node;
+    for (std::size_t n = 0; n < kInputCount; ++n) use(n, false);
+}
+
+void NodeInputs::use(std::size_t input, bool used) {
+    const int number = static_cast<int>(input);
+    std::unique_ptr<ImageSource> source;
+    if (used) source = std::make_unique<ImageSource>(NodeContext{kInputNames[input]});
+    node_->set_input(number, used ? source.get() : node_->default_input(number));
+    sources_[input] = std::move(source);
 }
 
 void NodeInputs::set(const FrameInputs& inputs) {
     for (std::size_t n = 0; n < kInputCount; ++n) {
-        if (inputs[n].image) sources_[n]->set(inputs[n].image, inputs[n].identity);
+        const bool used = inputs[n].image != nullptr;
+        if (used != (sources_[n] != nullptr)) use(n, used);
+        if (used) sources_[n]->set(inputs[n].image, inputs[n].identity);
     }
 }
 

@@ -37,14 +37,17 @@ class ImageSource final : public Zo::Image::Iop {
 // The images on all of the node's inputs. Must outlive the node's last use. Not while rendering.
 class NodeInputs {
   public:
-    // Puts a source on every input that is used; the others get what the node puts there itself.
-    void connect(Zo::Image::Iop& node, const std::array<bool, kInputCount>& used);
-    // Serves a frame's images until the next ones.
+    // The node's inputs get what the node puts there itself, until there are images.
+    void connect(Zo::Image::Iop& node);
+    // Serves a frame's images until the next ones, on the inputs that have one: drawn mattes come and go.
     void set(const FrameInputs& inputs);
     // Lets the images go.
     void clear();
 
   private:
+    void use(std::size_t input, bool used);
+
+    Zo::Image::Iop* node_ = nullptr;
     std::array<std::unique_ptr<ImageSource>, kInputCount> sources_;
 };
 

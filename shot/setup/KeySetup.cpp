@@ -39,6 +39,7 @@ KeySetup::KeySetup(const SetupOptions& options, const Caller& caller)
       node_(caller.abort) {
     node_.apply(options.settings, caller);
     take_mattes();
+    inputs_.connect(node_.image());
     if (!options.screen.pick.empty()) parse_box("--pick", options.screen.pick);
     for (const std::string& text : options.strokes) {
         strokes_.push_back(parse_stroke(node_.panel(), text));
@@ -65,7 +66,6 @@ void KeySetup::take_mattes() {
 void KeySetup::draw(DrawnMattes mattes) {
     loader_.draw(std::move(mattes));
     show_nothing();
-    inputs_.connect(node_.image(), loader_.used());
 }
 
 void KeySetup::save_script(const std::string& path, bool overwrite) const {

@@ -40,7 +40,11 @@ void load_shot(Node& node, const std::string& path) {
 }
 
 void save_shot(const Node& node, const std::string& path, bool overwrite) {
-    write_text(path, node.panel().get(kShotKnob).text(), overwrite);
+    write_text(path, shot_text(node), overwrite);
+}
+
+std::string shot_text(const Node& node) {
+    return node.panel().get(kShotKnob).text();
 }
 
 bool has_shot(const Node& node) {

@@ -22,6 +22,8 @@ std::string shot_beside(const std::string& script);
 void load_shot(Node& node, const std::string& path);
 void save_shot(const Node& node, const std::string& path, bool overwrite);
 bool has_shot(const Node& node);
+// What save_shot writes; empty without a shot.
+std::string shot_text(const Node& node);
 // Whether the node keys by unmixing, which alone reads the shot.
 bool keys_by_shot(const Node& node);
 

@@ -68,6 +68,12 @@ class AutoSetup {
             reports_.push_back(ToolRun(node_).run(Tool::kFindScreen, StrokeAreas()));
             if (!reports_.back().failure.empty()) return std::move(reports_);
         }
+        node_.image.validate(true);
+        if (node_.image.input(0).info().box.empty()) {
+            reports_.emplace_back().tool = "auto";
+            reports_.back().failure = "there is no foreground to look at";
+            return std::move(reports_);
+        }
         step("auto unmix", [this] { choose_method(); });
         if (node_.knobs.unmixes()) {
             tell_notes();

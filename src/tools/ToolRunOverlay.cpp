@@ -125,6 +125,7 @@ ToolRun::Sample ToolRun::screen_sample() const {
 std::vector<OverlaySample> ToolRun::overlay_pixels(const std::vector<StrokePixel>& pixels,
                                                    bool screen) const {
     std::vector<OverlaySample> samples;
+    samples.reserve(pixels.size());
     for (const StrokePixel& p : pixels) {
         samples.push_back({p.first, plate() != nullptr ? p.second : screen_sample(), screen});
     }

@@ -14,7 +14,7 @@ mkdir out
 
 # Bad usage. The outputs must not come into being.
 expect_rows <<'TABLE'
-2|key, analyse, knobs, controls, spaces, cleanplate, tune, plate, compare, score|
+2|key, analyse, knobs, controls, spaces, cleanplate, tune, view, plate, compare, score|
 2|--threads|key --fg shot/fg.0001.exr -o out/a.exr --threads 0
 2|--frames|key --fg shot/fg.%04d.exr -o out/a.%04d.exr
 2|frame pattern|key --fg shot/fg.%04d.exr -o out/a.exr --frames 1-5

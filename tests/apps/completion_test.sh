@@ -11,19 +11,20 @@ mkdir folder
 complete_in_bash() {
     bash --norc -c '
         . /usr/share/bash-completion/bash_completion
-        . "$1/completions/veloxa"
+        . "$1/completions/${2%% *}"
         compopt() { :; } # there is no line that is edited
         COMP_LINE=$2 COMP_POINT=${#2} COMP_TYPE=9 COMP_KEY=9
         read -ra COMP_WORDS < <(sed "s/=/ = /g" <<<"$2")
         [[ $2 != *[\ =] ]] || [[ $2 == *= ]] || COMP_WORDS+=("")
         COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
-        _veloxa
+        completer=$(complete -p "${2%% *}" | sed -E "s/.* -F (\S+) .*/\1/")
+        "$completer"
         [ ${#COMPREPLY[@]} -eq 0 ] || printf "%s\n" "${COMPREPLY[@]}"
     ' bash "$pages" "$1"
 }
 
 complete_in_fish() {
-    fish --no-config -c 'source $argv[1]/completions/veloxa.fish; complete -C $argv[2]' "$pages" "$1" | cut -f 1
+    fish --no-config -c 'source $argv[1]/completions/$argv[3].fish; complete -C $argv[2]' "$pages" "$1" "${1%% *}" | cut -f 1
 }
 
 # In a terminal of its own, where Tab lists what there is.
@@ -67,12 +68,19 @@ veloxa key --stage |computeMatte|plate.exr
 veloxa key --bg |plate.exr|computeMatte
 veloxa plate -o |folder|plate.exr
 veloxa compare |plate.exr|computeMatte
+veloxa view --s|--stroke|--thin
+veloxa-viewer --s|--stroke|--thin
+veloxa-viewer |plate.exr|cleanplate
+veloxa-viewer other --fit |crop|plate.exr
+veloxa-viewer --set output_mode=|output_mode=unpremultiplied|plate.exr
 TABLE
 complete_in_bash "veloxa key --set unmix_method=c" | grep -qFx 'colour\ difference' || fail "bash: a blank that is not quoted"
-zsh -n "$pages/completions/_veloxa" || fail "zsh cannot read its completions"
+for program in veloxa veloxa-viewer; do
+    zsh -n "$pages/completions/_$program" || fail "zsh cannot read $program's completions"
+done
 
-# Every command has a page, and groff has nothing to say against any.
-for command in "" $("$veloxa" help | sed -nE '/^Subcommands:/,$s/^  ([a-z]+) .*/\1/p'); do
+# Every command and the viewer have a page, and groff has nothing to say against any.
+for command in "" $("$veloxa" help | sed -nE '/^Subcommands:/,$s/^  ([a-z]+) .*/\1/p') viewer; do
     page=$pages/man/veloxa${command:+-$command}.1
     [ -s "$page" ] || fail "no page $page"
     warnings=$(man --warnings -E UTF-8 -l "$page" 2>&1 >text.txt)

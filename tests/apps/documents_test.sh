@@ -1,7 +1,7 @@
 #!/bin/bash
 # Runs the documents' commands as they stand: those of one document in a folder of its own, one after the other, up
 # to the first that fails. Blocks without a command of the program (how to build it, what it prints) are passed
-# over; of a block with prompts only what follows them runs.
+# over, as are those that open a window; of a block with prompts only what follows them runs.
 root=$(realpath "$(dirname "$0")/../..")
 # shellcheck source=tests/apps/lib.sh
 . "$(dirname "$0")/lib.sh"
@@ -9,7 +9,7 @@ PATH=$(dirname "$veloxa"):$PATH
 
 commands_of() {
     awk '/^```/ {
-             if (inside && block ~ /(^|\n)(\$ )?veloxa [a-z]/) printf "%s", prompted != "" ? prompted : block
+             if (inside && block ~ /(^|\n)(\$ )?veloxa [a-z]/ && block !~ /veloxa view /) printf "%s", prompted != "" ? prompted : block
              inside = !inside; block = prompted = ""
              next
          }

@@ -24,6 +24,22 @@ for file in "$module" "$bundle/Info.plist" "$bundle/Resources/org.veloxa.Keyer.p
     "$root"/usr/share/fish/vendor_completions.d/veloxa.fish "$root"/usr/{bin/veloxa,include/ZoImage/Iop.h,lib*/libZoImage.so,lib*/veloxa/Veloxa.so}; do
     [ -s "$file" ] || fail "$file is missing"
 done
+# The viewer, where it was built, and all that belongs to it; else nothing of it.
+for file in bin/veloxa-viewer share/{applications/org.veloxa.Viewer.desktop,icons/hicolor/scalable/apps/org.veloxa.Viewer.svg} \
+    share/{metainfo/org.veloxa.Viewer.metainfo.xml,man/man1/veloxa-viewer.1,bash-completion/completions/veloxa-viewer} \
+    share/{zsh/vendor-completions/_veloxa-viewer,fish/vendor_completions.d/veloxa-viewer.fish}; do
+    if [ -x "$build/bin/veloxa-viewer" ]; then
+        [ -s "$root/usr/$file" ] || fail "$file is missing"
+    else
+        [ ! -e "$root/usr/$file" ] || fail "$file is there without the viewer"
+    fi
+done
+if [ -x "$build/bin/veloxa-viewer" ]; then
+    viewers=$(env -i LD_DEBUG=files LD_DEBUG_OUTPUT="$work/viewers" "$root/usr/bin/veloxa-viewer" --version)
+    [ "$viewers" = "$("$root/usr/bin/veloxa" --version)" ] || fail "the viewer's version is $viewers"
+    grep -qF "calling init: $root/usr/" "$work"/viewers.* || fail "the viewer loads no library of the installation"
+    ! grep -q "calling init: $build/" "$work"/viewers.* || fail "the viewer loads from the build"
+fi
 others=$(ldd "$module" | sed -E 's/^\s*(\S+).*/\1/' | grep -vE '^(linux-vdso|libm|libc|/.*/ld-linux[^/]*)\.so' || true)
 [ -z "$others" ] || fail "the bundle needs $others"
 

@@ -239,6 +239,14 @@ TEST(AutoSetup, FindsTheScreenWhereNoneIsChosen) {
     EXPECT_EQ(grey.turned(), "");
 }
 
+TEST(AutoSetup, SaysThatThereIsNoForeground) {
+    ToolRig rig;
+    rig.set("screen_color", "0.1,0.6,0.2");
+    rig.use("set_up");
+    ASSERT_FALSE(rig.reports.empty());
+    EXPECT_EQ(rig.reports.back().failure, "there is no foreground to look at");
+}
+
 TEST(AutoSetup, SurvivesPlatesWithNothingToGoBy) {
     constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
     // Backing alone, none at all, and a stripe of what is no number.

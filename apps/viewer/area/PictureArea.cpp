@@ -215,6 +215,7 @@ void PictureArea::describe() {
     const QString help = mode().help();
     setAccessibleDescription((lines << help).join(' '));
     setToolTip(help);
+    setWhatsThis(help);
 }
 
 void PictureArea::show_cursor() {

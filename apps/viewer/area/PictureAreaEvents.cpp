@@ -70,6 +70,7 @@ void PictureArea::mousePressEvent(QMouseEvent* event) {
         event->ignore();
         return;
     }
+    held_by_ = event->button();
     held_pane_ = room().at(place);
     held_at_ = place;
     show_cursor();
@@ -110,9 +111,7 @@ void PictureArea::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void PictureArea::mouseReleaseEvent(QMouseEvent* event) {
-    const bool ends =
-        event->button() == Qt::LeftButton || (event->button() == Qt::MiddleButton && held_ == Held::kPicture);
-    if (!ends || held_ == Held::kNothing) return;
+    if (held_ == Held::kNothing || event->button() != held_by_) return;
     const PointerAt place = at(device(event->position()));
     const bool used = held_ == Held::kMode;
     held_ = Held::kNothing;
@@ -163,6 +162,8 @@ bool PictureArea::gesture(QGestureEvent* event) {
 }
 
 bool PictureArea::event(QEvent* event) {
+    // Its text is for those who look it up; shown, it would cover what is looked at.
+    if (event->type() == QEvent::ToolTip) return true;
     if (event->type() == QEvent::NativeGesture && native_gesture(event)) return true;
     // What is begun goes before what a shortcut would leave.
     if (event->type() == QEvent::ShortcutOverride && mode().begun() &&

@@ -1,5 +1,4 @@
 #include <QPainter>
-#include <QStyle>
 #include <algorithm>
 
 #include "area/Marks.h"
@@ -29,7 +28,7 @@ void draw_shaded(QPainter& painter, const Shaded& shaded, const Geometry& from, 
 }
 
 void draw_caption(QPainter& painter, const QString& caption, const QRect& seen, bool right, double ratio) {
-    if (caption.isEmpty()) return;
+    if (caption.isEmpty() || seen.width() < 4 * kMargin * ratio) return;
     painter.save();
     painter.scale(ratio, ratio);
     const QRectF room =
@@ -92,10 +91,7 @@ void PictureArea::paint_line(QPainter& painter) const {
 
 void PictureArea::paintEvent(QPaintEvent* /*event*/) {
     // Another screen may have come without another size.
-    const QSize size = room().size();
-    if (size != QSize(geometry_.width, geometry_.height)) {
-        QMetaObject::invokeMethod(this, &PictureArea::fill_room, Qt::QueuedConnection);
-    }
+    if (room().size() != QSize(geometry_.width, geometry_.height)) fill_room();
     QPainter painter(this);
     painter.scale(1.0 / ratio(), 1.0 / ratio());
     painter.fillRect(QRect({0, 0}, device_size()), QColor::fromRgb(kSurround));

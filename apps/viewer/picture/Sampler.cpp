@@ -207,9 +207,8 @@ void Sampler::mark(Channel c, int row, Scratch& scratch, std::uint32_t* marks) c
         return;
     }
     for (int x = begin; x < end; ++x) {
-        for (int n = 0; n < count[x]; ++n) {
-            marks[x] |= scratch.marks[static_cast<std::size_t>(first[x] - from + n)];
-        }
+        const std::uint32_t* const under = scratch.marks.data() + (first[x] - from);
+        for (int n = 0; n < count[x]; ++n) marks[x] |= under[n];
     }
 }
 

@@ -104,15 +104,13 @@ void FrameStore::recheck(int frame) {
     wake_.notify_all();
 }
 
-FrameStore::Held FrameStore::held() const {
-    Held held;
+std::vector<FramePtr> FrameStore::held() const {
+    std::vector<FramePtr> held;
     {
         const std::lock_guard lock(mutex_);
-        for (const FramePtr& frame : kept_)
-            (frame->error.empty() ? held.read : held.failed).push_back(frame->number);
+        held.assign(kept_.begin(), kept_.end());
     }
-    std::ranges::sort(held.read);
-    std::ranges::sort(held.failed);
+    std::ranges::sort(held, {}, [](const FramePtr& frame) { return frame->number; });
     return held;
 }
 

@@ -62,12 +62,8 @@ class FrameStore {
     void want(std::vector<int> frames);
     // Looks whether the files of a frame are as they were, and reads it again where they are not.
     void recheck(int frame);
-    // The numbers of those that are here, and of those that failed; ascending.
-    struct Held {
-        std::vector<int> read;
-        std::vector<int> failed;
-    };
-    Held held() const;
+    // Those that are here or could not be read, by their numbers.
+    std::vector<FramePtr> held() const;
 
   private:
     void run();

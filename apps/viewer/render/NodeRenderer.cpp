@@ -12,29 +12,34 @@ namespace veloxa::viewer {
 using namespace Zo::Image;
 
 Hash Keyed::identity() const {
+    return identity(settings_identity(), *frame);
+}
+
+Hash Keyed::identity(Hash settings, const Frame& frame) {
+    settings.append(frame.identity);
+    return settings;
+}
+
+Hash Keyed::settings_identity() const {
     Hash hash;
-    hash.append(frame->identity);
     settings.append_to(hash);
     hash.append(std::string_view(mattes_script(mattes)));
     hash.append(std::string_view(picture));
     return hash;
 }
 
-FrameInputs with_mattes(const FrameInputs& inputs, const DrawnMattes& mattes) {
-    FrameInputs result = inputs;
-    if (mattes.empty() || !inputs[kFg].image) return result;
-    using Kind = DrawnMatte::Kind;
-    for (const auto& [input, kind] : {std::pair{kGm, Kind::kGarbage}, std::pair{kHm, Kind::kHoldout}}) {
-        const auto drawn = draw(mattes, kind, inputs[kFg].image->info.format, inputs[input].image);
-        if (!drawn) continue;
-        result[input].image = drawn;
-        result[input].identity.append(std::string_view(mattes_script(mattes)));
-    }
-    return result;
+FrameInputs with_mattes(FrameInputs inputs, const DrawnMattes& mattes, DrawnInputs& drawn) {
+    if (!inputs[kFg].image) return inputs;
+    const Format& format = inputs[kFg].image->info.format;
+    drawn.set(mattes);
+    inputs[kGm] = drawn.over(DrawnMatte::Kind::kGarbage, inputs[kGm], format);
+    inputs[kHm] = drawn.over(DrawnMatte::Kind::kHoldout, inputs[kHm], format);
+    return inputs;
 }
 
 NodeRenderer::NodeRenderer(int scale, std::size_t row_budget, const AbortFlag& abort)
     : scale_(scale), abort_(abort), rows_(row_budget), renderer_(0, &abort) {
+    inputs_.connect(node_.image());
     renderer_.use_cache(&rows_);
 }
 
@@ -42,7 +47,7 @@ const FrameInputs& NodeRenderer::inputs_for(const Keyed& keyed) {
     if (frame_ == keyed.frame && mattes_ == keyed.mattes) return loaded_;
     frame_ = keyed.frame;
     mattes_ = keyed.mattes;
-    loaded_ = with_mattes(frame_->inputs, mattes_);
+    loaded_ = with_mattes(frame_->inputs, mattes_, drawn_);
     if (scale_ == 1) return loaded_;
     for (LoadedInput& input : loaded_) {
         if (!input.image) continue;
@@ -54,10 +59,6 @@ const FrameInputs& NodeRenderer::inputs_for(const Keyed& keyed) {
 
 Box NodeRenderer::prepare(const Keyed& keyed) {
     const FrameInputs& inputs = inputs_for(keyed);
-    std::array<bool, kInputCount> used{};
-    for (std::size_t n = 0; n < kInputCount; ++n) used[n] = inputs[n].image != nullptr;
-    if (used != used_) inputs_.connect(node_.image(), used);
-    used_ = used;
     inputs_.set(inputs);
     keyed.settings.give(node_.panel());
     if (scale_ > 1) shrink_knobs(node_.panel(), scale_);

@@ -3,7 +3,6 @@
 // One thread at a time; the flag is for any.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -13,7 +12,7 @@
 #include "ZoImage/RowCache.h"
 #include "render/FrameStore.h"
 #include "session/Settings.h"
-#include "shot/mattes/DrawnMatte.h"
+#include "shot/frames/DrawnInputs.h"
 #include "shot/node/ImageSource.h"
 #include "shot/node/Node.h"
 
@@ -27,10 +26,13 @@ struct Keyed {
     std::string picture;  // as rendered_as gives it
 
     Zo::Image::Hash identity() const;
+    // The same, where what of it does not depend on the frame was hashed before.
+    Zo::Image::Hash settings_identity() const;
+    static Zo::Image::Hash identity(Zo::Image::Hash settings, const Frame& frame);
 };
 
 // The inputs with what is drawn on the garbage and holdout mattes.
-FrameInputs with_mattes(const FrameInputs& inputs, const DrawnMattes& mattes);
+FrameInputs with_mattes(FrameInputs inputs, const DrawnMattes& mattes, DrawnInputs& drawn);
 
 class NodeRenderer {
   public:
@@ -54,10 +56,10 @@ class NodeRenderer {
     Node node_;
     Zo::Image::RowCache rows_;
     Zo::Image::Renderer renderer_;
-    std::array<bool, kInputCount> used_{};
     Zo::Image::Iop* root_ = nullptr;
     FramePtr frame_;  // that `loaded_` was made of
     DrawnMattes mattes_;
+    DrawnInputs drawn_;
     FrameInputs loaded_;
 };
 

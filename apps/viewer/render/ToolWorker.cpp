@@ -59,22 +59,17 @@ void ToolWorker::run() {
     }
 }
 
-void ToolWorker::wire(const FrameInputs& images) {
-    if (!node_) node_ = std::make_unique<Node>(&abort_);
-    std::array<bool, kInputCount> used{};
-    for (std::size_t n = 0; n < kInputCount; ++n) used[n] = images[n].image != nullptr;
-    if (used != used_) inputs_.connect(node_->image(), used);
-    used_ = used;
-    inputs_.set(images);
-}
-
 ToolOutcome ToolWorker::use(ToolJob job) {
     ToolOutcome outcome;
     outcome.settings = job.settings;
     outcome.memory = job.memory;
     try {
-        wire(with_mattes(job.frame->inputs, job.mattes));
+        if (!node_) {
+            node_ = std::make_unique<Node>(&abort_);
+            inputs_.connect(node_->image());
+        }
         Node& node = *node_;
+        inputs_.set(with_mattes(job.frame->inputs, job.mattes, drawn_));
         job.settings.give(node.panel());
         node.image().recall(job.memory);
         Knob& button = *node.panel().knobs()[job.knob];

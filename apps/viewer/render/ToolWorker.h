@@ -56,7 +56,6 @@ class ToolWorker {
 
   private:
     void run();
-    void wire(const FrameInputs& images);
     ToolOutcome use(ToolJob job);
 
     const std::function<void(ToolOutcome)> done_;
@@ -68,8 +67,8 @@ class ToolWorker {
     bool previewing_ = false;
 
     // The worker's own.
+    DrawnInputs drawn_;
     NodeInputs inputs_;  // outlive the node
-    std::array<bool, kInputCount> used_{};
     std::unique_ptr<Node> node_;
     std::thread thread_;
 };

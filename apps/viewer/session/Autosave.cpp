@@ -13,6 +13,7 @@
 #include "shot/Errors.h"
 #include "shot/files/AtomicFile.h"
 #include "shot/node/Node.h"
+#include "shot/setup/ShotModel.h"
 
 namespace veloxa::viewer {
 
@@ -68,7 +69,7 @@ Autosave::~Autosave() {
     ::close(lock_);
 }
 
-void Autosave::keep(std::function<std::string()> text, std::string document) {
+void Autosave::keep(std::function<RescueText()> text, std::string document) {
     {
         const std::lock_guard lock(mutex_);
         latest_ = Kept{std::move(text), std::move(document)};
@@ -121,13 +122,20 @@ void Autosave::run() {
 void Autosave::write(const std::optional<Kept>& kept) {
     std::string failure;
     try {
+        std::error_code error;
+        const std::string script = file_ + kText;
+        const RescueText text = kept ? kept->text() : RescueText{};
+        if (text.shot.empty()) {
+            fs::remove(shot_beside(script), error);
+        } else {
+            write_text(shot_beside(script), text.shot, true);
+        }
         if (kept) {
             std::string document = kept->document;
             std::ranges::replace(document, '\n', ' ');
-            write_text(file_ + kText, std::string(kDocument) + document + '\n' + kept->text(), true);
+            write_text(script, std::string(kDocument) + document + '\n' + text.script, true);
         } else {
-            std::error_code error;
-            fs::remove(file_ + kText, error);
+            fs::remove(script, error);
         }
     } catch (const std::exception& error) {
         failure = error.what();
@@ -154,6 +162,7 @@ std::vector<Rescued> Autosave::left(const std::string& folder) {
     }
     std::ranges::sort(found, std::greater{}, [](const auto& f) { return f.first; });
     std::vector<Rescued> result;
+    result.reserve(found.size());
     for (auto& [time, rescued] : found) result.push_back(std::move(rescued));
     return result;
 }
@@ -161,6 +170,7 @@ std::vector<Rescued> Autosave::left(const std::string& folder) {
 void Autosave::remove(const Rescued& rescued) {
     std::error_code error;
     fs::remove(rescued.file, error);
+    fs::remove(shot_beside(rescued.file), error);
     fs::remove(fs::path(rescued.file).replace_extension(kLock), error);
 }
 

@@ -19,6 +19,12 @@ struct Rescued {
     std::string document;  // what it was saved as; empty for a session that never was
 };
 
+// A script, and what was measured of the shot, which lies beside it; empty for nothing.
+struct RescueText {
+    std::string script;
+    std::string shot;
+};
+
 class Autosave {
   public:
     // Makes the folder where it is missing. Where nothing can be written there, error() says why and nothing
@@ -30,7 +36,7 @@ class Autosave {
 
     // Writes soon, on a thread of its own, what `text` gives there: what comes within a second is written
     // once. Any thread.
-    void keep(std::function<std::string()> text, std::string document);
+    void keep(std::function<RescueText()> text, std::string document);
     // There is nothing to lose now.
     void drop();
     // Writes what waits. Blocks.
@@ -43,7 +49,7 @@ class Autosave {
 
   private:
     struct Kept {
-        std::function<std::string()> text;
+        std::function<RescueText()> text;
         std::string document;
     };
 

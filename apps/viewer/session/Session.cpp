@@ -1,14 +1,27 @@
 // The panel and undo.
 #include "session/Session.h"
 
+#include <OpenImageIO/sysutil.h>
+
 #include <algorithm>
 #include <utility>
 
 #include "session/Project.h"
+#include "shot/setup/ShotModel.h"
 
 namespace veloxa::viewer {
 
 using namespace Zo::Image;
+
+SessionPlace place_on_this_machine() {
+    SessionPlace place;
+    const std::size_t memory = OIIO::Sysutil::physical_memory();
+    if (memory == 0) return place;
+    place.frame_budget = std::min(place.frame_budget, memory / 6);
+    place.row_budget = std::min(place.row_budget, memory / 12);
+    place.picture_budget = std::min(place.picture_budget, memory / 6);
+    return place;
+}
 
 Session::Session(SessionPlace place)
     : place_(std::move(place)),
@@ -70,7 +83,7 @@ void Session::keep_safe() {
         const auto text = [state = state(), path] {
             const Node node;
             state.settings.give(node.panel());
-            return project_text(state, node.panel(), path);
+            return RescueText{project_text(state, node.panel(), path), shot_text(node)};
         };
         autosave_->keep(text, document_);
     } else {
@@ -96,6 +109,7 @@ void Session::set(Knob& knob, double value, int i) {
 }
 
 void Session::reset(Knob& knob) {
+    if (!knob.takes_value()) return;
     begin_edit("reset " + knob.target().label());
     knob.target().restore_default();
     knob.target().changed();
@@ -119,7 +133,7 @@ void Session::reset_all() {
 
 void Session::press(Knob& button) {
     if (button.flag(kKnobLooks)) {
-        strokes_.push_back({number_of(button), {}, button.get_value()});
+        strokes_.push_back({current_frame(), number_of(button), {}, button.get_value()});
         return work_off();
     }
     begin_edit(button.label());

@@ -58,6 +58,9 @@ struct SessionPlace {
     std::size_t picture_budget = std::size_t{2} << 30;
 };
 
+// With budgets that leave this machine's memory room for others.
+SessionPlace place_on_this_machine();
+
 class Session final : public PanelEdits {
   public:
     explicit Session(SessionPlace place);
@@ -114,7 +117,8 @@ class Session final : public PanelEdits {
     void cancel_stroke();
     void pick(const Zo::Image::Box& box);  // for what is picked for: the plate's mean, as it is stored
     bool working() const { return running_.has_value() || setting_up_ > 0; }
-    void give_up();  // what works in the background on the settings
+    // What works in the background on the settings, tools and set-ups.
+    void give_up();
     const DrawnMattes& mattes() const { return mattes_; }
     // While `going_on`, what follows is the same step.
     void set_mattes(DrawnMattes mattes, const std::string& name, bool going_on = false);
@@ -126,10 +130,10 @@ class Session final : public PanelEdits {
     const FrameRange& range() const { return range_; }
     int frame() const { return frame_; }
     void go_to(int frame);
-    FrameStore::Held held_frames() const { return frames_.held(); }
-    bool has_result(int frame) const;
+    std::vector<FramePtr> held_frames() const { return frames_.held(); }
+    // Of frames, whether the first pane's picture is there as a whole.
+    std::vector<bool> with_result(const std::vector<FramePtr>& frames) const;
     FramePtr current_frame() const { return frames_.find(frame_); }
-    FramePtr frame_at(int frame) const { return frames_.find(frame); }
     // Looks whether the files of the frame in sight changed.
     void recheck() { frames_.recheck(frame_); }
 
@@ -150,12 +154,12 @@ class Session final : public PanelEdits {
 
   private:
     struct Stroke {
+        FramePtr frame;  // that it was painted on
         std::size_t knob;
         std::vector<Zo::Image::Box> areas;
         double choice = 0.0;
     };
 
-    struct Opened;
     // What a set-up came to; before it was given up, where it is not whole.
     struct Ready {
         Settings settings;
@@ -168,6 +172,8 @@ class Session final : public PanelEdits {
     void post(std::function<void()> call);
     void tell(const std::string& line);
     void start(State state, const std::string& document);
+    // Reads a script beside the window.
+    void load(const std::string& path, std::function<void(State)> then);
     void restore(const Moment& moment);
     void put_in_place(const ShotFiles& files);
     void settle();  // after knobs were turned
@@ -181,9 +187,9 @@ class Session final : public PanelEdits {
     void read_around();
     void frame_changed(int frame);
     std::size_t number_of(const Zo::Image::Knob& knob) const;
-    ToolJob job_of(const Stroke& stroke, const FramePtr& frame, bool preview);
     void give_up_tools();
     void forget_preview();
+    ToolJob job_of(const Stroke& stroke, bool preview);
     void work_off();
     void take(const ToolOutcome& outcome);
     // Sets a shot up as the command line does, beside the window, and hands over what its knobs are then.

@@ -41,19 +41,13 @@ ShotFiles files_of(const SetupOptions& options) {
 
 }  // namespace
 
-// What an errand found out, brought to the window.
-struct Session::Opened {
-    State state;
-    std::string error;
-};
-
 void Session::put_in_place(const ShotFiles& files) {
     files_ = files;
     ++shot_;
     former_ = request_;
-    finding_ = {};
     compared_[static_cast<std::size_t>(Against::kDefault)].reset();
     compared_[static_cast<std::size_t>(Against::kAutomatic)].reset();
+    finding_ = {};
     try {
         // Whether the names go with that the reader says, who may look at files.
         range_ = files.frames.empty() ? FrameRange{} : parse_frames(files.frames);
@@ -164,8 +158,7 @@ void Session::set_up(const SetupOptions& options, std::function<void(const Ready
             caller.warn =
                 caller.tell = [this](const std::string& line) { post([this, line] { tell(line); }); };
             KeySetup setup(options, caller);
-            const std::string& script = options.settings.script;
-            if (!script.empty()) ready->mattes = read_mattes(read_text(script), script);
+            ready->mattes = setup.loader().drawn();
             ready->settings = Settings(setup.node().panel());
             setup.prepare();
             ready->settings = Settings(setup.node().panel());
@@ -187,34 +180,40 @@ void Session::open_project(const std::string& path) {
     rescue({path, path});
 }
 
-void Session::rescue(const Rescued& rescued) {
+void Session::load(const std::string& path, std::function<void(State)> then) {
     ++setting_up_;
     if (events.busy) events.busy();
-    errands_.add([this, rescued](const AbortFlag&) {
-        auto opened = std::make_shared<Opened>();
+    errands_.add([this, path, then = std::move(then)](const AbortFlag&) {
+        auto state = std::make_shared<State>();
+        std::string error;
         try {
             Caller caller;
             caller.warn = [this](const std::string& line) { post([this, line] { tell(line); }); };
             Node node;
-            opened->state = load_project(rescued.file, node, caller);
-        } catch (const std::exception& error) {
-            opened->error = error.what();
+            *state = load_project(path, node, caller);
+        } catch (const std::exception& fault) {
+            error = fault.what();
         }
-        post([this, rescued, opened] {
+        post([this, state, error, then] {
             --setting_up_;
             if (events.busy) events.busy();
-            if (!opened->error.empty()) return tell(opened->error);
-            start(std::move(opened->state), rescued.document);
-            if (rescued.file == rescued.document) return;
-            history_.mark_unsaved();
-            keep_safe();
-            // Not before it is kept by this session.
-            errands_.add([this, rescued](const AbortFlag&) {
-                if (autosave_) autosave_->flush();
-                Autosave::remove(rescued);
-            });
-            if (events.settings) events.settings();
+            error.empty() ? then(std::move(*state)) : tell(error);
         });
+    });
+}
+
+void Session::rescue(const Rescued& rescued) {
+    load(rescued.file, [this, rescued](State state) {
+        start(std::move(state), rescued.document);
+        if (rescued.file == rescued.document) return;
+        history_.mark_unsaved();
+        keep_safe();
+        // Not before it is kept by this session.
+        errands_.add([this, rescued](const AbortFlag&) {
+            if (autosave_) autosave_->flush();
+            Autosave::remove(rescued);
+        });
+        if (events.settings) events.settings();
     });
 }
 
@@ -256,22 +255,10 @@ void Session::save(const std::string& path, std::function<void(const std::string
 }
 
 void Session::load_settings(const std::string& path) {
-    errands_.add([this, path](const AbortFlag&) {
-        auto opened = std::make_shared<Opened>();
-        try {
-            Caller caller;
-            caller.warn = [this](const std::string& line) { post([this, line] { tell(line); }); };
-            Node node;
-            opened->state = load_project(path, node, caller);
-        } catch (const std::exception& error) {
-            opened->error = error.what();
-        }
-        post([this, path, opened] {
-            if (!opened->error.empty()) return tell(opened->error);
-            opened->state.settings.give(panel());
-            settle();
-            commit("settings of " + std::filesystem::path(path).filename().string());
-        });
+    load(path, [this, path](const State& state) {
+        state.settings.give(panel());
+        settle();
+        commit("settings of " + std::filesystem::path(path).filename().string());
     });
 }
 

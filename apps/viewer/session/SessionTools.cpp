@@ -22,7 +22,8 @@ std::string step_name(const Knob& knob) {
 
 }  // namespace
 
-ToolJob Session::job_of(const Stroke& stroke, const FramePtr& frame, bool preview) {
+ToolJob Session::job_of(const Stroke& stroke, bool preview) {
+    const FramePtr& frame = stroke.frame;
     ToolJob job;
     job.number = stroke_;
     job.frame = frame;
@@ -44,7 +45,7 @@ void Session::move_stroke(std::vector<Box> areas) {
     if (!std::exchange(stroking_, true)) ++stroke_;
     const FramePtr frame = current_frame();
     if (running_ || !frame || !frame->error.empty()) return;
-    ToolJob job = job_of({number_of(*tool_), std::move(areas)}, frame, true);
+    ToolJob job = job_of({frame, number_of(*tool_), std::move(areas)}, true);
     if (!job.areas.empty()) tools_.submit(std::move(job));
 }
 
@@ -52,7 +53,7 @@ void Session::end_stroke(std::vector<Box> areas) {
     if (tool_ == nullptr) return;
     if (!std::exchange(stroking_, false)) ++stroke_;
     if (areas.empty()) return cancel_stroke();
-    strokes_.push_back({number_of(*tool_), std::move(areas)});
+    strokes_.push_back({current_frame(), number_of(*tool_), std::move(areas)});
     work_off();
 }
 
@@ -89,12 +90,12 @@ void Session::work_off() {
     if (strokes_.empty()) return stroking_ ? void() : forget_preview();
     const Stroke stroke = std::move(strokes_.front());
     strokes_.pop_front();
-    const FramePtr frame = current_frame();
+    const FramePtr& frame = stroke.frame;
     if (!frame || !frame->error.empty()) {
         tell(frame ? frame->error : "The frame is not read yet, so no tool can look at it.");
         return work_off();
     }
-    ToolJob job = job_of(stroke, frame, false);
+    ToolJob job = job_of(stroke, false);
     if (job.areas.empty() && !stroke.areas.empty()) return work_off();
     running_ = job.number = ++jobs_;
     tools_.submit(std::move(job));

@@ -51,10 +51,14 @@ void Session::frame_changed(int frame) {
     if (events.frames) events.frames();
 }
 
-bool Session::has_result(int frame) const {
-    const FramePtr here = frames_.find(frame);
-    if (!here || !here->error.empty()) return false;
-    return view_.pictures().has(Keyed{here, settings_, mattes_, rendered_as(sights_[0].picture)}.identity());
+std::vector<bool> Session::with_result(const std::vector<FramePtr>& frames) const {
+    const Hash settings =
+        Keyed{nullptr, settings_, mattes_, rendered_as(sights_[0].picture)}.settings_identity();
+    std::vector<bool> results;
+    results.reserve(frames.size());
+    for (const FramePtr& frame : frames)
+        results.push_back(view_.pictures().has(Keyed::identity(settings, *frame)));
+    return results;
 }
 
 void Session::set_sight(std::size_t n, Sight sight) {

@@ -24,7 +24,9 @@ namespace veloxa::viewer {
 
 namespace {
 
-constexpr int kLookAtFiles = 1000;  // milliseconds
+// Milliseconds.
+constexpr int kLookAtFiles = 1000;
+constexpr int kStatesLater = 150;
 
 }  // namespace
 
@@ -34,6 +36,9 @@ MainWindow::MainWindow(WindowPlace place) : place_(std::move(place)) {
                 : std::make_unique<QSettings>(place_.settings_file, QSettings::IniFormat);
     setObjectName(QStringLiteral("veloxa_viewer"));
     setDockNestingEnabled(true);
+    states_timer_.setSingleShot(true);
+    states_timer_.setInterval(kStatesLater);
+    connect(&states_timer_, &QTimer::timeout, this, &MainWindow::show_frame_states);
     make_session();
     commands_ = std::make_unique<Commands>(*this);
     make_widgets();
@@ -116,6 +121,7 @@ void MainWindow::make_widgets() {
     message_->setMargin(4);
     message_->hide();
     time_ = new TimeLine(middle);
+    time_->hide();  // until there is more than one frame
     column->addWidget(area_, 1);
     column->addWidget(message_);
     column->addWidget(time_);

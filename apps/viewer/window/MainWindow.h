@@ -10,7 +10,9 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <set>
 
+#include "render/Errands.h"
 #include "session/Jobs.h"
 #include "session/Session.h"
 #include "session/ViewColour.h"
@@ -83,6 +85,7 @@ class MainWindow final : public QMainWindow {
     void show_settings();
     void show_shot();
     void show_frames();
+    void show_frame_states();
     void show_modes();
     void show_busy();
     void tell(const QString& line);
@@ -128,8 +131,11 @@ class MainWindow final : public QMainWindow {
     QLabel* busy_ = nullptr;
     QMenu* recent_ = nullptr;
     QTimer files_timer_;
+    QTimer states_timer_;  // brings the time line up to date, a moment after what may have changed it
     std::array<ShownPicture, 2> shown_;
     DisplayTransform display_;
+    Errands statistics_;         // of boxes
+    std::set<int> frames_here_;  // as the time line has it
     bool closing_ = false;
 };
 

@@ -27,10 +27,11 @@ void MainWindow::show_result(const ViewResult& result) {
     if (!result.shaded.pixels.empty())
         area_->set_shaded(static_cast<Pane>(result.pane), result.shaded, result.geometry);
     time_->set_shown(result.frame);
-    if (result.whole) time_->set_state(result.frame, FrameState::kResult);
+    if (result.whole) states_timer_.start();
 }
 
 void MainWindow::show_settings() {
+    states_timer_.start();
     panel_->refresh();
     tools_->refresh();
     view_->refresh();
@@ -55,26 +56,37 @@ void MainWindow::show_settings() {
 void MainWindow::show_shot() {
     shown_ = {};
     time_->set_range(session_->range());
+    time_->setVisible(session_->range().count() > 1);
     time_->go_to(session_->frame());
     show_frames();
 }
 
 void MainWindow::show_frames() {
-    const FrameStore::Held held = session_->held_frames();
-    for (const int frame : held.read) {
-        time_->set_state(frame, session_->has_result(frame) ? FrameState::kResult : FrameState::kPlate);
-    }
-    for (const int frame : held.failed) {
-        const FramePtr failed = session_->frame_at(frame);
-        time_->set_state(frame, FrameState::kFailed,
-                         failed ? QString::fromStdString(failed->error) : QString());
-    }
+    states_timer_.start();
     if (time_->current() != session_->frame()) time_->go_to(session_->frame());
     const FramePtr here = session_->current_frame();
     if (!here || !here->error.empty()) return;
     const Image& plate = *here->inputs[kFg].image;
     colour_->take(plate.header, here->files.front().path);
     area_->set_format(plate.info.format);
+}
+
+void MainWindow::show_frame_states() {
+    const std::vector<FramePtr> held = session_->held_frames();
+    const std::vector<bool> keyed = session_->with_result(held);
+    std::set<int> here;
+    for (std::size_t n = 0; n < held.size(); ++n) {
+        const Frame& frame = *held[n];
+        here.insert(frame.number);
+        const FrameState state = !frame.error.empty() ? FrameState::kFailed
+                                 : keyed[n]           ? FrameState::kResult
+                                                      : FrameState::kPlate;
+        time_->set_state(frame.number, state, QString::fromStdString(frame.error));
+    }
+    for (const int frame : frames_here_) {
+        if (!here.contains(frame)) time_->set_state(frame, FrameState::kUnknown);
+    }
+    frames_here_ = std::move(here);
 }
 
 void MainWindow::show_modes() {
@@ -140,7 +152,16 @@ void MainWindow::show_box(const Box& box) {
         const int scale = static_cast<int>(shown.scale);
         of_shown = {box.x / scale, box.y / scale, (box.r + scale - 1) / scale, (box.t + scale - 1) / scale};
     }
-    readout_->show_box(box, statistics(*here->inputs[kFg].image, box), statistics(*shown.image, of_shown));
+    // A large box takes longer than the window may.
+    statistics_.give_up();
+    statistics_.add(
+        [this, box, of_shown, plate = here->inputs[kFg].image, picture = shown.image](const AbortFlag&) {
+            const BoxStatistics of_plate = statistics(*plate, box);
+            const BoxStatistics of_picture = statistics(*picture, of_shown);
+            QMetaObject::invokeMethod(
+                this, [this, box, of_plate, of_picture] { readout_->show_box(box, of_plate, of_picture); },
+                Qt::QueuedConnection);
+        });
 }
 
 }  // namespace veloxa::viewer

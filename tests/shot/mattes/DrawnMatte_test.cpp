@@ -188,7 +188,7 @@ TEST_F(DrawnFrames, ChangeWhileTheFilesStay) {
     KeySetup setup(options_, caller_);
     setup.prepare();
     const auto drawn = [&](const DrawnMattes& mattes) {
-        setup.draw(mattes);
+        setup.loader().draw(mattes);
         return std::pair(setup.loader().load(0)[kGm], keyed(setup));
     };
     DrawnMatte moved = kSoft;

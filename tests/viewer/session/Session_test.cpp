@@ -193,7 +193,8 @@ TEST_F(SessionRig, FilesThatChangeAreReadAgainAndThoseThatBreakAreNamed) {
     std::filesystem::remove(path);
     look_again();
     EXPECT_THAT(messages_, Contains(HasSubstr(path)));
-    EXPECT_EQ(session.held_frames().failed, std::vector<int>{1});
+    EXPECT_EQ(session.held_frames().front()->number, 1);
+    EXPECT_THAT(session.held_frames().front()->error, HasSubstr(path));
     session.go_to(2);  // the others are as they were
     ASSERT_TRUE(settle(session));
     EXPECT_TRUE(shown_.error.empty());
@@ -213,13 +214,15 @@ TEST_F(SessionRig, AnOvertakenRenderIsAborted) {
     const auto aborted = [&] { return session.view_stats().aborted; };
     // The method that takes whole frames is slow enough to be overtaken anywhere.
     session.set(session.panel().get("unmix_method"), 1.0);
-    bool seen = false;
-    for (int n = 1; n < 200 && !seen; ++n) {
+    // Where the worker is when it is overtaken depends on the machine.
+    for (int n = 0; n < 300 && aborted() == 0; ++n) {
         session.set(session.panel().get("unmix_detail"), 1.0 + n / 500.0);
-        std::this_thread::sleep_for(std::chrono::milliseconds(3));
-        seen = aborted() > 0;
+        std::this_thread::sleep_for(std::chrono::milliseconds(n % 60));
+        if (n % 5 == 0) {
+            ASSERT_TRUE(settle(session));
+        }
     }
-    EXPECT_TRUE(seen);
+    EXPECT_GT(aborted(), 0);
     ASSERT_TRUE(settle(session));
     SetupOptions options = shot(1);
     session.save(file("s.veloxa"), [](const std::string&) {});
@@ -237,13 +240,13 @@ TEST_F(SessionRig, WhatAKilledSessionLeftIsOffered) {
         {
             std::filesystem::remove_all(folder);
             Autosave autosave(folder);
-            autosave.keep([&] { return std::string(kText); }, "/a/b.veloxa");
+            autosave.keep([&] { return RescueText{kText, {}}; }, "/a/b.veloxa");
             autosave.flush();
             ::raise(SIGKILL);
         },
         testing::KilledBySignal(SIGKILL), "");
     Autosave living(folder);
-    living.keep([&] { return std::string(kText); }, "");
+    living.keep([&] { return RescueText{kText, {}}; }, "");
     living.flush();
     std::vector<Rescued> left = Autosave::left(folder);
     ASSERT_EQ(left.size(), 1U);
