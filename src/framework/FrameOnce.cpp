@@ -11,7 +11,13 @@ bool FrameOnce::ensure(const std::function<bool(Lock& lock)>& make) {
     return true;
 }
 
-bool run_kernel(const Op& op, Lock& lock, const std::function<void(const ParallelLoop&)>& kernel) {
+namespace {
+
+struct LeftOut {};
+
+}  // namespace
+
+bool run_kernel(const Op& op, Lock& lock, const std::function<void(const ParallelLoop&)>& kernel) try {
     std::atomic<bool> skipped{false};
     kernel([&](int begin, int end, int grain, const Lock::Body& body) {
         lock.parallel_for(begin, end, grain, [&](int from, int to) {
@@ -21,6 +27,9 @@ bool run_kernel(const Op& op, Lock& lock, const std::function<void(const Paralle
                 body(from, to);
             }
         });
+        if (skipped.load(std::memory_order_relaxed)) throw LeftOut();
     });
-    return !skipped.load(std::memory_order_relaxed);
+    return true;
+} catch (const LeftOut&) {
+    return false;
 }

@@ -23,7 +23,8 @@ class FrameOnce {
     std::atomic<bool> done_{false};
 };
 
-// Gives a kernel a loop that the threads waiting for the lock share and that leaves out all pieces once the
-// operator's render is aborted, so that none reads what an earlier one did not write. False when any was.
+// Gives a kernel a loop that the threads waiting for the lock share. Once the operator's render is aborted
+// the loop leaves out its pieces and ends the kernel, which would read what they did not write. False when it
+// did.
 bool run_kernel(const Zo::Image::Op& op, Zo::Image::Lock& lock,
                 const std::function<void(const ParallelLoop&)>& kernel);

@@ -29,6 +29,7 @@ class AddThousand final : public VlxFilter {
     AbortFlag* raise = nullptr;  // raised in the middle of a computation
     std::atomic<int> computed{0};
     int pieces = 0;
+    int ends = 0;
 
   protected:
     bool is_active() const override { return active; }
@@ -55,6 +56,7 @@ class AddThousand final : public VlxFilter {
                 if (raise != nullptr) raise->raise();
             });
             loop(0, 1, 1, [&](int, int) { ++pieces; });
+            ++ends;
         });
     }
 };
@@ -111,6 +113,7 @@ TEST_F(VlxFilterTest, AbortLeavesPiecesOutAndNothingIsKept) {
     const auto sink = [](int, const Row&) { FAIL() << "a row of an aborted render"; };
     EXPECT_FALSE(renderer.render(op, kBox, kMaskRgba, sink));
     EXPECT_EQ(op.pieces, 0);
+    EXPECT_EQ(op.ends, 0) << "a kernel went on without what a piece was to make";
     op.raise = nullptr;
     expect_rendered(1000.0f, 1);
     EXPECT_EQ(op.computed, 2);
