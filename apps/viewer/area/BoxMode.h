@@ -21,6 +21,7 @@ class BoxMode final : public PointerMode {
     void move(const PointerAt& at) override;
     void release(const PointerAt& at) override;
     void act(const PointerAt& at) override;
+    bool begun() const override { return from_.has_value(); }
     bool cancel() override;
     void paint(QPainter& painter, const Geometry& geometry, double ratio) const override;
 

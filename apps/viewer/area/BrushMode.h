@@ -31,6 +31,7 @@ class BrushMode final : public PointerMode {
     void act(const PointerAt& at) override;
     bool key(const QKeyEvent& event) override;
     bool wheel(double notches, Qt::KeyboardModifiers modifiers) override;
+    bool begun() const override { return drawing_; }
     bool cancel() override;
     void paint(QPainter& painter, const Geometry& geometry, double ratio) const override;
 

@@ -1,5 +1,6 @@
 #include <QDropEvent>
 #include <QGestureEvent>
+#include <QKeyEvent>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QNativeGestureEvent>
@@ -164,6 +165,12 @@ bool PictureArea::event(QEvent* event) {
     // Its text is for those who look it up; shown, it would cover what is looked at.
     if (event->type() == QEvent::ToolTip) return true;
     if (event->type() == QEvent::NativeGesture && native_gesture(event)) return true;
+    // What is begun goes before what a shortcut would leave.
+    if (event->type() == QEvent::ShortcutOverride && mode().begun() &&
+        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        event->accept();
+        return true;
+    }
     if (event->type() == QEvent::Gesture && gesture(static_cast<QGestureEvent*>(event))) return true;
     return QWidget::event(event);
 }

@@ -39,6 +39,8 @@ class PointerMode {
     // These are true where the event was theirs.
     virtual bool key(const QKeyEvent& /*event*/) { return false; }
     virtual bool wheel(double /*notches*/, Qt::KeyboardModifiers /*modifiers*/) { return false; }
+    // Whether Escape has something to give up.
+    virtual bool begun() const { return false; }
     // Gives up what is begun and not ended.
     virtual bool cancel() { return false; }
 

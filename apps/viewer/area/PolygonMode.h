@@ -34,6 +34,7 @@ class PolygonMode final : public PointerMode {
     void leave() override;
     void act(const PointerAt& at) override;
     bool key(const QKeyEvent& event) override;
+    bool begun() const override { return drag_ || !draft_.points.empty(); }
     bool cancel() override;
     void paint(QPainter& painter, const Geometry& geometry, double ratio) const override;
 

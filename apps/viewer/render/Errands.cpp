@@ -26,10 +26,12 @@ void Errands::add(Work work) {
     wake_.notify_all();
 }
 
-void Errands::give_up() {
+std::size_t Errands::give_up() {
     const std::lock_guard lock(mutex_);
+    const std::size_t left_out = waiting_.size();
     waiting_.clear();
     abort_.raise();
+    return left_out;
 }
 
 void Errands::run() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <condition_variable>
+#include <cstddef>
 #include <deque>
 #include <functional>
 #include <mutex>
@@ -25,10 +26,8 @@ class Errands {
 
     // Any thread; returns at once.
     void add(Work work);
-    // Gives up what is under way and leaves out what waits.
-    void give_up();
-    // Gives up what is under way, if it minds; what waits goes on.
-    void interrupt() { abort_.raise(); }
+    // Gives up what is under way and leaves out what waits; returns how many pieces that were.
+    std::size_t give_up();
 
   private:
     void run();

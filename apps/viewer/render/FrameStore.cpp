@@ -20,7 +20,20 @@ FrameLoader::Names names_of(const ShotFiles& files) {
         if (names[n].is_stream())
             throw UsageError("-: a stream cannot be looked at twice; write its frames first");
     }
+    static_cast<void>(frames_of(files.frames, names));
     return names;
+}
+
+std::vector<FileMark> marks_of(const ShotFiles& files, int frame) {
+    std::vector<FileMark> marks;
+    for (const std::string& input : files.inputs) {
+        try {
+            if (!input.empty()) marks.push_back(FileMark::of(PictureName(input).at(frame)));
+        } catch (const Error&) {
+            continue;  // no name of a file
+        }
+    }
+    return marks;
 }
 
 std::size_t bytes_of(const Image& image) {
@@ -139,6 +152,8 @@ void FrameStore::read(int frame, std::unique_lock<std::mutex>& lock) {
     reading_ = frame;
     abort_.clear();
     lock.unlock();
+    // As they are before they are read: what changes meanwhile is read again.
+    std::vector<FileMark> marks = marks_of(files, frame);
     FramePtr result;
     try {
         if (!loader_ || loaders_shot_ != shot) {
@@ -157,19 +172,13 @@ void FrameStore::read(int frame, std::unique_lock<std::mutex>& lock) {
             loader_ = std::move(loader);
             loaders_shot_ = shot;
         }
-        result = std::make_shared<const Frame>(load(frame));
+        result = std::make_shared<const Frame>(load(frame, marks));
     } catch (const Interrupted&) {
     } catch (const std::exception& error) {
         Frame failed;
         failed.number = frame;
         failed.error = error.what();
-        for (const std::string& input : files.inputs) {
-            try {
-                if (!input.empty()) failed.files.push_back(FileMark::of(PictureName(input).at(frame)));
-            } catch (const Error&) {
-                continue;  // no name of a file
-            }
-        }
+        failed.files = std::move(marks);
         result = std::make_shared<const Frame>(std::move(failed));
     }
     lock.lock();
@@ -182,13 +191,11 @@ void FrameStore::read(int frame, std::unique_lock<std::mutex>& lock) {
     lock.lock();
 }
 
-Frame FrameStore::load(int number) {
+Frame FrameStore::load(int number, const std::vector<FileMark>& marks) {
     Frame frame;
     frame.number = number;
+    frame.files = marks;
     const FrameLoader::Names& names = loader_->names();
-    for (const PictureName& name : names) {
-        if (!name.empty()) frame.files.push_back(FileMark::of(name.at(number)));
-    }
     frame.inputs = loader_->load(number);
     for (std::size_t n = 0; n < kInputCount; ++n) {
         if (!frame.inputs[n].image) continue;

@@ -34,11 +34,11 @@ struct FileMark {
 // Immutable once it is handed out.
 struct Frame {
     int number = 0;
-    FrameInputs inputs;        // without drawn mattes; empty where it could not be read
-    Zo::Image::Hash identity;  // of the inputs' pixels
-    std::string error;         // FILE: what is wrong; empty for a frame that is whole
-    std::vector<FileMark> files;
-    std::size_t bytes = 0;  // that it alone holds
+    FrameInputs inputs;           // without drawn mattes; empty where it could not be read
+    Zo::Image::Hash identity;     // of the inputs' pixels
+    std::string error;            // FILE: what is wrong; empty for a frame that is whole
+    std::vector<FileMark> files;  // as they were before it was read, by inputs
+    std::size_t bytes = 0;        // that it alone holds
 };
 using FramePtr = std::shared_ptr<const Frame>;
 
@@ -70,7 +70,7 @@ class FrameStore {
     // The next thing to do, under the lock; false when it is time to end.
     bool next(std::unique_lock<std::mutex>& lock);
     void read(int frame, std::unique_lock<std::mutex>& lock);
-    Frame load(int frame);
+    Frame load(int frame, const std::vector<FileMark>& marks);
     void look_again(int frame, std::unique_lock<std::mutex>& lock);
     void keep(FramePtr frame);
     bool is_wanted(int frame) const;

@@ -215,12 +215,13 @@ std::shared_ptr<const Image> ViewWorker::render(std::size_t pane, const Keyed& k
 void ViewWorker::show(const ViewRequest& request, std::size_t n, const Made& made, Clock::time_point began) {
     const PaneRequest& pane = request.panes[n];
     View view = view_of(pane.picture, pane.view);
-    if (pane.frame && view.behind == Behind::kPicture) {
+    if (view.behind == Behind::kPicture) {
         view.behind_picture = pane.frame->inputs[kBg].image;
     }
     ViewResult result;
     result.number = request.number;
     result.pane = n;
+    result.frame = pane.frame->number;
     result.geometry = pane.geometry;
     result.picture = made.picture;
     result.whole = made.last;
@@ -238,6 +239,7 @@ void ViewWorker::show(const ViewRequest& request, std::size_t n, const Made& mad
 void ViewWorker::show_error(const ViewRequest& request, const std::string& error) {
     ViewResult result;
     result.number = request.number;
+    if (const FramePtr& frame = request.panes.front().frame) result.frame = frame->number;
     result.error = error;
     show_(std::move(result));
 }
@@ -251,6 +253,7 @@ void ViewWorker::count(const ViewRequest& request, const Made& made, Clock::time
     if (overtaken()) return;
     ViewResult result;
     result.number = request.number;
+    result.frame = request.panes.front().frame->number;
     result.geometry = request.panes.front().geometry;
     result.picture = made.picture;
     result.whole = true;

@@ -50,6 +50,7 @@ struct ViewRequest {
 struct ViewResult {
     std::uint64_t number = 0;
     std::size_t pane = 0;
+    int frame = 0;
     Shaded shaded;
     Geometry geometry;
     ShownPicture picture;  // what was shaded; of the whole frame once it is `whole`

@@ -69,10 +69,10 @@ Autosave::~Autosave() {
     ::close(lock_);
 }
 
-void Autosave::keep(std::string text, std::string document, std::string shot) {
+void Autosave::keep(std::function<RescueText()> text, std::string document) {
     {
         const std::lock_guard lock(mutex_);
-        latest_ = Kept{std::move(text), std::move(document), std::move(shot)};
+        latest_ = Kept{std::move(text), std::move(document)};
         changed_ = true;
     }
     wake_.notify_all();
@@ -123,16 +123,21 @@ void Autosave::write(const std::optional<Kept>& kept) {
     std::string failure;
     try {
         std::error_code error;
-        if (kept && !kept->shot.empty()) write_text(shot_beside(file_ + kText), kept->shot, true);
-        if (!kept || kept->shot.empty()) fs::remove(shot_beside(file_ + kText), error);
+        const std::string script = file_ + kText;
+        const RescueText text = kept ? kept->text() : RescueText{};
+        if (text.shot.empty()) {
+            fs::remove(shot_beside(script), error);
+        } else {
+            write_text(shot_beside(script), text.shot, true);
+        }
         if (kept) {
             std::string document = kept->document;
             std::ranges::replace(document, '\n', ' ');
-            write_text(file_ + kText, std::string(kDocument) + document + '\n' + kept->text, true);
+            write_text(script, std::string(kDocument) + document + '\n' + text.script, true);
         } else {
-            fs::remove(file_ + kText, error);
+            fs::remove(script, error);
         }
-    } catch (const Error& error) {
+    } catch (const std::exception& error) {
         failure = error.what();
     }
     const std::lock_guard lock(mutex_);

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -18,6 +19,12 @@ struct Rescued {
     std::string document;  // what it was saved as; empty for a session that never was
 };
 
+// A script, and what was measured of the shot, which lies beside it; empty for nothing.
+struct RescueText {
+    std::string script;
+    std::string shot;
+};
+
 class Autosave {
   public:
     // Makes the folder where it is missing. Where nothing can be written there, error() says why and nothing
@@ -27,9 +34,9 @@ class Autosave {
     Autosave(const Autosave&) = delete;
     Autosave& operator=(const Autosave&) = delete;
 
-    // Writes it soon, on a thread of its own: what comes within a second is written once. Any thread.
-    // `shot` is what was measured of the shot, which lies beside the text; empty for nothing.
-    void keep(std::string text, std::string document, std::string shot = {});
+    // Writes soon, on a thread of its own, what `text` gives there: what comes within a second is written
+    // once. Any thread.
+    void keep(std::function<RescueText()> text, std::string document);
     // There is nothing to lose now.
     void drop();
     // Writes what waits. Blocks.
@@ -42,9 +49,8 @@ class Autosave {
 
   private:
     struct Kept {
-        std::string text;
+        std::function<RescueText()> text;
         std::string document;
-        std::string shot;
     };
 
     void run();

@@ -144,7 +144,6 @@ void Jobs::start(JobEvents events, Job job) {
             outcome = error.what();
         }
         post([this, outcome] {
-            if (waiting_.empty()) return;
             const auto done = std::move(waiting_.front());
             waiting_.erase(waiting_.begin());
             --running_;
@@ -167,13 +166,12 @@ void Jobs::find_worst(State state, int most, JobEvents events) {
 }
 
 void Jobs::cancel() {
-    errands_.give_up();
-    // The first is under way and tells itself how it ended; the others never begin.
-    while (waiting_.size() > 1) {
+    // The last ones wait and will never tell; what runs tells by itself that it was interrupted.
+    for (std::size_t left_out = errands_.give_up(); left_out > 0; --left_out) {
         const auto done = std::move(waiting_.back());
         waiting_.pop_back();
         --running_;
-        done("interrupted");
+        done(Interrupted().what());
     }
 }
 

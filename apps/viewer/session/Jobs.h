@@ -27,6 +27,13 @@ struct WorstFrame {
     int frame = 0;
     StatusCounts counts;
     std::string error;  // of a frame that could not be keyed
+
+    // The worst first: what could not be keyed, then by the pixels that are wrong.
+    friend bool operator<(const WorstFrame& a, const WorstFrame& b) {
+        const auto faults = [](const StatusCounts& c) { return c.leaks + c.holes + c.broken; };
+        if (a.error.empty() != b.error.empty()) return b.error.empty();
+        return faults(a.counts) > faults(b.counts);
+    }
 };
 
 struct JobEvents {

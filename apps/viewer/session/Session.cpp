@@ -26,7 +26,8 @@ SessionPlace place_on_this_machine() {
 Session::Session(SessionPlace place)
     : place_(std::move(place)),
       node_(std::make_unique<Node>()),
-      settings_(node_->panel()),
+      defaults_(node_->panel()),
+      settings_(defaults_),
       autosave_(place_.rescue_folder.empty() ? nullptr : std::make_unique<Autosave>(place_.rescue_folder)),
       frames_(place_.frame_budget,
               {.changed = [this](int frame) { post([this, frame] { frame_changed(frame); }); },
@@ -35,6 +36,7 @@ Session::Session(SessionPlace place)
             [this](ViewResult result) {
                 auto shared = std::make_shared<ViewResult>(std::move(result));
                 post([this, shared] {
+                    if (shared->number <= former_) return;
                     if (!shared->error.empty()) tell(shared->error);
                     if (events.shown) events.shown(*shared);
                 });
@@ -77,8 +79,13 @@ void Session::commit(const std::string& name) {
 void Session::keep_safe() {
     if (!autosave_) return;
     if (modified()) {
-        autosave_->keep(script(document_.empty() ? place_.rescue_folder + "/-" : document_), document_,
-                        shot_text(*node_));
+        const std::string path = document_.empty() ? place_.rescue_folder + "/-" : document_;
+        const auto text = [state = state(), path] {
+            const Node node;
+            state.settings.give(node.panel());
+            return RescueText{project_text(state, node.panel(), path), shot_text(node)};
+        };
+        autosave_->keep(text, document_);
     } else {
         autosave_->drop();
     }

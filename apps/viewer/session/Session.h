@@ -79,6 +79,9 @@ class Session final : public PanelEdits {
     void open_input(Input input, const std::string& path);
     void open_project(const std::string& path);
     void rescue(const Rescued& rescued);
+    // Looks for what killed sessions left below the place's folder; `found` takes them, the newest first.
+    void find_rescued(std::function<void(const std::vector<Rescued>&)> found);
+    void discard(const Rescued& rescued);
     // Saves as a script; `done` takes what went wrong, empty for nothing.
     void save(const std::string& path, std::function<void(const std::string&)> done);
     // The settings of a script, as one step; files and mattes stay.
@@ -113,7 +116,7 @@ class Session final : public PanelEdits {
     void end_stroke(std::vector<Zo::Image::Box> areas);
     void cancel_stroke();
     void pick(const Zo::Image::Box& box);  // for what is picked for: the plate's mean, as it is stored
-    bool working() const { return tool_running_ || setting_up_ > 0; }
+    bool working() const { return running_.has_value() || setting_up_ > 0; }
     // What works in the background on the settings, tools and set-ups.
     void give_up();
     const DrawnMattes& mattes() const { return mattes_; }
@@ -157,6 +160,14 @@ class Session final : public PanelEdits {
         double choice = 0.0;
     };
 
+    // What a set-up came to; before it was given up, where it is not whole.
+    struct Ready {
+        Settings settings;
+        DrawnMattes mattes;
+        bool whole = true;
+        std::string error;
+    };
+
     // Comes back on the window's thread, unless the session is gone.
     void post(std::function<void()> call);
     void tell(const std::string& line);
@@ -177,11 +188,12 @@ class Session final : public PanelEdits {
     void frame_changed(int frame);
     std::size_t number_of(const Zo::Image::Knob& knob) const;
     void give_up_tools();
+    void forget_preview();
     ToolJob job_of(const Stroke& stroke, bool preview);
     void work_off();
     void take(const ToolOutcome& outcome);
     // Sets a shot up as the command line does, beside the window, and hands over what its knobs are then.
-    void set_up(const SetupOptions& options, std::function<void(const Settings&, const DrawnMattes&)> done);
+    void set_up(const SetupOptions& options, std::function<void(const Ready&)> done);
 
     SessionPlace place_;
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
@@ -192,6 +204,7 @@ class Session final : public PanelEdits {
     FrameRange range_;
     int frame_ = 0;
     int direction_ = 1;
+    const Settings defaults_;
     Settings settings_;
     DrawnMattes mattes_;
     std::shared_ptr<const Zo::Image::ToolMemory> memory_;
@@ -203,10 +216,13 @@ class Session final : public PanelEdits {
     bool stroking_ = false;
     std::uint64_t stroke_ = 0;  // counts strokes
     std::optional<Settings> preview_;
-    std::deque<Stroke> strokes_;  // that wait for the tool
-    bool tool_running_ = false;
+    std::deque<Stroke> strokes_;            // that wait for the tool
+    std::uint64_t jobs_ = 0;                // counts what tools were given
+    std::optional<std::uint64_t> running_;  // the job that is waited for
     int setting_up_ = 0;
-    std::uint64_t shot_ = 0;  // counts shots
+    std::uint64_t opening_ = 0;  // counts documents
+    std::uint64_t shot_ = 0;     // counts shots
+    std::uint64_t former_ = 0;   // the last request of the shot before
 
     std::array<Sight, 2> sights_;
     Layout layout_ = Layout::kSingle;
@@ -221,8 +237,8 @@ class Session final : public PanelEdits {
     mutable FrameStore frames_;  // finding a frame moves it to the front
     ViewWorker view_;
     ToolWorker tools_;
-    Errands setups_;
     Errands errands_;  // files
+    Errands set_ups_;
 };
 
 }  // namespace veloxa::viewer

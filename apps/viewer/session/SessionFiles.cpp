@@ -17,12 +17,6 @@ using namespace Zo::Image;
 
 namespace {
 
-FrameRange range_of(const ShotFiles& files) {
-    std::array<PictureName, kInputCount> names;
-    for (std::size_t n = 0; n < kInputCount; ++n) names[n] = PictureName(files.inputs[n]);
-    return frames_of(files.frames, names);
-}
-
 // What no writer or reader of pictures knows by its name.
 bool is_script(const std::string& path) {
     std::string extension = std::filesystem::path(path).extension().string();
@@ -50,11 +44,13 @@ ShotFiles files_of(const SetupOptions& options) {
 void Session::put_in_place(const ShotFiles& files) {
     files_ = files;
     ++shot_;
+    former_ = request_;
     compared_[static_cast<std::size_t>(Against::kDefault)].reset();
     compared_[static_cast<std::size_t>(Against::kAutomatic)].reset();
     finding_ = {};
     try {
-        range_ = range_of(files);
+        // Whether the names go with that the reader says, who may look at files.
+        range_ = files.frames.empty() ? FrameRange{} : parse_frames(files.frames);
     } catch (const Error& error) {
         tell(error.what());
         range_ = {};
@@ -65,6 +61,7 @@ void Session::put_in_place(const ShotFiles& files) {
     frames_.open(files);
     if (events.shot) events.shot();
     read_around();
+    for (const Sight& sight : sights_) find_settings(sight.against);
 }
 
 void Session::start(State state, const std::string& document) {
@@ -74,6 +71,7 @@ void Session::start(State state, const std::string& document) {
     mattes_ = std::move(state.mattes);
     memory_ = nullptr;
     document_ = document;
+    ++opening_;
     compared_ = {};
     put_in_place(state.files);
     history_.start({this->state(), nullptr});
@@ -85,12 +83,13 @@ void Session::start(State state, const std::string& document) {
 void Session::open(const SetupOptions& options) {
     State state;
     state.files = files_of(options);
-    state.settings = Settings(Node().panel());
+    state.settings = defaults_;
     start(std::move(state), options.settings.script);
-    set_up(options, [this](const Settings& settings, const DrawnMattes& mattes) {
-        settings.give(panel());
+    set_up(options, [this, opening = opening_](const Ready& ready) {
+        if (opening != opening_) return;
+        ready.settings.give(panel());
         settings_ = Settings(panel());
-        mattes_ = mattes;
+        mattes_ = ready.mattes;
         // What the user turned meanwhile would be lost, so it is a step; else it is where one begins.
         if (history_.undo_name().empty()) {
             history_.start({this->state(), nullptr});
@@ -148,33 +147,31 @@ void Session::open_input(Input input, const std::string& path) {
     });
 }
 
-void Session::set_up(const SetupOptions& options,
-                     std::function<void(const Settings&, const DrawnMattes&)> done) {
+void Session::set_up(const SetupOptions& options, std::function<void(const Ready&)> done) {
     ++setting_up_;
     if (events.busy) events.busy();
-    setups_.add([this, options, done = std::move(done), shot = shot_](const AbortFlag& abort) {
-        auto settings = std::make_shared<Settings>();
-        auto mattes = std::make_shared<DrawnMattes>();
-        std::string error;
+    set_ups_.add([this, options, done = std::move(done)](const AbortFlag& abort) {
+        auto ready = std::make_shared<Ready>();
         try {
             Caller caller;
             caller.abort = &abort;
             caller.warn =
                 caller.tell = [this](const std::string& line) { post([this, line] { tell(line); }); };
             KeySetup setup(options, caller);
-            *mattes = setup.loader().drawn();
-            *settings = Settings(setup.node().panel());
+            ready->mattes = setup.loader().drawn();
+            ready->settings = Settings(setup.node().panel());
             setup.prepare();
-            *settings = Settings(setup.node().panel());
+            ready->settings = Settings(setup.node().panel());
         } catch (const Interrupted&) {
+            ready->whole = false;
         } catch (const std::exception& fault) {
-            error = fault.what();
+            ready->error = fault.what();
         }
-        post([this, settings, mattes, error, done, shot] {
+        post([this, ready, done] {
             --setting_up_;
+            if (!ready->error.empty()) tell(ready->error);
+            if (!ready->settings.empty()) done(*ready);
             if (events.busy) events.busy();
-            if (!error.empty()) tell(error);
-            if (shot == shot_ && !settings->empty()) done(*settings, *mattes);
         });
     });
 }
@@ -210,10 +207,24 @@ void Session::rescue(const Rescued& rescued) {
         start(std::move(state), rescued.document);
         if (rescued.file == rescued.document) return;
         history_.mark_unsaved();
-        Autosave::remove(rescued);
         keep_safe();
+        // Not before it is kept by this session.
+        errands_.add([this, rescued](const AbortFlag&) {
+            if (autosave_) autosave_->flush();
+            Autosave::remove(rescued);
+        });
         if (events.settings) events.settings();
     });
+}
+
+void Session::find_rescued(std::function<void(const std::vector<Rescued>&)> found) {
+    errands_.add([this, folder = place_.rescue_folder, found = std::move(found)](const AbortFlag&) {
+        post([found, left = Autosave::left(folder)] { found(left); });
+    });
+}
+
+void Session::discard(const Rescued& rescued) {
+    errands_.add([rescued](const AbortFlag&) { Autosave::remove(rescued); });
 }
 
 std::string Session::script(const std::string& path) const {

@@ -30,7 +30,7 @@ ToolJob Session::job_of(const Stroke& stroke, bool preview) {
     job.settings = settings_;
     job.memory = memory_;
     job.mattes = mattes_;
-    job.file = PictureName(files_.inputs[kFg]).at(frame->number);
+    job.file = frame->files.front().path;
     job.knob = stroke.knob;
     job.choice = stroke.choice;
     job.areas = stroke.areas;
@@ -44,7 +44,7 @@ void Session::move_stroke(std::vector<Box> areas) {
     if (tool_ == nullptr) return;
     if (!std::exchange(stroking_, true)) ++stroke_;
     const FramePtr frame = current_frame();
-    if (tool_running_ || !frame || !frame->error.empty()) return;
+    if (running_ || !frame || !frame->error.empty()) return;
     ToolJob job = job_of({frame, number_of(*tool_), std::move(areas)}, true);
     if (!job.areas.empty()) tools_.submit(std::move(job));
 }
@@ -61,27 +61,33 @@ void Session::cancel_stroke() {
     if (!stroking_ && !preview_) return;
     stroking_ = false;
     ++stroke_;
-    if (!tool_running_) tools_.give_up();
-    if (std::exchange(preview_, std::nullopt)) look();
-}
-
-void Session::give_up() {
-    setups_.interrupt();
-    give_up_tools();
+    if (!running_) tools_.give_up();
+    forget_preview();
 }
 
 void Session::give_up_tools() {
     strokes_.clear();
-    tool_running_ = false;
+    running_.reset();
     stroking_ = false;
     ++stroke_;
     tools_.give_up();
-    if (std::exchange(preview_, std::nullopt)) look();
+    forget_preview();
     if (events.busy) events.busy();
 }
 
+void Session::give_up() {
+    setting_up_ -= static_cast<int>(set_ups_.give_up());
+    finding_ = {};
+    give_up_tools();
+}
+
+void Session::forget_preview() {
+    if (std::exchange(preview_, std::nullopt)) look();
+}
+
 void Session::work_off() {
-    if (tool_running_ || strokes_.empty()) return;
+    if (running_) return;
+    if (strokes_.empty()) return stroking_ ? void() : forget_preview();
     const Stroke stroke = std::move(strokes_.front());
     strokes_.pop_front();
     const FramePtr& frame = stroke.frame;
@@ -91,7 +97,7 @@ void Session::work_off() {
     }
     ToolJob job = job_of(stroke, false);
     if (job.areas.empty() && !stroke.areas.empty()) return work_off();
-    tool_running_ = true;
+    running_ = job.number = ++jobs_;
     tools_.submit(std::move(job));
     if (events.busy) events.busy();
 }
@@ -103,8 +109,8 @@ void Session::take(const ToolOutcome& outcome) {
         if (events.tool) events.tool(outcome.reports, true);
         return look();
     }
-    if (!tool_running_) return;  // given up, with all that waited
-    tool_running_ = false;
+    if (running_ != outcome.job.number) return;  // given up
+    running_.reset();
     preview_.reset();
     if (!outcome.error.empty()) tell(outcome.error);
     if (!outcome.given_up && outcome.error.empty()) {

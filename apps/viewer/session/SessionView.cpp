@@ -118,9 +118,11 @@ void Session::find_settings(Against against) {
     options.fit = files_.fit;
     options.colour = files_.colour;
     options.automatic = against == Against::kAutomatic;
-    set_up(options, [this, against](const Settings& settings, const DrawnMattes&) {
-        compared_[index(against)] = settings;
+    set_up(options, [this, against, shot = shot_](const Ready& ready) {
+        if (shot != shot_) return;
         finding_[index(against)] = false;
+        if (!ready.whole) return;
+        compared_[index(against)] = ready.settings;
         if (events.settings) events.settings();
         look();
     });

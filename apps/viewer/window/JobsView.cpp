@@ -81,10 +81,7 @@ void JobsView::end(const QString& outcome) {
 }
 
 void JobsView::show_worst(std::vector<WorstFrame> frames) {
-    const auto faults = [](const WorstFrame& f) { return f.counts.leaks + f.counts.holes + f.counts.broken; };
-    std::ranges::stable_sort(frames, [&](const WorstFrame& a, const WorstFrame& b) {
-        return a.error.empty() != b.error.empty() ? b.error.empty() : faults(a) > faults(b);
-    });
+    std::stable_sort(frames.begin(), frames.end());
     worst_->setRowCount(static_cast<int>(frames.size()));
     for (int row = 0; row < worst_->rowCount(); ++row) {
         const WorstFrame& frame = frames[static_cast<std::size_t>(row)];

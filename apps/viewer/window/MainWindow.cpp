@@ -55,14 +55,19 @@ MainWindow::MainWindow(WindowPlace place) : place_(std::move(place)) {
     files_timer_.start(kLookAtFiles);
 }
 
+// What shows the session ends before it does: a field that loses the focus may still have something to set.
 MainWindow::~MainWindow() {
+    hide();
     session_->events = {};
+    disconnect(area_, nullptr, this, nullptr);
+    delete takeCentralWidget();
+    delete panel_;
+    delete tools_;
+    delete view_;
 }
 
 void MainWindow::make_session() {
-    const auto post = [this](std::function<void()> call) {
-        QMetaObject::invokeMethod(this, std::move(call), Qt::QueuedConnection);
-    };
+    const auto post = [this](std::function<void()> call) { inbox_.post(std::move(call)); };
     SessionPlace place = place_.budgets;
     place.post = post;
     place.rescue_folder = place_.rescue_folder.toStdString();
@@ -142,8 +147,8 @@ void MainWindow::make_widgets() {
     busy_->setObjectName(QStringLiteral("busy"));
     busy_->setAccessibleName(QStringLiteral("What works in the background"));
     statusBar()->addPermanentWidget(busy_);
-    recent_ = commands_->menu("&File").addMenu(QStringLiteral("Open Re&cent"));
-    commands_->menu("&File").insertMenu(&(*commands_)["open_cp"], recent_);
+    recent_ = new QMenu(QStringLiteral("Open Re&cent"), this);
+    commands_->menu("&File").insertMenu(commands_->menu("&File/Open &Other").menuAction(), recent_);
     resize(1500, 940);
 }
 

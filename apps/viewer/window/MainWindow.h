@@ -16,6 +16,7 @@
 #include "session/Jobs.h"
 #include "session/Session.h"
 #include "session/ViewColour.h"
+#include "window/Inbox.h"
 
 class QDockWidget;
 class QLabel;
@@ -53,7 +54,7 @@ class MainWindow final : public QMainWindow {
     ViewColour& colour() { return *colour_; }
     Jobs& jobs() { return *jobs_; }
     Commands& commands() { return *commands_; }
-    // Asks whether what a killed session left is to be restored, if there is any.
+    // Looks for what a killed session left, and asks whether it is to be restored, if there is any.
     void offer_rescue();
     // The picture that a pane shows; null before there is one.
     const ShownPicture& shown(std::size_t pane) const { return shown_[pane]; }
@@ -96,6 +97,7 @@ class MainWindow final : public QMainWindow {
     void save_as(const std::function<void()>& then = {});
     // Asks what becomes of changes, then goes on, or not.
     void with_changes_kept(const std::function<void()>& then);
+    void offer(const Rescued& rescued);
     void write_matte(DrawnMatte::Kind kind);
     void render();
     void start(RenderPlan plan);
@@ -110,6 +112,7 @@ class MainWindow final : public QMainWindow {
     void show_recent();
 
     WindowPlace place_;
+    Inbox inbox_;
     std::unique_ptr<QSettings> kept_;
     std::unique_ptr<Session> session_;
     std::unique_ptr<ViewColour> colour_;

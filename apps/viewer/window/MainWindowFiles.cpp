@@ -6,6 +6,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
+#include <algorithm>
 #include <utility>
 
 #include "shot/Errors.h"
@@ -83,7 +84,7 @@ void MainWindow::open_files(const QStringList& files) {
         remember(file);
         session_->open_file(file.toStdString());
     };
-    if (session_->files().inputs[kFg].empty()) return open();
+    if (session_->files().inputs[kFg].empty()) return with_changes_kept(open);
     auto* const menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->setObjectName(QStringLiteral("open_as"));
@@ -178,9 +179,13 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 }
 
 void MainWindow::offer_rescue() {
-    const std::vector<Rescued> left = Autosave::left(place_.rescue_folder.toStdString());
-    if (left.empty()) return;
-    const Rescued rescued = left.front();
+    if (place_.rescue_folder.isEmpty()) return;
+    session_->find_rescued([this](const std::vector<Rescued>& left) {
+        if (!left.empty()) offer(left.front());
+    });
+}
+
+void MainWindow::offer(const Rescued& rescued) {
     const QString name =
         rescued.document.empty() ? QStringLiteral("never saved") : QString::fromStdString(rescued.document);
     auto* const box =
@@ -194,7 +199,7 @@ void MainWindow::offer_rescue() {
     box->addButton(QStringLiteral("&Later"), QMessageBox::RejectRole);
     connect(box, &QMessageBox::finished, this, [=, this] {
         if (box->clickedButton() == restore) session_->rescue(rescued);
-        if (box->clickedButton() == discard) Autosave::remove(rescued);
+        if (box->clickedButton() == discard) session_->discard(rescued);
     });
     box->open();
 }
@@ -261,8 +266,7 @@ void MainWindow::look_for_worst(int most) {
     events.progress = [this](double done, int all) { jobs_view_->show_progress(done, all); };
     events.worst = [this](const std::vector<WorstFrame>& frames) {
         jobs_view_->show_worst(frames);
-        const auto faults = [](const WorstFrame& f) { return f.counts.leaks + f.counts.holes; };
-        const auto worst = std::ranges::max_element(frames, {}, faults);
+        const auto worst = std::min_element(frames.begin(), frames.end());
         if (worst != frames.end()) time_->set_worst(worst->frame);
     };
     events.done = [this](const std::string& outcome) {

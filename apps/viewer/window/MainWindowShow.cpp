@@ -21,13 +21,13 @@ void MainWindow::show_result(ViewResult& result) {
     if (result.counts) return readout_->show_counts(result.counts);
     if (!result.error.empty()) {
         area_->set_message(QString::fromStdString(result.error));
-        return time_->set_shown(session_->frame());
+        return time_->set_shown(result.frame);
     }
     area_->set_message({});
     shown_[result.pane] = result.picture;
     if (!result.shaded.pixels.empty())
         area_->set_shaded(static_cast<Pane>(result.pane), std::move(result.shaded), result.geometry);
-    if (result.number == session_->latest_request() || result.whole) time_->set_shown(session_->frame());
+    time_->set_shown(result.frame);
     if (result.whole) states_timer_.start();
 }
 
@@ -68,7 +68,7 @@ void MainWindow::show_frames() {
     const FramePtr here = session_->current_frame();
     if (!here || !here->error.empty()) return;
     const Image& plate = *here->inputs[kFg].image;
-    colour_->take(plate.header, PictureName(session_->files().inputs[kFg]).at(here->number));
+    colour_->take(plate.header, here->files.front().path);
     area_->set_format(plate.info.format);
 }
 

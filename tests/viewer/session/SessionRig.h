@@ -12,13 +12,42 @@
 #include "plates/Set.h"
 #include "session/Session.h"
 #include "shot/Files.h"
-#include "shot/sequence/KeyPipeline.h"
+#include "shot/setup/KeySetup.h"
+#include "shot/setup/ShotModel.h"
 
 namespace test {
 
 using namespace veloxa;
 using namespace veloxa::viewer;
 using namespace Zo::Image;
+
+inline std::vector<float> samples(const veloxa::Image& image) {
+    std::vector<float> all;
+    for (const Channel c : kMaskRgba) {
+        for (int y = image.info.box.y; y < image.info.box.t; ++y) {
+            all.insert(all.end(), image.line(c, y), image.line(c, y) + image.width());
+        }
+    }
+    return all;
+}
+
+// What the command line keys of a frame with a script.
+inline veloxa::Image keyed(const SetupOptions& options, int frame) {
+    KeySetup setup(options, {});
+    setup.prepare();
+    const std::string& script = options.settings.script;
+    if (std::filesystem::exists(shot_beside(script))) load_shot(setup.node(), shot_beside(script));
+    setup.inputs().set(setup.loader().load(frame));
+    Iop& node = setup.node().image();
+    node.validate(true);
+    Info info = node.info();
+    info.channels = kMaskRgba;
+    veloxa::Image image(info);
+    Renderer().render(node, info.box, kMaskRgba, [&](int y, const Row& row) {
+        for (const Channel c : kMaskRgba) std::copy_n(row[c], row.width(), image.line(c, y));
+    });
+    return image;
+}
 
 // Takes calls from any thread and makes them on the test's.
 class Desk {

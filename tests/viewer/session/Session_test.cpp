@@ -14,32 +14,6 @@ namespace {
 using testing::Contains;
 using testing::HasSubstr;
 
-std::vector<float> samples(const veloxa::Image& image) {
-    std::vector<float> all;
-    for (const Channel c : kMaskRgba) {
-        for (int y = image.info.box.y; y < image.info.box.t; ++y) {
-            all.insert(all.end(), image.line(c, y), image.line(c, y) + image.width());
-        }
-    }
-    return all;
-}
-
-// What the command line keys of a frame with a script.
-veloxa::Image keyed(const SetupOptions& options, int frame) {
-    KeySetup setup(options, {});
-    setup.prepare();
-    setup.inputs().set(setup.loader().load(frame));
-    Iop& node = setup.node().image();
-    node.validate(true);
-    Info info = node.info();
-    info.channels = kMaskRgba;
-    veloxa::Image image(info);
-    Renderer().render(node, info.box, kMaskRgba, [&](int y, const Row& row) {
-        for (const Channel c : kMaskRgba) std::copy_n(row[c], row.width(), image.line(c, y));
-    });
-    return image;
-}
-
 TEST_F(SessionRig, ShowsWhatTheCommandLineKeys) {
     make_plates(2);
     Session session(place());
@@ -284,13 +258,13 @@ TEST_F(SessionRig, WhatAKilledSessionLeftIsOffered) {
         {
             std::filesystem::remove_all(folder);
             Autosave autosave(folder);
-            autosave.keep(kText, "/a/b.veloxa");
+            autosave.keep([&] { return RescueText{kText, {}}; }, "/a/b.veloxa");
             autosave.flush();
             ::raise(SIGKILL);
         },
         testing::KilledBySignal(SIGKILL), "");
     Autosave living(folder);
-    living.keep(kText, "");
+    living.keep([&] { return RescueText{kText, {}}; }, "");
     living.flush();
     std::vector<Rescued> left = Autosave::left(folder);
     ASSERT_EQ(left.size(), 1U);

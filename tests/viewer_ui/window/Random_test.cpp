@@ -1,0 +1,206 @@
+// A session of many things done at random, while files come, go and break; then all is well again.
+#include <atomic>
+#include <random>
+#include <thread>
+
+#include "viewer_ui/window/WindowRig.h"
+
+namespace test {
+namespace {
+
+constexpr int kActions = 500;
+constexpr int kFrames = 4;
+const plate::Options kSize{.width = 61, .height = 43};
+
+// Breaks files one after another, as a renderer or a full disk would, until it is told to stop.
+class Vandal {
+  public:
+    explicit Vandal(std::function<void(std::mt19937&)> act)
+        : thread_([this, act = std::move(act)] {
+              std::mt19937 random(5);
+              while (!stop_) {
+                  act(random);
+                  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+              }
+          }) {}
+    ~Vandal() {
+        stop_ = true;
+        thread_.join();
+    }
+    Vandal(const Vandal&) = delete;
+    Vandal& operator=(const Vandal&) = delete;
+
+  private:
+    std::atomic<bool> stop_{false};
+    std::thread thread_;
+};
+
+class RandomWindow : public WindowRig {
+  protected:
+    int any(int count) { return static_cast<int>(random_() % static_cast<unsigned>(count)); }
+    Point place() { return {any(71) - 5.0, any(53) - 5.0}; }
+
+    void break_file(std::mt19937& random) const {
+        const int frame = 1 + static_cast<int>(random() % kFrames);
+        const std::string path = file((random() % 2 == 0 ? "fg." : "bg.") + std::to_string(frame) + ".exr");
+        std::error_code error;
+        switch (random() % 5) {
+            case 0:
+                std::filesystem::remove(path, error);
+                return;
+            case 1:
+                if (const auto size = std::filesystem::file_size(path, error); !error)
+                    std::filesystem::resize_file(path, size * 2 / 3, error);
+                return;
+            case 2:
+                return write_plates({.width = 40, .height = 51}, frame);
+            default:
+                return write_plates(kSize, frame);
+        }
+    }
+
+    void turn_knob() {
+        const auto& knobs = session().panel().knobs();
+        Knob& knob = *knobs[static_cast<std::size_t>(any(static_cast<int>(knobs.size())))];
+        const bool button = knob.kind() == Knob::Kind::kButton || knob.kind() == Knob::Kind::kScriptButton;
+        if (button && knob.enabled()) return session().press(knob);
+        if (any(6) == 0) return session().reset(knob);
+        session().begin_edit("drag");
+        for (int n = any(4); n >= 0; --n) session().set(knob, any(1000) / 11.0, any(4));
+        session().end_edit();
+    }
+    void use_pointer() {
+        constexpr const char* kModes[] = {"mode_look", "mode_box", "mode_garbage", "mode_holdout"};
+        std::vector<QAction*> tools;
+        for (const auto& knob : session().panel().knobs()) {
+            if (knob->kind() == Knob::Kind::kToolButton)
+                tools.push_back(child<QAction>(knob->name().c_str()));
+        }
+        if (any(2) == 0) {
+            tools[static_cast<std::size_t>(any(static_cast<int>(tools.size())))]->trigger();
+        } else {
+            command(kModes[any(4)]);
+        }
+        area().set_brush_size(1 + any(9));
+        std::vector<Point> path;
+        for (int n = 1 + any(3); n > 0; --n) path.push_back(place());
+        switch (any(4)) {
+            case 0:  // given up
+                press(path.front());
+                move(path.back());
+                area().setFocus();
+                key(Qt::Key_Escape);
+                return release(path.back());
+            case 1:  // points of a polygon
+                for (int n = 0; n < 4; ++n) click(place());
+                return key(Qt::Key_Return);
+            case 2:
+                press(path.front());
+                command("undo");
+                move(path.back());
+                return release(path.back());
+            default:
+                return paint(path);
+        }
+    }
+    void use_command() {
+        constexpr const char* kNames[] = {"undo",
+                                          "undo",
+                                          "redo",
+                                          "fit",
+                                          "one_to_one",
+                                          "zoom_in",
+                                          "zoom_out",
+                                          "channel_alpha",
+                                          "channel_red",
+                                          "channel_colour",
+                                          "overlay",
+                                          "false_colours",
+                                          "counts",
+                                          "behind_black",
+                                          "behind_picture",
+                                          "layout_single",
+                                          "layout_wipe",
+                                          "layout_side",
+                                          "keep_a",
+                                          "layout_difference",
+                                          "picture_next",
+                                          "play",
+                                          "feather_more",
+                                          "matte_outside",
+                                          "reload",
+                                          "next",
+                                          "previous",
+                                          "last",
+                                          "give_up",
+                                          "reset_all",
+                                          "picture_previous",
+                                          "cancel_jobs",
+                                          "brush_larger",
+                                          "behind_nothing",
+                                          "channel_luminance"};
+        command(kNames[any(static_cast<int>(std::size(kNames)))]);
+    }
+    void act() {
+        switch (any(8)) {
+            case 0:
+                return session().go_to(1 + any(kFrames));
+            case 1:
+                return turn_knob();
+            case 2:
+            case 3:
+                return use_pointer();
+            case 4:
+                window_->resize(500 + any(400), 400 + any(300));
+                return;
+            case 5: {
+                Sight sight = session().sight(1);
+                sight.against = static_cast<Against>(any(kAgainst));
+                sight.picture = any(2) == 0 ? "matte" : "subject";
+                return session().set_sight(1, sight);
+            }
+            case 6:
+                if (any(3) == 0) window_->jobs().find_worst(session().state(), 2, {});
+                return;
+            default:
+                return use_command();
+        }
+    }
+
+    std::mt19937 random_{2024};
+};
+
+TEST_F(RandomWindow, SettlesOnWhatTheCommandLineKeys) {
+    for (int n = 1; n <= kFrames; ++n) write_plates(kSize, n);
+    make_window();
+    session().open(shot(kFrames));
+    ASSERT_TRUE(settled()) << shown_.error;
+    {
+        const Vandal vandal([this](std::mt19937& random) { break_file(random); });
+        for (int n = 0; n < kActions; ++n) {
+            act();
+            QCoreApplication::processEvents();
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        }
+    }
+    for (int n = 1; n <= kFrames; ++n) write_plates(kSize, n);
+    window_->time_line().set_playing(false);
+    command("cancel_jobs");
+    command("reload");
+    ASSERT_TRUE(until([&] { return !window_->jobs().running() && !session().working(); }));
+    command("layout_single");
+    Sight sight = session().sight(0);
+    sight.picture = "result";
+    sight.against = Against::kNow;
+    session().set_sight(0, sight);
+    for (int i = 0; i < 3; ++i) session().set(panel_knob("screen_color"), i == 1 ? 0.6 : 0.1, i);
+    for (int n = 1; n <= kFrames; ++n) {
+        window_->time_line().go_to(n);
+        ASSERT_TRUE(settled()) << n;
+        expect_shown_as_keyed();
+    }
+    EXPECT_TRUE(area().message().isEmpty());
+}
+
+}  // namespace
+}  // namespace test
