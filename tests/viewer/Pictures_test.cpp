@@ -60,7 +60,8 @@ TEST(PlanePool, GivesThePlanesOfPicturesThatAreGone) {
     const Image larger = pool->image(info_of(65, 48));
     Image third = pool->image(info_of(64, 48));
     for (const Channel c : kMaskRgba) EXPECT_NE(larger.plane(c).get(), left);
-    EXPECT_EQ(std::ranges::count_if(third.planes, [&](const Plane& plane) { return plane.get() == left; }), 1);
+    EXPECT_EQ(std::ranges::count_if(third.planes, [&](const Plane& plane) { return plane.get() == left; }),
+              1);
     pool.reset();
     third.line(kAlpha, 47)[63] = 1.0f;
 }

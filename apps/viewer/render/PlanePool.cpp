@@ -47,7 +47,7 @@ Image PlanePool::image(const Info& info) {
     Image image;
     image.info = info;
     const std::size_t pixels = image.width() * image.height();
-    for (const Channel c : info.channels & kMaskRgba) {
+    for (const Channel c : info.channels& kMaskRgba) {
         Plane plane = spare_->take(pixels);
         if (!plane) plane = make_plane(pixels);
         float* const values = plane.get();

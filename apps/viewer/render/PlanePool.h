@@ -1,5 +1,5 @@
-// Memory for one rendered picture after the other: what one leaves, the next of its size takes, as fresh pages
-// cost more than keying does. Any thread.
+// Memory for one rendered picture after the other: what one leaves, the next of its size takes, as fresh
+// pages cost more than keying does. Any thread.
 #pragma once
 
 #include <cstddef>
