@@ -5,7 +5,6 @@
 #include <QEvent>
 #include <QMetaEnum>
 #include <algorithm>
-#include <utility>
 
 namespace bench {
 
@@ -35,8 +34,11 @@ WatchedApplication::WatchedApplication(int& argc, char** argv) : QApplication(ar
     beat_.setTimerType(Qt::PreciseTimer);
     connect(&beat_, &QTimer::timeout, this, [this] {
         const auto now = Clock::now();
-        if (watching_) longest_gap_ = std::max(longest_gap_, milliseconds(now - last_beat_));
+        const double processor = processor_ms(CLOCK_THREAD_CPUTIME_ID);
+        const Delay gap{milliseconds(now - last_beat_), processor - beat_processor_};
+        if (watching_ && gap.clock > longest_gap_.clock) longest_gap_ = gap;
         last_beat_ = now;
+        beat_processor_ = processor;
     });
     beat_.start(kBeat);
 }
@@ -87,8 +89,9 @@ bool WatchedApplication::until(const std::function<bool()>& done, double seconds
 void WatchedApplication::start_watching() {
     watching_ = true;
     last_beat_ = Clock::now();
+    beat_processor_ = processor_ms(CLOCK_THREAD_CPUTIME_ID);
     wall_ = processor_ = {};
-    longest_gap_ = 0.0;
+    longest_gap_ = {};
     slowest_.clear();
 }
 

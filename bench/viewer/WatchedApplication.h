@@ -7,6 +7,7 @@
 #include <chrono>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace bench {
@@ -23,6 +24,13 @@ struct Stamp {
     double processor = 0.0;  // milliseconds
 
     static Stamp now();
+};
+
+// How long something took, in milliseconds: as a clock sees it, and the processor time, which other programs
+// do not lengthen.
+struct Delay {
+    double clock = 0.0;
+    double processor = 0.0;
 };
 
 // What events took: those within each limit, and those beyond the last. Milliseconds.
@@ -55,7 +63,9 @@ class WatchedApplication final : public QApplication {
     const EventTimes& wall() const { return wall_; }
     // Of processor time, which other programs do not lengthen.
     const EventTimes& processor() const { return processor_; }
-    double longest_gap() const { return longest_gap_; }  // between two turns of a timer of 5 ms
+    // The longest time between two turns of a timer of 5 ms since this was asked last, and what the window's
+    // thread took of the processor in it.
+    Delay take_gap() { return std::exchange(longest_gap_, {}); }
     const std::vector<Slow>& slowest() const { return slowest_; }
 
   private:
@@ -69,7 +79,8 @@ class WatchedApplication final : public QApplication {
     QObject* area_ = nullptr;
     std::function<void()> after_paint_;
     EventTimes wall_, processor_;
-    double longest_gap_ = 0.0;
+    Delay longest_gap_;
+    double beat_processor_ = 0.0;
     std::vector<Slow> slowest_;
 };
 

@@ -77,7 +77,7 @@ void WindowRig::write_plates(int width, int height) const {
 
 void WindowRig::listen() {
     SessionEvents& events = window_->session().events;
-    events.shown = [this, show = events.shown](const ViewResult& result) {
+    events.shown = [this, show = events.shown](auto& result) {
         show(result);
         if (!result.counts && result.picture.image) arrived_.push_back({result.number, result.whole, {}});
     };
@@ -160,14 +160,14 @@ std::vector<Seen> WindowRig::slide_and_wait(const std::string& knob, int moves) 
     QSlider* const hand = slider(knob);
     if (hand == nullptr) return seen;
     const double y = 0.5 * hand->height();
-    point(*hand, QEvent::MouseButtonPress, {0.3 * hand->width(), y});
+    point(*hand, QEvent::MouseButtonPress, {0.1 * hand->width(), y});
     settle();
     for (int n = 1; n <= moves && good_; ++n) {
         const Stamp began = Stamp::now();
-        point(*hand, QEvent::MouseMove, {0.3 * hand->width() + n, y});
+        point(*hand, QEvent::MouseMove, {0.1 * hand->width() + n, y});
         seen.push_back(see(began, window_->session().latest_request()));
     }
-    point(*hand, QEvent::MouseButtonRelease, {0.3 * hand->width() + moves, y});
+    point(*hand, QEvent::MouseButtonRelease, {0.1 * hand->width() + moves, y});
     settle();
     return seen;
 }
@@ -177,14 +177,14 @@ Dragged WindowRig::slide(const std::string& knob, int moves) {
     QSlider* const hand = slider(knob);
     if (hand == nullptr) return dragged;
     const double y = 0.5 * hand->height();
-    point(*hand, QEvent::MouseButtonPress, {0.6 * hand->width(), y});
+    point(*hand, QEvent::MouseButtonPress, {0.55 * hand->width(), y});
     settle();
     std::vector<std::pair<Clock::time_point, std::uint64_t>> made;
     const auto began = Clock::now();
     for (int n = 1; n <= moves && good_; ++n) {
         application_.until([&] { return Clock::now() >= began + n * kPace; });
         made.emplace_back(Clock::now(), 0);
-        point(*hand, QEvent::MouseMove, {0.6 * hand->width() - n, y});
+        point(*hand, QEvent::MouseMove, {0.55 * hand->width() + n, y});
         made.back().second = window_->session().latest_request();
     }
     const auto ended = Clock::now();
@@ -195,7 +195,7 @@ Dragged WindowRig::slide(const std::string& knob, int moves) {
         dragged.first.push_back(milliseconds(painted(number, false)->at.clock - at));
     }
     dragged.whole = milliseconds(painted(made.back().second, true)->at.clock - made.back().first);
-    point(*hand, QEvent::MouseButtonRelease, {0.6 * hand->width() - moves, y});
+    point(*hand, QEvent::MouseButtonRelease, {0.55 * hand->width() + moves, y});
     settle();
     return dragged;
 }

@@ -15,14 +15,8 @@ class QWidget;
 
 namespace bench {
 
-// From the hand's move to a picture on the screen, in milliseconds: as a clock sees it, and the processor
-// time that all threads took for it, which other programs do not lengthen.
-struct Delay {
-    double clock = 0.0;
-    double processor = 0.0;
-};
-
-// One request's way to the eye: its first picture, and that of the whole frame.
+// One request's way from the hand to the eye: to its first picture on the screen, and to that of the whole
+// frame. The processor time is that of all threads.
 struct Seen {
     Delay first, whole;
 };

@@ -1,6 +1,7 @@
 #include "render/NodeRenderer.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "render/Pictures.h"
 #include "render/Proxy.h"
@@ -37,8 +38,8 @@ FrameInputs with_mattes(FrameInputs inputs, const DrawnMattes& mattes, DrawnInpu
     return inputs;
 }
 
-NodeRenderer::NodeRenderer(int scale, std::size_t row_budget, const AbortFlag& abort)
-    : scale_(scale), abort_(abort), rows_(row_budget), renderer_(0, &abort) {
+NodeRenderer::NodeRenderer(int scale, std::size_t row_budget, PlanePool& planes, const AbortFlag& abort)
+    : scale_(scale), planes_(planes), abort_(abort), rows_(row_budget), renderer_(0, &abort) {
     inputs_.connect(node_.image());
     renderer_.use_cache(&rows_);
 }
@@ -47,13 +48,15 @@ const FrameInputs& NodeRenderer::inputs_for(const Keyed& keyed) {
     if (frame_ == keyed.frame && mattes_ == keyed.mattes) return loaded_;
     frame_ = keyed.frame;
     mattes_ = keyed.mattes;
-    loaded_ = with_mattes(frame_->inputs, mattes_, drawn_);
-    if (scale_ == 1) return loaded_;
-    for (LoadedInput& input : loaded_) {
-        if (!input.image) continue;
-        input.image = shrunk(*input.image, scale_);
-        input.identity.append(std::int32_t{scale_});
+    FrameInputs inputs = with_mattes(frame_->inputs, mattes_, drawn_);
+    for (std::size_t n = 0; n < kInputCount && scale_ > 1; ++n) {
+        // Stills are the same in every frame.
+        const bool same = std::exchange(whole_[n], inputs[n].image) == inputs[n].image;
+        if (!inputs[n].image) continue;
+        inputs[n].image = same ? loaded_[n].image : shrunk(*inputs[n].image, scale_);
+        inputs[n].identity.append(std::int32_t{scale_});
     }
+    loaded_ = std::move(inputs);
     return loaded_;
 }
 
@@ -74,7 +77,7 @@ std::shared_ptr<const Image> NodeRenderer::render(const Box& region) {
     info.format = loaded_[kFg].image->info.format;
     info.box = region;
     info.channels = kMaskRgba;
-    auto image = std::make_shared<Image>(info);
+    auto image = std::make_shared<Image>(planes_.image(info));
     const bool whole = renderer_.render(*root_, region, kMaskRgba, [&](int y, const Row& row) {
         for (const Channel c : kMaskRgba) std::copy_n(row[c], row.width(), image->line(c, y));
     });
@@ -87,6 +90,7 @@ void NodeRenderer::clear() {
     rows_.clear();
     frame_ = nullptr;
     loaded_ = {};
+    whole_ = {};
 }
 
 }  // namespace veloxa::viewer

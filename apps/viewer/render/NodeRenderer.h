@@ -11,6 +11,7 @@
 #include "ZoImage/Render.h"
 #include "ZoImage/RowCache.h"
 #include "render/FrameStore.h"
+#include "render/PlanePool.h"
 #include "session/Settings.h"
 #include "shot/frames/DrawnInputs.h"
 #include "shot/node/ImageSource.h"
@@ -36,8 +37,8 @@ FrameInputs with_mattes(FrameInputs inputs, const DrawnMattes& mattes, DrawnInpu
 
 class NodeRenderer {
   public:
-    // Pictures are rendered at 1 / `scale` of their size; the flag outlives the renderer.
-    NodeRenderer(int scale, std::size_t row_budget, const Zo::Image::AbortFlag& abort);
+    // Pictures are rendered at 1 / `scale` of their size; the pool and the flag outlive the renderer.
+    NodeRenderer(int scale, std::size_t row_budget, PlanePool& planes, const Zo::Image::AbortFlag& abort);
 
     // Makes the node ready. Returns the pixels that the picture has. Throws Error.
     Zo::Image::Box prepare(const Keyed& keyed);
@@ -51,6 +52,7 @@ class NodeRenderer {
     const FrameInputs& inputs_for(const Keyed& keyed);
 
     const int scale_;
+    PlanePool& planes_;
     const Zo::Image::AbortFlag& abort_;
     NodeInputs inputs_;  // outlive the node
     Node node_;
@@ -61,6 +63,7 @@ class NodeRenderer {
     DrawnMattes mattes_;
     DrawnInputs drawn_;
     FrameInputs loaded_;
+    std::array<std::shared_ptr<const Image>, kInputCount> whole_;  // that smaller inputs were made of
 };
 
 }  // namespace veloxa::viewer

@@ -19,16 +19,22 @@ std::shared_ptr<const Image> PictureCache::find(const Hash& identity) {
     return entries_.front().picture;
 }
 
-void PictureCache::keep(const Hash& identity, std::shared_ptr<const Image> picture) {
+void PictureCache::keep(const Hash& identity, const Hash& frame, std::shared_ptr<const Image> picture) {
+    std::list<Entry> gone;  // whose memory goes after the lock
     const std::lock_guard lock(mutex_);
-    std::erase_if(entries_, [&](const Entry& entry) { return entry.identity == identity; });
-    entries_.push_front({identity, std::move(picture)});
     std::size_t sum = 0;
-    for (auto entry = entries_.begin(); entry != entries_.end(); ++entry) {
-        sum += bytes(*entry);
-        if (sum <= budget_ || entry == entries_.begin()) continue;
-        entries_.erase(entry, entries_.end());
-        return;
+    int of_frame = 0;
+    entries_.push_front({identity, frame, std::move(picture)});
+    for (auto entry = entries_.begin(); entry != entries_.end();) {
+        const auto here = entry++;
+        const bool first = here == entries_.begin();
+        const bool known = !first && here->identity == identity;
+        const bool many = here->frame == frame && ++of_frame > kOfOneFrame;
+        if (known || many || (!first && sum + bytes(*here) > budget_)) {
+            gone.splice(gone.end(), entries_, here);
+        } else {
+            sum += bytes(*here);
+        }
     }
 }
 

@@ -1,4 +1,5 @@
-// Rendered pictures of whole frames, kept under a byte budget. Any thread.
+// Rendered pictures of whole frames, kept under a byte budget; of one frame no more than a few, so that the
+// drag of a slider does not push all others out. Any thread.
 #pragma once
 
 #include <cstddef>
@@ -17,13 +18,18 @@ class PictureCache {
 
     // Null where it is not kept.
     std::shared_ptr<const Image> find(const Zo::Image::Hash& identity);
-    void keep(const Zo::Image::Hash& identity, std::shared_ptr<const Image> picture);
+    // `frame` tells the frames apart that pictures are of.
+    void keep(const Zo::Image::Hash& identity, const Zo::Image::Hash& frame,
+              std::shared_ptr<const Image> picture);
     bool has(const Zo::Image::Hash& identity) const;
     void clear();
+
+    static constexpr int kOfOneFrame = 8;
 
   private:
     struct Entry {
         Zo::Image::Hash identity;
+        Zo::Image::Hash frame;
         std::shared_ptr<const Image> picture;
     };
     static std::size_t bytes(const Entry& entry);

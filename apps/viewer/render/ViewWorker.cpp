@@ -16,11 +16,14 @@ using namespace std::chrono_literals;
 namespace {
 
 // A render that is overtaken is let end if it is so near to it,
-constexpr auto kNearlyDone = 40ms;
-// or if nothing new was to be seen for so long.
+constexpr auto kNearlyDone = 8ms;
+// if it is its request's first and not further from it than this, or if nothing new was to be seen for so
+// long.
 constexpr auto kPatience = 250ms;
 
-constexpr std::int64_t kLarge = 1'200'000;  // pixels, above which a frame is keyed at the area's size first
+// A stand-in comes first where more pixels than these are seen, unless keying them took no longer than that.
+constexpr std::int64_t kLarge = 1'200'000;
+constexpr auto kSoon = 25ms;
 constexpr int kLeastProxy = 8;
 
 constexpr int kShadingThreads = 2;
@@ -55,11 +58,12 @@ ViewWorker::~ViewWorker() {
 void ViewWorker::submit(ViewRequest request) {
     {
         const std::lock_guard lock(mutex_);
-        if (!next_) next_began_ = Clock::now();
-        next_ = std::move(request);
         const auto now = Clock::now();
+        if (!next_) next_began_ = now;
+        if (std::exchange(idle_, false)) last_shown_ = now;
+        next_ = std::move(request);
         const bool waits_long = now - last_shown_ > kPatience;
-        if (pass_ends_ - now > kNearlyDone && !waits_long) abort_.raise();
+        if (pass_ends_ - now > may_take_ && !waits_long) abort_.raise();
     }
     wake_.notify_all();
 }
@@ -87,12 +91,12 @@ void ViewWorker::run() {
         Clock::time_point began;
         {
             std::unique_lock lock(mutex_);
+            idle_ = !next_;
             wake_.wait(lock, [this] { return ending_ || next_; });
             if (ending_) return;
             request = *std::exchange(next_, std::nullopt);
             began = next_began_;
             abort_.clear();
-            last_shown_ = std::max(last_shown_, began);
         }
         try {
             if (request.difference && request.panes.size() == 2) {
@@ -140,16 +144,17 @@ void ViewWorker::work_on_difference(const ViewRequest& request, Clock::time_poin
 }
 
 // Where the frame is larger than what is seen of it, what is seen comes first.
-std::vector<ViewWorker::Pass> ViewWorker::passes(const PaneRequest& pane) {
+std::vector<ViewWorker::Pass> ViewWorker::passes(const PaneRequest& pane) const {
     const Info& info = pane.frame->inputs[kFg].image->info;
     Box whole = info.box;
     whole.merge(info.format.box);
     const Box visible = pane.geometry.visible(whole);
     std::vector<Pass> passes;
     const bool all = area_of(visible) * 4 > area_of(whole) * 3;
-    if (area_of(visible) > kLarge && pane.geometry.zoom <= 0.5) {
-        const int scale = std::min(static_cast<int>(1.0 / pane.geometry.zoom), kLeastProxy);
-        passes.push_back({scale, visible});
+    const auto took = took_.find({1, area_of(all ? whole : visible)});
+    if (area_of(visible) > kLarge && (took == took_.end() || took->second > kSoon)) {
+        const double reduced = 1.0 / pane.geometry.zoom;
+        passes.push_back({std::clamp(static_cast<int>(std::min(reduced, 1e3)), 2, kLeastProxy), visible});
     }
     if (!visible.empty() && !all) passes.push_back({1, visible});
     passes.push_back({1, {}});
@@ -174,16 +179,17 @@ ViewWorker::Made ViewWorker::make(const ViewRequest& request, std::size_t n, std
     const std::vector<Pass> all = passes(pane);
     const Pass& now = all[std::min(pass, all.size() - 1)];
     const bool last = pass + 1 >= all.size();
-    auto image = render(n, keyed, now);
-    if (image && last) pictures_.keep(identity, image);
+    auto image = render(n, keyed, now, pass == 0);
+    if (image && last) pictures_.keep(identity, pane.frame->identity, image);
     return {{std::move(image), static_cast<double>(now.scale), frame}, last};
 }
 
-std::shared_ptr<const Image> ViewWorker::render(std::size_t pane, const Keyed& keyed, const Pass& pass) {
+std::shared_ptr<const Image> ViewWorker::render(std::size_t pane, const Keyed& keyed, const Pass& pass,
+                                                bool first) {
     auto& renderer = renderers_[{pane, pass.scale}];
     if (!renderer) {
         const auto budget = row_budget_ / static_cast<std::size_t>(pass.scale * pass.scale);
-        renderer = std::make_unique<NodeRenderer>(pass.scale, budget, abort_);
+        renderer = std::make_unique<NodeRenderer>(pass.scale, budget, planes_, abort_);
     }
     const auto began = Clock::now();
     Box region = renderer->prepare(keyed);
@@ -193,6 +199,7 @@ std::shared_ptr<const Image> ViewWorker::render(std::size_t pane, const Keyed& k
     {
         const std::lock_guard lock(mutex_);
         pass_ends_ = took > Clock::duration::zero() ? began + took : Clock::time_point::max();
+        may_take_ = first ? kPatience : kNearlyDone;
     }
     auto image = renderer->render(region);
     const std::lock_guard lock(mutex_);

@@ -1,8 +1,8 @@
 // Renders and shades what the window shows, on a thread of its own.
 //
-// One request counts at a time, the newest. What is nearly done when it is overtaken is still shown, so that
-// the picture follows a slider that never rests; everything else is aborted. A frame that is large on a small
-// area is keyed at the area's resolution first, then what is visible, then all of it.
+// One request counts at a time, the newest. The first picture of one that is overtaken is still finished, so
+// that the screen follows a slider that never rests; everything else is aborted. Where much is to be seen and
+// keying it takes long, a smaller stand-in comes first, then what is visible, then all of it.
 #pragma once
 
 #include <array>
@@ -24,6 +24,7 @@
 #include "picture/View.h"
 #include "render/NodeRenderer.h"
 #include "render/PictureCache.h"
+#include "render/PlanePool.h"
 
 namespace veloxa::viewer {
 
@@ -99,8 +100,8 @@ class ViewWorker {
     void work_on_difference(const ViewRequest& request, Clock::time_point began);
     // The picture as far as it is to be made in this pass.
     Made make(const ViewRequest& request, std::size_t pane, std::size_t pass);
-    std::shared_ptr<const Image> render(std::size_t pane, const Keyed& keyed, const Pass& pass);
-    static std::vector<Pass> passes(const PaneRequest& pane);
+    std::shared_ptr<const Image> render(std::size_t pane, const Keyed& keyed, const Pass& pass, bool first);
+    std::vector<Pass> passes(const PaneRequest& pane) const;
     void show(const ViewRequest& request, std::size_t pane, const Made& made, Clock::time_point began);
     void show_error(const ViewRequest& request, const std::string& error);
     // What follows when the whole picture is there.
@@ -116,12 +117,15 @@ class ViewWorker {
     std::optional<ViewRequest> next_;
     Clock::time_point next_began_;
     bool ending_ = false;
+    bool idle_ = true;
     Stats stats_;
-    Clock::time_point pass_ends_;  // of the render under way, as far as one can tell
-    Clock::time_point last_shown_;
+    Clock::time_point pass_ends_;   // of the render under way, as far as one can tell
+    Clock::duration may_take_{};    // until then where it is overtaken
+    Clock::time_point last_shown_;  // or when work began after a rest
 
     // The worker's own.
     PictureCache pictures_;
+    PlanePool planes_;
     std::map<std::pair<std::size_t, int>, std::unique_ptr<NodeRenderer>> renderers_;  // by pane and scale
     std::map<std::pair<int, std::int64_t>, Clock::duration> took_;                    // by scale and pixels
     std::shared_ptr<const Image> counted_;

@@ -86,7 +86,8 @@ void find_all(const State& state, int most, const AbortFlag& abort, const JobEve
     caller.warn = caller.tell = [](const std::string&) {};
     KeySetup setup(options_of(state, {}), caller);
     setup.loader().load_stills();
-    NodeRenderer renderer(1, 0, abort);
+    PlanePool planes;
+    NodeRenderer renderer(1, 0, planes, abort);
     const std::vector<int> frames = spread_over(setup.frames(), most);
     std::vector<WorstFrame> worst;
     for (const int frame : frames) {

@@ -44,7 +44,7 @@ struct SessionEvents {
     std::function<void()> frames;    // which frames are here or failed, and the frame that is looked at
     std::function<void()> modes;     // the active tool, and what is picked for
     std::function<void()> busy;      // what works in the background
-    std::function<void(const ViewResult&)> shown;
+    std::function<void(ViewResult&)> shown;  // which may take the pixels
     std::function<void(const std::vector<Zo::Image::ToolReport>&, bool preview)> tool;
     std::function<void(const std::string&)> message;  // FILE: what is wrong, or what was found
 };

@@ -158,7 +158,7 @@ void MainWindow::wire_session() {
                         .frames = [this] { show_frames(); },
                         .modes = [this] { show_modes(); },
                         .busy = [this] { show_busy(); },
-                        .shown = [this](const ViewResult& result) { show_result(result); },
+                        .shown = [this](ViewResult& result) { show_result(result); },
                         .tool =
                             [this](const std::vector<Zo::Image::ToolReport>& reports, bool preview) {
                                 if (preview) return;

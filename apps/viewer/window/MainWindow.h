@@ -81,7 +81,7 @@ class MainWindow final : public QMainWindow {
     void save_layout();
 
     // What the session tells.
-    void show_result(const ViewResult& result);
+    void show_result(ViewResult& result);
     void show_settings();
     void show_shot();
     void show_frames();

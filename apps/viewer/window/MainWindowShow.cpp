@@ -1,6 +1,7 @@
 // What the session tells the window.
 #include <QLabel>
 #include <algorithm>
+#include <utility>
 
 #include "area/PictureArea.h"
 #include "panel/PanelView.h"
@@ -16,7 +17,7 @@ namespace veloxa::viewer {
 
 using namespace Zo::Image;
 
-void MainWindow::show_result(const ViewResult& result) {
+void MainWindow::show_result(ViewResult& result) {
     if (result.counts) return readout_->show_counts(result.counts);
     if (!result.error.empty()) {
         area_->set_message(QString::fromStdString(result.error));
@@ -25,7 +26,7 @@ void MainWindow::show_result(const ViewResult& result) {
     area_->set_message({});
     shown_[result.pane] = result.picture;
     if (!result.shaded.pixels.empty())
-        area_->set_shaded(static_cast<Pane>(result.pane), result.shaded, result.geometry);
+        area_->set_shaded(static_cast<Pane>(result.pane), std::move(result.shaded), result.geometry);
     time_->set_shown(result.frame);
     if (result.whole) states_timer_.start();
 }

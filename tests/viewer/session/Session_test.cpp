@@ -231,6 +231,24 @@ TEST_F(SessionRig, AnOvertakenRenderIsAborted) {
     EXPECT_EQ(samples(*shown_.picture.image), samples(keyed(options, 1)));
 }
 
+// Each turn of the knob overtakes the one before, long before its picture is there.
+TEST_F(SessionRig, ASliderThatNeverRestsIsFollowed) {
+    make_plates(1, 1500, 900);
+    Session session(place());
+    open(session, 1);
+    session.set(session.panel().get("unmix_method"), 1.0);
+    ASSERT_TRUE(settle(session));
+    const int before = count_;
+    int n = 0;
+    const bool followed = desk_.until([&] {
+        session.set(session.panel().get("unmix_detail"), 1.0 + ++n / 50000.0);
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        desk_.post([] {});
+        return count_ >= before + 3;
+    });
+    EXPECT_TRUE(followed);
+}
+
 TEST_F(SessionRig, WhatAKilledSessionLeftIsOffered) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     // The same folder in the process that is killed, which runs this test from its beginning.

@@ -14,7 +14,7 @@ TEST_F(WindowRig, EveryFrameIsShownWhenSteppingAndPlaying) {
         ASSERT_TRUE(settled());
         EXPECT_EQ(shown_.frame, session().frame()) << name;
         EXPECT_EQ(strip->current(), session().frame());
-        EXPECT_TRUE(until([&] { return strip->state(session().frame()) == FrameState::kResult; }, 20));
+        EXPECT_TRUE(until([&] { return strip->state(session().frame()) == FrameState::kResult; })) << name;
         EXPECT_EQ(samples(*shown_.picture.image), samples(keyed(shot(5), session().frame()))) << name;
     }
     EXPECT_EQ(frames_, (std::vector{1, 2, 3, 2, 5, 1}));
@@ -42,7 +42,7 @@ TEST_F(WindowRig, EveryFrameIsShownWhenSteppingAndPlaying) {
     ASSERT_TRUE(settled());
     EXPECT_TRUE(area().message().isEmpty());
     EXPECT_EQ(session().frame(), 3);
-    EXPECT_TRUE(until([&] { return strip->state(3) == FrameState::kResult; }, 20));
+    EXPECT_TRUE(until([&] { return strip->state(3) == FrameState::kResult; }));
 }
 
 // Settings to compare with belong to a shot: another one has others, and they are found again.

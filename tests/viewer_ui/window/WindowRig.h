@@ -46,7 +46,7 @@ class WindowRig : public SessionRig {
         window_->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(window_.get()));
         SessionEvents& events = session().events;
-        events.shown = [this, own = events.shown](const ViewResult& result) {
+        events.shown = [this, own = events.shown](ViewResult& result) {
             shown_ = result;
             if (result.whole && !result.counts && (frames_.empty() || frames_.back() != result.frame))
                 frames_.push_back(result.frame);
