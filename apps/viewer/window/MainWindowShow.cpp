@@ -159,9 +159,9 @@ void MainWindow::show_box(const Box& box) {
         [this, box, of_shown, plate = here->inputs[kFg].image, picture = shown.image](const AbortFlag&) {
             const BoxStatistics of_plate = statistics(*plate, box);
             const BoxStatistics of_picture = statistics(*picture, of_shown);
-            QMetaObject::invokeMethod(
-                this, [this, box, of_plate, of_picture] { readout_->show_box(box, of_plate, of_picture); },
-                Qt::QueuedConnection);
+            inbox_.post([this, box, of_plate, of_picture] {
+                if (area_->tool() == PointerTool::kBox) readout_->show_box(box, of_plate, of_picture);
+            });
         });
 }
 
