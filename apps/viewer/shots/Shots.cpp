@@ -5,6 +5,7 @@
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QDockWidget>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
@@ -190,7 +191,7 @@ int main(int argc, char** argv) {
     }
     veloxa::silence_library();
     veloxa::viewer::use_dark_theme(application);
-    const auto argument = [&](int n) { return QString::fromLocal8Bit(argv[n]); };
+    const auto argument = [&](int n) { return QFileInfo(QString::fromLocal8Bit(argv[n])).absoluteFilePath(); };
     const veloxa::viewer::Files files{argument(1), argument(2), argument(3), argument(4)};
     try {
         veloxa::viewer::walk(files);

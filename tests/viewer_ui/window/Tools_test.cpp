@@ -92,6 +92,14 @@ TEST_F(WindowRig, EveryToolDoesWhatTheCommandLineDoes) {
         ASSERT_TRUE(settled());
     }
 
+    // What turns nothing is remembered all the same, so it is a step too.
+    const Settings before = session().state().settings;
+    take_tool("toolbar_holdShadow");
+    paint({{30, 8}, {50, 8}});
+    ASSERT_TRUE(settled());
+    EXPECT_TRUE(session().state().settings == before);
+    EXPECT_TRUE(session().undo());
+
     // These look at the background as well: without one they come to something else.
     for (const char* const tool : {"toolbar_matchcolor", "toolbar_matchshadow"}) {
         const auto outcome = [&] {
