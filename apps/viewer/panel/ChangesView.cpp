@@ -69,6 +69,7 @@ ChangesView::ChangesView(QWidget* parent)
     table_->horizontalHeader()->setStretchLastSection(true);
     table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     table_->setTabKeyNavigation(false);
+    table_->setWordWrap(false);
     table_->setAccessibleName(tr("What tools changed"));
     table_->setToolTip(tr("What each stroke of a tool looked at and which settings it turned"));
     table_->installEventFilter(this);
@@ -96,7 +97,6 @@ void ChangesView::show_reports(const std::vector<ToolReport>& reports) {
         }
     }
     table_->resizeColumnsToContents();
-    table_->resizeRowsToContents();
     nothing_->setVisible(reports.empty());
     copy_->setEnabled(!reports.empty());
 }

@@ -23,6 +23,9 @@ class ChangesView final : public QWidget {
     // The lines that hold a selected cell, all without a selection, below a line of headings.
     QString text() const;
 
+    // A dock that opens leaves the picture its room.
+    QSize sizeHint() const override { return {600, 170}; }
+
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 

@@ -31,16 +31,25 @@ QIcon icon_of(const Knob& tool, const QColor& colour) {
 }  // namespace
 
 ToolBarView::ToolBarView(PanelEdits& edits, QWidget* parent)
-    : QToolBar(tr("Tools"), parent), edits_(edits), escape_(new QShortcut(Qt::Key_Escape, this)) {
+    : QToolBar(tr("Tools"), parent),
+      edits_(edits),
+      buttons_(new QToolBar(tr("Set-up"), parent)),
+      escape_(new QShortcut(Qt::Key_Escape, this)) {
     setObjectName(QStringLiteral("tools"));
+    buttons_->setObjectName(QStringLiteral("set_up_bar"));
     setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
     connect(escape_, &QShortcut::activated, this, &ToolBarView::leave);
     rebuild();
 }
 
+ToolBarView::~ToolBarView() {
+    delete buttons_;
+}
+
 void ToolBarView::rebuild() {
     for (KnobControl* const control : controls_) control->retire();
     qDeleteAll(actions());
+    qDeleteAll(buttons_->actions());
     actions_.clear();
     colours_.clear();
     controls_.clear();
@@ -57,14 +66,13 @@ void ToolBarView::rebuild() {
             add(*knob, caption);
         }
     }
-    if (!layout.toolbar.empty() && !layout.actions.empty()) addSeparator();
-    for (Knob* const knob : layout.actions) add_control(*knob, {});
+    for (Knob* const knob : layout.actions) add_control(*buttons_, *knob, {});
     refresh();
 }
 
 void ToolBarView::add(Knob& knob, QString& caption) {
     if (knob.kind() == Kind::kToolButton) return add_tool(knob, caption);
-    if (knob.kind() != Kind::kText) return add_control(knob, caption);
+    if (knob.kind() != Kind::kText) return add_control(*this, knob, caption);
     caption = label_of(knob);
     auto* const label = new QLabel(caption, this);
     label->setMargin(4);
@@ -89,13 +97,14 @@ void ToolBarView::add_tool(Knob& tool, const QString& caption) {
     button->setFocusPolicy(Qt::TabFocus);
 }
 
-void ToolBarView::add_control(Knob& knob, const QString& caption) {
+void ToolBarView::add_control(QToolBar& bar, Knob& knob, const QString& caption) {
     // A link may carry its group's own name, which needs no saying twice.
     KnobControl* const control =
-        make_control(edits_, knob, caption == label_of(knob) ? QString() : caption, this);
+        make_control(edits_, knob, caption == label_of(knob) ? QString() : caption, &bar);
     if (control == nullptr) return;
     controls_.push_back(control);
-    actions_[&knob] = addWidget(control);
+    control->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
+    actions_[&knob] = bar.addWidget(control);
     connect(control, &KnobControl::edited, this, [this] {
         refresh();
         emit edited();

@@ -8,6 +8,7 @@
 #include <QPixmap>
 #include <QTest>
 #include <QToolBar>
+#include <QToolButton>
 #include <QWheelEvent>
 #include <QWindow>
 #include <algorithm>
@@ -21,7 +22,7 @@ namespace veloxa::viewer {
 namespace {
 
 constexpr int kPatience = 60'000;  // milliseconds
-constexpr int kNotch = 120;         // of a wheel, as Qt counts
+constexpr int kNotch = 120;        // of a wheel, as Qt counts
 
 }  // namespace
 
@@ -35,6 +36,8 @@ Hand::Hand(QSize size, const QString& out) : out_(out) {
     SessionEvents& events = window_->session().events;
     events.shown = [this, show = events.shown](ViewResult& result) {
         if (result.whole && !result.counts) whole_ = std::max(whole_, result.number);
+        if (result.counts) counted_ = std::max(counted_, result.number);
+        if (!result.error.empty()) error_ = result.error;
         show(result);
     };
 }
@@ -51,15 +54,24 @@ void Hand::wait(const std::function<bool()>& done, const QString& what) const {
 
 void Hand::wait() {
     Session& session = window_->session();
-    wait([&] { return !session.working() && session.current_frame() && whole_ >= session.latest_request(); },
-         QStringLiteral("whole picture"));
+    const bool counts = child<QAction>(QStringLiteral("counts")).isChecked();
+    wait(
+        [&] {
+            if (!error_.empty()) throw std::runtime_error(error_);
+            const std::uint64_t latest = session.latest_request();
+            return !session.working() && session.current_frame() && whole_ >= latest &&
+                   (counted_ >= latest || !counts);
+        },
+        QStringLiteral("whole picture"));
     QCoreApplication::processEvents();
 }
 
 QPoint Hand::at(Point picture) const {
     const PictureArea& area = window_->area();
     const Point place = area.picture_geometry().to_area(picture);
-    return area.mapTo(window_.get(), (QPointF(place.x, place.y) / area.ratio()).toPoint());
+    const QPoint in_area = (QPointF(place.x, place.y) / area.ratio()).toPoint();
+    if (!area.rect().contains(in_area)) fail(QStringLiteral("place of the picture in sight there"));
+    return area.mapTo(window_.get(), in_area);
 }
 
 void Hand::press(Point picture) const {
@@ -89,6 +101,7 @@ void Hand::zoom(Point picture, int notches) const {
 }
 
 void Hand::click(QWidget& widget) const {
+    if (widget.visibleRegion().isEmpty()) fail(widget.objectName() + QStringLiteral(" in sight"));
     QTest::mouseClick(widget.window()->windowHandle(), Qt::LeftButton, {},
                       widget.mapTo(widget.window(), widget.rect().center()));
 }
@@ -110,6 +123,10 @@ void Hand::take_tool(const char* tool) const {
     QWidget* const button = bar.widgetForAction(&child<QAction>(QLatin1String(tool)));
     if (button == nullptr || !button->isVisible()) fail(QLatin1String(tool));
     click(*button);
+}
+
+void Hand::press_button(const char* knob) const {
+    click(child<QToolButton>(QString(), &child<QWidget>(QLatin1String(knob))));
 }
 
 void Hand::name_file(const QString& file) const {

@@ -1,5 +1,5 @@
-// A hand at the viewer's window on a screen that nobody sees: pointer and keys come through the window system,
-// as a user's would. What does not come about throws std::runtime_error.
+// A hand at the viewer's window on a screen that nobody sees: pointer and keys come through the window
+// system, as a user's would. What does not come about throws std::runtime_error.
 #pragma once
 
 #include <QFileDialog>
@@ -37,6 +37,7 @@ class Hand {
     void click(QWidget& widget) const;
     void key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const;
     void choose(const char* combo, const QString& item) const;
+    void press_button(const char* knob) const;
     void take_tool(const char* tool) const;
     // Answers the file dialog that is open.
     void name_file(const QString& file) const;
@@ -71,7 +72,9 @@ class Hand {
 
     QString out_;
     std::unique_ptr<MainWindow> window_;
-    std::uint64_t whole_ = 0;  // the latest request that is shown whole
+    std::string error_;          // shown instead of a picture
+    std::uint64_t whole_ = 0;    // the latest request that is shown whole
+    std::uint64_t counted_ = 0;  // and that is counted
 };
 
 }  // namespace veloxa::viewer

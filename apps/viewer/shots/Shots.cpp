@@ -1,6 +1,6 @@
 // Walks through the viewer with a plate as docs/viewer.md does, and keeps a picture of each step.
 //
-//   viewer_shots PLATE BACKGROUND SEQUENCE OUT      SEQUENCE: a frame of one
+//   viewer_shots PLATE BACKGROUND SEQUENCE BACKGROUND OUT      SEQUENCE: a frame of one
 #include <QApplication>
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -18,16 +18,17 @@
 #include "panel/PanelView.h"
 #include "shot/files/ImageLibrary.h"
 #include "shots/Hand.h"
+#include "timeline/FrameStrip.h"
 #include "timeline/TimeLine.h"
 
 namespace veloxa::viewer {
 
 namespace {
 
-constexpr QSize kSize{1400, 880};
+constexpr QSize kSize{1330, 850};
 
 struct Files {
-    QString plate, background, sequence, out;
+    QString plate, background, sequence, sequence_background, out;
 };
 
 void open(Hand& hand, const QString& plate, const QString& background) {
@@ -39,54 +40,53 @@ void open(Hand& hand, const QString& plate, const QString& background) {
     hand.wait();
 }
 
-void paint(Hand& hand, const std::vector<Point>& path) {
-    hand.move(path.front());
-    hand.press(path.front());
-    for (const Point& place : path) hand.move(place);
-    hand.release(path.back());
+// The matte by its state, before the automatic set-up and after.
+void set_up(Hand& hand) {
+    hand.key(Qt::Key_1, Qt::ControlModifier);
+    hand.press_button("set_up");
     hand.wait();
-}
-
-// The matte by its state, and what a stroke of a tool does to the worst place of it.
-void mend(Hand& hand) {
-    hand.choose("first_picture", QStringLiteral("status"));
-    hand.key(Qt::Key_L);
-    hand.wait();
-    hand.keep(QStringLiteral("viewer-status"));
-    hand.zoom({345.0, 140.0}, 4);
-    hand.wait();
-    hand.take_tool("toolbar_addmatte");
-    hand.press({375.0, 215.0});
-    for (int n = 0; n <= 20; ++n) hand.move({375.0 - 3.4 * n, 215.0 - 7.0 * n});
-    hand.wait();
-    hand.keep(QStringLiteral("viewer-stroke"));
-    hand.release({307.0, 75.0});
-    hand.wait();
-    hand.keep(QStringLiteral("viewer-changes"));
-    hand.key(Qt::Key_F);
-    hand.wait();
-    paint(hand, {{505.0, 600.0}, {600.0, 600.0}, {630.0, 500.0}});
-    paint(hand, {{690.0, 300.0}, {700.0, 230.0}, {675.0, 100.0}});
-    hand.key(Qt::Key_V);
-}
-
-void compare(Hand& hand) {
     hand.child<QDockWidget>(QStringLiteral("changes_dock")).close();
+    hand.key(Qt::Key_L);
     hand.key(Qt::Key_W);
+    hand.choose("first_picture", QStringLiteral("status"));
     hand.choose("second_picture", QStringLiteral("status"));
-    hand.choose("second_settings", QStringLiteral("default"));
+    hand.choose("second_settings", QStringLiteral("A"));
     hand.wait();
-    hand.keep(QStringLiteral("viewer-wipe"));
+    hand.keep(QStringLiteral("viewer-auto"));
     hand.key(Qt::Key_1, Qt::ShiftModifier);
     hand.wait();
 }
 
+// A stroke over what is seen through and should not be.
+void mend(Hand& hand) {
+    hand.zoom({470.0, 480.0}, 8);
+    hand.wait();
+    hand.take_tool("toolbar_unmixsolid");
+    for (int n = 0; n < 2; ++n) hand.key(Qt::Key_BracketLeft, Qt::ControlModifier);
+    const Point from{487.0, 470.0};
+    const Point to{490.0, 460.0};
+    hand.move(from);
+    hand.press(from);
+    for (double part = 0.0; part <= 1.0; part += 0.1)
+        hand.move({from.x + part * (to.x - from.x), from.y + part * (to.y - from.y)});
+    hand.wait();
+    hand.keep(QStringLiteral("viewer-stroke"));
+    hand.release(to);
+    hand.wait();
+    hand.key(Qt::Key_V);
+    hand.wait();
+    hand.keep(QStringLiteral("viewer-changes"));
+    hand.child<QDockWidget>(QStringLiteral("changes_dock")).close();
+    hand.key(Qt::Key_F);
+}
+
 void draw(Hand& hand) {
     hand.choose("first_picture", QStringLiteral("result"));
-    hand.zoom({372.0, 14.0}, 8);
+    hand.zoom({372.0, 14.0}, 5);
     hand.wait();
     hand.key(Qt::Key_G);
-    for (const Point& place : std::vector<Point>{{366, 32}, {386, 24}, {391, 8}, {389, 1}, {356, 1}, {352, 12}})
+    for (const Point& place :
+         std::vector<Point>{{366, 34}, {388, 26}, {392, 8}, {389, 2}, {354, 2}, {350, 12}})
         hand.click(place);
     hand.key(Qt::Key_Return);
     hand.wait();
@@ -96,34 +96,12 @@ void draw(Hand& hand) {
     hand.wait();
 }
 
-void look(Hand& hand) {
-    hand.key(Qt::Key_N);
-    hand.wait();
-    hand.keep(QStringLiteral("viewer-false"));
-    hand.key(Qt::Key_N);
+void search(Hand& hand) {
     hand.key(Qt::Key_F, Qt::ControlModifier);
-    for (const char letter : {'s', 'p', 'i', 'l', 'l'})
-        QTest::keyClick(hand.window().windowHandle(), letter);
+    for (const char letter : {'s', 'p', 'i', 'l', 'l'}) QTest::keyClick(hand.window().windowHandle(), letter);
     hand.wait();
     hand.keep_part(QStringLiteral("viewer-search"), hand.window().panel());
     hand.key(Qt::Key_Escape);
-}
-
-// What the automatic set-up makes of it, beside the strokes.
-void set_up(Hand& hand) {
-    hand.window().area().setFocus();
-    hand.key(Qt::Key_1, Qt::ControlModifier);
-    hand.click(hand.child<QToolButton>(QString(), &hand.child<QWidget>(QStringLiteral("set_up"))));
-    hand.wait();
-    hand.key(Qt::Key_S);
-    hand.choose("first_picture", QStringLiteral("matte"));
-    hand.choose("second_picture", QStringLiteral("matte"));
-    hand.choose("second_settings", QStringLiteral("A"));
-    hand.wait();
-    hand.keep(QStringLiteral("viewer-auto"));
-    hand.key(Qt::Key_1, Qt::ShiftModifier);
-    hand.choose("first_picture", QStringLiteral("result"));
-    hand.wait();
 }
 
 void render(Hand& hand, const QString& out) {
@@ -145,35 +123,35 @@ void render(Hand& hand, const QString& out) {
     hand.keep(QStringLiteral("viewer-render"), &dialog);
     hand.click(*hand.child<QDialogButtonBox>(QString(), &dialog).button(QDialogButtonBox::Ok));
     hand.wait([&] { return !hand.window().jobs().running(); }, QStringLiteral("end of the render"));
-    hand.wait();
-    hand.keep(QStringLiteral("viewer-jobs"));
 }
 
 void walk(const Files& files) {
     Hand hand(kSize, files.out);
     open(hand, files.plate, files.background);
     hand.keep(QStringLiteral("viewer-open"));
-    mend(hand);
-    compare(hand);
-    draw(hand);
-    look(hand);
     set_up(hand);
+    mend(hand);
+    draw(hand);
+    search(hand);
     render(hand, files.out);
 }
 
 // The whole window over a sequence.
 void tour(const Files& files) {
     Hand hand(kSize, files.out);
-    hand.key(Qt::Key_O, Qt::ControlModifier);
-    hand.name_file(files.sequence);
+    open(hand, files.sequence, files.sequence_background);
+    hand.press_button("set_up");
     hand.wait();
-    hand.click(hand.child<QToolButton>(QString(), &hand.child<QWidget>(QStringLiteral("set_up"))));
-    hand.wait();
-    const FrameRange range = hand.window().session().range();
-    for (int n = 0; n < range.count() / 2; ++n) {
+    hand.child<QDockWidget>(QStringLiteral("changes_dock")).close();
+    const int last = hand.window().session().range().count() / 2;
+    for (int n = 0; n < last; ++n) {
         hand.key(Qt::Key_Period);
         hand.wait();
     }
+    hand.wait([&] { return hand.window().session().held_frames().size() > static_cast<std::size_t>(last); },
+              QStringLiteral("frame that is read ahead"));
+    hand.wait([&] { return hand.child<FrameStrip>({}).state(last + 1) == FrameState::kResult; },
+              QStringLiteral("frame that is marked as keyed"));
     hand.keep(QStringLiteral("viewer"));
     hand.keep_part(QStringLiteral("viewer-time"), hand.window().time_line());
 }
@@ -185,14 +163,16 @@ void tour(const Files& files) {
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
-    if (argc != 5) {
-        std::cerr << "usage: viewer_shots PLATE BACKGROUND SEQUENCE OUT\n";
+    if (argc != 6) {
+        std::cerr << "usage: viewer_shots PLATE BACKGROUND SEQUENCE BACKGROUND OUT\n";
         return 2;
     }
     veloxa::silence_library();
     veloxa::viewer::use_dark_theme(application);
-    const auto argument = [&](int n) { return QFileInfo(QString::fromLocal8Bit(argv[n])).absoluteFilePath(); };
-    const veloxa::viewer::Files files{argument(1), argument(2), argument(3), argument(4)};
+    const auto argument = [&](int n) {
+        return QFileInfo(QString::fromLocal8Bit(argv[n])).absoluteFilePath();
+    };
+    const veloxa::viewer::Files files{argument(1), argument(2), argument(3), argument(4), argument(5)};
     try {
         veloxa::viewer::walk(files);
         veloxa::viewer::tour(files);

@@ -43,6 +43,7 @@ JobsView::JobsView(QWidget* parent)
     worst_->setSelectionBehavior(QAbstractItemView::SelectRows);
     worst_->verticalHeader()->hide();
     worst_->horizontalHeader()->setStretchLastSection(true);
+    worst_->hide();
     lines_->setReadOnly(true);
     lines_->setMaximumBlockCount(2000);
     lines_->setAccessibleName(QStringLiteral("Messages"));
@@ -61,6 +62,8 @@ JobsView::JobsView(QWidget* parent)
 
 void JobsView::begin(const QString& what) {
     what_->setText(what);
+    told_.clear();
+    worst_->hide();
     progress_->setValue(0);
     cancel_->setEnabled(true);
 }
@@ -71,6 +74,9 @@ void JobsView::show_progress(double done, int all) {
 }
 
 void JobsView::add_line(const QString& line) {
+    // Each frame may tell of the same file.
+    if (told_.contains(line)) return;
+    told_.insert(line);
     lines_->appendPlainText(line);
 }
 
@@ -83,6 +89,7 @@ void JobsView::end(const QString& outcome) {
 void JobsView::show_worst(std::vector<WorstFrame> frames) {
     std::stable_sort(frames.begin(), frames.end());
     worst_->setRowCount(static_cast<int>(frames.size()));
+    worst_->show();
     for (int row = 0; row < worst_->rowCount(); ++row) {
         const WorstFrame& frame = frames[static_cast<std::size_t>(row)];
         worst_->setItem(row, 0, item(QString::number(frame.frame)));

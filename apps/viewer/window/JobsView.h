@@ -1,6 +1,7 @@
 // Work in the background: how far it is, what it says, and the frames that were found worst.
 #pragma once
 
+#include <QSet>
 #include <QWidget>
 #include <vector>
 
@@ -27,11 +28,15 @@ class JobsView final : public QWidget {
     // The worst first.
     void show_worst(std::vector<WorstFrame> frames);
 
+    // A dock that opens leaves the picture its room.
+    QSize sizeHint() const override { return {600, 190}; }
+
   signals:
     void cancelled();
     void frame_chosen(int frame);
 
   private:
+    QSet<QString> told_;  // lines of the work that runs
     QLabel* what_;
     QProgressBar* progress_;
     QPushButton* cancel_;

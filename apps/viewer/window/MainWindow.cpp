@@ -106,6 +106,7 @@ void MainWindow::make_widgets() {
     addToolBarBreak();
     view_ = new ViewBar(*session_, *colour_, this);
     addToolBar(Qt::TopToolBarArea, view_);
+    addToolBar(Qt::TopToolBarArea, &tools_->buttons());
 
     auto* const middle = new QWidget(this);
     auto* const column = new QVBoxLayout(middle);

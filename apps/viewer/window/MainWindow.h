@@ -110,6 +110,7 @@ class MainWindow final : public QMainWindow {
     void show_box(const Zo::Image::Box& box);
     void remember(const QString& file);
     void show_recent();
+    void show_fit();
 
     WindowPlace place_;
     Inbox inbox_;

@@ -1,4 +1,5 @@
 // Files of the window: opening, saving, rendering, what a killed session left.
+#include <QActionGroup>
 #include <QCloseEvent>
 #include <QDockWidget>
 #include <QFileDialog>
@@ -23,6 +24,9 @@ namespace {
 constexpr qsizetype kRecent = 10;
 constexpr std::array<std::pair<const char*, Input>, 4> kOthers{
     {{"open_cp", kCp}, {"open_bg", kBg}, {"open_gm", kGm}, {"open_hm", kHm}}};
+// By the words of --fit.
+constexpr std::array<std::pair<const char*, const char*>, 4> kFits{
+    {{"fit_refuse", ""}, {"fit_resize", "resize"}, {"fit_crop", "crop"}, {"fit_none", "none"}}};
 
 }  // namespace
 
@@ -45,6 +49,15 @@ void MainWindow::wire_files() {
         for (const auto& [name, input] : kOthers) files.inputs[input].clear();
         session_->set_files(files, "close all but the plate");
     });
+    auto* const fits = new QActionGroup(this);
+    for (const auto& [name, fit] : kFits) {
+        fits->addAction(&commands[name]);
+        on(name, [this, fit = fit] {
+            ShotFiles files = session_->files();
+            files.fit = fit;
+            session_->set_files(files, "inputs of another size");
+        });
+    }
     on("reload", [this] { session_->set_files(session_->files(), "reload"); });
     on("load_settings", [this] {
         ask_for_file(QStringLiteral("Load settings"),
@@ -60,6 +73,10 @@ void MainWindow::wire_files() {
     on("cancel_jobs", [this] { jobs_->cancel(); });
     connect(jobs_view_, &JobsView::cancelled, this, [this] { jobs_->cancel(); });
     connect(jobs_view_, &JobsView::frame_chosen, this, [this](int frame) { time_->go_to(frame); });
+}
+
+void MainWindow::show_fit() {
+    for (const auto& [name, fit] : kFits) (*commands_)[name].setChecked(session_->files().fit == fit);
 }
 
 void MainWindow::ask_for_file(const QString& title, const std::function<void(const QString&)>& use,

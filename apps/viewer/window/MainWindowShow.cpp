@@ -56,6 +56,7 @@ void MainWindow::show_settings() {
 
 void MainWindow::show_shot() {
     shown_ = {};
+    show_fit();
     time_->set_range(session_->range());
     time_->setVisible(session_->range().count() > 1);
     time_->go_to(session_->frame());

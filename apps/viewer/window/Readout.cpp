@@ -3,19 +3,20 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
+#include <QVBoxLayout>
 
 namespace veloxa::viewer {
 
 namespace {
 
-QString number(double value) {
-    return QString::number(value, 'g', 6);
+QString number(double value, int digits = 6) {
+    return QString::number(value, 'g', digits);
 }
 
 template <std::size_t N>
-QString numbers(const std::array<float, N>& values) {
+QString numbers(const std::array<float, N>& values, int digits = 6) {
     QStringList texts;
-    for (const float value : values) texts += number(static_cast<double>(value));
+    for (const float value : values) texts += number(static_cast<double>(value), digits);
     return texts.join(' ');
 }
 
@@ -35,8 +36,10 @@ QString statistics_text(const BoxStatistics& statistics) {
 }  // namespace
 
 Readout::Readout(QWidget* parent) : QWidget(parent) {
-    auto* const layout = new QHBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
+    auto* const rows = new QVBoxLayout(this);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(0);
+    auto* const first = new QHBoxLayout;
     const auto label = [&](const char* name, const char* description) {
         auto* const made = new QLabel(this);
         made->setObjectName(QString::fromLatin1(name));
@@ -51,10 +54,12 @@ Readout::Readout(QWidget* parent) : QWidget(parent) {
     box_ = label("box", "Values in the box");
     counts_ = label("counts", "State of the matte");
     colour_ = label("colour", "What the values are taken for");
-    layout->addWidget(values_, 5);
-    layout->addWidget(box_, 4);
-    layout->addWidget(counts_, 3);
-    layout->addWidget(colour_, 3);
+    first->addWidget(values_, 3);
+    first->addWidget(colour_, 2);
+    colour_->setAlignment(Qt::AlignRight);
+    rows->addLayout(first);
+    rows->addWidget(counts_);
+    rows->addWidget(box_);
     box_->hide();
     counts_->hide();
 }
@@ -63,7 +68,7 @@ void Readout::show_values(const CursorValues& values) {
     QString text = QStringLiteral("%1, %2").arg(values.x).arg(values.y);
     if (values.source) text += QStringLiteral("   plate ") + numbers(*values.source);
     if (values.result) text += QStringLiteral("   shown ") + numbers(*values.result);
-    if (values.displayed) text += QStringLiteral("   on screen ") + numbers(*values.displayed);
+    if (values.displayed) text += QStringLiteral("   on screen ") + numbers(*values.displayed, 3);
     values_->setText(text);
     values_->setToolTip(text);
 }
@@ -74,10 +79,10 @@ void Readout::clear_values() {
 
 void Readout::show_box(const Zo::Image::Box& box, const BoxStatistics& source, const BoxStatistics& result) {
     const QString place = QStringLiteral("%1,%2,%3,%4").arg(box.x).arg(box.y).arg(box.r).arg(box.t);
-    const QString text = QStringLiteral("box %1   plate %2   shown %3")
+    const QString text = QStringLiteral("box %1   plate %2\nshown %3")
                              .arg(place, statistics_text(source), statistics_text(result));
     box_->setText(text);
-    box_->setToolTip(QString(text).replace(QStringLiteral("   "), QStringLiteral("\n")));
+    box_->setToolTip(text);
     box_->show();
 }
 

@@ -1,4 +1,4 @@
-// The line at the window's bottom: the values under the cursor, of a box, of the matte's state.
+// The lines at the window's bottom: the values under the cursor, of the matte's state, of a box.
 #pragma once
 
 #include <QWidget>

@@ -26,6 +26,7 @@ RenderDialog::RenderDialog(const QString& frames, const QString& folder, QWidget
     auto* const form = new QFormLayout(this);
     frames_->setAccessibleName(QStringLiteral("Frames"));
     frames_->setToolTip(QStringLiteral("A-B, or A-BxN for every Nth"));
+    frames_->setPlaceholderText(QStringLiteral("One picture"));
     frames_->setEnabled(!frames.isEmpty());
     form->addRow(QStringLiteral("&Frames"), frames_);
     result_ = add_output(QStringLiteral("&Result"), folder, QStringLiteral("What the output mode says"));
@@ -34,10 +35,11 @@ RenderDialog::RenderDialog(const QString& frames, const QString& folder, QWidget
     matte_ = add_output(QStringLiteral("&Matte"), folder, QStringLiteral("The matte as one channel"));
     cut_ = add_output(QStringLiteral("C&ut"), folder, QStringLiteral("The subject alone, premultiplied"));
     depth_ = new QComboBox(this);
-    depth_->addItems({QString(), QStringLiteral("half"), QStringLiteral("float"), QStringLiteral("uint8"),
-                      QStringLiteral("uint10"), QStringLiteral("uint12"), QStringLiteral("uint16")});
+    depth_->addItems({QStringLiteral("as the format usually has them"), QStringLiteral("half"),
+                      QStringLiteral("float"), QStringLiteral("uint8"), QStringLiteral("uint10"),
+                      QStringLiteral("uint12"), QStringLiteral("uint16")});
     depth_->setAccessibleName(QStringLiteral("Samples"));
-    depth_->setToolTip(QStringLiteral("Empty: what the format usually has"));
+    depth_->setToolTip(QStringLiteral("How the samples are stored"));
     form->addRow(QStringLiteral("&Samples"), depth_);
     resume_ = new QCheckBox(QStringLiteral("Leave out frames that are &whole already"), this);
     overwrite_ = new QCheckBox(QStringLiteral("Replace files that e&xist"), this);
@@ -101,7 +103,7 @@ RenderPlan RenderDialog::plan() const {
             throw UsageError(output.file.name() + ": several frames need a pattern such as ####");
         }
     }
-    set_depth(plan.how, depth_->currentText().toStdString());
+    set_depth(plan.how, depth_->currentIndex() == 0 ? std::string() : depth_->currentText().toStdString());
     plan.resume = resume_->isChecked();
     plan.how.overwrite = overwrite_->isChecked() || plan.resume;
     return plan;

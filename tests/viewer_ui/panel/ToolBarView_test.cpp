@@ -23,7 +23,7 @@ using namespace veloxa::viewer;
 
 namespace {
 
-QToolButton* button(ToolBarView& bar, const QString& name) {
+QToolButton* button(QToolBar& bar, const QString& name) {
     for (auto* const candidate : bar.findChildren<QToolButton*>()) {
         if (candidate->accessibleName() == name) return candidate;
     }
@@ -110,12 +110,12 @@ TEST(ToolBarView, ShowsColoursSettingsAndButtonsThatLook) {
     EXPECT_EQ(edits.knob("overlay_mode").get_value(), 1.0);
 
     edits.log.clear();
-    QTest::keyClick(button(bar, "Set Up Automatically"), Qt::Key_Space);
-    button(bar, "Find Screen")->menu()->actions().at(2)->trigger();
-    button(bar, "Find Screen")->menu()->actions().at(2)->trigger();
+    QTest::keyClick(button(bar.buttons(), "Set Up Automatically"), Qt::Key_Space);
+    button(bar.buttons(), "Find Screen")->menu()->actions().at(2)->trigger();
+    button(bar.buttons(), "Find Screen")->menu()->actions().at(2)->trigger();
     EXPECT_EQ(edits.log, QStringList({"press set_up", "set", "press find_screen", "press find_screen"}));
     EXPECT_EQ(edits.knob("find_screen").get_value(), 2.0);
-    EXPECT_EQ(button(bar, "Add Frame to Shot"), nullptr) << "stands on a tab";
+    EXPECT_EQ(button(bar.buttons(), "Add Frame to Shot"), nullptr) << "stands on a tab";
 
     bar.rebuild();
     EXPECT_EQ(bar.findChildren<QComboBox*>().size(), 1);
