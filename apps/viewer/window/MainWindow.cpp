@@ -46,6 +46,7 @@ MainWindow::MainWindow(WindowPlace place) : place_(std::move(place)) {
     wire_area();
     wire_files();
     wire_view();
+    view_->wire(*commands_);
     wire_tools();
     wire_time();
     load_layout();

@@ -143,8 +143,6 @@ void MainWindow::wire_view() {
     on("keep_a", [this] { session_->save_as(Against::kA); });
     on("keep_b", [this] { session_->save_as(Against::kB); });
     on("full_screen", [this](bool checked) { checked ? showFullScreen() : showNormal(); });
-    on("picture_next", [this] { view_->step_picture(1); });
-    on("picture_previous", [this] { view_->step_picture(-1); });
     on("keys", [this] { show_keys(*this); });
     on("about", [this] {
         auto* const box = new QMessageBox(QMessageBox::Information, QStringLiteral("About"), place_.program,

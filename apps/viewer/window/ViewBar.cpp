@@ -3,15 +3,25 @@
 #include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QLabel>
+#include <QMenu>
 #include <algorithm>
 
 #include "render/Pictures.h"
+#include "window/Commands.h"
 
 namespace veloxa::viewer {
 
 namespace {
 
 constexpr std::array kAgainstTexts{"now", "A", "B", "default", "automatic"};
+
+constexpr std::array<std::pair<const char*, const char*>, 7> kPictures{{{"picture_result", kResult},
+                                                                        {"picture_subject", kSubject},
+                                                                        {"picture_matte", kMatte},
+                                                                        {"picture_status", kStatus},
+                                                                        {"picture_plate", kPlate},
+                                                                        {"picture_clean_plate", kCleanPlate},
+                                                                        {"picture_background", kBackground}}};
 
 }  // namespace
 
@@ -102,6 +112,25 @@ void ViewBar::change_view() {
         sight.view.gamma = static_cast<float>(gamma_->value());
         session_.set_sight(n, sight);
     }
+}
+
+void ViewBar::wire(Commands& commands) {
+    const auto on = [&](const char* name, auto call) {
+        connect(&commands[name], &QAction::triggered, this, call);
+    };
+    for (const auto& [name, picture] : kPictures)
+        on(name, [this, picture = picture] { show_picture(picture); });
+    QMenu* const stages = commands.menu("&View/&Picture").addMenu(QStringLiteral("Inner St&age"));
+    for (const std::string& picture : picture_names(session_.node())) {
+        if (!is_stage(picture)) continue;
+        stages->addAction(QString::fromStdString(picture), this, [this, picture] { show_picture(picture); });
+    }
+    on("picture_next", [this] { step_picture(1); });
+    on("picture_previous", [this] { step_picture(-1); });
+}
+
+void ViewBar::show_picture(const std::string& name) {
+    panes_[0].picture->setCurrentText(QString::fromStdString(name));
 }
 
 void ViewBar::step_picture(int by) {

@@ -13,6 +13,8 @@ class QDoubleSpinBox;
 
 namespace veloxa::viewer {
 
+class Commands;
+
 class ViewBar final : public QToolBar {
     Q_OBJECT
 
@@ -21,10 +23,12 @@ class ViewBar final : public QToolBar {
 
     // Shows the panes as they are.
     void refresh();
-    // The next picture, or the one before, in the first pane.
-    void step_picture(int by);
+    // Lets the commands of pictures choose the first pane's.
+    void wire(Commands& commands);
 
   private:
+    void show_picture(const std::string& name);
+    void step_picture(int by);
     struct PaneChoice {
         QComboBox* picture = nullptr;
         QComboBox* against = nullptr;
