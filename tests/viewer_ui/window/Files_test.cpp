@@ -74,6 +74,33 @@ TEST_F(WindowRig, GoesWhileSomethingIsTyped) {
     EXPECT_TRUE(Autosave::left(file("rescue")).empty());
 }
 
+TEST_F(WindowRig, InputsOfAnotherSizeAreScaledWhenItIsAskedFor) {
+    open_window(1);
+    write_plates({.width = 30, .height = 20}, 2);
+    std::filesystem::rename(file("bg.2.exr"), file("small.exr"));
+    session().open_input(kBg, file("small.exr"));
+    ASSERT_TRUE(until([&] { return session().files().inputs[kBg] == file("small.exr"); }));
+    ASSERT_TRUE(settled());
+    EXPECT_THAT(area().message().toStdString(), HasSubstr("small.exr: is 30x20"));
+    command("fit_resize");
+    ASSERT_TRUE(settled());
+    EXPECT_TRUE(area().message().isEmpty()) << area().message().toStdString();
+    expect_shown_as_keyed();
+    command("undo");
+    ASSERT_TRUE(settled());
+    EXPECT_FALSE(area().message().isEmpty());
+    EXPECT_TRUE(window_->commands()["fit_refuse"].isChecked());
+}
+
+TEST_F(WindowRig, PicturesAreChosenByKeys) {
+    open_window(1);
+    for (const auto& [key, picture] : {std::pair{Qt::Key_4, "status"}, {Qt::Key_7, "background"}}) {
+        area().setFocus();
+        this->key(key, Qt::AltModifier);
+        EXPECT_EQ(session().sight(0).picture, picture);
+    }
+}
+
 TEST_F(WindowRig, WhatWasLeftIsOfferedDroppedFilesOpenAndBadOnesAreNamed) {
     make_plates(2);
     std::filesystem::create_directories(file("rescue"));

@@ -150,6 +150,7 @@ class WindowRig : public SessionRig {
         SetupOptions again;
         again.inputs = session().files().inputs;
         again.frames = session().files().frames;
+        again.fit = session().files().fit;
         again.settings.script = script;
         const veloxa::Image expected = keyed(again, session().frame());
         for (const Channel c : kMaskRgba) {
