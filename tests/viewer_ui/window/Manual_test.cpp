@@ -15,10 +15,12 @@ TEST(Manual, ListsEveryKey) {
         const QString keys = QString::fromLatin1(row.keys).replace(';', QStringLiteral("` or `"));
         if (keys.isEmpty()) continue;
         const QString text = QString::fromUtf8(row.text).remove('&').remove(QStringLiteral("…"));
-        EXPECT_THAT(manual, testing::HasSubstr(QStringLiteral("| `%1` | %2 |").arg(keys, text).toStdString()));
+        EXPECT_THAT(manual,
+                    testing::HasSubstr(QStringLiteral("| `%1` | %2 |").arg(keys, text).toStdString()));
     }
     for (const auto& row : veloxa::viewer::gesture_table()) {
-        const QString line = QStringLiteral("| %1 | %2 |").arg(QLatin1String(row.keys), QLatin1String(row.what));
+        const QString line =
+            QStringLiteral("| %1 | %2 |").arg(QLatin1String(row.keys), QLatin1String(row.what));
         EXPECT_THAT(manual, testing::HasSubstr(line.toStdString()));
     }
 }
