@@ -25,6 +25,7 @@ int view(const ViewOptions& options) {
     std::vector<std::string> arguments = view_arguments(options);
     arguments.insert(arguments.begin(), kViewer);
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (std::string& argument : arguments) pointers.push_back(argument.data());
     pointers.push_back(nullptr);
     ::execvp(viewer.c_str(), pointers.data());
