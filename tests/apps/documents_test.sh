@@ -26,11 +26,13 @@ for document in "$root"/README.md "$root"/docs/*.md; do
     ran=$((ran + $(grep -c '^veloxa ' <<<"$commands")))
     mkdir "$folder/run"
     cd "$folder/run" || exit 1
-    # The photograph of the session, which is not in the repository.
-    if grep -q plate.png <<<"$commands"; then
-        expect 0 "" plate -o drawn --size 1080x1920
-        oiiotool drawn/fg.exr --powc 0.45 -d uint8 -o plate.png || fail "no plate.png"
-    fi
+    # Photographs and what a session with one leaves, which are not in the repository.
+    for photograph in plate.png green_glasses_hoodie_1040x702.png background.png; do
+        grep -qF "$photograph" <<<"$commands" || continue
+        [ -d drawn ] || expect 0 "" plate -o drawn --size 1080x1920
+        oiiotool drawn/fg.exr --powc 0.45 -d uint8 -o "$photograph" || fail "no $photograph"
+    done
+    echo 'Veloxa {}' >walk.veloxa
     bash -e -o pipefail -c "trap 'echo \"\$BASH_COMMAND\"' ERR; $commands" >told.txt 2>&1 ||
         fail "$document: $(tail -n 3 told.txt)"
     cd "$folder" && rm -rf run

@@ -200,7 +200,9 @@ TEST_F(SessionRig, FilesThatChangeAreReadAgainAndThoseThatBreakAreNamed) {
     EXPECT_TRUE(shown_.error.empty());
     write_plates({.width = 160, .height = 96}, 1);
     session.go_to(1);
+    ASSERT_TRUE(settle(session));
     look_again();
+    ASSERT_EQ(shown_.error, "");
     EXPECT_EQ(samples(*shown_.picture.image), before);
 }
 
