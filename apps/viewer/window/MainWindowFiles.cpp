@@ -95,7 +95,7 @@ void MainWindow::ask_for_file(const QString& title, const std::function<void(con
 
 void MainWindow::open_files(const QStringList& files) {
     if (files.isEmpty()) return;
-    const QString file = files.front();
+    const QString& file = files.front();
     const auto open = [this, file] {
         tell({});
         remember(file);
