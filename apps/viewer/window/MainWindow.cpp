@@ -46,7 +46,6 @@ MainWindow::MainWindow(WindowPlace place) : place_(std::move(place)) {
     wire_area();
     wire_files();
     wire_view();
-    view_->wire(*commands_);
     wire_tools();
     wire_time();
     load_layout();
@@ -105,7 +104,7 @@ void MainWindow::make_widgets() {
     tools_->setObjectName(QStringLiteral("tool_bar"));
     addToolBar(Qt::TopToolBarArea, tools_);
     addToolBarBreak();
-    view_ = new ViewBar(*session_, *colour_, this);
+    view_ = new ViewBar(*session_, *colour_, *commands_, this);
     addToolBar(Qt::TopToolBarArea, view_);
     addToolBar(Qt::TopToolBarArea, &tools_->buttons());
 

@@ -15,17 +15,9 @@ namespace {
 
 constexpr std::array kAgainstTexts{"now", "A", "B", "default", "automatic"};
 
-constexpr std::array<std::pair<const char*, const char*>, 7> kPictures{{{"picture_result", kResult},
-                                                                        {"picture_subject", kSubject},
-                                                                        {"picture_matte", kMatte},
-                                                                        {"picture_status", kStatus},
-                                                                        {"picture_plate", kPlate},
-                                                                        {"picture_clean_plate", kCleanPlate},
-                                                                        {"picture_background", kBackground}}};
-
 }  // namespace
 
-ViewBar::ViewBar(Session& session, ViewColour& colour, QWidget* parent)
+ViewBar::ViewBar(Session& session, ViewColour& colour, const Commands& commands, QWidget* parent)
     : QToolBar(QStringLiteral("View"), parent), session_(session), colour_(colour) {
     setObjectName(QStringLiteral("view_bar"));
     add_pane(0);
@@ -52,6 +44,7 @@ ViewBar::ViewBar(Session& session, ViewColour& colour, QWidget* parent)
     connect(difference_, &QDoubleSpinBox::valueChanged, this, [this](double value) {
         if (!refreshing_) session_.set_difference_gain(static_cast<float>(value));
     });
+    wire(commands);
     refresh();
 }
 
@@ -114,19 +107,18 @@ void ViewBar::change_view() {
     }
 }
 
-void ViewBar::wire(Commands& commands) {
-    const auto on = [&](const char* name, auto call) {
-        connect(&commands[name], &QAction::triggered, this, call);
-    };
-    for (const auto& [name, picture] : kPictures)
-        on(name, [this, picture = picture] { show_picture(picture); });
+void ViewBar::wire(const Commands& commands) {
     QMenu* const stages = commands.menu("&View/&Picture").addMenu(QStringLiteral("Inner St&age"));
     for (const std::string& picture : picture_names(session_.node())) {
-        if (!is_stage(picture)) continue;
-        stages->addAction(QString::fromStdString(picture), this, [this, picture] { show_picture(picture); });
+        const auto show = [this, picture] { show_picture(picture); };
+        if (is_stage(picture)) {
+            stages->addAction(QString::fromStdString(picture), this, show);
+        } else {
+            connect(&commands["picture " + picture], &QAction::triggered, this, show);
+        }
     }
-    on("picture_next", [this] { step_picture(1); });
-    on("picture_previous", [this] { step_picture(-1); });
+    connect(&commands["picture_next"], &QAction::triggered, this, [this] { step_picture(1); });
+    connect(&commands["picture_previous"], &QAction::triggered, this, [this] { step_picture(-1); });
 }
 
 void ViewBar::show_picture(const std::string& name) {

@@ -19,16 +19,13 @@ class ViewBar final : public QToolBar {
     Q_OBJECT
 
   public:
-    ViewBar(Session& session, ViewColour& colour, QWidget* parent = nullptr);
+    // The commands of pictures choose the first pane's.
+    ViewBar(Session& session, ViewColour& colour, const Commands& commands, QWidget* parent = nullptr);
 
     // Shows the panes as they are.
     void refresh();
-    // Lets the commands of pictures choose the first pane's.
-    void wire(Commands& commands);
 
   private:
-    void show_picture(const std::string& name);
-    void step_picture(int by);
     struct PaneChoice {
         QComboBox* picture = nullptr;
         QComboBox* against = nullptr;
@@ -36,6 +33,9 @@ class ViewBar final : public QToolBar {
     };
 
     void add_pane(std::size_t n);
+    void wire(const Commands& commands);
+    void show_picture(const std::string& name);
+    void step_picture(int by);
     QDoubleSpinBox* add_number(const QString& caption, const QString& name, double low, double high,
                                double value);
     void change_view();
