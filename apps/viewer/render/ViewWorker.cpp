@@ -124,15 +124,25 @@ void ViewWorker::work(const ViewRequest& request, Clock::time_point began) {
         }
     }
     if (!made.empty()) count(request, made.front(), began);
+    // Behind what can be shown, since that takes messages away.
+    check_inputs(request);
+}
+
+void ViewWorker::check_inputs(const ViewRequest& request) {
+    for (const PaneRequest& pane : request.panes) {
+        const int input = input_of(pane.picture);
+        if (!pane.frame || input < 0 || pane.frame->inputs[static_cast<std::size_t>(input)].image) continue;
+        throw Error("there is no " + pane.picture);
+    }
 }
 
 void ViewWorker::work_on_difference(const ViewRequest& request, Clock::time_point began) {
-    ViewRequest shown = request;
     for (std::size_t pass = 0;; ++pass) {
         const Made a = make(request, 0, pass);
-        if (overtaken() || !a.picture.image) return;
+        if (overtaken()) return;
         const Made b = make(request, 1, pass);
-        if (overtaken() || !b.picture.image) return;
+        if (overtaken()) return;
+        if (!a.picture.image || !b.picture.image) return check_inputs(request);
         const bool alike = a.picture.scale == b.picture.scale;
         if (!alike && !(a.last && b.last)) continue;
         auto image = std::make_shared<const Image>(

@@ -103,6 +103,8 @@ class ViewWorker {
     std::shared_ptr<const Image> render(std::size_t pane, const Keyed& keyed, const Pass& pass, bool first);
     std::vector<Pass> passes(const PaneRequest& pane) const;
     void show(const ViewRequest& request, std::size_t pane, const Made& made, Clock::time_point began);
+    // Throws Error for a picture that nobody opened.
+    static void check_inputs(const ViewRequest& request);
     void show_error(const ViewRequest& request, const std::string& error);
     // What follows when the whole picture is there.
     void count(const ViewRequest& request, const Made& made, Clock::time_point began);

@@ -94,11 +94,19 @@ TEST_F(WindowRig, InputsOfAnotherSizeAreScaledWhenItIsAskedFor) {
 
 TEST_F(WindowRig, PicturesAreChosenByKeys) {
     open_window(1);
-    for (const auto& [key, picture] : {std::pair{Qt::Key_4, "status"}, {Qt::Key_7, "background"}}) {
+    for (const auto& [digit, picture] : {std::pair{Qt::Key_4, "status"}, {Qt::Key_6, "clean plate"}}) {
         area().setFocus();
-        this->key(key, Qt::AltModifier);
+        key(digit, Qt::AltModifier);
         EXPECT_EQ(session().sight(0).picture, picture);
+        ASSERT_TRUE(settled());
     }
+    EXPECT_EQ(area().message(), "there is no clean plate");
+    command("layout_difference");
+    ASSERT_TRUE(settled());
+    EXPECT_EQ(area().message(), "there is no clean plate");
+    command("picture result");
+    ASSERT_TRUE(settled());
+    EXPECT_TRUE(area().message().isEmpty());
 }
 
 TEST_F(WindowRig, WhatWasLeftIsOfferedDroppedFilesOpenAndBadOnesAreNamed) {
