@@ -63,7 +63,6 @@ JobsView::JobsView(QWidget* parent)
 void JobsView::begin(const QString& what) {
     what_->setText(what);
     told_.clear();
-    worst_->hide();
     progress_->setValue(0);
     cancel_->setEnabled(true);
 }
