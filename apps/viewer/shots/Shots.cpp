@@ -2,14 +2,12 @@
 //
 //   viewer_shots PLATE BACKGROUND SEQUENCE BACKGROUND OUT      SEQUENCE: a frame of one
 #include <QApplication>
-#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QDockWidget>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
-#include <QToolButton>
 #include <iostream>
 #include <vector>
 
@@ -143,15 +141,20 @@ void tour(const Files& files) {
     hand.press_button("set_up");
     hand.wait();
     hand.child<QDockWidget>(QStringLiteral("changes_dock")).close();
-    const int last = hand.window().session().range().count() / 2;
+    const FrameRange range = hand.window().session().range();
+    const int last = range.count() / 2;
     for (int n = 0; n < last; ++n) {
         hand.key(Qt::Key_Period);
         hand.wait();
     }
-    hand.wait([&] { return hand.window().session().held_frames().size() > static_cast<std::size_t>(last); },
-              QStringLiteral("frame that is read ahead"));
-    hand.wait([&] { return hand.child<FrameStrip>({}).state(last + 1) == FrameState::kResult; },
-              QStringLiteral("frame that is marked as keyed"));
+    // All of it read ahead, and what was shown is marked so.
+    hand.wait(
+        [&] {
+            const auto& strip = hand.child<FrameStrip>({});
+            return strip.state(range.at(last)) == FrameState::kResult &&
+                   strip.state(range.last) == FrameState::kPlate;
+        },
+        QStringLiteral("time line of frames"));
     hand.keep(QStringLiteral("viewer"));
     hand.keep_part(QStringLiteral("viewer-time"), hand.window().time_line());
 }
