@@ -258,6 +258,7 @@ TEST_F(SessionRig, WhatAKilledSessionLeftIsOffered) {
     const char* const kText = "Veloxa {\n    spill_cool 61\n}\n";
     EXPECT_EXIT(
         {
+            std::filesystem::remove_all(folder_);  // nobody will when it is killed
             std::filesystem::remove_all(folder);
             Autosave autosave(folder);
             autosave.keep([&] { return RescueText{kText, {}}; }, "/a/b.veloxa");
