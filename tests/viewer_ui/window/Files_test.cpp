@@ -155,6 +155,7 @@ TEST_F(WindowRig, WhatWasLeftIsOfferedDroppedFilesOpenAndBadOnesAreNamed) {
     std::ofstream(file("bad.png")) << "no picture";
     session().open_file(file("bad.png"));
     ASSERT_TRUE(until([&] { return area().message().contains("bad.png"); }));
+    ASSERT_TRUE(settled());  // what else is told of it would take the next line's place
     session().open_file(file("nothing.veloxa"));
     auto* const line = child<QLabel>("message");
     EXPECT_TRUE(until([&] { return line->text().contains("nothing.veloxa"); }));
