@@ -11,7 +11,6 @@
 #include "Version.h"
 #include "ViewOptions.h"
 #include "panel/DarkTheme.h"
-#include "shot/files/ImageLibrary.h"
 #include "window/MainWindow.h"
 
 namespace {
@@ -66,7 +65,6 @@ int run(char** argv, const veloxa::ViewOptions& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    veloxa::silence_library();
     CLI::App app;
     veloxa::ViewOptions options;
     veloxa::add_viewer(app, options);

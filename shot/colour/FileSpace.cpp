@@ -40,7 +40,7 @@ FileSpace space_of_profile(const std::string& type, const std::string& profile) 
     return {kSrgb, why, false, false};
 }
 
-FileSpace space_of_light(const OIIO::ImageSpec& header, const std::string& type) {
+FileSpace space_of_light(const Header& header, const std::string& type) {
     if (header.get_int_attribute("acesImageContainerFlag") == 1) {
         return {"ACES2065-1", type + " in an ACES container", true, true};
     }
@@ -76,7 +76,7 @@ FileSpace space_of_tag(const std::string& type, const std::string& space, const 
 
 }  // namespace
 
-FileSpace space_of(const OIIO::ImageSpec& header, const std::string& file) {
+FileSpace space_of(const Header& header, const std::string& file) {
     const std::string type = header.format.c_str();
     if (const std::string own = header.get_string_attribute(kSpaceTag); !own.empty()) {
         const std::string why = header.get_string_attribute(kWhyTag);
@@ -95,7 +95,7 @@ FileSpace space_of(const OIIO::ImageSpec& header, const std::string& file) {
     return space;
 }
 
-void tag_space(OIIO::ImageSpec& header, const FileSpace& space, const KnownSpace* known) {
+void tag_space(Header& header, const FileSpace& space, const KnownSpace* known) {
     header.attribute(kSpaceTag, space.name);
     header.attribute(kWhyTag, space.why);
     if (!space.primaries || !known || !known->gamut) return;
@@ -104,8 +104,7 @@ void tag_space(OIIO::ImageSpec& header, const FileSpace& space, const KnownSpace
                      xy.data());
 }
 
-void tag_converted(OIIO::ImageSpec& header, const std::string& from, const std::string& to,
-                   const KnownSpace* known) {
+void tag_converted(Header& header, const std::string& from, const std::string& to, const KnownSpace* known) {
     std::vector<std::string> stale{"chromaticities", "adoptedNeutral",  "acesImageContainerFlag",
                                    kLibraryTag,      "oiio:Gamma",      "Exif:ColorSpace",
                                    "dpx:Transfer",   "dpx:Colorimetric"};
@@ -118,15 +117,15 @@ void tag_converted(OIIO::ImageSpec& header, const std::string& from, const std::
     tag_space(header, {to, from == to ? to : "converted from " + from + " to " + to, true, true}, known);
 }
 
-std::string first_space(const OIIO::ImageSpec& header) {
+std::string first_space(const Header& header) {
     return header.get_string_attribute(kFromTag);
 }
 
-void tag_raw(OIIO::ImageSpec& header) {
+void tag_raw(Header& header) {
     tag_converted(header, kRaw, kRaw, nullptr);
 }
 
-void tag_for_format(OIIO::ImageSpec& spec, std::string_view format) {
+void tag_for_format(Header& spec, std::string_view format) {
     const std::string name = spec.get_string_attribute(kSpaceTag);
     if (name.empty()) return;
     for (const char* stale : {kLibraryTag, "oiio:Gamma", "Exif:ColorSpace"}) spec.erase_attribute(stale);

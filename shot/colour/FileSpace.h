@@ -1,12 +1,11 @@
 // What colour space a file's values are in, as far as its header and its name say, and saying it in a header.
 #pragma once
 
-#include <OpenImageIO/imageio.h>
-
 #include <string>
 #include <string_view>
 
 #include "shot/colour/KnownSpaces.h"
+#include "shot/image/Header.h"
 
 namespace veloxa {
 
@@ -19,21 +18,20 @@ struct FileSpace {
 
 // By what Veloxa wrote there, an ICC profile's name, OpenEXR's chromaticities, the format's own tag, else the
 // sample type: whole numbers are sRGB, or film's density in DPX; floats are light. Looks at no pixel.
-FileSpace space_of(const OIIO::ImageSpec& header, const std::string& file);
+FileSpace space_of(const Header& header, const std::string& file);
 
 // Says in the header what space its image's values are in now; what said otherwise goes. The reason stays in
 // memory. `known` may be null; its primaries are told as chromaticities where there are `primaries`.
-void tag_space(OIIO::ImageSpec& header, const FileSpace& space, const KnownSpace* known);
+void tag_space(Header& header, const FileSpace& space, const KnownSpace* known);
 // The same for values that were converted from another space.
-void tag_converted(OIIO::ImageSpec& header, const std::string& from, const std::string& to,
-                   const KnownSpace* known);
+void tag_converted(Header& header, const std::string& from, const std::string& to, const KnownSpace* known);
 // What they were converted from at first; empty for those that were not.
-std::string first_space(const OIIO::ImageSpec& header);
+std::string first_space(const Header& header);
 // For values that are no colour: mattes, an operator's rows.
-void tag_raw(OIIO::ImageSpec& header);
+void tag_raw(Header& header);
 
 // Turns what tag_space says into what the format's writer understands. JPEG and TIFF can say no more than
 // that the values are not sRGB, or hold a profile; formats without any tag say nothing.
-void tag_for_format(OIIO::ImageSpec& spec, std::string_view format);
+void tag_for_format(Header& spec, std::string_view format);
 
 }  // namespace veloxa

@@ -50,8 +50,7 @@ std::string ShotColour::text(const FileSpace& space) const {
     return space.name + ", as " + space.why + (converts() ? "; converted to " + working_ : "");
 }
 
-std::string ShotColour::account(const OIIO::ImageSpec& header, std::size_t input,
-                                const std::string& file) const {
+std::string ShotColour::account(const Header& header, std::size_t input, const std::string& file) const {
     const FileSpace found = space_of(header, file);
     return text(converts() ? space_for(found, input, file) : found);
 }

@@ -38,9 +38,12 @@ class ShotColour {
     // What results are converted to; empty where they are not.
     const std::string& out_space() const { return out_; }
 
+    // The configuration's file; empty for the built-in set, and where nothing is converted.
+    std::string config_file() const { return config_ ? config_->file() : std::string(); }
+
     // What a file's values are for this input and what they become: "sRGB, as uint8; converted to linear".
     // Throws UsageError where that must be known and is not.
-    std::string account(const OIIO::ImageSpec& header, std::size_t input, const std::string& file) const;
+    std::string account(const Header& header, std::size_t input, const std::string& file) const;
 
     // Makes what was read of a file, for this input, ready for the node and says in its header what it is
     // then. Tells once an input what space the file is in, and appends that to what names the pixels. Throws

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
+
+#include "shot/files/SystemFault.h"
 
 namespace veloxa {
 
@@ -19,7 +20,11 @@ CheckedFile::~CheckedFile() {
 }
 
 void CheckedFile::note_failure() {
-    if (failure_.empty()) failure_ = std::strerror(errno);
+    if (failure_ == 0) failure_ = errno;
+}
+
+void CheckedFile::check(const std::string& path) const {
+    if (failure_ != 0) throw_fault(path, failure_);
 }
 
 void CheckedFile::close() {

@@ -12,12 +12,13 @@ namespace veloxa {
 
 class CheckedFile final : public OIIO::Filesystem::IOProxy {
   public:
-    // Creates or empties the file; see failure().
+    // Creates or empties the file; see check().
     explicit CheckedFile(const std::string& path);
     ~CheckedFile() override;
 
-    // Why the file could not be made or a byte not be written; empty while all is well.
-    const std::string& failure() const { return failure_; }
+    // Throws where the file could not be made or a byte not be written, about the file of that name: TryAgain
+    // where that may pass, else Error.
+    void check(const std::string& path) const;
 
     const char* proxytype() const override { return "veloxa"; }
     void close() override;
@@ -32,7 +33,7 @@ class CheckedFile final : public OIIO::Filesystem::IOProxy {
 
     std::FILE* file_;
     int64_t end_ = 0;
-    std::string failure_;
+    int failure_ = 0;
 };
 
 }  // namespace veloxa

@@ -4,7 +4,7 @@
 
 namespace veloxa {
 
-EncodingGuess guess_encoding(const OIIO::ImageSpec& header, const std::string& file) {
+EncodingGuess guess_encoding(const Header& header, const std::string& file) {
     const FileSpace space = space_of(header, file);
     const KnownSpace* const known = known_space(space.name);
     switch (known ? known->curve : KnownSpace::Curve::kStraight) {

@@ -1,9 +1,9 @@
 // How a file's values stand for light, by what is known without looking at its pixels.
 #pragma once
 
-#include <OpenImageIO/imageio.h>
-
 #include <string>
+
+#include "shot/image/Header.h"
 
 namespace veloxa {
 
@@ -14,6 +14,6 @@ struct EncodingGuess {
 
 // By its colour space (shot/colour/FileSpace.h): the curve of sRGB or one like it, the density of film;
 // everything else is taken for light as it is stored, a camera's logarithm too, which is to be converted.
-EncodingGuess guess_encoding(const OIIO::ImageSpec& header, const std::string& file);
+EncodingGuess guess_encoding(const Header& header, const std::string& file);
 
 }  // namespace veloxa

@@ -77,7 +77,7 @@ Depth usual_depth(std::string_view format) {
     return format == "rla" ? Depth::FLOAT : Depth::UINT16;
 }
 
-void set_compression(OIIO::ImageSpec& spec, std::string_view format, const std::string& wanted) {
+void set_compression(Header& spec, std::string_view format, const std::string& wanted) {
     const std::string before = spec.get_string_attribute("compression");
     for (const char* name : {"compression", "tiff:Compression"}) spec.erase_attribute(name);
     const Compressions* const known = compressions_of(format);
@@ -100,24 +100,22 @@ void set_compression(OIIO::ImageSpec& spec, std::string_view format, const std::
     }
 }
 
-void set_windows(OIIO::ImageSpec& spec, const FileRows& rows, std::string_view format) {
+void set_windows(Header& spec, const FileRows& rows, std::string_view format) {
     const bool windows = format == "openexr";
     const Box& box = rows.box();
     const Box& frame = rows.frame();
     spec.full_x = windows ? spec.full_x : 0;
     spec.full_y = windows ? spec.full_y : 0;
-    spec.full_z = spec.z = 0;
     spec.full_width = frame.width();
     spec.full_height = frame.height();
     spec.x = spec.full_x + box.x;
     spec.y = spec.full_y + frame.t - box.t;
     spec.width = box.width();
     spec.height = box.height();
-    spec.depth = spec.full_depth = 1;
     spec.deep = false;
 }
 
-void set_channels(OIIO::ImageSpec& spec, const FileRows& rows, std::string_view format) {
+void set_channels(Header& spec, const FileRows& rows, std::string_view format) {
     if (spec.nchannels < 3) spec.erase_attribute("ICCProfile");  // a profile of grey does not fit colour
     spec.channelformats.clear();
     spec.channelnames.clear();
@@ -132,7 +130,7 @@ void set_channels(OIIO::ImageSpec& spec, const FileRows& rows, std::string_view 
 
 }  // namespace
 
-void check_options(const std::string& path, const OIIO::ImageOutput& output, const WriteOptions& options) {
+void check_options(const std::string& path, const PictureOutput& output, const WriteOptions& options) {
     const std::string_view format = output.format_name();
     if (!options.compression.empty()) check_compression(path, format, options.compression);
     if (options.quality > 0 && !has_quality(format)) {
@@ -150,14 +148,13 @@ void check_options(const std::string& path, const OIIO::ImageOutput& output, con
     }
 }
 
-OIIO::ImageSpec header_for(OIIO::ImageSpec spec, const FileRows& rows, const OIIO::ImageOutput& output,
-                           const WriteOptions& options) {
+Header header_for(Header spec, const FileRows& rows, const PictureOutput& output,
+                  const WriteOptions& options) {
     const std::string_view format = output.format_name();
     set_channels(spec, rows, format);
     set_windows(spec, rows, format);
     spec.tile_width = options.tile_width;
     spec.tile_height = options.tile_height;
-    spec.tile_depth = 1;
     spec.set_format(options.depth == Depth::UNKNOWN ? usual_depth(format) : options.depth);
     spec.erase_attribute("oiio:BitsPerSample");
     if (options.bits > 0) spec.attribute("oiio:BitsPerSample", options.bits);
@@ -175,22 +172,22 @@ OIIO::ImageSpec header_for(OIIO::ImageSpec spec, const FileRows& rows, const OII
     return spec;
 }
 
-void check_type(const std::string& path, const OIIO::ImageOutput& output, const WriteOptions& options) {
-    const Depth type = output.spec().format;
+void check_type(const std::string& path, const PictureOutput& output, const WriteOptions& options) {
+    const Depth type = output.header().format;
     if (options.depth != Depth::UNKNOWN && type != options.depth) {
         throw Error(path, std::string("the format cannot hold ") + options.depth.c_str() +
                               " samples; it would hold " + type.c_str());
     }
 }
 
-bool keeps_samples(const OIIO::ImageOutput& output) {
+bool keeps_samples(const PictureOutput& output) {
     const std::string_view format = output.format_name();
     for (const std::string_view approximate : {"gif", "hdr", "heif", "jpeg"}) {
         if (approximate == format) return false;
     }
-    const OIIO::TypeDesc type = output.spec().format;
+    const OIIO::TypeDesc type = output.header().format;
     if (const Compressions* const known = compressions_of(format)) {
-        const std::string said = output.spec().get_string_attribute("compression");
+        const std::string said = output.header().get_string_attribute("compression");
         const std::string_view name = said.empty() ? known->names.front() : name_in(said);
         if (among(known->approximate, name)) return false;
         if (name == "pxr24" && type != OIIO::TypeDesc::HALF) return false;

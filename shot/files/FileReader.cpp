@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <string_view>
 
+#include "shot/files/SystemFault.h"
 #include "shot/movie/MovieFile.h"
 
 namespace veloxa {
@@ -10,7 +11,7 @@ namespace veloxa {
 using namespace Zo::Image;
 namespace fs = std::filesystem;
 
-int rows_at_once(std::size_t row_bytes, const OIIO::ImageSpec& spec) {
+int rows_at_once(std::size_t row_bytes, const Header& spec) {
     constexpr std::size_t kBytes = std::size_t{4} << 20;
     constexpr std::size_t kBlock = 32;
     const std::size_t blocks = kBytes / kBlock / std::max<std::size_t>(row_bytes, 1);
@@ -23,6 +24,7 @@ FileReader::FileReader(const std::string& path, const AbortFlag* abort)
     : hush_(path), path_(path), abort_(abort) {
     std::error_code failed;
     const fs::file_status status = fs::status(path_, failed);
+    if (!fs::status_known(status)) throw_fault(path_, failed.value());
     if (!fs::exists(status)) throw Error(path_, "does not exist");
     if (fs::is_directory(status)) throw Error(path_, "is a folder");
     if (!fs::is_regular_file(status)) throw Error(path_, "is not a regular file");
@@ -30,30 +32,25 @@ FileReader::FileReader(const std::string& path, const AbortFlag* abort)
 
     if (const std::string fault = fault_unseen(path_); !fault.empty()) throw Error(path_, fault);
 
-    OIIO::ImageSpec config;
-    config.attribute("oiio:UnassociatedAlpha", 1);
-    input_ = OIIO::ImageInput::open(path_, &config);
-    if (!input_ || std::string_view(input_->format_name()) == "FFmpeg movie") {
+    std::string error;
+    input_ = open_picture(path_, error);
+    if (!input_ || input_->format_name() == "FFmpeg movie") {
         const std::string movie = movie_to_read(path_, "fg");
         if (!movie.empty()) throw MovieError(path_, movie);
     }
-    if (!input_) throw Error(path_, tidy_message(OIIO::geterror(), path_, "cannot be opened"));
-    if (std::string_view(input_->format_name()) == "null") throw Error(path_, "is no image file");
+    if (!input_) throw Error(path_, tidy_message(error, path_, "cannot be opened"));
+    if (input_->format_name() == "null") throw Error(path_, "is no image file");
 }
 
 bool FileReader::go_to(int part) {
-    part_ = part;
-    if (!input_->seek_subimage(part, 0)) {
-        input_->geterror();  // there is always an end
-        return false;
-    }
+    if (!input_->go_to(part)) return false;
     if (spec().deep) throw Error(path_, "holds deep pixels, which cannot be keyed");
     if (spec().nchannels < 1) throw Error(path_, "has no channels");
     return true;
 }
 
 void FileReader::fail() {
-    throw Error(path_, tidy_message(input_->geterror(), path_, "is damaged or not whole"));
+    throw Error(path_, tidy_message(input_->error(), path_, "is damaged or not whole"));
 }
 
 bool FileReader::is_half(const Span& span) const {
@@ -65,12 +62,7 @@ bool FileReader::is_half(const Span& span) const {
 
 void FileReader::read_rows(int from_row, int to_row, const Span& span, const OIIO::TypeDesc& type,
                            void* into) {
-    const bool ok =
-        spec().tile_width > 0
-            ? input_->read_tiles(part_, 0, spec().x, spec().x + spec().width, from_row, to_row, 0, 1,
-                                 span.first, span.last, type, into)
-            : input_->read_scanlines(part_, 0, from_row, to_row, 0, span.first, span.last, type, into);
-    if (!ok || input_->has_error()) fail();
+    if (!input_->read(from_row, to_row, span.first, span.last, type, into)) fail();
 }
 
 void FileReader::close() {

@@ -3,8 +3,6 @@
 // Colour as stored and not multiplied by an alpha that the format keeps apart.
 #pragma once
 
-#include <OpenImageIO/imageio.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <memory>
@@ -14,6 +12,7 @@
 #include "ZoImage/Render.h"
 #include "shot/Errors.h"
 #include "shot/files/ImageLibrary.h"
+#include "shot/files/PictureFile.h"
 #include "shot/image/HalfFloat.h"
 #include "shot/image/Image.h"
 
@@ -31,7 +30,7 @@ OIIO::TypeDesc sample_type() {
 
 // How many rows of so many bytes to decode or encode at a time: whole tiles, or whole blocks of the usual
 // compressions, enough to keep every thread of the library busy, in a few megabytes.
-int rows_at_once(std::size_t row_bytes, const OIIO::ImageSpec& spec);
+int rows_at_once(std::size_t row_bytes, const Header& spec);
 
 // Reads the rows of one part, once.
 class FileReader {
@@ -49,7 +48,7 @@ class FileReader {
     // no kind that can be read.
     bool go_to(int part);
     // Of the part.
-    const OIIO::ImageSpec& spec() const { return input_->spec(); }
+    const Header& spec() const { return input_->header(); }
     // Whether all of these channels are stored as halves.
     bool is_half(const Span& span) const;
     // Calls take(row of the part from its first, interleaved samples of the span) for every row. Throws Error
@@ -68,8 +67,7 @@ class FileReader {
     const Hush hush_;
     const std::string& path_;
     const Zo::Image::AbortFlag* abort_;
-    std::unique_ptr<OIIO::ImageInput> input_;
-    int part_ = 0;
+    std::unique_ptr<PictureInput> input_;
 };
 
 template <class Sample, class Take>
@@ -82,7 +80,7 @@ void FileReader::each_row(const Span& span, const Take& take) {
 template <class Take>
 void FileReader::each_row_as(const OIIO::TypeDesc& type, const Span& span, const Take& take) {
     const std::size_t pixel = type == OIIO::TypeDesc::UNKNOWN
-                                  ? spec().pixel_bytes(span.first, span.last, true)
+                                  ? spec().pixel_bytes(span.first, span.last)
                                   : type.size() * static_cast<std::size_t>(span.last - span.first);
     const std::size_t pitch = static_cast<std::size_t>(spec().width) * pixel;
     const int step = rows_at_once(pitch, spec());

@@ -54,13 +54,13 @@ void divide(float* colour, const float* alpha, std::size_t count) {
 
 }  // namespace
 
-bool keeps_alpha(const OIIO::ImageOutput& output, const WriteOptions& options) {
+bool keeps_alpha(const PictureOutput& output, const WriteOptions& options) {
     // The library's DPX of 10 bits has four channels right in rows of some lengths only.
     const bool needless = is_straight(output.format_name()) || options.bits == 10;
     return output.supports("alpha") && !(options.alpha == Alpha::kOpaque && needless);
 }
 
-FileRows::FileRows(const Image& image, const OIIO::ImageOutput& output, const WriteOptions& options)
+FileRows::FileRows(const Image& image, const PictureOutput& output, const WriteOptions& options)
     : image_(image), bits_(options.bits) {
     const std::string_view format = output.format_name();
     const bool straight = is_straight(format);

@@ -1,26 +1,25 @@
 // The rows of a file, interleaved and in its samples, out of an image's planes.
 #pragma once
 
-#include <OpenImageIO/imageio.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 #include "shot/files/ImageFile.h"
+#include "shot/files/PictureFile.h"
 #include "shot/image/HalfFloat.h"
 #include "shot/image/Image.h"
 
 namespace veloxa {
 
 // Whether files that this writes keep alpha beside colour.
-bool keeps_alpha(const OIIO::ImageOutput& output, const WriteOptions& options);
+bool keeps_alpha(const PictureOutput& output, const WriteOptions& options);
 
 class FileRows {
   public:
     // What this writer's format holds of the image: channels that it knows and needs, and the data window or,
     // where the format has none, the display window. Refers to the image.
-    FileRows(const Image& image, const OIIO::ImageOutput& output, const WriteOptions& options);
+    FileRows(const Image& image, const PictureOutput& output, const WriteOptions& options);
     // What a stream of frames holds of it: all channels that it needs, alpha apart from colour, and the
     // display window.
     FileRows(const Image& image, Alpha alpha);

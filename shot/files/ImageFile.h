@@ -32,13 +32,16 @@ void check_choice(const std::string& path, const PictureChoice& choice, bool mat
 
 // The name of the alpha channel that a file has beside others, from the header that was read by the choice;
 // empty without one.
-std::string own_alpha(const OIIO::ImageSpec& header, const PictureChoice& choice = {});
+std::string own_alpha(const Header& header, const PictureChoice& choice = {});
 
 // Warns of parts, layers or views that the choice did not decide between, and says how to choose.
 void warn_of_parts(const std::string& path, const PictureChoice& choice, bool matte, const Caller& caller);
 
 // Whether the file is there and every pixel of all its parts can be read.
 bool is_whole_image(const std::string& path, const Zo::Image::AbortFlag* abort = nullptr);
+
+// The fingerprint that a file holds; empty without one. Throws Error where its header cannot be read.
+std::string fingerprint_in(const std::string& path);
 
 // The type of a file's samples: half, float, uint8 or uint16.
 using Depth = OIIO::TypeDesc;
@@ -70,6 +73,9 @@ void set_depth(WriteOptions& options, const std::string& name);
 
 // Whether a file of that name keeps alpha beside colour. Throws Error without a writer.
 bool keeps_alpha(const std::string& path, const WriteOptions& options);
+
+// Whether such a file holds the fingerprint of its provenance. Throws Error without a writer.
+bool keeps_fingerprint(const std::string& path, const WriteOptions& options);
 
 // Throws Error when no writer answers to the file's extension, when the format cannot hold what the options
 // ask for, or when the file cannot be made there; so that a mistake shows before any frame is rendered.

@@ -1,6 +1,5 @@
 #include "shot/files/ImageLibrary.h"
 
-#include <OpenImageIO/imageio.h>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -71,11 +70,6 @@ Hush::~Hush() {
 
 const std::string* Hush::file() {
     return worked_on;
-}
-
-void silence_library() {
-    OIIO::attribute("debug", 0);
-    OIIO::attribute("log_times", 0);
 }
 
 std::string tidy_message(std::string_view message, std::string_view path, std::string_view otherwise) {

@@ -22,10 +22,6 @@ class Hush {
     const std::string* outer_;
 };
 
-// Stops what the image library prints by itself, whatever the environment asks for. Before any file is
-// opened.
-void silence_library();
-
 // The first line, without the file's name, which the program's own message already has. `otherwise` stands
 // in for an empty message.
 std::string tidy_message(std::string_view message, std::string_view path, std::string_view otherwise);

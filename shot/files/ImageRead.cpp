@@ -22,7 +22,7 @@ namespace {
 // Windows beyond this are taken for a damaged header.
 constexpr int kLargestCoordinate = 1 << 20;
 
-Info info_of(const OIIO::ImageSpec& spec, const std::string& path) {
+Info info_of(const Header& spec, const std::string& path) {
     for (const int v : {spec.x, spec.y, spec.full_x, spec.full_y}) {
         if (std::abs(static_cast<double>(v)) > kLargestCoordinate)
             throw Error(path, "has impossible windows");
@@ -40,7 +40,7 @@ Info info_of(const OIIO::ImageSpec& spec, const std::string& path) {
 }
 
 // DPX keeps its frame rate under names of its own; give it the common one.
-void name_frame_rate(OIIO::ImageSpec& spec) {
+void name_frame_rate(Header& spec) {
     if (spec.find_attribute("FramesPerSecond")) return;
     const float film = spec.get_float_attribute("dpx:FrameRate");
     const float rate = film > 0.0f ? film : spec.get_float_attribute("dpx:TemporalFrameRate");
@@ -144,7 +144,7 @@ void refuse_invert(const std::string& path) {
     throw UsageError(path + "#invert: only the matte of an input that is a matte can be inverted");
 }
 
-std::string own_alpha(const OIIO::ImageSpec& header, const PictureChoice& choice) {
+std::string own_alpha(const Header& header, const PictureChoice& choice) {
     PictureChoice within = choice;
     within.part.clear();
     const int alpha = select_picture({}, std::vector{header}, within, false).sources[3];
@@ -179,6 +179,11 @@ bool is_whole_image(const std::string& path, const AbortFlag* abort) try {
     return true;
 } catch (const Error&) {
     return false;
+}
+
+std::string fingerprint_in(const std::string& path) {
+    return with_reader(path, nullptr,
+                       [](FileReader& reader) { return Provenance::fingerprint_in(reader.spec()); });
 }
 
 }  // namespace veloxa

@@ -1,5 +1,6 @@
 // Writing of image files; see ImageFile.h.
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <map>
@@ -17,6 +18,8 @@
 #include "shot/files/ImageLibrary.h"
 #include "shot/files/KeptLayers.h"
 #include "shot/files/Metadata.h"
+#include "shot/files/PictureFile.h"
+#include "shot/files/SystemFault.h"
 #include "shot/movie/MovieFile.h"
 
 namespace veloxa {
@@ -25,11 +28,12 @@ using namespace Zo::Image;
 
 namespace {
 
-std::unique_ptr<OIIO::ImageOutput> writer_for(const std::string& path) {
-    auto output = OIIO::ImageOutput::create(path);
+std::unique_ptr<PictureOutput> writer_for(const std::string& path) {
+    std::string error;
+    auto output = picture_writer(path, error);
     const std::string movie = output ? "" : movie_to_write(path);
     if (!movie.empty()) throw Error(path, movie);
-    if (!output) throw Error(path, tidy_message(OIIO::geterror(), path, "cannot be written"));
+    if (!output) throw Error(path, tidy_message(error, path, "cannot be written"));
     const std::string_view format = output->format_name();
     if (format == "null" || format == "term") throw Error(path, "has no extension of an image format");
     return output;
@@ -37,22 +41,20 @@ std::unique_ptr<OIIO::ImageOutput> writer_for(const std::string& path) {
 
 // Behind a proxy the library gives libtiff nothing to read, but libtiff reads the image's directory again
 // after it has written one for Exif, and makes an unusable file when it cannot.
-bool takes_proxy(const OIIO::ImageOutput& output) {
-    return output.supports("ioproxy") && std::string_view(output.format_name()) != "tiff";
+bool takes_proxy(const PictureOutput& output) {
+    return output.supports("ioproxy") && output.format_name() != "tiff";
 }
 
 template <class Sample>
-bool write_rows(OIIO::ImageOutput& output, const FileRows& from, const AbortFlag* abort) {
+bool write_rows(PictureOutput& output, const FileRows& from, const AbortFlag* abort) {
     const std::size_t pitch = from.pitch();
-    const bool tiled = output.spec().tile_width > 0;  // a writer that takes nothing else says so when opened
-    const int step = rows_at_once(pitch * sizeof(Sample), output.spec());
+    const int step = rows_at_once(pitch * sizeof(Sample), output.header());
     // The library's HEIF writer reads on to the end of a padded row.
     constexpr std::size_t kPadding = 256;
     const auto rows =
         std::make_unique_for_overwrite<Sample[]>(pitch * static_cast<std::size_t>(step) + kPadding);
     const auto samples = std::make_unique_for_overwrite<Sample[]>(from.width());
-    const int top = output.spec().y;
-    const int left = output.spec().x;
+    const int top = output.header().y;
     for (int done = 0; done < from.height(); done += step) {
         give_up_if_raised(abort);
         const int count = std::min(step, from.height() - done);
@@ -60,23 +62,20 @@ bool write_rows(OIIO::ImageOutput& output, const FileRows& from, const AbortFlag
             from.fill(done + n, rows.get() + pitch * static_cast<std::size_t>(n), samples.get());
         }
         const int y = top + done;
-        const bool good = tiled ? output.write_tiles(left, left + from.box().width(), y, y + count, 0, 1,
-                                                     sample_type<Sample>(), rows.get())
-                                : output.write_scanlines(y, y + count, 0, sample_type<Sample>(), rows.get());
-        if (!good) return false;
+        if (!output.write(y, y + count, sample_type<Sample>(), rows.get())) return false;
     }
     return true;
 }
 
-bool write_pixels(OIIO::ImageOutput& output, const FileRows& rows, const AbortFlag* abort) {
-    return with_sample_of(output.spec().format,
+bool write_pixels(PictureOutput& output, const FileRows& rows, const AbortFlag* abort) {
+    return with_sample_of(output.header().format,
                           [&]<class Sample>(Sample) { return write_rows<Sample>(output, rows, abort); });
 }
 
-std::string header_fault(const OIIO::ImageSpec& read, const OIIO::ImageOutput& output) {
-    const OIIO::ImageSpec& written = output.spec();
-    const bool windows = std::string_view(output.format_name()) == "openexr";
-    const bool webp = std::string_view(output.format_name()) == "webp";
+std::string header_fault(const Header& read, const PictureOutput& output) {
+    const Header& written = output.header();
+    const bool windows = output.format_name() == "openexr";
+    const bool webp = output.format_name() == "webp";
     if (read.width != written.width || read.height != written.height) {
         return "its size reads back as " + size_text(read.width, read.height) + ", not " +
                size_text(written.width, written.height);
@@ -127,12 +126,12 @@ std::string sample_fault(FileReader& reader, const FileRows& rows, bool exact) {
 // Reads a file back that `output` has written from the image and closed. Empty when it has the size, windows,
 // channels and type that the writer opened it with, and every sample of it: the same bits, or, for formats
 // that only approximate samples, any; else what is wrong. Throws Interrupted.
-std::string read_back(const std::string& path, const FileRows& rows, const OIIO::ImageOutput& output,
+std::string read_back(const std::string& path, const FileRows& rows, const PictureOutput& output,
                       const AbortFlag* abort) try {
     FileReader reader(path, abort);
     std::string fault = header_fault(reader.spec(), output);
     if (!fault.empty()) return fault;
-    return with_sample_of(output.spec().format, [&]<class Sample>(Sample) {
+    return with_sample_of(output.header().format, [&]<class Sample>(Sample) {
         return sample_fault<Sample>(reader, rows, keeps_samples(output));
     });
 } catch (const Error& error) {
@@ -142,7 +141,7 @@ std::string read_back(const std::string& path, const FileRows& rows, const OIIO:
 // Writes the file and reads it back. Returns what went wrong that less metadata might mend, empty for
 // nothing; throws Error for the rest.
 std::string write_once(const std::string& temporary, const std::string& path, const Image& image,
-                       const OIIO::ImageSpec& header, const WriteOptions& options) {
+                       const Header& header, const WriteOptions& options) {
     const Hush hush(path);
     std::unique_ptr<CheckedFile> bytes;  // outlives the writer, which writes once more when it goes
     const auto output = writer_for(path);
@@ -151,13 +150,13 @@ std::string write_once(const std::string& temporary, const std::string& path, co
         output->set_ioproxy(bytes.get());
     }
     const auto check_bytes = [&] {
-        if (bytes && !bytes->failure().empty()) throw Error(path, bytes->failure());
+        if (bytes) bytes->check(path);
     };
     check_bytes();
     const FileRows rows(image, *output, options);
-    const OIIO::ImageSpec spec = header_for(header, rows, *output, options);
+    const Header spec = header_for(header, rows, *output, options);
     bool good = image.kept ? write_with_layers(*output, temporary, spec, image, rows, options.abort)
-                           : output->open(temporary, spec);
+                           : output->open(temporary, std::span(&spec, 1));
     if (good && !image.kept) {
         check_type(path, *output, options);
         good = write_pixels(*output, rows, options.abort);
@@ -165,7 +164,7 @@ std::string write_once(const std::string& temporary, const std::string& path, co
     good = output->close() && good;
     if (bytes && good) bytes->close();
     check_bytes();
-    if (!good) return tidy_message(output->geterror(), temporary, "could not be written");
+    if (!good) return tidy_message(output->error(), temporary, "could not be written");
     if (image.kept) return layers_fault(temporary, spec, image, rows, options.abort);
     return read_back(temporary, rows, *output, options.abort);
 }
@@ -188,6 +187,10 @@ void set_depth(WriteOptions& options, const std::string& name) {
     options.bits = depth->second.second;
 }
 
+bool keeps_fingerprint(const std::string& path, const WriteOptions& options) {
+    return options.made_by.notes_fingerprint(writer_for(path)->format_name());
+}
+
 void check_writable(const std::string& path, const WriteOptions& options) {
     AtomicFile::check(path, options.overwrite);
     const Hush hush(path);
@@ -204,7 +207,7 @@ void check_writable(const std::string& path, const WriteOptions& options) {
     for (const Plane& plane : image.planes) std::fill_n(plane.get(), 16 * 16, 0.0f);
     output->set_ioproxy(&memory);
     const FileRows rows(image, *output, options);
-    if (!output->open(path, header_for(image.header, rows, *output, options))) return;
+    if (!output->open(path, std::array{header_for(image.header, rows, *output, options)})) return;
     write_pixels(*output, rows, nullptr);
     output->close();
     check_type(path, *output, options);
@@ -217,7 +220,7 @@ std::string write_image(const std::string& path, const Image& image, const Write
     std::string fault;
     std::string left_out;
     for (const Metadata kept : {Metadata::kAll, Metadata::kPlain, Metadata::kNone}) {
-        OIIO::ImageSpec header = image.header;
+        Header header = image.header;
         left_out = keep_metadata(header, kept);
         if (kept != Metadata::kAll && left_out.empty()) continue;
         options.made_by.note(header, format->format_name());
@@ -229,7 +232,8 @@ std::string write_image(const std::string& path, const Image& image, const Write
         }
         if (fault.empty()) fault = now;
     }
-    throw Error(path, fault);
+    // Of writers that go to the file by themselves the system's error is not known.
+    throw_fault(path, fault_of_writing(file.handle()), fault);
 }
 
 std::string left_out_warning(const std::string& path, const std::string& left_out) {

@@ -15,7 +15,6 @@
 namespace veloxa {
 
 using namespace Zo::Image;
-using OIIO::ImageSpec;
 
 namespace {
 
@@ -48,7 +47,7 @@ void run(const Moves& moves, const std::byte* from, std::size_t from_pixel, std:
     }
 }
 
-OIIO::TypeDesc type_of(const ImageSpec& spec, int channel) {
+OIIO::TypeDesc type_of(const Header& spec, int channel) {
     const OIIO::TypeDesc type = spec.channelformat(channel);
     const bool kept =
         type == OIIO::TypeDesc::HALF || type == OIIO::TypeDesc::FLOAT || type == OIIO::TypeDesc::UINT;
@@ -56,8 +55,8 @@ OIIO::TypeDesc type_of(const ImageSpec& spec, int channel) {
 }
 
 // The header with these of its channels alone.
-ImageSpec header_with(const ImageSpec& part, const std::vector<int>& channels, bool as_stored) {
-    ImageSpec header = part;
+Header header_with(const Header& part, const std::vector<int>& channels, bool as_stored) {
+    Header header = part;
     header.channelnames.clear();
     header.channelformats.clear();
     for (const int n : channels) {
@@ -74,7 +73,7 @@ KeptPart read_part(const std::string& path, int number, const std::vector<int>& 
                    const AbortFlag* abort) {
     FileReader reader(path, abort);
     if (!reader.go_to(number)) throw Error(path, "is damaged or not whole");
-    const ImageSpec& spec = reader.spec();
+    const Header& spec = reader.spec();
     const FileReader::Span span{channels.front(), channels.back() + 1};
     const bool as_stored =
         std::ranges::all_of(channels, [&](int n) { return type_of(spec, n) != OIIO::TypeDesc::UNKNOWN; });
@@ -83,13 +82,13 @@ KeptPart read_part(const std::string& path, int number, const std::vector<int>& 
     Moves moves;
     std::size_t to = 0;
     for (const int n : channels) {
-        const std::size_t from = as_stored ? spec.pixel_bytes(span.first, n, true)
+        const std::size_t from = as_stored ? spec.pixel_bytes(span.first, n)
                                            : sizeof(float) * static_cast<std::size_t>(n - span.first);
         const std::size_t size = as_stored ? spec.channelformat(n).size() : sizeof(float);
         add_move(moves, {from, to, size});
         to += size;
     }
-    const std::size_t pixel = as_stored ? spec.pixel_bytes(span.first, span.last, true)
+    const std::size_t pixel = as_stored ? spec.pixel_bytes(span.first, span.last)
                                         : sizeof(float) * static_cast<std::size_t>(span.last - span.first);
     const auto width = static_cast<std::size_t>(spec.width);
     part.pixels =
@@ -102,12 +101,12 @@ KeptPart read_part(const std::string& path, int number, const std::vector<int>& 
     return part;
 }
 
-bool same_display(const ImageSpec& a, const ImageSpec& b) {
+bool same_display(const Header& a, const Header& b) {
     return a.full_x == b.full_x && a.full_y == b.full_y && a.full_width == b.full_width &&
            a.full_height == b.full_height;
 }
 
-bool loses_bits(const ImageSpec& spec) {
+bool loses_bits(const Header& spec) {
     const std::string compression = spec.get_string_attribute("compression");
     return std::ranges::any_of(std::array{"pxr24", "b44", "dwa"},
                                [&](const char* name) { return compression.starts_with(name); });
@@ -115,12 +114,12 @@ bool loses_bits(const ImageSpec& spec) {
 
 // One part of the file that is made.
 struct OutputPart {
-    ImageSpec spec;
+    Header spec;
     bool result = false;             // whether R, G, B and A stand first in it
     const KeptPart* kept = nullptr;  // what follows, if anything
 };
 
-void set_name(ImageSpec& spec, std::string name, std::vector<std::string>& taken) {
+void set_name(Header& spec, std::string name, std::vector<std::string>& taken) {
     while (std::ranges::find(taken, name) != taken.end()) name += '_';
     spec.attribute("oiio:subimagename", name);
     spec.attribute("name", name);
@@ -128,8 +127,8 @@ void set_name(ImageSpec& spec, std::string name, std::vector<std::string>& taken
 }
 
 // A kept part's header for the writer. What OpenEXR wants to be one in all parts is the result's.
-ImageSpec spec_of(const KeptPart& part, const ImageSpec& result) {
-    ImageSpec spec = part.header;
+Header spec_of(const KeptPart& part, const Header& result) {
+    Header spec = part.header;
     const std::string compression =
         loses_bits(spec) ? "zip" : spec.get_string_attribute("compression", "zip");
     keep_metadata(spec, Metadata::kAll);
@@ -143,23 +142,22 @@ ImageSpec spec_of(const KeptPart& part, const ImageSpec& result) {
     // The library writes rows or tiles in all parts.
     spec.tile_width = result.tile_width;
     spec.tile_height = result.tile_height;
-    spec.tile_depth = 1;
     return spec;
 }
 
-bool fits_beside(const KeptPart& part, const ImageSpec& result) {
-    return part.header.roi().width() == result.width && part.header.roi().height() == result.height &&
+bool fits_beside(const KeptPart& part, const Header& result) {
+    return part.header.width == result.width && part.header.height == result.height &&
            part.header.x == result.x && part.header.y == result.y && !loses_bits(result) &&
            std::ranges::none_of(part.header.channelnames, [&](const std::string& name) {
                return std::ranges::find(result.channelnames, name) != result.channelnames.end();
            });
 }
 
-std::vector<OutputPart> layout_of(const ImageSpec& result, const Image& image) {
+std::vector<OutputPart> layout_of(const Header& result, const Image& image) {
     const KeptLayers& kept = *image.kept;
     std::vector<OutputPart> parts{{result, true}};
     parts.reserve(kept.parts.size() + 1);  // the first is referred to
-    ImageSpec& spec = parts.front().spec;
+    Header& spec = parts.front().spec;
     spec.channelformats.assign(static_cast<std::size_t>(spec.nchannels), spec.format);
     std::vector<std::string> names;
     for (std::size_t n = 0; n < kept.parts.size(); ++n) {
@@ -200,7 +198,7 @@ class PartRows {
         row_.resize(result.pitch() * sample_);
     }
 
-    std::size_t pixel() const { return part_.spec.pixel_bytes(true); }
+    std::size_t pixel() const { return part_.spec.pixel_bytes(); }
     std::size_t pitch() const { return pixel() * static_cast<std::size_t>(part_.spec.width); }
 
     void fill(int n, std::byte* to) {
@@ -215,7 +213,7 @@ class PartRows {
         }
         if (!part_.kept) return;
         const KeptPart& kept = *part_.kept;
-        const std::size_t bytes = kept.header.pixel_bytes(true);
+        const std::size_t bytes = kept.header.pixel_bytes();
         run({{0, pixel() - bytes, bytes}}, kept.pixels.get() + kept.pitch() * static_cast<std::size_t>(n),
             bytes, to, pixel(), width);
     }
@@ -227,13 +225,13 @@ class PartRows {
     std::vector<std::byte> row_, samples_;
 };
 
-bool write_rows(OIIO::ImageOutput& output, const OutputPart& part, const FileRows& result,
+bool write_rows(PictureOutput& output, const OutputPart& part, const FileRows& result,
                 const AbortFlag* abort) {
     PartRows rows(part, result);
-    const int step = rows_at_once(rows.pitch(), output.spec());
+    const int step = rows_at_once(rows.pitch(), output.header());
     const auto buffer =
         std::make_unique_for_overwrite<std::byte[]>(rows.pitch() * static_cast<std::size_t>(step));
-    const ImageSpec& spec = part.spec;
+    const Header& spec = part.spec;
     for (int done = 0; done < spec.height; done += step) {
         give_up_if_raised(abort);
         const int count = std::min(step, spec.height - done);
@@ -241,17 +239,13 @@ bool write_rows(OIIO::ImageOutput& output, const OutputPart& part, const FileRow
             rows.fill(done + n, buffer.get() + rows.pitch() * static_cast<std::size_t>(n));
         }
         const int y = spec.y + done;
-        const bool good = spec.tile_width > 0
-                              ? output.write_tiles(spec.x, spec.x + spec.width, y, y + count, 0, 1,
-                                                   OIIO::TypeUnknown, buffer.get())
-                              : output.write_scanlines(y, y + count, 0, OIIO::TypeUnknown, buffer.get());
-        if (!good) return false;
+        if (!output.write(y, y + count, OIIO::TypeUnknown, buffer.get())) return false;
     }
     return true;
 }
 
 // Where in a read pixel the written channels are; a message instead when one is missing or of another type.
-std::string match(const ImageSpec& read, const ImageSpec& written, Moves& moves) {
+std::string match(const Header& read, const Header& written, Moves& moves) {
     if (read.width != written.width || read.height != written.height || read.x != written.x ||
         read.y != written.y || !same_display(read, written)) {
         return "its windows read back otherwise";
@@ -265,7 +259,7 @@ std::string match(const ImageSpec& read, const ImageSpec& written, Moves& moves)
             return "its channel " + name + " reads back otherwise";
         }
         const std::size_t size = written.channelformat(n).size();
-        add_move(moves, {read.pixel_bytes(0, at, true), to, size});
+        add_move(moves, {read.pixel_bytes(0, at), to, size});
         to += size;
     }
     return {};
@@ -295,12 +289,12 @@ std::string part_fault(const std::string& path, int number, const OutputPart& pa
 
 KeptLayers read_kept_layers(const std::string& path, const PictureChoice& choice,
                             const AbortFlag* abort) try {
-    const std::vector<ImageSpec> parts = parts_of(path);
+    const std::vector<Header> parts = parts_of(path);
     const Selection chosen = select_picture(path, parts, choice, false);
     KeptLayers kept;
     std::vector<std::string> left_out;
     const auto take = [&](int number) {
-        const ImageSpec& part = parts[static_cast<std::size_t>(number)];
+        const Header& part = parts[static_cast<std::size_t>(number)];
         const bool of_result = number == chosen.part;
         std::vector<int> channels;
         for (int n = 0; n < part.nchannels; ++n) {
@@ -325,26 +319,26 @@ KeptLayers read_kept_layers(const std::string& path, const PictureChoice& choice
     throw Error(path, "needs more memory than there is");
 }
 
-void check_holds_layers(const std::string& path, const OIIO::ImageOutput& output) {
-    if (std::string_view(output.format_name()) == "openexr") return;
+void check_holds_layers(const std::string& path, const PictureOutput& output) {
+    if (output.format_name() == "openexr") return;
     throw Error(path, "the format cannot hold the layers that are kept; OpenEXR can");
 }
 
-bool write_with_layers(OIIO::ImageOutput& output, const std::string& path, const ImageSpec& result,
+bool write_with_layers(PictureOutput& output, const std::string& path, const Header& result,
                        const Image& image, const FileRows& rows, const AbortFlag* abort) {
     const std::vector<OutputPart> parts = layout_of(result, image);
-    std::vector<ImageSpec> specs;
+    std::vector<Header> specs;
     specs.reserve(parts.size());
     for (const OutputPart& part : parts) specs.push_back(part.spec);
-    if (!output.open(path, static_cast<int>(specs.size()), specs.data())) return false;
+    if (!output.open(path, specs)) return false;
     for (std::size_t n = 0; n < parts.size(); ++n) {
-        if (n > 0 && !output.open(path, specs[n], OIIO::ImageOutput::AppendSubimage)) return false;
+        if (n > 0 && !output.next_part()) return false;
         if (!write_rows(output, parts[n], rows, abort)) return false;
     }
     return true;
 }
 
-std::string layers_fault(const std::string& path, const ImageSpec& result, const Image& image,
+std::string layers_fault(const std::string& path, const Header& result, const Image& image,
                          const FileRows& rows, const AbortFlag* abort) try {
     const std::vector<OutputPart> parts = layout_of(result, image);
     for (std::size_t n = 0; n < parts.size(); ++n) {

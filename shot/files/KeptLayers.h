@@ -7,8 +7,6 @@
 // other parts follow.
 #pragma once
 
-#include <OpenImageIO/imageio.h>
-
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -17,6 +15,7 @@
 #include "ZoImage/Render.h"
 #include "shot/files/FileRows.h"
 #include "shot/files/PictureChoice.h"
+#include "shot/files/PictureFile.h"
 #include "shot/image/Image.h"
 
 namespace veloxa {
@@ -24,10 +23,10 @@ namespace veloxa {
 struct KeptPart {
     // Of the kept channels alone, with a sample type for each: half, float or uint32, as in the file where it
     // has these; channels of all other types are floats. Windows are the file's.
-    OIIO::ImageSpec header;
+    Header header;
     std::unique_ptr<std::byte[]> pixels;  // interleaved, row by row from the top
 
-    std::size_t pitch() const { return header.pixel_bytes(true) * static_cast<std::size_t>(header.width); }
+    std::size_t pitch() const { return header.pixel_bytes() * static_cast<std::size_t>(header.width); }
 };
 
 struct KeptLayers {
@@ -41,16 +40,16 @@ KeptLayers read_kept_layers(const std::string& path, const PictureChoice& choice
                             const Zo::Image::AbortFlag* abort);
 
 // Throws Error when the writer's format cannot hold layers.
-void check_holds_layers(const std::string& path, const OIIO::ImageOutput& output);
+void check_holds_layers(const std::string& path, const PictureOutput& output);
 
 // Writes an image, whose rows these are, and what it keeps. `output` is fresh and `result` what the header of
 // the image alone would be. Returns false when the writer has failed; throws Interrupted.
-bool write_with_layers(OIIO::ImageOutput& output, const std::string& path, const OIIO::ImageSpec& result,
+bool write_with_layers(PictureOutput& output, const std::string& path, const Header& result,
                        const Image& image, const FileRows& rows, const Zo::Image::AbortFlag* abort);
 
 // Reads such a file back: what is wrong with it, empty for nothing. Samples are compared bit by bit, but for
 // those of a result whose compression loses some. Throws Interrupted.
-std::string layers_fault(const std::string& path, const OIIO::ImageSpec& result, const Image& image,
+std::string layers_fault(const std::string& path, const Header& result, const Image& image,
                          const FileRows& rows, const Zo::Image::AbortFlag* abort);
 
 }  // namespace veloxa

@@ -31,7 +31,7 @@ std::string block_of(const std::string& name) {
 
 }  // namespace
 
-std::string keep_metadata(OIIO::ImageSpec& header, Metadata kept) {
+std::string keep_metadata(Header& header, Metadata kept) {
     std::vector<std::string> dropped;
     std::vector<std::string> blocks;
     for (const auto& attribute : header.extra_attribs) {
@@ -53,8 +53,8 @@ std::string keep_metadata(OIIO::ImageSpec& header, Metadata kept) {
     return names;
 }
 
-bool fits(const OIIO::ImageSpec& header, const OIIO::ImageOutput& output) {
-    if (std::string_view(output.format_name()) != "jpeg") return true;
+bool fits(const Header& header, const PictureOutput& output) {
+    if (output.format_name() != "jpeg") return true;
     // Everything in one block, with room for markup; profiles are cut into several.
     constexpr std::size_t kRoom = 48 * 1024;
     constexpr std::size_t kMarkup = 64;

@@ -10,6 +10,7 @@
 #include "ZoImage/NearestName.h"
 #include "shot/Errors.h"
 #include "shot/files/ImageLibrary.h"
+#include "shot/files/PictureFile.h"
 
 namespace veloxa {
 
@@ -23,7 +24,7 @@ constexpr std::size_t kNamed = 12;        // in a list for people
 // The channels of one layer and view in a part.
 struct Group {
     int part = 0;
-    const OIIO::ImageSpec* header = nullptr;
+    const Header* header = nullptr;
     std::string prefix;  // layer and view as the channels' names have them
     std::string layer, view;
     std::vector<std::pair<int, std::string>> channels{};  // by number; the name without the prefix
@@ -44,7 +45,7 @@ struct Group {
 
 using Groups = std::vector<Group>;
 
-std::vector<std::string> views_of(const OIIO::ImageSpec& part) {
+std::vector<std::string> views_of(const Header& part) {
     std::vector<std::string> views;
     const OIIO::ParamValue* const all = part.find_attribute("multiView");
     if (all && all->type().basetype == OIIO::TypeDesc::STRING) {
@@ -55,7 +56,7 @@ std::vector<std::string> views_of(const OIIO::ImageSpec& part) {
     return views;
 }
 
-void add_groups(const OIIO::ImageSpec& part, int number, Groups& groups) {
+void add_groups(const Header& part, int number, Groups& groups) {
     const std::vector<std::string> views = views_of(part);
     const std::string own_view = part.get_string_attribute("view");
     const std::size_t before = groups.size();
@@ -274,23 +275,23 @@ std::string besides(const std::string& path, const Groups& all, const Groups& fi
 
 }  // namespace
 
-std::vector<OIIO::ImageSpec> parts_of(const std::string& path) {
+std::vector<Header> parts_of(const std::string& path) {
     const Hush hush(path);
-    std::vector<OIIO::ImageSpec> parts;
-    const auto input = OIIO::ImageInput::open(path);
-    while (input && parts.size() < kMostParts && input->seek_subimage(static_cast<int>(parts.size()), 0)) {
-        parts.push_back(input->spec());
+    std::vector<Header> parts;
+    std::string error;
+    const auto input = open_picture(path, error);
+    while (input && parts.size() < kMostParts && input->go_to(static_cast<int>(parts.size()))) {
+        parts.push_back(input->header());
     }
-    OIIO::geterror();  // there is always an end
     return parts;
 }
 
-std::string part_name(const OIIO::ImageSpec& part, int number) {
+std::string part_name(const Header& part, int number) {
     const std::string name = part.get_string_attribute("oiio:subimagename");
     return name.empty() ? std::to_string(number) : name;
 }
 
-Selection select_picture(const std::string& path, const std::vector<OIIO::ImageSpec>& parts,
+Selection select_picture(const std::string& path, const std::vector<Header>& parts,
                          const PictureChoice& choice, bool matte) {
     Groups all;
     for (std::size_t n = 0; n < parts.size(); ++n) add_groups(parts[n], static_cast<int>(n), all);
@@ -310,7 +311,7 @@ Selection select_picture(const std::string& path, const std::vector<OIIO::ImageS
     return selection;
 }
 
-Selection select_picture(const std::string& path, const OIIO::ImageSpec& first, const PictureChoice& choice,
+Selection select_picture(const std::string& path, const Header& first, const PictureChoice& choice,
                          bool matte) {
     Groups groups;
     add_groups(first, 0, groups);

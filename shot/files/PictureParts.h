@@ -5,13 +5,12 @@
 // the first view are plain letters. All views of a part are one where the part itself names it.
 #pragma once
 
-#include <OpenImageIO/imageio.h>
-
 #include <array>
 #include <string>
 #include <vector>
 
 #include "shot/files/PictureChoice.h"
+#include "shot/image/Header.h"
 
 namespace veloxa {
 
@@ -26,21 +25,21 @@ struct Selection {
 };
 
 // The headers of a file's parts. Decodes none of them, if the format allows.
-std::vector<OIIO::ImageSpec> parts_of(const std::string& path);
+std::vector<Header> parts_of(const std::string& path);
 
 // A part's name, or its number where it has none.
-std::string part_name(const OIIO::ImageSpec& part, int number);
+std::string part_name(const Header& part, int number);
 
 // Chooses by parts' headers. Without a choice that is the unnamed layer of the first part and the first view,
 // if it has colour (for a matte: or alpha), else the only layer with colour. `matte` asks for alpha alone, or
 // the first channel where there is none. Throws Error, with what there is, when the choice fits nothing or
 // leaves several layers of which none comes first.
-Selection select_picture(const std::string& path, const std::vector<OIIO::ImageSpec>& parts,
+Selection select_picture(const std::string& path, const std::vector<Header>& parts,
                          const PictureChoice& choice, bool matte);
 
 // The same, given the first part alone; looks at the others only where it must, and then tells of nothing
 // besides.
-Selection select_picture(const std::string& path, const OIIO::ImageSpec& first, const PictureChoice& choice,
+Selection select_picture(const std::string& path, const Header& first, const PictureChoice& choice,
                          bool matte);
 
 }  // namespace veloxa

@@ -6,14 +6,13 @@
 // fill it.
 #pragma once
 
-#include <OpenImageIO/imageio.h>
-
 #include <array>
 #include <cstddef>
 #include <memory>
 #include <string>
 
 #include "ZoImage/Info.h"
+#include "shot/image/Header.h"
 
 namespace veloxa {
 
@@ -43,7 +42,7 @@ struct Image {
 
     Zo::Image::Info info;         // the format's box starts at 0, 0
     std::array<Plane, 4> planes;  // null for a channel that is absent
-    OIIO::ImageSpec header;       // the file's metadata and windows; the default one for a new image
+    Header header;                // the file's metadata and windows; the default one for a new image
     // What else a foreground's file holds, as stored, to be written beside the result; null where nothing is
     // kept. See shot/files/KeptLayers.h.
     std::shared_ptr<const KeptLayers> kept;

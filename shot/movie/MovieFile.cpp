@@ -1,31 +1,22 @@
 #include "shot/movie/MovieFile.h"
 
 #include <cctype>
-#include <filesystem>
-#include <memory>
 #include <string_view>
 
-#include "shot/movie/Av.h"
+#include "shot/files/Formats.h"
 
 namespace veloxa {
 
 namespace {
-
-// Of libav's formats those that are movies for certain: some others take any text, or stills.
-constexpr const char* kMovies =
-    "mov,mp4,m4a,3gp,3g2,mj2,matroska,webm,avi,mxf,mpeg,mpegts,mpegvideo,nut,yuv4mpegpipe,flv,ogg,asf,gxf,dv,"
-    "ivf,rm,wtv,h264,hevc";
-
-struct CloseMovie {
-    void operator()(AVFormatContext* movie) const { avformat_close_input(&movie); }
-};
 
 bool is_plain(char c) {
     return std::isalnum(static_cast<unsigned char>(c)) != 0 ||
            std::string_view("_./+:,@%=-").find(c) != std::string_view::npos;
 }
 
-std::string quoted(std::string name) {
+}  // namespace
+
+std::string quoted_for_shell(std::string name) {
     if (name.starts_with('-')) name.insert(0, "./");
     bool plain = true;
     for (const char c : name) plain = plain && is_plain(c);
@@ -35,49 +26,17 @@ std::string quoted(std::string name) {
     return result + "'";
 }
 
-// NAME.%06d.png for NAME.mov.
-std::string stills_beside(const std::string& movie) {
-    std::string name;
-    for (const char c : std::filesystem::path(movie).replace_extension().string()) {
-        name += c == '%' ? "%%" : std::string(1, c);
-    }
-    return name + ".%06d.png";
-}
-
-}  // namespace
-
 std::string frames_command(const std::string& movie, bool alpha) {
-    return "ffmpeg -v error -i " + quoted(movie) + " -f nut -c:v rawvideo -pix_fmt " +
+    return "ffmpeg -v error -i " + quoted_for_shell(movie) + " -f nut -c:v rawvideo -pix_fmt " +
            (alpha ? "rgba64le" : "rgb48le") + " -";
 }
 
 std::string movie_to_read(const std::string& path, const std::string& input) {
-    hush_av();
-    AVDictionary* options = nullptr;
-    av_dict_set(&options, "format_whitelist", kMovies, 0);
-    AVFormatContext* opened = nullptr;
-    const int failed = avformat_open_input(&opened, ("file:" + path).c_str(), nullptr, &options);
-    av_dict_free(&options);
-    if (failed < 0) return {};
-    const std::unique_ptr<AVFormatContext, CloseMovie> movie(opened);
-    avformat_find_stream_info(opened, nullptr);
-    const int best = av_find_best_stream(opened, AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
-    if (best < 0) return {};
-    const AVStream& pictures = *opened->streams[best];
-    if ((pictures.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0) return {};
-    const auto* const format = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(pictures.codecpar->format));
-    const bool alpha = format != nullptr && (format->flags & AV_PIX_FMT_FLAG_ALPHA) != 0;
-    return "is a movie; give its frames: " + frames_command(path, alpha) + " | veloxa key --" + input +
-           " - ..., or make files of them: ffmpeg -v error -i " + quoted(path) + " " +
-           quoted(stills_beside(path));
+    return formats().movie_to_read(path, input);
 }
 
 std::string movie_to_write(const std::string& path) {
-    const AVOutputFormat* const format = av_guess_format(nullptr, path.c_str(), nullptr);
-    if (format == nullptr || format->video_codec == AV_CODEC_ID_NONE) return {};
-    if (std::string_view(format->name) == "image2") return {};
-    return "is a movie; send it the frames: veloxa key ... -o - | ffmpeg -v error -f nut -i - " +
-           quoted(path);
+    return formats().movie_to_write(path);
 }
 
 }  // namespace veloxa

@@ -7,6 +7,9 @@
 
 namespace veloxa {
 
+// A word for a shell that stands for the name.
+std::string quoted_for_shell(std::string name);
+
 // The command that makes a stream of a movie's frames, its name quoted for a shell.
 std::string frames_command(const std::string& movie, bool alpha = false);
 

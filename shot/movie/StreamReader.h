@@ -29,25 +29,31 @@ struct StreamFrame {
 // One thread at a time, but for stop().
 class StreamReader {
   public:
+    // What does it, in the module that brings libav.
+    class Decoder {
+      public:
+        virtual ~Decoder() = default;
+        virtual std::optional<StreamFrame> read() = 0;
+        virtual void stop() = 0;
+        StreamInfo info;
+        bool others = false;
+    };
+
     // Reads the stream's header from the file descriptor, which stays the caller's. Frames are numbered from
     // `first`; `name` is what messages call the stream. Throws Error, NAME: what is wrong, with what to ask
     // of ffmpeg where that would help, and Interrupted when the flag is raised, also while waiting for bytes.
     StreamReader(int file, std::string name, int first, const Zo::Image::AbortFlag* abort);
-    ~StreamReader();
-    StreamReader(const StreamReader&) = delete;
-    StreamReader& operator=(const StreamReader&) = delete;
 
-    const StreamInfo& info() const;
+    const StreamInfo& info() const { return decoder_->info; }
     // Whether the stream holds more than these pictures, such as sound, which is passed over.
-    bool holds_others() const;
+    bool holds_others() const { return decoder_->others; }
     // The next frame; nothing at the end. Throws Error, NAME: frame N: what is wrong, after which there is
     // nothing more to read, and Interrupted.
-    std::optional<StreamFrame> read();
+    std::optional<StreamFrame> read() { return decoder_->read(); }
     // Has read() throw Interrupted, now and later; any thread.
-    void stop();
+    void stop() { decoder_->stop(); }
 
   private:
-    class Decoder;
     const std::unique_ptr<Decoder> decoder_;
 };
 

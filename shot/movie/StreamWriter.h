@@ -25,25 +25,30 @@ void check_stream(const std::string& name, const WriteOptions& options);
 // caller ignores.
 class StreamWriter {
   public:
+    // What does it, in the module that brings libav.
+    class Encoder {
+      public:
+        virtual ~Encoder() = default;
+        virtual void write(const Image& image, const FrameTime& time) = 0;
+        virtual void finish() = 0;
+        virtual void stop() = 0;
+    };
+
     // To the file descriptor, which stays the caller's; `name` is what messages call the stream. Frame rate,
     // times' unit and tags are those of `info`. Throws as check_stream does.
     StreamWriter(int file, std::string name, StreamInfo info, const WriteOptions& options);
-    ~StreamWriter();
-    StreamWriter(const StreamWriter&) = delete;
-    StreamWriter& operator=(const StreamWriter&) = delete;
 
     // The next frame, which starts after the last. Pixels' aspect, size and channels are those of the first.
     // Throws Error when the frame is of another size or the stream cannot be written any more, and
     // Interrupted when the flag is raised, also while waiting for the other side.
-    void write(const Image& image, const FrameTime& time);
+    void write(const Image& image, const FrameTime& time) { encoder_->write(image, time); }
     // Ends the stream, after its frames. Throws likewise.
-    void finish();
+    void finish() { encoder_->finish(); }
     // Has the others throw Interrupted, now and later; any thread.
-    void stop();
+    void stop() { encoder_->stop(); }
 
   private:
-    class Encoder;
-    const std::unique_ptr<Encoder> encoder_;
+    std::unique_ptr<Encoder> encoder_;
 };
 
 }  // namespace veloxa

@@ -13,7 +13,7 @@ namespace {
 
 constexpr Ratio kUsualRate{24, 1};
 
-Ratio rate_of(const OIIO::ImageSpec& header) {
+Ratio rate_of(const Header& header) {
     std::array<int, 2> fraction{};
     if (header.getattribute("FramesPerSecond", OIIO::TypeRational, fraction.data()) && fraction[0] > 0 &&
         fraction[1] > 0) {

@@ -27,9 +27,9 @@ std::string files_text(const FramePattern& name, const FrameRange& frames, int f
 }
 
 // The header of what is chosen of the file.
-OIIO::ImageSpec header_of(const std::string& path, const PictureChoice& choice, bool matte) {
+Header header_of(const std::string& path, const PictureChoice& choice, bool matte) {
     const FileReader there(path, nullptr);  // says what is wrong with a file that cannot be read
-    const std::vector<OIIO::ImageSpec> parts = parts_of(path);
+    const std::vector<Header> parts = parts_of(path);
     return parts.at(static_cast<std::size_t>(select_picture(path, parts, choice, matte).part));
 }
 
@@ -44,7 +44,7 @@ class Sizes {
         for (int n = 0; n < files; ++n) {
             const std::string path = name.at(frames.at(n));
             try {
-                const OIIO::ImageSpec header = header_of(path, name.choice(), input.matte);
+                const Header header = header_of(path, name.choice(), input.matte);
                 sizes_.emplace_back(size_text(header.full_width, header.full_height));
                 if (found_++ == 0 && !input.matte) space_ = colour.account(header, number, path);
             } catch (const Error& error) {

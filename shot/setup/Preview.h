@@ -11,8 +11,8 @@
 
 #include "shot/colour/ShotColour.h"
 #include "shot/files/ImageFile.h"
+#include "shot/frames/Fit.h"
 #include "shot/frames/PictureName.h"
-#include "shot/image/Fit.h"
 #include "shot/node/Node.h"
 
 namespace veloxa {

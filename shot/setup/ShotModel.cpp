@@ -29,6 +29,18 @@ std::string shot_beside(const std::string& script) {
     return std::filesystem::path(script).replace_extension(".shot").string();
 }
 
+ShotSource shot_source(const std::string& file, const std::string& frames, const std::string& script,
+                       const FrameRange& all) {
+    if (!file.empty()) return {file, {}};
+    if (!frames.empty()) return {{}, parse_frames(frames)};
+    std::error_code missing;
+    if (!script.empty() && std::filesystem::exists(shot_beside(script), missing)) {
+        return {shot_beside(script), {}};
+    }
+    if (all.count() > 1) return {{}, all};
+    return {};
+}
+
 void load_shot(Node& node, const std::string& path) {
     Knob& knob = node.panel().get(kShotKnob);
     const std::string text = read_text(path);

@@ -1,6 +1,7 @@
 // What the node measures over a shot: which frames stand for it, and the file that keeps it.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,15 @@ std::vector<int> spread_over(const FrameRange& frames, int most);
 
 // The file that keeps the shot beside a script: its name with the extension .shot.
 std::string shot_beside(const std::string& script);
+
+// Where frames of a sequence take what they are keyed by, if they are keyed by a shot.
+struct ShotSource {
+    std::string file;                    // that holds it; else
+    std::optional<FrameRange> measured;  // frames that it is measured on, all or some; nothing for a still
+};
+// `file` and `frames` are asked for, empty for none. A file beside the script is the next choice.
+ShotSource shot_source(const std::string& file, const std::string& frames, const std::string& script,
+                       const FrameRange& all);
 
 // The knob that holds the shot is part of the node, not of its scripts. Throws Error, FILE: line N: what is
 // expected.

@@ -95,7 +95,7 @@ TEST(DisplayTransform, ChoicesAreWhatTheConfigurationHas) {
 
 TEST(DisplayTransform, InputsAreTakenForWhatTheirFilesSay) {
     const auto config = ColourConfig::built_in();
-    OIIO::ImageSpec header(4, 4, 3, OIIO::TypeDesc::UINT8);
+    Header header(4, 4, 3, OIIO::TypeDesc::UINT8);
     const InputSpace whole = input_space(config, header, "a.png");
     EXPECT_EQ(whole.name, "sRGB");
     EXPECT_EQ(whole.why, "uint8 without a linear tag, not sure");

@@ -53,37 +53,46 @@ bool is_class_name(std::string_view name) {
     return !name.empty() && name.find_first_not_of(kLetters) == std::string_view::npos;
 }
 
-// Loads a module; returns what is wrong, empty when nothing is.
-std::string load_module(const fs::path& path) {
-    // A name without a slash would be searched for in the system's library directories.
-    std::error_code error;
-    const fs::path absolute = fs::absolute(path, error);
-    if (dlopen((error ? path : absolute).c_str(), RTLD_NOW | RTLD_LOCAL) != nullptr) return {};
-    const char* const reason = dlerror();
-    return reason != nullptr ? reason : "unknown reason";
-}
-
-}  // namespace
-
-const Op::Description& load_plugin(std::string_view class_name) {
-    if (const Op::Description* const known = Op::Description::find(class_name)) return *known;
-    const std::string who = "cannot load operator " + quoted(class_name) + ": ";
-    if (!is_class_name(class_name)) throw PluginError(who + "that is no class name");
-
-    const std::string file_name = std::string(class_name) + ".so";
+// The module's handle. Where it was found or looked for is told either way.
+void* load_from_directories(std::string_view name, std::string& where) {
+    const std::string file_name = std::string(name) + ".so";
     std::string looked_at;
     for (const fs::path& directory : search_directories()) {
         const fs::path path = directory / file_name;
         looked_at += (looked_at.empty() ? "" : ", ") + directory.string();
         std::error_code error;
         if (!fs::exists(path, error)) continue;
-        const std::string places = " (looked at " + looked_at + ")";
-        const std::string fault = load_module(path);
-        if (!fault.empty()) throw PluginError("cannot load " + path.string() + ": " + fault + places);
-        if (const Op::Description* const found = Op::Description::find(class_name)) return *found;
-        throw PluginError(path.string() + " registers no operator " + quoted(class_name) + places);
+        where = path.string();
+        // A name without a slash would be searched for in the system's library directories.
+        const fs::path absolute = fs::absolute(path, error);
+        void* const module = dlopen((error ? path : absolute).c_str(), RTLD_NOW | RTLD_LOCAL);
+        if (module != nullptr) return module;
+        const char* const reason = dlerror();
+        throw PluginError("cannot load " + where + ": " + (reason != nullptr ? reason : "unknown reason") +
+                          " (looked at " + looked_at + ")");
     }
-    throw PluginError(who + "no " + file_name + " in " + looked_at);
+    where = looked_at;
+    return nullptr;
+}
+
+}  // namespace
+
+void* load_module(std::string_view name) {
+    std::string where;
+    if (void* const module = load_from_directories(name, where)) return module;
+    throw PluginError("there is no " + std::string(name) + ".so in " + where);
+}
+
+const Op::Description& load_plugin(std::string_view class_name) {
+    if (const Op::Description* const known = Op::Description::find(class_name)) return *known;
+    const std::string who = "cannot load operator " + quoted(class_name) + ": ";
+    if (!is_class_name(class_name)) throw PluginError(who + "that is no class name");
+
+    std::string where;
+    const bool loaded = load_from_directories(class_name, where) != nullptr;
+    if (const Op::Description* const found = Op::Description::find(class_name)) return *found;
+    if (loaded) throw PluginError(where + " registers no operator " + quoted(class_name));
+    throw PluginError(who + "no " + std::string(class_name) + ".so in " + where);
 }
 
 }  // namespace Zo::Image

@@ -108,7 +108,7 @@ DisplayTransform display_transform(const ColourConfig& config, const std::string
                                                    : config.for_display(from, choice.display, choice.view));
 }
 
-InputSpace input_space(const ColourConfig& config, const OIIO::ImageSpec& header, const std::string& file) {
+InputSpace input_space(const ColourConfig& config, const Header& header, const std::string& file) {
     if (std::string ruled = config.space_by_rule(file); !ruled.empty()) {
         return {std::move(ruled), "the colour configuration's rule for such files"};
     }

@@ -59,6 +59,6 @@ struct InputSpace {
 };
 
 // What a picture's values are taken for: by the configuration's rules for files, else by what its file says.
-InputSpace input_space(const ColourConfig& config, const OIIO::ImageSpec& header, const std::string& file);
+InputSpace input_space(const ColourConfig& config, const Header& header, const std::string& file);
 
 }  // namespace veloxa::viewer

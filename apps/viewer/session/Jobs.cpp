@@ -6,7 +6,9 @@
 #include "render/NodeRenderer.h"
 #include "render/Pictures.h"
 #include "shot/Errors.h"
+#include "shot/sequence/KeyFingerprints.h"
 #include "shot/sequence/KeyPipeline.h"
+#include "shot/sequence/KeyResume.h"
 #include "shot/setup/KeySetup.h"
 #include "shot/setup/ShotModel.h"
 
@@ -54,15 +56,23 @@ void render_all(const RenderPlan& plan, const AbortFlag& abort, const JobEvents&
     caller.abort = &abort;
     caller.warn = caller.tell = events.line;
     caller.progress = events.progress;
-    KeySetup setup(options_of(plan.state, plan.frames), caller);
+    const SetupOptions options = options_of(plan.state, plan.frames);
+    KeySetup setup(options, caller);
     setup.draw(plan.state.mattes);
     plan.state.settings.give(setup.node().panel());
-    const KeyPlan key = plan_of(plan, setup.frames());
+    KeyPlan key = plan_of(plan, setup.frames());
     check_outputs(key, setup.names());
+    FingerprintSource source;
+    if (!has_shot(setup.node())) source.shot = shot_source({}, {}, {}, setup.frames());
+    key.fingerprints = fingerprints_of(setup, options, key, source, &abort);
+    if (key.resume) key.kept = kept_at_head(key, caller);
+    if (key.kept == key.frames.count()) return events.line(counts_text({.kept = key.kept}));
     setup.loader().load_stills();
     measure(setup, events);
     KeyPipeline pipeline(key, setup.loader(), setup.node(), setup.node().image(), setup.inputs(), caller);
-    if (!pipeline.run()) throw Error("some frames could not be rendered; see the lines above");
+    const bool good = pipeline.run();
+    if (key.resume) events.line(counts_text(pipeline.stats().counts));
+    if (!good) throw Error("some frames could not be rendered; see the lines above");
 }
 
 WorstFrame look_at(NodeRenderer& renderer, FrameLoader& loader, const State& state, int number) try {

@@ -1,6 +1,4 @@
 // Files of a session: shots, scripts, what is written.
-#include <OpenImageIO/imageio.h>
-#include <OpenImageIO/strutil.h>
 
 #include <filesystem>
 #include <utility>
@@ -9,6 +7,7 @@
 #include "session/Sequence.h"
 #include "session/Session.h"
 #include "shot/Errors.h"
+#include "shot/files/Formats.h"
 #include "shot/files/ImageFile.h"
 
 namespace veloxa::viewer {
@@ -22,12 +21,7 @@ bool is_script(const std::string& path) {
     std::string extension = std::filesystem::path(path).extension().string();
     if (extension.empty()) return true;
     extension.erase(0, 1);
-    for (const auto& [format, extensions] : OIIO::get_extension_map()) {
-        for (const std::string& known : extensions) {
-            if (OIIO::Strutil::iequals(known, extension)) return false;
-        }
-    }
-    return true;
+    return !formats().knows_extension(extension);
 }
 
 ShotFiles files_of(const SetupOptions& options) {

@@ -41,7 +41,7 @@ void ViewColour::choose(const std::string& label) {
     choose(static_cast<std::size_t>(found - choices_.begin()));
 }
 
-void ViewColour::take(const OIIO::ImageSpec& header, const std::string& file) {
+void ViewColour::take(const Header& header, const std::string& file) {
     InputSpace space = input_space(*config_, header, file);
     const bool same = space.name == space_.name && space.why == space_.why;
     if (same) return;

@@ -30,7 +30,7 @@ class ViewColour {
     // The choice of that label, if there is one.
     void choose(const std::string& label);
     // Takes the values of pictures for what this file's header says, again only where that is something else.
-    void take(const OIIO::ImageSpec& header, const std::string& file);
+    void take(const Header& header, const std::string& file);
     // "sRGB, as uint8 without a linear tag; shown on sRGB"
     std::string account() const;
 

@@ -14,7 +14,6 @@
 #include "area/PictureArea.h"
 #include "panel/DarkTheme.h"
 #include "panel/PanelView.h"
-#include "shot/files/ImageLibrary.h"
 #include "shots/Hand.h"
 #include "timeline/FrameStrip.h"
 #include "timeline/TimeLine.h"
@@ -170,7 +169,6 @@ int main(int argc, char** argv) {
         std::cerr << "usage: viewer_shots PLATE BACKGROUND SEQUENCE BACKGROUND OUT\n";
         return 2;
     }
-    veloxa::silence_library();
     veloxa::viewer::use_dark_theme(application);
     const auto argument = [&](int n) {
         return QFileInfo(QString::fromLocal8Bit(argv[n])).absoluteFilePath();

@@ -11,7 +11,7 @@ namespace {
 using FileSpaceTest = test::Files;
 
 // A space that is only likely has a question mark.
-std::string space_text(const OIIO::ImageSpec& header, const std::string& path) {
+std::string space_text(const Header& header, const std::string& path) {
     const FileSpace space = space_of(header, path);
     return space.name + (space.sure ? "" : "?");
 }
@@ -43,7 +43,7 @@ TEST_F(FileSpaceTest, WhatIsWrittenReadsBack) {
             test::image_of({0, 0, 8, 8}, {0, 0, 8, 8}, kMaskRgb, [](Channel, int, int) { return 0.5f; });
         tag_space(image.header, {c.space, "a test", true, true}, known_space(c.space));
         write_image(file(c.file), image, {});
-        const OIIO::ImageSpec header = read_image(file(c.file)).header;
+        const Header header = read_image(file(c.file)).header;
         EXPECT_EQ(space_text(header, file(c.file)), c.read) << c.file;
         EXPECT_EQ(header.get_string_attribute("oiio:ColorSpace"), c.tag) << c.file;
     }
@@ -81,12 +81,12 @@ TEST_F(FileSpaceTest, HeadersTellAsMuchAsTheyAreSureOf) {
         {"noextension", OIIO::TypeUInt8, "", "", "sRGB?", "sRGB"},
     };
     for (const auto& c : cases) {
-        OIIO::ImageSpec header(4, 4, 3, c.type);
+        Header header(4, 4, 3, c.type);
         if (c.attribute[0] != '\0') header.attribute(c.attribute, c.value);
         EXPECT_EQ(space_text(header, c.file), c.space) << c.file << ' ' << c.value;
         EXPECT_EQ(guess_encoding(header, c.file).name, c.encoding) << c.file << ' ' << c.value;
     }
-    OIIO::ImageSpec header(4, 4, 3, OIIO::TypeHalf);
+    Header header(4, 4, 3, OIIO::TypeHalf);
     header.attribute("chromaticities", OIIO::TypeDesc(OIIO::TypeDesc::FLOAT, 8),
                      known_space("ACES2065-1")->gamut->xy.data());
     EXPECT_EQ(space_text(header, "a.exr"), "ACES2065-1");

@@ -197,7 +197,7 @@ std::vector<std::string> writable() {
     return found;
 }
 
-OIIO::ImageSpec header_from(const std::string& path, const std::string& description = "some text") {
+Header header_from(const std::string& path, const std::string& description = "some text") {
     OIIO::ImageSpec spec(kWidth, kHeight, 3, OIIO::TypeDesc::UINT8);
     for (const char* name : {"Artist", "Copyright", "Make", "Model", "Exif:LensModel", "IPTC:City",
                              "IPTC:Caption", "Keywords", "GPS:LatitudeRef"}) {
@@ -224,7 +224,7 @@ float sample_at(int c, int x, int y) {
     return x == kWidth - 1 ? 0.9f : 0.1f * static_cast<float>(c + 1);
 }
 
-Image picture(const OIIO::ImageSpec& header) {
+Image picture(const Header& header) {
     const Box box{0, 0, kWidth, kHeight};
     Image image = test::image_of(
         box, box, kMaskRgba, [](Channel c, int x, int y) { return sample_at(c - kRed, x, kHeight - 1 - y); });
@@ -250,7 +250,7 @@ double mean_difference(const std::string& path) {
 
 TEST_F(ImageFile, ReadBackWhateverTheForegroundsMetadata) {
     for (const char* source : {"jpg", "tif", "png", "exr", "dpx"}) {
-        const OIIO::ImageSpec header = header_from(file(std::string("source.") + source));
+        const Header header = header_from(file(std::string("source.") + source));
         const Image image = picture(header);
         for (const std::string& extension : writable()) {
             const std::string path = file("out." + extension);

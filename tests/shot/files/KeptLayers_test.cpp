@@ -1,6 +1,7 @@
 // What passes from a foreground's file into that of the result.
 #include "shot/files/KeptLayers.h"
 
+#include <OpenImageIO/imageio.h>
 #include <numeric>
 
 #include "shot/Files.h"

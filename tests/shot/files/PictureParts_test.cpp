@@ -1,4 +1,6 @@
 // What is read of files with several parts, layers and views.
+#include <OpenImageIO/imageio.h>
+
 #include "shot/files/PictureParts.h"
 
 #include "shot/Files.h"

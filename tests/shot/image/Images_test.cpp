@@ -4,7 +4,7 @@
 
 #include "shot/Files.h"
 #include "shot/compare/Compare.h"
-#include "shot/image/Fit.h"
+#include "shot/frames/Fit.h"
 #include "shot/setup/ScreenChoice.h"
 
 using namespace veloxa;

@@ -254,7 +254,9 @@ TEST_F(SessionRig, ASliderThatNeverRestsIsFollowed) {
 TEST_F(SessionRig, WhatAKilledSessionLeftIsOffered) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     // The same folder in the process that is killed, which runs this test from its beginning.
-    const std::string folder = testing::TempDir() + "rescue-of-killed";
+    const std::string own = testing::TempDir() + "rescue-of-killed" + std::to_string(::getpid());
+    ::setenv("RESCUE_OF_KILLED", own.c_str(), 0);
+    const std::string folder = std::getenv("RESCUE_OF_KILLED");
     const char* const kText = "Veloxa {\n    spill_cool 61\n}\n";
     EXPECT_EXIT(
         {

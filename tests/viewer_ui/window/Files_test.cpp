@@ -203,6 +203,13 @@ TEST_F(WindowRig, RendersCancelsAndResumes) {
     render(true);
     ASSERT_TRUE(until([&] { return !window_->jobs().running(); }));
     EXPECT_EQ(count(), 2 * kFrames);
+    for (const double other : {50.0, 40.0}) {  // what is whole is stale then
+        const auto before = std::filesystem::last_write_time(file("out/key.1.exr"));
+        session().set(panel_knob("spill_cool"), other);
+        render(true);
+        ASSERT_TRUE(until([&] { return !window_->jobs().running(); }));
+        EXPECT_NE(std::filesystem::last_write_time(file("out/key.1.exr")), before);
+    }
 
     SetupOptions options;
     options.inputs = files.inputs;

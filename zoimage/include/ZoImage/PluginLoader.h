@@ -20,4 +20,7 @@ class PluginError : public std::runtime_error {
 // directory "veloxa" beside the engine's library, "../lib/veloxa" seen from the program's directory.
 const Op::Description& load_plugin(std::string_view class_name);
 
+// A module by its name, found likewise, that need not register anything: the handle that dlopen gives.
+void* load_module(std::string_view name);
+
 }  // namespace Zo::Image

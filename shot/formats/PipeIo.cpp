@@ -1,4 +1,4 @@
-#include "shot/movie/PipeIo.h"
+#include "shot/formats/PipeIo.h"
 
 #include <poll.h>
 #include <sys/stat.h>

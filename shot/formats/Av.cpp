@@ -1,4 +1,4 @@
-#include "shot/movie/Av.h"
+#include "shot/formats/Av.h"
 
 #include <array>
 #include <cstdarg>

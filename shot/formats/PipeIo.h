@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "ZoImage/Render.h"
-#include "shot/movie/Av.h"
+#include "shot/formats/Av.h"
 
 namespace veloxa {
 

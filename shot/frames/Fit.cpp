@@ -1,13 +1,11 @@
-#include "shot/image/Fit.h"
-
-#include <OpenImageIO/imagebuf.h>
-#include <OpenImageIO/imagebufalgo.h>
+#include "shot/frames/Fit.h"
 
 #include <algorithm>
 #include <cmath>
 #include <vector>
 
 #include "shot/Errors.h"
+#include "shot/files/Formats.h"
 
 namespace veloxa {
 
@@ -32,15 +30,6 @@ Box filled_box(const Image& image) {
     return box;
 }
 
-OIIO::ImageBuf buffer_of(const Box& box, const Box& frame, float* pixels) {
-    OIIO::ImageSpec spec(box.width(), box.height(), 1, OIIO::TypeDesc::FLOAT);
-    spec.x = box.x;
-    spec.y = box.y;
-    spec.full_width = frame.width();
-    spec.full_height = frame.height();
-    return OIIO::ImageBuf(spec, pixels);
-}
-
 std::shared_ptr<const Image> resized(const Image& image, const Format& format, const std::string& file) {
     const Box& from = image.info.format.box;
     const Box& to = format.box;
@@ -61,10 +50,9 @@ std::shared_ptr<const Image> resized(const Image& image, const Format& format, c
                 filled.push_back(line[std::clamp(x, data.x, data.r - 1) - data.x]);
             }
         }
-        OIIO::ImageBuf scaled = buffer_of(info.box, to, result->plane(c).get());
-        if (!OIIO::ImageBufAlgo::resize(scaled, buffer_of(box, from, filled.data()))) {
-            throw Error(file, scaled.geterror());
-        }
+        const std::string fault =
+            formats().resize({box, from, filled.data()}, {info.box, to, result->plane(c).get()});
+        if (!fault.empty()) throw Error(file, fault);
     }
     return result;
 }
