@@ -3,11 +3,13 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <future>
 #include <utility>
 
 #include "shot/Errors.h"
 #include "shot/files/ImageFile.h"
 #include "shot/files/KeptLayers.h"
+#include "shot/files/SystemFault.h"
 #include "shot/movie/MovieFile.h"
 
 namespace veloxa {
@@ -79,18 +81,30 @@ void FrameLoader::keep(const std::string& path, Image& image) {
     }
 }
 
-LoadedInput FrameLoader::read(Input input, int frame) try {
+FrameLoader::Pixels FrameLoader::pixels(Input input, int frame) const try {
     const std::string path = names_[input].at(frame);
     const PictureChoice& choice = names_[input].choice();
     const bool matte = is_matte_input(input);
-    Hash identity = identity_of(path, choice, matte);
-    Image image = (matte ? read_matte : read_image)(path, choice, caller_.abort);
-    warn(input, path, image);
-    if (!matte) colour_.take(image, input, path, identity);
-    if (input == kFg && keep_layers_) keep(path, image);
-    return {std::make_shared<const Image>(std::move(image)), identity};
+    const Hash identity = identity_of(path, choice, matte);
+    return {(matte ? read_matte : read_image)(path, choice, caller_.abort), identity};
 } catch (const MovieError& movie) {
     throw Error(movie.path(), movie_to_read(movie.path(), kInputNames[input]));
+} catch (const Interrupted&) {
+    throw;
+} catch (const UsageError&) {
+    throw;
+} catch (const Error& error) {
+    // What decodes the file does not say what the system told it.
+    if (may_pass(fault_of_reading(names_[input].at(frame)))) throw TryAgain(error.what());
+    throw;
+}
+
+LoadedInput FrameLoader::taken(Input input, int frame, Pixels read) {
+    const std::string path = names_[input].at(frame);
+    warn(input, path, read.image);
+    if (!is_matte_input(input)) colour_.take(read.image, input, path, read.identity);
+    if (input == kFg && keep_layers_) keep(path, read.image);
+    return {std::make_shared<const Image>(std::move(read.image)), read.identity};
 }
 
 LoadedInput FrameLoader::fitted_to(const LoadedInput& loaded, const Format& format,
@@ -159,9 +173,14 @@ FrameInputs FrameLoader::load(int frame) {
         inputs[kFg] = stills_[kFg];
     } else if (ahead_.image && ahead_frame_ == frame) {
         inputs[kFg] = std::exchange(ahead_, {});
-    } else {
-        inputs[kFg] = read(kFg, frame);
     }
+    // Side by side, since a decoder seldom keeps a processor busy; what is told of them keeps its order.
+    std::array<std::future<Pixels>, kInputCount> reads;
+    for (std::size_t n = 0; n < kInputCount; ++n) {
+        if (n == streamed_ || inputs[n].image || (n != kFg && !names_[n].has_frame())) continue;
+        reads[n] = std::async(std::launch::async, [this, n, frame] { return pixels(Input(n), frame); });
+    }
+    if (reads[kFg].valid()) inputs[kFg] = taken(kFg, frame, reads[kFg].get());
     const Format& format = inputs[kFg].image->info.format;
     if (format != fitted_format_) fitted_stills_ = {};
     fitted_format_ = format;
@@ -173,7 +192,7 @@ FrameInputs FrameLoader::load(int frame) {
             continue;
         }
         if (names_[n].has_frame()) {
-            inputs[n] = fitted_to(read(static_cast<Input>(n), frame), format, file);
+            inputs[n] = fitted_to(taken(static_cast<Input>(n), frame, reads[n].get()), format, file);
             continue;
         }
         if (!fitted_stills_[n].image) fitted_stills_[n] = fitted_to(stills_[n], format, file);

@@ -8,10 +8,10 @@
 #include "shot/Caller.h"
 #include "shot/colour/ShotColour.h"
 #include "shot/frames/DrawnInputs.h"
+#include "shot/frames/Fit.h"
 #include "shot/frames/LoadedInput.h"
 #include "shot/frames/PictureName.h"
 #include "shot/frames/StreamInput.h"
-#include "shot/image/Fit.h"
 #include "shot/image/Image.h"
 
 namespace veloxa {
@@ -70,7 +70,15 @@ class FrameLoader {
     FrameInputs load(int frame);
 
   private:
-    LoadedInput read(Input input, int frame);
+    struct Pixels {
+        Image image;
+        Zo::Image::Hash identity;
+    };
+
+    // What a file holds; any thread.
+    Pixels pixels(Input input, int frame) const;
+    LoadedInput taken(Input input, int frame, Pixels read);
+    LoadedInput read(Input input, int frame) { return taken(input, frame, pixels(input, frame)); }
     // Warns of what the user may not expect of a file, once an input.
     void warn(Input input, const std::string& path, const Image& image);
     void keep(const std::string& path, Image& image);
