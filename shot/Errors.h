@@ -18,6 +18,13 @@ class Error : public std::runtime_error {
         : runtime_error(std::string(file) + ": " + std::string(what)) {}
 };
 
+// What may be gone at another try, here or on another machine, though nothing about it is changed: a full
+// disk, a file server that does not answer.
+class TryAgain : public Error {
+  public:
+    using Error::Error;
+};
+
 // What was asked for makes no sense, whatever the files hold.
 class UsageError : public Error {
   public:

@@ -6,7 +6,10 @@
 
 #include "ZoImage/Iop.h"
 #include "shot/Errors.h"
+#include "shot/farm/Leftovers.h"
+#include "shot/farm/StatusFile.h"
 #include "shot/files/AtomicFile.h"
+#include "shot/sequence/KeyResume.h"
 #include "shot/setup/ScreenChoice.h"
 
 namespace veloxa {
@@ -38,7 +41,31 @@ std::string inputs_text(const FrameLoader::Names& names, int frame) {
     return text;
 }
 
+std::vector<std::string> files_beside(const KeyPlan& plan, const FrameLoader::Names& inputs) {
+    // Other frames' files lie beside those of the first.
+    std::vector<std::string> files = files_of(plan, plan.frames.first);
+    for (const PictureName& input : inputs) {
+        if (!input.empty() && !input.is_stream()) files.push_back(input.at(plan.frames.first));
+    }
+    return files;
+}
+
 }  // namespace
+
+std::vector<std::string> files_of(const KeyPlan& plan, int frame) {
+    std::vector<std::string> files;
+    for (const KeyOutput& output : plan.outputs) {
+        if (!output.file.is_stream()) files.push_back(output.file.at(frame));
+    }
+    return files;
+}
+
+std::vector<std::string> files_of(const KeyPlan& plan) {
+    std::vector<std::string> files;
+    for (int n = 0; n < plan.frames.count(); ++n)
+        std::ranges::copy(files_of(plan, plan.frames.at(n)), std::back_inserter(files));
+    return files;
+}
 
 WriteOptions KeyPlan::how_to_write(const KeyOutput& output) const {
     WriteOptions how = write;
@@ -91,8 +118,10 @@ KeyPipeline::KeyPipeline(KeyPlan plan, FrameLoader& loader, Node& node, Iop& roo
       inputs_(inputs),
       caller_(caller),
       renderer_(plan_.threads, caller.abort),
-      stream_(plan_.frames, loader) {
+      stream_(plan_.frames, loader),
+      folders_(files_beside(plan_, loader.names())) {
     plan_.write.abort = caller.abort;
+    if (plan_.claim) claims_.emplace();
     // A matte takes what is rendered anyway, so it comes last.
     for (const bool mattes : {false, true}) {
         for (const KeyOutput& output : plan_.outputs) {
@@ -112,56 +141,124 @@ void KeyPipeline::count(double rows, int frames) {
 }
 
 template <class Work>
-bool KeyPipeline::attempt(int frame, const Work& work) {
+bool KeyPipeline::attempt(FrameReport& report, const Work& work) {
     try {
         work();
         return true;
     } catch (const Interrupted&) {
         return false;  // the flag is raised; run says so
+    } catch (const TryAgain& error) {
+        note_failure(report, error.what(), true);
     } catch (const Error& error) {
-        caller_.warn(error.what());
+        note_failure(report, error.what(), false);
+    } catch (const std::bad_alloc&) {
+        note_failure(report,
+                     plan_.outputs.front().file.at(report.frame) + ": needs more memory than there is", true);
     } catch (const std::exception& error) {
-        caller_.warn(plan_.outputs.front().file.at(frame) + ": " + error.what());
+        note_failure(report, plan_.outputs.front().file.at(report.frame) + ": " + error.what(), false);
     }
-    failed_ = true;
     return false;
 }
 
+void KeyPipeline::note_failure(FrameReport& report, const std::string& line, bool may_pass) {
+    caller_.warn(line);
+    if (report.error.empty()) report.error = line;
+    failed_ = true;
+    if (may_pass || folders_.one_went()) may_pass_ = true;
+}
+
 void KeyPipeline::decode() {
-    for (int n = 0; n < plan_.frames.count() && !stopped(); ++n) {
-        const int frame = plan_.frames.at(n);
-        try {
-            if (plan_.resume && is_done(frame)) {
-                count(0.0, 1);
-                continue;
-            }
-        } catch (const Interrupted&) {
-            break;
+    FrameCounts& counts = stats_.counts;
+    counts.kept = plan_.kept;
+    const int all = plan_.frames.count();
+    std::vector<int> others;
+    try {
+        bool goes_on = true;
+        for (int n = plan_.kept; goes_on && n < all; ++n) goes_on = begin(n, others);
+        // Those of processes that were killed since then are free now.
+        for (std::size_t before = others.size() + 1; goes_on && others.size() < before;) {
+            before = others.size();
+            for (const int n : std::exchange(others, {})) goes_on = goes_on && begin(n, others);
         }
-        if (!decode(frame)) break;
+    } catch (const Interrupted&) {  // the flag is raised; run says so
     }
+    counts.others = static_cast<int>(others.size());
+    for (const int n : others) plan_.report({plan_.frames.at(n), FrameReport::State::kOther});
+    if (ends()) counts.left = plan_.frames.open ? 1 : all - counts.kept - counts.others - begun_;
+    count(0.0, counts.others);
     decoded_.close();
 }
 
-bool KeyPipeline::decode(int frame) {
+bool KeyPipeline::begin(int n, std::vector<int>& others) {
+    if (stopped() || ends()) return false;
+    const int frame = plan_.frames.at(n);
+    std::optional<Wanted> next = if_wanted(frame);
+    if (!next) return keep(frame);
     slots_.acquire();
-    Decoded next{frame, {}, Slot(&slots_)};
+    Slot slot(&slots_);
+    if (ends()) return false;
+    if (claims_) {
+        Claims::Claim claim;
+        const std::string file = files_of(plan_, frame).front();
+        if (!attempt(next->report, [&] { claim = claims_->take(file); })) {
+            ++begun_;
+            fail(next->report);
+            return true;
+        }
+        if (!claim) {
+            others.push_back(n);
+            return true;
+        }
+        // Who is gone may also have left something beside frames that were passed as whole.
+        if (Claims::is_taken_over(claim)) remove_leftovers(files_of(plan_));
+        next = if_wanted(frame);  // its holder may just have made it
+        if (!next) return keep(frame);
+        next->claim = std::move(claim);
+    }
+    ++begun_;
+    return decode(std::move(*next), std::move(slot));
+}
+
+bool KeyPipeline::keep(int frame) {
+    plan_.report({frame, FrameReport::State::kKept});
+    ++stats_.counts.kept;
+    count(0.0, 1);
+    return true;
+}
+
+std::optional<KeyPipeline::Wanted> KeyPipeline::if_wanted(int frame) const {
+    // Before the frame's files are read, so that what changes after that has another one.
+    Wanted wanted{{frame}};
+    if (plan_.fingerprints) wanted.fingerprints = plan_.fingerprints->of(frame);
+    if (!plan_.resume) return wanted;
+    const OutputState state = frame_state(plan_, frame, wanted.fingerprints, caller_.abort);
+    if (state == OutputState::kWhole) return std::nullopt;
+    if (state == OutputState::kStale) wanted.report.state = FrameReport::State::kStale;
+    return wanted;
+}
+
+bool KeyPipeline::decode(Wanted wanted, Slot slot) {
+    const int frame = wanted.report.frame;
+    Decoded next{std::move(wanted), {}, std::move(slot)};
     bool there = true;
-    const bool good = attempt(frame, [&] {
+    const bool good = attempt(next.wanted.report, [&] {
         const Stopwatch watch(stats_.read);
+        const Stopwatch own(next.wanted.report.read);
         there = loader_.reach(frame);
         if (there) next.inputs = loader_.load(frame);
     });
     if (!there) return false;
-    if (!good) count(0.0, 1);
+    if (!good) fail(next.wanted.report);
     if (good) decoded_.push(std::move(next));
     return !loader_.broken();
 }
 
-bool KeyPipeline::is_done(int frame) const {
-    return std::ranges::all_of(plan_.outputs, [&](const KeyOutput& output) {
-        return is_whole_image(output.file.at(frame), caller_.abort);
-    });
+void KeyPipeline::fail(FrameReport& report) {
+    if (stopped() && report.error.empty()) return;  // interrupted
+    report.state = FrameReport::State::kFailed;
+    plan_.report(report);
+    ++frames_failed_;
+    count(0.0, 1);
 }
 
 Image KeyPipeline::render_picture(const Image& foreground, const std::string& mode) {
@@ -216,10 +313,13 @@ std::vector<Image> KeyPipeline::render(const FrameInputs& inputs) {
 void KeyPipeline::key() {
     while (std::optional<Decoded> next = decoded_.pop()) {
         if (stopped()) continue;  // gives its slot back
-        Keyed done{next->frame, {}, std::move(next->slot)};
-        const bool good = attempt(done.frame, [&] { done.pictures = render(next->inputs); });
+        Keyed done{std::move(next->wanted), {}, std::move(next->slot)};
+        const bool good = attempt(done.wanted.report, [&] {
+            const Stopwatch own(done.wanted.report.key);
+            done.pictures = render(next->inputs);
+        });
         next.reset();
-        if (!good) count(0.0, 1);
+        if (!good) fail(done.wanted.report);
         if (good) keyed_.push(std::move(done));
     }
     keyed_.close();
@@ -228,17 +328,31 @@ void KeyPipeline::key() {
 void KeyPipeline::write(const Keyed& keyed, std::size_t output) {
     const Stopwatch watch(stats_.write);
     const FramePattern& file = plan_.outputs[output].file;
-    const WriteOptions how = how_to_write(keyed.frame, output);
-    if (file.is_stream()) return stream_.write(keyed.frame, keyed.pictures[output], how);
-    const std::string path = file.at(keyed.frame);
+    const WriteOptions how = how_to_write(keyed.wanted, output);
+    if (file.is_stream()) return stream_.write(keyed.wanted.report.frame, keyed.pictures[output], how);
+    const std::string path = file.at(keyed.wanted.report.frame);
     const std::string left_out = write_image(path, keyed.pictures[output], how);
+    note_fingerprint(path, output, how);
     if (left_out.empty() || std::exchange(told_left_out_, true)) return;
     caller_.warn(left_out_warning(path, left_out));
 }
 
-WriteOptions KeyPipeline::how_to_write(int frame, std::size_t output) const {
+void KeyPipeline::note_fingerprint(const std::string& path, std::size_t output,
+                                   const WriteOptions& how) const {
+    const std::string& fingerprint = how.made_by.fingerprint;
+    if (fingerprint.empty() || !(plan_.resume || plan_.outputs[output].file.has_frame())) return;
+    if (keeps_fingerprint(path, how)) {
+        forget_fingerprint(path);
+    } else {
+        veloxa::note_fingerprint(path, fingerprint);
+    }
+}
+
+WriteOptions KeyPipeline::how_to_write(const Wanted& wanted, std::size_t output) const {
     WriteOptions how = plan_.how_to_write(plan_.outputs[output]);
-    how.made_by = {plan_.program, inputs_text(loader_.names(), frame), settings_};
+    how.made_by = {plan_.provenance ? plan_.program : "", inputs_text(loader_.names(), wanted.report.frame),
+                   settings_};
+    if (!wanted.fingerprints.empty()) how.made_by.fingerprint = wanted.fingerprints[output];
     // Nothing is known of what one of the operators, or the foreground, has for alpha.
     if (&root_ != &node_.image() || passes_) return how;
     how.alpha = alpha_of(mode_of(plan_.outputs[output].picture, own_mode_));
@@ -248,23 +362,38 @@ WriteOptions KeyPipeline::how_to_write(int frame, std::size_t output) const {
 void KeyPipeline::encode() {
     while (std::optional<Keyed> next = keyed_.pop()) {
         if (stopped()) continue;
+        FrameReport& report = next->wanted.report;
+        bool good = true;
         for (std::size_t n = 0; n < plan_.outputs.size(); ++n) {
-            attempt(next->frame, [&] { write(*next, n); });
+            good &= attempt(report, [&] {
+                const Stopwatch own(report.write);
+                write(*next, n);
+            });
         }
-        count(0.0, 1);
+        if (good) {
+            const bool stale = report.state == FrameReport::State::kStale;
+            ++(stale ? stats_.counts.stale : stats_.counts.made);
+            plan_.report(report);
+            count(0.0, 1);
+        } else {
+            fail(report);
+        }
         // What waits for the input would wait for frames that go nowhere.
         if (stream_.broken()) loader_.stop();
     }
-    if (!stopped()) attempt(plan_.frames.first, [&] { stream_.finish(); });
+    FrameReport last{plan_.frames.first};
+    if (!stopped()) attempt(last, [&] { stream_.finish(); });
 }
 
 bool KeyPipeline::run() {
-    count(0.0, 0);
+    count(0.0, plan_.kept);
     {
         const std::jthread decoder([this] { decode(); });
         const std::jthread encoder([this] { encode(); });
         key();
     }
+    stats_.counts.failed = frames_failed_;
+    stats_.may_mend = may_pass_ || stats_.counts.left > 0;
     give_up_if_raised(caller_.abort);
     return !failed_;
 }

@@ -1,20 +1,26 @@
 // Renders frames: while one is keyed, the next is decoded and the last encoded.
 //
 // Three threads hand frames on; at most kFramesInFlight are in memory. A frame that cannot be read, keyed or
-// written is reported, and the others go on. When the flag is raised everything in flight is given up, and
-// no unfinished file is left. A stream that breaks off, on either side, ends the run after the frames before.
+// written is reported, and the others go on. When the caller's flag is raised everything in flight is given
+// up, and no unfinished file is left; when the plan's is, what is in flight is finished. A stream that breaks
+// off, on either side, ends the run after the frames before.
 #pragma once
 
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <semaphore>
 #include <string>
 #include <vector>
 
 #include "ZoImage/Render.h"
 #include "shot/Caller.h"
+#include "shot/farm/Claim.h"
+#include "shot/farm/Fingerprint.h"
+#include "shot/farm/Folders.h"
 #include "shot/files/ImageFile.h"
 #include "shot/frames/FrameLoader.h"
 #include "shot/frames/FramePattern.h"
@@ -26,20 +32,53 @@
 
 namespace veloxa {
 
+// What became of a frame.
+struct FrameReport {
+    enum class State { kMade, kKept, kStale, kFailed, kOther };
+    int frame = 0;
+    State state = State::kMade;  // kStale: made again; kOther: left to another process
+    std::chrono::nanoseconds read{0};
+    std::chrono::nanoseconds key{0};
+    std::chrono::nanoseconds write{0};
+    std::string error{};  // of one that failed
+};
+
 struct KeyPlan {
     FrameRange frames;  // one frame, of any number, for a still
     std::vector<KeyOutput> outputs;
-    std::string program;  // named in the outputs' provenance; empty for none
+    std::string program;     // with its version
+    bool provenance = true;  // whether outputs say what made them, from what and how
     WriteOptions write;
-    bool resume = false;  // leave out frames whose outputs are whole
+    // Of the frames, for the files that they make; null where a stream carries them, which nobody can resume.
+    std::shared_ptr<const Fingerprints> fingerprints;
+    bool claim = false;   // leave out frames that other processes are at, and keep them from these ones
+    bool resume = false;  // leave out frames whose outputs are whole and have these fingerprints
+    int kept = 0;         // of the first frames, that are known to be such
     int threads = 0;
+    // Takes each frame when nothing more comes of it; any thread, several at a time.
+    std::function<void(const FrameReport&)> report = [](const FrameReport&) {};
+    const Zo::Image::AbortFlag* end = nullptr;  // once it is raised, no frame is begun
 
     // Without what a frame or the node tells.
     WriteOptions how_to_write(const KeyOutput& output) const;
 };
 
+// What a frame is written to, and all frames, without streams.
+std::vector<std::string> files_of(const KeyPlan& plan, int frame);
+std::vector<std::string> files_of(const KeyPlan& plan);
+
 // Says what can be known to go wrong with the outputs before any frame is rendered. Throws Error.
 void check_outputs(const KeyPlan& plan, const FrameLoader::Names& inputs);
+
+// What became of the frames of a run.
+struct FrameCounts {
+    int made = 0;   // of the others
+    int kept = 0;   // left out, as they were whole
+    int stale = 0;  // made again, as they were asked for otherwise
+    int failed = 0;
+    int others = 0;  // that other processes make
+    int left = 0;    // not begun, as the plan's flag was raised; 1 of a stream's, that nobody has counted
+};
 
 // What keying frames took: sums over the frames of a run. Each stage of the pipeline writes only its own
 // time.
@@ -47,7 +86,9 @@ struct KeyStats {
     std::chrono::nanoseconds read{0};
     std::chrono::nanoseconds key{0};
     std::chrono::nanoseconds write{0};
-    int frames = 0;               // keyed
+    int frames = 0;  // keyed
+    FrameCounts counts;
+    bool may_mend = false;        // whether another run may do what this one did not
     std::int64_t frame_rows = 0;  // of the node's box, over all of them
     std::vector<Zo::Image::OpStats> ops;
 
@@ -88,33 +129,51 @@ class KeyPipeline {
     };
     using Slot = std::unique_ptr<Slots, GiveBack>;  // the right to hold a frame
 
+    // A frame that is to be made.
+    struct Wanted {
+        FrameReport report;
+        std::vector<std::string> fingerprints{};  // one an output; none without
+        Claims::Claim claim{};                    // null without
+    };
     struct Decoded {
-        int frame;
+        Wanted wanted;
         FrameInputs inputs;
         Slot slot;
     };
     struct Keyed {
-        int frame;
+        Wanted wanted;
         std::vector<Image> pictures;  // one an output; they share planes
         Slot slot;
     };
 
     void decode();
+    // Begins the range's nth frame unless it is kept, or goes to `others`, who have claimed it. False where
+    // no frame is to be begun any more. Throws Interrupted.
+    bool begin(int n, std::vector<int>& others);
+    bool keep(int frame);  // true
     // False where no frame comes after this one.
-    bool decode(int frame);
+    bool decode(Wanted wanted, Slot slot);
+    bool ends() const { return plan_.end && plan_.end->raised(); }
+    // What every error of a frame goes to.
+    void note_failure(FrameReport& report, const std::string& line, bool may_pass);
+    // Nothing for a frame that is kept.
+    std::optional<Wanted> if_wanted(int frame) const;
     void key();
     void encode();
     std::vector<Image> render(const FrameInputs& inputs);
     Image render_picture(const Image& foreground, const std::string& mode);
     void write(const Keyed& keyed, std::size_t output);
-    WriteOptions how_to_write(int frame, std::size_t output) const;
-    bool is_done(int frame) const;
+    WriteOptions how_to_write(const Wanted& wanted, std::size_t output) const;
+    // Beside files that cannot hold it; beside stills only where they are resumed.
+    void note_fingerprint(const std::string& path, std::size_t output, const WriteOptions& how) const;
+    // A frame that comes to nothing.
+    void fail(FrameReport& report);
     bool stopped() const { return (caller_.abort && caller_.abort->raised()) || stream_.broken(); }
     // So many more rows, as parts of a frame, are rendered, and frames finished or given up.
     void count(double rows, int frames);
     // Runs one stage's work for a frame; false, with a report unless it was interrupted, when it fails.
     template <class Work>
-    bool attempt(int frame, const Work& work);
+    bool attempt(FrameReport& report, const Work& work);
 
     KeyPlan plan_;
     FrameLoader& loader_;
@@ -130,7 +189,12 @@ class KeyPipeline {
     Zo::Image::Renderer renderer_;
     StreamOutput stream_;  // of the output that is one
     KeyStats stats_;
+    const Folders folders_;
     std::atomic<bool> failed_{false};
+    std::atomic<bool> may_pass_{false};  // one of the failures
+    std::atomic<int> frames_failed_{0};
+    int begun_ = 0;
+    std::optional<Claims> claims_;  // before the queues, which hold some
     std::atomic<double> rendered_{0.0};
     std::atomic<int> finished_{0};
     bool told_left_out_ = false;  // metadata; the frames of a sequence are alike

@@ -76,6 +76,8 @@ std::pair<std::shared_ptr<const Image>, int> KeySetup::first_foreground() {
     for (int n = 0;; ++n) {
         try {
             return {loader_.foreground(frames_.at(n)), frames_.at(n)};
+        } catch (const TryAgain&) {
+            throw;  // another frame would give another key
         } catch (const Error&) {
             if (n + 1 == frames_.count() || loader_.has_stream()) throw;
         }
@@ -120,6 +122,8 @@ std::vector<ToolReport> KeySetup::measure_shot(const FrameRange& range, int most
             reports.push_back(std::move(report));
         } catch (const Interrupted&) {
             throw;
+        } catch (const TryAgain&) {
+            throw;  // other machines would measure it, and key otherwise
         } catch (const Error& error) {
             caller_.warn(std::string(error.what()) + "; it is left out of the shot");
         }
