@@ -3,6 +3,8 @@
 #
 #   tools/deps.sh              what building the program, the demo and the bundle need
 #   tools/deps.sh viewer       also what the viewer and its tests need
+#   tools/deps.sh farm         also a scheduler, whose jobs the tests run
+#   tools/deps.sh test         both
 #   tools/deps.sh dev          these, and what formatting and linting need
 #   tools/deps.sh bench        also what the benchmarks need
 #   tools/deps.sh deb          also what building Debian packages needs
@@ -11,18 +13,23 @@ set -euo pipefail
 
 packages=(
     g++ cmake ninja-build ccache pkgconf
-    libopenimageio-dev libopencolorio-dev libcli11-dev nlohmann-json3-dev
+    libopenimageio-dev libopenexr-dev libopencolorio-dev libcli11-dev nlohmann-json3-dev
     libavformat-dev libavcodec-dev libavutil-dev # streams of frames
+    libxxhash-dev # fingerprints
     libgtest-dev libgmock-dev
     bash-completion zsh fish man-db # their completions and the manual pages are tested in them
     ffmpeg # the tests' other end of a stream
+    python3 # the tests' reader of JSON
     openimageio-tools fonts-dejavu-core # the demo's contact sheet and its labels
 )
 viewer=(qt6-base-dev qt6-base-dev-tools xvfb openbox xdotool desktop-file-utils appstream librsvg2-bin)
+farm=(slurmctld slurmd slurm-client munge)
 case "${1-}" in
     "") ;;
+    farm) packages+=("${farm[@]}") ;;
+    test) packages+=("${viewer[@]}" "${farm[@]}") ;;
     viewer) packages+=("${viewer[@]}") ;;
-    dev) packages+=("${viewer[@]}" clang-format clang-tidy) ;;
+    dev) packages+=("${viewer[@]}" "${farm[@]}" clang-format clang-tidy) ;;
     bench) packages+=(libbenchmark-dev) ;;
     deb | deb-check)
         # The build's own list; the one name in it that is no package's is debhelper's.
@@ -32,7 +39,7 @@ case "${1-}" in
         [ "$1" = deb ] || packages+=(lintian autopkgtest debootstrap)
         ;;
     *)
-        echo "usage: tools/deps.sh [viewer|dev|bench|deb|deb-check]" >&2
+        echo "usage: tools/deps.sh [viewer|farm|test|dev|bench|deb|deb-check]" >&2
         exit 2
         ;;
 esac

@@ -41,9 +41,12 @@ constexpr const char* kBegin = R"sh(@prefix@() {
     local command= option=$prev given=$cur head=
 )sh";
 
+// Some commands go on with another one.
 constexpr const char* kFindCommand = R"sh(    local i
     for ((i = 1; i < cword; i++)); do
-        [[ ${words[i]} == -* ]] || { command=${words[i]}; break; }
+        [[ ${words[i]} == -* ]] && continue
+        command+=${command:+ }${words[i]}
+        [[ ' @groups@ ' == *" $command "* ]] || break
     done
 )sh";
 
@@ -99,7 +102,7 @@ std::string action(const OptionText& option, const CommandLine& all) {
 std::string case_of(const CommandText& command, const OptionText& option, const CommandLine& all) {
     std::string pattern;
     for (const std::string& name : option.names) {
-        pattern += (pattern.empty() ? "" : "|") + command.name + ":" + name;
+        pattern += (pattern.empty() ? "" : "|") + quoted_for_shell(command.name) + ":" + name;
     }
     return "        " + pattern + ") " + action(option, all) + "; return ;;\n";
 }
@@ -115,9 +118,10 @@ std::string names_of(const CommandText& command) {
 // Where a word begins an option, or is no option's value.
 std::string words_case(const CommandText& command, const CommandLine& all) {
     std::vector<std::string> commands;
-    for (const CommandText& one : all.commands) commands.push_back(one.name);
+    for (const CommandText& one : command.commands.empty() ? all.commands : command.commands)
+        commands.push_back(one.word());
     std::string otherwise = ":";
-    if (command.name.empty()) otherwise = "@prefix@_reply" + words_of(commands);
+    if (command.name.empty() || !command.commands.empty()) otherwise = "@prefix@_reply" + words_of(commands);
     for (const OptionText& option : command.options) {
         if (!option.positional) continue;
         otherwise =
@@ -129,8 +133,11 @@ std::string words_case(const CommandText& command, const CommandLine& all) {
 
 // A text of the above for this program.
 std::string filled_in(std::string text, const CommandLine& all) {
-    const std::pair<std::string, std::string> kinds[] = {{"@program@", all.name},
-                                                         {"@prefix@", prefix_of(all)}};
+    std::string groups;
+    for (const CommandText& command : all.commands)
+        if (!command.commands.empty()) groups += (groups.empty() ? "" : " ") + command.name;
+    const std::pair<std::string, std::string> kinds[] = {
+        {"@program@", all.name}, {"@groups@", groups}, {"@prefix@", prefix_of(all)}};
     for (const auto& [word, name] : kinds) {
         for (std::size_t at = text.find(word); at != text.npos; at = text.find(word, at + name.size()))
             text.replace(at, word.size(), name);
@@ -141,8 +148,7 @@ std::string filled_in(std::string text, const CommandLine& all) {
 }  // namespace
 
 std::string bash_completion(const CommandLine& all) {
-    std::vector<CommandText> lines{all.program};
-    lines.insert(lines.end(), all.commands.begin(), all.commands.end());
+    const std::vector<CommandText> lines = all.lines();
     std::string text =
         kHelpers + knob_function(all) + kBegin + (all.commands.empty() ? "" : kFindCommand) + kMiddle;
     for (const CommandText& line : lines) {

@@ -26,10 +26,14 @@ struct OptionText {
 };
 
 struct CommandText {
-    std::string name;  // empty for the program
+    std::string name;  // empty for the program; of one within another both, as "farm check"
     std::string meaning;
     std::vector<std::string> notes;  // the footer's lines
     std::vector<OptionText> options;
+    std::vector<CommandText> commands;  // within this one; the program's are in the CommandLine
+
+    // Its last word.
+    std::string word() const { return name.substr(name.find(' ') + 1); }
 };
 
 struct KnobText {
@@ -45,6 +49,16 @@ struct CommandLine {
     std::vector<std::string> tools;    // as --stroke takes them
     std::vector<std::string> stages;   // as --stage takes them
     std::vector<std::string> related;  // pages beside the commands'
+
+    // The program, its commands, and behind each those within it.
+    std::vector<CommandText> lines() const {
+        std::vector<CommandText> lines{program};
+        for (const CommandText& command : commands) {
+            lines.push_back(command);
+            lines.insert(lines.end(), command.commands.begin(), command.commands.end());
+        }
+        return lines;
+    }
 };
 
 // What the functions that completions define begin with.

@@ -74,11 +74,12 @@ OptionText describe(const CLI::Option& source) {
     return option;
 }
 
-CommandText describe(const CLI::App& command) {
-    CommandText text{command.get_parent() ? command.get_name() : "",
-                     command.get_description(),
-                     split(command.get_footer(), '\n'),
-                     {}};
+CommandText describe(const CLI::App& command, const std::string& name) {
+    CommandText text{name, command.get_description(), split(command.get_footer(), '\n'), {}, {}};
+    if (command.get_parent()) {
+        for (const CLI::App* within : command.get_subcommands({}))
+            text.commands.push_back(describe(*within, name + " " + within->get_name()));
+    }
     for (const CLI::Option* option : command.get_options({})) {
         if (!option->get_group().empty()) text.options.push_back(describe(*option));
     }
@@ -96,8 +97,9 @@ CommandLine describe(const CLI::App& app, const Node& node) {
     constexpr std::string_view kToolbar = "toolbar_";
     CommandLine all;
     all.name = app.get_name();
-    all.program = describe(app);
-    for (const CLI::App* command : app.get_subcommands({})) all.commands.push_back(describe(*command));
+    all.program = describe(app, "");
+    for (const CLI::App* command : app.get_subcommands({}))
+        all.commands.push_back(describe(*command, command->get_name()));
     for (const auto& knob : node.panel().knobs()) {
         if (knob->name().empty()) continue;
         if (knob->kind() == Knob::Kind::kToolButton) {

@@ -105,7 +105,16 @@ std::string fish_completion(const CommandLine& all) {
                                                         : "not __fish_seen_subcommand_from help; and "
                                                           "__fish_seen_subcommand_from " +
                                                               command.name;
-        text += lines_of(here, command, all, commands);
+        std::string words;
+        for (const CommandText& one : command.commands) words += " " + one.word();
+        for (const CommandText& one : command.commands) {
+            text += lines_of(here + "; and __fish_seen_subcommand_from " + one.word(), one, all, commands);
+        }
+        const std::string open =
+            words.empty() ? here : here + "; and not __fish_seen_subcommand_from" + words;
+        for (const CommandText& one : command.commands)
+            text += line(all, open, " -a " + one.word() + " -d " + quoted(one.meaning));
+        text += lines_of(open, command, all, commands);
     }
     return text;
 }

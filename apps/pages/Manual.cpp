@@ -55,10 +55,6 @@ std::string joined(const std::vector<std::string>& words, const char* between) {
     return text;
 }
 
-std::string page_name(const CommandLine& all, const CommandText& command) {
-    return all.name + (command.name.empty() ? "" : "-" + command.name);
-}
-
 std::string value_text(const OptionText& option) {
     if (option.value != Value::kChoice) return italic(option.value_name);
     std::string text;
@@ -66,14 +62,14 @@ std::string value_text(const OptionText& option) {
     return text;
 }
 
-// Whether it is the program's own, which goes on with a command.
-bool takes_command(const CommandLine& all, const CommandText& command) {
-    return command.name.empty() && !all.commands.empty();
+// Those that the command goes on with.
+const std::vector<CommandText>& within(const CommandLine& all, const CommandText& command) {
+    return command.name.empty() ? all.commands : command.commands;
 }
 
 std::string synopsis(const CommandLine& all, const CommandText& command) {
     std::string text = ".SH SYNOPSIS\n" + bold(all.name + (command.name.empty() ? "" : " " + command.name));
-    if (takes_command(all, command))
+    if (!within(all, command).empty())
         return text + " " + italic("COMMAND") + " [" + italic("OPTION") + " ...]\n";
     for (const OptionText& option : command.options) {
         if (option.required && !option.positional) {
@@ -121,10 +117,11 @@ std::string options_of(const CommandText& command) {
     return text;
 }
 
-std::string commands_of(const CommandLine& all) {
+std::string commands_of(const CommandLine& all, const CommandText& command) {
+    if (within(all, command).empty()) return {};
     std::string text = ".SH COMMANDS\nEach has a page of its own.\n";
-    for (const CommandText& command : all.commands) {
-        text += ".TP\n" + bold(page_name(all, command)) + "(1)\n" + roff(command.meaning) + "\n";
+    for (const CommandText& one : within(all, command)) {
+        text += ".TP\n" + bold(page_name(all, one)) + "(1)\n" + roff(one.meaning) + "\n";
     }
     return text;
 }
@@ -165,12 +162,22 @@ std::string see_also(const CommandLine& all, const CommandText& command) {
     if (!command.name.empty()) pages.push_back(bold(all.name) + "(1)");
     for (const CommandText& other : all.commands) {
         if (other.name != command.name) pages.push_back(bold(page_name(all, other)) + "(1)");
+        if (!command.name.starts_with(other.name)) continue;
+        for (const CommandText& near : other.commands) {
+            if (near.name != command.name) pages.push_back(bold(page_name(all, near)) + "(1)");
+        }
     }
     for (const std::string& page : all.related) pages.push_back(bold(page) + "(1)");
     return ".SH SEE ALSO\n" + joined(pages, ",\n") + "\n";
 }
 
 }  // namespace
+
+std::string page_name(const CommandLine& all, const CommandText& command) {
+    std::string name = all.name + (command.name.empty() ? "" : "-" + command.name);
+    std::ranges::replace(name, ' ', '-');
+    return name;
+}
 
 std::string manual_page(const CommandLine& all, const CommandText& command, const std::string& version) {
     std::string status;
@@ -185,7 +192,7 @@ std::string manual_page(const CommandLine& all, const CommandText& command, cons
     return ".TH " + roff(title) + " 1 \"\" \"veloxa " + roff(version) + "\" \"Veloxa\"\n.SH NAME\n" +
            roff(page_name(all, command)) + " \\- " + roff(brief) + "\n" + synopsis(all, command) +
            ".SH DESCRIPTION\n" + roff(command.meaning) + "\n" + prose_of(command) +
-           (takes_command(all, command) ? commands_of(all) : "") + options_of(command) +
+           commands_of(all, command) + options_of(command) +
            section("ENVIRONMENT", command, kEnvironment, "") +
            section("EXIT STATUS", command, kExitStatus, status) + see_also(all, command);
 }

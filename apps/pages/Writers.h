@@ -11,6 +11,9 @@ namespace veloxa {
 // one version's pages are always the same bytes.
 std::string manual_page(const CommandLine& all, const CommandText& command, const std::string& version);
 
+// The page's name for man.
+std::string page_name(const CommandLine& all, const CommandText& command);
+
 // Completions, as each shell reads them from a file of its folder of completions.
 std::string bash_completion(const CommandLine& all);
 std::string zsh_completion(const CommandLine& all);

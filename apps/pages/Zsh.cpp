@@ -89,14 +89,24 @@ std::string arguments_of(const CommandText& command, const std::string& prefix) 
     return text;
 }
 
+// What follows the name of a command, which may go on with another one.
+std::string case_of(const CommandText& command, const std::string& prefix) {
+    std::string text = "    " + command.word() + ")\n    " + arguments_of(command, prefix);
+    if (command.commands.empty()) return text + " ;;\n";
+    std::string names;
+    for (const CommandText& one : command.commands) names += (names.empty() ? "" : " ") + one.word();
+    text += " \\\n        '1:command:(" + names + ")' \\\n        '*::argument:->within'\n" +
+            "    [[ $state == within ]] || return\n    case $line[1] in\n";
+    for (const CommandText& one : command.commands) text += case_of(one, prefix);
+    return text + "    esac ;;\n";
+}
+
 // The function's body behind the program's own arguments.
 std::string commands_of(const CommandLine& all, const std::string& prefix) {
     std::string text = " \\\n        '1:command:" + prefix +
                        "_commands' \\\n        '*::argument:->command'\n"
                        "    [[ $state == command ]] || return\n    case $line[1] in\n";
-    for (const CommandText& command : all.commands) {
-        text += "    " + command.name + ")\n    " + arguments_of(command, prefix) + " ;;\n";
-    }
+    for (const CommandText& command : all.commands) text += case_of(command, prefix);
     return text + "    esac";
 }
 

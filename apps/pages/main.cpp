@@ -16,9 +16,8 @@ void write_pages(const std::filesystem::path& folder, const veloxa::CommandLine&
     const auto write = [&](const std::string& name, const std::string& text) {
         veloxa::write_text((folder / name).string(), text, true);
     };
-    write("man/" + all.name + ".1", veloxa::manual_page(all, all.program, VELOXA_VERSION));
-    for (const veloxa::CommandText& command : all.commands) {
-        write("man/" + all.name + "-" + command.name + ".1",
+    for (const veloxa::CommandText& command : all.lines()) {
+        write("man/" + veloxa::page_name(all, command) + ".1",
               veloxa::manual_page(all, command, VELOXA_VERSION));
     }
     write("completions/" + all.name, veloxa::bash_completion(all));

@@ -38,7 +38,7 @@ int analyse(const Options& options) {
         refuse_input(options.output, setup.names(), setup.frames().at(n));
     }
     if (options.dry_run) {
-        Preview preview = preview_of(setup, options.setup);
+        Preview preview = preview_of(setup, options.setup, setup.frames());
         preview.make(options.output, options.overwrite);
         return show(preview);
     }

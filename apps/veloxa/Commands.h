@@ -12,6 +12,7 @@ namespace veloxa {
 inline constexpr int kExitOk = 0;
 inline constexpr int kExitFailure = 1;
 inline constexpr int kExitUsage = 2;
+inline constexpr int kExitTryAgain = 75;  // not all was done, and another try may mend it
 inline constexpr int kExitInterrupted = 130;
 
 using Run = std::function<int()>;
@@ -27,6 +28,7 @@ void add_view_command(CLI::App& app, Run& run);
 void add_plate_command(CLI::App& app, Run& run);
 void add_compare_command(CLI::App& app, Run& run);
 void add_score_command(CLI::App& app, Run& run);
+void add_farm_command(CLI::App& app, Run& run);
 void add_help_command(CLI::App& app, Run& run);
 
 }  // namespace veloxa

@@ -17,8 +17,8 @@ std::vector<NamedInput> inputs_of(const FrameLoader::Names& names) {
     return inputs;
 }
 
-Preview preview_of(KeySetup& setup, const SetupOptions& options) {
-    Preview preview(setup.frames());
+Preview preview_of(KeySetup& setup, const SetupOptions& options, const FrameRange& frames) {
+    Preview preview(frames);
     preview.read(inputs_of(setup.names()), fit_named(options.fit).value_or(Fit::kRefuse),
                  setup.loader().colour());
     preview.read("script", options.settings.script);

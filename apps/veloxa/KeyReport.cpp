@@ -44,14 +44,13 @@ double ratio_of(const OpStats& one, const KeyStats& stats) {
     return stats.frame_rows > 0 ? static_cast<double>(one.rows) / static_cast<double>(stats.frame_rows) : 0.0;
 }
 
-// In MiB.
+}  // namespace
+
 long peak_memory() {
     struct rusage usage {};
     ::getrusage(RUSAGE_SELF, &usage);
     return usage.ru_maxrss / 1024;
 }
-
-}  // namespace
 
 std::string stats_table(const KeyStats& stats) {
     char line[160];
@@ -83,6 +82,10 @@ std::string stats_json(const KeyStats& stats) {
     }
     return ordered_json{{"operators", operators},
                         {"frames", stats.frames},
+                        {"made", stats.counts.made},
+                        {"kept", stats.counts.kept},
+                        {"stale", stats.counts.stale},
+                        {"failed", stats.counts.failed},
                         {"read_ms", milliseconds(stats.read, stats.frames)},
                         {"key_ms", milliseconds(stats.key, stats.frames)},
                         {"write_ms", milliseconds(stats.write, stats.frames)},

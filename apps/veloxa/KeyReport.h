@@ -12,8 +12,11 @@ namespace veloxa {
 // has had at a time.
 std::string stats_table(const KeyStats& stats);
 
-// {"operators": [{"name", "class", "rows", "ratio", "ms"}], "frames", "read_ms", "key_ms", "write_ms",
-// "peak_memory_mb"}.
+// {"operators": [{"name", "class", "rows", "ratio", "ms"}], "frames", "made", "kept", "stale",
+// "failed", "read_ms", "key_ms", "write_ms", "peak_memory_mb"}.
 std::string stats_json(const KeyStats& stats);
+
+// The most memory that the program has had at a time, in MiB.
+long peak_memory();
 
 }  // namespace veloxa

@@ -43,6 +43,13 @@ void report(std::string_view text) {
     std::fflush(messages());
 }
 
+void report_line(std::string_view line) {
+    const std::lock_guard hold(mutex);
+    clear_status();
+    std::fprintf(messages(), "%.*s\n", static_cast<int>(line.size()), line.data());
+    std::fflush(messages());
+}
+
 void show_status(std::string_view line) {
     const std::lock_guard hold(mutex);
     clear_status();

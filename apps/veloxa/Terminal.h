@@ -15,6 +15,9 @@ int message_file();
 // Prints "veloxa: TEXT" to standard error as one line, clearing the status line; any thread.
 void report(std::string_view text);
 
+// Prints the line alone there, for programs to read; any thread.
+void report_line(std::string_view line);
+
 // Shows a line that the next status or report replaces; an empty one clears it. For terminals.
 void show_status(std::string_view line);
 

@@ -132,7 +132,7 @@ int tune(const Options& options) {
     catch_interrupts();
     KeySetup setup(options.setup, caller_for(options.quiet));
     if (options.dry_run) {
-        Preview preview = preview_of(setup, options.setup);
+        Preview preview = preview_of(setup, options.setup, setup.frames());
         preview.make(options.output, options.overwrite);
         return show(preview);
     }

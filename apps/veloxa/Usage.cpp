@@ -35,11 +35,23 @@ std::string option_guess(const CLI::App& app, std::string_view argument) {
     return nearest.empty() ? std::string() : "; did you mean --" + std::string(nearest) + "?";
 }
 
+// With the commands that it is one of, the program aside where it is none itself.
+std::string name_of(const CLI::App& command) {
+    const CLI::App* const parent = command.get_parent();
+    if (parent == nullptr || parent->get_parent() == nullptr) return command.get_name();
+    return name_of(*parent) + " " + command.get_name();
+}
+
+std::string see_help(const CLI::App& command) {
+    const CLI::App* program = &command;
+    while (program->get_parent() != nullptr) program = program->get_parent();
+    return "; see " + (program != &command ? program->get_name() + " " : std::string()) + name_of(command) +
+           " --help";
+}
+
 std::string message_for(const CLI::App& command, const CLI::ParseError& error) {
-    const std::string& name = command.get_name();
-    const CLI::App* const program = command.get_parent();
-    const std::string help =
-        "; see " + (program != nullptr ? program->get_name() + " " : std::string()) + name + " --help";
+    const std::string name = name_of(command);
+    const std::string help = see_help(command);
     const std::vector<std::string> left = command.remaining();
     for (const std::string& argument : left) {
         if (!argument.starts_with("-")) continue;
@@ -66,10 +78,17 @@ OneOf::OneOf(const std::vector<std::string>& names) {
 }
 
 std::string usage_message(const CLI::App& app, const CLI::ParseError& error, const std::string& first) {
-    const auto chosen = app.get_subcommands();
-    if (!chosen.empty()) return message_for(*chosen.front(), error);
-    const std::vector<std::string> names = names_of(app);
-    if (names.empty()) return message_for(app, error);
+    const CLI::App* command = &app;
+    for (auto chosen = app.get_subcommands(); !chosen.empty(); chosen = command->get_subcommands())
+        command = chosen.front();
+    const std::vector<std::string> names = names_of(*command);
+    if (names.empty()) return message_for(*command, error);
+    if (command != &app) {
+        const std::vector<std::string> left = command->remaining();
+        if (left.empty()) return "a command is needed: " + joined(names) + see_help(*command);
+        if (!left.front().starts_with('-')) return no_such_command(*command, left.front());
+        return message_for(*command, error);
+    }
     if (first.starts_with("-")) {
         const std::string guess = option_guess(app, first);
         return first + ": a command comes first: " + joined(names) +

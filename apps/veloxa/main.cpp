@@ -8,10 +8,8 @@
 #include "Terminal.h"
 #include "Usage.h"
 #include "shot/Errors.h"
-#include "shot/files/ImageLibrary.h"
 
 int main(int argc, char** argv) {
-    veloxa::silence_library();
     veloxa::report_aborts();
     CLI::App app;
     veloxa::Run run;
@@ -30,6 +28,9 @@ int main(int argc, char** argv) {
     } catch (const veloxa::UsageError& error) {
         veloxa::report(error.what());
         return veloxa::kExitUsage;
+    } catch (const veloxa::TryAgain& error) {
+        veloxa::report(error.what());
+        return veloxa::kExitTryAgain;
     } catch (const std::exception& error) {
         veloxa::report(error.what());
         return veloxa::kExitFailure;

@@ -213,19 +213,16 @@ expect 0 "" compare out/still.exr seq/f.0005.exr --max-diff 0
 mkdir many cut
 cp shot/fg.*.exr many
 for n in $(seq 400); do ln -s fg.000$((n % 5 + 1)).exr many/fg.$n.exr; done
-for signal in INT TERM; do
-    "$veloxa" key --fg many/fg.%d.exr -o cut/f.%d.exr --frames 1-400 "${pick[@]}" --overwrite 2>err.txt &
-    program=$!
-    for _ in $(seq 200); do [ -e cut/f.2.exr ] && break || sleep 0.02; done
-    kill -$signal $program
-    wait $program
-    status=$?
-    [ $status -eq 130 ] || fail "status $status after SIG$signal"
-    [ -e cut/f.400.exr ] && fail "SIG$signal came too late to show anything"
-    [ -z "$(find cut -name '.*' -type f)" ] || fail "temporary files are left: $(ls -A cut)"
-    for file in $(ls -t cut | head -n 5); do expect 0 "" compare "cut/$file" "cut/$file"; done
-    rm -f cut/*
-done
+"$veloxa" key --fg many/fg.%d.exr -o cut/f.%d.exr --frames 1-400 "${pick[@]}" 2>err.txt &
+program=$!
+for _ in $(seq 200); do [ -e cut/f.2.exr ] && break || sleep 0.02; done
+kill -INT $program
+wait $program
+status=$?
+[ $status -eq 130 ] || fail "status $status after SIGINT"
+[ -e cut/f.400.exr ] && fail "SIGINT came too late to show anything"
+[ -z "$(find cut -name '.*' -type f)" ] || fail "temporary files are left: $(ls -A cut)"
+for file in $(ls -t cut | head -n 5); do expect 0 "" compare "cut/$file" "cut/$file"; done
 
 # What is not as a user may think is told once an input or sequence, in spite of --quiet; no library prints.
 oiiotool -i shot/fg.0001.exr --ch R,G,B,A=1 -d uint8 -o opaque.png
@@ -257,16 +254,8 @@ printf x | dd of=damaged.png bs=1 seek=$(($(stat -c %s damaged.png) / 2)) conv=n
 expect 1 "damaged.png: " key --fg damaged.png -o out/w.exr --overwrite
 [ "$(wc -l <err.txt)" -eq 1 ] || fail "not one line: $(cat err.txt)"
 
-# A disk that fills up: a limit on the size of files everywhere, a small file system where one can be mounted.
+# A limit on the size of files.
 mkdir full
 (trap '' XFSZ; ulimit -f 4; "$veloxa" key "${inputs[@]}" -o full/a.exr "${pick[@]}" --depth float 2>err.txt)
 [ $? -eq 1 ] && grep -q 'full/a.exr: File too large' err.txt || fail "file size limit: $(cat err.txt)"
 expect_files full ""
-if [ "$(id -u)" -eq 0 ] && mount -t tmpfs -o size=16k tmpfs full 2>/dev/null; then
-    expect 0 "" plate -o big --size 256x192
-    for type in exr png tif jpg dpx tga sgi iff rla; do
-        expect 1 "full/a.$type: " key --fg big/fg.exr -o full/a.$type --set screen_color=0,0,0
-        expect_files full ""
-    done
-    umount full
-fi

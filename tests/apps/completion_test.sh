@@ -66,6 +66,11 @@ veloxa tune --set cleanup=|cleanup=true|plate.exr
 veloxa key --stroke |addoverlay=|plate.exr
 veloxa key --stage |computeMatte|plate.exr
 veloxa key --bg |plate.exr|computeMatte
+veloxa farm |slurm|cleanplate
+veloxa farm ch|check|slurm
+veloxa farm check --arr|--array|--threads
+veloxa farm check --fit |crop|plate.exr
+veloxa farm slurm --na|--name|--array
 veloxa plate -o |folder|plate.exr
 veloxa compare |plate.exr|computeMatte
 veloxa view --s|--stroke|--thin
@@ -80,7 +85,8 @@ for program in veloxa veloxa-viewer; do
 done
 
 # Every command and the viewer have a page, and groff has nothing to say against any.
-for command in "" $("$veloxa" help | sed -nE '/^Subcommands:/,$s/^  ([a-z]+) .*/\1/p') viewer; do
+commands() { "$veloxa" help "$@" | sed -nE '/^Subcommands:/,$s/^  ([a-z]+) .*/\1/p'; }
+for command in "" $(commands) $(commands farm | sed s/^/farm-/) viewer; do
     page=$pages/man/veloxa${command:+-$command}.1
     [ -s "$page" ] || fail "no page $page"
     warnings=$(man --warnings -E UTF-8 -l "$page" 2>&1 >text.txt)

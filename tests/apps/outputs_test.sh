@@ -56,3 +56,11 @@ rm out/t.2.exr
 touch -d 2001-01-01 out/s.*.exr
 expect 0 "" key "${sequence[@]}" --resume
 [ "$(find out -name 's.*' -newermt 2002-01-01)" = out/s.2.exr ] || fail "--resume wrote $(ls -l out/s.*)"
+
+# What takes a fifth of a second to load is loaded for a format that needs it, and not for OpenEXR.
+for type in exr:0 png:1; do
+    rm -f libraries.*
+    LD_DEBUG=files LD_DEBUG_OUTPUT=libraries "$veloxa" key --fg q/fg.exr -o heavy.${type%:*} --screen green --quiet || fail "no heavy.$type"
+    grep -q 'libOpenImageIO\.so' libraries.* && loaded=1 || loaded=0
+    [ $loaded -eq "${type#*:}" ] || fail "the image library is loaded: $loaded, for heavy.${type%:*}"
+done

@@ -66,6 +66,6 @@ expect 2 "--trace" controls --json --trace
 expect 0 '"seen": ' cleanplate --fg shot/fg.%04d.exr --frames 1-5 -o out/clean.exr --json --quiet
 grep -q '"compared": [0-9]' out.txt || grep -q '"shift": null' out.txt || fail "no shift: $(cat out.txt)"
 expect 0 "" key --fg shot/fg.0001.exr -o out/c.exr --stats --json --quiet
-tr -d ' \n' <err.txt | grep -qE '^\{"operators":\[\{"name":"[^"]+","class":"[^"]+","rows":[0-9]+,.*"frames":1,"read_ms":.*\}$' ||
+tr -d ' \n' <err.txt | grep -qE '^\{"operators":\[\{"name":"[^"]+","class":"[^"]+","rows":[0-9]+,.*"frames":1,"made":1,"kept":0,"stale":0,"failed":0,"read_ms":.*\}$' ||
     fail "the statistics as JSON: $(head -c 300 err.txt)"
 expect 2 "--stats" key --fg shot/fg.0001.exr -o out/d.exr --json
