@@ -5,8 +5,8 @@
 # make quality SEEDS="1 2" SIZE=1920x1080 scores keys of other plates than the usual ones.
 # make bench BENCH_ARGS=--benchmark_filter=REGEX runs some of the benchmarks.
 
-.PHONY: build viewer bundle install deb deb-check deps deps-viewer demo test bench quality asan tsan debug format \
-	format-check tidy check-house clean
+.PHONY: build viewer bundle install deb deb-check deps deps-viewer deps-test demo test bench quality asan tsan debug \
+	format format-check tidy check-house clean
 
 build: deps
 	cmake --preset release
@@ -46,13 +46,16 @@ deps:
 deps-viewer:
 	@[ -n "$(SKIP_DEPS)" ] || tools/deps.sh viewer
 
+deps-test:
+	@[ -n "$(SKIP_DEPS)" ] || tools/deps.sh test
+
 # Builds the program and its module alone, so that a newcomer need not wait for the tests.
 demo: deps
 	cmake --preset release
 	cmake --build --preset release --target veloxa
 	tools/demo.sh
 
-test: deps-viewer
+test: deps-test
 	cmake --preset release
 	cmake --build --preset release
 	tools/run_tests.sh release
@@ -68,7 +71,7 @@ quality: deps
 	cmake --build --preset release --target veloxa
 	tools/quality.sh
 
-debug asan tsan: deps-viewer
+debug asan tsan: deps-test
 	cmake --preset $@
 	cmake --build --preset $@
 	tools/run_tests.sh $@

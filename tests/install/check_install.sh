@@ -21,7 +21,7 @@ modules=("$bundle"/Linux-*/Veloxa.ofx)
 module=${modules[0]}
 for file in "$module" "$bundle/Info.plist" "$bundle/Resources/org.veloxa.Keyer.png" \
     "$root"/usr/share/{man/man1/veloxa-key.1,bash-completion/completions/veloxa,zsh/vendor-completions/_veloxa} \
-    "$root"/usr/share/fish/vendor_completions.d/veloxa.fish "$root"/usr/{bin/veloxa,include/ZoImage/Iop.h,lib*/libZoImage.so,lib*/veloxa/Veloxa.so}; do
+    "$root"/usr/share/fish/vendor_completions.d/veloxa.fish "$root"/usr/{bin/veloxa,include/ZoImage/Iop.h,lib*/libZoImage.so,lib*/veloxa/Veloxa.so,lib*/veloxa/Formats.so}; do
     [ -s "$file" ] || fail "$file is missing"
 done
 # The viewer, where it was built, and all that belongs to it; else nothing of it.
