@@ -58,6 +58,12 @@ wait_until() {
 gone() {
     ! lives "$1"
 }
+# is_told TASK: a SIGTERM waits for its program, which is stopped.
+is_told() {
+    local waiting
+    waiting=$(sed -nE 's/^ShdPnd:\s*//p' "/proc/$(programs_of "$1" veloxa)/status" 2>/dev/null)
+    ((0x0$waiting & 0x4000))
+}
 # What Slurm runs tasks under, which outlives slurmd.
 steps() {
     local process
@@ -119,6 +125,9 @@ disturb() {
             ;;
         term) # as before a time limit: it submits itself again, and no other
             scancel --batch --signal=TERM "${job}_$task"
+            wait_until 40 is_told "$task" || fail "the program is not told: $(states | xargs)"
+            # shellcheck disable=SC2046
+            kill -CONT $(programs_of "$task" veloxa)
             wait_until 40 is "$task" PENDING || fail "a task that was told to end is $(states | xargs)"
             [ "$(restarts)" -eq $((before + 1)) ] || fail "tasks were submitted again for another: $(states | xargs)"
             ;;
@@ -172,9 +181,7 @@ under_way() {
     grep -q 'is measured' "veloxa-${job}_7.log" 2>/dev/null
 }
 wait_until 40 under_way || fail "no task begins: $(states | xargs)"
-send_all STOP # so that the others have frames left
-# shellcheck disable=SC2046
-kill -CONT $(programs_of 7 veloxa)
+send_all STOP # so that all have frames left
 disturb term 7
 wait_until 40 at_work 7 || fail "the task that was to end does not come back: $(states | xargs)"
 disturb cancel 7
