@@ -58,6 +58,10 @@ wait_until() {
 gone() {
     ! lives "$1"
 }
+# rests PROCESS: it is stopped, or gone.
+rests() {
+    ! grep -q '^State:.[RSD]' "/proc/$1/status" 2>/dev/null
+}
 # is_told TASK: a SIGTERM waits for its program, which is stopped.
 is_told() {
     local waiting
@@ -168,22 +172,36 @@ some_at_work() {
     [ ${#running[@]} -gt 0 ] && task=${running[RANDOM % ${#running[@]}]} && at_work "$task"
 }
 send_all() {
-    local programs
+    local programs program
     mapfile -t programs < <(programs_of "" veloxa)
     [ ${#programs[@]} -eq 0 ] || kill "-$1" "${programs[@]}" 2>/dev/null
+    # On a busy machine a later SIGTERM would be taken before the stop: its number is the lower one.
+    [ "$1" != STOP ] || for program in "${programs[@]}"; do wait_until 40 rests "$program"; done
 }
 made() {
     [ "$(find farm -name 'a.*.exr' | wc -l)" -ge "$1" ]
 }
 
-# Task 7's number is the whole array's for Slurm. It is told to end before it has all of its frames under way.
-under_way() {
-    grep -q 'is measured' "veloxa-${job}_7.log" 2>/dev/null
+# Task 7's number is the whole array's for Slurm. It is told to end before it has all of its frames under way,
+# to which it comes in steps, or a fast machine would be past it.
+all_at_work() {
+    [ "$(programs_of "" veloxa | wc -l)" -eq 8 ]
 }
-wait_until 40 under_way || fail "no task begins: $(states | xargs)"
+under_way() {
+    grep -q 'is measured' "veloxa-${job}_7.log" 2>/dev/null && return
+    kill -CONT "$program"
+    sleep 0.05
+    kill -STOP "$program"
+    wait_until 40 rests "$program"
+    false
+}
+wait_until 40 all_at_work || fail "not all tasks begin: $(states | xargs)"
 send_all STOP # so that all have frames left
+program=$(programs_of 7 veloxa)
+wait_until 40 under_way || fail "the task comes to no frame: $(states | xargs)"
 disturb term 7
 wait_until 40 at_work 7 || fail "the task that was to end does not come back: $(states | xargs)"
+send_all STOP
 disturb cancel 7
 # Frames are made between disturbances, on fast machines not all of them.
 frames_made=0
