@@ -53,11 +53,12 @@ void FileReader::fail() {
     throw Error(path_, tidy_message(input_->error(), path_, "is damaged or not whole"));
 }
 
-bool FileReader::is_half(const Span& span) const {
+OIIO::TypeDesc FileReader::stored_as(const Span& span) const {
+    const OIIO::TypeDesc type = spec().channelformat(span.first);
     for (int n = span.first; n < span.last; ++n) {
-        if (spec().channelformat(n) != OIIO::TypeDesc::HALF) return false;
+        if (spec().channelformat(n) != type) return OIIO::TypeDesc::UNKNOWN;
     }
-    return true;
+    return type;
 }
 
 void FileReader::read_rows(int from_row, int to_row, const Span& span, const OIIO::TypeDesc& type,

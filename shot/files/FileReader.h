@@ -10,10 +10,10 @@
 #include <type_traits>
 
 #include "ZoImage/Render.h"
+#include "ZoImage/Samples.h"
 #include "shot/Errors.h"
 #include "shot/files/ImageLibrary.h"
 #include "shot/files/PictureFile.h"
-#include "shot/image/HalfFloat.h"
 #include "shot/image/Image.h"
 
 namespace veloxa {
@@ -21,7 +21,7 @@ namespace veloxa {
 // The library's name for the type of a sample.
 template <class Sample>
 OIIO::TypeDesc sample_type() {
-    if constexpr (std::is_same_v<Sample, Half>) {
+    if constexpr (std::is_same_v<Sample, Zo::Image::Half>) {
         return OIIO::TypeDesc::HALF;
     } else {
         return OIIO::BaseTypeFromC<Sample>::value;
@@ -49,8 +49,8 @@ class FileReader {
     bool go_to(int part);
     // Of the part.
     const Header& spec() const { return input_->header(); }
-    // Whether all of these channels are stored as halves.
-    bool is_half(const Span& span) const;
+    // What all of these channels are stored as; unknown where they differ.
+    OIIO::TypeDesc stored_as(const Span& span) const;
     // Calls take(row of the part from its first, interleaved samples of the span) for every row. Throws Error
     // when the file is not whole, and Interrupted.
     template <class Sample, class Take>

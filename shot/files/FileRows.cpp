@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 #include <string_view>
+#include <type_traits>
 
 namespace veloxa {
 
@@ -10,27 +11,21 @@ using namespace Zo::Image;
 
 namespace {
 
-void convert(const float* in, float* out, std::size_t count, int) {
-    std::copy_n(in, count, out);
-}
-
-void convert(const float* in, Half* out, std::size_t count, int) {
-    to_half(in, out, count);
-}
-
-// NaN fails both comparisons' first side and becomes 0. Samples of fewer bits fill their type with their
-// uppermost bits once more, as readers do.
-template <class T>
-void convert(const float* in, T* out, std::size_t count, int bits) {
-    constexpr int kBits = std::numeric_limits<T>::digits;
-    const int used = bits > 0 ? bits : kBits;
-    const auto most = static_cast<float>((1 << used) - 1);
-    for (std::size_t n = 0; n < count; ++n) {
-        const float low = in[n] > 0.0f ? in[n] : 0.0f;
-        const float clamped = low < 1.0f ? low : 1.0f;
-        const auto value = static_cast<unsigned>(clamped * most + 0.5f);  // NOLINT: not negative, and quicker
-        out[n] = static_cast<T>(value << (kBits - used) | value >> (2 * used - kBits));
+// Integers of fewer bits fill their type with their uppermost bits once more, as readers do.
+template <class Sample>
+void convert(const float* in, Sample* out, std::size_t count, int bits) {
+    if constexpr (std::is_integral_v<Sample>) {
+        constexpr int kBits = std::numeric_limits<Sample>::digits;
+        if (bits > 0 && bits < kBits) {
+            const unsigned white = (1U << bits) - 1;
+            for (std::size_t n = 0; n < count; ++n) {
+                const unsigned value = to_number(in[n], white);
+                out[n] = static_cast<Sample>(value << (kBits - bits) | value >> (2 * bits - kBits));
+            }
+            return;
+        }
     }
+    for (std::size_t n = 0; n < count; ++n) out[n] = from_float<Sample>(in[n]);
 }
 
 // Whether alpha is not in the colour of such a file, by what it is read as elsewhere.

@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <vector>
 
+#include "ZoImage/Samples.h"
 #include "shot/files/ImageFile.h"
 #include "shot/files/PictureFile.h"
-#include "shot/image/HalfFloat.h"
 #include "shot/image/Image.h"
 
 namespace veloxa {
@@ -51,7 +51,7 @@ template <class Work>
 auto with_sample_of(const OIIO::TypeDesc& type, const Work& work) {
     if (type == OIIO::TypeDesc::UINT8) return work(std::uint8_t{});
     if (type == OIIO::TypeDesc::UINT16) return work(std::uint16_t{});
-    if (type == OIIO::TypeDesc::HALF) return work(Half{});
+    if (type == OIIO::TypeDesc::HALF) return work(Zo::Image::Half{});
     return work(float{});
 }
 

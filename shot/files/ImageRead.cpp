@@ -4,14 +4,15 @@
 #include <limits>
 #include <new>
 #include <optional>
+#include <type_traits>
 #include <vector>
 
 #include "shot/Errors.h"
 #include "shot/files/FileReader.h"
+#include "shot/files/FileRows.h"
 #include "shot/files/FrameRate.h"
 #include "shot/files/ImageFile.h"
 #include "shot/files/PictureParts.h"
-#include "shot/image/HalfFloat.h"
 
 namespace veloxa {
 
@@ -65,15 +66,20 @@ Span span_of(const Sources& from) {
     return span;
 }
 
-// Calls take(row, samples of the span as floats) for every row. Halves are read as they are: the library
-// would convert them sample by sample.
+// Calls take(row, samples of the span as floats) for every row.
 template <class Take>
 void each_row(FileReader& reader, const Span& span, const Take& take) {
-    if (!reader.is_half(span)) return reader.each_row<float>(span, take);
-    std::vector<float> floats(static_cast<std::size_t>(reader.spec().width * (span.last - span.first)));
-    reader.each_row<Half>(span, [&](int row, const Half* samples) {
-        from_half(samples, floats.data(), floats.size());
-        take(row, floats.data());
+    with_sample_of(reader.stored_as(span), [&]<class Sample>(Sample) {
+        if constexpr (std::is_same_v<Sample, float>) {
+            reader.each_row<float>(span, take);
+        } else {
+            std::vector<float> floats(
+                static_cast<std::size_t>(reader.spec().width * (span.last - span.first)));
+            reader.each_row<Sample>(span, [&](int row, const Sample* samples) {
+                for (std::size_t n = 0; n < floats.size(); ++n) floats[n] = to_float(samples[n]);
+                take(row, floats.data());
+            });
+        }
     });
 }
 

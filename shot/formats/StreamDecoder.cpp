@@ -1,10 +1,9 @@
-#include <OpenImageIO/imageio.h>
-
 #include <array>
 #include <new>
 #include <utility>
 #include <vector>
 
+#include "ZoImage/Samples.h"
 #include "shot/Errors.h"
 #include "shot/formats/Av.h"
 #include "shot/formats/Movies.h"
@@ -45,23 +44,14 @@ bool is_keyable(const AVPixFmtDescriptor& format) {
     return is_gray(format) || (format.flags & AV_PIX_FMT_FLAG_RGB) != 0;
 }
 
-// What every sample of so many bits stands for. Of 8 and 16 bits it is what the image library makes of them,
-// so that a frame is the same from a stream and from a file.
+// What every sample of so many bits stands for: a frame is the same from a stream and from a file.
 std::vector<float> values_of(int bits) {
     std::vector<float> values(std::size_t{1} << bits);
-    std::vector<std::uint16_t> whole(values.size());
-    for (std::size_t n = 0; n < whole.size(); ++n) whole[n] = static_cast<std::uint16_t>(n);
-    const auto count = static_cast<int>(values.size());
-    if (bits == 16) {
-        OIIO::convert_pixel_values(OIIO::TypeUInt16, whole.data(), OIIO::TypeFloat, values.data(), count);
-    } else if (bits == 8) {
-        const std::vector<std::uint8_t> bytes(whole.begin(), whole.end());
-        OIIO::convert_pixel_values(OIIO::TypeUInt8, bytes.data(), OIIO::TypeFloat, values.data(), count);
-    } else {
-        const auto most = static_cast<double>(count - 1);
-        for (std::size_t n = 0; n < values.size(); ++n) {
-            values[n] = static_cast<float>(static_cast<double>(n) / most);
-        }
+    const auto most = static_cast<double>(values.size() - 1);
+    for (std::size_t n = 0; n < values.size(); ++n) {
+        values[n] = bits == 8    ? to_float(static_cast<std::uint8_t>(n))
+                    : bits == 16 ? to_float(static_cast<std::uint16_t>(n))
+                                 : static_cast<float>(static_cast<double>(n) / most);
     }
     return values;
 }

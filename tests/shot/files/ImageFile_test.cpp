@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <fstream>
+#include <numeric>
 
 #include "shot/Files.h"
 
@@ -98,7 +99,7 @@ TEST_F(ImageFile, EveryFormatGivesBackWhatItHolds) {
 
 TEST_F(ImageFile, IntegersClampAndRoundAndTurnNaNToBlack) {
     Image image = marked({0, 0, 6, 1}, {0, 0, 6, 1}, kMaskRgb);
-    const float values[] = {NAN, -3.0f, 1e30f, 0.5f / 255.0f, 0.499f / 255.0f, 254.5f / 255.0f};
+    const float values[] = {NAN, -3.0f, 1e30f, 0.5f / 255.0f, 0.499f / 255.0f, 254.51f / 255.0f};
     const float expected[] = {0, 0, 255, 1, 0, 255};
     for (const Channel c : kMaskRgb) std::copy_n(values, 6, image.line(c, 0));
     write_image(file("a.png"), image, {.depth = Depth::UINT8});
@@ -106,6 +107,13 @@ TEST_F(ImageFile, IntegersClampAndRoundAndTurnNaNToBlack) {
         const auto value = testing::FloatNear(expected[x] / 255.0f, 1e-6f);
         EXPECT_THAT(stored(file("a.png"), x, 0), testing::Each(value)) << x;
     }
+    // Read they are the floats that other programs see.
+    std::vector<std::uint8_t> levels(256);
+    std::iota(levels.begin(), levels.end(), std::uint8_t{0});
+    const OIIO::ImageSpec spec(256, 1, 1, OIIO::TypeDesc::UINT8);
+    ASSERT_TRUE(OIIO::ImageBuf(spec, levels.data()).write(file("a.png")));
+    const Image read = read_image(file("a.png"));
+    for (int x = 0; x < 256; ++x) EXPECT_EQ(read.line(kRed, 0)[x], stored(file("a.png"), x, 0)[0]) << x;
 }
 
 TEST_F(ImageFile, ChannelsAreFoundByNameThenByOrder) {
