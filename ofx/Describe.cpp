@@ -1,9 +1,9 @@
 #include "Describe.h"
 
-#include "Clips.h"
-#include "Host.h"
-#include "Node.h"
-#include "Properties.h"
+#include "images/Clips.h"
+#include "host/Host.h"
+#include "instance/Node.h"
+#include "host/Properties.h"
 
 namespace veloxa::ofx {
 

@@ -1,7 +1,7 @@
 // What the host is told of the effect before any instance is made.
 #pragma once
 
-#include "Parameters.h"
+#include "parameters/Parameters.h"
 #include "abi/OfxImageEffect.h"
 
 namespace veloxa::ofx {

@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "Describe.h"
-#include "Host.h"
-#include "Instance.h"
+#include "host/Host.h"
+#include "instance/Instance.h"
 
 namespace veloxa::ofx {
 
