@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "picture/StatusMatte.h"
+#include "ZoImage/StatusColour.h"
 #include "shot/Files.h"
 
 using namespace veloxa;

@@ -5,6 +5,7 @@
 #include <set>
 #include <vector>
 
+#include "ZoImage/StatusColour.h"
 #include "shot/Files.h"
 
 using namespace veloxa;

@@ -2,13 +2,13 @@
 
 #include <QCoreApplication>
 #include <algorithm>
-#include <cmath>
 
 #include "area/PictureArea.h"
 
 namespace veloxa::viewer {
 
 using Zo::Image::Box;
+using Zo::Image::BrushStroke;
 
 QString BrushMode::help() const {
     return QCoreApplication::translate("PictureArea",
@@ -28,43 +28,21 @@ void BrushMode::set_size(int size) {
 }
 
 Box BrushMode::square(Point picture) const {
-    const PixelAt middle = pixel_at(picture);
-    const int left = middle.x - size_ / 2;
-    const int bottom = middle.y - size_ / 2;
-    return {left, bottom, left + size_, bottom + size_};
-}
-
-void BrushMode::dab(Point picture) {
-    last_ = picture;
-    Box area = square(picture);
-    area.intersect(area_.format().box);
-    if (!area.empty() && std::ranges::find(areas_, area) == areas_.end()) areas_.push_back(area);
+    return BrushStroke::square(picture.x, picture.y, size_);
 }
 
 void BrushMode::press(const PointerAt& at) {
     drawing_ = true;
-    areas_.clear();
     hover_ = at.picture;
-    dab(at.picture);
+    stroke_.begin(at.picture.x, at.picture.y, size_, area_.format().box);
     area_.update();
-    emit area_.strokeBegun(areas_);
+    emit area_.strokeBegun(stroke_.areas());
 }
 
 void BrushMode::move(const PointerAt& at) {
     hover_ = at.picture;
     area_.update();
-    if (!drawing_) return;
-    const double spacing = std::max(1.0, 0.5 * size_);
-    const std::size_t before = areas_.size();
-    const Point from = last_;
-    const double dx = at.picture.x - from.x;
-    const double dy = at.picture.y - from.y;
-    const double length = std::hypot(dx, dy);
-    for (int n = 1; n * spacing <= length; ++n) {
-        const double share = n * spacing / length;
-        dab({from.x + dx * share, from.y + dy * share});
-    }
-    if (areas_.size() != before) emit area_.strokeMoved(areas_);
+    if (drawing_ && stroke_.move(at.picture.x, at.picture.y)) emit area_.strokeMoved(stroke_.areas());
 }
 
 void BrushMode::release(const PointerAt& at) {
@@ -72,12 +50,12 @@ void BrushMode::release(const PointerAt& at) {
     move(at);
     drawing_ = false;
     area_.update();
-    if (areas_.empty()) {
+    if (stroke_.areas().empty()) {
         emit area_.strokeCancelled();
     } else {
-        emit area_.strokeEnded(areas_);
+        emit area_.strokeEnded(stroke_.areas());
     }
-    areas_.clear();
+    stroke_.clear();
 }
 
 void BrushMode::leave() {
@@ -112,14 +90,15 @@ bool BrushMode::wheel(double notches, Qt::KeyboardModifiers modifiers) {
 bool BrushMode::cancel() {
     if (!drawing_) return false;
     drawing_ = false;
-    areas_.clear();
+    stroke_.clear();
     area_.update();
     emit area_.strokeCancelled();
     return true;
 }
 
 void BrushMode::paint(QPainter& painter, const Geometry& geometry, double ratio) const {
-    for (const Box& area : areas_) painter.fillRect(to_area(geometry, area), QColor(255, 200, 0, 60));
+    for (const Box& area : stroke_.areas())
+        painter.fillRect(to_area(geometry, area), QColor(255, 200, 0, 60));
     if (hover_) draw_box(painter, to_area(geometry, square(*hover_)), Qt::white, ratio);
 }
 

@@ -1,13 +1,9 @@
-// A square brush that marks areas of the picture along the pointer's path.
-//
-// A dab is a square of `size` pixels around the one under the pointer. Dabs follow each other at half a
-// brush's distance; what lies outside of the frame is cut off, and an area that is there already is left out.
+// Marks areas of the picture with a brush along the pointer's path.
 #pragma once
 
 #include <optional>
-#include <vector>
 
-#include "ZoImage/Box.h"
+#include "ZoImage/BrushStroke.h"
 #include "area/Marks.h"
 #include "area/PointerMode.h"
 
@@ -37,13 +33,11 @@ class BrushMode final : public PointerMode {
 
   private:
     Zo::Image::Box square(Point picture) const;
-    void dab(Point picture);
     void change_size(int steps);
 
     int size_ = 15;
     bool drawing_ = false;
-    std::vector<Zo::Image::Box> areas_;  // of the stroke
-    Point last_;                         // where its last dab was set
+    Zo::Image::BrushStroke stroke_;
     std::optional<Point> hover_;
 };
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "picture/StatusMatte.h"
+#include "ZoImage/StatusColour.h"
 
 namespace veloxa::viewer {
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "ZoImage/StatusColour.h"
 #include "picture/DisplayTransform.h"
 #include "picture/Geometry.h"
 #include "picture/View.h"
@@ -43,10 +44,10 @@ Shaded shade(const ShownPicture& picture, const View& view, const DisplayTransfo
              const Geometry& geometry, int threads = 1);
 
 inline constexpr std::uint32_t kSurround = 0xff262626;
-inline constexpr std::uint32_t kFalseNan = 0xffff00ff;       // magenta
+using Zo::Image::kFalseAbove;
+using Zo::Image::kFalseBelow;
+using Zo::Image::kFalseNan;
 inline constexpr std::uint32_t kFalseInfinite = 0xffffff00;  // yellow
-inline constexpr std::uint32_t kFalseAbove = 0xffff2020;     // red
-inline constexpr std::uint32_t kFalseBelow = 0xff2060ff;     // blue
 
 // Squares of device pixels, in two greys that are stored values as a picture's.
 inline constexpr int kCheckerSide = 16;

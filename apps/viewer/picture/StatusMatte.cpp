@@ -1,10 +1,7 @@
 #include "picture/StatusMatte.h"
 
 #include <algorithm>
-#include <array>
 #include <vector>
-
-#include "picture/Shading.h"
 
 namespace veloxa::viewer {
 
@@ -106,25 +103,6 @@ StatusCounts status_counts(const Image& image) {
     }
     counts.beyond = pixels - counts.clear - counts.solid - counts.between - counts.broken;
     return counts;
-}
-
-std::uint32_t status_colour(float alpha) {
-    if (alpha != alpha) return kFalseNan;
-    if (alpha < 0.0f) return kFalseBelow;
-    if (alpha > 1.0f) return kFalseAbove;
-    if (alpha == 0.0f) return 0xff000000U;
-    if (alpha == 1.0f) return 0xffffffffU;
-    // Dark violet, green, light yellow.
-    constexpr std::array<std::array<float, 3>, 3> kStops{
-        {{80.0f, 40.0f, 130.0f}, {20.0f, 140.0f, 110.0f}, {235.0f, 220.0f, 110.0f}}};
-    const std::size_t part = alpha < kHalf ? 0 : 1;
-    const float share = 2.0f * (alpha - kHalf * static_cast<float>(part));
-    std::uint32_t colour = 0xffU;
-    for (std::size_t c = 0; c < 3; ++c) {
-        const float level = kStops[part][c] + (kStops[part + 1][c] - kStops[part][c]) * share + 0.5f;
-        colour = colour << 8U | static_cast<std::uint32_t>(level);
-    }
-    return colour;
 }
 
 }  // namespace veloxa::viewer

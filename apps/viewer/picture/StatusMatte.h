@@ -24,7 +24,4 @@ inline constexpr int kEdgeReach = 8;
 // Of the image's alpha; a channel that is absent counts as 0. Any thread.
 StatusCounts status_counts(const Image& image);
 
-// Black for 0, white for 1, a ramp of colours between (0xffRRGGBB), others for below, above and NaN.
-std::uint32_t status_colour(float alpha);
-
 }  // namespace veloxa::viewer
