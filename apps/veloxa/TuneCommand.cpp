@@ -5,6 +5,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Commands.h"
@@ -61,53 +62,23 @@ ordered_json changes_of(const std::vector<KnobChange>& changes) {
     return list;
 }
 
-struct Widths {
-    std::size_t knob = 4;
-    std::size_t before = 6;
-};
-
-std::string padded(std::string text, std::size_t width) {
-    text.resize(std::max(text.size(), width), ' ');
-    return text;
-}
-
-std::string line_of(const KnobChange& change, const Widths& widths) {
-    return "  " + padded(change.knob, widths.knob) + "  " + padded(change.before, widths.before) + "  " +
-           change.after + "\n";
-}
-
-std::string title_of(const ToolReport& stroke) {
-    std::string title = stroke.tool + " @" + std::to_string(stroke.frame) + " ";
-    for (const int edge : {stroke.box.x, stroke.box.y, stroke.box.r, stroke.box.t}) {
-        title += (title.back() == ' ' ? "" : ",") + std::to_string(edge);
-    }
-    if (stroke.samples() == 0) return title + "\n";
-    title += ": " + std::to_string(stroke.satisfied) + " samples satisfied, " +
-             std::to_string(stroke.unsatisfied) + " not";
-    if (stroke.unusable > 0) title += ", " + std::to_string(stroke.unusable) + " unusable";
-    return title + "\n";
-}
-
 std::string table_of(const TuneReport& report) {
-    Widths widths;
+    std::size_t knobs = std::string_view("knob").size();
+    std::size_t values = std::string_view("before").size();
     const auto widen = [&](const std::vector<KnobChange>& changes) {
-        for (const KnobChange& c : changes) {
-            widths.knob = std::max(widths.knob, c.knob.size());
-            widths.before = std::max(widths.before, c.before.size());
+        for (const KnobChange& change : changes) {
+            knobs = std::max(knobs, change.knob.size());
+            values = std::max(values, change.before.size());
         }
     };
     widen(report.changes);
     for (const ToolReport& stroke : report.strokes) widen(stroke.changes);
 
     std::string text;
-    for (const ToolReport& stroke : report.strokes) {
-        text += title_of(stroke);
-        for (const KnobChange& change : stroke.changes) text += line_of(change, widths);
-        for (const std::string& note : stroke.notes) text += "  note: " + note + "\n";
-    }
+    for (const ToolReport& stroke : report.strokes) text += text_of(stroke, knobs, values);
     if (report.changes.empty()) return text + "no knob changed\n";
-    text += "all in all\n" + line_of({"knob", "before", "after"}, widths);
-    for (const KnobChange& change : report.changes) text += line_of(change, widths);
+    text += "all in all\n" + text_of(KnobChange{"knob", "before", "after"}, knobs, values);
+    for (const KnobChange& change : report.changes) text += text_of(change, knobs, values);
     return text;
 }
 

@@ -184,10 +184,9 @@ constexpr KnobRow kTable[] = {
          to(c::kCleanUpShrink, c::kCUShrinkV)),
     KNOB(cleanup_blur, "blur", "Soften the cleaned-up matte.", pixels(0, 10),
          to(c::kCleanUpBlur, c::kCUBlurV)),
-    // Tools turn it on beyond the slider, to the control's last value, where no matte is left to clean.
     KNOB(cleanup_recover, "recover",
-         "This sets a threshold below which the Cleanup controls will have no influence.",
-         range(0, 1).turned(0, 200), level(c::kCleanUpRecover)),
+         "This sets a threshold below which the Cleanup controls will have no influence.", range(0, 1),
+         level(c::kCleanUpRecover)),
     tab("Color", &K::color_conformance),
     link(&K::color_conformance, "color_conformance_enable", "enable"),
     KNOB(color_darks, "darks",

@@ -2,8 +2,8 @@
 // shadows and details are left alone.
 //
 // Removing noise turns "cleanup" on and sets both knobs. Holding shadows and restoring detail only raises
-// "cleanup_recover"; it may pass 1, since mattes lie beyond what 1 stands for. Recover is a threshold, so
-// everything darker than a held shadow, down to "shadows_low", is held with it.
+// "cleanup_recover". Recover is a threshold, so everything darker than a held shadow, down to "shadows_low",
+// is held with it.
 #pragma once
 
 #include "tools/Stage.h"

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <algorithm>
+#include <memory>
 #include <vector>
 
 #include "tools/AddMatteAnalysis.h"
@@ -37,17 +38,19 @@ class Strokes {
     const std::vector<T>& samples() const { return samples_; }
 
     void begin(std::vector<T> pixels) {
-        std::erase(pixels_, pixels);
+        std::erase_if(pixels_, [&](const Pixels& earlier) { return *earlier == pixels; });
         if (pixels_.size() == kKept) pixels_.erase(pixels_.begin());
         const std::vector<std::size_t> picks = extremes_of(pixels);
         for (const std::size_t i : picks) remember(samples_, pixels[i]);
         newest_ = samples_.size() - picks.size();
-        pixels_.push_back(std::move(pixels));
+        pixels_.push_back(std::make_shared<const std::vector<T>>(std::move(pixels)));
     }
 
     // More that the newest stroke asks for.
     void extend(const std::vector<T>& pixels) {
-        pixels_.back().insert(pixels_.back().end(), pixels.begin(), pixels.end());
+        std::vector<T> more = *pixels_.back();
+        more.insert(more.end(), pixels.begin(), pixels.end());
+        pixels_.back() = std::make_shared<const std::vector<T>>(std::move(more));
     }
 
     // Takes in a few pixels that do not say what was asked; false where there are none, or none that is not
@@ -55,7 +58,7 @@ class Strokes {
     template <class Agrees>
     bool take_missed(const Agrees& agrees) {
         for (std::size_t n = pixels_.size(); n-- > 0;) {
-            const std::vector<T> missed = left(pixels_[n], agrees);
+            const std::vector<T> missed = left(*pixels_[n], agrees);
             std::vector<std::size_t> picks = extremes_of(missed);
             for (std::size_t i = 0; i < std::min(kSpread, missed.size()); ++i) {
                 picks.push_back(i * missed.size() / kSpread);
@@ -75,14 +78,15 @@ class Strokes {
     // How many pixels of the newest stroke do not say what was asked.
     template <class Agrees>
     std::size_t unsatisfied(const Agrees& agrees) const {
-        return pixels_.empty() ? 0 : left(pixels_.back(), agrees).size();
+        return pixels_.empty() ? 0 : left(*pixels_.back(), agrees).size();
     }
 
     // Forgets the strokes of which `drop` holds.
     template <class Drop>
     void forget(const Drop& drop) {
         std::erase_if(samples_, drop);
-        std::erase_if(pixels_, [&](const auto& pixels) { return pixels.empty() || drop(pixels.front()); });
+        std::erase_if(pixels_,
+                      [&](const Pixels& stroke) { return stroke->empty() || drop(stroke->front()); });
     }
 
     // Those of the pixels that do not say what was asked.
@@ -97,7 +101,8 @@ class Strokes {
     }
 
   private:
-    static constexpr std::size_t kKept = 8;  // strokes of some 16,000 pixels at most
+    using Pixels = std::shared_ptr<const std::vector<T>>;  // of a stroke; copies of all this share them
+    static constexpr std::size_t kKept = 8;                // strokes of some 16,000 pixels at most
     // Few at a time, or one stroke would push the others out of the list.
     static constexpr std::size_t kTaken = 4;
     static constexpr std::size_t kSpread = 6;
@@ -120,6 +125,6 @@ class Strokes {
     }
 
     std::vector<T> samples_;
-    std::vector<std::vector<T>> pixels_;  // by stroke, oldest first
-    std::size_t newest_ = 0;              // where the newest stroke's samples begin
+    std::vector<Pixels> pixels_;  // by stroke, oldest first
+    std::size_t newest_ = 0;      // where the newest stroke's samples begin
 };

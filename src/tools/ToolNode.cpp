@@ -41,7 +41,7 @@ void use_tool(const ToolNode& node, Tool tool) try {
     if (tool == Tool::kSetUp) {
         reports = set_up(node);
     } else {
-        reports.push_back(ToolRun(node).run(tool, StrokeAreas(node.panel.tool(tool)->stroke())));
+        reports.push_back(ToolRun(node).run_and_explain(tool, StrokeAreas(node.panel.tool(tool)->stroke())));
     }
     if (node.abort() != nullptr && node.abort()->raised()) return;
     node.session.reports = std::move(reports);

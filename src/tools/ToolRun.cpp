@@ -48,6 +48,7 @@ bool turns_matte(Tool tool) {
 
 ToolReport ToolRun::run(Tool tool, const StrokeAreas& areas) {
     report_.tool = node_.panel.tool(tool)->name();
+    forget_taken_back();
     if (tool >= Tool::kFindScreen || take_areas(areas)) {
         node_.image.validate(true);
         const KnobStorage before = node_.knobs;
@@ -100,6 +101,15 @@ void ToolRun::use(Tool tool) {
         case Tool::kSetUp:
             break;
     }
+}
+
+void ToolRun::forget_taken_back() {
+    const bool added = taken_back(SampleAction::kAddOverlay);
+    const bool removed = taken_back(SampleAction::kRemoveOverlay);
+    node_.session.overlay.forget([&](const OverlaySample& s) { return s.screen ? added : removed; });
+    const bool restored = taken_back(SampleAction::kRestoreSpill);
+    const bool spilled = taken_back(SampleAction::kRemoveSpill);
+    node_.session.spill.forget([&](const SpillSample& s) { return s.restore ? restored : spilled; });
 }
 
 bool ToolRun::taken_back(SampleAction action) const {
@@ -264,9 +274,6 @@ void ToolRun::spill(bool restore) {
     auto* const list =
         node_.panel.samples(restore ? SampleAction::kRestoreSpill : SampleAction::kRemoveSpill);
     Strokes<SpillSample>& strokes = node_.session.spill;
-    const bool restored_gone = taken_back(SampleAction::kRestoreSpill);
-    const bool removed_gone = taken_back(SampleAction::kRemoveSpill);
-    strokes.forget([&](const SpillSample& s) { return s.restore ? restored_gone : removed_gone; });
     KnobStorage bare = node_.knobs;
     bare.spill_backgroundveiling = KnobStorage{}.spill_backgroundveiling;
     with(bare, [&] {

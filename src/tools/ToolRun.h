@@ -19,6 +19,8 @@ class ToolRun {
     // Any tool but that which sets up by means of the others. The areas are the foreground's; those
     // that look at all of it take none.
     Zo::Image::ToolReport run(Tool tool, const StrokeAreas& areas);
+    // The same for a user, who wants to know why nothing changed.
+    Zo::Image::ToolReport run_and_explain(Tool tool, const StrokeAreas& areas);
 
   private:
     using Sample = VeloxaSample::Sample;
@@ -71,6 +73,8 @@ class ToolRun {
     bool is_held(SampleAction action) const;
     // Whether the saved list was cleared, undone or restored since the latest stroke.
     bool taken_back(SampleAction action) const;
+    // The strokes of such lists. Every tool does so first: it counts the lists at its end.
+    void forget_taken_back();
     Zo::Image::Iop* plate() const;
     void adopt(const Tuning& tuning, std::size_t counted);
     void set_knobs(const KnobStorage& values);

@@ -1,4 +1,6 @@
-// What is left of a tool when some of its knobs are held.
+// What is left of a tool when some of its knobs are held, and why one has turned none.
+#include <algorithm>
+
 #include "tools/ColorMatchAnalysis.h"
 #include "tools/ToolRun.h"
 
@@ -57,6 +59,10 @@ bool adds_samples_alone(Tool tool) {
     return tool >= Tool::kUnmixBacking && tool <= Tool::kUnmixOwn;
 }
 
+bool looks_behind(Tool tool) {
+    return tool == Tool::kMatchColor || tool == Tool::kMatchShadow;
+}
+
 }  // namespace
 
 bool ToolRun::may_turn(Tool tool) {
@@ -82,4 +88,31 @@ void ToolRun::tell_held(const Knob& knob) {
 
 bool ToolRun::is_held(SampleAction action) const {
     return node_.panel.samples(action)->flag(kKnobHeld);
+}
+
+ToolReport ToolRun::run_and_explain(Tool tool, const StrokeAreas& areas) {
+    const bool chosen = std::ranges::any_of(node_.knobs.screen_color, [](float v) { return v != 0.0f; });
+    ToolReport report = run(tool, areas);
+    const bool told = report.unusable > 0 || (report.samples() == 0 && !report.notes.empty());
+    if (!report.changes.empty() || !report.failure.empty() || told) return report;
+    if (adds_samples_alone(tool) || tool == Tool::kAnalyseShot) return report;
+    const auto say = [&](std::string_view text) { report.notes.emplace_back(text); };
+    if (!chosen && tool != Tool::kScreen && !looks_behind(tool)) {
+        say("no screen colour is chosen, which the tool needs: find it or pick it first");
+    } else if (looks_behind(tool) &&
+               std::ranges::all_of(mean(node_.image.input(2)), [](float v) { return v == 0.0f; })) {
+        say("the background, whose colour the tool needs, is black there, or none is connected");
+    } else if (report.unsatisfied > 0) {
+        std::string names;
+        const Setting present = setting();
+        for (const Dial& dial : knobs_of(tool, present).dials) {
+            if (present.held.has_row(dial.row)) continue;
+            const std::string name(knob_table()[dial.row].name);
+            if (names.find(name) == names.npos) names += (names.empty() ? "" : ", ") + name;
+        }
+        say("it would have had to turn further than the other samples and the reach allow: " + names);
+    } else if (report.notes.empty()) {
+        say("nothing had to be turned: what the stroke asks is so already");
+    }
+    return report;
 }

@@ -136,10 +136,6 @@ void ToolRun::gather_overlay(bool add) {
     const auto list = [this](SampleAction action) { return node_.panel.samples(action); };
     auto* const fg = list(add ? SampleAction::kAddOverlay : SampleAction::kRemoveOverlay);
     auto* const cp = list(add ? SampleAction::kAddOverlayCp : SampleAction::kRemoveOverlayCp);
-    const bool added_gone = taken_back(SampleAction::kAddOverlay);
-    const bool removed_gone = taken_back(SampleAction::kRemoveOverlay);
-    node_.session.overlay.forget(
-        [&](const OverlaySample& s) { return s.screen ? added_gone : removed_gone; });
     node_.session.overlay.begin(overlay_pixels(pixels(node_.image.input(0), plate()), add));
     // A plate's sample belongs to one of the foreground.
     for (const Knob* const samples : {fg, cp}) {

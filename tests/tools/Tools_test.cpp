@@ -127,6 +127,9 @@ TEST(Tools, HeldShadowStaysWhereNoiseGoes) {
         EXPECT_EQ(rig.span("cleanup", kAlpha, kNoise), kFull) << rig.told();
         EXPECT_EQ(rig.span("cleanup", kAlpha, kShade), keyed) << rig.told();
         EXPECT_EQ(rig.turned(), std::string("screen_color ") + kNoiseKnobs);
+        // What no place of the slider gives is left as it is.
+        for (const Box* box : {&kBacking, &kGrey, &kNoise}) rig.stroke(tool, *box);
+        EXPECT_LE(rig.panel.get("cleanup_recover").get_value(), 1.0) << rig.told();
     }
 }
 
@@ -211,7 +214,9 @@ TEST(Tools, AnUndoneStrokeAsksForNothingAnyMore) {
     const auto samples = [&] { return rig.panel.get("us_add_overlay").text(true); };
     const std::string two = samples();
     while (samples() == two || rig.values() != before) ASSERT_TRUE(rig.panel.undo());
-    for (Rig* const r : {&rig, &other}) r->stroke("removeoverlay", kShade);
+    for (const char* const tool : {"unmixsolid", "removeoverlay"}) {
+        for (Rig* const r : {&rig, &other}) r->stroke(tool, kShade);
+    }
     EXPECT_EQ(rig.values(), other.values());
     EXPECT_TRUE(rig.satisfied()) << rig.told();
 }

@@ -87,7 +87,7 @@ TEST(Dial, CellsAreTheControls) {
     } cases[] = {
         {&K::brights, -100, 900},
         {&K::darks, -500, 500},
-        {&K::cleanup_recover, 0, 254},
+        {&K::cleanup_recover, 0, 170},
         {{&K::screen_tolerance, 1}, -260, 122},  // to the knee
         {{&K::spill_ambience, 0}, -127, 42},
         {{&K::spill_backgroundveiling, 2}, -100, 150},

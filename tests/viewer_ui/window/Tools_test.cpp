@@ -27,7 +27,7 @@ const std::vector<ToolRow> kTools{
     {"toolbar_matchcolor", {{78, 30}, {84, 36}}, "plate"},
     {"toolbar_matchshadow", {{30, 8}, {50, 8}}, "background"},
     {"toolbar_holdShadow", {{30, 8}, {50, 8}}, "matte", "cleanup"},
-    {"toolbar_restoreDetail", {{62, 60}, {66, 70}}, "result", "cleanup"},
+    {"toolbar_restoreDetail", {{30, 8}, {50, 8}}, "result", "cleanup"},
     {"toolbar_unmixbacking", {{10, 70}, {30, 72}}, "matte"},
     {"toolbar_unmixsolid", {{76, 20}, {84, 34}}, "subject"},
     {"toolbar_unmixseethrough", {{60, 40}, {66, 60}}, "result"},

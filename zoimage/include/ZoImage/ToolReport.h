@@ -1,6 +1,7 @@
 // What a tool of an operator did, for front ends to show.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -28,5 +29,11 @@ struct ToolReport {
     std::vector<std::string> notes;
     std::string failure;  // why the tool could not do what it is for; empty when it could
 };
+
+// A report as front ends print it: a line of what was sampled and satisfied, an indented one for each knob
+// that was turned, and one for each note; `knobs` and `values` are as wide as the columns shall be at least.
+std::string text_of(const ToolReport& report, std::size_t knobs = 0, std::size_t values = 0);
+// One such line of a knob.
+std::string text_of(const KnobChange& change, std::size_t knobs, std::size_t values);
 
 }  // namespace Zo::Image
