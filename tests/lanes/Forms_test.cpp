@@ -5,11 +5,13 @@
 #include <algorithm>
 #include <bit>
 #include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <random>
 
 #include "framework/BlurKernel.h"
 #include "keyer/OutputKernel.h"
+#include "pixels/PixelsKernel.h"
 #include "screen/CleanupKernel.h"
 #include "screen/ClearFrameKernel.h"
 #include "screen/ClearRegionKernel.h"
@@ -121,7 +123,40 @@ void smart_interpol_of(const Job& j) {
     interpolation.run(smart_interpol_params(j.controls), {j.out[0], j.out[1], j.out[2]}, test::forward_loop);
 }
 
+// The depths in turn, each with a part of the span in which its pixels find room: work(depth, begin, pixels).
+template <class Work>
+void each_depth(const Job& j, const Work& work) {
+    const std::size_t n = j.n / 16;
+    for (std::size_t k = 0; k < 4; ++k) work(static_cast<SampleDepth>(k), k * 4 * n, n);
+}
+
+void split_pixels_of(const Job& j, int components) {
+    const bool alpha = j.variant % 2 == 0;
+    each_depth(j, [&](SampleDepth depth, std::size_t at, std::size_t n) {
+        split_pixels(depth, components, j.in[0] + at,
+                     {j.out[0] + at, j.out[1] + at, j.out[2] + at, alpha ? j.out[3] + at : nullptr}, n);
+    });
+}
+
+// An aligned place is written past the caches, any other by way of them.
+void join_pixels_of(const Job& j, int components) {
+    each_depth(j, [&](SampleDepth depth, std::size_t at, std::size_t n) {
+        const std::size_t sample = std::array<std::size_t, 4>{1, 2, 2, 4}[static_cast<std::size_t>(depth)];
+        for (float* const place : {j.out[0], j.out[1]}) {
+            join_pixels(depth, components, {j.in[0], j.in[1], j.in[2], j.in[3]}, place + at, n, true);
+        }
+        const std::size_t bytes = n * static_cast<std::size_t>(components) * sample;
+        EXPECT_EQ(std::memcmp(j.out[0] + at, j.out[1] + at, bytes), 0);
+    });
+}
+
 const std::vector<Case> kCases{
+    {"split 1", [](auto& j) { split_pixels_of(j, 1); }},
+    {"split 3", [](auto& j) { split_pixels_of(j, 3); }},
+    {"split 4", [](auto& j) { split_pixels_of(j, 4); }},
+    {"join 1", [](auto& j) { join_pixels_of(j, 1); }},
+    {"join 3", [](auto& j) { join_pixels_of(j, 3); }},
+    {"join 4", [](auto& j) { join_pixels_of(j, 4); }},
     {"normalize", [](auto& j) { normalize(j.in[0], j.out[0], j.n); }},
     {"output matte", [](auto& j) { output_matte(j.in[0], j.out[0], j.n); }},
     {"opacity", [](auto& j) { opacity(j.in[0], j.out[0], j.n); }},
