@@ -1,9 +1,11 @@
 #include "Describe.h"
 
-#include "images/Clips.h"
 #include "host/Host.h"
-#include "instance/Node.h"
 #include "host/Properties.h"
+#include "images/Clips.h"
+#include "instance/Node.h"
+#include "overlay/OverlayEntry.h"
+#include "parameters/OwnParameters.h"
 
 namespace veloxa::ofx {
 
@@ -66,7 +68,7 @@ void describe(OfxImageEffectHandle effect) {
     p.set_all<const char*>(kOfxImageEffectPropSupportedContexts,
                            {kOfxImageEffectContextGeneral, kOfxImageEffectContextFilter});
     p.set_all<const char*>(kOfxImageEffectPropSupportedPixelDepths,
-                           {kOfxBitDepthFloat, kOfxBitDepthShort, kOfxBitDepthByte});
+                           {kOfxBitDepthFloat, kOfxBitDepthShort, kOfxBitDepthByte, kOfxBitDepthHalf});
     p.set(kOfxImageEffectPluginPropSingleInstance, 0);
     // Frames and tiles may come at once; a whole frame that stages need is made anew for each that does, so
     // the host need not cut one frame up for the sake of threads: a render takes them itself.
@@ -78,7 +80,13 @@ void describe(OfxImageEffectHandle effect) {
     p.set(kOfxImageEffectPropSupportsMultipleClipDepths, 1);
     p.set(kOfxImageEffectPropSupportsMultipleClipPARs, 0);
     p.set(kOfxImageEffectPluginPropFieldRenderTwiceAlways, 0);
-    p.set(kOfxImageEffectPropClipPreferencesSlaveParam, std::string(kOutputMode));
+    p.set_all<const char*>(kOfxImageEffectPropClipPreferencesSlaveParam, {kOutputMode.data(), kView});
+    // The same for both: whoever brings something to draw with says so at each drawing.
+    if (host_has_overlays()) {
+        void* const entry = reinterpret_cast<void*>(&overlay_entry);
+        p.set_pointer(kOfxImageEffectPluginPropOverlayInteractV1, entry);
+        if (suites().draw != nullptr) p.set_pointer(kOfxImageEffectPluginPropOverlayInteractV2, entry);
+    }
 }
 
 void describe_in_context(OfxImageEffectHandle effect, OfxPropertySetHandle arguments) {
@@ -92,7 +100,8 @@ void describe_in_context(OfxImageEffectHandle effect, OfxPropertySetHandle argum
     }
     OfxParamSetHandle parameters = nullptr;
     check(suites().effect->getParamSet(effect, &parameters));
-    describe_parameters(parameters, Node().list());
+    const Node node;
+    describe_parameters(parameters, node.list(), node.stages());
 }
 
 }  // namespace veloxa::ofx

@@ -69,6 +69,8 @@ OfxExport OfxStatus OfxSetHost(const OfxHost* host);
 #define kOfxStatErrBadHandle 9
 #define kOfxStatErrBadIndex 10
 #define kOfxStatErrValue 11
+#define kOfxStatReplyYes 12
+#define kOfxStatReplyNo 13
 #define kOfxStatReplyDefault 14
 
 #define kOfxActionLoad "OfxActionLoad"

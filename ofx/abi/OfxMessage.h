@@ -8,7 +8,9 @@ extern "C" {
 #define kOfxMessageSuite "OfxMessageSuite"
 
 #define kOfxMessageError "OfxMessageError"
+#define kOfxMessageWarning "OfxMessageWarning"
 #define kOfxMessageMessage "OfxMessageMessage"
+#define kOfxMessageQuestion "OfxMessageQuestion" /* waits for the user; replies Yes or No */
 
 /* The handle is an effect, or null; the format is printf's, so no text of the user goes there. Persistent
  * messages (error, warning or message) want an instance and stay on it until they are cleared. */

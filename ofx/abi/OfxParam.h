@@ -59,6 +59,16 @@ typedef struct OfxParameterSuiteV1 {
 #define kOfxParamPropIsAnimating "OfxParamPropIsAnimating"           /* bool */
 #define kOfxParamPropEvaluateOnChange "OfxParamPropEvaluateOnChange" /* bool: a change renders */
 
+#define kOfxParamPropCanUndo "OfxParamPropCanUndo"       /* bool: changes are steps to undo */
+#define kOfxParamPropPersistant "OfxParamPropPersistant" /* bool, so spelt: saved with projects */
+
+/* Of strings. A label is text that the user only reads. */
+#define kOfxParamPropStringMode "OfxParamPropStringMode"
+#define kOfxParamStringIsFilePath "OfxParamStringIsFilePath"
+#define kOfxParamStringIsLabel "OfxParamStringIsLabel"
+#define kOfxParamPropStringFilePathExists \
+    "OfxParamPropStringFilePathExists" /* bool: it names a file that is there */
+
 /* Of numbers. Setting a hard limit resets the display limit of its side: the hard ones come first. */
 #define kOfxParamPropMin "OfxParamPropMin"
 #define kOfxParamPropMax "OfxParamPropMax"

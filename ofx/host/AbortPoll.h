@@ -6,8 +6,8 @@
 #include <atomic>
 #include <thread>
 
-#include "host/Host.h"
 #include "ZoImage/Render.h"
+#include "host/Host.h"
 
 namespace veloxa::ofx {
 

@@ -1,5 +1,7 @@
 #include "host/Host.h"
 
+#include "host/Properties.h"
+
 namespace veloxa::ofx {
 
 namespace {
@@ -11,6 +13,16 @@ bool loaded = false;
 template <class Suite>
 void fetch(const Suite*& suite, const char* name, int version) {
     suite = static_cast<const Suite*>(the_host->fetchSuite(the_host->host, name, version));
+}
+
+OfxStatus message(OfxImageEffectHandle effect, const char* type, const char* text) noexcept {
+    if (the_suites.lasting_message != nullptr && the_suites.lasting_message->message != nullptr) {
+        return the_suites.lasting_message->message(effect, type, "", "%s", text);
+    }
+    if (the_suites.message != nullptr && the_suites.message->message != nullptr) {
+        return the_suites.message->message(effect, type, "", "%s", text);
+    }
+    return kOfxStatErrUnsupported;
 }
 
 }  // namespace
@@ -31,6 +43,8 @@ void load() {
     fetch(found.threads, kOfxMultiThreadSuite, 1);
     fetch(found.message, kOfxMessageSuite, 1);
     fetch(found.lasting_message, kOfxMessageSuite, 2);
+    fetch(found.interact, kOfxInteractSuite, 1);
+    fetch(found.draw, kOfxDrawSuite, 1);
     the_suites = found;
     if (found.property == nullptr || found.effect == nullptr || found.parameter == nullptr) {
         tell(nullptr, kOfxMessageError, "Veloxa needs the property, image effect and parameter suites");
@@ -48,24 +62,30 @@ OfxPropertySetHandle host_properties() {
     return the_host->host;
 }
 
-void tell(OfxImageEffectHandle effect, const char* type, const char* text) noexcept {
-    if (the_suites.lasting_message != nullptr && the_suites.lasting_message->message != nullptr) {
-        the_suites.lasting_message->message(effect, type, "", "%s", text);
-    } else if (the_suites.message != nullptr && the_suites.message->message != nullptr) {
-        the_suites.message->message(effect, type, "", "%s", text);
-    }
+bool host_has_overlays() {
+    const OfxInteractSuiteV1* const suite = suites().interact;
+    return suite != nullptr && suite->interactGetPropertySet != nullptr &&
+           Properties(host_properties()).integer(kOfxImageEffectPropSupportsOverlays) != 0;
 }
 
-void show_error(OfxImageEffectHandle instance, const char* text, bool again) noexcept {
+void tell(OfxImageEffectHandle effect, const char* type, const char* text) noexcept {
+    message(effect, type, text);
+}
+
+bool ask(OfxImageEffectHandle effect, const char* text) noexcept {
+    return message(effect, kOfxMessageQuestion, text) == kOfxStatReplyYes;
+}
+
+void show(OfxImageEffectHandle instance, const char* type, const char* text, bool again) noexcept {
     const OfxMessageSuiteV2* const suite = the_suites.lasting_message;
     if (suite != nullptr && suite->setPersistentMessage != nullptr) {
-        suite->setPersistentMessage(instance, kOfxMessageError, "", "%s", text);
+        suite->setPersistentMessage(instance, type, "", "%s", text);
     } else if (!again) {
-        tell(instance, kOfxMessageError, text);
+        tell(instance, type, text);
     }
 }
 
-void clear_error(OfxImageEffectHandle instance) noexcept {
+void clear_shown(OfxImageEffectHandle instance) noexcept {
     const OfxMessageSuiteV2* const suite = the_suites.lasting_message;
     if (suite != nullptr && suite->clearPersistentMessage != nullptr) suite->clearPersistentMessage(instance);
 }

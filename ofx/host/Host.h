@@ -7,6 +7,7 @@
 #include <string>
 
 #include "abi/OfxImageEffect.h"
+#include "abi/OfxInteract.h"
 #include "abi/OfxMessage.h"
 #include "abi/OfxMultiThread.h"
 #include "abi/OfxParam.h"
@@ -25,6 +26,12 @@ class Failure : public std::runtime_error {
     OfxStatus status_;
 };
 
+// There is no image to look at.
+class NoPicture : public Failure {
+  public:
+    using Failure::Failure;
+};
+
 // Throws Failure with the status unless it is OK.
 inline void check(OfxStatus status, const char* text = "") {
     if (status != kOfxStatOK) throw Failure(status, text);
@@ -39,6 +46,8 @@ struct Suites {
     const OfxMultiThreadSuiteV1* threads = nullptr;
     const OfxMessageSuiteV1* message = nullptr;
     const OfxMessageSuiteV2* lasting_message = nullptr;
+    const OfxInteractSuiteV1* interact = nullptr;
+    const OfxDrawSuiteV1* draw = nullptr;
 };
 
 // Keeps the pointer and calls nothing of the host.
@@ -49,12 +58,16 @@ void load();
 const Suites& suites();
 // The host's own properties; valid after load().
 OfxPropertySetHandle host_properties();
+// Whether its users can draw in its viewers. After load().
+bool host_has_overlays();
 
 // Tells the user, where the host can. A null effect is allowed. Any thread.
 void tell(OfxImageEffectHandle effect, const char* type, const char* text) noexcept;
-// Errors of a render stay on the node until its next good render. Where the host cannot do that the user is
-// told, but not `again`: every tile of a frame may fail.
-void show_error(OfxImageEffectHandle instance, const char* text, bool again) noexcept;
-void clear_error(OfxImageEffectHandle instance) noexcept;
+// Asks the user; false where the answer is no, or the host cannot ask.
+bool ask(OfxImageEffectHandle effect, const char* text) noexcept;
+// Errors and warnings of a render stay on the node until they are cleared. Where the host cannot do that the
+// user is told, but not `again`: every tile of a frame may fail.
+void show(OfxImageEffectHandle instance, const char* type, const char* text, bool again) noexcept;
+void clear_shown(OfxImageEffectHandle instance) noexcept;
 
 }  // namespace veloxa::ofx

@@ -2,8 +2,8 @@
 // to give, run() leaves the jobs out and the engine does them itself.
 #pragma once
 
-#include "host/AbortPoll.h"
 #include "ZoImage/Render.h"
+#include "host/AbortPoll.h"
 
 namespace veloxa::ofx {
 

@@ -1,7 +1,7 @@
 #include "host/Properties.h"
 
-#include "host/Host.h"
 #include "abi/OfxImageEffect.h"
+#include "host/Host.h"
 
 namespace veloxa::ofx {
 

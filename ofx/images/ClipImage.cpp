@@ -18,7 +18,13 @@ void ClipImage::outline(const Box& frame, const Box& foreground, Hash identity) 
     view_ = {};
     frame_ = frame;
     box_ = frame;
-    if (role_ != Role::kPicture) box_.merge(foreground);
+    if (role_ != Role::kPicture) {
+        box_.merge(foreground);
+    } else {
+        Box both = frame;
+        both.intersect(foreground);
+        if (!both.empty()) box_ = both;
+    }
     for (const int v : {box_.x, box_.y, box_.r, box_.t}) identity.append(v);
     invalidate(identity);
 }
@@ -34,11 +40,8 @@ void ClipImage::_request(int x, int y, int r, int t, ChannelSet /*channels*/, in
 }
 
 int ClipImage::component(Channel c) const {
-    if (role_ == Role::kMatte) {
-        if (c != kAlpha) return -1;
-        return view_.components == 4 ? 3 : 0;
-    }
     if (view_.components == 1) return c == kAlpha ? 0 : -1;
+    if (role_ == Role::kMatte && c == kAlpha && view_.components == 3) return 0;
     const int n = c - kRed;
     return n >= 0 && n < view_.components ? n : -1;
 }
@@ -50,6 +53,7 @@ void ClipImage::engine(int y, int x, int r, const ChannelSet& channels, Row& row
     const int to = role_ == Role::kPicture ? r : std::clamp(frame_.r, from, r);
     const bool below_or_above = role_ != Role::kPicture && (y < frame_.y || y >= frame_.t);
     std::array<float*, 4> places{};
+    float* alpha = nullptr;  // where it is a component that another channel has too
     for (const Channel c : channels) {
         const int n = kMaskRgba.has(c) ? component(c) : -1;
         if (n < 0 || view_.empty() || below_or_above || from >= to) {
@@ -59,9 +63,11 @@ void ClipImage::engine(int y, int x, int r, const ChannelSet& channels, Row& row
         float* const out = row.overwrite(c);
         std::fill(out, out + (from - x), 0.0f);
         std::fill(out + (to - x), out + (r - x), 0.0f);
-        places[static_cast<std::size_t>(n)] = out + (from - x);
+        float*& place = places[static_cast<std::size_t>(n)];
+        (place == nullptr ? place : alpha) = out + (from - x);
     }
     if (places != std::array<float*, 4>{}) read_row(view_, y, from, to, places);
+    if (alpha != nullptr) std::copy(places[0], places[0] + (to - from), alpha);
 }
 
 }  // namespace veloxa::ofx

@@ -2,14 +2,15 @@
 //
 // The operator's box is the clip's whole frame, whatever part of it the image holds: the parts of a frame
 // that are rendered apart then agree, as long as each image holds what this operator is asked for. Beyond the
-// frame, the foreground and the clean plate repeat their edges. The others are black and transparent there,
-// as everywhere in such a host: a drawn matte often ends at its shape.
+// frame, the foreground and the clean plate repeat their edges. What a clean plate has beyond the foreground
+// is not looked at: some hosts deliver it, others do not. The others are black and transparent beyond their
+// frame, as everywhere in such a host: a drawn matte often ends at its shape.
 #pragma once
 
-#include "host/AbortPoll.h"
-#include "images/PixelView.h"
 #include "ZoImage/Hash.h"
 #include "ZoImage/Iop.h"
+#include "host/AbortPoll.h"
+#include "images/PixelView.h"
 
 namespace veloxa::ofx {
 

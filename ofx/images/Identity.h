@@ -3,9 +3,9 @@
 
 #include <string_view>
 
+#include "ZoImage/Hash.h"
 #include "images/Image.h"
 #include "parameters/Parameters.h"
-#include "ZoImage/Hash.h"
 
 namespace veloxa::ofx {
 

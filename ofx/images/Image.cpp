@@ -9,10 +9,11 @@ namespace veloxa::ofx {
 
 namespace {
 
-Depth depth_named(const std::string& name) {
-    if (name == kOfxBitDepthFloat) return Depth::kFloat;
-    if (name == kOfxBitDepthShort) return Depth::kShort;
-    if (name == kOfxBitDepthByte) return Depth::kByte;
+SampleDepth depth_named(const std::string& name) {
+    if (name == kOfxBitDepthFloat) return SampleDepth::kFloat;
+    if (name == kOfxBitDepthHalf) return SampleDepth::kHalf;
+    if (name == kOfxBitDepthShort) return SampleDepth::kShort;
+    if (name == kOfxBitDepthByte) return SampleDepth::kByte;
     throw Failure(kOfxStatErrImageFormat, "Veloxa cannot use images of the depth " + name);
 }
 
@@ -37,7 +38,7 @@ Image::Image(OfxImageClipHandle clip, OfxTime time, const OfxRectD* region, cons
     OfxPropertySetHandle handle = nullptr;
     const OfxStatus status = suites().effect->clipGetImage(clip, time, region, &handle);
     if (status == kOfxStatFailed) return;
-    check(status, "the host could not deliver an image");
+    if (status != kOfxStatOK) throw NoPicture(status, "the host could not deliver an image");
     handle_.reset(handle);
     const Properties properties(handle);
     view_.data = static_cast<std::byte*>(properties.pointer(kOfxImagePropData));
@@ -51,7 +52,7 @@ Image::Image(OfxImageClipHandle clip, OfxTime time, const OfxRectD* region, cons
     for (int i = 0; i < 2; ++i) {
         const double wanted = scale[static_cast<std::size_t>(i)];
         if (!close_to(properties.number(kOfxImageEffectPropRenderScale, wanted, i), wanted)) {
-            throw Failure(kOfxStatFailed, "the host delivered an image of another scale");
+            throw NoPicture(kOfxStatFailed, "the host delivered an image of another scale");
         }
     }
     if (!properties.box(kOfxImagePropRegionOfDefinition, frame_) || frame_.empty() || is_endless(frame_)) {

@@ -4,9 +4,9 @@
 #include <memory>
 #include <string>
 
+#include "abi/OfxImageEffect.h"
 #include "images/Coordinates.h"
 #include "images/PixelView.h"
-#include "abi/OfxImageEffect.h"
 
 namespace veloxa::ofx {
 

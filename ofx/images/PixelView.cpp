@@ -1,25 +1,20 @@
 #include "images/PixelView.h"
 
 #include <algorithm>
-#include <cstdint>
+#include <cstdlib>
 #include <cstring>
-#include <type_traits>
 
 namespace veloxa::ofx {
 
+using namespace Zo::Image;
+
 namespace {
 
-// The work with a sample of the depth.
-template <class Work>
-auto with_sample(Depth depth, const Work& work) {
-    if (depth == Depth::kByte) return work(std::uint8_t{});
-    if (depth == Depth::kShort) return work(std::uint16_t{});
-    return work(float{});
+std::size_t sample_bytes(SampleDepth depth) {
+    return depth == SampleDepth::kByte ? 1 : depth == SampleDepth::kFloat ? 4 : 2;
 }
 
-std::size_t sample_bytes(Depth depth) {
-    return with_sample(depth, [](auto sample) { return sizeof sample; });
-}
+constexpr std::ptrdiff_t kCaches = std::ptrdiff_t{4} << 20;  // as large as a core's own ones are
 
 std::byte* address(const PixelView& view, int y, int x) {
     const auto pixel = static_cast<std::ptrdiff_t>(sample_bytes(view.depth)) * view.components;
@@ -27,74 +22,10 @@ std::byte* address(const PixelView& view, int y, int x) {
            (std::ptrdiff_t{x} - view.bounds.x) * pixel;
 }
 
-template <class Sample>
-float to_float(Sample v) {
-    return std::is_same_v<Sample, float>
-               ? v
-               : static_cast<float>(v) / static_cast<float>(static_cast<Sample>(-1));
-}
-
-template <class Sample>
-Sample from_float(float v) {
-    if constexpr (std::is_same_v<Sample, float>) {
-        return v;
-    } else {
-        // Exact in double; in float the sum would round once more.
-        constexpr double kWhite = static_cast<Sample>(-1);
-        const float clipped = v > 0.0f ? (v < 1.0f ? v : 1.0f) : 0.0f;
-        return static_cast<Sample>(static_cast<double>(clipped) * kWhite + 0.5);  // NOLINT: never negative
-    }
-}
-
-// All components of a pixel at once, which the compiler turns into shuffles of whole vectors.
-template <class Sample, int kComponents>
-void read_all(const Sample* in, const std::array<float*, 4>& out, int count) {
-    float* __restrict const a = out[0];
-    float* __restrict const b = out[1];
-    float* __restrict const c = out[2];
-    float* __restrict const d = out[3];
-    for (int i = 0; i < count; ++i) {
-        a[i] = to_float(in[kComponents * i]);
-        b[i] = to_float(in[kComponents * i + 1]);
-        c[i] = to_float(in[kComponents * i + 2]);
-        if constexpr (kComponents == 4) d[i] = to_float(in[kComponents * i + 3]);
-    }
-}
-
-template <class Sample>
-void read(const std::byte* from, int components, const std::array<float*, 4>& out, int count) {
-    const auto* const in = reinterpret_cast<const Sample*>(from);
-    const bool colour = out[0] != nullptr && out[1] != nullptr && out[2] != nullptr;
-    if (components == 4 && colour && out[3] != nullptr) return read_all<Sample, 4>(in, out, count);
-    if (components == 3 && colour) return read_all<Sample, 3>(in, out, count);
-    for (int n = 0; n < components; ++n) {
-        float* const to = out[static_cast<std::size_t>(n)];
-        for (int i = 0; to != nullptr && i < count; ++i) to[i] = to_float(in[components * i + n]);
-    }
-}
-
-template <class Sample>
-void write(const std::array<const float*, 4>& in, std::byte* to, int components, int count) {
-    auto* __restrict const out = reinterpret_cast<Sample*>(to);
-    if (components == 4) {
-        for (int i = 0; i < count; ++i) {
-            out[4 * i] = from_float<Sample>(in[0][i]);
-            out[4 * i + 1] = from_float<Sample>(in[1][i]);
-            out[4 * i + 2] = from_float<Sample>(in[2][i]);
-            out[4 * i + 3] = from_float<Sample>(in[3][i]);
-        }
-        return;
-    }
-    for (int n = 0; n < components; ++n) {
-        const float* const from = in[components == 1 ? 3 : static_cast<std::size_t>(n)];
-        for (int i = 0; i < count; ++i) out[components * i + n] = from_float<Sample>(from[i]);
-    }
-}
-
 }  // namespace
 
 void read_row(const PixelView& view, int y, int x, int r, const std::array<float*, 4>& out) {
-    const Zo::Image::Box& box = view.bounds;
+    const Box& box = view.bounds;
     y = std::clamp(y, box.y, box.t - 1);
     // The part of the span that is there, at least one pixel for the rest to repeat.
     const int from = std::clamp(x, box.x, box.r - 1);
@@ -102,8 +33,8 @@ void read_row(const PixelView& view, int y, int x, int r, const std::array<float
     const int before = std::clamp(from - x, 0, r - x - 1);
     std::array<float*, 4> target = out;
     for (float*& pixels : target) pixels = pixels != nullptr ? pixels + before : nullptr;
-    const std::byte* const at = address(view, y, from);
-    with_sample(view.depth, [&](auto sample) { read<decltype(sample)>(at, view.components, target, count); });
+    split_pixels(view.depth, view.components, address(view, y, from), target,
+                 static_cast<std::size_t>(count));
     for (std::size_t n = 0; n < static_cast<std::size_t>(view.components); ++n) {
         if (out[n] == nullptr) continue;
         std::fill(out[n], target[n], target[n][0]);
@@ -112,9 +43,10 @@ void read_row(const PixelView& view, int y, int x, int r, const std::array<float
 }
 
 void write_row(const PixelView& view, int y, int x, int r, const std::array<const float*, 4>& rgba) {
-    with_sample(view.depth, [&](auto sample) {
-        write<decltype(sample)>(rgba, address(view, y, x), view.components, r - x);
-    });
+    const bool alone = view.components == 1;
+    const std::array<const float*, 4> planes = alone ? std::array{rgba[3], rgba[0], rgba[1], rgba[2]} : rgba;
+    join_pixels(view.depth, view.components, planes, address(view, y, x), static_cast<std::size_t>(r - x),
+                std::abs(view.row_bytes) * view.bounds.height() > kCaches);
 }
 
 void clear_row(const PixelView& view, int y, int x, int r) {

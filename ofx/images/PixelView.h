@@ -1,23 +1,21 @@
 // Pixels in the host's memory, and the keyer's floats.
 //
-// 8 and 16 bits stand for 0 to 1 evenly: reading divides by 255 or 65535, writing clips, scales and rounds to
-// the nearest (NaN gives 0). Floats pass with their bits.
+// The values of the samples are those of ZoImage/Samples.h.
 #pragma once
 
 #include <array>
 #include <cstddef>
 
 #include "ZoImage/Box.h"
+#include "pixels/PixelsKernel.h"
 
 namespace veloxa::ofx {
-
-enum class Depth { kByte, kShort, kFloat };
 
 struct PixelView {
     std::byte* data = nullptr;     // the bottom left pixel of the bounds; null for no image
     Zo::Image::Box bounds;         // the pixels that are there
     std::ptrdiff_t row_bytes = 0;  // from a row to the one above; may be negative
-    Depth depth = Depth::kFloat;
+    SampleDepth depth = SampleDepth::kFloat;
     int components = 4;  // 4: red, green, blue, alpha; 3: red, green, blue; 1: alpha
 
     bool empty() const { return data == nullptr || bounds.empty(); }

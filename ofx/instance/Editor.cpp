@@ -2,9 +2,10 @@
 
 #include <algorithm>
 
+#include "ZoImage/Convert.h"
+#include "ZoImage/Script.h"
 #include "host/Host.h"
 #include "images/Identity.h"
-#include "ZoImage/KnobValues.h"
 
 namespace veloxa::ofx {
 
@@ -14,13 +15,16 @@ namespace {
 
 constexpr RenderScale kFullSize{1.0, 1.0};
 
-// What of the reports is for the user: failures, notes, and samples that no knob could satisfy.
-std::string remarks(const std::vector<ToolReport>& reports) {
+// What the user must not miss of the reports: failures, and samples that no knob could satisfy. Where the
+// host has no report that they could be read in, the notes too.
+std::string remarks(const std::vector<ToolReport>& reports, bool notes) {
     std::string text;
     const auto line = [&](const std::string& remark) { text += (text.empty() ? "" : "\n") + remark; };
     for (const ToolReport& report : reports) {
         if (!report.failure.empty()) line(report.failure);
-        for (const std::string& note : report.notes) line(note);
+        for (const std::string& note : report.notes) {
+            if (notes) line(note);
+        }
         const int usable = report.satisfied + report.unsatisfied;
         if (report.unsatisfied > 0) {
             line(std::to_string(report.unsatisfied) + " of " + std::to_string(usable) +
@@ -61,6 +65,7 @@ Editor::Editor(OfxImageEffectHandle effect)
     : effect_(effect),
       node_(HostThreads::offered() ? &threads_ : nullptr, &poll_.flag()),
       parameters_(effect, node_.list()),
+      own_(effect),
       enabled_(node_.list().parameters().size(), -1) {}
 
 bool Editor::is_tool(std::size_t n) const {
@@ -68,8 +73,25 @@ bool Editor::is_tool(std::size_t n) const {
     return knob.kind() == Knob::Kind::kToolButton || knob.flag(kKnobLooks);
 }
 
+bool Editor::is_stroked(std::size_t n) const {
+    return list().parameters()[n].knob->kind() == Knob::Kind::kToolButton;
+}
+
+std::optional<std::size_t> Editor::active_tool() const {
+    const std::vector<std::size_t> tools = list().tools();
+    const auto number = static_cast<std::size_t>(own_.integer(kActiveTool));
+    if (number == 0 || number > tools.size()) return std::nullopt;
+    return tools[number - 1];
+}
+
+void Editor::activate(std::size_t n) const {
+    const std::vector<std::size_t> tools = list().tools();
+    const auto number = std::ranges::find(tools, n) - tools.begin() + 1;
+    own_.named(kActiveTool).put(std::nullopt, static_cast<int>(number));
+}
+
 void Editor::load() {
-    set_knobs(kFullSize);
+    set_knobs(parameters_.values(std::nullopt), kFullSize);
     show_enables();
 }
 
@@ -79,8 +101,7 @@ void Editor::follow(std::size_t n) {
     show_enables();
 }
 
-void Editor::set_knobs(const RenderScale& scale) {
-    const Values values = parameters_.values(std::nullopt);
+void Editor::set_knobs(const Values& values, const RenderScale& scale) {
     std::vector<Knob*> changed;
     for (std::size_t n = 0; n < values.size(); ++n) {
         const Parameter& parameter = list().parameters()[n];
@@ -101,22 +122,27 @@ void Editor::show_enables() {
 
 // The knobs hold sizes in pixels of the images while the work runs, as the images may be a proxy's. Whatever
 // goes wrong, they hold the parameters' values afterwards.
-template <class Work>
-void Editor::edit(std::size_t n, OfxTime time, const RenderScale& scale, const Work& work) try {
+void Editor::edit(const std::string& step, OfxTime time, const RenderScale& scale, const Work& work) try {
     const std::vector<Parameter>& all = list().parameters();
-    set_knobs(scale);
+    set_knobs(parameters_.values_with_texts(time), scale);
     const KnobValues before(node_.panel());
-    work();
+    const Outcome outcome = work(before);
     const std::vector<Knob*> changed = before.changed();
     std::vector<std::pair<std::size_t, Value>> found;
     for (std::size_t i = 0; i < all.size(); ++i) {
         const bool other = std::find(changed.begin(), changed.end(), all[i].knob) != changed.end();
-        if (other) found.emplace_back(i, knob_value(all[i], scale));
+        const bool moves = outcome.still && !all[i].knob->flag(kKnobUnscripted) && parameters_.animates(i);
+        if (other || moves) found.emplace_back(i, knob_value(all[i], scale));
     }
-    if (!found.empty()) {
-        const ParameterSet::Edit step(parameters_, all[n].label);
-        for (const auto& [i, value] : found) parameters_.set(i, value, time);
+    std::optional<ParameterSet::Edit> one;
+    if (!found.empty()) one.emplace(parameters_, step);
+    for (const auto& [i, value] : found) {
+        if (outcome.still) parameters_.delete_keys(i);
+        parameters_.set(i, value, time);
     }
+    if (!found.empty() && outcome.marks) own_.set_text(kMarks, *outcome.marks);
+    if (outcome.report) own_.report(*outcome.report);
+    one.reset();
     load();
 } catch (...) {
     load();
@@ -124,26 +150,74 @@ void Editor::edit(std::size_t n, OfxTime time, const RenderScale& scale, const W
 }
 
 void Editor::press(std::size_t n, OfxTime time) {
-    edit(n, time, kFullSize, [&] { node_.panel().press(*list().parameters()[n].knob); });
+    edit(list().parameters()[n].label, time, kFullSize, [&](const KnobValues&) {
+        node_.panel().press(*list().parameters()[n].knob);
+        return Outcome{};
+    });
 }
 
-std::string Editor::use_tool(std::size_t n, OfxTime time, const PixelGrid& grid, const Pictures& pictures) {
-    const OfxRectD area = parameters_.sampling_rectangle(time);
-    Knob& tool = *list().parameters()[n].knob;
+std::string Editor::use_tool(std::size_t n, OfxTime time, const PixelGrid& grid, const Pictures& pictures,
+                             const std::vector<Box>& areas) {
+    const Parameter& parameter = list().parameters()[n];
+    Knob& tool = *parameter.knob;
     poll_.begin(effect_);
-    edit(n, time, grid.scale, [&] {
-        const Wired wired(node_.image(), pictures, poll_);
-        if (tool.kind() == Knob::Kind::kToolButton) {
-            tool.set_value(grid.x_pixels(area.x1), 4);
-            tool.set_value(grid.y_pixels(area.y1), 5);
-            tool.set_value(grid.x_pixels(area.x2), 6);
-            tool.set_value(grid.y_pixels(area.y2), 7);
+    Iop& node = node_.image();
+    const Values present = parameters_.values_with_texts(time);
+    if (const auto known = memory_.find(present)) node.recall(known);
+    memory_.keep(present, node.tool_memory());
+    edit(parameter.label, time, grid.scale, [&](const KnobValues& before) {
+        const Wired wired(node, pictures, poll_);
+        if (is_stroked(n)) {
+            tool.stroke(areas);
             tool.activate();
         }
         tool.changed();
+        if (poll_.flag().raised()) throw Failure(kOfxStatFailed);  // the host does not want it any more
+        Outcome outcome = outcome_of_tools(time);
+        if (is_stroked(n)) {
+            const Image& plate = *pictures[kForeground];
+            outcome.marks =
+                write_marks(marks_with(parameter.name, time, grid, plate, areas, before.changed()));
+        }
+        return outcome;
     });
-    if (poll_.flag().raised()) throw Failure(kOfxStatFailed);  // the host does not want it any more
-    return remarks(node_.image().tool_reports());
+    memory_.keep(parameters_.values_with_texts(time), node.tool_memory());
+    return remarks(node.tool_reports(), !own_.can_report());
+}
+
+Editor::Outcome Editor::outcome_of_tools(OfxTime time) const {
+    std::string text;
+    for (ToolReport report : node_.image().tool_reports()) {
+        report.frame = to_int(time);
+        text += text_of(report);
+        if (!report.failure.empty()) text += "  " + report.failure + "\n";
+    }
+    return {std::nullopt, text};
+}
+
+// Hosts need not tell of every new value, as of those of another frame.
+std::string Editor::script() {
+    load();
+    return write_script(node_.panel());
+}
+
+void Editor::apply(const std::string& text, const std::string& file, OfxTime time) {
+    const ScriptGroup* ours = nullptr;
+    const std::vector<ScriptGroup> groups = read_script(text, file);
+    for (const ScriptGroup& group : groups) {
+        if (group.class_name != node_.image().class_name()) continue;
+        if (ours != nullptr) throw ScriptError(file, group.line, "a second Veloxa group; one node is keyed");
+        ours = &group;
+    }
+    if (ours == nullptr) throw Failure(kOfxStatFailed, file + ": has no Veloxa { ... } group");
+    edit("Load Settings", time, kFullSize, [&](const KnobValues&) {
+        for (const Parameter& parameter : list().parameters()) {
+            const bool held = parameter.is_button() || parameter.knob->flag(kKnobUnscripted);
+            if (!held) parameter.knob->restore_default();
+        }
+        apply_script(node_.panel(), *ours, file);
+        return Outcome{std::nullopt, "settings are loaded from " + file, true};
+    });
 }
 
 }  // namespace veloxa::ofx

@@ -54,6 +54,9 @@ Instance::Instance(OfxImageEffectHandle effect)
     screen_color_ = editor_.parameters().find(kScreenColor).value();
     output_mode_ = editor_.parameters().find(kOutputMode).value();
     editor_.load();
+    editor_.own().report("");
+    show_start();
+    show_pending();
     // What the node knows and renders need is in the parameters already.
     properties_of(effect).set(kOfxPropParamSetNeedsSyncing, 0);
 }
@@ -110,11 +113,18 @@ Pictures Instance::fetch(OfxTime time, const RenderScale& scale, bool whole) con
 
 // A composite over a background is a finished picture: its colour is not multiplied by the alpha beside it,
 // the key's. Unpremultiplied would say so too, but then hosts multiply where they show, filter and write
-// pictures, and the background goes black. As opaque it is left as it is.
+// pictures, and the background goes black. As opaque it is left as it is; and so is what a view shows.
 const char* Instance::premultiplication() const {
     const int mode = static_cast<int>(editor_.parameters().value(output_mode_, std::nullopt).numbers[0]);
-    if (mode == kComposite && connected(kBackground)) return kOfxImageOpaque;
+    const bool finished = mode == kComposite && connected(kBackground);
+    if (finished || editor_.own().view(std::nullopt) != kResultView) return kOfxImageOpaque;
     return mode == kUnpremultiplied ? kOfxImageUnPreMultiplied : kOfxImagePreMultiplied;
+}
+
+Box Instance::full_frame(OfxTime time) const {
+    OfxRectD region;
+    if (!extent(kForeground, time, region)) return {-kFarAway, -kFarAway, kFarAway, kFarAway};
+    return PixelGrid{{1.0, 1.0}, aspect(kForeground)}.pixels(region);
 }
 
 OfxStatus Instance::clip_preferences(OfxPropertySetHandle /*in*/, OfxPropertySetHandle out) {
@@ -130,25 +140,45 @@ OfxStatus Instance::changed(OfxPropertySetHandle in, OfxPropertySetHandle /*out*
     const std::string reason = arguments.text(kOfxPropChangeReason);
     // The editor's own changes: it knows of them.
     if (reason == kOfxChangePluginEdited) return kOfxStatReplyDefault;
-    const auto n = editor_.parameters().find(arguments.text(kOfxPropName));
-    if (!n) return kOfxStatReplyDefault;
+    const std::string name = arguments.text(kOfxPropName);
+    const OfxTime time = arguments.number(kOfxPropTime);
+    const auto n = editor_.parameters().find(name);
+    if (!n) {
+        if (reason == kOfxChangeUserEdited) press_own(name, time, arguments.scale());
+        return kOfxStatOK;
+    }
     if (!editor_.list().parameters()[*n].is_button()) {
         editor_.follow(*n);
+        if (*n == screen_color_) show_start();
         return kOfxStatOK;
     }
     if (reason != kOfxChangeUserEdited) return kOfxStatReplyDefault;
-    const OfxTime time = arguments.number(kOfxPropTime);
-    if (!editor_.is_tool(*n)) {
+    if (editor_.is_tool(*n)) {
+        press_tool(*n, time, arguments.scale());
+    } else {
         editor_.press(*n, time);
-        return kOfxStatOK;
     }
-    require_foreground();
-    const PixelGrid grid{arguments.scale(), aspect(kForeground)};
-    const Pictures pictures = fetch(time, grid.scale, true);
-    if (pictures[kForeground]->empty()) throw Failure(kOfxStatFailed, "the foreground has no image here");
-    const std::string remark = editor_.use_tool(*n, time, grid, pictures);
-    if (!remark.empty()) tell(effect_, kOfxMessageMessage, remark.c_str());
     return kOfxStatOK;
+}
+
+void Instance::press_own(const std::string& button, OfxTime time, const RenderScale& scale) {
+    if (button == kTakeSample) take_pending(scale);
+    if (button == kLoadSettings) load_settings(time);
+    if (button == kSaveSettings) save_settings();
+}
+
+void Instance::show_start() const {
+    static const std::string kStart =
+        "No screen colour is chosen yet. Under Sampling press Find Screen or Set Up Automatically, or sample "
+        "the "
+        "backing with the tool screen.";
+    const OwnParameters& own = editor_.own();
+    const bool chosen = !is_black(editor_.parameters().value(screen_color_, std::nullopt));
+    if (!chosen) {
+        own.report(kStart);
+    } else if (own.text(kReport) == kStart) {
+        own.report("");
+    }
 }
 
 OfxStatus Instance::purge_caches(OfxPropertySetHandle /*in*/, OfxPropertySetHandle /*out*/) {

@@ -8,13 +8,23 @@
 
 #include <array>
 #include <atomic>
+#include <functional>
+#include <mutex>
 #include <string>
+#include <vector>
 
 #include "images/Clips.h"
 #include "instance/Editor.h"
 #include "instance/NodePool.h"
 
 namespace veloxa::ofx {
+
+// What the pen marked: areas in pixels of the full frame.
+struct PenStroke {
+    std::size_t tool = 0;  // its parameter
+    OfxTime time = 0.0;
+    std::vector<Zo::Image::Box> areas;
+};
 
 class Instance {
   public:
@@ -34,6 +44,15 @@ class Instance {
     OfxStatus changed(OfxPropertySetHandle in, OfxPropertySetHandle out);
     OfxStatus purge_caches(OfxPropertySetHandle in, OfxPropertySetHandle out);
 
+    // For the overlay. A stroke for which the host lends no picture waits for the button "Take Sample".
+    Editor& editor() { return editor_; }
+    double pixel_aspect() const { return connected(kForeground) ? aspect(kForeground) : 1.0; }
+    // Of the foreground, in pixels of the full frame; endless where that is not known.
+    Zo::Image::Box full_frame(OfxTime time) const;
+    void pen_stroke(const PenStroke& drawn, const RenderScale& scale);
+    std::vector<Zo::Image::Box> pending_areas() const;
+    void drop_pending() const;
+
   private:
     struct Clip {
         const char* name = nullptr;
@@ -51,7 +70,27 @@ class Instance {
     void require_foreground() const;
     const char* premultiplication() const;
 
-    void render_window(OfxPropertySetHandle in);
+    // Uses a tool of the node over areas of the foreground, of its pixels on the grid; none for tools that
+    // look at all of it.
+    using Areas = std::function<std::vector<Zo::Image::Box>(const PixelGrid&)>;
+    void use_tool(std::size_t n, OfxTime time, const RenderScale& scale, const Areas& areas);
+    void press_tool(std::size_t n, OfxTime time, const RenderScale& scale);
+    void take_stroke(const PenStroke& stroke, const RenderScale& scale);
+    void take_pending(const RenderScale& scale);
+    void show_pending() const;
+
+    void press_own(const std::string& button, OfxTime time, const RenderScale& scale);
+    void load_settings(OfxTime time);
+    void save_settings();
+    // What is missing before anything can be keyed.
+    void show_start() const;
+
+    // Returns what the user should know beside the picture; empty for nothing.
+    std::string render_window(OfxPropertySetHandle in);
+    std::string missing_images(const Pictures& pictures, OfxTime time) const;
+    enum class Shown { kWarning, kError };
+    void show_on_node(Shown what, const std::string& text);
+    void clear_node();
     // The images of what is connected: as much as the render asked for before, or the whole frames, the
     // foreground's where a clip has no end.
     Pictures fetch(OfxTime time, const RenderScale& scale, bool whole) const;
@@ -66,7 +105,8 @@ class Instance {
     NodePool renderers_;
     NodePool planners_;              // only make requests, so that those disturb no renderer's frames
     std::atomic<int> sequences_{0};  // of renders that go on
-    std::atomic<bool> error_shown_{false};
+    std::mutex shown_mutex_;
+    std::string shown_;  // on the node, until a good render
 };
 
 }  // namespace veloxa::ofx

@@ -2,8 +2,8 @@
 #include <algorithm>
 
 #include "host/Host.h"
-#include "instance/Instance.h"
 #include "host/Properties.h"
+#include "instance/Instance.h"
 
 namespace veloxa::ofx {
 
@@ -55,7 +55,7 @@ OfxStatus Instance::regions_of_interest(OfxPropertySetHandle in, OfxPropertySetH
         node->input(n).outline(frames[n], foreground);
         node->input(n).forget_requests();
     }
-    node->image().request(window.x, window.y, window.r, window.t, kMaskRgba, 1);
+    node->root(editor_.own().view(time)).request(window.x, window.y, window.r, window.t, kMaskRgba, 1);
     for (std::size_t n = 0; n < kInputs; ++n) {
         const Box& wanted = node->input(n).wanted();
         if (frames[n].empty() || wanted.empty()) continue;
@@ -69,10 +69,8 @@ OfxStatus Instance::regions_of_interest(OfxPropertySetHandle in, OfxPropertySetH
 OfxStatus Instance::is_identity(OfxPropertySetHandle in, OfxPropertySetHandle out) {
     if (!connected(kForeground)) return kOfxStatReplyDefault;
     const OfxTime time = Properties(in).number(kOfxPropTime);
-    const Value color = editor_.parameters().value(screen_color_, time);
-    const bool chosen = std::any_of(color.numbers.begin(), color.numbers.begin() + 3,
-                                    [](double v) { return static_cast<float>(v) != 0.0f; });
-    if (chosen) return kOfxStatReplyDefault;
+    if (!is_black(editor_.parameters().value(screen_color_, time))) return kOfxStatReplyDefault;
+    if (editor_.own().view(time) != kResultView) return kOfxStatReplyDefault;
     Properties(out).set(kOfxPropName, inputs_[kForeground].name);
     return kOfxStatOK;
 }

@@ -1,11 +1,16 @@
 // The render of one window of one frame.
+#include <algorithm>
+#include <cstdint>
 #include <new>
 #include <string_view>
+#include <utility>
 
+#include "ZoImage/Samples.h"
+#include "ZoImage/StatusColour.h"
 #include "host/Host.h"
+#include "host/Properties.h"
 #include "images/Identity.h"
 #include "instance/Instance.h"
-#include "host/Properties.h"
 
 namespace veloxa::ofx {
 
@@ -37,18 +42,62 @@ void clear_around(const PixelView& output, const Box& window, const Box& inside,
     }
 }
 
+void write_status(const PixelView& output, int y, const Box& region, const float* alpha) {
+    constexpr int kPiece = 256;
+    std::array<std::array<float, kPiece>, 3> colours;
+    for (int x = region.x; x < region.r; x += kPiece) {
+        const int end = std::min(x + kPiece, region.r);
+        const float* const from = alpha + (x - region.x);
+        for (std::size_t n = 0; n < static_cast<std::size_t>(end - x); ++n) {
+            const std::uint32_t colour = status_colour(from[n]);
+            for (std::size_t c = 0; c < 3; ++c) {
+                colours[c][n] = to_float(static_cast<std::uint8_t>(colour >> (16 - 8 * c)));
+            }
+        }
+        write_row(output, y, x, end, {colours[0].data(), colours[1].data(), colours[2].data(), from});
+    }
+}
+
+// What a view shows of a row.
+void write_shown(int view, const PixelView& output, int y, const Box& region, const Row& row) {
+    const float* const alpha = row[kAlpha];
+    if (view == kStatusView) return write_status(output, y, region, alpha);
+    const bool matte = view == kMatteView;
+    write_row(output, y, region.x, region.r,
+              {matte ? alpha : row[kRed], matte ? alpha : row[kGreen], matte ? alpha : row[kBlue], alpha});
+}
+
 }  // namespace
 
+void Instance::show_on_node(Shown what, const std::string& text) {
+    const std::lock_guard hold(shown_mutex_);
+    const bool again = shown_ == text;
+    shown_ = text;
+    // An error stands for every tile that failed, a warning for all that were made.
+    const bool error = what == Shown::kError;
+    if (error || !again) show(effect_, error ? kOfxMessageError : kOfxMessageWarning, text.c_str(), again);
+}
+
+void Instance::clear_node() {
+    const std::lock_guard hold(shown_mutex_);
+    if (!std::exchange(shown_, {}).empty()) clear_shown(effect_);
+}
+
 OfxStatus Instance::render(OfxPropertySetHandle in, OfxPropertySetHandle /*out*/) {
+    std::string warning;
     try {
-        render_window(in);
+        warning = render_window(in);
     } catch (const std::bad_alloc&) {  // the host sees to that
         throw;
     } catch (const std::exception& error) {
-        if (error.what()[0] != '\0') show_error(effect_, error.what(), error_shown_.exchange(true));
+        if (error.what()[0] != '\0') show_on_node(Shown::kError, error.what());
         throw;
     }
-    if (error_shown_.exchange(false)) clear_error(effect_);
+    if (warning.empty()) {
+        clear_node();
+    } else {
+        show_on_node(Shown::kWarning, warning);
+    }
     return kOfxStatOK;
 }
 
@@ -65,13 +114,25 @@ OfxStatus Instance::end_sequence(OfxPropertySetHandle /*in*/, OfxPropertySetHand
     return kOfxStatOK;
 }
 
-void Instance::render_window(OfxPropertySetHandle in) {
+// Of a clip that should have one where the foreground is: readers that fail say no more.
+std::string Instance::missing_images(const Pictures& pictures, OfxTime time) const {
+    std::string names;
+    for (std::size_t n = 0; n < kInputs; ++n) {
+        OfxRectD region;
+        if (!pictures[n] || !pictures[n]->empty() || !extent(n, time, region)) continue;
+        names += (names.empty() ? "" : ", ") + std::string(inputs_[n].name);
+    }
+    return names.empty() ? names : names + " delivered no image, which counts as black";
+}
+
+std::string Instance::render_window(OfxPropertySetHandle in) {
     const Properties arguments(in);
     const OfxTime time = arguments.number(kOfxPropTime);
     const RenderScale scale = arguments.scale();
     const std::string field = arguments.text(kOfxImageEffectPropFieldToRender);
     const Rows rows(field);
     const Values values = editor_.parameters().values(time);
+    const int view = editor_.own().view(time);
     require_foreground();
 
     const Image output(output_.handle, time, nullptr, scale);
@@ -79,14 +140,15 @@ void Instance::render_window(OfxPropertySetHandle in) {
     Box window = output.view().bounds;
     Box asked;
     if (arguments.box(kOfxImageEffectPropRenderWindow, asked)) window.intersect(asked);
-    if (window.empty()) return;
+    if (window.empty()) return {};
 
     const Pictures pictures = fetch(time, scale, false);
+    std::string missing = missing_images(pictures, time);
     const Image& foreground = *pictures[kForeground];
     Box region = window;
     region.intersect(foreground.frame());
     clear_around(output.view(), window, region, rows);
-    if (region.empty()) return;
+    if (region.empty()) return missing;
 
     std::array<bool, kInputs> used{};
     std::array<Hash, kInputs> identities;
@@ -97,7 +159,7 @@ void Instance::render_window(OfxPropertySetHandle in) {
     Hash state = identity_of(values);
     state.append(identities[kForeground]);
     Hash picture = identities[kForeground];
-    for (const int side : {region.x, region.y, region.r, region.t}) picture.append(side);
+    for (const int side : {region.x, region.y, region.r, region.t, view}) picture.append(side);
     NodePool::Lease node = renderers_.take(state, picture);
     node->set(values, scale, used);
     for (std::size_t n = 0; n < kInputs; ++n) {
@@ -105,13 +167,13 @@ void Instance::render_window(OfxPropertySetHandle in) {
     }
     if (!used[kBackground]) node->input(kBackground).outline({}, foreground.frame());
 
-    node->image().validate(true);
+    Iop& root = node->root(view);
     if (!node->image().error().empty()) throw Failure(kOfxStatFailed, node->image().error());
-    const bool complete = node->render(effect_, region, node.rows(), [&](int y, const Row& row) {
-        if (!rows.has(y)) return;
-        write_row(output.view(), y, region.x, region.r, {row[kRed], row[kGreen], row[kBlue], row[kAlpha]});
+    const bool complete = node->render(effect_, root, region, node.rows(), [&](int y, const Row& row) {
+        if (rows.has(y)) write_shown(view, output.view(), y, region, row);
     });
     if (!complete) throw Failure(kOfxStatFailed);  // the host does not want it any more
+    return missing;
 }
 
 }  // namespace veloxa::ofx

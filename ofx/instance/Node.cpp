@@ -24,4 +24,19 @@ std::unique_ptr<Op> make(const NodeContext& context) {
 Node::Node(ThreadSource* threads, const AbortFlag* abort)
     : op_(make({kClassName, threads, abort})), image_(op_->as_iop()), panel_(*op_), list_(panel_) {}
 
+std::vector<std::string> Node::stages() const {
+    std::vector<std::string> names;
+    for (Op* const child : op_->children()) {
+        if (child->as_iop() != nullptr) names.push_back(child->member_name());
+    }
+    return names;
+}
+
+Iop* Node::stage(std::size_t n) const {
+    for (Op* const child : op_->children()) {
+        if (child->as_iop() != nullptr && n-- == 0) return child->as_iop();
+    }
+    return nullptr;
+}
+
 }  // namespace veloxa::ofx

@@ -3,9 +3,9 @@
 
 #include <memory>
 
-#include "parameters/Parameters.h"
 #include "ZoImage/Iop.h"
 #include "ZoImage/KnobPanel.h"
+#include "parameters/Parameters.h"
 
 namespace veloxa::ofx {
 
@@ -17,7 +17,12 @@ class Node {
 
     Zo::Image::Iop& image() const { return *image_; }
     Zo::Image::KnobPanel& panel() { return panel_; }
+    const Zo::Image::KnobPanel& panel() const { return panel_; }
     const ParameterList& list() const { return list_; }
+    // The names of the inner operators that make rows, in the node's order.
+    std::vector<std::string> stages() const;
+    // One of them, by its place in that order; null where there are fewer.
+    Zo::Image::Iop* stage(std::size_t n) const;
 
   private:
     std::unique_ptr<Zo::Image::Op> op_;

@@ -12,9 +12,9 @@
 #include <list>
 #include <mutex>
 
-#include "instance/RenderNode.h"
 #include "ZoImage/Hash.h"
 #include "ZoImage/RowCache.h"
+#include "instance/RenderNode.h"
 
 namespace veloxa::ofx {
 

@@ -1,5 +1,7 @@
 #include "instance/RenderNode.h"
 
+#include "parameters/OwnParameters.h"
+
 namespace veloxa::ofx {
 
 using namespace Zo::Image;
@@ -14,13 +16,20 @@ void RenderNode::set(const Values& values, const RenderScale& scale, const std::
     inputs_.connect(image(), used);
 }
 
-bool RenderNode::render(OfxImageEffectHandle instance, const Box& region, RowCache* rows,
+Iop& RenderNode::root(int view) {
+    image().validate(true);
+    Iop* const stage =
+        view < kFirstStage ? nullptr : node_.stage(static_cast<std::size_t>(view - kFirstStage));
+    return stage != nullptr ? *stage : image();
+}
+
+bool RenderNode::render(OfxImageEffectHandle instance, Iop& root, const Box& region, RowCache* rows,
                         const Renderer::Sink& sink) {
     poll_.begin(instance);
     if (!renderer_ && HostThreads::offered()) renderer_.emplace(threads_, &poll_.flag());
     if (!renderer_) renderer_.emplace(0, &poll_.flag());
     renderer_->use_cache(rows);
-    return renderer_->render(image(), region, kMaskRgba, [&](int y, const Row& row) {
+    return renderer_->render(root, region, kMaskRgba, [&](int y, const Row& row) {
         poll_.poll();
         sink(y, row);
     });

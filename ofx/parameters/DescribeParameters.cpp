@@ -1,28 +1,16 @@
 #include "Describe.h"
 
-#include "host/Host.h"
-#include "parameters/ParameterSet.h"
-#include "host/Properties.h"
 #include "ZoImage/KnobDisplay.h"
+#include "host/Host.h"
+#include "host/Properties.h"
+#include "parameters/Define.h"
+#include "parameters/OwnParameters.h"
 
 namespace veloxa::ofx {
 
 using namespace Zo::Image;
 
 namespace {
-
-// Without properties where the host does not know the type.
-Properties define(OfxParamSetHandle set, const char* type, const std::string& name,
-                  const std::string& label) {
-    OfxPropertySetHandle properties = nullptr;
-    const OfxStatus status = suites().parameter->paramDefine(set, type, name.c_str(), &properties);
-    if (status == kOfxStatErrUnknown || status == kOfxStatErrUnsupported) return Properties(nullptr);
-    check(status, "a parameter could not be defined");
-    const Properties p(properties);
-    p.set(kOfxPropLabel, label);
-    p.set(kOfxParamPropScriptName, name);
-    return p;
-}
 
 bool host_can(const char* property) {
     return Properties(host_properties()).integer(property) != 0;
@@ -82,31 +70,15 @@ void describe_parameter(OfxParamSetHandle set, const Parameter& parameter, const
     }
 }
 
-void describe_corner(OfxParamSetHandle set, const char* name, const char* label, double place,
-                     const std::string& group) {
-    const Properties p = define(set, kOfxParamTypeDouble2D, name, label);
-    p.set(kOfxParamPropHint, "Corner of the rectangle that the sampling tools look at.");
-    p.set(kOfxParamPropParent, group);
-    p.set(kOfxParamPropDoubleType, kOfxParamDoubleTypeXYAbsolute);
-    p.set(kOfxParamPropDefaultCoordinateSystem, kOfxParamCoordinatesCanonical);
-    for (int i = 0; i < 2; ++i) p.set(kOfxParamPropDefault, place, i);
-    for (int i = 0; i < 2; ++i) p.set(kOfxParamPropDisplayMin, 0.0, i);
-    for (int i = 0; i < 2; ++i) p.set(kOfxParamPropDisplayMax, 4096.0, i);
-    p.set(kOfxParamPropUseHostOverlayHandle, 1);
-    p.set(kOfxParamPropAnimates, 0);
-    p.set(kOfxParamPropEvaluateOnChange, 0);
-}
-
 }  // namespace
 
-void describe_parameters(OfxParamSetHandle set, const ParameterList& list) {
+void describe_parameters(OfxParamSetHandle set, const ParameterList& list,
+                         const std::vector<std::string>& stages) {
     bool first = true;
     for (const ParameterList::Group& group : list.groups()) {
         define(set, kOfxParamTypeGroup, group.name, group.label).set(kOfxParamPropGroupOpen, first ? 1 : 0);
+        if (first || group.toolbar) describe_own(set, list, stages, group.name, group.toolbar);
         first = false;
-        if (!group.toolbar) continue;
-        describe_corner(set, kFirstCorner, "first corner", 0.0, group.name);
-        describe_corner(set, kSecondCorner, "second corner", 100.0, group.name);
     }
     for (const Parameter& parameter : list.parameters()) {
         const bool grouped = parameter.group != Parameter::kNoGroup;
@@ -126,9 +98,8 @@ void describe_parameters(OfxParamSetHandle set, const ParameterList& list) {
             if (page.set(kOfxParamPropPageChild, name, child)) ++child;
         };
         show(group.name);
-        if (group.toolbar) {
-            show(kFirstCorner);
-            show(kSecondCorner);
+        if (n == 0 || group.toolbar) {
+            for (const std::string& name : own_members(group.toolbar)) show(name);
         }
         for (const std::string& name : group.members) show(name);
         Properties(properties).set(kOfxPluginPropParamPageOrder, group.page, n++);

@@ -9,15 +9,12 @@
 #include <string_view>
 #include <vector>
 
-#include "parameters/Parameters.h"
 #include "abi/OfxImageEffect.h"
 #include "abi/OfxParam.h"
+#include "parameters/ParameterHandle.h"
+#include "parameters/Parameters.h"
 
 namespace veloxa::ofx {
-
-// Corners of the rectangle that the sampling tools look at, canonical coordinates.
-inline constexpr const char* kFirstCorner = "sampling_first_corner";
-inline constexpr const char* kSecondCorner = "sampling_second_corner";
 
 class ParameterSet {
   public:
@@ -31,9 +28,12 @@ class ParameterSet {
     Value value(std::size_t n, std::optional<OfxTime> time) const;
     // The index of the parameter of this name, if there is one.
     std::optional<std::size_t> find(std::string_view name) const;
-    // The two corners in any order.
-    OfxRectD sampling_rectangle(OfxTime time) const;
 
+    // The values at the time, with texts as they are now.
+    Values values_with_texts(OfxTime time) const;
+
+    bool animates(std::size_t n) const;
+    void delete_keys(std::size_t n) const;
     // Sets parameter n; one that is animated gets a key at the time.
     void set(std::size_t n, const Value& value, OfxTime time) const;
     void enable(std::size_t n, bool on) const;
@@ -51,16 +51,9 @@ class ParameterSet {
     };
 
   private:
-    struct Slot {
-        OfxParamHandle handle = nullptr;
-        OfxPropertySetHandle properties = nullptr;
-    };
-
     const ParameterList& list_;
     OfxParamSetHandle set_ = nullptr;
-    std::vector<Slot> slots_;
-    OfxParamHandle first_ = nullptr;
-    OfxParamHandle second_ = nullptr;
+    std::vector<ParameterHandle> handles_;
     mutable std::mutex mutex_;
     mutable std::vector<std::string> texts_;  // by parameter
 };

@@ -107,6 +107,19 @@ ParameterList::ParameterList(const KnobPanel& panel) {
     }
 }
 
+std::vector<std::size_t> ParameterList::tools() const {
+    std::vector<std::size_t> tools;
+    for (std::size_t n = 0; n < parameters_.size(); ++n) {
+        if (parameters_[n].knob->kind() == Knob::Kind::kToolButton) tools.push_back(n);
+    }
+    return tools;
+}
+
+bool is_black(const Value& colour) {
+    return std::all_of(colour.numbers.begin(), colour.numbers.begin() + 3,
+                       [](double v) { return static_cast<float>(v) == 0.0f; });
+}
+
 Value knob_value(const Parameter& parameter, const RenderScale& scale) {
     Value value;
     const Knob& knob = *parameter.knob;

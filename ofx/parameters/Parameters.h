@@ -17,8 +17,8 @@
 #include <string_view>
 #include <vector>
 
-#include "images/Coordinates.h"
 #include "ZoImage/KnobPanel.h"
+#include "images/Coordinates.h"
 
 namespace veloxa::ofx {
 
@@ -54,6 +54,8 @@ class ParameterList {
 
     const std::vector<Parameter>& parameters() const { return parameters_; }
     const std::vector<Group>& groups() const { return groups_; }
+    // The tools of the toolbar, in panel order.
+    std::vector<std::size_t> tools() const;
 
   private:
     std::vector<Parameter> parameters_;
@@ -73,6 +75,8 @@ struct Value {
 
     friend bool operator==(const Value&, const Value&) = default;
 };
+// Of colours: none is chosen.
+bool is_black(const Value& colour);
 using Values = std::vector<Value>;  // in the order of the list, buttons too
 
 // The knob's values now, and those by which it becomes them at this scale of images. Numbers that the knob

@@ -29,7 +29,8 @@ TEST_F(Describe, ThePlugin) {
     const std::pair<const char*, Strings> texts[] = {
         {kOfxPropLabel, {"Veloxa"}},
         {kOfxImageEffectPluginRenderThreadSafety, {kOfxImageEffectRenderFullySafe}},
-        {kOfxImageEffectPropSupportedPixelDepths, {kOfxBitDepthFloat, kOfxBitDepthShort, kOfxBitDepthByte}}};
+        {kOfxImageEffectPropSupportedPixelDepths,
+         {kOfxBitDepthFloat, kOfxBitDepthShort, kOfxBitDepthByte, kOfxBitDepthHalf}}};
     for (const auto& [name, values] : texts) EXPECT_EQ(p.strings(name), values) << name;
 
     std::ifstream icon(OFX_BUNDLE_DIR "/Contents/Resources/org.veloxa.Keyer.png", std::ios::binary);
@@ -131,7 +132,7 @@ TEST_F(Describe, WhereUsersFindTheControls) {
         const std::string& name = param->name;
         SCOPED_TRACE(name);
         EXPECT_TRUE(std::all_of(name.begin(), name.end(), [](char c) { return c > ' ' && c < 127; }));
-        EXPECT_NE(param->props.string_at(kOfxParamPropHint).empty(), is_control(*param));
+        EXPECT_FALSE(is_control(*param) && param->props.string_at(kOfxParamPropHint).empty());
         if (param->type == kOfxParamTypeGroup) groups.push_back(name);
         if (!is_control(*param)) continue;
         const std::string& group = param->props.string_at(kOfxParamPropParent);

@@ -72,12 +72,14 @@ TEST_F(Render, WholeAndInTiles) {
 }
 
 TEST_F(Render, ClipsOfAllKinds) {
-    const char *flt = kOfxBitDepthFloat, *wide = kOfxBitDepthShort, *byte = kOfxBitDepthByte;
+    const char *flt = kOfxBitDepthFloat, *wide = kOfxBitDepthShort, *byte = kOfxBitDepthByte,
+               *half = kOfxBitDepthHalf;
     const char *rgba = kOfxImageComponentRGBA, *rgb = kOfxImageComponentRGB, *alpha = kOfxImageComponentAlpha;
     const struct {
         const char *clip, *depth, *components;
         bool upside_down;
     } cases[] = {{"fg", flt, rgb, true},    {"fg", wide, rgba, false},  {"fg", byte, rgb, true},
+                 {"fg", half, rgba, true},  {"bg", half, rgb, false},   {"gm", half, alpha, true},
                  {"cp", byte, rgb, true},   {"bg", wide, rgb, true},    {"gm", flt, alpha, true},
                  {"gm", byte, rgb, false},  {"hm", wide, alpha, false}, {"hm", flt, rgb, false},
                  {"Output", flt, rgb, true}};
@@ -98,7 +100,7 @@ TEST_F(Render, ClipsOfAllKinds) {
         std::vector<float> values;
         for (std::size_t n = 0; n < expected.values.size(); ++n) {
             if (output && n % 4 == 3) continue;
-            values.push_back(static_cast<float>(level_of(expected.values[n], depth)));
+            values.push_back(kept(expected.values[n], depth));
         }
         expected.values = values;
         EXPECT_EQ(differences(effect->render(), expected), 0);
@@ -158,6 +160,33 @@ TEST_F(Render, ImagesShorterThanTheFrameAndBackgroundsThatNeverEnd) {
         };
     });
     EXPECT_EQ(differences(instance(clips, kCleanup)->render(), Reference(repeated, kCleanup).render()), 0);
+}
+
+// Whether hosts deliver what it has beyond the foreground or not.
+TEST_F(Render, CleanPlatesOfAnotherSize) {
+    constexpr int kMore = 6;
+    const OfxRectI& f = kFrame;
+    const struct {
+        OfxRectI box, used;
+        int missing = 0;
+    } cases[] = {{{f.x1 - kMore, f.y1 - kMore, f.x2 + kMore, f.y2 + kMore}, f},
+                 {{f.x1 - kMore, f.y1 - kMore, f.x2 + kMore, f.y2 + kMore}, f, kMore},
+                 {{0, 8, 50, 38}, {0, 8, 50, 38}},
+                 {{5, 3, 90, 30}, {5, 3, f.x2, 30}}};
+    for (const auto& c : cases) {
+        for (const Settings& settings : {kCleanup, look("shadow 1"), look("unmix_method 1")}) {
+            SCOPED_TRACE(std::to_string(&c - cases));
+            Clips clips = all_clips();
+            clips["cp"].pixel = [](double, int channel, int x, int y) {
+                return (channel == 1 ? 0.6f : 0.15f) + 0.01f * static_cast<float>((x * 7 + y * 3) % 13);
+            };
+            Clips used = clips;
+            clips["cp"].box = c.box;
+            clips["cp"].missing = c.missing;
+            used["cp"].box = c.used;
+            expect_frames(*instance(clips, settings), used, settings);
+        }
+    }
 }
 
 TEST_F(Render, AnimatedParametersAtTheFramesTime) {

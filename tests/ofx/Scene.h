@@ -100,8 +100,7 @@ class Reference {
             const auto pixel = [source, time, rgb, matte](Channel c, int x, int y) {
                 if (rgb && c == kAlpha && !matte) return 0.0f;
                 const int component = rgb && matte ? 0 : static_cast<int>(c) - 1;
-                const double level = level_of(source.pixel(time, component, x, y), source.depth);
-                return static_cast<float>(level) / static_cast<float>(white_of(source.depth));
+                return kept(source.pixel(time, component, x, y), source.depth);
             };
             sources_.push_back(std::make_unique<test::FunctionSource>(
                 Box{b.x1, b.y1, b.x2, b.y2}, rgb && !matte ? kMaskRgb : kMaskRgba, pixel));
@@ -114,10 +113,13 @@ class Reference {
         }
         node.invalidate();
     }
-    Frame render() {
-        const test::Picture picture = test::render(node);
+    Frame render() { return rows_of(node); }
+    // Of one of its operators, over the node's frame.
+    Frame rows_of(Zo::Image::Iop& op) {
+        node.validate(true);
+        const test::Picture picture = test::render(op, node.info().box);
         Frame frame({picture.box.x, picture.box.y, picture.box.r, picture.box.t});
-        for (std::size_t i = 0; i < picture.planes[1].size(); ++i) {
+        for (std::size_t i = 0; i < frame.values.size() / 4; ++i) {
             for (std::size_t c = 0; c < 4; ++c) frame.values[4 * i + c] = picture.planes[c + 1][i];
         }
         return frame;
@@ -149,6 +151,7 @@ class OfxTest : public testing::Test {
         services.threads = 2;
         services.threads_fail = false;
         services.time = 0.0;
+        services.answer = kOfxStatReplyNo;
     }
     void TearDown() override {
         host_.reset();

@@ -16,7 +16,9 @@ struct HostOptions {
     std::set<std::string> refused_types{};     // of parameters: answered ErrUnsupported
     std::set<std::string> refused_children{};  // of pages: answered ErrValue
     bool tiles = true;
-    bool bare = false;  // the host tells nothing of itself
+    bool overlays = false;            // interacts over the viewer
+    bool images_in_interacts = true;  // lends images while the pen is used
+    bool bare = false;                // the host tells nothing of itself
 };
 
 class ParamSet;
@@ -52,7 +54,11 @@ class Param {
         const bool number = !is_text() && !is_int();
         props.add_all({kOfxParamPropAnimates}, number ? 1 : 0);
         props.add(kOfxParamPropIsAnimating, {0});
-        props.add_all({kOfxParamPropEvaluateOnChange}, 1);
+        props.add_all({kOfxParamPropEvaluateOnChange, kOfxParamPropCanUndo, kOfxParamPropPersistant}, 1);
+        if (is_text()) {
+            props.add_all({kOfxParamPropStringMode}, kText);
+            props.add_all({kOfxParamPropStringFilePathExists}, 1);
+        }
         props.add_all({kOfxParamPropDefault}, number ? Value(0.0) : is_int() ? Value(0) : kText, dimension);
         if (type == kOfxParamTypeChoice) props.add_lists({kOfxParamPropChoiceOption}, kText);
         if (!number) return;
@@ -77,6 +83,7 @@ class Param {
     bool is_text() const { return type == kOfxParamTypeString; }
     bool is_int() const { return type == kOfxParamTypeBoolean || type == kOfxParamTypeChoice; }
     bool holds_value() const { return dimension > 0; }
+    bool saved() const { return holds_value() && props.int_at(kOfxParamPropPersistant) != 0; }
     bool enabled() const { return props.int_at(kOfxParamPropEnabled) != 0; }
 
     // Linear between keys, held beyond them; Booleans, choices and texts step. Without keys the value.
@@ -166,6 +173,7 @@ class Clip {
         source_ = std::move(source);
         static std::atomic<int> connections{0};
         connection = ++connections;
+        kept.reset();
         const Source none{.depth = kOfxBitDepthNone, .components = kOfxImageComponentNone};
         const Source& s = source_ ? *source_ : none;
         const auto known = props.strings(kOfxImageEffectPropSupportedComponents);
@@ -188,6 +196,7 @@ class Clip {
     const std::string name;
     PropertySet props;
     int connection = 0;  // no other of the process has this number
+    Image::Memory kept;  // by steady sources
 
   private:
     std::shared_ptr<const Source> source_;

@@ -7,6 +7,7 @@
 
 #include <dlfcn.h>
 
+#include "abi/OfxInteract.h"
 #include "ofx/host/Effect.h"
 
 namespace ofxtest {
@@ -17,6 +18,7 @@ struct Services {
     bool threads_fail = false;           // multiThread launches none
     double time = 0.0;                   // that the user looks at
     std::atomic<int> parallel_calls{0};  // of multiThread
+    OfxStatus answer = kOfxStatReplyNo;  // of the user to questions
 };
 inline Services services;
 
@@ -27,6 +29,7 @@ class Host {
         if (!options_.bare) {
             props_.add(kOfxParamHostPropSupportsChoiceAnimation, {1});
             props_.add(kOfxParamHostPropSupportsBooleanAnimation, {1});
+            props_.add(kOfxImageEffectPropSupportsOverlays, {options_.overlays ? 1 : 0});
         }
         host_ = {props_.handle(), fetch_suite};
         for (const std::string& suite : options_.missing) props_.add("missing " + suite, {1});
@@ -56,6 +59,8 @@ class Host {
                    kOfxImageEffectPluginRenderThreadSafety},
                   kText);
         p.add_all({kOfxPropIcon}, kText, 2);
+        p.add_all({kOfxImageEffectPluginPropOverlayInteractV1, kOfxImageEffectPluginPropOverlayInteractV2},
+                  static_cast<void*>(nullptr));
         p.add_lists({kOfxPropVersion}, 0);
         p.add_lists({kOfxImageEffectPropSupportedContexts, kOfxImageEffectPropSupportedPixelDepths,
                      kOfxImageEffectPropClipPreferencesSlaveParam, kOfxPluginPropParamPageOrder},
@@ -84,6 +89,7 @@ class Host {
     }
     decltype(&OfxGetNumberOfPlugins) count;
     decltype(&OfxGetPlugin) plugin;
+    const HostOptions& options() const { return options_; }
     Effect& descriptor() { return *descriptor_; }
     Effect& descriptor(const std::string& context) { return *contexts_.at(context); }
 
@@ -183,7 +189,7 @@ class Instance final : public Effect {
     Values saved() const {
         Values values;
         for (const auto& param : params.all) {
-            if (param->holds_value()) values[param->name] = param->content();
+            if (param->saved()) values[param->name] = param->content();
         }
         return values;
     }
@@ -215,14 +221,11 @@ class Instance final : public Effect {
     // host knows tiles.
     OfxStatus render(Frame& frame, const OfxRectI& w, double time = 0.0, double scale = 1.0,
                      const std::string& field = kOfxImageFieldNone) {
-        Call call{.per_frame = true, .may_fetch = true, .scale = scale, .window = w, .field = field};
-        call.output = &frame;
-        if (params.options.tiles)
-            call.regions = regions_of_interest(canonical_of(w, scale, aspect()), time, scale);
-        PropertySet in = frame_arguments(time, scale);
-        in.add(kOfxImageEffectPropFieldToRender, {field});
-        in.add(kOfxImageEffectPropRenderWindow, {w.x1, w.y1, w.x2, w.y2});
-        return host_.action(kOfxImageEffectActionRender, this, &in, nullptr, call);
+        return render_into(&frame, w, time, scale, field);
+    }
+    // The same for nobody to see.
+    OfxStatus render_unseen(const OfxRectI& w, double time) {
+        return render_into(nullptr, w, time, 1.0, kOfxImageFieldNone);
     }
     // The window of a whole frame.
     OfxRectI window(double time = 0.0, double scale = 1.0) {
@@ -254,6 +257,17 @@ class Instance final : public Effect {
 
   private:
     double aspect() const { return clip(kOfxImageEffectOutputClipName).aspect(); }
+    OfxStatus render_into(Frame* frame, const OfxRectI& w, double time, double scale,
+                          const std::string& field) {
+        Call call{.per_frame = true, .may_fetch = true, .scale = scale, .window = w, .field = field};
+        call.output = frame;
+        if (params.options.tiles)
+            call.regions = regions_of_interest(canonical_of(w, scale, aspect()), time, scale);
+        PropertySet in = frame_arguments(time, scale);
+        in.add(kOfxImageEffectPropFieldToRender, {field});
+        in.add(kOfxImageEffectPropRenderWindow, {w.x1, w.y1, w.x2, w.y2});
+        return host_.action(kOfxImageEffectActionRender, this, &in, nullptr, call);
+    }
     void ask_preferences() {
         preferences = {};
         for (const auto& clip : clips) {

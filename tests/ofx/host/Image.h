@@ -8,7 +8,9 @@
 #include <cmath>
 #include <cstring>
 #include <functional>
+#include <memory>
 
+#include "ZoImage/Samples.h"
 #include "abi/OfxImageEffect.h"
 #include "ofx/host/PropertySet.h"
 
@@ -23,8 +25,8 @@ inline OfxRectD canonical_of(const OfxRectI& p, double scale, double aspect) {
     return {p.x1 * aspect / scale, p.y1 / scale, p.x2 * aspect / scale, p.y2 / scale};
 }
 
-// A finished picture: interleaved channels as the clip stores them (0 to 255, 0 to 65535, or floats), the
-// bottom row first.
+// A finished picture: interleaved channels, the values that the clip's samples stand for, the bottom row
+// first.
 struct Frame {
     explicit Frame(const OfxRectI& b = {}, int channel_count = 4)
         : box(b),
@@ -33,6 +35,14 @@ struct Frame {
     float& at(int x, int y, int c) {
         return values[static_cast<std::size_t>(((y - box.y1) * (box.x2 - box.x1) + x - box.x1) * channels +
                                                c)];
+    }
+
+    Frame cut(const OfxRectI& part) {
+        Frame frame(part, channels);
+        for (int y = part.y1; y < part.y2; ++y) {
+            std::copy_n(&at(part.x1, y, 0), channels * (part.x2 - part.x1), &frame.at(part.x1, y, 0));
+        }
+        return frame;
     }
 
     OfxRectI box;
@@ -46,6 +56,8 @@ struct Call {
     bool per_frame = false;
     bool may_set_params = false;
     bool may_fetch = false;
+    bool refuses_images = false;  // the host lends none now, by its own choice
+    bool may_draw = false;
     double scale = 1.0;
     OfxRectI window{};
     std::string field = kOfxImageFieldNone;
@@ -74,36 +86,51 @@ struct Source {
     bool fails = false;        // fetching replies Failed
     bool endless = false;      // is everywhere; images have what is asked for
     bool scaled = true;        // false: images come at full scale whatever was asked for
+    bool steady = false;       // the same picture at all times: its images lend one memory
 };
 
-// Values from black to white of a depth, and the one that stands for 0 to 1; channels of a pixel.
-inline double white_of(const std::string& depth) {
-    return depth == kOfxBitDepthByte ? 255.0 : depth == kOfxBitDepthShort ? 65535.0 : 1.0;
+// What a clip of the depth keeps of a value: its bits, and the value that they stand for.
+inline unsigned bits_of(float value, const std::string& depth) {
+    namespace zo = Zo::Image;
+    if (depth == kOfxBitDepthByte) return zo::from_float<std::uint8_t>(value);
+    if (depth == kOfxBitDepthShort) return zo::from_float<std::uint16_t>(value);
+    if (depth == kOfxBitDepthHalf) return static_cast<unsigned>(zo::from_float<zo::Half>(value));
+    return std::bit_cast<unsigned>(value);
 }
-inline double level_of(float value, const std::string& depth) {
-    if (depth == kOfxBitDepthFloat) return value;
-    return std::round(std::clamp(static_cast<double>(value), 0.0, 1.0) * white_of(depth));
+inline float value_of(unsigned bits, const std::string& depth) {
+    namespace zo = Zo::Image;
+    if (depth == kOfxBitDepthByte) return zo::to_float(static_cast<std::uint8_t>(bits));
+    if (depth == kOfxBitDepthShort) return zo::to_float(static_cast<std::uint16_t>(bits));
+    if (depth == kOfxBitDepthHalf) return zo::to_float(static_cast<zo::Half>(bits));
+    return std::bit_cast<float>(bits);
+}
+inline float kept(float value, const std::string& depth) {
+    return value_of(bits_of(value, depth), depth);
 }
 inline int channels_of(const std::string& components) {
     return components == kOfxImageComponentRGBA ? 4 : components == kOfxImageComponentRGB ? 3 : 1;
 }
 
-// An image that a plug-in holds. Rows are padded; memory is exactly as large as needed.
+// An image that a plug-in holds. Rows are padded; memory is exactly as large as needed, and that of an
+// earlier image where that is given and fits.
 class Image final : public PropertySet {
   public:
-    Image(const Source& source, const OfxRectI& bounds, const OfxRectI& rod, double scale)
+    using Memory = std::shared_ptr<std::vector<unsigned char>>;
+    Image(const Source& source, const OfxRectI& bounds, const OfxRectI& rod, double scale, const Memory& kept)
         : bounds_(bounds),
-          exact_(source.depth == kOfxBitDepthFloat),
+          depth_(source.depth),
           channels_(channels_of(source.components)),
-          bytes_(exact_                             ? 4U
-                 : source.depth == kOfxBitDepthByte ? 1U
-                                                    : 2U) {
-        constexpr std::size_t kPadding = 5;  // channels at the end of a row
+          bytes_(depth_ == kOfxBitDepthFloat  ? 4U
+                 : depth_ == kOfxBitDepthByte ? 1U
+                                              : 2U) {
+        const std::size_t padding = source.steady ? 0 : 5;  // channels at the end of a row
         const std::size_t line = static_cast<std::size_t>((bounds.x2 - bounds.x1) * channels_) * bytes_;
-        const std::size_t stride = line + kPadding * bytes_;
+        const std::size_t stride = line + padding * bytes_;
         const auto above = static_cast<std::size_t>(std::max(bounds.y2 - bounds.y1 - 1, 0));
-        memory_.assign(bounds.y2 > bounds.y1 ? above * stride + line : 0, kUnwritten);
-        first_ = memory_.data() + (source.upside_down ? above * stride : 0);
+        const std::size_t bytes = bounds.y2 > bounds.y1 ? above * stride + line : 0;
+        is_kept = kept && kept->size() == bytes;
+        memory = is_kept ? kept : std::make_shared<std::vector<unsigned char>>(bytes, kUnwritten);
+        first_ = memory->data() + (source.upside_down ? above * stride : 0);
         row_bytes_ = static_cast<std::ptrdiff_t>(stride) * (source.upside_down ? -1 : 1);
 
         add(kOfxImagePropData, {static_cast<void*>(first_)});
@@ -127,8 +154,7 @@ class Image final : public PropertySet {
             for (int x = bounds_.x1; x < bounds_.x2; ++x) {
                 for (int c = 0; c < channels_; ++c) {
                     const float value = source.pixel(time, channels_ == 1 ? 3 : c, x, line_of(y, field));
-                    const auto bits = exact_ ? std::bit_cast<unsigned>(value)
-                                             : static_cast<unsigned>(level_of(value, source.depth));
+                    const unsigned bits = bits_of(value, depth_);
                     std::memcpy(address(x, y, c), &bits, bytes_);
                 }
             }
@@ -144,15 +170,17 @@ class Image final : public PropertySet {
                 for (int c = 0; c < channels_; ++c) {
                     unsigned bits = 0;
                     std::memcpy(&bits, address(x, y, c), bytes_);
-                    call.output->at(x, y, c) = exact_ ? std::bit_cast<float>(bits) : static_cast<float>(bits);
+                    call.output->at(x, y, c) = value_of(bits, depth_);
                     std::fill_n(address(x, y, c), bytes_, kUnwritten);
                 }
             }
         }
-        if (std::count(memory_.begin(), memory_.end(), kUnwritten) != std::ssize(memory_))
+        if (std::count(memory->begin(), memory->end(), kUnwritten) != std::ssize(*memory))
             note_fault("writes beside the render window or its field");
     }
     bool is_output = false;
+    bool is_kept = false;  // what the memory holds is that of an earlier image
+    Memory memory;
 
   private:
     static constexpr unsigned char kUnwritten = 0xA7;
@@ -167,11 +195,10 @@ class Image final : public PropertySet {
     }
 
     OfxRectI bounds_;
-    bool exact_;  // floats
+    std::string depth_;
     int channels_;
     std::size_t bytes_;  // of a channel
     std::ptrdiff_t row_bytes_;
-    std::vector<unsigned char> memory_;
     unsigned char* first_;
 };
 

@@ -66,6 +66,7 @@ class PropertySet {
     int int_at(const std::string& name, int i = 0) const { return at<int>(name, i); }
     double double_at(const std::string& name, int i = 0) const { return at<double>(name, i); }
     std::string string_at(const std::string& name, int i = 0) const { return at<std::string>(name, i); }
+    void* pointer_at(const std::string& name) const { return at<void*>(name, 0); }
     std::vector<std::string> strings(const std::string& name) const {
         std::vector<std::string> result;
         const auto found = properties_.find(name);

@@ -5,7 +5,7 @@
 
 #include "abi/OfxMessage.h"
 #include "abi/OfxMultiThread.h"
-#include "ofx/host/Host.h"
+#include "ofx/host/Interact.h"
 
 namespace ofxtest {
 
@@ -117,6 +117,14 @@ OfxStatus give(Param& param, const OfxTime* time, std::va_list out) {
     return kOfxStatOK;
 }
 
+// A step to undo of its own, or part of the block that the plug-in opened.
+void remember(Param& param) {
+    if (param.props.int_at(kOfxParamPropCanUndo) == 0) return;
+    ParamSet& set = param.owner;
+    if (set.open_blocks == 0) set.undo.emplace_back();
+    set.undo.back().emplace_back(&param, param.content());
+}
+
 OfxStatus take(Param& param, const OfxTime* key, std::va_list in) {
     if (!Call::now().may_set_params) note_fault("sets a parameter at the wrong time: " + param.name);
     if (!param.holds_value())
@@ -125,16 +133,20 @@ OfxStatus take(Param& param, const OfxTime* key, std::va_list in) {
     if (param.is_text()) content.text = va_arg(in, const char*);
     for (int i = 0; i < param.dimension && !param.is_text(); ++i)
         content.numbers.push_back(param.is_int() ? va_arg(in, int) : va_arg(in, double));
-    // A step of its own, or part of the block that the plug-in opened.
-    ParamSet& set = param.owner;
-    if (set.open_blocks == 0) set.undo.emplace_back();
-    set.undo.back().emplace_back(&param, param.content());
+    remember(param);
     if (key != nullptr) {
         param.set_keys({{*key, content.numbers}});
     } else {
         param.assign(content);
     }
-    if (set.when_edited) set.when_edited(param.name);
+    if (param.owner.when_edited) param.owner.when_edited(param.name);
+    return kOfxStatOK;
+}
+
+OfxStatus delete_keys(Param& param) {
+    if (!Call::now().may_set_params) note_fault("deletes keys at the wrong time: " + param.name);
+    remember(param);
+    param.assign(param.value(services.time));
     return kOfxStatOK;
 }
 
@@ -193,6 +205,7 @@ OfxStatus find_clip(Effect& effect, const char* name, OfxImageClipHandle* clip, 
 OfxStatus get_image(Clip& clip, OfxTime time, const OfxRectD* region, OfxPropertySetHandle* image) {
     const Source* source = clip.source();
     const Call& call = Call::now();
+    if (call.refuses_images) return kOfxStatFailed;
     if (!call.may_fetch) return note_fault("fetches an image at the wrong time: " + clip.name);
     if (source == nullptr || source->fails) return kOfxStatFailed;
     const double scale = source->scaled ? call.scale : 1.0;
@@ -201,16 +214,17 @@ OfxStatus get_image(Clip& clip, OfxTime time, const OfxRectD* region, OfxPropert
     if (region == nullptr && asked != call.regions.end()) region = &asked->second;
     const OfxRectI part = region != nullptr ? pixels_of(*region, scale, clip.aspect()) : rod;
     const int n = source->missing;
-    OfxRectI bounds{std::max(rod.x1, part.x1) + n, std::max(rod.y1, part.y1) + n,
-                    std::min(rod.x2, part.x2) - n, std::min(rod.y2, part.y2) - n};
+    OfxRectI bounds{std::max(rod.x1 + n, part.x1), std::max(rod.y1 + n, part.y1),
+                    std::min(rod.x2 - n, part.x2), std::min(rod.y2 - n, part.y2)};
     const OfxRectI& w = call.window;
     if (clip.is_output()) bounds = {w.x1 - 3, w.y1 - 2, w.x2 + 1, w.y2 + 4};  // a little more than the window
-    auto made = std::make_unique<Image>(*source, bounds, rod, scale);
+    auto made = std::make_unique<Image>(*source, bounds, rod, scale, clip.kept);
+    if (source->steady) clip.kept = made->memory;
     made->is_output = clip.is_output();
     if (!clip.is_output()) {
         if (source->identified)
             made->add(kOfxImagePropUniqueIdentifier, {clip.name + std::to_string(clip.connection)});
-        made->fill(*source, time, call.field);
+        if (!made->is_kept) made->fill(*source, time, call.field);
     }
     *image = made.release()->handle();
     return kOfxStatOK;
@@ -273,12 +287,40 @@ OfxStatus show(void* effect, const char* type, const char*, const char* format, 
     std::vsnprintf(text, sizeof text, format, values);
     va_end(values);
     shown.add((kPersistent ? "*" : "") + std::string(type) + ": " + text);
-    return kOfxStatOK;
+    return type == std::string(kOfxMessageQuestion) ? services.answer : kOfxStatOK;
 }
 
 OfxStatus clear_persistent(void*) {
     begin_call();
     shown.add("*cleared");
+    return kOfxStatOK;
+}
+
+OfxStatus interact_properties(Interact& interact, OfxPropertySetHandle* props) {
+    *props = interact.props.handle();
+    return kOfxStatOK;
+}
+
+OfxStatus redraw(Interact& interact) {
+    ++interact.redraws;
+    return kOfxStatOK;
+}
+
+std::array<float, 3> paint{};
+
+OfxStatus set_colour(OfxDrawContextHandle, const OfxRGBAColourF* colour) {
+    paint = {colour->r, colour->g, colour->b};
+    return kOfxStatOK;
+}
+
+OfxStatus set_line_width(OfxDrawContextHandle, float) {
+    return kOfxStatOK;
+}
+
+OfxStatus draw_shape(OfxDrawContextHandle, OfxDrawPrimitive primitive, const OfxPointD* points, int count) {
+    if (!may_draw()) return kOfxStatFailed;
+    Shape& shape = drawing.shapes.emplace_back(Shape{primitive == kOfxDrawPrimitivePolygon, paint});
+    for (int n = 0; n < count; ++n) shape.points.push_back({points[n].x, points[n].y});
     return kOfxStatOK;
 }
 
@@ -290,6 +332,8 @@ struct Suites {
     OfxImageEffectSuiteV1 effect{};
     OfxMultiThreadSuiteV1 threads{};
     OfxMessageSuiteV2 message{show<false>, show<true>, clear_persistent};
+    OfxInteractSuiteV1 interact{};
+    OfxDrawSuiteV1 draw{};
 
     Suites() {
         property.propSetPointer = entered<set_one<void*>>;
@@ -308,6 +352,7 @@ struct Suites {
         parameter.paramGetValueAtTime = values_at<give>;
         parameter.paramSetValue = values<take>;
         parameter.paramSetValueAtTime = values_at<take>;
+        parameter.paramDeleteAllKeys = entered<delete_keys>;
         parameter.paramEditBegin = entered<edit_begin>;
         parameter.paramEditEnd = entered<edit_end>;
         effect.getPropertySet = entered<get_properties>;
@@ -320,6 +365,11 @@ struct Suites {
         effect.abort = entered<abort_wanted>;
         threads.multiThread = multi_thread;
         threads.multiThreadNumCPUs = cpus;
+        interact.interactGetPropertySet = entered<interact_properties>;
+        interact.interactRedraw = entered<redraw>;
+        draw.setColour = set_colour;
+        draw.setLineWidth = set_line_width;
+        draw.draw = draw_shape;
     }
 };
 
@@ -330,7 +380,8 @@ const void* Host::fetch_suite(OfxPropertySetHandle handle, const char* name, int
     static const std::map<std::string, const void*> suites{
         {"OfxPropertySuite 1", &all.property},   {"OfxImageEffectSuite 1", &all.effect},
         {"OfxParameterSuite 1", &all.parameter}, {"OfxMessageSuite 1", &all.message},
-        {"OfxMultiThreadSuite 1", &all.threads}, {"OfxMessageSuite 2", &all.message}};
+        {"OfxMultiThreadSuite 1", &all.threads}, {"OfxMessageSuite 2", &all.message},
+        {"OfxInteractSuite 1", &all.interact},   {"OfxDrawSuite 1", &all.draw}};
     begin_call();
     // Of the host only its property set comes along: what it lacks is noted there.
     const std::string key = std::string(name) + ' ' + std::to_string(version);

@@ -1,0 +1,267 @@
+// The overlay: pen and key events in, knobs and drawings out.
+#include <gmock/gmock.h>
+
+#include <map>
+
+#include "ofx/Scene.h"
+#include "ofx/host/Interact.h"
+
+namespace ofxtest {
+namespace {
+
+using Zo::Image::Box;
+using Zo::Image::Knob;
+
+class Overlay : public OfxTest {
+  protected:
+    // An instance in a host with overlays, its tool active and nothing to undo.
+    void start(HostOptions options = {}, const Settings& settings = {{"screen_color", {0.2, 0.5, 0.2}}},
+               const Clips& clips = two_clips()) {
+        close();
+        options.overlays = true;
+        host(options);
+        effect_ = instance(clips, settings);
+        pen_ = std::make_unique<Interact>(*host_, *effect_);
+        effect_->params.undo.clear();
+    }
+    void use(const std::string& tool, double shape = 0.0) {
+        effect_->press(tool);
+        effect_->set("sampling_shape", {shape});
+        effect_->params.undo.clear();
+    }
+    void close() {
+        pen_.reset();
+        effect_.reset();
+    }
+    void TearDown() override {
+        close();
+        OfxTest::TearDown();
+    }
+    std::string list(const char* name) { return effect_->params.get(name).value().text; }
+    // The dots, which are filled or, in other frames, rings.
+    std::vector<Shape> dots() {
+        std::vector<Shape> found;
+        for (const Shape& shape : pen_->draw(true).shapes) {
+            if (shape.points.size() > 4) found.push_back(shape);
+        }
+        return found;
+    }
+
+    std::unique_ptr<Instance> effect_;
+    std::unique_ptr<Interact> pen_;
+};
+
+constexpr int kControl = 0xFFE3, kDelete = 0xFFFF, kEscape = 0xFF1B;
+
+// What a stroke of areas gives where the node is asked itself.
+void stroke(Reference& node, const std::string& tool, const std::vector<Box>& areas) {
+    Knob& button = node.panel.get(tool);
+    button.stroke(areas);
+    button.activate();
+    button.changed();
+}
+
+void expect_lists_and_knobs(const Instance& effect, const Zo::Image::KnobPanel& panel) {
+    for (const char* name : {"us_add_overlay", "us_restore_spill", "us_unmix_solid"}) {
+        EXPECT_EQ(effect.params.get(name).value().text, panel.get(name).text()) << name;
+    }
+    for (const char* name : {"screen_color", "screen_tolerance", "brights", "cleanup_recover",
+                             "spill_strength", "warm", "cool"}) {
+        const std::vector<double> numbers = effect.params.get(name).value().numbers;
+        for (std::size_t i = 0; i < numbers.size(); ++i) {
+            EXPECT_EQ(static_cast<float>(numbers[i]),
+                      static_cast<float>(panel.get(name).get_value(static_cast<int>(i))))
+                << name;
+        }
+    }
+}
+
+TEST_F(Overlay, BoxesAndStrokesAreWhatTheNodeItselfMakesOfThem) {
+    const std::vector<Box> dabs{{-4, 6, -1, 9}, {-3, 6, 0, 9}, {-2, 6, 1, 9}, {-1, 6, 2, 9}};
+    const struct {
+        const char* tool;
+        double shape;
+        Interact::Points path;
+        std::vector<Box> areas;
+    } cases[] = {
+        {"toolbar_screen", 0, {{-3.5, 15.5}, {3, 9}, {7.2, 6.4}}, {{-4, 6, 8, 16}}},
+        {"toolbar_addoverlay", 0, {{12.5, 6.5}, {23.5, 15.5}}, {{12, 6, 24, 16}}},
+        {"toolbar_restorespill", 0, {{30.1, 20.1}, {37.9, 27.9}}, {{30, 20, 38, 28}}},
+        {"toolbar_unmixsolid", 0, {{34.5, 24.5}}, {{34, 24, 35, 25}}},
+        // What lies beyond the frame is cut off.
+        {"toolbar_screen", 0, {{-40, -40}, {-2.5, 6.5}}, {{-7, 3, -2, 7}}},
+        {"toolbar_screen", 1, {{-2.5, 7.5}, {0.5, 7.5}}, dabs},
+        {"toolbar_addoverlay", 1, {{-2.5, 7.5}, {0.5, 7.5}}, dabs},
+    };
+    start();
+    effect_->set("sampling_brush", {3});
+    effect_->set("view", {1});  // whatever is shown, the plate is sampled
+    Reference node(two_clips(), {{"screen_color", {0.2, 0.5, 0.2}}});
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.tool) + ' ' + std::to_string(&c - cases));
+        use(c.tool, c.shape);
+        const Instance::Values before = effect_->saved();
+        pen_->drag(c.path);
+        stroke(node, c.tool, c.areas);
+        expect_lists_and_knobs(*effect_, node.panel);
+        EXPECT_EQ(Image::held, 0);
+        const Instance::Values after = effect_->saved();
+        ASSERT_EQ(effect_->params.undo.size(), 1U);
+        EXPECT_NE(after, before);
+        effect_->undo();
+        EXPECT_EQ(effect_->saved(), before);
+        pen_->drag(c.path);
+        EXPECT_EQ(effect_->saved(), after);
+    }
+    EXPECT_GT(pen_->redraws, 10);
+    shown.take();
+}
+
+TEST_F(Overlay, SamplesAreDotsThatCanBeRemoved) {
+    for (const bool control : {false, true}) {
+        start();
+        use("toolbar_addoverlay");
+        pen_->drag({{12, 6}, {24, 16}});
+        pen_->drag({{-4, 6}, {8, 16}});
+        pen_->pen(kOfxInteractActionPenMotion, 60, 40);
+        const std::string both = list("us_add_overlay"), plates = list("us_add_overlay_cp");
+        std::vector<Shape> shapes = dots();
+        // A disc, and its edge in two colours.
+        ASSERT_EQ(shapes.size(), 6U);
+        EXPECT_TRUE(shapes[0].filled);
+        // In the plate's colour there: backing in half light, then in full.
+        EXPECT_NEAR(shapes[0].colour[1], 0.3f, 0.01f);
+        EXPECT_NEAR(shapes[3].colour[1], 0.6f, 0.01f);
+        double x = 0.0, y = 0.0;
+        for (const auto& point : shapes[0].points) {
+            x += point[0] / static_cast<double>(shapes[0].points.size());
+            y += point[1] / static_cast<double>(shapes[0].points.size());
+        }
+        EXPECT_NEAR(x, 18.0, 1e-6);
+        EXPECT_NEAR(y, 11.0, 1e-6);
+        EXPECT_EQ(pen_->draw(true).shapes, pen_->draw(false).shapes);
+
+        services.time = 7.0;  // where the samples were not taken
+        EXPECT_THAT(dots(),
+                    testing::AllOf(testing::SizeIs(4), testing::Each(testing::Field(&Shape::filled, false))));
+        services.time = 0.0;
+        use("toolbar_restorespill");
+        EXPECT_EQ(dots().size(), 0U) << "of another tool";
+        use("toolbar_addoverlay");
+
+        const auto remove = [&](double at_x, double at_y) {
+            if (control) {
+                pen_->key(kOfxInteractActionKeyDown, kControl);
+                pen_->drag({{at_x, at_y}});
+                pen_->key(kOfxInteractActionKeyUp, kControl);
+            } else {
+                pen_->pen(kOfxInteractActionPenMotion, at_x, at_y);
+                pen_->key(kOfxInteractActionKeyDown, kDelete);
+            }
+        };
+        remove(40, 30);
+        EXPECT_EQ(list("us_add_overlay"), both) << "no sample is there";
+        remove(18.5, 11.5);
+        EXPECT_EQ(dots().size(), 3U);
+        EXPECT_NE(list("us_add_overlay"), both);
+        EXPECT_TRUE(both.ends_with(list("us_add_overlay")));
+        EXPECT_TRUE(plates.ends_with(list("us_add_overlay_cp")));
+        EXPECT_NE(list("us_add_overlay_cp"), plates);
+        ASSERT_EQ(effect_->params.undo.size(), 1U);
+        effect_->undo();
+        EXPECT_EQ(dots().size(), 6U);
+        EXPECT_EQ(list("us_add_overlay"), both);
+        // Dots are saved with the project, and go with their samples.
+        const auto loaded = instance(two_clips(), {}, kOfxImageEffectContextGeneral, effect_->saved());
+        EXPECT_EQ(loaded->params.get("sampling_marks").value(),
+                  effect_->params.get("sampling_marks").value());
+        effect_->press("screen_correct_reset");
+        EXPECT_EQ(dots().size(), 0U);
+        shown.take();
+    }
+}
+
+// Where a host lends no picture while the pen is used, a button looks at the stroke.
+TEST_F(Overlay, AStrokeWaitsForThePicture) {
+    start({.images_in_interacts = false});
+    EXPECT_FALSE(effect_->params.get("sampling_take").enabled());
+    use("toolbar_screen");
+    pen_->drag({{-4, 6}, {8, 16}});
+    EXPECT_EQ(effect_->params.get("screen_color").value().numbers[1], 0.5);
+    EXPECT_TRUE(effect_->params.get("sampling_take").enabled());
+    EXPECT_EQ(pen_->draw(true).shapes.size(), 2U) << "the box that waits";
+    EXPECT_EQ(pen_->key(kOfxInteractActionKeyDown, kEscape), kOfxStatOK);
+    EXPECT_EQ(pen_->draw(true).shapes.size(), 0U) << "given up";
+    EXPECT_FALSE(effect_->params.get("sampling_take").enabled());
+    pen_->drag({{200, 200}, {210, 210}});
+    EXPECT_THAT(shown.take(), testing::ElementsAre(testing::HasSubstr("outside of the foreground")));
+    EXPECT_FALSE(effect_->params.get("sampling_take").enabled());
+
+    // In the frame where it was drawn.
+    use("toolbar_addoverlay");
+    effect_->params.get("screen_tolerance").set_keys({{0.0, {0.51, 0.51, 0.52}}, {8.0, {0.6, 0.6, 0.6}}});
+    pen_->drag({{12, 6}, {24, 16}});
+    effect_->go_to(8.0);
+    effect_->press("sampling_take");
+    EXPECT_EQ(effect_->params.undo.size(), 1U);
+    effect_->go_to(0.0);
+    Reference node(two_clips(), {{"screen_color", {0.2, 0.5, 0.2}}});
+    stroke(node, "toolbar_addoverlay", {{12, 6, 24, 16}});
+    expect_lists_and_knobs(*effect_, node.panel);
+    EXPECT_FALSE(effect_->params.get("sampling_take").enabled());
+    EXPECT_EQ(dots().size(), 3U);
+}
+
+TEST_F(Overlay, GivesUpAndLeavesOtherEventsAlone) {
+    start();
+    EXPECT_EQ(pen_->pen(kOfxInteractActionPenDown, 0, 8), kOfxStatReplyDefault) << "no tool is active";
+    use("toolbar_screen");
+    EXPECT_EQ(pen_->pen(kOfxInteractActionPenMotion, 0, 8), kOfxStatReplyDefault);
+    EXPECT_EQ(pen_->key(kOfxInteractActionKeyDown, kDelete), kOfxStatReplyDefault);
+    EXPECT_EQ(pen_->key(kOfxInteractActionKeyDown, kEscape), kOfxStatReplyDefault);
+    const Instance::Values before = effect_->saved();
+    for (const bool focus : {false, true}) {
+        EXPECT_EQ(pen_->pen(kOfxInteractActionPenDown, 0, 8), kOfxStatOK);
+        EXPECT_EQ(pen_->pen(kOfxInteractActionPenMotion, 5, 12), kOfxStatOK);
+        EXPECT_EQ(pen_->draw(true).shapes.size(), 2U) << "the box";
+        if (focus) {
+            pen_->lose_focus();
+        } else {
+            EXPECT_EQ(pen_->key(kOfxInteractActionKeyDown, kEscape), kOfxStatOK);
+        }
+        EXPECT_EQ(pen_->pen(kOfxInteractActionPenUp, 5, 12), kOfxStatReplyDefault);
+        EXPECT_EQ(pen_->draw(true).shapes.size(), 0U);
+    }
+    // Outside of the picture there is nothing to look at.
+    EXPECT_EQ(pen_->pen(kOfxInteractActionPenDown, 200, 200), kOfxStatOK);
+    EXPECT_EQ(pen_->pen(kOfxInteractActionPenUp, 220, 230), kOfxStatFailed);
+    EXPECT_THAT(shown.take(), testing::ElementsAre(testing::HasSubstr("outside of the foreground")));
+    EXPECT_EQ(effect_->saved(), before);
+    effect_->set("sampling_tool", {0});
+    EXPECT_EQ(pen_->pen(kOfxInteractActionPenDown, 0, 8), kOfxStatReplyDefault);
+}
+
+TEST_F(Overlay, HostsHaveEitherThePenOrTheCorners) {
+    const std::pair<const char*, bool> secret[] = {
+        {"sampling_first_corner", true}, {"sampling_second_corner", true}, {"sampling_tool", false},
+        {"sampling_shape", false},       {"sampling_brush", false},        {"sampling_take", false}};
+    for (const bool overlays : {true, false}) {
+        const Effect& effect = host({.overlays = overlays}).descriptor(kOfxImageEffectContextGeneral);
+        for (const auto& [name, with] : secret) {
+            EXPECT_EQ(effect.params.get(name).props.int_at(kOfxParamPropSecret) != 0, with == overlays)
+                << name;
+        }
+        EXPECT_EQ(effect.props.pointer_at(kOfxImageEffectPluginPropOverlayInteractV1) != nullptr, overlays);
+    }
+    start({.missing = {"OfxDrawSuite 1"}});
+    use("toolbar_addoverlay");
+    pen_->drag({{12, 6}, {24, 16}});
+    EXPECT_EQ(pen_->draw(false).shapes.size(), 3U);
+    close();
+    host({.missing = {"OfxInteractSuite 1"}, .overlays = true});
+    EXPECT_EQ(host_->descriptor().props.pointer_at(kOfxImageEffectPluginPropOverlayInteractV1), nullptr);
+    shown.take();
+}
+
+}  // namespace
+}  // namespace ofxtest

@@ -1,0 +1,211 @@
+// What the panel tells, shows and exchanges.
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "ZoImage/Script.h"
+#include "ZoImage/StatusColour.h"
+#include "ofx/Scene.h"
+
+namespace ofxtest {
+namespace {
+
+using Panel = OfxTest;
+using testing::HasSubstr;
+using Zo::Image::Iop;
+
+std::string report(const Instance& effect) {
+    return effect.params.get("report").value().text;
+}
+
+void sample(Instance& effect, const char* tool, const OfxRectI& r) {
+    effect.set("sampling_first_corner", {static_cast<double>(r.x1), static_cast<double>(r.y1)});
+    effect.set("sampling_second_corner", {static_cast<double>(r.x2), static_cast<double>(r.y2)});
+    effect.press(tool);
+}
+
+TEST_F(Panel, SaysWhatIsMissingAndWhatToolsDid) {
+    const auto effect = instance(two_clips(), {});
+    EXPECT_THAT(report(*effect), HasSubstr("No screen colour is chosen"));
+    sample(*effect, "toolbar_addoverlay", kShade);
+    EXPECT_THAT(report(*effect), HasSubstr("no screen colour is chosen, which the tool needs"));
+    effect->set("screen_color", {0, 0.5, 0});
+    effect->set("screen_color", {0, 0, 0});
+    EXPECT_THAT(report(*effect), HasSubstr("No screen colour is chosen"));
+    effect->set("screen_color", kScreen);
+    EXPECT_EQ(report(*effect), "");
+    services.time = 3.0;
+    sample(*effect, "toolbar_addoverlay", kShade);
+    EXPECT_THAT(report(*effect), HasSubstr("toolbar_addoverlay @3 12,6,24,16: "));
+    EXPECT_THAT(report(*effect), HasSubstr("samples satisfied, 0 not"));
+    EXPECT_THAT(report(*effect), HasSubstr("nothing had to be turned"));
+    effect->set("screen_tolerance", {0.1, 0.1, 0.1});
+    sample(*effect, "toolbar_addoverlay", kShade);
+    EXPECT_THAT(report(*effect), HasSubstr("\n  screen_tolerance"));
+    effect->connect("bg", nullptr);
+    sample(*effect, "toolbar_matchshadow", kShade);
+    EXPECT_THAT(report(*effect), HasSubstr("the background, whose colour the tool needs, is black there"));
+    // One step to undo a tool: what is told is none.
+    EXPECT_EQ(instance(two_clips(), {}, kOfxImageEffectContextGeneral, effect->saved())->params.undo.size(),
+              0U);
+    shown.take();
+}
+
+TEST_F(Panel, SamplingOutsideOfTheFrameIsRefused) {
+    const auto effect = instance(two_clips(), look(""));
+    const OfxRectI outside[] = {{100, 5, 120, 20}, {0, -40, 20, -10}, {-30, 5, -8, 20}};
+    for (const OfxRectI& box : outside) {
+        const std::vector<double> before = effect->params.get("screen_color").value().numbers;
+        sample(*effect, "toolbar_screen", box);
+        EXPECT_EQ(effect->params.get("screen_color").value().numbers, before);
+        EXPECT_THAT(shown.take(),
+                    testing::ElementsAre(HasSubstr("outside of the foreground, which is -7,3 to 64,44")));
+        EXPECT_FALSE(faults.take().empty()) << "the action should fail";
+    }
+}
+
+// Every stage by its name, as the operator within makes it; tiles of some.
+TEST_F(Panel, ViewsShowWhatStagesMake) {
+    const Settings settings = look(
+        "shadow 1, shadows_blur 2 2, cleanup 1, cleanup_shrink 2 1, cleanup_blur 1 1, film 1, edge_kernel 3, "
+        "screen_shrink 1 1, color_conformance 1");
+    for (const char* method : {"", ", unmix_method 1"}) {
+        Settings all = settings;
+        if (*method != 0) all["unmix_method"] = {1};
+        const auto effect = instance(all_clips(), all);
+        const auto views = effect->params.get("view").props.strings(kOfxParamPropChoiceOption);
+        EXPECT_GT(views.size(), 30U);
+        EXPECT_EQ(effect->preferences.string_at(kOfxImageEffectPropPreMultiplication), kOfxImageOpaque);
+        for (std::size_t n = 0; n < views.size(); ++n) {
+            SCOPED_TRACE(views[n]);
+            effect->set("view", {static_cast<double>(n)});
+            Reference reference(all_clips(), all);
+            Frame expected = reference.render();
+            if (n == 1 || n == 2) {
+                for (std::size_t i = 0; i < expected.values.size(); i += 4) {
+                    const float alpha = expected.values[i + 3];
+                    const std::uint32_t colour = Zo::Image::status_colour(alpha);
+                    for (std::size_t c = 0; c < 3; ++c) {
+                        const auto level = static_cast<std::uint8_t>(colour >> (16 - 8 * c));
+                        expected.values[i + c] = n == 1 ? alpha : Zo::Image::to_float(level);
+                    }
+                }
+            } else if (n > 2) {
+                Iop* const stage = reference.node.child(views[n])->as_iop();
+                expected = reference.rows_of(*stage);
+            }
+            EXPECT_EQ(differences(effect->render(), expected), 0);
+            Frame tile({10, 10, 30, 22});
+            EXPECT_EQ(effect->render(tile, tile.box), kOfxStatOK);
+            EXPECT_EQ(differences(tile, expected.cut(tile.box)), 0);
+        }
+    }
+    // A view is no way to pass pictures on: it is not saved, and the state is that of a finished picture.
+    const auto effect = instance(two_clips(), {{"output_mode", {1}}});
+    EXPECT_EQ(effect->identity(), "fg");
+    effect->set("view", {1});
+    EXPECT_EQ(effect->identity(), "none");
+    EXPECT_EQ(effect->preferences.string_at(kOfxImageEffectPropPreMultiplication), kOfxImageOpaque);
+    EXPECT_EQ(effect->saved().count("view"), 0U);
+    EXPECT_EQ(effect->params.get("view").props.int_at(kOfxParamPropAnimates), 0);
+}
+
+class Exchange : public OfxTest {
+  protected:
+    void SetUp() override {
+        OfxTest::SetUp();
+        folder_ = std::filesystem::path(testing::TempDir()) / ("veloxa-ofx-" + std::to_string(getpid()));
+        std::filesystem::create_directories(folder_);
+    }
+    void TearDown() override {
+        std::filesystem::remove_all(folder_);
+        OfxTest::TearDown();
+    }
+    void choose(Instance& effect, const std::string& file) {
+        effect.params.get("settings_file").assign({{}, file});
+    }
+    std::string path(const char* name) const { return folder_ / name; }
+    static std::string content(const std::string& file) {
+        std::ifstream in(file);
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+    static void write(const std::string& file, const std::string& text) { std::ofstream(file) << text; }
+
+    std::filesystem::path folder_;
+};
+
+TEST_F(Exchange, SettingsGoOutAndComeIn) {
+    const Settings settings = look("cleanup 1, cleanup_shrink 2 1, spill_strength 12, output_mode 2");
+    const auto effect = instance(two_clips(), settings);
+    sample(*effect, "toolbar_addoverlay", kShade);
+    const std::string file = path("näme of.veloxa");
+    choose(*effect, file);
+    // What is animated, as it is in the frame that is shown; hosts need not tell which that is.
+    services.time = 4.0;
+    effect->params.get("cool").set_keys({{0.0, {0.0}}, {8.0, {50.0}}});
+    effect->press("save_settings");
+    EXPECT_THAT(content(file), HasSubstr("cool 25\n"));
+    Reference node(two_clips(), settings);
+    Zo::Image::apply_script(node.panel, Zo::Image::read_script(content(file), file).front(), file);
+    EXPECT_EQ(content(file), Zo::Image::write_script(node.panel));
+    EXPECT_THAT(report(*effect), HasSubstr("settings are saved to"));
+    node.node.invalidate();
+
+    // What the file does not name gets its default.
+    const auto other = instance(two_clips(), {{"brights", {120}}, {"film", {1}}});
+    other->params.get("warm").set_keys({{4.0, {0.0}}, {8.0, {50.0}}});
+    choose(*other, file);
+    other->params.undo.clear();
+    const Instance::Values before = other->saved();
+    other->press("load_settings");
+    EXPECT_EQ(differences(other->render(), node.render()), 0);
+    EXPECT_EQ(other->params.get("brights").value(), effect->params.get("brights").value());
+    EXPECT_TRUE(other->params.get("warm").content().keys.empty());
+    ASSERT_EQ(other->params.undo.size(), 1U);
+    other->undo();
+    EXPECT_EQ(other->saved(), before);
+
+    // A file that is there is replaced if the user says so.
+    other->press("save_settings");
+    EXPECT_EQ(content(file), Zo::Image::write_script(node.panel));
+    EXPECT_THAT(shown.take(), testing::Contains(HasSubstr("OfxMessageQuestion")));
+    services.answer = kOfxStatReplyYes;
+    other->press("save_settings");
+    EXPECT_THAT(content(file), HasSubstr("brights 120"));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_), {}), 1) << "nothing beside it";
+    shown.take();
+}
+
+TEST_F(Exchange, FilesThatDoNotFitChangeNothing) {
+    const auto effect = instance(two_clips(), look("brights 120"));
+    const Instance::Values before = effect->saved();
+    const std::pair<const char*, const char*> cases[] = {
+        {"Veloxa {\n brights 130\n nonsense 3\n}\n", "bad.veloxa:3: "},
+        {"Veloxa {\n brights many\n}\n", "bad.veloxa:2: "},
+        {"Veloxa {\n}\nVeloxa {\n}\n", "bad.veloxa:3: a second Veloxa group"},
+        {"Other {\n}\n", "bad.veloxa: has no Veloxa { ... } group"},
+        {nullptr, "bad.veloxa: No such file"},
+        {"", "choose a settings file first"},
+    };
+    for (const auto& [text, message] : cases) {
+        SCOPED_TRACE(message);
+        const std::string file = path("bad.veloxa");
+        std::filesystem::remove(file);
+        const bool chosen = text == nullptr || *text != 0;
+        if (text != nullptr && chosen) write(file, text);
+        choose(*effect, chosen ? file : "");
+        effect->press("load_settings");
+        EXPECT_THAT(shown.take(), testing::ElementsAre(HasSubstr(message)));
+        Instance::Values after = effect->saved();
+        after["settings_file"] = before.at("settings_file");
+        EXPECT_EQ(after, before);
+    }
+    choose(*effect, path("no/such/folder.veloxa"));
+    effect->press("save_settings");
+    EXPECT_THAT(shown.take(), testing::ElementsAre(HasSubstr("folder.veloxa: No such file")));
+    faults.take();
+}
+
+}  // namespace
+}  // namespace ofxtest

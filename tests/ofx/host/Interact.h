@@ -1,0 +1,110 @@
+// The overlay's instance over a test host's viewer: sends it pen and key events, and keeps what it draws.
+#pragma once
+
+#include <array>
+
+#include "ofx/host/Host.h"
+
+namespace ofxtest {
+
+// In the order of drawing, by whichever way.
+struct Shape {
+    bool filled = false;
+    std::array<float, 3> colour{};
+    std::vector<std::array<double, 2>> points{};
+    friend bool operator==(const Shape&, const Shape&) = default;
+};
+struct Drawing {
+    std::vector<Shape> shapes;
+    int attributes_pushed = 0;  // and not popped
+};
+inline Drawing drawing;
+// False, and a fault, outside of a draw action.
+inline bool may_draw() {
+    if (!Call::now().may_draw) note_fault("draws at the wrong time");
+    return Call::now().may_draw;
+}
+
+class Interact {
+  public:
+    Interact(Host& host, Instance& effect)
+        : host_(host),
+          effect_(effect),
+          entry_(reinterpret_cast<OfxPluginEntryPoint*>(
+              host.descriptor().props.pointer_at(kOfxImageEffectPluginPropOverlayInteractV1))) {
+        if (entry_ == nullptr) throw std::runtime_error("the plug-in has no overlay");
+        props.add(kOfxPropEffectInstance, {static_cast<void*>(&effect_)});
+        props.add(kOfxPropInstanceData, {static_cast<void*>(nullptr)}, true);
+        props.add_lists({kOfxInteractPropSlaveToParam}, kText);
+        send(kOfxActionDescribe, nullptr);
+        send(kOfxActionCreateInstance, nullptr);
+    }
+    ~Interact() { send(kOfxActionDestroyInstance, nullptr); }
+    Interact(const Interact&) = delete;
+    Interact& operator=(const Interact&) = delete;
+
+    using Points = std::vector<std::array<double, 2>>;
+    OfxStatus pen(const char* action, double x, double y) {
+        PropertySet in = arguments();
+        in.add(kOfxInteractPropPenPosition, {x, y});
+        return send(action, &in);
+    }
+    // Down at the first, up at the last, which may be the same.
+    void drag(const Points& points) {
+        pen(kOfxInteractActionPenMotion, points.front()[0], points.front()[1]);
+        pen(kOfxInteractActionPenDown, points.front()[0], points.front()[1]);
+        for (const auto& p : points) pen(kOfxInteractActionPenMotion, p[0], p[1]);
+        pen(kOfxInteractActionPenUp, points.back()[0], points.back()[1]);
+    }
+    OfxStatus key(const char* action, int symbol) {
+        PropertySet in = arguments();
+        in.add(kOfxPropKeySym, {symbol});
+        return send(action, &in);
+    }
+    OfxStatus lose_focus() {
+        PropertySet in = arguments();
+        return send(kOfxInteractActionLoseFocus, &in);
+    }
+    // With the draw suite, or for OpenGL.
+    Drawing draw(bool suite) {
+        drawing = {};
+        PropertySet in = arguments();
+        if (suite) in.add(kOfxInteractPropDrawContext, {static_cast<void*>(&drawing)});
+        send(kOfxInteractActionDraw, &in, {.may_draw = true});
+        if (drawing.attributes_pushed != 0) note_fault("leaves attributes of OpenGL changed");
+        return drawing;
+    }
+
+    PropertySet props;
+    int redraws = 0;
+    double pixel = 0.5;  // of the screen
+
+  private:
+    PropertySet arguments() const {
+        PropertySet in = frame_arguments(services.time, effect_.viewer_scale);
+        in.add(kOfxPropEffectInstance, {static_cast<void*>(&effect_)});
+        in.add(kOfxInteractPropPixelScale, {pixel, pixel});
+        return in;
+    }
+    OfxStatus send(const char* action, PropertySet* in) {
+        const bool lends = host_.options().images_in_interacts;
+        return send(action, in,
+                    {.may_set_params = true,
+                     .may_fetch = lends,
+                     .refuses_images = !lends,
+                     .scale = effect_.viewer_scale});
+    }
+    OfxStatus send(const char* action, PropertySet* in, const Call& call) {
+        const Call* outer = std::exchange(Call::current, &call);
+        const OfxStatus status = entry_(action, this, in != nullptr ? in->handle() : nullptr, nullptr);
+        Call::current = outer;
+        begin_call();
+        return status;
+    }
+
+    Host& host_;
+    Instance& effect_;
+    OfxPluginEntryPoint* entry_;
+};
+
+}  // namespace ofxtest
