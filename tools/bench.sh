@@ -10,7 +10,7 @@ page=docs/performance.md
 
 run_all() {
     local status=0 name program
-    for name in ceilings kernels zoimage node edit shape abort solvers tools viewing; do
+    for name in ceilings kernels zoimage node bundle edit shape abort solvers tools viewing; do
         program=${BENCH_DIR:-build/bin}/bench_$name
         [ ! -x "$program" ] || "$program" "$@" || status=1
     done

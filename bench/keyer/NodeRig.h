@@ -51,6 +51,8 @@ class NodeRig {
 
     // As when a sequence's next frame arrives: nothing that was computed from the inputs is kept.
     void key_next_frame();
+    // Writes to memory that was not written before, from now on, as the program does frame by frame.
+    void use_fresh_output() { output_ = veloxa::Image(output_.info); }
     // After a change of the knobs.
     void key_again();
 
