@@ -1,10 +1,9 @@
 // The entry points of the module: what it exports, and the actions that a host calls.
-#include <new>
 #include <string>
 #include <string_view>
 
 #include "Describe.h"
-#include "host/Host.h"
+#include "host/Answer.h"
 #include "instance/Instance.h"
 
 namespace veloxa::ofx {
@@ -51,24 +50,13 @@ OfxStatus main_entry(const char* action, const void* handle, OfxPropertySetHandl
                      OfxPropertySetHandle out) noexcept {
     // The interface hands effects over as const.
     const auto effect = static_cast<OfxImageEffectHandle>(const_cast<void*>(handle));
-    const auto fail = [&](OfxStatus status, const char* text) {
-        // Of renders the instance tells.
-        if (text[0] != '\0' && std::string_view(action) != kOfxImageEffectActionRender) {
-            tell(effect, kOfxMessageError, text);
-        }
-        return status;
-    };
-    try {
-        return dispatch(action, effect, in, out);
-    } catch (const Failure& failure) {
-        return fail(failure.status(), failure.what());
-    } catch (const std::bad_alloc&) {
-        return kOfxStatErrMemory;
-    } catch (const std::exception& error) {
-        return fail(kOfxStatFailed, error.what());
-    } catch (...) {
-        return fail(kOfxStatFailed, "an unknown error");
-    }
+    return answer([&] { return dispatch(action, effect, in, out); },
+                  [&](const char* text) {
+                      // Of renders the instance tells.
+                      if (std::string_view(action) != kOfxImageEffectActionRender) {
+                          tell(effect, kOfxMessageError, text);
+                      }
+                  });
 }
 
 void accept_host(OfxHost* host) {

@@ -1,10 +1,9 @@
 #include "overlay/OverlayEntry.h"
 
 #include <memory>
-#include <new>
 #include <string_view>
 
-#include "host/Host.h"
+#include "host/Answer.h"
 #include "overlay/Overlay.h"
 
 namespace veloxa::ofx {
@@ -109,21 +108,8 @@ OfxStatus overlay_entry(const char* action, const void* handle, OfxPropertySetHa
     // The interface hands interacts over as const.
     const auto interact = static_cast<OfxInteractHandle>(const_cast<void*>(handle));
     OfxImageEffectHandle effect = nullptr;
-    const auto fail = [&](OfxStatus status, const char* text) {
-        if (text[0] != '\0') tell(effect, kOfxMessageError, text);
-        return status;
-    };
-    try {
-        return dispatch(action, interact, Properties(in), effect);
-    } catch (const Failure& failure) {
-        return fail(failure.status(), failure.what());
-    } catch (const std::bad_alloc&) {
-        return kOfxStatErrMemory;
-    } catch (const std::exception& error) {
-        return fail(kOfxStatFailed, error.what());
-    } catch (...) {
-        return fail(kOfxStatFailed, "an unknown error");
-    }
+    return answer([&] { return dispatch(action, interact, Properties(in), effect); },
+                  [&](const char* text) { tell(effect, kOfxMessageError, text); });
 }
 
 }  // namespace veloxa::ofx
