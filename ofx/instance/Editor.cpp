@@ -202,13 +202,8 @@ std::string Editor::script() {
 }
 
 void Editor::apply(const std::string& text, const std::string& file, OfxTime time) {
-    const ScriptGroup* ours = nullptr;
     const std::vector<ScriptGroup> groups = read_script(text, file);
-    for (const ScriptGroup& group : groups) {
-        if (group.class_name != node_.image().class_name()) continue;
-        if (ours != nullptr) throw ScriptError(file, group.line, "a second Veloxa group; one node is keyed");
-        ours = &group;
-    }
+    const ScriptGroup* const ours = find_group(groups, node_.image().class_name(), file);
     if (ours == nullptr) throw Failure(kOfxStatFailed, file + ": has no Veloxa { ... } group");
     edit("Load Settings", time, kFullSize, [&](const KnobValues&) {
         for (const Parameter& parameter : list().parameters()) {

@@ -27,15 +27,10 @@ using Origins = std::vector<std::pair<Knob*, std::string>>;
 
 Origins apply_script_text(KnobPanel& panel, const std::string& text, const std::string& path) {
     Origins origins;
-    const ScriptGroup* ours = nullptr;
     try {
         const std::vector<ScriptGroup> groups = read_script(text, path);
-        for (const ScriptGroup& group : groups) {
-            if (group.class_name != kClassName) continue;
-            if (ours) throw ScriptError(path, group.line, "a second Veloxa group; one node is keyed");
-            ours = &group;
-        }
-        if (!ours) throw Error(path, "has no Veloxa { ... } group");
+        const ScriptGroup* const ours = find_group(groups, kClassName, path);
+        if (ours == nullptr) throw Error(path, "has no Veloxa { ... } group");
         apply_script(panel, *ours, path);
         for (const ScriptEntry& entry : ours->entries) {
             Knob& knob = panel.get(entry.name).target();

@@ -146,6 +146,20 @@ std::vector<ScriptGroup> read_script(std::string_view text, std::string_view fil
     return Reader(text, file_name).read();
 }
 
+const ScriptGroup* find_group(const std::vector<ScriptGroup>& groups, std::string_view class_name,
+                              std::string_view file_name) {
+    const ScriptGroup* found = nullptr;
+    for (const ScriptGroup& group : groups) {
+        if (group.class_name != class_name) continue;
+        if (found != nullptr) {
+            throw ScriptError(file_name, group.line,
+                              "a second " + group.class_name + " group; one node is keyed");
+        }
+        found = &group;
+    }
+    return found;
+}
+
 void apply_script(KnobPanel& panel, const ScriptGroup& group, std::string_view file_name) {
     if (group.class_name != panel.op().class_name()) {
         throw ScriptError(

@@ -50,6 +50,10 @@ std::string write_script(const KnobPanel& panel);
 // The groups of a script; `file_name` is for messages.
 std::vector<ScriptGroup> read_script(std::string_view text, std::string_view file_name);
 
+// The group of the class among them, null for none. Throws when there are two.
+const ScriptGroup* find_group(const std::vector<ScriptGroup>& groups, std::string_view class_name,
+                              std::string_view file_name);
+
 // Sets the knobs that the group names and leaves the others as they are. Checks every line first: when one
 // is bad, throws and has changed nothing.
 void apply_script(KnobPanel& panel, const ScriptGroup& group, std::string_view file_name);
