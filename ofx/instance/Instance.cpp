@@ -170,8 +170,7 @@ void Instance::press_own(const std::string& button, OfxTime time, const RenderSc
 void Instance::show_start() const {
     static const std::string kStart =
         "No screen colour is chosen yet. Under Sampling press Find Screen or Set Up Automatically, or sample "
-        "the "
-        "backing with the tool screen.";
+        "the backing with the tool screen.";
     const OwnParameters& own = editor_.own();
     const bool chosen = !is_black(editor_.parameters().value(screen_color_, std::nullopt));
     if (!chosen) {

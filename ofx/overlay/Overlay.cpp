@@ -69,10 +69,8 @@ std::vector<Box> Overlay::marked(const Instance& instance) const {
     return {box};
 }
 
-std::optional<SampleMark> Overlay::under_pen(Instance& instance) const {
-    const auto tool = instance.editor().active_tool();
-    if (!tool || !pen_) return std::nullopt;
-    std::vector<SampleMark> marks = instance.editor().marks(*tool);
+std::optional<SampleMark> Overlay::under_pen(const std::vector<SampleMark>& marks) const {
+    if (!pen_) return std::nullopt;
     const auto distance = [&](const SampleMark& mark) {
         return std::hypot((mark.place[0] - pen_->x) / pixel_.x, (mark.place[1] - pen_->y) / pixel_.y);
     };
@@ -82,6 +80,12 @@ std::optional<SampleMark> Overlay::under_pen(Instance& instance) const {
     });
     if (nearest == marks.rend() || !(distance(*nearest) <= kReach)) return std::nullopt;
     return *nearest;
+}
+
+bool Overlay::remove_under_pen(Instance& instance, std::size_t tool, OfxTime time) const {
+    const auto aimed = under_pen(instance.editor().marks(tool));
+    if (aimed) instance.editor().remove(*aimed, time);
+    return aimed.has_value();
 }
 
 void Overlay::give_up() {
@@ -95,7 +99,7 @@ bool Overlay::press(Instance& instance, const Event& event) {
     const auto tool = instance.editor().active_tool();
     if (!tool) return false;
     if (control_) {
-        if (const auto aimed = under_pen(instance)) instance.editor().remove(*aimed, event.time);
+        remove_under_pen(instance, *tool, event.time);
         return true;
     }
     tool_ = tool;
@@ -142,10 +146,8 @@ bool Overlay::key_down(Instance& instance, const Event& event) {
         return true;
     }
     if (event.key != kOfxKey_Delete && event.key != kOfxKey_BackSpace) return false;
-    const auto aimed = tool_ ? std::nullopt : under_pen(instance);
-    if (!aimed) return false;
-    instance.editor().remove(*aimed, event.time);
-    return true;
+    const auto tool = instance.editor().active_tool();
+    return tool && !tool_ && remove_under_pen(instance, *tool, event.time);
 }
 
 bool Overlay::key_up(const Event& event) {
@@ -164,8 +166,9 @@ void Overlay::draw(Instance& instance, const Event& event, Canvas& canvas) const
     for (const Box& area : instance.pending_areas()) draw_box(canvas, grid.canonical(area), kWaiting);
     const auto tool = instance.editor().active_tool();
     if (!tool) return;
-    const auto aimed = under_pen(instance);
-    for (const SampleMark& mark : instance.editor().marks(*tool)) {
+    const std::vector<SampleMark> marks = instance.editor().marks(*tool);
+    const auto aimed = under_pen(marks);
+    for (const SampleMark& mark : marks) {
         draw_mark(canvas, mark, event, aimed && *aimed == mark);
     }
     if (!tool_) return;

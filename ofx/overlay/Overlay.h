@@ -39,7 +39,8 @@ class Overlay {
 
   private:
     std::vector<Zo::Image::Box> marked(const Instance& instance) const;
-    std::optional<SampleMark> under_pen(Instance& instance) const;
+    std::optional<SampleMark> under_pen(const std::vector<SampleMark>& marks) const;
+    bool remove_under_pen(Instance& instance, std::size_t tool, OfxTime time) const;
     void give_up();
 
     std::optional<std::size_t> tool_;  // that the stroke which is being drawn is for
