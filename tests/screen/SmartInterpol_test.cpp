@@ -109,18 +109,6 @@ struct Naive {
     }
 };
 
-TEST(SmartInterpol, WorkedExamples) {
-    // A row of five, the second clear: the fill gives 50 everywhere, distances 1 0 1 2 3. The first window
-    // holds 2 pixels: (100 + 1) / 2; then (50 + 0) / 1; 3: (150 + 1) / 3; 4: (200 + 2) / 4; 4 again. Its
-    // columns have one pixel, which keeps its value.
-    Frame row{5, 1, {0, 1, 0, 0, 0}, {}};
-    row.colour.fill({7, 50, 7, 7, 7});
-    EXPECT_THAT(interpolated(row)[0], testing::ElementsAre(50.5f, 50.0f, 151.0f / 3.0f, 50.5f, 50.5f));
-    // Nothing clear: the backing, and a window over the whole row of two: (2 * 10 + 1) / 2.
-    EXPECT_THAT(interpolated({2, 1, {0, 0}, {Plane{1, 2}, {3, 4}, {5, 6}}})[0],
-                testing::ElementsAre(10.5f, 10.5f));
-}
-
 TEST(SmartInterpol, EqualsTheDescriptionHoweverItIsCut) {
     std::mt19937 random(11);
     for (const auto& [w, h] :

@@ -1,4 +1,4 @@
-// The matte correction: worked examples, a literal loop over every window, and the operator.
+// The matte correction: a literal loop over every window, and the operator.
 #include <gmock/gmock.h>
 
 #include <cmath>
@@ -60,25 +60,6 @@ Plane naive(bool above, long radius, const Image& in) {
         }
     }
     return result;
-}
-
-TEST(MatteCorrect, WorkedExamples) {
-    // One row, radius 1. At 200 and 300 the window is 100..300, squeezed into 100..255: 100 + 155 * 0.5 and
-    // 255. At 100 it is 50..300: 50 + 205 * 0.2. The last does not see 300.
-    const Plane none(5, 0.0f);
-    const Plane some{0.0f, 0.0f, 1.0f, 0.0f, NAN};
-    const Plane ramp{100.0f, 200.0f, 300.0f, 100.0f, 50.0f};
-    const Plane under{100.0f, -100.0f, 0.0f, 100.0f, -50.0f};
-    using testing::ElementsAre;
-    EXPECT_THAT(corrected(MatteLimit::kAbove, 1, {5, 1, ramp, none}),
-                ElementsAre(100.0f, 177.5f, 255.0f, 91.0f, 50.0f));
-    EXPECT_THAT(corrected(MatteLimit::kAbove, 1, {5, 1, ramp, some}),
-                ElementsAre(100.0f, 177.5f, 300.0f, 91.0f, 50.0f));
-    // Below, as one column: at 0 the window is -100..100, squeezed into 0..100.
-    EXPECT_THAT(corrected(MatteLimit::kBelow, 1, {1, 5, under, none}),
-                ElementsAre(100.0f, 0.0f, 50.0f, 100.0f, 0.0f));
-    EXPECT_THAT(corrected(MatteLimit::kBelow, 1, {1, 5, under, some}),
-                ElementsAre(100.0f, 0.0f, 0.0f, 100.0f, -50.0f));
 }
 
 TEST(MatteCorrect, EqualsTheLiteralLoopHoweverItIsCut) {

@@ -93,17 +93,6 @@ TEST(DrawnMatte, IsTheLargestOfThoseOfItsKind) {
               nullptr);
 }
 
-TEST(DrawnMatte, CoversPixelsByTheirShare) {
-    const DrawnMatte upright{Kind::kGarbage, false, 0.0, {{2.25, 1}, {5.5, 1}, {5.5, 4}, {2.25, 4}}};
-    const auto image = draw({upright}, Kind::kGarbage, kFormat, nullptr);
-    const std::array<float, 8> row{0, 0, 0.75f, 1, 1, 0.5f, 0, 0};
-    for (int y = 0; y < 6; ++y) {
-        for (std::size_t x = 0; x < row.size(); ++x) {
-            EXPECT_EQ(image->line(kAlpha, y)[x], y >= 1 && y < 4 ? row[x] : 0.0f) << x << ',' << y;
-        }
-    }
-}
-
 TEST(DrawnMatte, ScriptsGiveBackWhatTheyWereGiven) {
     DrawnMattes mattes{kTriangle, kStar, kHeld, kBeyond};
     mattes[0].points[0] = {0.1 + 0.2, -1.0 / 3.0};
