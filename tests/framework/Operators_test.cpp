@@ -5,7 +5,6 @@
 #include <optional>
 #include <set>
 
-#include "lanes/Lanes.h"
 #include "screen/VlxBlurCU.h"
 #include "screen/VlxCleanup.h"
 #include "screen/VlxClearFrame.h"
@@ -44,8 +43,8 @@ struct Case {
     Settings settings;
     std::vector<RolePixel> inputs;
     ChannelSet made;
-    RolePixel expected;  // in role order
-    std::set<int> hashed;
+    RolePixel expected;                            // in role order
+    std::set<int> hashed;                          // 250 is overlayShrinkV, 251 subjectShrinkV
     std::optional<RolePixel> expected_with_plate;  // while "CleanPlate" is set, where that matters
 
     // Inputs 1 to 3 are read while a control says so, where that is hashed.
@@ -128,8 +127,8 @@ const std::vector<Case> kCases{
     // No pixel is clear: the backing, half a level added in each pass, of 7 and of 3 pixels.
     row("VlxSmartInterpol", make<VlxSmartInterpol>, {{75, 60}, {76, 80}, {77, 200}}, {kForeground, {}},
         kMaskRgb, {60.76190f, 80.76190f, 200.76190f, 30}, {75, 76, 77}),
-    row("VlxShrinkS", make<VlxShrinkS>, {}, {kForeground}, kMaskAlpha, kForeground, {8}),
-    row("VlxShrink", make<VlxShrink, 0U>, {}, {kForeground}, kMaskAlpha, kForeground, {40}),
+    row("VlxShrinkS", make<VlxShrinkS>, {}, {kForeground}, kMaskAlpha, kForeground, {8, 251}),
+    row("VlxShrink", make<VlxShrink, 0U>, {}, {kForeground}, kMaskAlpha, kForeground, {40, 250}),
     // Negative alpha is clipped.
     row("VlxShrinkCU", make<VlxShrinkCU>, {}, {{1, 2, 3, -30}}, kMaskAlpha, {1, 2, 3, 0}, {55, 56}),
     row("VlxBlurCU", make<VlxBlurCU>, {{57, 2}}, {kForeground}, kMaskAlpha, kForeground, {57, 58}),
@@ -202,9 +201,13 @@ TEST(Operators, ClearRegionReadsTheMattesInUse) {
 TEST(Operators, HashListedControlsAndInputsInUse) {
     for (const Case& c : kCases) {
         Wired wired(c);
-        for (int i = 0; i < ControlBlock::kCount; ++i) {
+        ControlBlock& block = wired.controls.block;
+        for (int i = 0; i < ControlBlock::kCount + 2; ++i) {
             const Hash before = wired.hash();
-            std::int32_t& value = wired.controls.values[static_cast<std::size_t>(i)];
+            std::int32_t& value = i < ControlBlock::kCount
+                                      ? wired.controls.values[static_cast<std::size_t>(i)]
+                                  : i == ControlBlock::kCount ? block.overlayShrinkV
+                                                              : block.subjectShrinkV;
             value += 1;
             EXPECT_EQ(wired.hash() != before, c.hashed.contains(i)) << c.name << ' ' << i;
             value -= 1;
@@ -218,40 +221,6 @@ TEST(Operators, HashListedControlsAndInputsInUse) {
             }
         }
     }
-}
-
-TEST(Operators, GiveTheSameBitsInEveryForm) {
-    const Lanes before = lanes_in_use();
-    for (const Case& c : kCases) {
-        for (const int width : {1, 37, 600}) {
-            const Box box{-3, 0, width - 3, 3};
-            const auto bits_in = [&](Lanes lanes) {
-                use_lanes(lanes);
-                Wired wired(c);
-                RoleInputs sources;
-                for (std::size_t n = 0; n < c.inputs.size(); ++n) {
-                    std::array<Plane, 4> planes{
-                        awkward_plane(box, 1), awkward_plane(box, 2 + static_cast<unsigned>(n)),
-                        awkward_plane(box, 7), awkward_plane(box, 8 + static_cast<unsigned>(n))};
-                    sources.push_back(std::make_unique<FunctionSource>(
-                        box, kMaskRgba, [planes = std::move(planes)](Channel channel, int x, int y) {
-                            return planes[static_cast<std::size_t>(channel - kRed)].at(x, y);
-                        }));
-                    wired.op->set_input(static_cast<int>(n), sources.back().get());
-                }
-                wired.hash();
-                std::vector<std::vector<std::uint32_t>> made;
-                for (const auto& plane : render(*wired.op, box).planes) made.push_back(bits(plane));
-                return made;
-            };
-            const auto scalar = bits_in(Lanes::kScalar);
-            for (const Lanes lanes : kAllLanes) {
-                if (!supported(lanes)) continue;
-                EXPECT_TRUE(bits_in(lanes) == scalar) << c.name << ' ' << name_of(lanes) << ' ' << width;
-            }
-        }
-    }
-    use_lanes(before);
 }
 
 TEST(Operators, TheCrudeMattesShareTheirHelp) {
