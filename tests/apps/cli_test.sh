@@ -209,21 +209,6 @@ expect_files seq "f.0001.exr f.0002.exr f.0003.exr f.0004.exr f.0005.exr "
 expect 0 "" key --fg shot/fg.0005.exr --cp shot/cp.0001.exr --bg shot/bg.0005.exr -o out/still.exr "${pick[@]}"
 expect 0 "" compare out/still.exr seq/f.0005.exr --max-diff 0
 
-# Ctrl-C in the middle of 400 frames.
-mkdir many cut
-cp shot/fg.*.exr many
-for n in $(seq 400); do ln -s fg.000$((n % 5 + 1)).exr many/fg.$n.exr; done
-"$veloxa" key --fg many/fg.%d.exr -o cut/f.%d.exr --frames 1-400 "${pick[@]}" 2>err.txt &
-program=$!
-for _ in $(seq 200); do [ -e cut/f.2.exr ] && break || sleep 0.02; done
-kill -INT $program
-wait $program
-status=$?
-[ $status -eq 130 ] || fail "status $status after SIGINT"
-[ -e cut/f.400.exr ] && fail "SIGINT came too late to show anything"
-[ -z "$(find cut -name '.*' -type f)" ] || fail "temporary files are left: $(ls -A cut)"
-for file in $(ls -t cut | head -n 5); do expect 0 "" compare "cut/$file" "cut/$file"; done
-
 # What is not as a user may think is told once an input or sequence, in spite of --quiet; no library prints.
 oiiotool -i shot/fg.0001.exr --ch R,G,B,A=1 -d uint8 -o opaque.png
 oiiotool --create 64x48 1 -d uint8 -o grey.png

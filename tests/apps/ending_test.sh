@@ -8,17 +8,18 @@ mkdir cut
 for n in $(seq 400); do ln -s fg.exr shot/fg.$n.exr; done
 key=(key --fg shot/fg.%d.exr --frames 1-400 --pick 0,40,8,48)
 
-# end OUTPUT PAUSES STATUS TEXT OPTIONS...: runs until OUTPUT is there, then sends SIGTERM after each pause.
+# end OUTPUT PAUSES STATUS TEXT OPTIONS...: runs until OUTPUT is there, then sends $signal after each pause.
+signal=TERM
 end() {
     local output=$1 signals=$2 status=$3 text=$4 start
     "$veloxa" "${key[@]}" "${@:5}" >$out 2>err.txt &
     local program=$!
     for _ in $(seq 500); do [ -e "$output" ] && break || sleep 0.02; done
     start=$SECONDS
-    for pause in $signals; do sleep "$pause" && kill -TERM $program 2>/dev/null; done
+    for pause in $signals; do sleep "$pause" && kill -$signal $program 2>/dev/null; done
     wait $program
     local got=$?
-    [ $got -eq "$status" ] || fail "status $got, not $status, after SIGTERM: ${*:5} ($(cat err.txt))"
+    [ $got -eq "$status" ] || fail "status $got, not $status, after SIG$signal: ${*:5} ($(cat err.txt))"
     grep -q "$text" err.txt || fail "no '$text': $(cat err.txt)"
     [ $((SECONDS - start)) -lt 15 ] || fail "took $((SECONDS - start)) s to end: ${*:5}"
     [ -z "$(find cut -name '.*' -type f)" ] || fail "temporary files are left: $(ls -A cut)"
@@ -29,6 +30,10 @@ end cut/f.3.exr "0 0.001" 75 "^veloxa: ended by SIGTERM$" -o cut/f.%d.exr
 left=$(grep -oP '[0-9]+(?= not begun)' err.txt)
 [ "$(find cut -name 'f.*.exr' | wc -l)" -eq $((400 - left)) ] || fail "$left frames left, but $(ls cut | wc -l) made"
 for file in $(ls -t cut | head -n 4); do expect 0 "" compare "cut/$file" "cut/$file"; done
+rm cut/*
+signal=INT end cut/f.3.exr 0 130 "" -o cut/f.%d.exr
+[ -e cut/f.400.exr ] && fail "SIGINT came too late to show anything"
+for file in $(ls -t cut | head -n 5); do expect 0 "" compare "cut/$file" "cut/$file"; done
 rm cut/*
 end cut/f.3.exr 0 75 "dropped" -o cut/f.%d.exr --grace 0
 
