@@ -1,62 +1,12 @@
 // What becomes of the parameters when the user changes, presses, samples, undoes and saves.
 #include <gmock/gmock.h>
 
-#include "ofx/Scene.h"
+#include "ofx/Sampling.h"
 
 namespace ofxtest {
 namespace {
 
 using Edit = OfxTest;
-using Zo::Image::Knob;
-
-// The decimal of the fewest digits that is read as the same float.
-double shortest(double value) {
-    double read = 0.0;
-    for (int digits = 1; static_cast<float>(read) != static_cast<float>(value); ++digits) {
-        char text[32];
-        std::snprintf(text, sizeof text, "%.*g", digits, value);
-        read = std::stod(text);
-    }
-    return read;
-}
-
-// Every parameter that holds a value has that of its knob.
-void expect_same(const Instance& instance, const Zo::Image::KnobPanel& panel) {
-    for (const auto& knob : panel.knobs()) {
-        if (!knob->takes_value() || knob->kind() == Knob::Kind::kLink) continue;
-        const Param* param = instance.params.find(knob->name());
-        if (param == nullptr || !param->holds_value()) continue;
-        const Param::Content content = param->value();
-        if (param->is_text()) {
-            const bool empty = content.text.empty() && !knob->differs_from_default();
-            EXPECT_TRUE(empty || content.text == knob->text()) << knob->name() << ": " << content.text;
-            continue;
-        }
-        for (int i = 0; i < param->dimension; ++i)
-            EXPECT_EQ(content.numbers[static_cast<std::size_t>(i)], shortest(knob->get_value(i)))
-                << knob->name();
-    }
-}
-
-double number(const Instance& instance, const char* name) {
-    return instance.params.get(name).value().numbers.at(0);
-}
-
-// As the user samples a rectangle, by any two opposite corners.
-void sample(Instance& instance, const std::string& tool, const OfxRectI& r) {
-    instance.set("sampling_first_corner", {static_cast<double>(r.x1), static_cast<double>(r.y2)});
-    instance.set("sampling_second_corner", {static_cast<double>(r.x2), static_cast<double>(r.y1)});
-    instance.params.undo.clear();
-    instance.press(tool);
-}
-
-void sample(Reference& node, const std::string& tool, const OfxRectI& r) {
-    Knob& button = node.panel.get(tool);
-    int n = 4;
-    for (const int side : {r.x1, r.y1, r.x2, r.y2}) button.set_value(side, n++);
-    button.activate();
-    button.changed();
-}
 
 constexpr OfxRectI kFigure{30, 20, 38, 28};
 
@@ -84,7 +34,7 @@ TEST_F(Edit, ToolsSetParametersInOneUndoableStep) {
         SCOPED_TRACE(s.tool);
         sample(*effect, s.tool, s.box);
         EXPECT_EQ(Image::held, 0);
-        sample(node, s.tool, s.box);
+        sample(node, s.tool, {s.box});
         expect_same(*effect, node.panel);
         EXPECT_LE(effect->params.undo.size(), 1U);
         for (const char* corner : {"sampling_first_corner", "sampling_second_corner"})
@@ -93,9 +43,7 @@ TEST_F(Edit, ToolsSetParametersInOneUndoableStep) {
         for (const auto& [name, content] : after) EXPECT_TRUE(content.keys.empty()) << name;
         if (s.sets != nullptr) {
             EXPECT_NE(after.at(s.sets), before.at(s.sets));
-            ASSERT_EQ(effect->params.undo.size(), 1U);
-            effect->undo();
-            EXPECT_EQ(effect->saved(), before);
+            undo_one_step(*effect, before);
             // Again, so that the node in the plug-in has to have followed the undo.
             effect->press(s.tool);
             EXPECT_EQ(effect->saved(), after);
@@ -111,17 +59,17 @@ TEST_F(Edit, Buttons) {
     const auto effect = instance(two_clips(), look("screen_darks_red_larger 20, spill_strength 10"));
     for (const double on : {1.0, 0.0}) {
         effect->press("invert");
-        EXPECT_EQ(number(*effect, "overlay_mono"), on);
+        EXPECT_EQ(effect->number("overlay_mono"), on);
     }
     sample(*effect, "toolbar_addoverlay", kShade);
     effect->params.undo.clear();
     effect->press("screen_correct_reset");
-    EXPECT_EQ(number(*effect, "screen_darks_red_larger"), 0.0);
-    EXPECT_EQ(effect->params.get("us_add_overlay").value().text.find("us"), std::string::npos);
-    EXPECT_EQ(number(*effect, "spill_strength"), 10.0);
+    EXPECT_EQ(effect->number("screen_darks_red_larger"), 0.0);
+    EXPECT_EQ(effect->text("us_add_overlay").find("us"), std::string::npos);
+    EXPECT_EQ(effect->number("spill_strength"), 10.0);
     EXPECT_EQ(effect->params.undo.size(), 1U);
     effect->press("spill_reset");
-    EXPECT_EQ(number(*effect, "spill_strength"), 40.0);
+    EXPECT_EQ(effect->number("spill_strength"), 40.0);
     shown.take();
 }
 
@@ -133,7 +81,7 @@ TEST_F(Edit, ToolsKeyWhatIsAnimated) {
     services.time = 3.0;
     sample(*effect, "toolbar_screen", kBacking);
     Reference node(two_clips(), {}, 3.0);
-    sample(node, "toolbar_screen", kBacking);
+    sample(node, "toolbar_screen", {kBacking});
     auto keys = before.at("screen_color").keys;
     for (int i = 0; i < 3; ++i) keys[3.0].push_back(shortest(node.panel.get("screen_color").get_value(i)));
     EXPECT_EQ(color.content().keys, keys);
@@ -149,9 +97,9 @@ TEST_F(Edit, ToolsOnAProxyOfOblongPixels) {
     Reference node(clips, {{"edge_kernel", {2.5}}, {"screen_shrink", {1, 1}}, {"film_shrink", {1, 1}}}, 0.0,
                    0.5);
     sample(*effect, "toolbar_screen", {-12, 4, 16, 16});
-    sample(node, "toolbar_screen", {-3, 2, 4, 8});
+    sample(node, "toolbar_screen", {{-3, 2, 4, 8}});
     sample(*effect, "toolbar_addoverlay", {kShade.x1 * 4, kShade.y1 * 2, kShade.x2 * 4, kShade.y2 * 2});
-    sample(node, "toolbar_addoverlay", kShade);
+    sample(node, "toolbar_addoverlay", {kShade});
     node.panel.set_from_text("edge_kernel", "5");
     for (const char* size : {"screen_shrink", "film_shrink"}) node.panel.set_from_text(size, "2,2");
     expect_same(*effect, node.panel);
@@ -171,12 +119,10 @@ TEST_F(Edit, FindsTheScreenAndSetsItselfUp) {
         const int polls = effect->polls;
         node.panel.get(button).changed();
         expect_same(*effect, node.panel);
-        EXPECT_NEAR(effect->params.get("screen_color").value().numbers[1], 0.6, 0.05);
-        EXPECT_EQ(number(*effect, "unmix_method"), button == std::string("set_up") ? 1.0 : 0.0);
-        EXPECT_THAT(effect->params.get("report").value().text, testing::HasSubstr("green screen"));
-        ASSERT_EQ(effect->params.undo.size(), 1U);
-        effect->undo();
-        EXPECT_EQ(effect->saved(), before);
+        EXPECT_NEAR(effect->number("screen_color", 1), 0.6, 0.05);
+        EXPECT_EQ(effect->number("unmix_method"), button == std::string("set_up") ? 1.0 : 0.0);
+        EXPECT_THAT(effect->text("report"), testing::HasSubstr("green screen"));
+        undo_one_step(*effect, before);
         // Given up half way, it leaves nothing behind. One thread alone polls, so let it have all rows.
         services.threads = 1;
         effect->abort_after = effect->polls + polls / 2;
@@ -219,12 +165,12 @@ TEST_F(Edit, EnablesGreyOut) {
         node.panel.get(name).set_value(value);
         node.panel.get(name).changed();
         // As values come from a project, so do the states.
-        const auto loaded = instance(two_clips(), {}, kOfxImageEffectContextGeneral, effect->saved());
+        const auto other = loaded(effect->saved());
         for (const auto& param : effect->params.all) {
-            const Knob* knob = node.panel.find(param->name);
+            const Zo::Image::Knob* knob = node.panel.find(param->name);
             if (knob == nullptr) continue;
             EXPECT_EQ(param->enabled(), knob->enabled()) << name << ": " << param->name;
-            EXPECT_EQ(loaded->params.get(param->name).enabled(), knob->enabled()) << param->name;
+            EXPECT_EQ(other->params.get(param->name).enabled(), knob->enabled()) << param->name;
         }
     }
     // States follow the time line.
@@ -247,14 +193,14 @@ TEST_F(Edit, ValuesAloneBringAnInstanceBack) {
         frame = effect->render();
     }
     host();  // another process, as it were
-    const auto loaded = instance(two_clips(), {}, kOfxImageEffectContextGeneral, saved);
-    EXPECT_EQ(differences(loaded->render(), frame), 0);
-    EXPECT_EQ(loaded->saved(), saved);
+    const auto other = loaded(saved);
+    EXPECT_EQ(differences(other->render(), frame), 0);
+    EXPECT_EQ(other->saved(), saved);
     // The sample lists are there: the reset finds them.
-    EXPECT_NE(loaded->params.get("us_add_overlay").value().text, "");
-    loaded->press("screen_correct_reset");
-    EXPECT_NE(loaded->params.get("us_add_overlay").value(), saved.at("us_add_overlay"));
-    EXPECT_EQ(loaded->params.get("us_restore_spill").value(), saved.at("us_restore_spill"));
+    EXPECT_NE(other->text("us_add_overlay"), "");
+    other->press("screen_correct_reset");
+    EXPECT_NE(other->params.get("us_add_overlay").value(), saved.at("us_add_overlay"));
+    EXPECT_EQ(other->params.get("us_restore_spill").value(), saved.at("us_restore_spill"));
     shown.take();
 }
 
@@ -265,7 +211,7 @@ TEST_F(Edit, WhatUnmixWasTaughtIsRendered) {
     const Frame before = effect->render();
     sample(*effect, "toolbar_unmixbacking", kFigure);
     Reference node(two_clips(), settings);
-    node.panel.set_from_text("us_unmix_backing", effect->params.get("us_unmix_backing").value().text);
+    node.panel.set_from_text("us_unmix_backing", effect->text("us_unmix_backing"));
     node.node.invalidate();
     const Frame taught = effect->render();
     EXPECT_EQ(differences(taught, node.render()), 0);

@@ -1,43 +1,20 @@
 // The overlay: pen and key events in, knobs and drawings out.
 #include <gmock/gmock.h>
 
-#include <map>
-
-#include "ofx/Scene.h"
-#include "ofx/host/Interact.h"
+#include "ofx/Sampling.h"
 
 namespace ofxtest {
 namespace {
 
-using Zo::Image::Box;
-using Zo::Image::Knob;
-
-class Overlay : public OfxTest {
+class Overlay : public PenTest {
   protected:
-    // An instance in a host with overlays, its tool active and nothing to undo.
-    void start(HostOptions options = {}, const Settings& settings = {{"screen_color", {0.2, 0.5, 0.2}}},
-               const Clips& clips = two_clips()) {
-        close();
-        options.overlays = true;
-        host(options);
-        effect_ = instance(clips, settings);
-        pen_ = std::make_unique<Interact>(*host_, *effect_);
-        effect_->params.undo.clear();
-    }
+    // With nothing to undo yet.
     void use(const std::string& tool, double shape = 0.0) {
         effect_->press(tool);
         effect_->set("sampling_shape", {shape});
         effect_->params.undo.clear();
     }
-    void close() {
-        pen_.reset();
-        effect_.reset();
-    }
-    void TearDown() override {
-        close();
-        OfxTest::TearDown();
-    }
-    std::string list(const char* name) { return effect_->params.get(name).value().text; }
+    std::string list(const char* name) { return effect_->text(name); }
     // The dots, which are filled or, in other frames, rings.
     std::vector<Shape> dots() {
         std::vector<Shape> found;
@@ -46,46 +23,20 @@ class Overlay : public OfxTest {
         }
         return found;
     }
-
-    std::unique_ptr<Instance> effect_;
-    std::unique_ptr<Interact> pen_;
 };
 
 constexpr int kControl = 0xFFE3, kDelete = 0xFFFF, kEscape = 0xFF1B;
 
-// What a stroke of areas gives where the node is asked itself.
-void stroke(Reference& node, const std::string& tool, const std::vector<Box>& areas) {
-    Knob& button = node.panel.get(tool);
-    button.stroke(areas);
-    button.activate();
-    button.changed();
-}
-
-void expect_lists_and_knobs(const Instance& effect, const Zo::Image::KnobPanel& panel) {
-    for (const char* name : {"us_add_overlay", "us_restore_spill", "us_unmix_solid"}) {
-        EXPECT_EQ(effect.params.get(name).value().text, panel.get(name).text()) << name;
-    }
-    for (const char* name : {"screen_color", "screen_tolerance", "brights", "cleanup_recover",
-                             "spill_strength", "warm", "cool"}) {
-        const std::vector<double> numbers = effect.params.get(name).value().numbers;
-        for (std::size_t i = 0; i < numbers.size(); ++i) {
-            EXPECT_EQ(static_cast<float>(numbers[i]),
-                      static_cast<float>(panel.get(name).get_value(static_cast<int>(i))))
-                << name;
-        }
-    }
-}
-
 TEST_F(Overlay, BoxesAndStrokesAreWhatTheNodeItselfMakesOfThem) {
-    const std::vector<Box> dabs{{-4, 6, -1, 9}, {-3, 6, 0, 9}, {-2, 6, 1, 9}, {-1, 6, 2, 9}};
+    const std::vector<OfxRectI> dabs{{-4, 6, -1, 9}, {-3, 6, 0, 9}, {-2, 6, 1, 9}, {-1, 6, 2, 9}};
     const struct {
         const char* tool;
         double shape;
         Interact::Points path;
-        std::vector<Box> areas;
+        std::vector<OfxRectI> areas;
     } cases[] = {
-        {"toolbar_screen", 0, {{-3.5, 15.5}, {3, 9}, {7.2, 6.4}}, {{-4, 6, 8, 16}}},
-        {"toolbar_addoverlay", 0, {{12.5, 6.5}, {23.5, 15.5}}, {{12, 6, 24, 16}}},
+        {"toolbar_screen", 0, {{-3.5, 15.5}, {3, 9}, {7.2, 6.4}}, {kBacking}},
+        {"toolbar_addoverlay", 0, {{12.5, 6.5}, {23.5, 15.5}}, {kShade}},
         {"toolbar_restorespill", 0, {{30.1, 20.1}, {37.9, 27.9}}, {{30, 20, 38, 28}}},
         {"toolbar_unmixsolid", 0, {{34.5, 24.5}}, {{34, 24, 35, 25}}},
         // What lies beyond the frame is cut off.
@@ -102,14 +53,11 @@ TEST_F(Overlay, BoxesAndStrokesAreWhatTheNodeItselfMakesOfThem) {
         use(c.tool, c.shape);
         const Instance::Values before = effect_->saved();
         pen_->drag(c.path);
-        stroke(node, c.tool, c.areas);
-        expect_lists_and_knobs(*effect_, node.panel);
+        sample(node, c.tool, c.areas);
+        expect_same(*effect_, node.panel);
         EXPECT_EQ(Image::held, 0);
         const Instance::Values after = effect_->saved();
-        ASSERT_EQ(effect_->params.undo.size(), 1U);
-        EXPECT_NE(after, before);
-        effect_->undo();
-        EXPECT_EQ(effect_->saved(), before);
+        undo_one_step(*effect_, before);
         pen_->drag(c.path);
         EXPECT_EQ(effect_->saved(), after);
     }
@@ -172,9 +120,8 @@ TEST_F(Overlay, SamplesAreDotsThatCanBeRemoved) {
         EXPECT_EQ(dots().size(), 6U);
         EXPECT_EQ(list("us_add_overlay"), both);
         // Dots are saved with the project, and go with their samples.
-        const auto loaded = instance(two_clips(), {}, kOfxImageEffectContextGeneral, effect_->saved());
-        EXPECT_EQ(loaded->params.get("sampling_marks").value(),
-                  effect_->params.get("sampling_marks").value());
+        const auto other = loaded(effect_->saved());
+        EXPECT_EQ(other->params.get("sampling_marks").value(), effect_->params.get("sampling_marks").value());
         effect_->press("screen_correct_reset");
         EXPECT_EQ(dots().size(), 0U);
         shown.take();
@@ -187,7 +134,7 @@ TEST_F(Overlay, AStrokeWaitsForThePicture) {
     EXPECT_FALSE(effect_->params.get("sampling_take").enabled());
     use("toolbar_screen");
     pen_->drag({{-4, 6}, {8, 16}});
-    EXPECT_EQ(effect_->params.get("screen_color").value().numbers[1], 0.5);
+    EXPECT_EQ(effect_->number("screen_color", 1), 0.5);
     EXPECT_TRUE(effect_->params.get("sampling_take").enabled());
     EXPECT_EQ(pen_->draw(true).shapes.size(), 2U) << "the box that waits";
     EXPECT_EQ(pen_->key(kOfxInteractActionKeyDown, kEscape), kOfxStatOK);
@@ -206,8 +153,8 @@ TEST_F(Overlay, AStrokeWaitsForThePicture) {
     EXPECT_EQ(effect_->params.undo.size(), 1U);
     effect_->go_to(0.0);
     Reference node(two_clips(), {{"screen_color", {0.2, 0.5, 0.2}}});
-    stroke(node, "toolbar_addoverlay", {{12, 6, 24, 16}});
-    expect_lists_and_knobs(*effect_, node.panel);
+    sample(node, "toolbar_addoverlay", {kShade});
+    expect_same(*effect_, node.panel);
     EXPECT_FALSE(effect_->params.get("sampling_take").enabled());
     EXPECT_EQ(dots().size(), 3U);
 }

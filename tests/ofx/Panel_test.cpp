@@ -6,7 +6,7 @@
 
 #include "ZoImage/Script.h"
 #include "ZoImage/StatusColour.h"
-#include "ofx/Scene.h"
+#include "ofx/Sampling.h"
 
 namespace ofxtest {
 namespace {
@@ -15,40 +15,30 @@ using Panel = OfxTest;
 using testing::HasSubstr;
 using Zo::Image::Iop;
 
-std::string report(const Instance& effect) {
-    return effect.params.get("report").value().text;
-}
-
-void sample(Instance& effect, const char* tool, const OfxRectI& r) {
-    effect.set("sampling_first_corner", {static_cast<double>(r.x1), static_cast<double>(r.y1)});
-    effect.set("sampling_second_corner", {static_cast<double>(r.x2), static_cast<double>(r.y2)});
-    effect.press(tool);
-}
-
 TEST_F(Panel, SaysWhatIsMissingAndWhatToolsDid) {
     const auto effect = instance(two_clips(), {});
-    EXPECT_THAT(report(*effect), HasSubstr("No screen colour is chosen"));
+    EXPECT_THAT(effect->text("report"), HasSubstr("No screen colour is chosen"));
     sample(*effect, "toolbar_addoverlay", kShade);
-    EXPECT_THAT(report(*effect), HasSubstr("no screen colour is chosen, which the tool needs"));
+    EXPECT_THAT(effect->text("report"), HasSubstr("no screen colour is chosen, which the tool needs"));
     effect->set("screen_color", {0, 0.5, 0});
     effect->set("screen_color", {0, 0, 0});
-    EXPECT_THAT(report(*effect), HasSubstr("No screen colour is chosen"));
+    EXPECT_THAT(effect->text("report"), HasSubstr("No screen colour is chosen"));
     effect->set("screen_color", kScreen);
-    EXPECT_EQ(report(*effect), "");
+    EXPECT_EQ(effect->text("report"), "");
     services.time = 3.0;
     sample(*effect, "toolbar_addoverlay", kShade);
-    EXPECT_THAT(report(*effect), HasSubstr("toolbar_addoverlay @3 12,6,24,16: "));
-    EXPECT_THAT(report(*effect), HasSubstr("samples satisfied, 0 not"));
-    EXPECT_THAT(report(*effect), HasSubstr("nothing had to be turned"));
+    EXPECT_THAT(effect->text("report"), HasSubstr("toolbar_addoverlay @3 12,6,24,16: "));
+    EXPECT_THAT(effect->text("report"), HasSubstr("samples satisfied, 0 not"));
+    EXPECT_THAT(effect->text("report"), HasSubstr("nothing had to be turned"));
     effect->set("screen_tolerance", {0.1, 0.1, 0.1});
     sample(*effect, "toolbar_addoverlay", kShade);
-    EXPECT_THAT(report(*effect), HasSubstr("\n  screen_tolerance"));
+    EXPECT_THAT(effect->text("report"), HasSubstr("\n  screen_tolerance"));
     effect->connect("bg", nullptr);
     sample(*effect, "toolbar_matchshadow", kShade);
-    EXPECT_THAT(report(*effect), HasSubstr("the background, whose colour the tool needs, is black there"));
+    EXPECT_THAT(effect->text("report"),
+                HasSubstr("the background, whose colour the tool needs, is black there"));
     // One step to undo a tool: what is told is none.
-    EXPECT_EQ(instance(two_clips(), {}, kOfxImageEffectContextGeneral, effect->saved())->params.undo.size(),
-              0U);
+    EXPECT_EQ(loaded(effect->saved())->params.undo.size(), 0U);
     shown.take();
 }
 
@@ -95,10 +85,10 @@ TEST_F(Panel, ViewsShowWhatStagesMake) {
                 Iop* const stage = reference.node.child(views[n])->as_iop();
                 expected = reference.rows_of(*stage);
             }
-            EXPECT_EQ(differences(effect->render(), expected), 0);
-            Frame tile({10, 10, 30, 22});
-            EXPECT_EQ(effect->render(tile, tile.box), kOfxStatOK);
-            EXPECT_EQ(differences(tile, expected.cut(tile.box)), 0);
+            Frame picture = effect->render();
+            EXPECT_EQ(differences(picture, expected), 0);
+            EXPECT_EQ(effect->render(picture, {10, 10, 30, 22}), kOfxStatOK);
+            EXPECT_EQ(differences(picture, expected), 0) << "with a tile of its own";
         }
     }
     // A view is no way to pass pictures on: it is not saved, and the state is that of a finished picture.
@@ -149,7 +139,7 @@ TEST_F(Exchange, SettingsGoOutAndComeIn) {
     Reference node(two_clips(), settings);
     Zo::Image::apply_script(node.panel, Zo::Image::read_script(content(file), file).front(), file);
     EXPECT_EQ(content(file), Zo::Image::write_script(node.panel));
-    EXPECT_THAT(report(*effect), HasSubstr("settings are saved to"));
+    EXPECT_THAT(effect->text("report"), HasSubstr("settings are saved to"));
     node.node.invalidate();
 
     // What the file does not name gets its default.
@@ -162,9 +152,7 @@ TEST_F(Exchange, SettingsGoOutAndComeIn) {
     EXPECT_EQ(differences(other->render(), node.render()), 0);
     EXPECT_EQ(other->params.get("brights").value(), effect->params.get("brights").value());
     EXPECT_TRUE(other->params.get("warm").content().keys.empty());
-    ASSERT_EQ(other->params.undo.size(), 1U);
-    other->undo();
-    EXPECT_EQ(other->saved(), before);
+    undo_one_step(*other, before);
 
     // A file that is there is replaced if the user says so.
     other->press("save_settings");

@@ -2,35 +2,39 @@
 #include <random>
 #include <thread>
 
-#include "ofx/Scene.h"
-#include "ofx/host/Interact.h"
+#include "ofx/Sampling.h"
 
 namespace ofxtest {
 namespace {
 
-class Random : public OfxTest {
+class Random : public PenTest {
   protected:
+    template <class Wanted>
+    const Param& any(const Wanted& wanted) {
+        std::vector<const Param*> all;
+        for (const auto& param : effect_->params.all) {
+            if (wanted(*param)) all.push_back(param.get());
+        }
+        return *all[below(all.size())];
+    }
     // Numbers as far as sliders go, and a little beyond.
     void turn_any() {
-        std::vector<Param*> all;
-        for (const auto& param : effect_->params.all) {
-            if (param->holds_value() && !param->is_text()) all.push_back(param.get());
-        }
-        Param& param = *all[below(all.size())];
+        const Param& param = any([](const Param& p) { return p.holds_value() && !p.is_text(); });
+        const std::size_t options = param.props.strings(kOfxParamPropChoiceOption).size();
         std::vector<double> values;
         for (int i = 0; i < param.dimension; ++i) {
-            if (param.type == kOfxParamTypeBoolean) {
-                values.push_back(static_cast<double>(below(2)));
-            } else if (param.is_int()) {
-                values.push_back(
-                    static_cast<double>(below(param.props.strings(kOfxParamPropChoiceOption).size())));
-            } else {
-                const double low = param.props.double_at(kOfxParamPropDisplayMin, i);
-                const double high = std::min(param.props.double_at(kOfxParamPropDisplayMax, i), low + 40.0);
-                values.push_back(low + (high - low) * (1.1 * part() - 0.05));
+            if (param.is_int()) {
+                values.push_back(static_cast<double>(below(options != 0 ? options : 2)));
+                continue;
             }
+            const double low = param.props.double_at(kOfxParamPropDisplayMin, i);
+            const double high = std::min(param.props.double_at(kOfxParamPropDisplayMax, i), low + 40.0);
+            values.push_back(low + (high - low) * (1.1 * part() - 0.05));
         }
         effect_->set(param.name, values);
+    }
+    void press_any() {
+        effect_->press(any([](const Param& p) { return p.type == kOfxParamTypePushButton; }).name);
     }
     void draw_any() {
         Interact::Points path{{-6 + 68 * part(), 4 + 38 * part()}};
@@ -48,48 +52,25 @@ class Random : public OfxTest {
         pen_->key(kOfxInteractActionKeyUp, key);
         if (below(3) == 0) pen_->lose_focus();
     }
-    void press_any() {
-        std::vector<std::string> buttons;
-        for (const auto& param : effect_->params.all) {
-            if (param->type == kOfxParamTypePushButton) buttons.push_back(param->name);
-        }
-        effect_->press(buttons[below(buttons.size())]);
+    void look() { pen_->draw(below(2) == 0); }
+    void undo() {
+        if (!effect_->params.undo.empty()) effect_->undo();
     }
     std::size_t below(std::size_t n) { return std::uniform_int_distribution<std::size_t>(0, n - 1)(dice_); }
     double part() { return std::uniform_real_distribution<>()(dice_); }
 
+    // One as often as another but for these that stand twice.
+    static constexpr void (Random::*kEdits[])() = {&Random::turn_any, &Random::turn_any, &Random::draw_any,
+                                                   &Random::draw_any, &Random::key_any,  &Random::undo,
+                                                   &Random::look,     &Random::press_any};
     std::mt19937 dice_{16};
-    std::unique_ptr<Instance> effect_;
-    std::unique_ptr<Interact> pen_;
 };
 
 TEST_F(Random, FiveHundredEditsLeaveWhatTheirValuesSay) {
-    host({.overlays = true});
-    effect_ = instance(all_clips(), look(""));
-    pen_ = std::make_unique<Interact>(*host_, *effect_);
+    start({}, all_clips());
     std::jthread renders;
     for (int n = 0; n < 500; ++n) {
-        switch (below(8)) {
-            case 0:
-            case 1:
-                turn_any();
-                break;
-            case 2:
-            case 3:
-                draw_any();
-                break;
-            case 4:
-                key_any();
-                break;
-            case 5:
-                if (!effect_->params.undo.empty()) effect_->undo();
-                break;
-            case 6:
-                pen_->draw(below(2) == 0);
-                break;
-            default:
-                press_any();
-        }
+        (this->*kEdits[below(std::size(kEdits))])();
         if (n % 10 != 0) continue;
         renders = std::jthread([this] {
             Frame frame(kFrame);
@@ -98,10 +79,9 @@ TEST_F(Random, FiveHundredEditsLeaveWhatTheirValuesSay) {
     }
     if (renders.joinable()) renders.join();
     effect_->set("view", {0});
-    const auto loaded = instance(all_clips(), {}, kOfxImageEffectContextGeneral, effect_->saved());
-    EXPECT_EQ(differences(loaded->render(), effect_->render()), 0);
-    pen_.reset();
-    effect_.reset();
+    const auto other = loaded(effect_->saved(), all_clips());
+    EXPECT_EQ(differences(other->render(), effect_->render()), 0);
+    close();
     shown.take();
     // Tools that find nothing to look at fail, and say so; nothing else may be wrong.
     for (const std::string& fault : faults.take()) {

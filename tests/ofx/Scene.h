@@ -184,6 +184,11 @@ class OfxTest : public testing::Test {
         return made;
     }
 
+    // As from a project with these values.
+    std::unique_ptr<Instance> loaded(const Instance::Values& saved, const Clips& clips = two_clips()) {
+        return instance(clips, {}, kOfxImageEffectContextGeneral, saved);
+    }
+
     std::unique_ptr<Host> host_;
 };
 

@@ -144,6 +144,8 @@ T& there(const std::vector<std::unique_ptr<T>>& all, const std::string& name) {
 
 class ParamSet {
   public:
+    explicit ParamSet(PropertySet& of_effect) : props(of_effect) {}
+
     Param* find(const std::string& name) const { return named(all, name); }
     Param& get(const std::string& name) const { return there(all, name); }
 
@@ -154,7 +156,7 @@ class ParamSet {
 
     std::function<void(const std::string& name)> when_edited;  // tells the plug-in of its own change
     HostOptions options;
-    PropertySet* effect_props = nullptr;
+    PropertySet& props;  // the effect's
     std::vector<std::unique_ptr<Param>> all;
 };
 
@@ -205,14 +207,13 @@ class Clip {
 // A descriptor or an instance.
 class Effect {
   public:
-    Effect() { params.effect_props = &props; }
     virtual ~Effect() = default;
 
     Clip& clip(const std::string& name) const { return there(clips, name); }
     Clip* find_clip(const std::string& name) const { return named(clips, name); }
 
     PropertySet props;
-    ParamSet params;
+    ParamSet params{props};
     std::vector<std::unique_ptr<Clip>> clips;
     std::atomic<int> polls{0};         // of abort
     std::atomic<int> abort_after{-1};  // polls until the user aborts; never when negative

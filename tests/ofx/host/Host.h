@@ -185,6 +185,10 @@ class Instance final : public Effect {
                 changed(kOfxTypeParameter, param->name, kOfxChangeTime);
         }
     }
+    double number(const std::string& name, std::size_t i = 0) const {
+        return params.get(name).value().numbers.at(i);
+    }
+    std::string text(const std::string& name) const { return params.get(name).value().text; }
     // The values that a project file holds.
     Values saved() const {
         Values values;

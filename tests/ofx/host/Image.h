@@ -37,14 +37,6 @@ struct Frame {
                                                c)];
     }
 
-    Frame cut(const OfxRectI& part) {
-        Frame frame(part, channels);
-        for (int y = part.y1; y < part.y2; ++y) {
-            std::copy_n(&at(part.x1, y, 0), channels * (part.x2 - part.x1), &frame.at(part.x1, y, 0));
-        }
-        return frame;
-    }
-
     OfxRectI box;
     int channels;
     std::vector<float> values;

@@ -13,15 +13,6 @@ namespace {
 
 thread_local std::deque<std::string> lent;
 
-}  // namespace
-
-void begin_call() {
-    for (std::string& text : lent) std::fill(text.begin(), text.end(), '?');
-    std::deque<std::string>().swap(lent);
-}
-
-namespace {
-
 // A string as a host returns it: spoilt by the next call of any function of the host on the same thread.
 char* lend_string(std::string text) {
     return lent.emplace_back(std::move(text)).data();
@@ -91,11 +82,6 @@ OfxStatus define(ParamSet& set, const char* type, const char* name, OfxPropertyS
 
 OfxStatus find_param(ParamSet& set, const char* name, OfxParamHandle* param, OfxPropertySetHandle* props) {
     return hand_out(set.find(name), param, props);
-}
-
-OfxStatus set_properties(ParamSet& set, OfxPropertySetHandle* props) {
-    *props = set.effect_props->handle();
-    return kOfxStatOK;
 }
 
 OfxStatus give(Param& param, const OfxTime* time, std::va_list out) {
@@ -180,8 +166,9 @@ OfxStatus edit_end(ParamSet& set) {
     return kOfxStatOK;
 }
 
-OfxStatus get_properties(Effect& effect, OfxPropertySetHandle* props) {
-    *props = effect.props.handle();
+template <class Owner>
+OfxStatus properties(Owner& owner, OfxPropertySetHandle* props) {
+    *props = owner.props.handle();
     return kOfxStatOK;
 }
 
@@ -296,11 +283,6 @@ OfxStatus clear_persistent(void*) {
     return kOfxStatOK;
 }
 
-OfxStatus interact_properties(Interact& interact, OfxPropertySetHandle* props) {
-    *props = interact.props.handle();
-    return kOfxStatOK;
-}
-
 OfxStatus redraw(Interact& interact) {
     ++interact.redraws;
     return kOfxStatOK;
@@ -347,7 +329,7 @@ struct Suites {
         property.propGetInt = entered<get_one<int>>;
         parameter.paramDefine = entered<define>;
         parameter.paramGetHandle = entered<find_param>;
-        parameter.paramSetGetPropertySet = entered<set_properties>;
+        parameter.paramSetGetPropertySet = entered<properties<ParamSet>>;
         parameter.paramGetValue = values<give>;
         parameter.paramGetValueAtTime = values_at<give>;
         parameter.paramSetValue = values<take>;
@@ -355,7 +337,7 @@ struct Suites {
         parameter.paramDeleteAllKeys = entered<delete_keys>;
         parameter.paramEditBegin = entered<edit_begin>;
         parameter.paramEditEnd = entered<edit_end>;
-        effect.getPropertySet = entered<get_properties>;
+        effect.getPropertySet = entered<properties<Effect>>;
         effect.getParamSet = entered<get_params>;
         effect.clipDefine = entered<define_clip>;
         effect.clipGetHandle = entered<find_clip>;
@@ -365,7 +347,7 @@ struct Suites {
         effect.abort = entered<abort_wanted>;
         threads.multiThread = multi_thread;
         threads.multiThreadNumCPUs = cpus;
-        interact.interactGetPropertySet = entered<interact_properties>;
+        interact.interactGetPropertySet = entered<properties<Interact>>;
         interact.interactRedraw = entered<redraw>;
         draw.setColour = set_colour;
         draw.setLineWidth = set_line_width;
@@ -374,6 +356,11 @@ struct Suites {
 };
 
 }  // namespace
+
+void begin_call() {
+    for (std::string& text : lent) std::fill(text.begin(), text.end(), '?');
+    std::deque<std::string>().swap(lent);
+}
 
 const void* Host::fetch_suite(OfxPropertySetHandle handle, const char* name, int version) {
     static const Suites all;
