@@ -13,7 +13,6 @@ namespace {
 
 using Panel = OfxTest;
 using testing::HasSubstr;
-using Zo::Image::Iop;
 
 TEST_F(Panel, SaysWhatIsMissingAndWhatToolsDid) {
     const auto effect = instance(two_clips(), {});
@@ -42,31 +41,16 @@ TEST_F(Panel, SaysWhatIsMissingAndWhatToolsDid) {
     shown.take();
 }
 
-TEST_F(Panel, SamplingOutsideOfTheFrameIsRefused) {
-    const auto effect = instance(two_clips(), look(""));
-    const OfxRectI outside[] = {{100, 5, 120, 20}, {0, -40, 20, -10}, {-30, 5, -8, 20}};
-    for (const OfxRectI& box : outside) {
-        const std::vector<double> before = effect->params.get("screen_color").value().numbers;
-        sample(*effect, "toolbar_screen", box);
-        EXPECT_EQ(effect->params.get("screen_color").value().numbers, before);
-        EXPECT_THAT(shown.take(),
-                    testing::ElementsAre(HasSubstr("outside of the foreground, which is -7,3 to 64,44")));
-        EXPECT_FALSE(faults.take().empty()) << "the action should fail";
-    }
-}
-
 // Every stage by its name, as the operator within makes it; tiles of some.
 TEST_F(Panel, ViewsShowWhatStagesMake) {
-    const Settings settings = look(
+    Settings all = look(
         "shadow 1, shadows_blur 2 2, cleanup 1, cleanup_shrink 2 1, cleanup_blur 1 1, film 1, edge_kernel 3, "
         "screen_shrink 1 1, color_conformance 1");
-    for (const char* method : {"", ", unmix_method 1"}) {
-        Settings all = settings;
-        if (*method != 0) all["unmix_method"] = {1};
+    for (const double method : {0.0, 1.0}) {
+        all["unmix_method"] = {method};
         const auto effect = instance(all_clips(), all);
         const auto views = effect->params.get("view").props.strings(kOfxParamPropChoiceOption);
         EXPECT_GT(views.size(), 30U);
-        EXPECT_EQ(effect->preferences.string_at(kOfxImageEffectPropPreMultiplication), kOfxImageOpaque);
         for (std::size_t n = 0; n < views.size(); ++n) {
             SCOPED_TRACE(views[n]);
             effect->set("view", {static_cast<double>(n)});
@@ -82,8 +66,7 @@ TEST_F(Panel, ViewsShowWhatStagesMake) {
                     }
                 }
             } else if (n > 2) {
-                Iop* const stage = reference.node.child(views[n])->as_iop();
-                expected = reference.rows_of(*stage);
+                expected = reference.rows_of(*reference.node.child(views[n])->as_iop());
             }
             Frame picture = effect->render();
             EXPECT_EQ(differences(picture, expected), 0);
@@ -91,14 +74,6 @@ TEST_F(Panel, ViewsShowWhatStagesMake) {
             EXPECT_EQ(differences(picture, expected), 0) << "with a tile of its own";
         }
     }
-    // A view is no way to pass pictures on: it is not saved, and the state is that of a finished picture.
-    const auto effect = instance(two_clips(), {{"output_mode", {1}}});
-    EXPECT_EQ(effect->identity(), "fg");
-    effect->set("view", {1});
-    EXPECT_EQ(effect->identity(), "none");
-    EXPECT_EQ(effect->preferences.string_at(kOfxImageEffectPropPreMultiplication), kOfxImageOpaque);
-    EXPECT_EQ(effect->saved().count("view"), 0U);
-    EXPECT_EQ(effect->params.get("view").props.int_at(kOfxParamPropAnimates), 0);
 }
 
 class Exchange : public OfxTest {
@@ -120,7 +95,6 @@ class Exchange : public OfxTest {
         std::ifstream in(file);
         return {std::istreambuf_iterator<char>(in), {}};
     }
-    static void write(const std::string& file, const std::string& text) { std::ofstream(file) << text; }
 
     std::filesystem::path folder_;
 };
@@ -181,7 +155,7 @@ TEST_F(Exchange, FilesThatDoNotFitChangeNothing) {
         const std::string file = path("bad.veloxa");
         std::filesystem::remove(file);
         const bool chosen = text == nullptr || *text != 0;
-        if (text != nullptr && chosen) write(file, text);
+        if (text != nullptr && chosen) std::ofstream(file) << text;
         choose(*effect, chosen ? file : "");
         effect->press("load_settings");
         EXPECT_THAT(shown.take(), testing::ElementsAre(HasSubstr(message)));

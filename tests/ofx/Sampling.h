@@ -35,12 +35,12 @@ inline double shortest(double value) {
     return read;
 }
 
-// Every parameter of a knob has its value.
+// Every parameter of a knob has its value in the frame that is shown.
 inline void expect_same(const Instance& instance, const Zo::Image::KnobPanel& panel) {
     for (const auto& param : instance.params.all) {
         const Zo::Image::Knob* const knob = panel.find(param->name);
         if (knob == nullptr || !param->holds_value()) continue;
-        const Param::Content content = param->value();
+        const Param::Content content = param->value(services.time);
         if (param->is_text()) {
             const bool empty = content.text.empty() && !knob->differs_from_default();
             EXPECT_TRUE(empty || content.text == knob->text()) << param->name << ": " << content.text;

@@ -39,16 +39,20 @@ inline bool inside(const OfxRectI& box, int x, int y) {
     return x >= box.x1 && x < box.x2 && y >= box.y1 && y < box.y2;
 }
 
-// Backing with grain, half light on a part of it, a figure that moves a pixel a frame, its edge soft.
+// In half light on a part of it.
+inline float backing(double /*time*/, int c, int x, int y) {
+    const float colour[] = {0.15f, 0.6f, 0.2f, 1.0f};
+    return (inside(kShade, x, y) ? 0.5f : 1.0f) * colour[c];
+}
+
+// Backing with grain, a figure that moves a pixel a frame, its edge soft.
 inline float foreground(double time, int c, int x, int y) {
     if (c == 3) return 0.5f + 0.01f * static_cast<float>((x + y) % 7);
-    const float backing[] = {0.15f, 0.6f, 0.2f};
     const float figure[] = {0.55f, 0.42f, 0.35f};
-    const float light = inside(kShade, x, y) ? 0.5f : 1.0f;
     const float grain = 0.004f * static_cast<float>((x * 7 + y * 13 + c * 5) % 5 - 2);
     const double dx = x - 34 - time, dy = y - 24;
     const float cover = std::clamp(1.6f - 0.12f * static_cast<float>(std::hypot(dx, dy)), 0.0f, 1.0f);
-    return light * backing[c] * (1.0f - cover) + figure[c] * cover + grain;
+    return backing(time, c, x, y) * (1.0f - cover) + figure[c] * cover + grain;
 }
 
 // fg and bg alone, of float RGBA; channels are 0 to 3.
@@ -65,11 +69,7 @@ inline Clips two_clips() {
 // With cp, gm and hm.
 inline Clips all_clips() {
     Clips clips = two_clips();
-    clips["cp"].pixel = [](double, int c, int x, int y) {
-        const float light = inside(kShade, x, y) ? 0.5f : 1.0f;
-        const float backing[] = {0.15f, 0.6f, 0.2f, 1.0f};
-        return light * backing[c];
-    };
+    clips["cp"].pixel = backing;
     clips["gm"].pixel = [](double, int c, int x, int) {
         return c != 3 ? 0.25f : std::clamp(0.2f * static_cast<float>(x - 50), 0.0f, 1.0f);
     };
@@ -147,12 +147,7 @@ inline int differences(const Frame& a, const Frame& b) {
 // but those that a test took.
 class OfxTest : public testing::Test {
   protected:
-    void SetUp() override {
-        services.threads = 2;
-        services.threads_fail = false;
-        services.time = 0.0;
-        services.answer = kOfxStatReplyNo;
-    }
+    void SetUp() override { services = {}; }
     void TearDown() override {
         host_.reset();
         EXPECT_EQ(faults.take(), std::vector<std::string>());

@@ -17,10 +17,10 @@ struct Services {
     int threads = 2;                     // that multiThread runs jobs on; 1 is the calling thread
     bool threads_fail = false;           // multiThread launches none
     double time = 0.0;                   // that the user looks at
-    std::atomic<int> parallel_calls{0};  // of multiThread
     OfxStatus answer = kOfxStatReplyNo;  // of the user to questions
 };
 inline Services services;
+inline std::atomic<int> parallel_calls{0};  // of multiThread
 
 class Host {
   public:

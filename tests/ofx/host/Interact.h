@@ -50,11 +50,11 @@ class Interact {
         return send(action, &in);
     }
     // Down at the first, up at the last, which may be the same.
-    void drag(const Points& points) {
+    OfxStatus drag(const Points& points) {
         pen(kOfxInteractActionPenMotion, points.front()[0], points.front()[1]);
         pen(kOfxInteractActionPenDown, points.front()[0], points.front()[1]);
         for (const auto& p : points) pen(kOfxInteractActionPenMotion, p[0], p[1]);
-        pen(kOfxInteractActionPenUp, points.back()[0], points.back()[1]);
+        return pen(kOfxInteractActionPenUp, points.back()[0], points.back()[1]);
     }
     OfxStatus key(const char* action, int symbol) {
         PropertySet in = arguments();

@@ -242,7 +242,7 @@ OfxStatus multi_thread(OfxThreadFunctionV1 function, unsigned count, void* argum
     begin_call();
     if (spawned) return kOfxStatErrExists;
     if (services.threads_fail) return kOfxStatFailed;
-    ++services.parallel_calls;
+    ++parallel_calls;
     const unsigned jobs = std::min(count, static_cast<unsigned>(services.threads));
     const Call* call = &Call::now();
     const auto work = [&](unsigned i) {
