@@ -54,12 +54,6 @@ TEST_F(Describe, Clips) {
     EXPECT_THAT(clips(kOfxImageEffectContextFilter), ElementsAre("Source", "Output"));
 }
 
-// What the user sees and uses.
-bool is_control(const Param& param) {
-    return (param.holds_value() || param.type == kOfxParamTypePushButton) &&
-           param.props.int_at(kOfxParamPropSecret) == 0;
-}
-
 // The labels that a user finds a control under in a host whose pages hold parameters alone; or in one that
 // makes tabs of pages, each with the groups that it names and what it names that is in none.
 Strings places(const Effect& effect, const Param& param, bool tabs = false) {
@@ -130,9 +124,11 @@ TEST_F(Describe, WhereUsersFindTheControls) {
         const std::string& name = param->name;
         SCOPED_TRACE(name);
         EXPECT_TRUE(std::all_of(name.begin(), name.end(), [](char c) { return c > ' ' && c < 127; }));
-        EXPECT_FALSE(is_control(*param) && param->props.string_at(kOfxParamPropHint).empty());
         if (param->type == kOfxParamTypeGroup) groups.push_back(name);
-        if (!is_control(*param)) continue;
+        // What the user neither sees nor uses has no place.
+        const bool used = param->holds_value() || param->type == kOfxParamTypePushButton;
+        if (!used || param->props.int_at(kOfxParamPropSecret) != 0) continue;
+        EXPECT_NE(param->props.string_at(kOfxParamPropHint), "");
         const std::string& group = param->props.string_at(kOfxParamPropParent);
         EXPECT_EQ(std::count(groups.begin(), groups.end(), group), 1) << "comes before its group";
         const std::string label = effect.params.get(group).props.string_at(kOfxPropLabel);

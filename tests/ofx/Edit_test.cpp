@@ -149,16 +149,13 @@ TEST_F(Edit, EnablesGreyOut) {
 }
 
 TEST_F(Edit, ValuesAloneBringAnInstanceBack) {
-    Instance::Values saved;
-    Frame frame;
-    {
-        const auto effect = instance(two_clips(), {{"cleanup", {1}}, {"cleanup_shrink", {2, 1}}});
-        sample(*effect, "toolbar_screen", kBacking);
-        sample(*effect, "toolbar_addoverlay", kShade);
-        sample(*effect, "toolbar_restorespill", kFigure);
-        saved = effect->saved();
-        frame = effect->render();
-    }
+    auto effect = instance(two_clips(), {{"cleanup", {1}}, {"cleanup_shrink", {2, 1}}});
+    sample(*effect, "toolbar_screen", kBacking);
+    sample(*effect, "toolbar_addoverlay", kShade);
+    sample(*effect, "toolbar_restorespill", kFigure);
+    const Instance::Values saved = effect->saved();
+    const Frame frame = effect->render();
+    effect.reset();
     host();  // another process, as it were
     const auto other = loaded(saved);
     EXPECT_EQ(differences(other->render(), frame), 0);
@@ -210,7 +207,6 @@ TEST_F(Edit, PreferencesSayWhetherColourIsMultiplied) {
 
 TEST_F(Edit, IdentityAndComponents) {
     const auto effect = instance(two_clips(), {{"output_mode", {1}}});
-    EXPECT_EQ(effect->identity(), "fg");
     EXPECT_EQ(effect->preferences.string_at("OfxImageClipPropComponents_Output"), kOfxImageComponentRGBA);
     effect->params.get("screen_color").set_keys({{0, {0, 0, 0}}, {4, {0, 0.5, 0}}});
     EXPECT_EQ(effect->identity(0.0), "fg");

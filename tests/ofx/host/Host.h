@@ -89,7 +89,6 @@ class Host {
     }
     decltype(&OfxGetNumberOfPlugins) count;
     decltype(&OfxGetPlugin) plugin;
-    const HostOptions& options() const { return options_; }
     Effect& descriptor() { return *descriptor_; }
     Effect& descriptor(const std::string& context) { return *contexts_.at(context); }
 
@@ -228,7 +227,7 @@ class Instance final : public Effect {
         return render_into(&frame, w, time, scale, field);
     }
     // The same for nobody to see.
-    OfxStatus render_unseen(const OfxRectI& w, double time) {
+    OfxStatus render_unseen(const OfxRectI& w, double time = 0.0) {
         return render_into(nullptr, w, time, 1.0, kOfxImageFieldNone);
     }
     // The window of a whole frame.

@@ -28,8 +28,7 @@ inline bool may_draw() {
 class Interact {
   public:
     Interact(Host& host, Instance& effect)
-        : host_(host),
-          effect_(effect),
+        : effect_(effect),
           entry_(reinterpret_cast<OfxPluginEntryPoint*>(
               host.descriptor().props.pointer_at(kOfxImageEffectPluginPropOverlayInteractV1))) {
         if (entry_ == nullptr) throw std::runtime_error("the plug-in has no overlay");
@@ -70,7 +69,7 @@ class Interact {
         drawing = {};
         PropertySet in = arguments();
         if (suite) in.add(kOfxInteractPropDrawContext, {static_cast<void*>(&drawing)});
-        send(kOfxInteractActionDraw, &in, {.may_draw = true});
+        send(kOfxInteractActionDraw, &in);
         if (drawing.attributes_pushed != 0) note_fault("leaves attributes of OpenGL changed");
         return drawing;
     }
@@ -87,14 +86,13 @@ class Interact {
         return in;
     }
     OfxStatus send(const char* action, PropertySet* in) {
-        const bool lends = host_.options().images_in_interacts;
-        return send(action, in,
-                    {.may_set_params = true,
-                     .may_fetch = lends,
-                     .refuses_images = !lends,
-                     .scale = effect_.viewer_scale});
-    }
-    OfxStatus send(const char* action, PropertySet* in, const Call& call) {
+        const bool draws = action == std::string(kOfxInteractActionDraw);
+        const bool lends = effect_.params.options.images_in_interacts;
+        const Call call{.may_set_params = !draws,
+                        .may_fetch = lends && !draws,
+                        .refuses_images = !lends && !draws,
+                        .may_draw = draws,
+                        .scale = effect_.viewer_scale};
         const Call* outer = std::exchange(Call::current, &call);
         const OfxStatus status = entry_(action, this, in != nullptr ? in->handle() : nullptr, nullptr);
         Call::current = outer;
@@ -102,7 +100,6 @@ class Interact {
         return status;
     }
 
-    Host& host_;
     Instance& effect_;
     OfxPluginEntryPoint* entry_;
 };

@@ -295,10 +295,6 @@ OfxStatus set_colour(OfxDrawContextHandle, const OfxRGBAColourF* colour) {
     return kOfxStatOK;
 }
 
-OfxStatus set_line_width(OfxDrawContextHandle, float) {
-    return kOfxStatOK;
-}
-
 OfxStatus draw_shape(OfxDrawContextHandle, OfxDrawPrimitive primitive, const OfxPointD* points, int count) {
     if (!may_draw()) return kOfxStatFailed;
     Shape& shape = drawing.shapes.emplace_back(Shape{primitive == kOfxDrawPrimitivePolygon, paint});
@@ -350,7 +346,7 @@ struct Suites {
         interact.interactGetPropertySet = entered<properties<Interact>>;
         interact.interactRedraw = entered<redraw>;
         draw.setColour = set_colour;
-        draw.setLineWidth = set_line_width;
+        draw.setLineWidth = [](OfxDrawContextHandle, float) -> OfxStatus { return kOfxStatOK; };
         draw.draw = draw_shape;
     }
 };
