@@ -39,34 +39,29 @@ TEST_F(Matte, ClicksDrawOneAndThreeWaysCloseIt) {
     like.feather = 7.0;
     area.set_new_matte(like);
     const Points triangle{{100, 80}, {140, 80}, {140, 50}};
-    const struct {
-        const char* what;
-        std::function<void()> close;
-    } ways[] = {
-        {"first point",
-         [&] {
-             click({102, 22});
-         }},
-        {"Enter", [&] { key(Qt::Key_Return); }},
-        {"double click",
-         [&] {
-             mouse(QEvent::MouseButtonDblClick, {140, 50});
-             release({140, 50});
-         }},
+    const QPointF first(102, 22), last(140, 50);
+    const auto double_click = [&] {
+        mouse(QEvent::MouseButtonDblClick, last);
+        release(last);
     };
-    for (const auto& way : ways) {
+    const std::pair<const char*, std::function<void()>> ways[]{
+        {"first point", [&] { click(first); }},
+        {"Enter", [&] { key(Qt::Key_Return); }},
+        {"double click", double_click},
+    };
+    for (const auto& [way, close] : ways) {
         area.set_mattes({square()});
         told.clear();
         click({100, 20});
         click({140, 20});
         key(Qt::Key_Return);  // not yet
-        click({140, 50});
+        click(last);
         EXPECT_TRUE(told.empty());
-        way.close();
-        EXPECT_THAT(told, ElementsAre("Draw holdout matte")) << way.what;
-        ASSERT_EQ(area.mattes().size(), 2U) << way.what;
+        close();
+        EXPECT_THAT(told, ElementsAre("Draw holdout matte")) << way;
+        ASSERT_EQ(area.mattes().size(), 2U) << way;
         like.points = triangle;
-        EXPECT_EQ(area.mattes().back(), like) << way.what;
+        EXPECT_EQ(area.mattes().back(), like) << way;
     }
     told.clear();
     click({170, 20});

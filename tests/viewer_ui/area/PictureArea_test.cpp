@@ -1,13 +1,12 @@
 #include "area/PictureArea.h"
 
-#include <QDropEvent>
 #include <QLabel>
-#include <QMimeData>
 #include <QProcess>
 #include <cmath>
 #include <functional>
 
 #include "AreaRig.h"
+#include "viewer_ui/Widgets.h"
 
 using namespace test;
 
@@ -18,66 +17,41 @@ class Pictures : public AreaRig {};
 
 TEST_F(Navigation, EveryWayMovesThePictureAsFarAsItSays) {
     const double step = 1.25;
-    const QPointF corner(0.0, 0.0), middle(100.0, 50.0);
+    const QPointF corner(0.0, 0.0), middle(100.0, 50.0), from(50.0, 50.0), to(60.0, 45.0);
+    const QPoint notch(0, 120);
+    const auto middle_drag = [&] {
+        press(from, Qt::MiddleButton);
+        move({52, 50});
+        move(to);
+        release(to, Qt::MiddleButton);
+    };
+    const auto touchpad = [&] { wheel(corner, notch / 2, {7, -3}); };
+    const auto touchpad_zoom = [&] { wheel(corner, notch, {0, 30}, Qt::ControlModifier); };
     const auto pinch = [&] {
         QNativeGestureEvent event(Qt::ZoomNativeGesture, QPointingDevice::primaryPointingDevice(), 2, corner,
                                   corner, corner, 0.5, {});
         QApplication::sendEvent(&area, &event);
     };
+    const auto double_click = [&] { mouse(QEvent::MouseButtonDblClick, corner, Qt::MiddleButton); };
     const struct {
         const char* what;
         std::function<void()> act;
         double zoom;
         Point centre;
     } rows[] = {
-        {"left drag",
-         [&] {
-             drag({50, 50}, {60, 45});
-         },
-         1.0,
-         {90.0, 45.0}},
-        {"middle drag in two moves",
-         [&] {
-             press({50, 50}, Qt::MiddleButton);
-             move({52, 50});
-             drag({52, 50}, {60, 45}, Qt::MiddleButton);
-         },
-         1.0,
-         {90.0, 45.0}},
+        {"left drag", [&] { drag(from, to); }, 1.0, {90.0, 45.0}},
+        {"middle drag in two moves", middle_drag, 1.0, {90.0, 45.0}},
         {"right", [&] { key(Qt::Key_Right); }, 1.0, {140.0, 50.0}},
         {"up, far", [&] { key(Qt::Key_Up, Qt::ShiftModifier); }, 1.0, {100.0, 250.0}},
         {"plus", [&] { key(Qt::Key_Plus); }, step, {100.0, 50.0}},
         {"minus", [&] { key(Qt::Key_Minus); }, 1.0 / step, {100.0, 50.0}},
-        {"wheel in the middle",
-         [&] {
-             wheel(middle, {0, 240});
-         },
-         step * step,
-         {100.0, 50.0}},
-        {"wheel in the corner",
-         [&] {
-             wheel(corner, {0, 120});
-         },
-         step,
-         {80.0, 60.0}},
-        {"touchpad",
-         [&] {
-             wheel(corner, {0, 60}, {7, -3});
-         },
-         1.0,
-         {93.0, 47.0}},
-        {"touchpad with Ctrl",
-         [&] {
-             wheel(corner, {0, 120}, {0, 30}, Qt::ControlModifier);
-         },
-         step,
-         {80.0, 60.0}},
+        {"wheel in the middle", [&] { wheel(middle, 2 * notch); }, step * step, {100.0, 50.0}},
+        {"wheel in the corner", [&] { wheel(corner, notch); }, step, {80.0, 60.0}},
+        {"touchpad", touchpad, 1.0, {93.0, 47.0}},
+        {"touchpad with Ctrl", touchpad_zoom, step, {80.0, 60.0}},
         {"pinch", pinch, 1.5, {100.0 * 2 / 3, 100.0 - 50.0 * 2 / 3}},
         {"fits", [&] { key(Qt::Key_F); }, 1.0 / 3.0, {200.0, 150.0}},
-        {"fits by a double click",
-         [&] { mouse(QEvent::MouseButtonDblClick, corner, Qt::MiddleButton); },
-         1.0 / 3.0,
-         {200.0, 150.0}},
+        {"fits by a double click", double_click, 1.0 / 3.0, {200.0, 150.0}},
         {"one to one", [&] { key(Qt::Key_1); }, 1.0 / ratio(), {100.0, 50.0}},
     };
     for (const auto& row : rows) {
@@ -241,19 +215,10 @@ TEST_F(Pictures, FilesAreTakenAndThePointerIsTold) {
     int left = 0;
     QObject::connect(&area, &PictureArea::filesDropped, [&](const QStringList& dropped) { paths = dropped; });
     QObject::connect(&area, &PictureArea::left, [&] { ++left; });
-    const auto drop = [&](const QList<QUrl>& urls) {
-        QMimeData data;
-        data.setUrls(urls);
-        QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
-        enter.setAccepted(false);
-        QApplication::sendEvent(&area, &enter);
-        QDropEvent event({5.0, 5.0}, Qt::CopyAction, &data, Qt::LeftButton, {});
-        QApplication::sendEvent(&area, &event);
-        return enter.isAccepted();
-    };
-    EXPECT_FALSE(drop({QUrl("https://example.org/a.exr")}));
+    EXPECT_FALSE(drop(area, {QUrl("https://example.org/a.exr")}));
     EXPECT_TRUE(paths.isEmpty());
-    EXPECT_TRUE(drop({QUrl("file:///a b.exr"), QUrl("https://example.org/a.exr"), QUrl("file:///c.exr")}));
+    EXPECT_TRUE(
+        drop(area, {QUrl("file:///a b.exr"), QUrl("https://example.org/a.exr"), QUrl("file:///c.exr")}));
     EXPECT_EQ(paths, QStringList({"/a b.exr", "/c.exr"}));
     QEvent leave(QEvent::Leave);
     QApplication::sendEvent(&area, &leave);

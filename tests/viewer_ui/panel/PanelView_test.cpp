@@ -14,6 +14,7 @@
 #include <QWheelEvent>
 
 #include "panel/NumberControls.h"
+#include "viewer_ui/Widgets.h"
 #include "viewer_ui/panel/NodeEdits.h"
 
 using namespace Zo::Image;
@@ -33,11 +34,9 @@ class PanelViewTest : public testing::Test {
 
     template <class T>
     T* part(const QString& name) {
-        for (T* const widget : view.findChildren<T*>()) {
-            if (widget->accessibleName() == name) return widget;
-        }
-        ADD_FAILURE() << "no " << name.toStdString();
-        return nullptr;
+        T* const found = test::named<T>(view, name);
+        EXPECT_NE(found, nullptr) << name.toStdString();
+        return found;
     }
 
     MarkedLabel* label(const char* text, int nth = 0) {
@@ -47,6 +46,12 @@ class PanelViewTest : public testing::Test {
         return nullptr;
     }
 
+    static void type(NumberField& field, const QString& text) {
+        field.setFocus();
+        field.selectAll();
+        QTest::keyClicks(&field, text);
+        QTest::keyClick(&field, Qt::Key_Return);
+    }
     // Types into the knob's control what changes it, and returns the values that it should have then.
     std::vector<double> change_by_keys(Knob& knob, KnobControl& control) {
         const auto press = [](QWidget& on, Qt::Key key) { QTest::keyClick(&on, key); };
@@ -67,10 +72,7 @@ class PanelViewTest : public testing::Test {
         std::vector<double> expected;
         for (NumberField* const field : control.findChildren<NumberField*>()) {
             const double value = 1234.5 + static_cast<double>(expected.size());
-            field->setFocus();
-            field->selectAll();
-            QTest::keyClicks(field, QString::number(value));
-            press(*field, Qt::Key_Return);
+            type(*field, QString::number(value));
             expected.push_back(value);
         }
         return expected;
@@ -287,17 +289,11 @@ TEST_F(PanelViewTest, SearchesLabelsNamesAndTabs) {
 }
 
 TEST_F(PanelViewTest, SizesColoursAndButtonsOfTheirOwnKind) {
-    const auto type = [](NumberField* field, const char* text) {
-        field->setFocus();
-        field->selectAll();
-        QTest::keyClicks(field, text);
-        QTest::keyClick(field, Qt::Key_Return);
-    };
-    type(part<NumberField>("shrink width, Screen Correct"), "7");
+    type(*part<NumberField>("shrink width, Screen Correct"), "7");
     EXPECT_EQ(edits.knob("screen_shrink").text(), "7 7") << "locked";
     EXPECT_EQ(edits.log, QStringList({"begin shrink, Screen Correct", "set", "set", "end"}));
     QTest::keyClick(part<QAbstractButton>("shrink lock, Screen Correct"), Qt::Key_Space);
-    type(part<NumberField>("shrink height, Screen Correct"), "9");
+    type(*part<NumberField>("shrink height, Screen Correct"), "9");
     EXPECT_EQ(edits.knob("screen_shrink").text(), "7 9");
 
     auto* const pick = part<QAbstractButton>("screen color from picture");

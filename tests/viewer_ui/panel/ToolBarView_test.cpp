@@ -16,19 +16,14 @@
 #include "panel/ChangesView.h"
 #include "panel/DarkTheme.h"
 #include "panel/ToolIcons.h"
+#include "viewer_ui/Widgets.h"
 #include "viewer_ui/panel/NodeEdits.h"
 
 using namespace Zo::Image;
 using namespace veloxa::viewer;
+using test::named;
 
 namespace {
-
-QToolButton* button(QToolBar& bar, const QString& name) {
-    for (auto* const candidate : bar.findChildren<QToolButton*>()) {
-        if (candidate->accessibleName() == name) return candidate;
-    }
-    return nullptr;
-}
 
 QImage drawn(const QIcon& icon) {
     return icon.pixmap(QSize(20, 20)).toImage().convertToFormat(QImage::Format_ARGB32);
@@ -80,7 +75,7 @@ TEST(ToolBarView, EveryToolIsAButtonThatIsTakenAndLeft) {
     EXPECT_EQ(tools, 15);
     QTest::keyClick(&bar, Qt::Key_Escape);
     EXPECT_EQ(edits.tool(), nullptr);
-    QToolButton* const add = button(bar, "add, matte");
+    QToolButton* const add = named<QToolButton>(bar, "add, matte");
     for (Knob* const expected : {&edits.knob("toolbar_addmatte"), static_cast<Knob*>(nullptr)}) {
         QTest::mouseClick(add, Qt::LeftButton);
         EXPECT_EQ(edits.tool(), expected);
@@ -110,12 +105,12 @@ TEST(ToolBarView, ShowsColoursSettingsAndButtonsThatLook) {
     EXPECT_EQ(edits.knob("overlay_mode").get_value(), 1.0);
 
     edits.log.clear();
-    QTest::keyClick(button(bar.buttons(), "Set Up Automatically"), Qt::Key_Space);
-    button(bar.buttons(), "Find Screen")->menu()->actions().at(2)->trigger();
-    button(bar.buttons(), "Find Screen")->menu()->actions().at(2)->trigger();
+    QTest::keyClick(named<QToolButton>(bar.buttons(), "Set Up Automatically"), Qt::Key_Space);
+    named<QToolButton>(bar.buttons(), "Find Screen")->menu()->actions().at(2)->trigger();
+    named<QToolButton>(bar.buttons(), "Find Screen")->menu()->actions().at(2)->trigger();
     EXPECT_EQ(edits.log, QStringList({"press set_up", "set", "press find_screen", "press find_screen"}));
     EXPECT_EQ(edits.knob("find_screen").get_value(), 2.0);
-    EXPECT_EQ(button(bar.buttons(), "Add Frame to Shot"), nullptr) << "stands on a tab";
+    EXPECT_EQ(named<QToolButton>(bar.buttons(), "Add Frame to Shot"), nullptr) << "stands on a tab";
 
     bar.rebuild();
     EXPECT_EQ(bar.findChildren<QComboBox*>().size(), 1);

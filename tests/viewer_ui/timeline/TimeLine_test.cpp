@@ -10,6 +10,8 @@
 #include <QToolButton>
 #include <QWheelEvent>
 
+#include "viewer_ui/Widgets.h"
+
 using namespace veloxa;
 using namespace veloxa::viewer;
 using testing::ElementsAre;
@@ -28,13 +30,6 @@ class TimeLineTest : public testing::Test {
     }
 
     std::vector<int> taken() { return std::exchange(wanted, {}); }
-    QToolButton* button(const char* name) {
-        for (auto* const candidate : line.findChildren<QToolButton*>()) {
-            if (candidate->accessibleName() == name) return candidate;
-        }
-        return nullptr;
-    }
-
     TimeLine line;
     FrameStrip* strip = nullptr;
     std::vector<int> wanted;
@@ -68,8 +63,8 @@ TEST_F(TimeLineTest, ClicksDragsWheelKeysAndFieldsAskForFrames) {
     line.findChild<QSpinBox*>()->setValue(15);
     EXPECT_EQ(line.findChild<QSpinBox*>()->value(), line.current());
     EXPECT_THAT(taken(), ElementsAre(16));
-    QTest::keyClick(button("Step back"), Qt::Key_Space);
-    QTest::keyClick(button("Step forward"), Qt::Key_Space);
+    QTest::keyClick(test::named<QToolButton>(line, "Step back"), Qt::Key_Space);
+    QTest::keyClick(test::named<QToolButton>(line, "Step forward"), Qt::Key_Space);
     EXPECT_THAT(taken(), ElementsAre(14, 16));
     line.set_range({1, 3, 1});
     EXPECT_EQ(line.current(), 1);
@@ -102,7 +97,7 @@ TEST_F(TimeLineTest, PlayingWaitsForEachFrame) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return !line.playing(); })) << "it ends at the last";
     EXPECT_THAT(taken(), ElementsAre(28));
 
-    QTest::mouseClick(button("Play"), Qt::LeftButton);
+    QTest::mouseClick(test::named<QToolButton>(line, "Play"), Qt::LeftButton);
     EXPECT_THAT(taken(), ElementsAre(10)) << "and begins again";
     line.set_looping(true);
     line.go_to(28);

@@ -3,12 +3,9 @@
 
 #include <QCheckBox>
 #include <QDockWidget>
-#include <QDropEvent>
 #include <QLineEdit>
 #include <QMenu>
-#include <QMimeData>
 #include <QPlainTextEdit>
-#include <QUrl>
 #include <fstream>
 
 #include "panel/NumberField.h"
@@ -131,21 +128,16 @@ TEST_F(WindowRig, WhatWasLeftIsOfferedDroppedFilesOpenAndBadOnesAreNamed) {
     EXPECT_TRUE(window_->isWindowModified());
     ASSERT_TRUE(until([&] { return Autosave::left(file("rescue")).empty(); }));
 
-    const auto drop = [&](const std::string& path) {
-        QMimeData data;
-        data.setUrls({QUrl::fromLocalFile(QString::fromStdString(path))});
-        QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
-        QApplication::sendEvent(&area(), &enter);
-        QDropEvent event(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, {});
-        QApplication::sendEvent(&area(), &event);
+    const auto drop_file = [&](const char* name) {
+        drop(area(), {QUrl::fromLocalFile(QString::fromStdString(file(name)))});
     };
-    drop(file("fg.1.exr"));
+    drop_file("fg.1.exr");
     answer("unsaved", QMessageBox::Discard);
     ASSERT_TRUE(until([&] { return session().files().inputs[kFg] == file("fg.#.exr"); }));
     EXPECT_EQ(session().files().frames, "1-2");
     ASSERT_TRUE(settled());
     EXPECT_TRUE(area().message().isEmpty());
-    drop(file("bg.1.exr"));  // onto a plate: one may choose what it is
+    drop_file("bg.1.exr");  // onto a plate: one may choose what it is
     auto* const menu = dialog<QMenu>("open_as");
     ASSERT_NE(menu, nullptr);
     menu->actions()[2]->trigger();

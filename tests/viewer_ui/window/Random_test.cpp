@@ -1,4 +1,5 @@
 // A session of many things done at random, while files come, go and break; then all is well again.
+#include <array>
 #include <atomic>
 #include <random>
 #include <thread>
@@ -38,6 +39,11 @@ class Vandal {
 class RandomWindow : public WindowRig {
   protected:
     int any(int count) { return static_cast<int>(random_() % static_cast<unsigned>(count)); }
+    template <class... Names>
+    const char* one_of(Names... names) {
+        return std::array<const char*, sizeof...(names)>{names...}.at(
+            static_cast<std::size_t>(any(sizeof...(names))));
+    }
     // Anywhere in the area, on the frame or not.
     Point place() {
         const Geometry& seen = area().picture_geometry();
@@ -74,7 +80,6 @@ class RandomWindow : public WindowRig {
         session().end_edit();
     }
     void use_pointer() {
-        constexpr const char* kModes[] = {"mode_look", "mode_box", "mode_garbage", "mode_holdout"};
         std::vector<QAction*> tools;
         for (const auto& knob : session().panel().knobs()) {
             if (knob->kind() == Knob::Kind::kToolButton)
@@ -83,7 +88,7 @@ class RandomWindow : public WindowRig {
         if (any(2) == 0) {
             tools[static_cast<std::size_t>(any(static_cast<int>(tools.size())))]->trigger();
         } else {
-            command(kModes[any(4)]);
+            command(one_of("mode_look", "mode_box", "mode_garbage", "mode_holdout"));
         }
         area().set_brush_size(1 + any(9));
         std::vector<Point> path;
@@ -108,42 +113,12 @@ class RandomWindow : public WindowRig {
         }
     }
     void use_command() {
-        constexpr const char* kNames[] = {"undo",
-                                          "undo",
-                                          "redo",
-                                          "fit",
-                                          "one_to_one",
-                                          "zoom_in",
-                                          "zoom_out",
-                                          "channel_alpha",
-                                          "channel_red",
-                                          "channel_colour",
-                                          "overlay",
-                                          "false_colours",
-                                          "counts",
-                                          "behind_black",
-                                          "behind_picture",
-                                          "layout_single",
-                                          "layout_wipe",
-                                          "layout_side",
-                                          "keep_a",
-                                          "layout_difference",
-                                          "picture_next",
-                                          "play",
-                                          "feather_more",
-                                          "matte_outside",
-                                          "reload",
-                                          "next",
-                                          "previous",
-                                          "last",
-                                          "give_up",
-                                          "reset_all",
-                                          "picture_previous",
-                                          "cancel_jobs",
-                                          "brush_larger",
-                                          "behind_nothing",
-                                          "channel_luminance"};
-        command(kNames[any(static_cast<int>(std::size(kNames)))]);
+        command(one_of("undo", "undo", "redo", "fit", "one_to_one", "zoom_in", "zoom_out", "channel_alpha",
+                       "channel_red", "channel_colour", "overlay", "false_colours", "counts", "behind_black",
+                       "behind_picture", "layout_single", "layout_wipe", "layout_side", "keep_a",
+                       "layout_difference", "picture_next", "play", "feather_more", "matte_outside", "reload",
+                       "next", "previous", "last", "give_up", "reset_all", "picture_previous", "cancel_jobs",
+                       "brush_larger", "behind_nothing", "channel_luminance"));
     }
     void act() {
         switch (any(8)) {
@@ -160,7 +135,7 @@ class RandomWindow : public WindowRig {
             case 5: {
                 Sight sight = session().sight(1);
                 sight.against = static_cast<Against>(any(kAgainst));
-                sight.picture = any(2) == 0 ? "matte" : "subject";
+                sight.picture = one_of("matte", "subject");
                 return session().set_sight(1, sight);
             }
             case 6:

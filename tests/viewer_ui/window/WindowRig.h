@@ -20,6 +20,7 @@
 #include "timeline/FrameStrip.h"
 #include "timeline/TimeLine.h"
 #include "viewer/session/SessionRig.h"
+#include "viewer_ui/Widgets.h"
 #include "window/Commands.h"
 #include "window/MainWindow.h"
 
@@ -74,10 +75,7 @@ class WindowRig : public SessionRig {
     }
     template <class Widget>
     Widget* accessible(const char* name) const {
-        for (auto* const widget : window_->findChildren<Widget*>()) {
-            if (widget->accessibleName() == QLatin1String(name)) return widget;
-        }
-        return nullptr;
+        return named<Widget>(*window_, QLatin1String(name));
     }
 
     // Until nothing works and the latest request is shown whole, or why it cannot be.
