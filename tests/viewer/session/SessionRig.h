@@ -49,6 +49,14 @@ inline veloxa::Image keyed(const SetupOptions& options, int frame) {
     return image;
 }
 
+// That the settings are those that the command line sets up; what its last stroke came to.
+inline ToolReport expect_set_up(const Session& session, const SetupOptions& options) {
+    KeySetup setup(options, {});
+    setup.prepare();
+    EXPECT_TRUE(session.state().settings == Settings(setup.node().panel()));
+    return setup.strokes().empty() ? ToolReport() : setup.strokes().back();
+}
+
 // Takes calls from any thread and makes them on the test's.
 class Desk {
   public:
@@ -128,12 +136,13 @@ class SessionRig : public Files {
             if (!preview) reports_ = reports;
         };
     }
-    // Until nothing works and the whole picture of the latest request is there.
+    // Nothing works, and the latest request is shown whole, or why it cannot be.
+    bool at_rest(const Session& session) const {
+        return !session.working() && session.current_frame() && (shown_.whole || !shown_.error.empty()) &&
+               shown_.number == session.latest_request();
+    }
     bool settle(Session& session) {
-        return desk_.until([&] {
-            return !session.working() && session.current_frame() && (shown_.whole || !shown_.error.empty()) &&
-                   shown_.number == session.latest_request();
-        });
+        return desk_.until([&] { return at_rest(session); });
     }
     void open(Session& session, int frames) {
         listen(session);

@@ -117,8 +117,8 @@ class RandomWindow : public WindowRig {
                        "channel_red", "channel_colour", "overlay", "false_colours", "counts", "behind_black",
                        "behind_picture", "layout_single", "layout_wipe", "layout_side", "keep_a",
                        "layout_difference", "picture_next", "play", "feather_more", "matte_outside", "reload",
-                       "next", "previous", "last", "give_up", "reset_all", "picture_previous", "cancel_jobs",
-                       "brush_larger", "behind_nothing", "channel_luminance"));
+                       "next", "previous", "last", "close_others", "give_up", "reset_all", "picture_previous",
+                       "cancel_jobs", "brush_larger", "behind_nothing", "channel_luminance"));
     }
     void act() {
         switch (any(8)) {
@@ -145,6 +145,17 @@ class RandomWindow : public WindowRig {
                 return use_command();
         }
     }
+    void expect_undo_and_redo_give_the_same_scripts(const std::string& first) {
+        const auto script = [&] { return session().script(file("s")); };
+        for (int n = 0; n < 300; ++n) turn_knob();
+        std::vector<std::string> back{script()};
+        while (session().undo()) back.push_back(script());
+        EXPECT_EQ(back.back(), first);
+        EXPECT_GT(back.size(), 40U);
+        std::vector<std::string> forth{script()};
+        while (session().redo()) forth.push_back(script());
+        EXPECT_TRUE(std::ranges::equal(forth, std::vector(back.rbegin(), back.rend())));
+    }
 
     // --gtest_random_seed tries another session.
     std::mt19937 random_{static_cast<unsigned>(2024 + GTEST_FLAG_GET(random_seed))};
@@ -155,6 +166,7 @@ TEST_F(RandomWindow, SettlesOnWhatTheCommandLineKeys) {
     make_window();
     session().open(shot(kFrames));
     ASSERT_TRUE(settled()) << shown_.error;
+    const std::string first = session().script(file("s"));
     {
         const Vandal vandal([this](std::mt19937& random) { break_file(random); });
         for (int n = 0; n < kActions; ++n) {
@@ -168,11 +180,9 @@ TEST_F(RandomWindow, SettlesOnWhatTheCommandLineKeys) {
     command("cancel_jobs");
     command("reload");
     ASSERT_TRUE(until([&] { return !window_->jobs().running() && !session().working(); }));
+    expect_undo_and_redo_give_the_same_scripts(first);
     command("layout_single");
-    Sight sight = session().sight(0);
-    sight.picture = "result";
-    sight.against = Against::kNow;
-    session().set_sight(0, sight);
+    command("picture result");
     for (int i = 0; i < 3; ++i) session().set(panel_knob("screen_color"), i == 1 ? 0.6 : 0.1, i);
     for (int n = 1; n <= kFrames; ++n) {
         window_->time_line().go_to(n);

@@ -31,9 +31,9 @@ TEST_F(WindowRig, EveryFrameIsShownWhenSteppingAndPlaying) {
 
     const std::string path = file("fg.3.exr");
     std::filesystem::copy_file(path, file("whole.exr"));
-    cut(path, 0.4);
-    command("reload");
     window_->time_line().go_to(3);
+    ASSERT_TRUE(settled());
+    cut(path, 0.4);  // which is looked after
     ASSERT_TRUE(until([&] { return strip->state(3) == FrameState::kFailed; }));
     EXPECT_TRUE(strip->description(3).contains("fg.3.exr"));
     EXPECT_TRUE(until([&] { return area().message().contains("fg.3.exr"); }));
@@ -80,9 +80,7 @@ TEST_F(WindowRig, AnInputThatComesEarlyLosesNothing) {
     session().open(options);
     session().open_input(kBg, file("bg.1.exr"));
     ASSERT_TRUE(until([&] { return !session().working(); }));
-    KeySetup setup(options, {});
-    setup.prepare();
-    EXPECT_TRUE(session().state().settings == Settings(setup.node().panel()));
+    expect_set_up(session(), options);
     session().open(options);
     session().give_up();
     EXPECT_TRUE(until([&] { return !session().working(); }));

@@ -11,34 +11,34 @@ namespace {
 struct ToolRow {
     const char* tool;
     std::vector<Point> path;
-    const char* picture;     // that is shown while one paints
+    const char* picture;     // the command for what is shown while one paints
     const char* needs = "";  // a switch, without which the tool has nothing to turn
 };
 
 // Backing at the left and above, the figure in the middle, its edges beside it.
 const std::vector<ToolRow> kTools{
-    {"toolbar_screen", {{12, 80}}, "matte"},
-    {"toolbar_addoverlay", {{10, 70}, {30, 72}}, "matte"},
-    {"toolbar_removeoverlay", {{10, 70}, {30, 72}}, "result"},
-    {"toolbar_addmatte", {{76, 20}, {84, 34}}, "matte"},
-    {"toolbar_removenoise", {{12, 30}, {12, 60}}, "status"},
-    {"toolbar_restorespill", {{76, 30}, {84, 30}}, "result"},
-    {"toolbar_removespill", {{60, 40}, {66, 60}}, "result"},
-    {"toolbar_matchcolor", {{78, 30}, {84, 36}}, "plate"},
-    {"toolbar_matchshadow", {{30, 8}, {50, 8}}, "background"},
-    {"toolbar_holdShadow", {{30, 8}, {50, 8}}, "matte", "cleanup"},
-    {"toolbar_restoreDetail", {{30, 8}, {50, 8}}, "result", "cleanup"},
-    {"toolbar_unmixbacking", {{10, 70}, {30, 72}}, "matte"},
-    {"toolbar_unmixsolid", {{76, 20}, {84, 34}}, "subject"},
-    {"toolbar_unmixseethrough", {{60, 40}, {66, 60}}, "result"},
-    {"toolbar_unmixown", {{76, 30}, {84, 30}}, "result"},
+    {"toolbar_screen", {{12, 80}}, "picture matte"},
+    {"toolbar_addoverlay", {{10, 70}, {30, 72}}, "picture matte"},
+    {"toolbar_removeoverlay", {{10, 70}, {30, 72}}, "picture result"},
+    {"toolbar_addmatte", {{76, 20}, {84, 34}}, "picture matte"},
+    {"toolbar_removenoise", {{12, 30}, {12, 60}}, "picture status"},
+    {"toolbar_restorespill", {{76, 30}, {84, 30}}, "picture result"},
+    {"toolbar_removespill", {{60, 40}, {66, 60}}, "picture result"},
+    {"toolbar_matchcolor", {{78, 30}, {84, 36}}, "picture plate"},
+    {"toolbar_matchshadow", {{30, 8}, {50, 8}}, "picture background"},
+    {"toolbar_holdShadow", {{30, 8}, {50, 8}}, "picture matte", "cleanup"},
+    {"toolbar_restoreDetail", {{30, 8}, {50, 8}}, "picture result", "cleanup"},
+    {"toolbar_unmixbacking", {{10, 70}, {30, 72}}, "picture matte"},
+    {"toolbar_unmixsolid", {{76, 20}, {84, 34}}, "picture subject"},
+    {"toolbar_unmixseethrough", {{60, 40}, {66, 60}}, "picture result"},
+    {"toolbar_unmixown", {{76, 30}, {84, 30}}, "picture result"},
 };
 
-std::string text_of(const std::vector<Box>& areas) {
+std::string stroke_text(const char* tool, const std::vector<Box>& areas) {
     std::string text;
     for (const Box& b : areas) {
-        text += (text.empty() ? "" : "+") + std::to_string(b.x) + "," + std::to_string(b.y) + "," +
-                std::to_string(b.r) + "," + std::to_string(b.t);
+        text += (text.empty() ? std::string(tool) + "=" : "+") + std::to_string(b.x) + "," +
+                std::to_string(b.y) + "," + std::to_string(b.r) + "," + std::to_string(b.t);
     }
     return text;
 }
@@ -60,9 +60,7 @@ TEST_F(WindowRig, EveryToolDoesWhatTheCommandLineDoes) {
         }
         const Settings before = session().state().settings;
         const std::string step = session().history().undo_name();
-        Sight sight = session().sight(0);
-        sight.picture = row.picture;
-        session().set_sight(0, sight);
+        command(row.picture);
         take_tool(row.tool);
         areas.clear();
         reports_.clear();
@@ -71,16 +69,13 @@ TEST_F(WindowRig, EveryToolDoesWhatTheCommandLineDoes) {
         ASSERT_TRUE(settled()) << shown_.error;
         ASSERT_FALSE(areas.empty());
 
-        options.strokes = {std::string(row.tool) + "=" + text_of(areas)};
-        KeySetup setup(options, {});
-        setup.prepare();
-        EXPECT_TRUE(session().state().settings == Settings(setup.node().panel()));
+        options.strokes = {stroke_text(row.tool, areas)};
+        const ToolReport report = expect_set_up(session(), options);
         EXPECT_FALSE(session().state().settings == before) << "nothing was turned";
 
         auto* const table = accessible<QTableWidget>("What tools changed");
         ASSERT_NE(table, nullptr);
         ASSERT_EQ(table->rowCount(), 1);
-        const ToolReport& report = setup.strokes().back();
         EXPECT_EQ(table->item(0, 0)->text().toStdString(), report.tool);
         EXPECT_EQ(table->item(0, 3)->text().toInt(), report.satisfied);
         EXPECT_EQ(table->item(0, 6)->text().isEmpty(), report.changes.empty());
@@ -120,6 +115,29 @@ TEST_F(WindowRig, EveryToolDoesWhatTheCommandLineDoes) {
     }
 }
 
+// Each begins with what the one before left, and remembers nothing of one that was taken back.
+TEST_F(WindowRig, StrokesOneAfterAnotherDoWhatTheCommandLineDoes) {
+    open_window(1);
+    const std::pair<const char*, std::vector<Box>> strokes[]{
+        {"toolbar_addoverlay", {{4, 70, 12, 80}, {20, 70, 26, 78}}},
+        {"toolbar_addmatte", {{75, 30, 82, 36}}},
+        {"toolbar_removenoise", {{6, 40, 14, 50}}},
+    };
+    SetupOptions options = shot(1);
+    for (const auto& [tool, areas] : strokes) {
+        options.strokes.push_back(stroke_text(tool, areas));
+        take_tool(tool);
+        for (const bool again : {false, true}) {
+            if (again) session().undo();
+            session().end_stroke(areas);
+            ASSERT_TRUE(settled());
+            ASSERT_FALSE(reports_.empty());
+            const ToolReport report = expect_set_up(session(), options);
+            EXPECT_EQ(reports_.back().satisfied, report.satisfied) << tool;
+        }
+    }
+}
+
 TEST_F(WindowRig, ButtonsThatLookDoWhatTheCommandLineDoes) {
     open_window(1);
     const Settings before = session().state().settings;
@@ -131,9 +149,7 @@ TEST_F(WindowRig, ButtonsThatLookDoWhatTheCommandLineDoes) {
         SetupOptions options = shot(1);
         options.automatic = automatic;
         if (!automatic) options.screen.screen = "auto";
-        KeySetup setup(options, {});
-        setup.prepare();
-        EXPECT_TRUE(session().state().settings == Settings(setup.node().panel())) << automatic;
+        expect_set_up(session(), options);
         EXPECT_FALSE(session().state().settings == turned);
         command("undo");
         EXPECT_TRUE(session().state().settings == turned);
@@ -167,9 +183,7 @@ TEST_F(WindowRig, EscapeGivesUpTheStrokeThenTheTool) {
     ASSERT_TRUE(settled());
     SetupOptions options = shot(1);
     options.strokes = {"toolbar_addmatte=8,20,14,40"};
-    KeySetup setup(options, {});
-    setup.prepare();
-    EXPECT_TRUE(session().state().settings == Settings(setup.node().panel()));
+    expect_set_up(session(), options);
 }
 
 TEST_F(WindowRig, AStrokeThatCannotBeUsedLeavesNoPreview) {

@@ -78,12 +78,8 @@ class WindowRig : public SessionRig {
         return named<Widget>(*window_, QLatin1String(name));
     }
 
-    // Until nothing works and the latest request is shown whole, or why it cannot be.
     bool settled() {
-        return until([this] {
-            return !session().working() && session().current_frame() &&
-                   shown_.number == session().latest_request() && (shown_.whole || !shown_.error.empty());
-        });
+        return until([this] { return at_rest(session()); });
     }
 
     // The pointer, at places of the picture.
