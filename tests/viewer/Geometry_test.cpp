@@ -43,10 +43,7 @@ TEST(Geometry, FitsWhatItsAreaAndFormatAllow) {
         {{10, 20, 12, 22}, 1.0, 64.0, {11.0, 21.0}, {336.0, 236.0}},  // no closer than that
     };
     for (const auto& row : rows) {
-        Geometry geometry;
-        geometry.width = 800;
-        geometry.height = 600;
-        geometry = geometry.fitted({row.frame, row.aspect});
+        const Geometry geometry = Geometry{800, 600, 1.0, 1.0, {}}.fitted({row.frame, row.aspect});
         EXPECT_EQ(geometry.zoom, row.zoom);
         EXPECT_EQ(geometry.centre, row.centre);
         const Point corner{1.0 * row.frame.x, 1.0 * row.frame.t};

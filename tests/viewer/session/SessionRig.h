@@ -126,14 +126,10 @@ class SessionRig : public Files {
         return place;
     }
     void listen(Session& session) {
-        session.events.message = [this](const std::string& line) { messages_.push_back(line); };
         session.events.shown = [this](const ViewResult& result) {
             if (!result.picture.image && result.error.empty()) return;
             shown_ = result;
             ++count_;
-        };
-        session.events.tool = [this](const std::vector<ToolReport>& reports, bool preview) {
-            if (!preview) reports_ = reports;
         };
     }
     // Nothing works, and the latest request is shown whole, or why it cannot be.
@@ -152,11 +148,8 @@ class SessionRig : public Files {
         session.open(shot(frames));
         ASSERT_TRUE(settle(session));
     }
-    const Knob& knob(Session& session, std::string_view name) { return session.panel().get(name); }
 
     Desk desk_;
-    std::vector<std::string> messages_;
-    std::vector<ToolReport> reports_;
     ViewResult shown_;
     int count_ = 0;
 };

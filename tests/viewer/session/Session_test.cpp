@@ -1,8 +1,6 @@
 // A session as a window uses it: shots, edits, renders that are overtaken, what killed ones left.
 #include "viewer/session/SessionRig.h"
 
-#include "ZoImage/KnobValues.h"
-#include "render/Pictures.h"
 #include "session/Project.h"
 
 namespace test {
@@ -60,9 +58,6 @@ TEST_F(SessionRig, AnOvertakenRenderIsAborted) {
     make_plates(1, 2400, 1500);  // else it may end: what takes no quarter of a second does
     Session session(place());
     open(session, 1);
-    Sight sight = session.sight(0);
-    sight.picture = kResult;
-    session.set_sight(0, sight);
     const auto aborted = [&] { return session.view_stats().aborted; };
     session.set(session.panel().get("unmix_method"), 1.0);  // the slowest
     // Where the worker is when it is overtaken depends on the machine.
@@ -126,7 +121,7 @@ TEST_F(SessionRig, WhatAKilledSessionLeftIsOffered) {
     Session session(place());
     listen(session);
     session.rescue(left[0]);
-    ASSERT_TRUE(desk_.until([&] { return knob(session, "spill_cool").get_value() == 61.0; }));
+    ASSERT_TRUE(desk_.until([&] { return session.panel().get("spill_cool").get_value() == 61.0; }));
     EXPECT_TRUE(session.modified());
     EXPECT_EQ(session.document(), "/a/b.veloxa");
     for (int n = 0; n < 1000 && !Autosave::left(folder).empty(); ++n)

@@ -12,6 +12,9 @@
 #include <QPointingDevice>
 #include <QTest>
 #include <QWheelEvent>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "area/PictureArea.h"
 
@@ -73,7 +76,11 @@ class AreaRig : public testing::Test {
     // At a place in points.
     QRgb seen(QPointF place) { return seen().pixel((place * ratio()).toPoint()); }
 
+    // What was told since this was asked last.
+    std::vector<std::string> taken() { return std::exchange(told, {}); }
+
     PictureArea area;
+    std::vector<std::string> told;
 };
 
 }  // namespace test

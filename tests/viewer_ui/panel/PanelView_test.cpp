@@ -7,7 +7,6 @@
 #include <QClipboard>
 #include <QColorDialog>
 #include <QComboBox>
-#include <QElapsedTimer>
 #include <QMenu>
 #include <QScrollBar>
 #include <QTest>
@@ -321,14 +320,7 @@ TEST_F(PanelViewTest, SizesColoursAndButtonsOfTheirOwnKind) {
     EXPECT_TRUE(part<QAbstractButton>("show image as monochrome")->isChecked());
 }
 
-TEST_F(PanelViewTest, RefreshesQuicklyAndIsMadeAnew) {
-    QElapsedTimer timer;
-    timer.start();
-    for (int i = 0; i < 20; ++i) {
-        edits.knob("warm").set_value(i);
-        view.refresh();
-    }
-    EXPECT_LT(timer.elapsed() / 20, 20) << "ms; about a tenth of that is usual, sanitizers take longer";
+TEST_F(PanelViewTest, IsMadeAnew) {
     view.set_folded({"Film"});
     part<NumberField>("warm, Density")->setFocus();
     QTest::keyClicks(part<NumberField>("warm, Density"), "5");

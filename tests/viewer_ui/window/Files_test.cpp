@@ -5,7 +5,6 @@
 #include <QDockWidget>
 #include <QLineEdit>
 #include <QMenu>
-#include <QPlainTextEdit>
 #include <fstream>
 
 #include "panel/NumberField.h"

@@ -1,7 +1,4 @@
 // Strokes, buttons, picks and polygons in the window, against what the command line makes of the same.
-#include <QSignalSpy>
-#include <QToolButton>
-
 #include "shot/setup/KeySetup.h"
 #include "viewer_ui/window/WindowRig.h"
 

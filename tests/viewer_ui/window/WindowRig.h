@@ -156,6 +156,7 @@ class WindowRig : public SessionRig {
     }
 
     std::unique_ptr<MainWindow> window_;
+    std::vector<ToolReport> reports_;
     int checks_ = 0;
     std::vector<int> frames_;  // that were shown whole, each once in a row
 };
