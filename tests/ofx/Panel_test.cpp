@@ -149,6 +149,7 @@ TEST_F(Exchange, FilesThatDoNotFitChangeNothing) {
     refuses(file, "bad.veloxa: No such file");
     const std::pair<const char*, const char*> cases[] = {
         {"Veloxa {\n brights 130\n nonsense 3\n}\n", "bad.veloxa:3: "},
+        {"Veloxa {\n brights many\n}\n", "bad.veloxa:2: "},
         {"Veloxa {\n}\nVeloxa {\n}\n", "bad.veloxa:3: a second Veloxa group"},
         {"Other {\n}\n", "bad.veloxa: has no Veloxa { ... } group"}};
     for (const auto& [text, message] : cases) {

@@ -250,17 +250,25 @@ TEST_F(Render, AbortedAndThenWhole) {
     }
 }
 
-TEST_F(Render, PurgedAndEditedMeanwhile) {
+TEST_F(Render, PurgedAndEditedMeanwhileBesideAnother) {
     services.threads = 1;  // which asks at every row whether to go on
     const auto effect = instance(all_clips(), kShadow);
-    const Frame expected = Reference(all_clips(), kShadow).render();
-    const auto render = [&] { EXPECT_EQ(differences(effect->render(), expected), 0); };
+    const auto second = instance(two_clips(), kCleanup);
+    const Frame expected[] = {Reference(all_clips(), kShadow).render(),
+                              Reference(two_clips(), kCleanup).render()};
+    const auto render = [&] { EXPECT_EQ(differences(effect->render(), expected[0]), 0); };
     for (int i = 0; i < 2; ++i) render();  // rows are kept from the second on
     effect->when_polled = [&] { host_->action(kOfxActionPurgeCaches, effect.get()); };
     render();
-    const std::jthread one(render), other(render);
-    // A value that no render sees differently.
-    for (int i = 0; i < 5; ++i) effect->set("cleanup_shrink", {1.0 + i, 1.0});
+    const std::jthread one(render), other(render), beside([&] {
+        for (int i = 0; i < 3; ++i) EXPECT_EQ(differences(second->render(), expected[1]), 0);
+    });
+    // Values that no render sees differently.
+    for (int i = 0; i < 5; ++i) {
+        effect->set("cleanup_shrink", {1.0 + i, 1.0});
+        second->set("shadows_density", {90.0 + i});
+        EXPECT_EQ(host_->action(kOfxActionPurgeCaches, second.get()), kOfxStatOK);
+    }
 }
 
 // That they are no smaller shows in tiles.
