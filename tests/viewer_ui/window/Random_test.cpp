@@ -155,6 +155,13 @@ class RandomWindow : public WindowRig {
         std::vector<std::string> forth{script()};
         while (session().redo()) forth.push_back(script());
         EXPECT_TRUE(std::ranges::equal(forth, std::vector(back.rbegin(), back.rend())));
+        // An edit takes the place of what was undone.
+        ASSERT_TRUE(session().undo());
+        const std::string before = script();
+        session().set(session().panel().get("brights"), 77.125);
+        EXPECT_FALSE(session().redo());
+        EXPECT_TRUE(session().undo());
+        EXPECT_EQ(script(), before);
     }
 
     // --gtest_random_seed tries another session.
