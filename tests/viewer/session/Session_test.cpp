@@ -97,15 +97,14 @@ TEST_F(SessionRig, ASliderThatNeverRestsIsFollowed) {
 
 TEST_F(SessionRig, WhatAKilledSessionLeftIsOffered) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    // The same folder in the process that is killed, which runs this test from its beginning.
-    const std::string own = testing::TempDir() + "rescue-of-killed" + std::to_string(::getpid());
-    ::setenv("RESCUE_OF_KILLED", own.c_str(), 0);
+    // The same folder in the process that is killed, which runs this test from its beginning. It goes with
+    // the fixture's, after the threads that use it.
+    ::setenv("RESCUE_OF_KILLED", file("rescue").c_str(), 0);
     const std::string folder = std::getenv("RESCUE_OF_KILLED");
     const char* const kText = "Veloxa {\n    spill_cool 61\n}\n";
     EXPECT_EXIT(
         {
             std::filesystem::remove_all(folder_);  // nobody will when it is killed
-            std::filesystem::remove_all(folder);
             Autosave autosave(folder);
             autosave.keep([&] { return RescueText{kText, {}}; }, "/a/b.veloxa");
             autosave.flush();
@@ -124,10 +123,9 @@ TEST_F(SessionRig, WhatAKilledSessionLeftIsOffered) {
     ASSERT_TRUE(desk_.until([&] { return session.panel().get("spill_cool").get_value() == 61.0; }));
     EXPECT_TRUE(session.modified());
     EXPECT_EQ(session.document(), "/a/b.veloxa");
-    for (int n = 0; n < 1000 && !Autosave::left(folder).empty(); ++n)
+    for (int n = 0; n < 12000 && !Autosave::left(folder).empty(); ++n)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_TRUE(Autosave::left(folder).empty());
-    std::filesystem::remove_all(folder);
 }
 
 }  // namespace
