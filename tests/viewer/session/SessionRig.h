@@ -69,7 +69,7 @@ class Desk {
     }
     // Makes calls until `done` holds; false when it takes too long.
     template <class Done>
-    bool until(const Done& done, int seconds = 120) {
+    bool until(const Done& done, int seconds = 600) {
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
         for (;;) {
             std::unique_lock lock(mutex_);

@@ -32,7 +32,7 @@ class WindowRig : public SessionRig {
 
     // With the events taken in that do not wait.
     template <class Done>
-    static bool until(const Done& done, int seconds = 120) {
+    static bool until(const Done& done, int seconds = 600) {
         return QTest::qWaitFor(done, seconds * 1000);
     }
 
