@@ -40,7 +40,7 @@ restarts() {
 programs_of() {
     local process name
     for process in /proc/[0-9]*; do
-        { read -r name <"$process/comm"; } 2>/dev/null
+        { read -r name <"$process/comm"; } 2>/dev/null || continue
         { [ "$name" = veloxa ] && [ "$process/cwd" -ef . ]; } || continue
         [ -z "$1" ] || grep -qzx "SLURM_ARRAY_TASK_ID=$1" "$process/environ" 2>/dev/null || continue
         echo "${process#/proc/}"
@@ -164,7 +164,7 @@ disturb() {
     hurry
 }
 
-# at_work TASK: its program runs.
+# at_work TASK: its program runs, which is $program then.
 at_work() {
     program=$(programs_of "$1")
     [ -n "$program" ] && is "$1" RUNNING
@@ -215,7 +215,7 @@ goes_on() {
 }
 for how in program daemon program node program; do
     wait_until some_at_work || fail "$how finds no task to go on: $(states | xargs)"
-    kill -CONT "$program"
+    kill -CONT "$program" 2>/dev/null # one that came back may be done by now
     wait_until goes_on || fail "no frames are made: $(states | xargs)"
     send_all STOP
     frames_made=$(find farm -name 'a.*.exr' | wc -l)

@@ -57,6 +57,9 @@ inline ToolReport expect_set_up(const Session& session, const SetupOptions& opti
     return setup.strokes().empty() ? ToolReport() : setup.strokes().back();
 }
 
+// How long to wait for what must come; sanitizers on a busy machine take their time.
+constexpr std::chrono::minutes kPatience{10};
+
 // Takes calls from any thread and makes them on the test's.
 class Desk {
   public:
@@ -69,8 +72,8 @@ class Desk {
     }
     // Makes calls until `done` holds; false when it takes too long.
     template <class Done>
-    bool until(const Done& done, int seconds = 600) {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
+    bool until(const Done& done) {
+        const auto end = std::chrono::steady_clock::now() + kPatience;
         for (;;) {
             std::unique_lock lock(mutex_);
             while (!calls_.empty()) {

@@ -30,6 +30,7 @@ class TimeLineTest : public testing::Test {
     }
 
     std::vector<int> taken() { return std::exchange(wanted, {}); }
+
     TimeLine line;
     FrameStrip* strip = nullptr;
     std::vector<int> wanted;

@@ -61,13 +61,11 @@ TEST_F(WindowRig, ComparedSettingsFollowTheShot) {
         ASSERT_TRUE(until([&] { return session().current_frame() && !session().working(); }));
         session().set(panel_knob("screen_color"), 0.0, 0);
         session().set(panel_knob("screen_color"), 0.5, 1);
-        ASSERT_TRUE(until(
-            [&] {
-                const ShownPicture& other = window_->shown(1);
-                return other.image && samples(*other.image) == samples(keyed(options, 0));
-            },
-            20))
-            << frame;
+        const std::vector<float> expected = samples(keyed(options, 0));
+        ASSERT_TRUE(until([&] {
+            const ShownPicture& other = window_->shown(1);
+            return other.image && samples(*other.image) == expected;
+        })) << frame;
     }
 }
 

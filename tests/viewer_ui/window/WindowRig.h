@@ -32,8 +32,8 @@ class WindowRig : public SessionRig {
 
     // With the events taken in that do not wait.
     template <class Done>
-    static bool until(const Done& done, int seconds = 600) {
-        return QTest::qWaitFor(done, seconds * 1000);
+    static bool until(const Done& done) {
+        return QTest::qWaitFor(done, static_cast<int>(std::chrono::milliseconds(kPatience).count()));
     }
 
     void make_window() {
@@ -113,7 +113,7 @@ class WindowRig : public SessionRig {
     template <class Dialog>
     Dialog* dialog(const char* name) const {
         Dialog* found = nullptr;
-        until([&] { return (found = child<Dialog>(name)) != nullptr && found->isVisible(); }, 20);
+        until([&] { return (found = child<Dialog>(name)) != nullptr && found->isVisible(); });
         return found;
     }
     void answer(const char* name, QMessageBox::StandardButton button) const {
